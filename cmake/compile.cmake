@@ -1,0 +1,24 @@
+# Compiler settings that every target of ours takes by linking zv_compile; nothing is set globally.
+add_library(zv_compile INTERFACE)
+target_compile_options(zv_compile INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Werror
+  # g++ 12 warns falsely when a std::string takes a literal.
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>
+  -fvisibility=hidden
+  $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
+  -fstack-protector-strong)
+target_include_directories(zv_compile INTERFACE ${PROJECT_SOURCE_DIR}/include)
+
+if(ZV_SANITIZE)
+  target_compile_options(zv_compile INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer)
+  target_link_options(zv_compile INTERFACE -fsanitize=address,undefined)
+else()
+  target_compile_definitions(zv_compile INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  if(NOT APPLE)
+    target_link_options(zv_compile INTERFACE -Wl,-z,defs)
+  endif()
+endif()
+if(NOT APPLE)
+  target_link_options(zv_compile INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
