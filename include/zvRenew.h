@@ -1,0 +1,257 @@
+/**
+ * zvRenew: renews the certificates on a smart card. What a host program calls and reads; plain C.
+ *
+ * Conventions
+ *
+ *  1. Texts are NUL-terminated. A null text argument is taken as an empty text (a null `reader` stays "the
+ * first reader"); null output buffers, lists and list entries are skipped.
+ *  2. Every buffer belongs to the caller, who gives the sizes stated here; nothing is returned for the caller
+ * to free.
+ *  3. A result of 0 is success. Otherwise szBuffErr holds the text for the user. The result is one of the ZV_
+ * codes below, a PKCS#11 result (CKR_..., pkcs11.h) of the step that failed, or a code of the crypto library
+ * (zvCrypt.h, from 0x2000 up).
+ *  4. Calls must not overlap: the library keeps its state in variables of the process and takes no locks.
+ *  5. Call loadErrorCodes() once before anything else; the library never does, and without it the Italian
+ * messages of PKCS#11 failures are empty.
+ *  6. Every step goes to the user's log, "/.trevallo/zvRenew.log" below the home directory of the user
+ * database. The library does not create that directory: the host does (mode 0700). Without it nothing is
+ * logged. A PIN never is.
+ *  7. Requests and storing work on the module and the slot of the last reading (rinnovo_Card_readCerts): read
+ * first. Only slots 0 to 9 can be used by them.
+ *  8. Each call opens the card's PKCS#11 module itself and finalises it (C_Finalize) for the whole process
+ * when done: a host that uses the same module loses its sessions.
+ *  9. "Identifier" always means a CKA_ID, read as text. Signature (PRA) pairs are "DS" and a digit,
+ * authentication (AUT) pairs "AUTHCertificate" and a digit, the national services card's own pair is "CNS0".
+ * Digits 0 to 2 are the card's first keys; renewed keys take 3 to 5.
+ * 10. Guards: a call whose arguments would cost a key or a PIN try, or would not reach the card unchanged, is
+ * stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
+ * szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read). See
+ * docs/guards.md.
+ * 11. The PIN: an empty one is sent to the card like any other and costs a try. Reading logs in twice (once
+ * for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
+ * login is left out, so that one typing error costs one try.
+ */
+#ifndef ZV_RENEW_H
+#define ZV_RENEW_H
+
+#include <stdbool.h>
+
+#define ZV_API __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Pointers of a certificate list: the count, then at most ten certificates. */
+#define ZV_LIST_ENTRIES 11
+/** Characters of each list entry, terminator included. */
+#define ZV_LIST_ENTRY_SIZE 4096
+/** Characters of a key identifier buffer, terminator included. */
+#define ZV_KEY_ID_SIZE 32
+/** Characters of the buffer for a request, terminator included. */
+#define ZV_REQUEST_SIZE 16384
+/** Characters of a pending identifier that survive a reading (one more for the terminator). */
+#define ZV_PENDING_LABEL_MAX 31
+
+/** Success. */
+#define ZV_OK 0
+/** The command or the certificate was refused by the machinery; szSockMsg may say more. */
+#define ZV_FAILED 1
+/** Card not supported, no pending key, or a temporary file that could not be used. */
+#define ZV_UNSUPPORTED 100
+/** No module, no slot, unknown command or no memory. */
+#define ZV_UNUSABLE (-1)
+/** A result too large, or a call stopped by a guard before the card was touched. */
+#define ZV_NOT_SENT (-10000)
+
+/** Text for the user after a failed call. Cleared at the start of each call except
+ * rinnovo_Card_findFreeCKAID. */
+extern ZV_API char szBuffErr[512];
+
+/**
+ * Text for the user of the last failure inside the request machinery (session, key generation, signature).
+ * Never cleared by the library: empty it before a call to know whether it belongs to that call.
+ */
+extern ZV_API char szSockMsg[512];
+
+/** True after a reading of a services card or a search for free identifiers: the card holds DS3, DS4 or DS5.
+ */
+extern ZV_API bool use2048Bit;
+
+/** Always true: new signature keys are to have 2048 bits. */
+extern ZV_API bool force2048PraGen;
+
+/** True when the serial number of the card last detected begins with "1205". */
+extern ZV_API bool is1205SerialToken;
+
+/**
+ * Italian texts of the PKCS#11 results, indexed by result code (PKCS#11 section 11.1); empty until
+ * loadErrorCodes. Codes of 512 and more have no text: check before indexing.
+ */
+extern ZV_API char errorMessages[512][512];
+
+/** Fills errorMessages. May be called again. */
+ZV_API void loadErrorCodes(void);
+
+/**
+ * Says where an ATR table of the host's own (atr.ini) is; it is then asked before the built-in one.
+ *
+ * @param[in] dir  directory, 1 to 1023 characters; null, empty or longer: back to the built-in table alone
+ */
+ZV_API void set_ATRini_path(const char* dir);
+
+/**
+ * Detects the card and lists its certificates, pending keys and free identifiers.
+ *
+ * A certificate list is an array of 11 pointers (ZV_LIST_ENTRIES) to buffers of 4096 characters
+ * (ZV_LIST_ENTRY_SIZE). Entry 0 receives the number of certificates in decimal, entries 1 to n one record
+ * each, fields joined by "#", at most ten. Every entry must be an empty text before every call: counts and
+ * records are appended to what is there. listCNS is written only for a services card: put "0" into its entry
+ * 0 beforehand when the card is another one.
+ *
+ * Records: subject, issuer (attributes as numeric OIDs, "2.5.4.6=IT2.5.4.10=..."), IUT (dnQualifier),
+ * policies, serial number, start, end ("DD/MM/YYYY HH:MM:SS", UTC), identifier, then for PRA: notice text,
+ * subject key identifier, codice fiscale; for AUT and CNS: subject key identifier, codice fiscale. On a card
+ * that is not a services card, when there are PRA certificates and a PRA pair is pending, the first PRA
+ * record and the first AUT record each get one more field: keyPRA and keyAUT.
+ *
+ * @param[in]  reader        reader to use; null: the first that holds a card. A reader belongs to the card
+ * when its name contains the module's slot description, so of two readers whose names contain each other the
+ * first slot is taken. A text containing ".dll" is taken as the module path itself: no detection, slot 0,
+ *                           services card
+ * @param[in]  pin           user PIN. Sent as it is, also when empty. Sent twice, see convention 11
+ * @param[in]  reservedInt   not used
+ * @param[out] listCNS, listPRA, listAUT  lists as described
+ * @param[out] pendingCNS, pendingPRA, pendingAUT  1 when a pair generated for a request waits for its
+ * certificate, else 0
+ * @param[out] keyPRA, keyAUT  32 characters each: the pending pair's identifier; else a free identifier for a
+ * new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means that none is free; a full DS
+ *                           series also stops the proposal for AUT. "Free" looks at public keys only. A kind
+ * without a certificate on the card gets no proposal here (rinnovo_Card_findFreeCKAID gives one)
+ * @param[in]  reservedText  not used
+ * @param[in]  moduleDir     directory of the PKCS#11 modules, at most 511 characters
+ *
+ * @return 0; 100 unknown card ("Tipo di Smart Card non supportato"); -1 no slot of the module belongs to the
+ * reader, the module cannot be used, or the inventory failed; the PKCS#11 result of the session that could
+ * not be opened; a code of the crypto library. With no reader at all, detection ends without a module and the
+ * session fails with -1. After a failure: nothing on the card has changed; the lists may hold records without
+ * a count. A wrong PIN has cost one try.
+ */
+ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char** listCNS, char** listPRA,
+                                  char** listAUT, int* pendingCNS, int* pendingPRA, int* pendingAUT,
+                                  char* keyPRA, char* keyAUT, char* reservedText, const char* moduleDir);
+
+/**
+ * Finds the identifiers for a new PRA and a new AUT pair: a pending pair's, else the first of 3, 4, 5 that no
+ * public key has.
+ *
+ * The module directory of the last rinnovo_Card_readCerts is used; szBuffErr is not cleared at the start.
+ *
+ * @param[in]  reader, pin     as in rinnovo_Card_readCerts; one login
+ * @param[out] keyPRA, keyAUT  32 characters each; a text without a digit means that none is free
+ *
+ * @return 0; 1 none free in one of the series (keyPRA is "DS": none for PRA, and AUT was not looked for);
+ * otherwise as rinnovo_Card_readCerts After a failure: nothing on the card has changed.
+ */
+ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, char* keyAUT);
+
+/**
+ * Makes a signature-certificate request: a PKCS#10 request (RFC 2986) for a key pair generated on the card,
+ * signed by that pair, and wrapped as CMS SignedData (RFC 5652) by an existing key of the card.
+ *
+ * The pair: one whose identifier contains pendingLabel and that is on the card already is used again;
+ * otherwise 2048 bits are generated, which can take a minute. The request carries SHA-1
+ * (sha1WithRSAEncryption); the wrapping SHA-256.
+ *
+ * @param[out] requestOut    16384 characters (ZV_REQUEST_SIZE): the DER of the CMS in base64, lines of 64
+ * characters. Longer results are cut: a text of exactly 16,383 characters is a failure. A terminator is
+ * always written at 16,383
+ * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most 31 characters, such as
+ * keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not be empty, nor a part of
+ * keyId
+ * @param[in]  pin           user PIN, at most 31 characters, no trailing blank
+ * @param[in]  keyId         identifier of the card's key that signs the wrapping (the certificate being
+ * renewed). On a services card the identifier "CNS0" goes through rinnovo_Card_createCertRequestAUT
+ * @param[in]  dn            subject: attributes as OID and "=" ("2.5.4.6=IT2.5.4.3=NAME...", as the records
+ * give them), or
+ *                           "/OU=", "/emailAddress=", "/gn=", "/serialNumber=". Values are cut to 64
+ * characters (country 2, description, e-mail and locality 127); the subject is worked on in a text of 1023
+ * characters and loses what goes past it. A sixth organisational unit is ignored
+ * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request; false
+ * keeps and reuses it
+ *
+ * @return 0; -10000 a guard; 1 the request machinery (szSockMsg may hold the reason); 100 a temporary file; a
+ * PKCS#11 result of the session; a code of the crypto library After a failure: the pair, if it was generated,
+ * stays on the card under pendingLabel, and the next call with that label uses it again. The temporary files
+ * (/tmp/tmpReqFile, /tmp/szP7MName, /tmp/szP7MNameB64; no secrets) are left.
+ */
+ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin,
+                                             char* keyId, const char* dn, bool keepFlag);
+
+/**
+ * Makes a request for the authentication certificate, or, with keyId exactly "CNS0", for the services card's
+ * own pair.
+ *
+ * For "CNS0" no pair is generated: the card's key is used, and a marker object "pending_CNS_key" says that a
+ * request is under way. Everything else as rinnovo_Card_createCertRequestPRA.
+ */
+ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendingLabel, char* pin,
+                                             char* keyId, const char* dn, bool keepFlag);
+
+/**
+ * Stores the issued signature certificate on the card, next to its pending pair.
+ *
+ * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
+ * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
+ * authority's certificate "Korvalenta Firma Dig", which nothing puts back. Only then is the certificate
+ * checked against the pending pair. Then pair and certificate get pendingLabel as CKA_ID and CKA_LABEL.
+ *
+ * @param[in]     pin           user PIN, at most 31 characters, no trailing blank
+ * @param[in,out] certLabel     identifier of the certificate to replace, room for 4 characters at least:
+ * trailing blanks are removed in place, and an empty text becomes "DS0" in place (so an empty label *means*
+ * DS0). Give a whole identifier. It must not be a part of pendingLabel when keepOld is false
+ * @param[in]     pendingLabel  identifier of the pending pair, whole. A wrong one renames another key: every
+ * key whose identifier contains it matches, the last one found is taken. Must not be empty
+ * @param[in]     certChain     the certificate: base64 DER, PEM or a PKCS#7 bundle, line breaks allowed. Some
+ * 7,500 characters at most, since the whole command must fit 8,000. Subject and issuer up to 512 bytes of
+ * DER, keys up to 2048 bits
+ * @param[in]     keepOld       true keeps the old certificate and its keys, false removes them first
+ *
+ * @return 0; -10000 a guard; 1 the certificate was refused (no certificate, not of the pending pair, not
+ * written) or a deletion failed; a PKCS#11 result of the session After a failure: the pending pair is on the
+ * card, under its pending identifier; with keepOld false the old objects may be gone already. The same call
+ * with keepOld true can be repeated.
+ */
+ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLabel, char* certChain,
+                                    bool keepOld);
+
+/**
+ * Stores the issued authentication certificate, or, with certLabel exactly "CNS0", the services card's own.
+ *
+ * As rinnovo_Card_saveCertPRA, but an empty certLabel becomes "AUTHCertificate0" (room for 17 characters),
+ * and the authority's certificate is left alone. For "CNS0" with keepOld false only the certificate with
+ * exactly that identifier is removed, first of all: after a failure a second try with keepOld false fails
+ * because it is gone (result -1); repeat with keepOld true. The marker "pending_CNS_key" is removed once the
+ * certificate is stored.
+ */
+ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLabel, char* certChain,
+                                    bool keepOld);
+
+/**
+ * Opens the crypto library's own session on the slot of the last reading and logs it in. Not used by the
+ * calls above.
+ *
+ * @param[in] libPath  path of the PKCS#11 module
+ * @param[in] pin      user PIN
+ * @return 0, or the crypto library's code
+ */
+ZV_API int DoInitialize(char* libPath, char* pin);
+
+/** Closes the crypto library's own session. Returns 0, or the crypto library's code. */
+ZV_API int DoFinalize(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
