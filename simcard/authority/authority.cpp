@@ -1,0 +1,72 @@
+#include "simcard/authority/authority.h"
+
+#include "simcard/authority/build_certificate.h"
+#include "simcard/authority/certificate_file.h"
+#include "simcard/authority/errors.h"
+#include "simcard/authority/files.h"
+#include "simcard/authority/keys.h"
+#include "simcard/authority/name.h"
+
+#include <openssl/objects.h>
+
+namespace simcard {
+namespace {
+
+constexpr const char* key_file = "key.pem";
+constexpr const char* certificate_file = "certificate.pem";
+
+// Wide enough that every certificate of a card, also one made as long expired, lies within it.
+Validity authority_validity() {
+    const std::time_t now = std::time(nullptr);
+    return {now - 10 * 365 * one_day, now + 20 * 365 * one_day};
+}
+
+DistinguishedName authority_name() {
+    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+    add_to_name(*name, NID_countryName, "IT");
+    add_to_name(*name, NID_organizationName, "Korvalenta S.p.A.");
+    add_to_name(*name, NID_commonName, "Korvalenta Firma Dig demo");
+    return name;
+}
+
+// A folder that is made whole and then takes its name: of two makers one wins, and both use the winner's.
+void create(const std::filesystem::path& folder) {
+    const TemporaryFolder fresh(folder);
+    const PrivateKey key = generate_key_pair();
+    const DistinguishedName name = authority_name();
+    const Certificate certificate =
+        build_certificate({*name, *key, authority_kind(), authority_validity(), nullptr, *key});
+    write_private_key(fresh.path() / key_file, *key);
+    write_file(fresh.path() / certificate_file, certificate_text(*certificate, CertificateForm::pem),
+               Access::everyone_reads);
+    std::error_code error;
+    std::filesystem::rename(fresh.path(), folder, error);
+    if (error && !std::filesystem::exists(folder / key_file))
+        throw Failure("Cannot make " + folder.string() + " (" + error.message() + ").");
+}
+
+} // namespace
+
+Authority::Authority(PrivateKey key, Certificate certificate)
+    : key_(std::move(key)), certificate_(std::move(certificate)) {}
+
+Authority Authority::open_or_create(const std::filesystem::path& folder) {
+    if (!std::filesystem::exists(folder)) create(folder);
+    std::vector<PrivateKey> keys = read_key_pairs(folder / key_file);
+    Certificate certificate = read_certificate(folder / certificate_file);
+    if (X509_check_private_key(certificate.get(), keys.front().get()) != 1)
+        throw Refusal("In " + folder.string() +
+                      " the authority's key and certificate do not belong together.");
+    return {std::move(keys.front()), std::move(certificate)};
+}
+
+std::filesystem::path Authority::folder_beside_cards(const std::filesystem::path& cards_home) {
+    return cards_home / ".authority";
+}
+
+Certificate Authority::issue(const X509_NAME& subject, EVP_PKEY& subject_key, const CertificateKind& kind,
+                             Validity validity) const {
+    return build_certificate({subject, subject_key, kind, validity, certificate_.get(), *key_});
+}
+
+} // namespace simcard

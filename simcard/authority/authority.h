@@ -1,0 +1,47 @@
+#pragma once
+
+#include "simcard/authority/certificate_kind.h"
+#include "simcard/authority/openssl_handles.h"
+
+#include <ctime>
+#include <filesystem>
+
+namespace simcard {
+
+/// From when to when a certificate holds; seconds since 1970.
+struct Validity {
+    std::time_t from;
+    std::time_t to;
+};
+
+constexpr std::time_t one_day = 24 * 60 * 60;
+
+/// The small demonstration authority that signs the certificates of simulated cards.
+class Authority {
+  public:
+    /**
+     * Opens the authority kept in `folder`, and makes a new one first when there is none: a folder of mode
+     * 0700 with "key.pem" (mode 0600) and "certificate.pem". Two processes that do so at once get the same
+     * one.
+     *
+     * @throws Failure when it cannot be made; Refusal when what is there is not an authority.
+     */
+    [[nodiscard]] static Authority open_or_create(const std::filesystem::path& folder);
+
+    /// Where the authority of a folder of cards is kept: inside it, hidden, in a folder that is no card.
+    [[nodiscard]] static std::filesystem::path folder_beside_cards(const std::filesystem::path& cards_home);
+
+    [[nodiscard]] X509& certificate() const { return *certificate_; }
+
+    /// Issues a certificate: version 3, a random serial number, signed with SHA-256.
+    [[nodiscard]] Certificate issue(const X509_NAME& subject, EVP_PKEY& subject_key,
+                                    const CertificateKind& kind, Validity validity) const;
+
+  private:
+    Authority(PrivateKey key, Certificate certificate);
+
+    PrivateKey key_;
+    Certificate certificate_;
+};
+
+} // namespace simcard

@@ -1,0 +1,58 @@
+#include "simcard/authority/build_certificate.h"
+
+#include "simcard/authority/errors.h"
+#include "simcard/authority/memory_bio.h"
+
+#include <openssl/x509v3.h>
+
+namespace simcard {
+namespace {
+
+constexpr int serial_bits = 127; // 16 bytes, the first of them neither zero nor negative
+
+void need(int result, const char* step) {
+    if (result != 1) fail_with_openssl_reason(step);
+}
+
+void set_serial(X509& certificate) {
+    const BigNumber number = made(BigNumber(BN_new()));
+    need(BN_rand(number.get(), serial_bits, BN_RAND_TOP_ONE, BN_RAND_BOTTOM_ANY), "Choosing a serial number");
+    if (BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(&certificate)) == nullptr)
+        fail_with_openssl_reason("Setting the serial number");
+}
+
+void set_validity(X509& certificate, Validity validity) {
+    if (ASN1_TIME_set(X509_getm_notBefore(&certificate), validity.from) == nullptr ||
+        ASN1_TIME_set(X509_getm_notAfter(&certificate), validity.to) == nullptr)
+        fail_with_openssl_reason("Setting the dates");
+}
+
+void add_extensions(X509& certificate, X509& issuer, const char* text) {
+    const Configuration configuration = made(Configuration(NCONF_new(nullptr)));
+    const Bio source = reading(text);
+    need(NCONF_load_bio(configuration.get(), source.get(), nullptr), "Reading the extensions");
+    X509V3_CTX context{};
+    X509V3_set_ctx(&context, &issuer, &certificate, nullptr, nullptr, 0);
+    X509V3_set_nconf(&context, configuration.get());
+    need(X509V3_EXT_add_nconf(configuration.get(), &context, "extensions", &certificate),
+         "Adding the extensions");
+}
+
+} // namespace
+
+Certificate build_certificate(const CertificatePlan& plan) {
+    Certificate certificate = made(Certificate(X509_new()));
+    X509& issuer = plan.issuer != nullptr ? *plan.issuer : *certificate;
+    need(X509_set_version(certificate.get(), X509_VERSION_3), "Setting the version");
+    set_serial(*certificate);
+    need(X509_set_subject_name(certificate.get(), &plan.subject), "Setting the subject");
+    need(X509_set_issuer_name(certificate.get(), X509_get_subject_name(&issuer)), "Setting the issuer");
+    set_validity(*certificate, plan.validity);
+    need(X509_set_pubkey(certificate.get(), &plan.subject_key), "Setting the key");
+    add_extensions(*certificate, issuer, plan.kind.extensions);
+    if (X509_sign(certificate.get(), &plan.signing_key, EVP_sha256()) == 0)
+        fail_with_openssl_reason("Signing the certificate");
+    return certificate;
+}
+
+} // namespace simcard

@@ -1,0 +1,64 @@
+#include "simcard/authority/keys.h"
+
+#include "simcard/authority/errors.h"
+#include "simcard/authority/files.h"
+#include "simcard/authority/memory_bio.h"
+
+#include <openssl/crypto.h>
+#include <openssl/err.h>
+#include <openssl/pem.h>
+#include <openssl/rsa.h>
+
+namespace simcard {
+namespace {
+
+// Wipes a text that held key material when the step is over, however it ends.
+struct WipeAtEnd {
+    std::string& text;
+    ~WipeAtEnd() { OPENSSL_cleanse(text.data(), text.size()); }
+};
+
+int no_passphrase(char*, int, int, void*) {
+    return -1;
+}
+
+void check_is_usable(const EVP_PKEY& key, const std::filesystem::path& path) {
+    if (!EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_get_bits(&key) != static_cast<int>(key_bits))
+        throw Refusal(path.string() + " holds a key that is not RSA of 2048 bits.");
+}
+
+} // namespace
+
+PrivateKey generate_key_pair() {
+    PrivateKey key(EVP_RSA_gen(key_bits));
+    if (!key) fail_with_openssl_reason("Making a key pair");
+    return key;
+}
+
+std::vector<PrivateKey> read_key_pairs(const std::filesystem::path& path) {
+    std::string text = read_file(path);
+    const WipeAtEnd wipe{text};
+    const Bio source = reading(text);
+    std::vector<PrivateKey> keys;
+    while (PrivateKey key{PEM_read_bio_PrivateKey(source.get(), nullptr, no_passphrase, nullptr)}) {
+        check_is_usable(*key, path);
+        keys.push_back(std::move(key));
+    }
+    ERR_clear_error();
+    if (keys.empty()) throw Refusal(path.string() + " holds no private key in PEM.");
+    return keys;
+}
+
+void write_private_key(const std::filesystem::path& path, EVP_PKEY& key) {
+    const Bio target = writing();
+    if (PEM_write_bio_PrivateKey(target.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) != 1)
+        fail_with_openssl_reason("Writing a private key");
+    write_file(path, written(*target), Access::owner_only);
+}
+
+PrivateKey share(EVP_PKEY& key) {
+    EVP_PKEY_up_ref(&key);
+    return PrivateKey(&key);
+}
+
+} // namespace simcard

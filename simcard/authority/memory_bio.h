@@ -1,0 +1,19 @@
+#pragma once
+
+#include "simcard/authority/openssl_handles.h"
+
+#include <string_view>
+
+// OpenSSL reads from and writes to texts in memory through these.
+namespace simcard {
+
+/// Reads from `text`, which must outlive it.
+[[nodiscard]] Bio reading(std::string_view text);
+
+/// Collects what is written to it.
+[[nodiscard]] Bio writing();
+
+/// What was written so far; valid while `target` is and nothing more is written.
+[[nodiscard]] std::string_view written(BIO& target);
+
+} // namespace simcard

@@ -1,0 +1,52 @@
+#include "simcard/authority/name.h"
+
+#include "simcard/authority/errors.h"
+#include "simcard/authority/memory_bio.h"
+
+#include <openssl/err.h>
+#include <openssl/objects.h>
+
+namespace simcard {
+
+void add_to_name(X509_NAME& name, int nid, const std::string& value) {
+    const auto* text = reinterpret_cast<const unsigned char*>(value.data());
+    if (value.empty() || X509_NAME_add_entry_by_NID(&name, nid, MBSTRING_UTF8, text,
+                                                    static_cast<int>(value.size()), -1, 0) != 1) {
+        ERR_clear_error();
+        throw Refusal("\"" + value + "\" cannot be the " + OBJ_nid2ln(nid) + " of a certificate's subject.");
+    }
+}
+
+DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualifier) {
+    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+    add_to_name(*name, NID_countryName, "IT");
+    add_to_name(*name, NID_organizationName, holder.organisation);
+    add_to_name(*name, NID_commonName, holder.given_name + " " + holder.surname);
+    add_to_name(*name, NID_serialNumber, "TINIT-" + holder.codice_fiscale);
+    add_to_name(*name, NID_surname, holder.surname);
+    add_to_name(*name, NID_givenName, holder.given_name);
+    add_to_name(*name, NID_dnQualifier, dn_qualifier);
+    return name;
+}
+
+std::string value_in_name(const X509_NAME& name, int nid) {
+    const int index = X509_NAME_get_index_by_NID(&name, nid, -1);
+    if (index < 0) return {};
+    unsigned char* text = nullptr;
+    const int length =
+        ASN1_STRING_to_UTF8(&text, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(&name, index)));
+    if (length < 0) return {};
+    std::string value(reinterpret_cast<const char*>(text), static_cast<std::size_t>(length));
+    OPENSSL_free(text);
+    return value;
+}
+
+std::string readable(const X509_NAME& name) {
+    const Bio line = writing();
+    constexpr unsigned long form =
+        (XN_FLAG_ONELINE & ~XN_FLAG_SPC_EQ & ~ASN1_STRFLGS_ESC_MSB) | ASN1_STRFLGS_UTF8_CONVERT;
+    X509_NAME_print_ex(line.get(), &name, 0, form);
+    return std::string(written(*line));
+}
+
+} // namespace simcard

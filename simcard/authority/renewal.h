@@ -1,0 +1,33 @@
+#pragma once
+
+#include "simcard/authority/authority.h"
+#include "simcard/authority/signed_request.h"
+
+#include <string_view>
+
+namespace simcard {
+
+struct RenewalTerms {
+    /// The kind to issue; null: the kind of the certificate that signed the request.
+    const CertificateKind* kind = nullptr;
+    int days = 3 * 365;
+    /// Whether a request without a signed message around it is taken: nothing then says whose it is.
+    bool bare_requests = false;
+};
+
+struct Renewal {
+    Certificate certificate;
+    VerifiedRequest request;
+    const CertificateKind& kind;
+};
+
+/**
+ * Answers a request file: verifies it, checks that the request is for the person who signed it (the same
+ * serialNumber in both subjects), and issues the certificate, with the request's subject and key.
+ *
+ * @throws Refusal that says why nothing was issued.
+ */
+[[nodiscard]] Renewal answer_request(const Authority& authority, std::string_view file,
+                                     const RenewalTerms& terms);
+
+} // namespace simcard
