@@ -1,0 +1,54 @@
+#include "failure.h"
+
+#include "text.h"
+
+#include <new>
+
+namespace zvcrypt {
+namespace {
+
+struct LastFailure {
+    int code = ZVC_OK;
+    std::string reason;
+};
+
+LastFailure& lastFailure() {
+    static LastFailure last;
+    return last;
+}
+
+int keep(zvCryptError code, const char* reason) noexcept {
+    lastFailure().code = code;
+    try {
+        lastFailure().reason = reason;
+    } catch (const std::bad_alloc&) {
+        lastFailure().reason.clear();
+    }
+    return code;
+}
+
+} // namespace
+
+int runOperation(const std::function<void()>& body) noexcept {
+    lastFailure().code = ZVC_OK;
+    lastFailure().reason.clear();
+    try {
+        body();
+        return ZVC_OK;
+    } catch (const Failure& failure) {
+        return keep(failure.code(), failure.what());
+    } catch (const std::bad_alloc&) {
+        return keep(ZVC_ERR_INTERNAL, "Memoria esaurita");
+    } catch (const std::exception& error) {
+        return keep(ZVC_ERR_INTERNAL, error.what());
+    }
+}
+
+} // namespace zvcrypt
+
+int kvLastError(char* buffer, int size) {
+    const auto& last = zvcrypt::lastFailure();
+    if (buffer != nullptr && size > 0)
+        (void)zvcrypt::copyText(last.reason, {buffer, static_cast<std::size_t>(size)});
+    return last.code;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "zvCrypt.h"
+
+#include <exception>
+#include <functional>
+#include <string>
+
+namespace zvcrypt {
+
+// Why an operation cannot go on: the code for its caller and the Italian sentence for the user.
+class Failure : public std::exception {
+  public:
+    Failure(zvCryptError code, std::string reason) : code_(code), reason_(std::move(reason)) {}
+
+    [[nodiscard]] zvCryptError code() const noexcept { return code_; }
+    [[nodiscard]] const std::string& reason() const noexcept { return reason_; }
+    [[nodiscard]] const char* what() const noexcept override { return reason_.c_str(); }
+
+  private:
+    zvCryptError code_;
+    std::string reason_;
+};
+
+// Runs the body of an exported operation: forgets the last failure first, keeps a new one for kvLastError and
+// lets no exception out.
+[[nodiscard]] int runOperation(const std::function<void()>& body) noexcept;
+
+// Fails with ZVC_ERR_ARGUMENT when one of the arguments is null.
+template <class... Pointers> void requireArguments(const Pointers*... pointers) {
+    if (((pointers == nullptr) || ...))
+        throw Failure(ZVC_ERR_ARGUMENT, "Argomento mancante nella chiamata alla libreria crittografica");
+}
+
+} // namespace zvcrypt

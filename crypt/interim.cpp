@@ -1,0 +1,80 @@
+#include "failure.h"
+
+namespace {
+int refuse() {
+    return zvcrypt::runOperation(
+        [] { throw zvcrypt::Failure(ZVC_ERR_INTERNAL, "Operazione non disponibile"); });
+}
+} // namespace
+
+int kvGetReader(char*) {
+    return refuse();
+}
+int kvGetPKCS11FromATR(char*, char*) {
+    return refuse();
+}
+int kvGetPKCS11FromATRLite(char*, char*, const char*) {
+    return refuse();
+}
+int kvIsCNSINCARD() {
+    return 0;
+}
+int kvIsTOUCHSIGN() {
+    return 0;
+}
+int kvInitialize(char*, int) {
+    return refuse();
+}
+int kvLogin(const char*) {
+    return refuse();
+}
+int kvFinalize() {
+    return refuse();
+}
+int kvCheckSmartCard(char*, char*, char*, char*) {
+    return refuse();
+}
+int kvSignFile(const char*, const char*, const char*, const char*) {
+    return refuse();
+}
+int kvFileToBase64(char*, char*, const char*) {
+    return refuse();
+}
+int kvGetSubjectDN(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetIssuerDN(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvX509GetSerial(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetIUT(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetCodFisc(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetCertificatePolicies(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetExplicitText(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int zv_X509V3_get_subject_key_identifier(unsigned char*, unsigned long, char*, int) {
+    return refuse();
+}
+int kvGetCertDate(unsigned char*, unsigned long, char*, char*) {
+    return refuse();
+}
+int GiveMeCertDate(unsigned char*, unsigned long, char*, int, char*) {
+    return refuse();
+}
+void writeBuff(char*, char*) {}
+int SplitCert(char*, datiCert*, char*, int) {
+    return refuse();
+}
+int ConvToDer(unsigned char*, unsigned long, char*, unsigned long*, char*, unsigned long*, char*,
+              unsigned long*) {
+    return refuse();
+}

@@ -1,0 +1,59 @@
+#include "text.h"
+
+#include "failure.h"
+
+#include <algorithm>
+
+namespace zvcrypt {
+namespace {
+
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+} // namespace
+
+bool copyText(std::string_view text, std::span<char> buffer) noexcept {
+    std::size_t length = text.size();
+    if (length >= buffer.size()) {
+        length = buffer.size() - 1;
+        while (length > 0 && isContinuation(text[length]))
+            --length;
+    }
+    std::copy_n(text.begin(), length, buffer.begin());
+    buffer[length] = '\0';
+    return length == text.size();
+}
+
+std::span<char> outputBuffer(char* buffer, int size) {
+    requireArguments(buffer);
+    if (size < 1) throw Failure(ZVC_ERR_ARGUMENT, "Dimensione del buffer non valida");
+    buffer[0] = '\0';
+    return {buffer, static_cast<std::size_t>(size)};
+}
+
+void writeText(std::string_view text, std::span<char> buffer) {
+    if (!copyText(text, buffer))
+        throw Failure(ZVC_ERR_CUT, "Il testo supera i " + std::to_string(buffer.size() - 1) +
+                                       " caratteri previsti ed è stato troncato");
+}
+
+std::string upperHex(std::span<const unsigned char> bytes) {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    std::string hex;
+    hex.reserve(bytes.size() * 2);
+    for (const unsigned char byte : bytes) {
+        hex += digits[byte >> 4];
+        hex += digits[byte & 0xF];
+    }
+    return hex;
+}
+
+std::string_view trimmed(std::string_view text) noexcept {
+    static constexpr std::string_view blanks{" \t\r\n\0", 5};
+    const auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+} // namespace zvcrypt

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zvcrypt {
+
+// Copies a UTF-8 text with its terminator into a buffer. A text that does not fit ends after the last whole
+// character that does, and the result is false.
+[[nodiscard]] bool copyText(std::string_view text, std::span<char> buffer) noexcept;
+
+// A buffer of an exported operation that gives its size as an int; a size below 1 is ZVC_ERR_ARGUMENT.
+// Empties it.
+[[nodiscard]] std::span<char> outputBuffer(char* buffer, int size);
+
+// As copyText, but what does not fit is ZVC_ERR_CUT.
+void writeText(std::string_view text, std::span<char> buffer);
+
+[[nodiscard]] std::string upperHex(std::span<const unsigned char> bytes);
+
+// The text without blanks and NULs around it.
+[[nodiscard]] std::string_view trimmed(std::string_view text) noexcept;
+
+} // namespace zvcrypt
