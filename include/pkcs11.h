@@ -200,7 +200,7 @@ typedef CK_FUNCTION_LIST* CK_FUNCTION_LIST_PTR;
 typedef CK_FUNCTION_LIST_PTR* CK_FUNCTION_LIST_PTR_PTR;
 
 /* The prototypes, and for each function the type of a pointer to it (CK_C_Initialize, ...). */
-#define CK_DECLARE_FUNCTION(name, parameters)                                                                \
+#define CK_DECLARE_FUNCTION(name, parameters, names)                                                         \
     typedef CK_RV(*CK_##name) parameters;                                                                    \
     CK_RV name parameters;
 CK_EACH_FUNCTION(CK_DECLARE_FUNCTION)
@@ -210,7 +210,7 @@ CK_EACH_FUNCTION(CK_DECLARE_FUNCTION)
  * function. */
 struct CK_FUNCTION_LIST {
     CK_VERSION version;
-#define CK_LIST_FUNCTION(name, parameters) CK_##name name;
+#define CK_LIST_FUNCTION(name, parameters, names) CK_##name name;
     CK_EACH_FUNCTION(CK_LIST_FUNCTION)
 #undef CK_LIST_FUNCTION
 };
