@@ -4,7 +4,6 @@
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/files.h"
-#include "simcard/authority/keys.h"
 #include "simcard/authority/name.h"
 
 #include <openssl/objects.h>
@@ -30,9 +29,9 @@ DistinguishedName authority_name() {
 }
 
 // A folder that is made whole and then takes its name: of two makers one wins, and both use the winner's.
-void create(const std::filesystem::path& folder) {
+void create(const std::filesystem::path& folder, KeySource& keys) {
     const TemporaryFolder fresh(folder);
-    const PrivateKey key = generate_key_pair();
+    const PrivateKey key = keys.next();
     const DistinguishedName name = authority_name();
     const Certificate certificate =
         build_certificate({*name, *key, authority_kind(), authority_validity(), nullptr, *key});
@@ -50,14 +49,19 @@ void create(const std::filesystem::path& folder) {
 Authority::Authority(PrivateKey key, Certificate certificate)
     : key_(std::move(key)), certificate_(std::move(certificate)) {}
 
-Authority Authority::open_or_create(const std::filesystem::path& folder) {
-    if (!std::filesystem::exists(folder)) create(folder);
-    std::vector<PrivateKey> keys = read_key_pairs(folder / key_file);
+Authority Authority::open_or_create(const std::filesystem::path& folder, KeySource& keys) {
+    if (!std::filesystem::exists(folder)) create(folder, keys);
+    return open(folder);
+}
+
+Authority Authority::open(const std::filesystem::path& folder) {
+    if (!std::filesystem::exists(folder)) throw Refusal("There is no authority in " + folder.string() + ".");
+    PrivateKey key = KeySource::from_file(folder / key_file).next();
     Certificate certificate = read_certificate(folder / certificate_file);
-    if (X509_check_private_key(certificate.get(), keys.front().get()) != 1)
+    if (X509_check_private_key(certificate.get(), key.get()) != 1)
         throw Refusal("In " + folder.string() +
                       " the authority's key and certificate do not belong together.");
-    return {std::move(keys.front()), std::move(certificate)};
+    return {std::move(key), std::move(certificate)};
 }
 
 std::filesystem::path Authority::folder_beside_cards(const std::filesystem::path& cards_home) {

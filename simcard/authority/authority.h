@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simcard/authority/certificate_kind.h"
+#include "simcard/authority/keys.h"
 #include "simcard/authority/openssl_handles.h"
 
 #include <ctime>
@@ -19,14 +20,17 @@ constexpr std::time_t one_day = 24 * 60 * 60;
 /// The small demonstration authority that signs the certificates of simulated cards.
 class Authority {
   public:
+    /// Opens the authority kept in `folder`. @throws Refusal when there is none.
+    [[nodiscard]] static Authority open(const std::filesystem::path& folder);
+
     /**
-     * Opens the authority kept in `folder`, and makes a new one first when there is none: a folder of mode
-     * 0700 with "key.pem" (mode 0600) and "certificate.pem". Two processes that do so at once get the same
+     * The same, but makes a new one first when there is none: a folder of mode 0700 with "key.pem" (mode
+     * 0600) and "certificate.pem", its key taken from `keys`. Two processes that do so at once get the same
      * one.
      *
-     * @throws Failure when it cannot be made; Refusal when what is there is not an authority.
+     * @throws Failure when it cannot be made.
      */
-    [[nodiscard]] static Authority open_or_create(const std::filesystem::path& folder);
+    [[nodiscard]] static Authority open_or_create(const std::filesystem::path& folder, KeySource& keys);
 
     /// Where the authority of a folder of cards is kept: inside it, hidden, in a folder that is no card.
     [[nodiscard]] static std::filesystem::path folder_beside_cards(const std::filesystem::path& cards_home);

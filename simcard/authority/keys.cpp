@@ -29,24 +29,30 @@ void check_is_usable(const EVP_PKEY& key, const std::filesystem::path& path) {
 
 } // namespace
 
-PrivateKey generate_key_pair() {
-    PrivateKey key(EVP_RSA_gen(key_bits));
-    if (!key) fail_with_openssl_reason("Making a key pair");
-    return key;
-}
-
-std::vector<PrivateKey> read_key_pairs(const std::filesystem::path& path) {
+KeySource KeySource::from_file(const std::filesystem::path& path) {
     std::string text = read_file(path);
     const WipeAtEnd wipe{text};
     const Bio source = reading(text);
-    std::vector<PrivateKey> keys;
+    KeySource keys;
     while (PrivateKey key{PEM_read_bio_PrivateKey(source.get(), nullptr, no_passphrase, nullptr)}) {
         check_is_usable(*key, path);
-        keys.push_back(std::move(key));
+        keys.ready_.push_back(std::move(key));
     }
     ERR_clear_error();
-    if (keys.empty()) throw Refusal(path.string() + " holds no private key in PEM.");
+    if (keys.ready_.empty()) throw Refusal(path.string() + " holds no private key in PEM.");
     return keys;
+}
+
+PrivateKey KeySource::next() {
+    PrivateKey key;
+    if (ready_.empty()) {
+        key.reset(EVP_RSA_gen(key_bits));
+        if (!key) fail_with_openssl_reason("Making a key pair");
+    } else {
+        key = std::move(ready_.front());
+        ready_.pop_front();
+    }
+    return key;
 }
 
 void write_private_key(const std::filesystem::path& path, EVP_PKEY& key) {
@@ -54,11 +60,6 @@ void write_private_key(const std::filesystem::path& path, EVP_PKEY& key) {
     if (PEM_write_bio_PrivateKey(target.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) != 1)
         fail_with_openssl_reason("Writing a private key");
     write_file(path, written(*target), Access::owner_only);
-}
-
-PrivateKey share(EVP_PKEY& key) {
-    EVP_PKEY_up_ref(&key);
-    return PrivateKey(&key);
 }
 
 } // namespace simcard

@@ -2,29 +2,36 @@
 
 #include "simcard/authority/openssl_handles.h"
 
+#include <deque>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 namespace simcard {
 
 constexpr unsigned key_bits = 2048;
 
-/// Makes a new RSA key pair of `key_bits` with the exponent 65537. This takes a while: see read_key_pairs().
-[[nodiscard]] PrivateKey generate_key_pair();
-
 /**
- * Reads every private key of a PEM file, in the file's order, so that cards can be made without waiting for
- * new keys.
- *
- * @throws Refusal when the file cannot be read, or holds something else than RSA keys of `key_bits`.
+ * Where the key pairs of cards and authorities come from: those made ready, in their order, then new ones
+ * (RSA of `key_bits`, exponent 65537). Making one takes a while, so tests bring theirs.
  */
-[[nodiscard]] std::vector<PrivateKey> read_key_pairs(const std::filesystem::path& path);
+class KeySource {
+  public:
+    KeySource() = default;
+
+    /**
+     * Reads every private key of a PEM file.
+     *
+     * @throws Refusal when the file cannot be read, or holds something else than RSA keys of `key_bits`.
+     */
+    [[nodiscard]] static KeySource from_file(const std::filesystem::path& path);
+
+    /// The next key pair. @throws Failure when it cannot be made.
+    [[nodiscard]] PrivateKey next();
+
+  private:
+    std::deque<PrivateKey> ready_;
+};
 
 /// Writes a private key as PEM (PKCS#8, not encrypted) for its owner alone.
 void write_private_key(const std::filesystem::path& path, EVP_PKEY& key);
-
-/// Another owner of the same key pair.
-[[nodiscard]] PrivateKey share(EVP_PKEY& key);
 
 } // namespace simcard

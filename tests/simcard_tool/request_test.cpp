@@ -1,0 +1,187 @@
+// The authority on requests as the renewal library sends them, and on what must not get a certificate.
+#include "simcard/authority/certificate_file.h"
+#include "simcard/authority/errors.h"
+#include "simcard/authority/files.h"
+#include "simcard/authority/memory_bio.h"
+#include "simcard/authority/name.h"
+#include "simcard/authority/renewal.h"
+
+#include <gtest/gtest.h>
+#include <openssl/pem.h>
+#include <openssl/x509v3.h>
+
+namespace {
+
+using namespace simcard;
+
+constexpr unsigned cades = CMS_BINARY | CMS_CADES;
+
+std::string base64_lines(const std::string& bytes) {
+    const Bio text = writing();
+    Bio chain(BIO_new(BIO_f_base64()));
+    BIO_push(chain.get(), text.get());
+    BIO_write(chain.get(), bytes.data(), static_cast<int>(bytes.size()));
+    BIO_flush(chain.get());
+    BIO_pop(chain.get());
+    return std::string(written(*text));
+}
+
+EVP_PKEY& test_key(std::size_t index) {
+    static const std::vector<PrivateKey> keys = [] {
+        KeySource source = KeySource::from_file(ZV_TEST_KEYS);
+        std::vector<PrivateKey> all(4);
+        for (PrivateKey& key : all)
+            key = source.next();
+        return all;
+    }();
+    return *keys[index];
+}
+
+class AuthorityTest : public testing::Test {
+  protected:
+    Authority new_authority(const char* name) {
+        KeySource keys = KeySource::from_file(ZV_TEST_KEYS);
+        return Authority::open_or_create(folder.path() / name, keys);
+    }
+
+    Certificate certificate_from(const Authority& issuer, int days, const char* kind = "signature") {
+        const std::time_t now = std::time(nullptr);
+        return issuer.issue(*holder_name(ada, "1"), old_key, kind_named(kind),
+                            {now - 400 * one_day, now + days * one_day});
+    }
+
+    // A request signed with SHA-1, as cards sign theirs.
+    std::string request_for(const Holder& person, EVP_PKEY& signing_key) {
+        const CertificateRequest made_here(X509_REQ_new());
+        X509_REQ_set_subject_name(made_here.get(), holder_name(person, "2").get());
+        X509_REQ_set_pubkey(made_here.get(), &new_key);
+        X509_REQ_sign(made_here.get(), &signing_key, EVP_sha1());
+        const Bio text = writing();
+        PEM_write_bio_X509_REQ(text.get(), made_here.get());
+        return std::string(written(*text));
+    }
+
+    std::string signed_message(const std::string& content, X509& certificate, unsigned flags = cades) {
+        const Bio source = reading(content);
+        const CmsMessage made_here(CMS_sign(&certificate, &old_key, nullptr, source.get(), flags));
+        const Bio bytes = writing();
+        i2d_CMS_bio(bytes.get(), made_here.get());
+        return std::string(written(*bytes));
+    }
+
+    std::string refusal(std::string_view file, const RenewalTerms& terms = {}) {
+        try {
+            (void)answer_request(authority, file, terms);
+            return "a certificate was issued";
+        } catch (const Refusal& reason) {
+            return reason.what();
+        }
+    }
+
+    Holder ada;
+    EVP_PKEY& old_key = test_key(1);
+    EVP_PKEY& new_key = test_key(2);
+    TemporaryFolder folder{testing::TempDir() + "authority"};
+    Authority authority = new_authority("authority");
+    Certificate signer = certificate_from(authority, 30);
+    std::string request = request_for(ada, new_key);
+    std::string message = signed_message(request, *signer);
+};
+
+TEST_F(AuthorityTest, AnswersARequestInEveryForm) {
+    const std::string base64 = base64_lines(message);
+    for (const std::string& file :
+         {base64, message, "-----BEGIN PKCS7-----\n" + base64 + "-----END PKCS7-----\n"}) {
+        const Renewal renewal = answer_request(authority, file, {});
+        X509& issued = *renewal.certificate;
+        EXPECT_EQ(X509_verify(&issued, X509_get0_pubkey(&authority.certificate())), 1);
+        EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(&issued), &new_key), 1);
+        EXPECT_EQ(readable(*X509_get_subject_name(&issued)), readable(*holder_name(ada, "2")));
+        EXPECT_EQ(X509_get_key_usage(&issued), std::uint32_t{KU_NON_REPUDIATION});
+        EXPECT_TRUE(renewal.request.notices.empty());
+    }
+}
+
+TEST_F(AuthorityTest, IssuesTheSignersKindUnlessToldOtherwise) {
+    const Certificate authentication = certificate_from(authority, 30, "authentication");
+    const std::string file = signed_message(request, *authentication);
+    EXPECT_EQ(answer_request(authority, file, {}).kind.name, std::string("authentication"));
+    EXPECT_EQ(answer_request(authority, file, {.kind = &kind_named("signature")}).kind.name,
+              std::string("signature"));
+}
+
+TEST_F(AuthorityTest, TakesABareRequestOnlyWhenAskedTo) {
+    EXPECT_EQ(refusal(request), "The request is not signed by a certificate's holder.");
+    EXPECT_EQ(refusal(request, {.bare_requests = true}), "A request that nobody signed needs a kind.");
+    const RenewalTerms terms{.kind = &kind_named("signature"), .days = 10, .bare_requests = true};
+    const Renewal renewal = answer_request(authority, request, terms);
+    int days = 0;
+    int seconds = 0;
+    ASSERT_EQ(ASN1_TIME_diff(&days, &seconds, X509_get0_notBefore(renewal.certificate.get()),
+                             X509_get0_notAfter(renewal.certificate.get())),
+              1);
+    EXPECT_EQ(days, 10);
+}
+
+TEST_F(AuthorityTest, LetsAnExpiredSignerPassWithANotice) {
+    const Certificate expired = certificate_from(authority, -5);
+    const Renewal renewal = answer_request(authority, signed_message(request, *expired), {});
+    ASSERT_EQ(renewal.request.notices.size(), 1U);
+    EXPECT_NE(renewal.request.notices[0].find("has expired"), std::string::npos);
+}
+
+TEST_F(AuthorityTest, RefusesAForeignSigner) {
+    KeySource other_keys = KeySource::from_file(ZV_TEST_KEYS);
+    (void)other_keys.next();
+    const Authority other = Authority::open_or_create(folder.path() / "other", other_keys);
+    EXPECT_EQ(refusal(signed_message(request, *certificate_from(other, 30))),
+              "The signer's certificate was not issued by this authority.");
+}
+
+TEST_F(AuthorityTest, RefusesAnAlteredContent) {
+    const std::size_t place = message.find("BEGIN CERTIFICATE REQUEST-----\n") + 60;
+    message[place] = message[place] == 'A' ? 'B' : 'A';
+    EXPECT_EQ(refusal(message), "The signature of the message is wrong, or its content was altered.");
+}
+
+TEST_F(AuthorityTest, RefusesARequestThatItsOwnKeyDidNotSign) {
+    EXPECT_EQ(refusal(signed_message(request_for(ada, old_key), *signer)),
+              "The request is not signed by the key that it carries.");
+}
+
+TEST_F(AuthorityTest, RefusesARequestForAnotherPerson) {
+    Holder other;
+    other.codice_fiscale = "RSSMRA85T10Z999X";
+    EXPECT_EQ(refusal(signed_message(request_for(other, new_key), *signer)),
+              "The request is for another person than the one who signed it.");
+}
+
+TEST_F(AuthorityTest, RefusesASignatureThatSaysTooLittle) {
+    const std::string lacks = "The signature lacks a signed attribute (content type, message digest or "
+                              "signing-certificate-v2).";
+    EXPECT_EQ(refusal(signed_message(request, *signer, CMS_BINARY)), lacks);
+    EXPECT_EQ(refusal(signed_message(request, *signer, CMS_BINARY | CMS_NOATTR)), lacks);
+    EXPECT_EQ(refusal(signed_message(request, *signer, cades | CMS_NOCERTS)),
+              "The message does not carry its signer's certificate.");
+    EXPECT_EQ(refusal(signed_message(request, *signer, cades | CMS_DETACHED)),
+              "The signed message carries no request.");
+    EXPECT_EQ(refusal(signed_message("no request", *signer)),
+              "The file holds no certificate request that can be read.");
+}
+
+TEST_F(AuthorityTest, RefusesWhatIsNoWholeRequest) {
+    const std::string base64 = base64_lines(message);
+    for (const std::string& file :
+         {base64.substr(0, base64.size() - 40), message.substr(0, message.size() - 1), std::string("MII="),
+          std::string("=="), std::string("\0\x30", 2)})
+        EXPECT_EQ(refusal(file), "The file holds no certificate request that can be read.");
+    EXPECT_EQ(refusal(""), "The request file is empty.");
+    EXPECT_EQ(refusal(message + '\0'), "The file has bytes behind the end of the request.");
+}
+
+TEST_F(AuthorityTest, KeepsItsKeyToItsOwner) {
+    const auto owner = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+    EXPECT_EQ(std::filesystem::status(folder.path() / "authority/key.pem").permissions(), owner);
+}
+
+} // namespace
