@@ -16,7 +16,7 @@ target_include_directories(zvrenew_core PUBLIC ${PROJECT_SOURCE_DIR})
 
 add_library(zvRenew SHARED $<TARGET_OBJECTS:zvrenew_objects>)
 target_link_libraries(zvRenew PRIVATE zv_compile min_zvCrypt ${CMAKE_DL_LIBS})
-target_include_directories(zvRenew INTERFACE ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(zvRenew INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 
 # exports.txt holds one symbol a line, sorted; the linker's list is made from it.
 set(exports ${PROJECT_SOURCE_DIR}/exports.txt)
@@ -33,11 +33,11 @@ if(APPLE)
   add_custom_command(TARGET zvRenew POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E create_symlink libzvRenew.${PROJECT_VERSION}.dylib ${link_name})
 else()
-  list(JOIN symbols "\;\n    " text)
+  list(JOIN symbols ";\n    " text)
   file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/zvRenew.map
-    CONTENT "{\n  global:\n    ${text}\;\n  local: *\;\n}\;\n" @ONLY)
-  list(JOIN host_variables "\;\n  " text)
-  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/zvRenew.dynlist CONTENT "{\n  ${text}\;\n}\;\n" @ONLY)
+    CONTENT "{\n  global:\n    ${text};\n  local: *;\n};\n" @ONLY)
+  list(JOIN host_variables ";\n  " text)
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/zvRenew.dynlist CONTENT "{\n  ${text};\n};\n" @ONLY)
   # A host's own symbol of the same name must not take the place of ours, but for the variables that it
   # reads through a copy relocation.
   target_link_options(zvRenew PRIVATE

@@ -1,0 +1,29 @@
+# What `cmake --install` puts where. Components: runtime (libraries and program), development (headers, pkg-config and
+# CMake packages), and simcard, which only `--component simcard` installs: it is for demonstrations.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zvRenew)
+set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/zvrenew)
+set(origin $<IF:$<BOOL:${APPLE}>,@loader_path,$ORIGIN>)
+file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+
+set_target_properties(zvRenew min_zvCrypt PROPERTIES INSTALL_RPATH ${origin})
+set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
+
+install(TARGETS zvRenew min_zvCrypt EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
+install(TARGETS zvrenew COMPONENT runtime)
+install(TARGETS zvsimcard zvsimcard-tool COMPONENT simcard EXCLUDE_FROM_ALL)
+if(APPLE)
+  install(FILES ${PROJECT_BINARY_DIR}/lib/libzvRenew.dylib DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+endif()
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${header_dir} COMPONENT development
+  FILES_MATCHING PATTERN *.h)
+
+configure_file(${PROJECT_SOURCE_DIR}/packaging/zvrenew.pc.in ${PROJECT_BINARY_DIR}/zvrenew.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zvrenew.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+install(EXPORT zvRenew NAMESPACE zvRenew:: FILE zvRenewConfig.cmake DESTINATION ${package_dir} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zvRenewConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zvRenewConfigVersion.cmake DESTINATION ${package_dir} COMPONENT development)

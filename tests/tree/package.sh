@@ -1,0 +1,30 @@
+#!/bin/sh
+# package.sh SOURCE BUILD CMAKE CC CXX: installs into a folder, moves that, and builds and runs a host with what is
+# there, found through CMake and through pkg-config.
+set -eu
+here=$1/tests/tree build=$2 cmake=$3 cc=$4 cxx=$5
+work=$build/tests/tree/package
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work"
+unset LD_LIBRARY_PATH DYLD_LIBRARY_PATH
+
+"$cmake" --install "$build" --prefix "$work/first" >install.log
+[ -z "$(find first -name '*simcard*')" ] || { echo "the simulated card is installed without being asked for"; exit 1; }
+"$cmake" --install "$build" --prefix "$work/first" --component simcard >>install.log
+mv first moved
+lib=$(dirname "$(find "$work/moved" -name 'libmin_zvCrypt.*')")
+moved/bin/zvrenew --version
+moved/bin/zvsimcard-tool --help >/dev/null
+
+"$cmake" -S "$here/consumer" -B consumer -DCMAKE_PREFIX_PATH="$work/moved" -DCMAKE_C_COMPILER="$cc" >consumer.log
+"$cmake" --build consumer >>consumer.log
+consumer/consumer "$work/host.log"
+
+export PKG_CONFIG_PATH="$lib/pkgconfig"
+flags=$(pkg-config --cflags zvrenew)
+# shellcheck disable=SC2046,SC2086
+"$cc" $flags "$here/host.c" $(pkg-config --libs zvrenew) -Wl,-rpath,"$lib" -o host
+./host "$work/host.log"
+# shellcheck disable=SC2086
+echo '#include <routines.h>' | "$cxx" -std=c++20 -fsyntax-only $flags -x c++ -
