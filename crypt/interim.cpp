@@ -7,21 +7,6 @@ int refuse() {
 }
 } // namespace
 
-int kvGetReader(char*) {
-    return refuse();
-}
-int kvGetPKCS11FromATR(char*, char*) {
-    return refuse();
-}
-int kvGetPKCS11FromATRLite(char*, char*, const char*) {
-    return refuse();
-}
-int kvIsCNSINCARD() {
-    return 0;
-}
-int kvIsTOUCHSIGN() {
-    return 0;
-}
 int kvInitialize(char*, int) {
     return refuse();
 }

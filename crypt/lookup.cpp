@@ -1,0 +1,72 @@
+#include "atr.h"
+#include "config.h"
+#include "failure.h"
+#include "pcsc.h"
+#include "text.h"
+
+#include <algorithm>
+
+namespace zvcrypt {
+namespace {
+
+// What the flags asked for afterwards are answered from.
+CardEntry lastCard;
+
+std::string cardAtr(const std::string& name, const std::vector<SoftwareReader>& software) {
+    const auto isNamed = [&](const auto& reader) { return reader.name == name; };
+    if (const auto own = std::find_if(software.begin(), software.end(), isNamed); own != software.end())
+        return own->atr;
+    const auto readers = pcscReaders();
+    const auto reader = std::find_if(readers.begin(), readers.end(), isNamed);
+    if (reader == readers.end()) throw Failure(ZVC_ERR_UNKNOWN_READER, "Lettore sconosciuto: " + name);
+    if (!reader->hasCard) throw Failure(ZVC_ERR_NO_CARD, "Nessuna smart card nel lettore " + name);
+    if (reader->atr.empty())
+        throw Failure(ZVC_ERR_NO_CARD, "La smart card nel lettore " + name + " non risponde");
+    return reader->atr;
+}
+
+// The first entry that matches, in the order of the tables; an empty one for an unknown card.
+CardEntry findCard(const std::string& atr, const std::vector<Table>& tables) {
+    for (const auto& table : tables)
+        for (const auto& card : table.cards)
+            if (matchesAtr(card.pattern, atr)) return card;
+    return {};
+}
+
+void lookUp(const char* reader, char* module, const char* iniDir) {
+    module[0] = '\0';
+    lastCard = {};
+    std::vector<Table> tables;
+    if (iniDir != nullptr) tables.push_back(loadHostTable(iniDir));
+    const auto& configuration = tables.emplace_back(loadConfiguration());
+    const std::string atr = cardAtr(reader, configuration.readers);
+    tables.push_back(builtInTable());
+    CardEntry card = findCard(atr, tables);
+    writeText(card.module, {module, ZVC_MODULE_NAME_SIZE});
+    lastCard = std::move(card);
+}
+
+} // namespace
+} // namespace zvcrypt
+
+int kvGetPKCS11FromATR(char* reader, char* module) {
+    return zvcrypt::runOperation([&] {
+        zvcrypt::requireArguments(reader, module);
+        zvcrypt::lookUp(reader, module, nullptr);
+    });
+}
+
+int kvGetPKCS11FromATRLite(char* reader, char* module, const char* iniDir) {
+    return zvcrypt::runOperation([&] {
+        zvcrypt::requireArguments(reader, module, iniDir);
+        zvcrypt::lookUp(reader, module, iniDir);
+    });
+}
+
+int kvIsCNSINCARD() {
+    return zvcrypt::lastCard.cns ? 1 : 0;
+}
+
+int kvIsTOUCHSIGN() {
+    return zvcrypt::lastCard.touchSign ? 1 : 0;
+}
