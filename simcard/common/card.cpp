@@ -1,0 +1,124 @@
+#include "simcard/common/card.h"
+
+#include "simcard/common/problem.h"
+
+#include <charconv>
+#include <variant>
+
+namespace simcard {
+namespace {
+
+struct TextField {
+    std::string Card::*member;
+    std::size_t limit;
+};
+using NumberField = unsigned long Card::*;
+using FlagField = bool Card::*;
+
+struct Field {
+    const char* key;
+    std::variant<TextField, NumberField, FlagField> member;
+};
+
+constexpr std::size_t unbounded = 1000;
+
+const Field fields[] = {
+    {"reader", TextField{&Card::reader, 64}},
+    {"atr", TextField{&Card::atr, unbounded}},
+    {"serial", TextField{&Card::serial, 16}},
+    {"profile", TextField{&Card::profile, unbounded}},
+    {"label", TextField{&Card::label, 32}},
+    {"token", TextField{&Card::token, 16}},
+    {"pin_tries_left", &Card::pin_tries_left},
+    {"pin_tries_max", &Card::pin_tries_max},
+    {"inserted", &Card::inserted},
+    {"insertions", &Card::insertions},
+    {"latency_us", &Card::latency_us},
+    {"capacity", &Card::capacity},
+};
+
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+[[noreturn]] void refuse(std::string_view key, const std::string& why) {
+    throw CardProblem("card.ini: \"" + std::string(key) + "\" " + why + ".");
+}
+
+/// Puts a value into the member that it is for, and gives a member's value as text.
+struct Access {
+    Card& card;
+    const char* key;
+
+    void put(const TextField& field, std::string_view value) const {
+        if (value.size() > field.limit)
+            refuse(key, "is longer than " + std::to_string(field.limit) + " bytes");
+        card.*field.member = value;
+    }
+    void put(NumberField field, std::string_view value) const {
+        const char* end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, card.*field);
+        if (error != std::errc{} || rest != end) refuse(key, "is not a number");
+    }
+    void put(FlagField field, std::string_view value) const {
+        if (value != "yes" && value != "no") refuse(key, "is neither yes nor no");
+        card.*field = value == "yes";
+    }
+};
+
+std::string value_of(const Card& card, const Field& field) {
+    if (const auto* text = std::get_if<TextField>(&field.member)) return card.*text->member;
+    if (const auto* number = std::get_if<NumberField>(&field.member)) return std::to_string(card.**number);
+    return card.*std::get<FlagField>(field.member) ? "yes" : "no";
+}
+
+void put_line(Card& card, std::string_view key, std::string_view value) {
+    for (const Field& field : fields)
+        if (key == field.key) {
+            const Access access{card, field.key};
+            return std::visit([&](const auto& member) { access.put(member, value); }, field.member);
+        }
+    card.others.emplace_back(key, value);
+}
+
+void parse_line(Card& card, std::string_view line) {
+    line = trimmed(line);
+    if (line.empty() || line[0] == '#' || line[0] == ';') return;
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos) refuse(line, "has no value");
+    put_line(card, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+}
+
+void append_line(std::string& text, std::string_view key, const std::string& value) {
+    if (value.find_first_of("\r\n") != std::string::npos) refuse(key, "has a line break");
+    if (value != trimmed(value)) refuse(key, "starts or ends with a blank");
+    text.append(key).append(" = ").append(value).append("\n");
+}
+
+} // namespace
+
+Card parse_card(std::string_view text) {
+    Card card;
+    while (!text.empty()) {
+        const auto end = std::min(text.find('\n'), text.size());
+        parse_line(card, text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    if (card.reader.empty()) refuse("reader", "is missing");
+    if (card.pin_tries_left > card.pin_tries_max) refuse("pin_tries_left", "is above pin_tries_max");
+    return card;
+}
+
+std::string card_text(const Card& card) {
+    std::string text;
+    for (const Field& field : fields)
+        append_line(text, field.key, value_of(card, field));
+    for (const auto& [key, value] : card.others)
+        append_line(text, key, value);
+    static_cast<void>(parse_card(text));
+    return text;
+}
+
+} // namespace simcard
