@@ -1,0 +1,130 @@
+#include "card/detection.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "util/text.h"
+
+bool is1205SerialToken = false;
+
+namespace zv {
+
+char scReader[128];
+char Libreria[512];
+char pwd[512];
+int slot = 0;
+char szSerialNumber[32];
+bool isCNS = false;
+char g_ATRINI_dir[1024];
+
+void setModulePath(const char* fileName) {
+    char path[sizeof Libreria];
+    copyText(path, pwd);
+    appendText(path, "/");
+    appendText(path, fileName);
+    copyText(Libreria, path);
+}
+
+} // namespace zv
+
+namespace {
+
+constexpr int UNSUPPORTED = 100;
+constexpr unsigned NO_SLOT = 0xFFFFFFFF;
+
+bool serialBegins(std::string_view series) {
+    return zv::boundedText(zv::szSerialNumber, sizeof zv::szSerialNumber).starts_with(series);
+}
+
+int failed(const char* operation, int code) {
+    char text[64] = "CheckSmartCard ";
+    zv::appendText(text, operation);
+    zv::appendText(text, " fallita");
+    scriviLog(text);
+    return code;
+}
+
+// Takes the given reader, or else the first of the list. False: there is none.
+bool selectReader(const char* reader, char (&list)[1024]) {
+    char* separator = std::strchr(list, '|');
+    if (reader == nullptr && separator == nullptr) return false;
+    if (separator != nullptr) *separator = '\0';
+    zv::copyText(zv::scReader, reader != nullptr ? reader : list);
+    scriviLog("Lettore selezionato:");
+    scriviLog(zv::scReader);
+    return true;
+}
+
+int findModule(char (&module)[512]) {
+    if (zv::g_ATRINI_dir[0] != '\0') {
+        const int code = kvGetPKCS11FromATRLite(zv::scReader, module, zv::g_ATRINI_dir);
+        if (code != 0) return failed("kvGetPKCS11FromATRLite", code);
+    } else {
+        const int code = kvGetPKCS11FromATR(zv::scReader, module);
+        if (code != 0) return failed("kvGetPKCS11FromATR", code);
+    }
+    module[sizeof module - 1] = '\0';
+    return 0;
+}
+
+int readSerialNumber() {
+    kvFinalize();
+    int code = kvInitialize(zv::Libreria, zv::slot);
+    if (code != 0) return failed("kvInitialize", code);
+    char first[80] = {}, second[48] = {}, third[32] = {};
+    code = kvCheckSmartCard(first, second, third, zv::szSerialNumber);
+    if (code != 0) return failed("kvCheckSmartCard", code);
+    zv::szSerialNumber[sizeof zv::szSerialNumber - 1] = '\0';
+    const int closed = kvFinalize();
+    scriviLog("Numero seriale smart card: ");
+    scriviLog(zv::szSerialNumber);
+    is1205SerialToken = serialBegins("1205");
+    // Cards of this series are refused on purpose.
+    return serialBegins("1201") ? UNSUPPORTED : closed;
+}
+
+} // namespace
+
+int CheckSmartCard(bool& isTouchSign, char* reader) {
+    std::fill_n(zv::szSerialNumber, 17, '\0');
+    zv::Libreria[0] = '\0';
+    zv::scReader[0] = '\0';
+    zv::isCNS = false;
+    char list[1024] = {};
+    int code = kvGetReader(list);
+    if (code != 0) return code;
+    list[sizeof list - 1] = '\0';
+    scriviLog("Lista lettori:");
+    scriviLog(list);
+    if (!selectReader(reader, list)) return 0;
+
+    char module[512] = {};
+    code = findModule(module);
+    if (code != 0) return code;
+    if (module[0] == '\0') return UNSUPPORTED;
+    if (kvIsCNSINCARD() != 0) zv::isCNS = true;
+    if (kvIsTOUCHSIGN() != 0) isTouchSign = true;
+    zv::setModulePath(module);
+    scriviLog(zv::Libreria);
+
+    const unsigned found = getSlot(zv::scReader, zv::Libreria);
+    if (found == NO_SLOT) return failed("getSlot", -1);
+    zv::slot = static_cast<int>(found);
+    return readSerialNumber();
+}
+
+void set_ATRini_path(const char* dir) {
+    const std::string_view path = zv::orEmpty(dir);
+    zv::copyText(zv::g_ATRINI_dir, path.size() < sizeof zv::g_ATRINI_dir ? path : std::string_view());
+}
+
+int DoInitialize(char* libPath, char* pin) {
+    kvFinalize();
+    const int code = kvInitialize(libPath, zv::slot);
+    return code == 0 ? kvLogin(pin) : code;
+}
+
+int DoFinalize() {
+    return kvFinalize();
+}

@@ -1,0 +1,131 @@
+// inizializza: the opener that starts from nothing, takes a slot index and words its failures for the user.
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <new>
+
+#include "card/session.h"
+#include "diag/log.h"
+#include "diag/messages.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr char TITLE[] = " .... Inizializza FUN                .... ";
+constexpr int FAILED = 1;
+constexpr int WRONG_PIN = 2;
+// Above any number of slots that a machine has; a larger count is a module's error.
+constexpr CK_ULONG MOST_SLOTS = 1024;
+
+using zv::reportSentence;
+using zv::rv;
+
+void formatMessage(const char* format, const char* text) {
+    std::snprintf(szSockMsg, sizeof szSockMsg, format, zv::orEmpty(text));
+}
+
+// The step and the sentence go to the log, the sentence to the user.
+int fail(const char* step, const char* format) {
+    zv::reportFailure(TITLE, step, rv, format);
+    formatMessage(format, zv::errorMessage(rv));
+    return FAILED;
+}
+
+int failLoading() {
+    static constexpr char FORMAT[] =
+        "Errore nel caricamento della libreria di gestione della smartcard\n (error %s)";
+    zv::Sentence sentence;
+    std::snprintf(sentence, sizeof sentence, FORMAT, zv::orEmpty(::dlerror()));
+    // The loader's text can be asked for once: the user's message has none.
+    formatMessage(FORMAT, ::dlerror());
+    WriteErr(TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);
+    reportSentence(sentence);
+    return FAILED;
+}
+
+int loadModule(const char* path) {
+    zv::hModule = zv::openModule(path);
+    if (zv::hModule == nullptr) return failLoading();
+    if (::dlsym(zv::hModule, "C_GetFunctionList") == nullptr) {
+        zv::takeFunctionList();
+        ::dlerror();
+        formatMessage("Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
+                      ::dlerror());
+        return FAILED;
+    }
+    if (!zv::takeFunctionList())
+        return fail("pC_GetFunctionList",
+                    "Errore nella lista delle funzioni dalla libreria di gestione della smartcard (%s)");
+    zv::trace(TITLE, "C_Initialize");
+    rv = zv::call<&zv::Functions::C_Initialize>(nullptr);
+    if (rv != CKR_OK)
+        return fail("C_Initialize", "Errore nella inizializzazione della libreria di gestione della smartcard (%s)");
+    return 0;
+}
+
+CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot) {
+    CK_ULONG count = 0;
+    CK_RV result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count);
+    if (result != CKR_OK) return result;
+    count = std::min(count, MOST_SLOTS);
+    const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[count + 1]());
+    if (slots == nullptr) return CKR_HOST_MEMORY;
+    char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots.get()));
+    WriteLog(TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
+    zv::trace(TITLE, "C_GetSlotList FALSE");
+    CK_ULONG listed = count;
+    result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, slots.get(), &listed);
+    if (result != CKR_OK) return result;
+    if (slotIndex >= std::min(count, listed)) return CKR_SLOT_ID_INVALID;
+    slot = slots[slotIndex];
+    return CKR_OK;
+}
+
+int findSlot(unsigned slotIndex) {
+    if (slotIndex < zv::CACHED_SLOTS && zv::vettoreSlotID[slotIndex] != 0) {
+        zv::slotID = zv::vettoreSlotID[slotIndex];
+        return 0;
+    }
+    zv::trace(TITLE, "C_GetSlotList FALSE", CatItoA("SlotNum = ", static_cast<int>(slotIndex)));
+    rv = slotIndex < zv::CACHED_SLOTS ? listSlots(slotIndex, zv::slotID) : CKR_SLOT_ID_INVALID;
+    if (rv != CKR_OK) return fail("C_GetSlotList", "Errore nella ricerca slots (%s)");
+    zv::vettoreSlotID[slotIndex] = zv::slotID;
+    return 0;
+}
+
+int open() {
+    static constexpr char FORMAT[] = "Errore aprendo la sessione con la smartcard (%s)";
+    zv::trace(TITLE, "C_OpenSession", CatLtoA("SlotID = ", static_cast<long>(zv::slotID)));
+    rv = zv::openSession(zv::slotID);
+    if (rv == CKR_OK) return 0;
+    if (rv != CKR_TOKEN_NOT_PRESENT) return fail("C_OpenSession", FORMAT);
+    zv::reportCode(TITLE, "C_OpenSession", rv);
+    reportSentence("Errore aprendo la sessione con la smartcard.\r\n"
+                   "Introdurre correttamente la smartcard nel lettore e riprovare");
+    formatMessage(FORMAT, zv::errorMessage(rv));
+    return FAILED;
+}
+
+int logIn(const char* pin, int userType) {
+    if (pin[0] == '\0') return 0;
+    zv::trace(TITLE, "C_Login");
+    rv = zv::login(static_cast<CK_USER_TYPE>(userType), pin);
+    // Worded by the caller.
+    if (rv == CKR_PIN_INCORRECT) return WRONG_PIN;
+    return rv == CKR_OK ? 0 : fail("C_Login", "Errore nel login alla smartcard (%s)");
+}
+
+} // namespace
+
+int inizializza(char* libPath, char* pin, unsigned int slotIndex, void*, int userType) {
+    zv::trace(TITLE, "I N I Z I O");
+    finalizza();
+    int status = loadModule(zv::orEmpty(libPath));
+    if (status == 0) status = findSlot(slotIndex);
+    if (status == 0) status = open();
+    if (status == 0) status = logIn(zv::orEmpty(pin), userType);
+    if (status == 0) zv::trace(TITLE, "F I N E");
+    return status;
+}

@@ -1,0 +1,84 @@
+#include "card/session.h"
+
+#include <dlfcn.h>
+
+#include <cstring>
+
+#include "diag/log.h"
+
+char szSockMsg[512];
+
+namespace zv {
+
+void* hModule = nullptr;
+CK_FUNCTION_LIST* p = nullptr;
+CK_SESSION_HANDLE hSession = 0;
+CK_SLOT_ID slotID = 0;
+CK_RV rv = CKR_OK;
+CK_SLOT_ID vettoreSlotID[CACHED_SLOTS] = {};
+
+namespace {
+
+// Set while the loaded module has given no list of its own.
+bool listMissing = false;
+
+} // namespace
+
+void* openModule(const char* path) {
+    return path[0] != '\0' ? ::dlopen(path, RTLD_NOW) : nullptr;
+}
+
+CK_FUNCTION_LIST* functionListOf(void* module) {
+    const auto give = reinterpret_cast<CK_C_GetFunctionList>(::dlsym(module, "C_GetFunctionList"));
+    CK_FUNCTION_LIST* list = nullptr;
+    if (invoke(give, &list) != CKR_OK) return nullptr;
+    return list;
+}
+
+bool takeFunctionList() {
+    CK_FUNCTION_LIST* list = functionListOf(hModule);
+    listMissing = list == nullptr;
+    if (list != nullptr) p = list;
+    return list != nullptr;
+}
+
+bool moduleAnswers() {
+    return hModule != nullptr && p != nullptr && !listMissing;
+}
+
+CK_RV openSession(CK_SLOT_ID slot) {
+    CK_SESSION_HANDLE opened = 0;
+    const CK_RV result =
+        call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION}, nullptr, nullptr, &opened);
+    if (result == CKR_OK) hSession = opened;
+    return result;
+}
+
+CK_RV login(CK_USER_TYPE user, const char* pin) {
+    // The standard's parameter is not const, though a module only reads it.
+    auto* bytes = reinterpret_cast<CK_UTF8CHAR*>(const_cast<char*>(pin));
+    return call<&Functions::C_Login>(hSession, user, bytes, CK_ULONG{std::strlen(pin)});
+}
+
+} // namespace zv
+
+void finalizza() {
+    static constexpr char TITLE[] = " .... Finalizza FUN                  .... ";
+    const auto traceState = [](const char* title) {
+        char* session = CatLtoAHex1("hSession = ", static_cast<long>(zv::hSession));
+        WriteLog(title, session, 0, CatLtoAHex2("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
+    };
+    traceState(TITLE);
+    if (zv::hSession != 0) {
+        zv::call<&zv::Functions::C_Logout>(zv::hSession);
+        zv::call<&zv::Functions::C_CloseSession>(zv::hSession);
+        zv::hSession = 0;
+    }
+    if (zv::hModule != nullptr) {
+        zv::call<&zv::Functions::C_Finalize>(nullptr);
+        ::dlclose(zv::hModule);
+        zv::hModule = nullptr;
+        zv::listMissing = false;
+    }
+    traceState("Funzione finalizza(): fine");
+}

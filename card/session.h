@@ -1,0 +1,55 @@
+#ifndef ZV_CARD_SESSION_H
+#define ZV_CARD_SESSION_H
+
+#include <cstddef>
+
+#include "pkcs11.h"
+#include "routines.h"
+
+/** The one module and the one session that the library works with, and the gate to them. */
+namespace zv {
+
+/** Slot indices whose identifiers inizializza keeps. */
+constexpr std::size_t CACHED_SLOTS = 8;
+
+extern void* hModule;                          ///< loaded module; null: none
+extern CK_FUNCTION_LIST* p;                    ///< function list that a module gave last
+extern CK_SESSION_HANDLE hSession;             ///< open session; 0: none
+extern CK_SLOT_ID slotID;                      ///< slot of the current session
+extern CK_RV rv;                               ///< result of the last PKCS#11 call
+extern CK_SLOT_ID vettoreSlotID[CACHED_SLOTS]; ///< slot identifier by slot index; 0: not looked up yet
+
+/** Loads a module; null when it does not load. An empty path never does: dlopen would open the host program. */
+void* openModule(const char* path);
+
+/** The function list that a loaded module gives; null when it gives none. */
+CK_FUNCTION_LIST* functionListOf(void* module);
+
+/** Fills p from the loaded module. Returns false, and closes the gate, when the module gives no list. */
+bool takeFunctionList();
+
+/** False when no module is loaded, or when the loaded one gave no list (p is then an older module's). */
+bool moduleAnswers();
+
+/** Calls a function of a list, which may lack it. */
+template <typename Function, typename... Arguments> CK_RV invoke(Function function, Arguments... arguments) {
+    return function != nullptr ? function(arguments...) : CKR_FUNCTION_NOT_SUPPORTED;
+}
+
+/** The gate: every call to the card goes through it, as zv::call<&zv::Functions::C_Login>(...). */
+template <auto Entry, typename... Arguments> CK_RV call(Arguments... arguments) {
+    if (!moduleAnswers()) return CKR_CRYPTOKI_NOT_INITIALIZED;
+    return invoke(p->*Entry, arguments...);
+}
+
+using Functions = CK_FUNCTION_LIST;
+
+/** Opens a read/write session on a slot into hSession. */
+CK_RV openSession(CK_SLOT_ID slot);
+
+/** Logs a user in to hSession. */
+CK_RV login(CK_USER_TYPE user, const char* pin);
+
+} // namespace zv
+
+#endif

@@ -1,0 +1,79 @@
+// getSlot: asks a module which slot belongs to a reader, apart from the library's own session.
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "card/session.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr unsigned NO_SLOT = 0xFFFFFFFF;
+constexpr std::size_t DESCRIPTION_SIZE = sizeof(CK_SLOT_INFO::slotDescription);
+constexpr CK_ULONG MOST_SLOTS = 1024;
+
+struct Unload {
+    void operator()(void* module) const { ::dlclose(module); }
+};
+
+using Module = std::unique_ptr<void, Unload>;
+
+bool start(const CK_FUNCTION_LIST& list) {
+    CK_RV result = zv::invoke(list.C_Initialize, nullptr);
+    if (result == CKR_CRYPTOKI_ALREADY_INITIALIZED) {
+        zv::invoke(list.C_Finalize, nullptr);
+        result = zv::invoke(list.C_Initialize, nullptr);
+    }
+    return result == CKR_OK;
+}
+
+bool belongsTo(const char* reader, const CK_SLOT_INFO& info) {
+    char description[DESCRIPTION_SIZE + 1] = {};
+    std::memcpy(description, info.slotDescription, DESCRIPTION_SIZE);
+    for (std::size_t end = DESCRIPTION_SIZE; end > 0; --end) {
+        if (std::isspace(static_cast<unsigned char>(description[end - 1])) == 0) break;
+        description[end - 1] = '\0';
+    }
+    // A description that fills its field runs into the next one; it is cut one short of the field.
+    const bool runsOn = std::strlen(description) == DESCRIPTION_SIZE && info.manufacturerID[0] != '\0';
+    if (runsOn) description[DESCRIPTION_SIZE - 1] = '\0';
+    return description[0] != '\0' && std::strstr(reader, description) != nullptr;
+}
+
+unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
+    CK_ULONG all = 0;
+    zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_FALSE}, nullptr, &all);
+    all = std::min(all, MOST_SLOTS);
+    const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[all + 1]());
+    if (slots == nullptr) return NO_SLOT;
+    CK_ULONG count = all;
+    zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_TRUE}, slots.get(), &count);
+    count = std::min(count, all);
+    const auto matches = [&list, reader](CK_SLOT_ID slot) {
+        CK_SLOT_INFO info{};
+        zv::invoke(list.C_GetSlotInfo, slot, &info);
+        return (info.flags & CKF_TOKEN_PRESENT) != 0 && belongsTo(reader, info);
+    };
+    const CK_SLOT_ID* end = slots.get() + count;
+    const CK_SLOT_ID* found = std::find_if(slots.get(), slots.get() + count, matches);
+    return found != end ? static_cast<unsigned>(*found) : NO_SLOT;
+}
+
+} // namespace
+
+unsigned int getSlot(char* readerName, char* libPath) {
+    const Module module(zv::openModule(zv::orEmpty(libPath)));
+    if (module == nullptr) {
+        scriviLog("getSlot dlopen fallita");
+        return NO_SLOT;
+    }
+    const CK_FUNCTION_LIST* list = zv::functionListOf(module.get());
+    if (list == nullptr) return NO_SLOT;
+    const unsigned slot = start(*list) ? findSlot(*list, zv::orEmpty(readerName)) : NO_SLOT;
+    zv::invoke(list->C_Finalize, nullptr);
+    return slot;
+}

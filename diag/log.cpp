@@ -1,0 +1,104 @@
+#include "diag/log.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
+#include "util/text.h"
+
+namespace {
+
+constexpr long SIZE_LIMIT = 1'048'576;
+constexpr std::size_t PATH_LENGTH = 512;
+
+using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
+
+// A link is not followed, and whatever is not a plain file is left alone: a log must not be led elsewhere.
+File openPlain(const char* path, int flags, const char* mode) {
+    File none(nullptr, &std::fclose);
+    const int descriptor = ::open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (descriptor < 0) return none;
+    struct stat status {};
+    std::FILE* file = nullptr;
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) file = ::fdopen(descriptor, mode);
+    if (file == nullptr) ::close(descriptor);
+    return {file, &std::fclose};
+}
+
+File openLog() {
+    return openPlain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
+}
+
+template <std::size_t N> void formatTime(char (&prefix)[N], const char* format) {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    if (::localtime_r(&now, &local) == nullptr || std::strftime(prefix, N, format, &local) == 0) prefix[0] = '\0';
+}
+
+// What the log held is given up: the companion file is only ever created empty.
+void emptyLog(std::FILE* log, const char* prefix) {
+    char companion[PATH_LENGTH + 1] = {};
+    zv::copyText(companion, PATH_LENGTH - 1, getLogPath());
+    zv::appendText(companion, ".1");
+    openPlain(companion, O_WRONLY | O_CREAT | O_TRUNC, "w");
+    if (::ftruncate(::fileno(log), 0) != 0) return;
+    std::fseek(log, 0, SEEK_END);
+    for (const char* line : {"----------------------------------", "zvRenew", ZV_VERSION,
+                             "----------------------------------"})
+        std::fprintf(log, "%s%s\n", prefix, line);
+}
+
+void writeDatum(std::FILE* log, const char* data, int length) {
+    if (data == nullptr) return;
+    if (length == 0) std::fputs(data, log);
+    if (length > 0) std::fwrite(data, 1, static_cast<std::size_t>(length), log);
+    std::fputc('\n', log);
+}
+
+} // namespace
+
+char* getLogPath() {
+    static char path[PATH_LENGTH + 1];
+    static bool known = false;
+    if (known) return path;
+    known = true;
+    const passwd* entry = ::getpwuid(::getuid());
+    const char* home = entry != nullptr ? entry->pw_dir : std::getenv("HOME");
+    // Without a home there is no path, and nothing is logged.
+    if (home == nullptr) return path;
+    zv::copyText(path, home);
+    zv::appendText(path, "/.trevallo");
+    zv::appendText(path, "/zvRenew.log");
+    return path;
+}
+
+void scriviLog(const char* message) {
+    char prefix[256] = {};
+    formatTime(prefix, "[%d %b %Y %H:%M:%S]: ");
+    const File log = openLog();
+    if (log == nullptr) return;
+    std::fseek(log.get(), 0, SEEK_END);
+    if (std::ftell(log.get()) > SIZE_LIMIT) emptyLog(log.get(), prefix);
+    const bool empty = message == nullptr || message[0] == '\0';
+    std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
+}
+
+void WriteLog(const char* title, const char* data1, int len1, const char* data2, int len2) {
+    char prefix[255] = {};
+    formatTime(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
+    const File log = openLog();
+    if (log == nullptr) return;
+    std::fprintf(log.get(), "%s%s\n", prefix, zv::orEmpty(title));
+    writeDatum(log.get(), data1, len1);
+    writeDatum(log.get(), data2, len2);
+}
+
+void WriteErr(const char* title, const char* data1, int len1, const char* data2, int len2) {
+    WriteLog(title, data1, len1, data2, len2);
+}

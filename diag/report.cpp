@@ -1,0 +1,39 @@
+#include <cstdio>
+
+#include "diag/log.h"
+#include "diag/messages.h"
+
+namespace zv {
+
+void trace(const char* title, const char* step) {
+    WriteLog(title, step, 0, "", 0);
+}
+
+void trace(const char* title, const char* step, const char* datum) {
+    WriteLog(title, step, 0, datum, 0);
+}
+
+void traceSession(const char* title, const char* step, CK_SESSION_HANDLE session) {
+    WriteLog(title, step, 0, CatLtoAHex1("hSession = ", static_cast<long>(session)), 0);
+}
+
+void reportCode(const char* title, const char* step, CK_RV code) {
+    WriteErr(title, step, 0, CatLtoAHex1("Errore = ", static_cast<long>(code)), 0);
+}
+
+void reportSentence(const char* sentence) {
+    WriteErr("Messaggio di Errore", sentence, 0, "", 0);
+}
+
+void reportSentence(const char* format, CK_RV code) {
+    Sentence sentence;
+    std::snprintf(sentence, sizeof sentence, format, errorMessage(code));
+    reportSentence(sentence);
+}
+
+void reportFailure(const char* title, const char* step, CK_RV code, const char* format) {
+    reportCode(title, step, code);
+    reportSentence(format, code);
+}
+
+} // namespace zv

@@ -1,0 +1,67 @@
+// Data objects that mark a services card: written by a request, removed once its certificate is stored. Nothing is logged.
+#include <cstring>
+#include <string_view>
+
+#include "card/session.h"
+#include "store/objects.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr unsigned int REFUSED = 0xFFFFFFFF;
+constexpr std::size_t MOST_LABEL = 64;
+constexpr std::size_t MOST_VALUE = 2048;
+
+// The first object that matches; 0 when none does.
+CK_RV findFirst(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG entries, CK_OBJECT_HANDLE& object) {
+    object = 0;
+    if (zv::startSearch(session, tmpl, entries) != CKR_OK) return zv::rv;
+    zv::SearchGuard search(session);
+    CK_ULONG count = 0;
+    if (zv::nextObject(session, object, count) != CKR_OK) return zv::rv;
+    if (count != 1) object = 0;
+    search.dismiss();
+    return zv::endSearch(session);
+}
+
+} // namespace
+
+unsigned int DataStore(unsigned long session, const char* label, const char* value, const char*, bool modifiable,
+                       bool isPrivate) {
+    const std::string_view name = zv::orEmpty(label), text = zv::orEmpty(value);
+    if (text.size() > MOST_VALUE || text.empty() || name.size() > MOST_LABEL) return REFUSED;
+    const CK_OBJECT_CLASS data = CKO_DATA;
+    const CK_BBOOL onToken = CK_TRUE, changeable = modifiable, hidden = isPrivate;
+    CK_ATTRIBUTE tmpl[] = {
+        zv::attributeOf(CKA_CLASS, data),           zv::attribute(CKA_LABEL, name),
+        zv::attributeOf(CKA_PRIVATE, hidden),       zv::attributeOf(CKA_MODIFIABLE, changeable),
+        zv::attributeOf(CKA_TOKEN, onToken),        zv::attribute(CKA_VALUE, text),
+    };
+    CK_OBJECT_HANDLE object = 0;
+    if (findFirst(session, tmpl, 5, object) != CKR_OK) return static_cast<unsigned int>(zv::rv);
+    if (object != 0)
+        zv::rv = zv::call<&zv::Functions::C_SetAttributeValue>(session, object, &tmpl[5], CK_ULONG{1});
+    else
+        zv::rv = zv::call<&zv::Functions::C_CreateObject>(session, tmpl, CK_ULONG{6}, &object);
+    return static_cast<unsigned int>(zv::rv);
+}
+
+unsigned int DeleteDataPendingCNS(unsigned long session, char* label) {
+    const std::string_view name = zv::orEmpty(label);
+    if (name.size() > MOST_LABEL) return REFUSED;
+    CK_ATTRIBUTE tmpl = zv::attribute(CKA_LABEL, name);
+    if (zv::startSearch(session, &tmpl, 1) != CKR_OK) return static_cast<unsigned int>(zv::rv);
+    for (;;) {
+        CK_OBJECT_HANDLE object = 0;
+        CK_ULONG count = 0;
+        // A search that fails is left open.
+        if (zv::nextObject(session, object, count) != CKR_OK) return static_cast<unsigned int>(zv::rv);
+        CK_OBJECT_CLASS objectClass = 0;
+        if (count != 1 || zv::readNumber(session, object, CKA_CLASS, objectClass) != CKR_OK) break;
+        if (objectClass == CKO_DATA) {
+            zv::destroyObject(session, object);
+            break;
+        }
+    }
+    return static_cast<unsigned int>(zv::endSearch(session));
+}

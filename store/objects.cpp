@@ -1,0 +1,67 @@
+#include "store/objects.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "card/session.h"
+
+namespace zv {
+
+CK_RV startSearch(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count) {
+    return rv = call<&Functions::C_FindObjectsInit>(session, tmpl, count);
+}
+
+CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& count) {
+    count = 0;
+    rv = call<&Functions::C_FindObjects>(session, &object, CK_ULONG{1}, &count);
+    count = std::min(count, CK_ULONG{1});
+    return rv;
+}
+
+CK_RV endSearch(CK_SESSION_HANDLE session) {
+    return rv = call<&Functions::C_FindObjectsFinal>(session);
+}
+
+SearchGuard::~SearchGuard() {
+    if (armed_) call<&Functions::C_FindObjectsFinal>(session_);
+}
+
+CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                    std::size_t size, std::size_t& length) {
+    std::memset(buffer, 0, size);
+    CK_ATTRIBUTE entry = {type, buffer, size};
+    rv = call<&Functions::C_GetAttributeValue>(session, object, &entry, CK_ULONG{1});
+    const bool given = rv == CKR_OK && entry.ulValueLen != CK_UNAVAILABLE_INFORMATION;
+    length = given ? std::min<std::size_t>(entry.ulValueLen, size) : 0;
+    return rv;
+}
+
+CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, CK_ULONG& number) {
+    std::size_t length = 0;
+    readAttribute(session, object, type, &number, sizeof number, length);
+    if (length < sizeof number) number = 0;
+    return rv;
+}
+
+bool isTolerated(CK_RV result) {
+    return result == CKR_OK || result == CKR_ATTRIBUTE_SENSITIVE || result == CKR_ATTRIBUTE_TYPE_INVALID;
+}
+
+CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length) {
+    return {type, const_cast<void*>(value), length};
+}
+
+CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text) {
+    return attribute(type, text.data(), text.size());
+}
+
+CK_RV destroyObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
+    return rv = call<&Functions::C_DestroyObject>(session, object);
+}
+
+CK_RV relabelObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text) {
+    CK_ATTRIBUTE change[] = {attribute(CKA_ID, text), attribute(CKA_LABEL, text)};
+    return rv = call<&Functions::C_SetAttributeValue>(session, object, change, CK_ULONG{2});
+}
+
+} // namespace zv

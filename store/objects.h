@@ -1,0 +1,75 @@
+#ifndef ZV_STORE_OBJECTS_H
+#define ZV_STORE_OBJECTS_H
+
+#include <cstddef>
+#include <string_view>
+
+#include "pkcs11.h"
+
+/**
+ * Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries of their own.
+ * Each leaves the PKCS#11 result in zv::rv.
+ */
+namespace zv {
+
+inline constexpr char SEARCH_ERROR[] = "Errore nella ricerca degli oggetti presenti sulla smartcard (%s)";
+
+CK_RV startSearch(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl = nullptr, CK_ULONG count = 0);
+
+/** Asks for one object; count is 1, or 0 when none is left. */
+CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& count);
+
+CK_RV endSearch(CK_SESSION_HANDLE session);
+
+/** Ends an open search when left, unless it was ended or is to stay open. Leaves zv::rv alone. */
+class SearchGuard {
+  public:
+    explicit SearchGuard(CK_SESSION_HANDLE session) : session_(session) {}
+    SearchGuard(const SearchGuard&) = delete;
+    SearchGuard& operator=(const SearchGuard&) = delete;
+    ~SearchGuard();
+    void dismiss() { armed_ = false; }
+
+  private:
+    CK_SESSION_HANDLE session_;
+    bool armed_ = true;
+};
+
+/**
+ * Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and 0 after a
+ * failure.
+ */
+CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                    std::size_t size, std::size_t& length);
+
+/** Reads a number, such as a class; 0 after a failure. */
+CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, CK_ULONG& number);
+
+/** Reads a text of at most N - 1 bytes. */
+template <std::size_t N>
+CK_RV readText(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, char (&text)[N]) {
+    std::size_t length = 0;
+    text[N - 1] = '\0';
+    return readAttribute(session, object, type, text, N - 1, length);
+}
+
+/** True for a result after which an object is still worth looking at: it lacks the attribute, or hides it. */
+bool isTolerated(CK_RV result);
+
+/** A template entry over the caller's bytes, which a module only reads. */
+CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);
+CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text);
+
+/** A template entry over a number or a truth value. */
+template <typename Value> CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const Value& value) {
+    return attribute(type, &value, sizeof value);
+}
+
+CK_RV destroyObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
+
+/** Gives an object one text as CKA_ID and CKA_LABEL. */
+CK_RV relabelObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text);
+
+} // namespace zv
+
+#endif

@@ -1,0 +1,83 @@
+// CheckPendingKeys: finds the key pair that an unfinished request left on the card.
+#include <cstring>
+
+#include "card/session.h"
+#include "diag/log.h"
+#include "store/objects.h"
+#include "store/renewal_state.h"
+
+namespace {
+
+constexpr char TITLE[] = " .... CheckPendingKeys FUN           .... ";
+constexpr int FAILED = 1;
+constexpr int NO_PENDING_KEY = 100;
+
+int failRead(const char* format) {
+    zv::reportFailure(TITLE, "C_GetAttributeValue", zv::rv, format);
+    return FAILED;
+}
+
+// Takes the object's handle when its identifier contains the pending one.
+int takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, const char* readError) {
+    char id[256];
+    if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return failRead(readError);
+    WriteLog(TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
+    if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
+    return 0;
+}
+
+int examine(CK_OBJECT_HANDLE object) {
+    CK_OBJECT_CLASS objectClass = 0;
+    if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK)
+        return failRead("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
+    if (objectClass == CKO_PUBLIC_KEY)
+        return takeIfPending(object, zv::hPublicKey, "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
+    if (objectClass == CKO_PRIVATE_KEY)
+        return takeIfPending(object, zv::hPrivateKey, "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
+    return 0;
+}
+
+int examineAll() {
+    zv::SearchGuard search(zv::hSession);
+    CK_OBJECT_HANDLE object = 0;
+    for (int round = 1;; ++round) {
+        zv::trace(TITLE, "C_FindObjects", CatItoA("Volta = ", round));
+        CK_ULONG count = 0;
+        if (zv::nextObject(zv::hSession, object, count) != CKR_OK) {
+            zv::reportFailure(TITLE, "C_FindObjects", zv::rv, zv::SEARCH_ERROR);
+            search.dismiss();
+            return FAILED;
+        }
+        char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
+        WriteLog(TITLE, handle, 0, CatLtoAHex2("count = ", static_cast<long>(count)), 0);
+        if (count != 1) break;
+        if (examine(object) != 0) return FAILED;
+    }
+    search.dismiss();
+    zv::trace(TITLE, "C_FindObjectsFinal");
+    if (zv::endSearch(zv::hSession) == CKR_OK) return 0;
+    zv::reportFailure(TITLE, "C_FindObjectsFinal", zv::rv, zv::SEARCH_ERROR);
+    return FAILED;
+}
+
+} // namespace
+
+int CheckPendingKeys(void*, bool reportMissing) {
+    zv::hPrivateKey = 0;
+    zv::hPublicKey = 0;
+    zv::trace(TITLE, "I N I Z I O");
+    zv::traceSession(TITLE, "C_FindObjectsInit", zv::hSession);
+    if (zv::startSearch(zv::hSession) != CKR_OK) {
+        zv::reportFailure(TITLE, "C_FindObjectsInit", zv::rv, zv::SEARCH_ERROR);
+        return FAILED;
+    }
+    if (examineAll() != 0) return FAILED;
+    // The private key alone decides.
+    const bool found = zv::hPrivateKey != 0;
+    zv::trace(TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
+    zv::trace(TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
+    if (found) return 0;
+    if (reportMissing)
+        zv::reportSentence("Non esiste alcuna chiave privata da certificare sulla smartcard (%s)", zv::rv);
+    return NO_PENDING_KEY;
+}

@@ -1,0 +1,27 @@
+#include "util/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zv {
+
+bool copyText(char* destination, std::size_t size, std::string_view text) {
+    if (destination == nullptr || size == 0) return text.empty();
+    const std::size_t length = std::min(text.size(), size - 1);
+    if (length > 0) std::memmove(destination, text.data(), length);
+    destination[length] = '\0';
+    return length == text.size();
+}
+
+bool appendText(char* destination, std::size_t size, std::string_view text) {
+    if (destination == nullptr || size == 0) return text.empty();
+    const std::size_t used = boundedText(destination, size).size();
+    return copyText(destination + used, size - used, text);
+}
+
+std::string_view boundedText(const char* buffer, std::size_t size) {
+    if (buffer == nullptr) return {};
+    return {buffer, strnlen(buffer, size)};
+}
+
+} // namespace zv

@@ -1,0 +1,37 @@
+#ifndef ZV_UTIL_TEXT_H
+#define ZV_UTIL_TEXT_H
+
+#include <cstddef>
+#include <string_view>
+
+/** Bounded work on fixed text buffers. Every function leaves the destination terminated within its size. */
+namespace zv {
+
+/** Copies as much of text as fits. Returns false when it was cut. */
+bool copyText(char* destination, std::size_t size, std::string_view text);
+
+/** Appends as much of text as fits. Returns false when it was cut. */
+bool appendText(char* destination, std::size_t size, std::string_view text);
+
+template <std::size_t N> bool copyText(char (&destination)[N], std::string_view text) {
+    return copyText(destination, N, text);
+}
+
+template <std::size_t N> bool appendText(char (&destination)[N], std::string_view text) {
+    return appendText(destination, N, text);
+}
+
+/** The text in a buffer that may lack its terminator. */
+std::string_view boundedText(const char* buffer, std::size_t size);
+
+inline const char* orEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+inline bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+} // namespace zv
+
+#endif

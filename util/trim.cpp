@@ -1,0 +1,46 @@
+// Letter case, blanks and separators, changed in place.
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "routines.h"
+
+namespace {
+
+template <typename Change> char* changeEach(char* text, Change change) {
+    if (text != nullptr) std::transform(text, text + std::strlen(text), text, change);
+    return text;
+}
+
+} // namespace
+
+char* _strupr(char* text) {
+    return changeEach(text, [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+}
+
+char* _strlwr(char* text) {
+    return changeEach(text, [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+}
+
+char* VirgolaToPunto(char* text) {
+    return changeEach(text, [](char c) { return c == ',' ? '.' : c; });
+}
+
+char* RTrim(char* text) {
+    if (text == nullptr) return nullptr;
+    std::size_t length = std::strlen(text);
+    while (length > 0 && text[length - 1] == ' ') --length;
+    text[length] = '\0';
+    return text;
+}
+
+char* LTrim(char* text) {
+    if (text == nullptr) return nullptr;
+    const std::size_t blanks = std::strspn(text, " ");
+    if (blanks > 0) std::memmove(text, text + blanks, std::strlen(text + blanks) + 1);
+    return text;
+}
+
+char* AllTrim(char* text) {
+    return LTrim(RTrim(text));
+}
