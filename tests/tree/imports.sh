@@ -1,9 +1,9 @@
 #!/bin/sh
-# imports.sh ROOT LIBRARY CRYPT [sanitized]: fails when the library needs another library than it may, takes a symbol
+# imports.sh ROOT LIBRARY CRYPT: fails when the library needs another library than it may, takes a symbol
 # from elsewhere, or leaves one of its own open to a host's symbol of the same name.
 set -eu
 cd "$1"
-library=$2 crypt=$3 sanitized=${4:-}
+library=$2 crypt=$3
 export LC_ALL=C
 status=0
 wrong() {
@@ -16,7 +16,6 @@ needed=$(readelf -dW "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 for name in $needed; do
     case $name in
     libstdc++.so.* | libgcc_s.so.* | libc.so.* | libm.so.* | libdl.so.* | ld-linux* | "$crypt_name") ;;
-    libasan.so.* | libubsan.so.*) [ -n "$sanitized" ] || wrong "needs a sanitizer's $name" ;;
     *) wrong "needs $name" ;;
     esac
 done
@@ -28,9 +27,6 @@ allowed=$(awk -f tests/tree/declarations.awk include/zvCrypt.h | awk '$2 == "exp
 taken=$(nm -D --undefined-only "$library" | awk '$1 == "U" && $2 !~ /@/ { print $2 }')
 [ -n "$taken" ] || wrong "takes nothing from the crypto library"
 for name in $taken; do
-    case $name in
-    __asan_* | __ubsan_* | __sanitizer_*) [ -n "$sanitized" ] && continue ;;
-    esac
     echo "$allowed" | grep -qxF "$name" || wrong "takes $name, which is no operation of zvCrypt.h"
 done
 

@@ -11,6 +11,8 @@ char* X1(char* text);
 void _RiempiDN(char* dn, unsigned int size);
 char* getLogPath(void);
 
+// Exported by the host, so that the loader finds these first.
+#pragma GCC visibility push(default)
 int p = 1;
 long rv = 2;
 char buffer[] = "host buffer";
