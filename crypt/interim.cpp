@@ -7,18 +7,6 @@ int refuse() {
 }
 } // namespace
 
-int kvInitialize(char*, int) {
-    return refuse();
-}
-int kvLogin(const char*) {
-    return refuse();
-}
-int kvFinalize() {
-    return refuse();
-}
-int kvCheckSmartCard(char*, char*, char*, char*) {
-    return refuse();
-}
 int kvSignFile(const char*, const char*, const char*, const char*) {
     return refuse();
 }

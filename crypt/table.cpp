@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string_view>
 
 namespace zvcrypt {
@@ -15,15 +16,13 @@ namespace {
 
 constexpr std::size_t longestReaderName = 127;
 
-// A section while it is read.
+// A section while it is read; only the record of its kind is filled.
 struct Section {
-    enum class Kind { card, reader } kind;
-    std::string name;
+    bool isCard;
     int line;
-    std::optional<std::string> atr;
-    std::optional<std::string> module;
-    std::optional<std::string> flags;
-    std::optional<std::string> longName;
+    std::set<std::string, std::less<>> keys;
+    CardEntry card;
+    SoftwareReader reader;
 };
 
 // Feeds inih line by line. inih knows neither where a section begins without a key nor that it cut a line,
@@ -50,8 +49,9 @@ class TableParser {
     bool take(std::string_view key, std::string_view value);
     void beginSection(std::string_view title);
     void endSection();
-    void addCard(const Section& section);
-    void addReader(const Section& section);
+    void setCard(std::string_view key, std::string_view value);
+    void setReader(std::string_view key, std::string_view value);
+    void setFlags(std::string_view flags);
     void note(std::string problem) { noteAt(line_, std::move(problem)); }
     void noteAt(int line, std::string problem);
 
@@ -89,6 +89,7 @@ char* TableParser::feed(char* line, int room) {
 
 void TableParser::beginSection(std::string_view title) {
     endSection();
+    if (problemLine_ != 0) return;
     const auto end = title.find(']');
     if (end == std::string_view::npos) return note("manca la parentesi ']'");
     const auto after = trimmed(title.substr(end + 1));
@@ -97,74 +98,83 @@ void TableParser::beginSection(std::string_view title) {
     title = trimmed(title.substr(0, end));
     const auto blank = std::min(title.find(' '), title.size());
     const auto word = title.substr(0, blank);
-    const std::string name{trimmed(title.substr(blank))};
+    const auto name = trimmed(title.substr(blank));
     if (word != "card" && word != "reader") return note("sezione sconosciuta: " + std::string(word));
     if (word == "reader" && readers_ == SoftwareReaders::refused)
         return note("un lettore software va nella configurazione, non qui");
     if (name.empty()) return note("manca il nome nel titolo della sezione");
-    section_ =
-        Section{word == "card" ? Section::Kind::card : Section::Kind::reader, name, line_, {}, {}, {}, {}};
+    section_.emplace(Section{word == "card", line_, {}, {}, {}});
+    if (!section_->isCard) setReader("name", name);
 }
 
 bool TableParser::take(std::string_view key, std::string_view value) {
-    if (!section_) {
+    if (!section_)
         note("chiave fuori da ogni sezione");
-        return false;
-    }
-    const bool card = section_->kind == Section::Kind::card;
-    std::optional<std::string>* field = nullptr;
-    if (key == "atr") field = &section_->atr;
-    if (card && key == "module") field = &section_->module;
-    if (card && key == "flags") field = &section_->flags;
-    if (!card && key == "name") field = &section_->longName;
-    if (field == nullptr)
-        note("chiave sconosciuta: " + std::string(key));
-    else if (*field)
+    else if (!section_->keys.emplace(key).second)
         note("chiave ripetuta: " + std::string(key));
+    else if (section_->isCard)
+        setCard(key, value);
     else
-        *field = value;
+        setReader(key, value);
     return problemLine_ == 0;
 }
 
-void TableParser::endSection() {
-    if (!section_) return;
-    if (section_->kind == Section::Kind::card)
-        addCard(*section_);
-    else
-        addReader(*section_);
-    section_.reset();
+void TableParser::setCard(std::string_view key, std::string_view value) {
+    if (key == "atr") {
+        const auto pattern = normalisedAtr(value, Wildcards::allowed);
+        if (!pattern) return note("ATR non valido (da 2 a 33 byte in esadecimale)");
+        section_->card.pattern = *pattern;
+    } else if (key == "module") {
+        if (value.empty() || value.find('/') != std::string_view::npos)
+            return note("nome di modulo non valido (un nome di file, senza cartella)");
+        section_->card.module = value;
+    } else if (key == "flags") {
+        setFlags(value);
+    } else {
+        note("chiave sconosciuta: " + std::string(key));
+    }
 }
 
-void TableParser::addCard(const Section& section) {
-    const auto pattern = normalisedAtr(section.atr.value_or(""), Wildcards::allowed);
-    if (!pattern) return noteAt(section.line, "la sezione non ha un ATR valido");
-    const std::string module = section.module.value_or("");
-    if (module.empty() || module.find('/') != std::string::npos)
-        return noteAt(section.line,
-                      "la sezione non ha un nome di modulo valido (un nome di file senza cartella)");
-    CardEntry entry{*pattern, module};
-    std::string_view flags = section.flags ? std::string_view(*section.flags) : std::string_view();
+void TableParser::setFlags(std::string_view flags) {
     while (!(flags = trimmed(flags)).empty()) {
         const auto end = std::min(flags.find_first_of(" \t"), flags.size());
         const auto flag = flags.substr(0, end);
         flags.remove_prefix(end);
-        if (flag != "cns" && flag != "touchsign")
-            return noteAt(section.line, "indicatore sconosciuto: " + std::string(flag));
-        (flag == "cns" ? entry.cns : entry.touchSign) = true;
+        if (flag != "cns" && flag != "touchsign") return note("indicatore sconosciuto: " + std::string(flag));
+        (flag == "cns" ? section_->card.cns : section_->card.touchSign) = true;
     }
-    table_.cards.push_back(std::move(entry));
 }
 
-void TableParser::addReader(const Section& section) {
-    const auto atr = normalisedAtr(section.atr.value_or(""), Wildcards::refused);
-    if (!atr) return noteAt(section.line, "la sezione non ha un ATR valido");
-    const std::string name = section.longName.value_or(section.name);
-    if (name.empty() || name.size() > longestReaderName || name.find('|') != std::string::npos)
-        return noteAt(section.line, "nome di lettore non valido (da 1 a 127 caratteri, senza '|')");
-    const bool known = std::any_of(table_.readers.begin(), table_.readers.end(),
-                                   [&](const SoftwareReader& reader) { return reader.name == name; });
-    if (known) return noteAt(section.line, "lettore ripetuto: " + name);
-    table_.readers.push_back({name, *atr});
+void TableParser::setReader(std::string_view key, std::string_view value) {
+    if (key == "atr") {
+        const auto atr = normalisedAtr(value, Wildcards::refused);
+        if (!atr) return note("ATR non valido (da 2 a 33 byte in esadecimale)");
+        section_->reader.atr = *atr;
+    } else if (key == "name") {
+        if (value.empty() || value.size() > longestReaderName || value.find('|') != std::string_view::npos)
+            return note("nome di lettore non valido (da 1 a 127 caratteri, senza '|')");
+        section_->reader.name = value;
+    } else {
+        note("chiave sconosciuta: " + std::string(key));
+    }
+}
+
+void TableParser::endSection() {
+    if (!section_ || problemLine_ != 0) return;
+    const Section section = std::move(*section_);
+    section_.reset();
+    if (!section.keys.contains("atr")) return noteAt(section.line, "la sezione non ha la chiave atr");
+    if (section.isCard) {
+        if (!section.keys.contains("module"))
+            return noteAt(section.line, "la sezione non ha la chiave module");
+        table_.cards.push_back(section.card);
+        return;
+    }
+    const bool known =
+        std::any_of(table_.readers.begin(), table_.readers.end(),
+                    [&](const SoftwareReader& reader) { return reader.name == section.reader.name; });
+    if (known) return noteAt(section.line, "lettore ripetuto: " + section.reader.name);
+    table_.readers.push_back(section.reader);
 }
 
 Table TableParser::parse(const std::string& fileName) {

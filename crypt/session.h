@@ -1,0 +1,48 @@
+#pragma once
+
+#include "module.h"
+
+#include <string>
+#include <string_view>
+
+namespace zvcrypt {
+
+// A session of this library's own on one slot of a module. It finalises the module only if it initialised it.
+class Session {
+  public:
+    Session(const std::string& modulePath, CK_SLOT_ID slot);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Closes everything, whatever fails; gives the first failing call's result (and name) for it to be told.
+    struct Outcome {
+        const char* function;
+        CK_RV result;
+    };
+    [[nodiscard]] Outcome close() noexcept;
+
+    void login(std::string_view pin);
+    [[nodiscard]] bool loggedIn() const noexcept { return loggedIn_; }
+    [[nodiscard]] CK_TOKEN_INFO tokenInfo() const;
+
+    // Calls a function that takes the session handle first.
+    template <class Entry, class... Arguments>
+    [[nodiscard]] CK_RV call(Entry CK_FUNCTION_LIST::*entry, Arguments... arguments) const {
+        return module_.call(entry, handle_, arguments...);
+    }
+
+  private:
+    void openSession();
+
+    Module module_;
+    CK_SLOT_ID slot_;
+    CK_SESSION_HANDLE handle_ = CK_INVALID_HANDLE;
+    bool initialisedHere_ = false;
+    bool loggedIn_ = false;
+};
+
+// The session that kvInitialize opened; ZVC_ERR_NO_SESSION without one.
+[[nodiscard]] Session& currentSession();
+
+} // namespace zvcrypt
