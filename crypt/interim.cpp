@@ -7,12 +7,6 @@ int refuse() {
 }
 } // namespace
 
-int kvSignFile(const char*, const char*, const char*, const char*) {
-    return refuse();
-}
-int kvFileToBase64(char*, char*, const char*) {
-    return refuse();
-}
 int kvGetSubjectDN(unsigned char*, unsigned long, char*, int) {
     return refuse();
 }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "openssl_ptr.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zvcrypt {
+
+constexpr std::size_t base64LineLength = 64;
+constexpr std::size_t bytesPerBase64Line = base64LineLength / 4 * 3;
+
+// One line of at most 48 bytes, with its line feed.
+[[nodiscard]] std::string base64Line(std::span<const unsigned char> bytes);
+
+// How long that many bytes become in lines of 64 characters, each with its line feed.
+[[nodiscard]] constexpr std::size_t base64Length(std::size_t bytes) {
+    const std::size_t characters = (bytes + 2) / 3 * 4;
+    return characters + (characters + base64LineLength - 1) / base64LineLength;
+}
+
+// Decodes piece by piece; blanks and line ends do not count. ZVC_ERR_BASE64 for anything else that is not
+// base64.
+class Base64Decoder {
+  public:
+    [[nodiscard]] Bytes decode(std::string_view text);
+    // The text is over: it must not end in the middle of a group.
+    void finish() const;
+
+  private:
+    void addGroup(Bytes& bytes);
+
+    std::string group_;
+    bool padded_ = false;
+};
+
+[[nodiscard]] Bytes decodeBase64(std::string_view text);
+
+} // namespace zvcrypt

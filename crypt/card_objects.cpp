@@ -1,0 +1,183 @@
+#include "card_objects.h"
+
+#include "certificate.h"
+#include "der.h"
+
+#include <openssl/bn.h>
+#include <openssl/core_names.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zvcrypt {
+namespace {
+
+// Cards are slow: handles are fetched in batches, and each object's attributes in one call with room enough.
+constexpr std::size_t handlesPerCall = 16;
+constexpr std::size_t mostObjects = 256;
+constexpr std::size_t roomForId = 256;
+constexpr std::size_t roomForCertificate = 16384;
+constexpr std::size_t roomForRsa = 1024;
+
+struct CardCertificate {
+    Bytes id;
+    X509Ptr certificate;
+};
+
+CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t size) {
+    return {type, const_cast<void*>(value), static_cast<CK_ULONG>(size)};
+}
+
+CK_ATTRIBUTE attributeInto(CK_ATTRIBUTE_TYPE type, Bytes& room) {
+    return {type, room.data(), static_cast<CK_ULONG>(room.size())};
+}
+
+// The bytes that a read left in its room; none when the attribute is absent or the module's length absurd.
+Bytes valueOf(const CK_ATTRIBUTE& attribute, const Bytes& room) {
+    if (attribute.ulValueLen > room.size()) return {};
+    return {room.begin(), room.begin() + static_cast<std::ptrdiff_t>(attribute.ulValueLen)};
+}
+
+// Ends a search whatever becomes of it.
+class Search {
+  public:
+    Search(const Session& session, std::vector<CK_ATTRIBUTE> attributes) : session_(session) {
+        check("C_FindObjectsInit", session_.call(&CK_FUNCTION_LIST::C_FindObjectsInit, attributes.data(),
+                                                 static_cast<CK_ULONG>(attributes.size())));
+    }
+    ~Search() { (void)session_.call(&CK_FUNCTION_LIST::C_FindObjectsFinal); }
+    Search(const Search&) = delete;
+    Search& operator=(const Search&) = delete;
+
+    [[nodiscard]] std::vector<CK_OBJECT_HANDLE> handles() const;
+
+  private:
+    const Session& session_;
+};
+
+std::vector<CK_OBJECT_HANDLE> Search::handles() const {
+    std::vector<CK_OBJECT_HANDLE> all;
+    std::array<CK_OBJECT_HANDLE, handlesPerCall> some{};
+    CK_ULONG count = 0;
+    do {
+        count = 0;
+        check("C_FindObjects", session_.call(&CK_FUNCTION_LIST::C_FindObjects, some.data(),
+                                             static_cast<CK_ULONG>(some.size()), &count));
+        if (count > some.size() || all.size() + count > mostObjects)
+            throw Failure(ZVC_ERR_MODULE_ANSWER,
+                          "Il modulo PKCS#11 ha dato un numero di oggetti impossibile");
+        all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(count));
+    } while (count != 0);
+    return all;
+}
+
+// A read that left some attributes out still gives the others.
+bool gaveSomething(CK_RV result) {
+    return result == CKR_OK || result == CKR_ATTRIBUTE_SENSITIVE || result == CKR_ATTRIBUTE_TYPE_INVALID ||
+           result == CKR_BUFFER_TOO_SMALL;
+}
+
+std::vector<CardCertificate> cardCertificates(const Session& session) {
+    static constexpr CK_OBJECT_CLASS certificateClass = CKO_CERTIFICATE;
+    const auto handles =
+        Search(session, {attributeOf(CKA_CLASS, &certificateClass, sizeof certificateClass)}).handles();
+    std::vector<CardCertificate> certificates;
+    for (const auto handle : handles) {
+        Bytes id(roomForId);
+        Bytes value(roomForCertificate);
+        std::array attributes{attributeInto(CKA_ID, id), attributeInto(CKA_VALUE, value)};
+        const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, handle, attributes.data(),
+                                          static_cast<CK_ULONG>(attributes.size()));
+        if (!gaveSomething(result)) throw moduleFailure("C_GetAttributeValue", result);
+        auto certificate = readCertificate(valueOf(attributes[1], value), Trailing::ignored);
+        if (certificate) certificates.push_back({valueOf(attributes[0], id), std::move(certificate)});
+    }
+    return certificates;
+}
+
+std::vector<CK_OBJECT_HANDLE> privateKeys(const Session& session, std::string_view keyId) {
+    static constexpr CK_OBJECT_CLASS keyClass = CKO_PRIVATE_KEY;
+    auto keys = Search(session, {attributeOf(CKA_CLASS, &keyClass, sizeof keyClass),
+                                 attributeOf(CKA_ID, keyId.data(), keyId.size())})
+                    .handles();
+    if (keys.empty() && !session.loggedIn())
+        throw Failure(ZVC_ERR_NOT_LOGGED_IN, "La smart card richiede prima il PIN");
+    if (keys.empty())
+        throw Failure(ZVC_ERR_KEY, "Nessuna chiave privata \"" + std::string(keyId) + "\" sulla smart card");
+    return keys;
+}
+
+using BignumPtr = OpensslPtr<BIGNUM, BN_free>;
+
+BignumPtr modulusOf(X509& certificate) {
+    BIGNUM* modulus = nullptr;
+    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+    if (key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA)
+        (void)EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_N, &modulus);
+    return BignumPtr(modulus);
+}
+
+BignumPtr modulusOf(const Session& session, CK_OBJECT_HANDLE key) {
+    Bytes room(roomForRsa);
+    CK_ATTRIBUTE attribute = attributeInto(CKA_MODULUS, room);
+    const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, key, &attribute, CK_ULONG{1});
+    if (result != CKR_OK) return nullptr;
+    const Bytes modulus = valueOf(attribute, room);
+    return BignumPtr(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
+}
+
+// Which key goes with which certificate; the card is asked only when there is a choice.
+std::pair<CK_OBJECT_HANDLE, std::size_t> matchingPair(const Session& session,
+                                                      const std::vector<CK_OBJECT_HANDLE>& keys,
+                                                      const std::vector<CardCertificate>& certificates,
+                                                      const std::vector<std::size_t>& candidates) {
+    if (keys.size() == 1 && candidates.size() == 1) return {keys[0], candidates[0]};
+    for (const auto key : keys) {
+        const auto modulus = modulusOf(session, key);
+        for (const auto candidate : candidates) {
+            const auto other = modulusOf(*certificates[candidate].certificate);
+            if (modulus && other && BN_cmp(modulus.get(), other.get()) == 0) return {key, candidate};
+        }
+    }
+    throw Failure(ZVC_ERR_CERTIFICATE, "Nessuno dei certificati con l'identificativo della chiave è il suo");
+}
+
+} // namespace
+
+CardSigner findSigner(const Session& session, std::string_view keyId) {
+    const auto keys = privateKeys(session, keyId);
+    auto certificates = cardCertificates(session);
+    std::vector<std::size_t> candidates;
+    for (std::size_t i = 0; i < certificates.size(); ++i)
+        if (std::equal(certificates[i].id.begin(), certificates[i].id.end(), keyId.begin(), keyId.end(),
+                       [](unsigned char byte, char c) { return byte == static_cast<unsigned char>(c); }))
+            candidates.push_back(i);
+    if (candidates.empty())
+        throw Failure(ZVC_ERR_CERTIFICATE,
+                      "Nessun certificato \"" + std::string(keyId) + "\" sulla smart card");
+    const auto [key, chosen] = matchingPair(session, keys, certificates, candidates);
+    CardSigner signer{key, std::move(certificates[chosen].certificate), nullptr};
+    if (!modulusOf(*signer.certificate))
+        throw Failure(ZVC_ERR_CERTIFICATE,
+                      "Il certificato \"" + std::string(keyId) + "\" non è di una chiave RSA");
+    for (auto& other : certificates)
+        if (other.certificate && !signer.issuer && isIssuedBy(*signer.certificate, *other.certificate))
+            signer.issuer = std::move(other.certificate);
+    return signer;
+}
+
+Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo) {
+    CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
+    check("C_SignInit", session.call(&CK_FUNCTION_LIST::C_SignInit, &mechanism, key));
+    Bytes data = digestInfo;
+    Bytes signature(roomForRsa);
+    CK_ULONG length = static_cast<CK_ULONG>(signature.size());
+    check("C_Sign", session.call(&CK_FUNCTION_LIST::C_Sign, data.data(), static_cast<CK_ULONG>(data.size()),
+                                 signature.data(), &length));
+    if (length > signature.size())
+        throw Failure(ZVC_ERR_MODULE_ANSWER, "Il modulo PKCS#11 ha dato una firma di lunghezza impossibile");
+    signature.resize(length);
+    return signature;
+}
+
+} // namespace zvcrypt

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "openssl_ptr.h"
+#include "session.h"
+
+#include <string_view>
+
+namespace zvcrypt {
+
+// A private key of the card that signs, its certificate, and that certificate's issuer if the card holds it.
+struct CardSigner {
+    CK_OBJECT_HANDLE key = CK_INVALID_HANDLE;
+    X509Ptr certificate;
+    X509Ptr issuer;
+};
+
+// Finds the key and its certificate under that CKA_ID. Where several carry it, the pair that fits by its
+// modulus is taken. ZVC_ERR_KEY or ZVC_ERR_CERTIFICATE when there is none.
+[[nodiscard]] CardSigner findSigner(const Session& session, std::string_view keyId);
+
+// The card's RSA operation (CKM_RSA_PKCS).
+[[nodiscard]] Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo);
+
+} // namespace zvcrypt

@@ -1,0 +1,100 @@
+#include "cms.h"
+
+#include "certificate.h"
+#include "der.h"
+#include "failure.h"
+
+namespace zvcrypt {
+namespace {
+
+using der::tlv;
+
+const Bytes null{0x05, 0x00};
+
+Bytes versionOne() {
+    return {der::integer, 0x01, 0x01};
+}
+
+Bytes attribute(int nid, const Bytes& value) {
+    return tlv(der::sequence, {der::objectIdentifier(nid), tlv(der::set, {value})});
+}
+
+// RFC 5754: the parameters of the SHA-2 digests are left out.
+Bytes digestAlgorithm(const HashAlgorithm& hash) {
+    return tlv(der::sequence, {der::objectIdentifier(hash.nid)});
+}
+
+Bytes issuerName(X509& certificate) {
+    return der::encoded(i2d_X509_NAME, static_cast<const X509_NAME*>(X509_get_issuer_name(&certificate)));
+}
+
+Bytes serialNumber(X509& certificate) {
+    return der::encoded(i2d_ASN1_INTEGER, X509_get0_serialNumber(&certificate));
+}
+
+// UTCTime up to 2049, GeneralizedTime from then on: RFC 5652, section 11.3.
+Bytes timeValue(std::time_t time) {
+    const TimePtr encodedTime(ASN1_TIME_set(nullptr, time));
+    if (!encodedTime) throw Failure(ZVC_ERR_INTERNAL, "L'ora del sistema non è utilizzabile");
+    return der::encoded(i2d_ASN1_TIME, static_cast<const ASN1_TIME*>(encodedTime.get()));
+}
+
+// RFC 5035. The digest is SHA-256, the default, which DER leaves unsaid.
+Bytes signingCertificate(X509& signer) {
+    const Bytes digest = digestOf(hashAlgorithm("SHA256"), certificateDer(signer));
+    const Bytes issuer = tlv(der::sequence, {tlv(der::context4, {issuerName(signer)})});
+    const Bytes issuerSerial = tlv(der::sequence, {issuer, serialNumber(signer)});
+    const Bytes certificateId = tlv(der::sequence, {tlv(der::octetString, {digest}), issuerSerial});
+    return tlv(der::sequence, {tlv(der::sequence, {certificateId})});
+}
+
+// The attributes as they stand in the SignerInfo: the same SET under the tag [0].
+Bytes retagged(Bytes attributes) {
+    attributes.at(0) = der::context0;
+    return attributes;
+}
+
+Bytes signerInfo(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
+    return tlv(der::sequence, {versionOne(), tlv(der::sequence, {issuerName(signer), serialNumber(signer)}),
+                               digestAlgorithm(hash), retagged(attributes),
+                               tlv(der::sequence, {der::objectIdentifier(NID_rsaEncryption), null}),
+                               tlv(der::octetString, {signature})});
+}
+
+} // namespace
+
+Bytes signedAttributes(const Bytes& contentDigest, X509& signer, std::time_t signingTime) {
+    return der::setOf(der::set,
+                      {attribute(NID_pkcs9_contentType, der::objectIdentifier(NID_pkcs7_data)),
+                       attribute(NID_pkcs9_messageDigest, tlv(der::octetString, {contentDigest})),
+                       attribute(NID_pkcs9_signingTime, timeValue(signingTime)),
+                       attribute(NID_id_smime_aa_signingCertificateV2, signingCertificate(signer))});
+}
+
+Bytes digestInfo(const HashAlgorithm& hash, const Bytes& digest) {
+    const Bytes algorithm = tlv(der::sequence, {der::objectIdentifier(hash.nid), null});
+    return tlv(der::sequence, {algorithm, tlv(der::octetString, {digest})});
+}
+
+SignedDataFrame signedDataFrame(std::size_t contentLength, const HashAlgorithm& hash, const Bytes& attributes,
+                                const Bytes& signature, X509& signer, X509* issuer) {
+    std::vector<Bytes> certificates{certificateDer(signer)};
+    if (issuer != nullptr) certificates.push_back(certificateDer(*issuer));
+    const Bytes tail = der::joined({der::setOf(der::context0, certificates),
+                                    tlv(der::set, {signerInfo(hash, attributes, signature, signer)})});
+
+    // From the inside out: each header needs the length of all that it holds, the content among it.
+    Bytes head = der::header(der::octetString, contentLength);
+    const auto enclose = [&](der::Tag tag, const Bytes& before, std::size_t after) {
+        head = der::joined({before, head});
+        head = der::joined({der::header(tag, head.size() + contentLength + after), head});
+    };
+    enclose(der::context0, {}, 0);
+    enclose(der::sequence, der::objectIdentifier(NID_pkcs7_data), 0);
+    enclose(der::sequence, der::joined({versionOne(), tlv(der::set, {digestAlgorithm(hash)})}), tail.size());
+    enclose(der::context0, {}, tail.size());
+    enclose(der::sequence, der::objectIdentifier(NID_pkcs7_signed), tail.size());
+    return {head, tail};
+}
+
+} // namespace zvcrypt

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "openssl_ptr.h"
+
+#include <initializer_list>
+#include <span>
+
+// DER by hand, for structures that OpenSSL cannot make around a key that it does not hold.
+namespace zvcrypt::der {
+
+enum Tag : unsigned char {
+    integer = 0x02,
+    octetString = 0x04,
+    sequence = 0x30,
+    set = 0x31,
+    context0 = 0xA0,
+    context4 = 0xA4,
+};
+
+// Identifier and length of a value of that many bytes.
+[[nodiscard]] Bytes header(Tag tag, std::size_t length);
+
+[[nodiscard]] Bytes joined(std::initializer_list<std::span<const unsigned char>> parts);
+
+[[nodiscard]] Bytes tlv(Tag tag, std::initializer_list<std::span<const unsigned char>> parts);
+
+// SET OF: its elements in the order of their encodings.
+[[nodiscard]] Bytes setOf(Tag tag, std::vector<Bytes> elements);
+
+[[nodiscard]] Bytes objectIdentifier(int nid);
+
+// What OpenSSL encodes itself.
+template <class T> [[nodiscard]] Bytes encoded(int (*encode)(const T*, unsigned char**), const T* object) {
+    const int length = encode(object, nullptr);
+    Bytes bytes(length < 0 ? 0 : static_cast<std::size_t>(length));
+    unsigned char* end = bytes.data();
+    if (length > 0) (void)encode(object, &end);
+    return bytes;
+}
+
+} // namespace zvcrypt::der

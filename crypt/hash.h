@@ -1,0 +1,34 @@
+#pragma once
+
+#include "openssl_ptr.h"
+
+#include <span>
+#include <string_view>
+
+namespace zvcrypt {
+
+// A digest algorithm of signatures.
+struct HashAlgorithm {
+    std::string_view name;
+    int nid;
+    const EVP_MD* (*digest)();
+};
+
+// ZVC_ERR_HASH for a name that is not supported.
+[[nodiscard]] const HashAlgorithm& hashAlgorithm(std::string_view name);
+
+// A digest that is fed piece by piece.
+class Digest {
+  public:
+    explicit Digest(const HashAlgorithm& algorithm);
+
+    void update(std::span<const unsigned char> bytes);
+    [[nodiscard]] Bytes finish();
+
+  private:
+    MdContextPtr context_;
+};
+
+[[nodiscard]] Bytes digestOf(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes);
+
+} // namespace zvcrypt
