@@ -97,6 +97,7 @@ std::vector<CardCertificate> cardCertificates(const Session& session) {
 
 std::vector<CK_OBJECT_HANDLE> privateKeys(const Session& session, std::string_view keyId) {
     static constexpr CK_OBJECT_CLASS keyClass = CKO_PRIVATE_KEY;
+    if (keyId.empty()) throw Failure(ZVC_ERR_KEY, "Manca l'identificativo della chiave");
     auto keys = Search(session, {attributeOf(CKA_CLASS, &keyClass, sizeof keyClass),
                                  attributeOf(CKA_ID, keyId.data(), keyId.size())})
                     .handles();

@@ -2,6 +2,8 @@
 
 #include "text.h"
 
+#include <openssl/err.h>
+
 #include <new>
 
 namespace zvcrypt {
@@ -27,11 +29,20 @@ int keep(zvCryptError code, const char* reason) noexcept {
     return code;
 }
 
+// The host's own queue of OpenSSL errors comes out as it went in.
+class OpensslErrors {
+  public:
+    OpensslErrors() noexcept { (void)ERR_set_mark(); }
+    ~OpensslErrors() { (void)ERR_pop_to_mark(); }
+    OpensslErrors(const OpensslErrors&) = delete;
+    OpensslErrors& operator=(const OpensslErrors&) = delete;
+};
+
 } // namespace
 
 int runOperation(const std::function<void()>& body) noexcept {
-    lastFailure().code = ZVC_OK;
-    lastFailure().reason.clear();
+    const OpensslErrors restored;
+    lastFailure() = {};
     try {
         body();
         return ZVC_OK;

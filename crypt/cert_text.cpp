@@ -1,0 +1,68 @@
+#include "base64.h"
+#include "bundle.h"
+#include "certificate.h"
+#include "failure.h"
+#include "pem.h"
+#include "text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace zvcrypt {
+namespace {
+
+// Stands in the buffer for a text that it cannot hold: no part of such a text may pass for the whole.
+constexpr std::string_view tooLongMark = "(oltre 8191 caratteri)";
+
+std::string_view boundedText(const char* text) {
+    const std::string_view bounded(text, ::strnlen(text, ZVC_CERT_TEXT_SIZE));
+    if (bounded.size() == ZVC_CERT_TEXT_SIZE || bounded == tooLongMark)
+        throw Failure(ZVC_ERR_TEXT_LENGTH, "Il testo del certificato supera gli 8191 caratteri");
+    return bounded;
+}
+
+std::vector<X509Ptr> certificatesIn(std::string_view text) {
+    const auto blocks = pemBlocks(text);
+    std::vector<X509Ptr> certificates;
+    if (blocks.empty()) addCertificateOrBundle(decodeBase64(text), certificates);
+    for (const auto& [label, der] : blocks) {
+        if (label == "CERTIFICATE" || label == "X509 CERTIFICATE")
+            addCertificate(der, certificates);
+        else if (label == "PKCS7" || label == "CMS")
+            addBundle(der, certificates);
+        else
+            throw Failure(ZVC_ERR_TEXT_FORM,
+                          "Il testo contiene un blocco che non è un certificato: " + label);
+    }
+    return certificates;
+}
+
+void splitCertificate(const char* text, datiCert& out) {
+    const auto bounded = boundedText(text);
+    if (trimmed(bounded).empty()) throw Failure(ZVC_ERR_TEXT_FORM, "Il testo del certificato è vuoto");
+    const Bytes der = certificateDer(holderCertificate(certificatesIn(bounded)));
+    if (der.size() > sizeof out.der) throw Failure(ZVC_ERR_ROOM, "Il certificato supera gli 8192 byte");
+    std::copy(der.begin(), der.end(), out.der);
+    out.derLength = der.size();
+}
+
+} // namespace
+} // namespace zvcrypt
+
+void writeBuff(char* in, char* out) {
+    if (out == nullptr) return;
+    const std::string_view text = in == nullptr ? std::string_view() : std::string_view(in);
+    (void)zvcrypt::copyText(text.size() < ZVC_CERT_TEXT_SIZE ? text : zvcrypt::tooLongMark,
+                            {out, ZVC_CERT_TEXT_SIZE});
+}
+
+int SplitCert(char* text, datiCert* out, char* errText, int errSize) {
+    const int code = zvcrypt::runOperation([&] {
+        zvcrypt::requireArguments(text, out);
+        *out = {};
+        zvcrypt::splitCertificate(text, *out);
+    });
+    (void)kvLastError(errText, errSize);
+    return code;
+}

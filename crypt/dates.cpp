@@ -1,0 +1,59 @@
+#include "certificate.h"
+#include "failure.h"
+#include "text.h"
+
+#include <cstdio>
+#include <ctime>
+
+namespace zvcrypt {
+namespace {
+
+std::string dateText(const ASN1_TIME* time) {
+    std::tm parts{};
+    if (time == nullptr || ASN1_TIME_to_tm(time, &parts) != 1)
+        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Le date del certificato non sono leggibili");
+    char text[80];
+    (void)std::snprintf(text, sizeof text, "%02d/%02d/%04d %02d:%02d:%02d", parts.tm_mday, parts.tm_mon + 1,
+                        parts.tm_year + 1900, parts.tm_hour, parts.tm_min, parts.tm_sec);
+    return text;
+}
+
+struct Validity {
+    std::string from;
+    std::string to;
+};
+
+Validity validity(const X509& certificate) {
+    return {dateText(X509_get0_notBefore(&certificate)), dateText(X509_get0_notAfter(&certificate))};
+}
+
+} // namespace
+} // namespace zvcrypt
+
+int kvGetCertDate(unsigned char* der, unsigned long length, char* date1, char* date2) {
+    return zvcrypt::runOperation([&] {
+        zvcrypt::requireArguments(date1, date2);
+        *date1 = *date2 = '\0';
+        zvcrypt::requireArguments(der);
+        const auto [from, to] = zvcrypt::validity(*zvcrypt::requireCertificate(der, length));
+        zvcrypt::writeText(from, {date1, ZVC_DATE_SIZE});
+        zvcrypt::writeText(to, {date2, ZVC_DATE_SIZE});
+    });
+}
+
+int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int dateSize,
+                   char* description) {
+    return zvcrypt::runOperation([&] {
+        zvcrypt::requireArguments(description);
+        *description = '\0';
+        const auto dates = zvcrypt::outputBuffer(dateText, dateSize);
+        zvcrypt::requireArguments(der);
+        const auto certificate = zvcrypt::requireCertificate(der, length);
+        const auto [from, to] = zvcrypt::validity(*certificate);
+        // Both are written before either may fail for want of room.
+        const bool whole = zvcrypt::copyText(from + " - " + to, dates);
+        zvcrypt::writeText(zvcrypt::slashName(*X509_get_subject_name(certificate.get())),
+                           {description, ZVC_DESCRIPTION_SIZE});
+        if (!whole) throw zvcrypt::Failure(ZVC_ERR_CUT, "Le date del certificato sono state troncate");
+    });
+}
