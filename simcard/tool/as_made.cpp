@@ -1,0 +1,63 @@
+#include "simcard/tool/as_made.h"
+
+#include "simcard/authority/errors.h"
+#include "simcard/common/card_folder.h"
+#include "simcard/tool/card_plan.h"
+
+namespace fs = std::filesystem;
+
+namespace simcard {
+namespace {
+
+constexpr const char* copy_folder = "as-made";
+
+// What the card consists of, beside card.ini, which is put back under its own rules; locks are of the moment.
+bool is_content(const fs::directory_entry& entry) {
+    const fs::path& file = entry.path();
+    return entry.is_regular_file() && file.extension() != ".lock" && file.filename() != card_file;
+}
+
+void copy_content(const fs::path& from, const fs::path& to) {
+    for (const auto& entry : fs::directory_iterator(from))
+        if (is_content(entry))
+            fs::copy_file(entry.path(), to / entry.path().filename(), fs::copy_options::overwrite_existing);
+}
+
+void remove_what_came_later(const fs::path& folder, const fs::path& as_made) {
+    std::vector<fs::path> later;
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (is_content(entry) && !fs::exists(as_made / entry.path().filename()))
+            later.push_back(entry.path());
+    for (const fs::path& file : later) {
+        fs::remove(file);
+        fs::remove(fs::path(file).replace_extension(".lock"));
+    }
+}
+
+} // namespace
+
+void keep_as_made(const Card& card) {
+    const fs::path as_made = card.folder / copy_folder;
+    fs::create_directory(as_made);
+    fs::permissions(as_made, fs::perms::owner_all);
+    copy_content(card.folder, as_made);
+    fs::copy_file(card.folder / card_file, as_made / card_file);
+}
+
+void put_back_as_made(const fs::path& folder) {
+    const fs::path as_made = folder / copy_folder;
+    if (!fs::exists(as_made / card_file))
+        throw Refusal("The card \"" + folder.filename().string() + "\" was not kept as it was made.");
+    update_card(folder, [&](Card& card) {
+        if (!card.inserted && holds_a_card(folder.parent_path(), card.reader))
+            throw Refusal("The reader \"" + card.reader + "\" holds another card: take it out first.");
+        remove_what_came_later(folder, as_made);
+        copy_content(as_made, folder);
+        const unsigned long insertions = card.insertions;
+        card = load_card(as_made);
+        card.folder = folder;
+        card.insertions = insertions + 1;
+    });
+}
+
+} // namespace simcard

@@ -1,0 +1,86 @@
+#include "simcard/tool/personalise.h"
+
+#include "simcard/authority/authority.h"
+#include "simcard/authority/errors.h"
+#include "simcard/authority/files.h"
+#include "simcard/common/make_card.h"
+#include "simcard/tool/as_made.h"
+#include "simcard/tool/card_objects.h"
+#include "simcard/tool/card_plan.h"
+#include "simcard/tool/token_session.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace fs = std::filesystem;
+
+namespace simcard {
+namespace {
+
+constexpr std::time_t certificate_life = 3 * 365 * one_day;
+
+Validity validity_ending_in(int days) {
+    const std::time_t now = std::time(nullptr);
+    const std::time_t end = now + days * one_day;
+    return {std::min(now, end - certificate_life), end};
+}
+
+void make_home(const fs::path& home) {
+    if (fs::create_directories(home)) fs::permissions(home, fs::perms::owner_all);
+}
+
+Card settings(const CardPlan& plan) {
+    Card card;
+    card.reader = plan.reader;
+    card.atr = plan.profile->atr;
+    card.serial = plan.serial;
+    card.profile = plan.profile->name;
+    card.label = plan.name;
+    return card;
+}
+
+void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair, const Authority& authority,
+                EVP_PKEY& key) {
+    const Certificate certificate =
+        authority.issue(*holder_name(plan.holder, plan.serial), key, kind_named(pair.kind),
+                        validity_ending_in(plan.*pair.days));
+    token.create(public_key_object(key, pair.id));
+    token.create(private_key_object(key, pair.id));
+    token.create(certificate_object(*certificate, pair.id));
+}
+
+void store_objects(const fs::path& tokens, const Card& card, const CardPlan& plan, const Authority& authority,
+                   KeySource& keys) {
+    const SoftHsm hsm(tokens);
+    TokenSession token(hsm, card.token);
+    if (!token.login(plan.pin)) throw Failure("The new card does not take its PIN.");
+    for (const PairPlan& pair : plan.profile->pairs)
+        store_pair(token, plan, pair, authority, *keys.next());
+    if (plan.profile->authority_id != nullptr)
+        token.create(certificate_object(authority.certificate(), plan.profile->authority_id));
+}
+
+void move_in(Card& card, const fs::path& folder) {
+    std::error_code error;
+    fs::rename(card.folder, folder, error);
+    if (error)
+        throw Refusal("The card cannot be put into " + folder.string() + " (" + error.message() + ").");
+    card.folder = folder;
+}
+
+} // namespace
+
+Card personalise_card(const fs::path& home, const CardPlan& wanted, KeySource& keys) {
+    make_home(home);
+    const CardPlan plan = completed(wanted, home);
+    const Authority authority = Authority::open_or_create(Authority::folder_beside_cards(home), keys);
+    // In a folder of its own until it is complete: nobody else's SoftHSM takes it for a token meanwhile.
+    const TemporaryFolder workshop(home / ".making");
+    Card card = make_card(workshop.path(), settings(plan), officer_pin, plan.pin);
+    store_objects(workshop.path(), card, plan, authority, keys);
+    keep_as_made(card);
+    move_in(card, home / plan.name);
+    return card;
+}
+
+} // namespace simcard
