@@ -30,7 +30,7 @@ void remove_what_came_later(const fs::path& folder, const fs::path& as_made) {
             later.push_back(entry.path());
     for (const fs::path& file : later) {
         fs::remove(file);
-        fs::remove(fs::path(file).replace_extension(".lock"));
+        if (file.extension() == ".object") fs::remove(fs::path(file).replace_extension(".lock"));
     }
 }
 

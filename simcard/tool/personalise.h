@@ -17,15 +17,15 @@ inline constexpr const char* officer_pin = "87654321";
 /// What a card is made with.
 struct CardPlan {
     /// Name of the card's folder: letters, digits, '.', '-' and '_', at most 32.
-    std::string name;
+    std::string name = {};
     const Profile* profile = nullptr;
     /// Empty: "Simulated Reader" and the first free number from 0 to 9.
-    std::string reader;
+    std::string reader = {};
     /// Serial number, at most 16 letters and digits. Empty: a random one.
-    std::string serial;
+    std::string serial = {};
     /// 4 to 31 characters.
     std::string pin = default_pin;
-    Holder holder;
+    Holder holder = {};
     /// In how many days the certificates end; negative for one that has ended.
     int signature_days = 30;
     int authentication_days = 2 * 365;

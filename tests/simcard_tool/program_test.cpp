@@ -1,0 +1,83 @@
+// The program as a person or a script runs it: its exit codes, what it says, and what it never deletes.
+#include "tests/simcard_tool/test_cards.h"
+
+#include <array>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace {
+
+using namespace simcard;
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int code;
+    std::string text; // what it printed, errors included
+};
+
+class ProgramTest : public testing::Test {
+  protected:
+    static Outcome run(const std::string& arguments) {
+        FILE* pipe = ::popen((ZVSIMCARD_TOOL " " + arguments + " 2>&1").c_str(), "r");
+        std::string text;
+        std::array<char, 512> piece{};
+        while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe))
+            text.append(piece.data(), count);
+        return {WEXITSTATUS(::pclose(pipe)), text};
+    }
+
+    static bool says(const Outcome& outcome, const std::string& text) {
+        return outcome.text.find(text) != std::string::npos;
+    }
+
+    TestCards cards;
+    std::string with_keys = " --keys " ZV_TEST_KEYS;
+};
+
+TEST_F(ProgramTest, TakesACardThroughItsLife) {
+    const std::string file = cards.path() / "zvcrypt.conf";
+    const Outcome made = run("create --name demo --serial 42 --days 20 --config " + file + with_keys);
+    ASSERT_EQ(made.code, 0) << made.text;
+    EXPECT_EQ(read_file(file),
+              "[card simulated signature]\natr = 3B8880015A5653494D5349470F\nmodule = "
+              "libzvsimcard" ZV_MODULE_SUFFIX "\n\n[reader demo]\nname = Simulated Reader 0\n"
+              "atr = 3B8880015A5653494D5349470F\n\n");
+    EXPECT_TRUE(says(run("list"), "demo  Simulated Reader 0  signature  42      in    3 of 3"));
+    EXPECT_FALSE(says(run("list demo"), "private key"));
+    EXPECT_TRUE(says(run("list demo --pin 12345678"), "private key  DS0"));
+    EXPECT_TRUE(says(run("list demo --json"), "\"inserted\": true"));
+    EXPECT_EQ(run("eject demo").code, 0);
+    EXPECT_TRUE(says(run("list"), " out "));
+    EXPECT_EQ(run("insert demo").code, 0);
+    EXPECT_EQ(run("insert demo").code, 1);
+    EXPECT_EQ(run("reset demo").code, 0);
+    EXPECT_EQ(run("remove demo").code, 0);
+    EXPECT_FALSE(fs::exists(cards.path() / "demo"));
+}
+
+TEST_F(ProgramTest, TellsRefusedFromWrongUsageAndFailed) {
+    EXPECT_EQ(run("").code, 2);
+    EXPECT_EQ(run("create --days soon").code, 2);
+    const Outcome profile = run("create --profile passport");
+    EXPECT_EQ(profile.code, 1);
+    EXPECT_EQ(profile.text, "There is no card profile \"passport\"; there is: signature.\n");
+    EXPECT_EQ(run("issue " + (cards.path() / "nothing").string()).code, 1);
+    const Outcome failed = run("--home /dev/null/cards create");
+    EXPECT_EQ(failed.code, 3) << failed.text;
+}
+
+TEST_F(ProgramTest, RemovesNothingButCards) {
+    const Card card = cards.make();
+    const fs::path other = cards.path() / "holiday photos";
+    fs::create_directory(other);
+    fs::create_directory_symlink(card.folder, cards.path() / "link");
+    for (const std::string name :
+         {"'holiday photos'", ".authority", ".", "..", "''", "link", "card/as-made", "nobody"})
+        EXPECT_EQ(run("remove " + name).code, 1) << name;
+    EXPECT_TRUE(fs::exists(other));
+    EXPECT_TRUE(fs::exists(card.folder / "as-made" / "card.ini"));
+    EXPECT_TRUE(fs::exists(cards.path() / ".authority" / "key.pem"));
+}
+
+} // namespace
