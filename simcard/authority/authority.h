@@ -17,6 +17,9 @@ struct Validity {
 
 constexpr std::time_t one_day = 24 * 60 * 60;
 
+/// The longest that a certificate is issued for: less than the authority itself has left for a long while.
+constexpr int longest_days = 10 * 365;
+
 /// The small demonstration authority that signs the certificates of simulated cards.
 class Authority {
   public:

@@ -1,5 +1,6 @@
 #include "simcard/tool/card_plan.h"
 
+#include "simcard/authority/authority.h"
 #include "simcard/authority/errors.h"
 #include "simcard/common/card_folder.h"
 
@@ -14,8 +15,7 @@ constexpr std::string_view in_names = ".-_";
 // Names of readers stand in lists and configuration files: no separator of theirs may be in one.
 constexpr std::string_view in_readers = " .-_()/+,:'";
 
-constexpr int most_days = 20 * 365; // within the authority's own time
-constexpr int days_past = -6 * 365;
+constexpr int days_past = -6 * 365; // three years of life before that are still within the authority's time
 
 bool consists_of_letters_and(std::string_view others, std::string_view text) {
     return std::all_of(text.begin(), text.end(), [&](char c) {
@@ -32,8 +32,8 @@ void check_text(const char* what, std::string_view text, std::size_t most, std::
 }
 
 void check_days(int days) {
-    if (days < days_past || days > most_days)
-        throw Refusal("A card's certificate ends within 20 years from now, or ended within the last 6.");
+    if (days < days_past || days > longest_days)
+        throw Refusal("A card's certificate ends within 10 years from now, or ended within the last 6.");
 }
 
 std::string random_serial() {

@@ -21,8 +21,8 @@ struct IssueOptions {
 };
 
 void issue(IssueOptions& options, const std::filesystem::path& home) {
-    if (options.terms.days < 1 || options.terms.days > 20 * 365)
-        throw Refusal("A certificate is issued for 1 day to 20 years.");
+    if (options.terms.days < 1 || options.terms.days > longest_days)
+        throw Refusal("A certificate is issued for 1 day to 10 years.");
     if (!options.kind.empty()) options.terms.kind = &kind_named(options.kind);
     const Authority authority = Authority::open(Authority::folder_beside_cards(home));
     const Renewal renewal = answer_request(authority, read_file(options.request), options.terms);
