@@ -80,7 +80,11 @@ Card load_card(const fs::path& folder) {
 }
 
 void save_card(const Card& card) {
-    Replacement(card.folder / card_file).commit(card_text(card));
+    replace_file(card.folder / card_file, card_text(card));
+}
+
+void replace_file(const fs::path& path, std::string_view content) {
+    Replacement(path).commit(content);
 }
 
 std::vector<Card> list_cards(const fs::path& home, std::vector<std::string>* problems) {
@@ -120,6 +124,17 @@ Card update_card(const fs::path& folder, const std::function<void(Card&)>& chang
     change(card);
     save_card(card);
     return card;
+}
+
+void take_out_card(const fs::path& folder) {
+    update_card(folder, [](Card& card) { card.inserted = false; });
+}
+
+void put_back_card(const fs::path& folder) {
+    update_card(folder, [](Card& card) {
+        if (!card.inserted) ++card.insertions;
+        card.inserted = true;
+    });
 }
 
 } // namespace simcard

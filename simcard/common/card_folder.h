@@ -25,6 +25,10 @@ inline constexpr const char* card_file = "card.ini";
 /// file is then as it was.
 void save_card(const Card& card);
 
+/// Gives a file a new content so that a reader finds the old one or the new one. @throws CardProblem; the old
+/// content is then as it was.
+void replace_file(const std::filesystem::path& path, std::string_view content);
+
 /// Holds a card against changes by other processes (and other holders in this one) while it lives.
 class CardLock {
   public:
@@ -41,5 +45,11 @@ class CardLock {
 /// Changes a card's card.ini under its lock: reads it, lets `change` edit it, and writes it. Gives the card
 /// as written. @throws CardProblem
 Card update_card(const std::filesystem::path& folder, const std::function<void(Card&)>& change);
+
+/// Takes a card out of its reader, for every process: what was open on it is void. @throws CardProblem
+void take_out_card(const std::filesystem::path& folder);
+
+/// Puts a card back into its reader; nothing changes when it is in. @throws CardProblem
+void put_back_card(const std::filesystem::path& folder);
 
 } // namespace simcard

@@ -1,0 +1,136 @@
+#include "simcard/module/forward.h"
+
+#include "simcard/module/object_order.h"
+#include "simcard/module/state.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace simcard {
+namespace {
+
+struct Target {
+    Slot* slot = nullptr;
+    CK_SESSION_HANDLE session = 0; ///< SoftHSM's
+};
+
+CK_RV exchange_slot(CK_ULONG& argument, Target& target) {
+    const CK_RV result = state().reach_slot(argument);
+    if (result != CKR_OK) return result;
+    target.slot = &state().slots[argument];
+    argument = *target.slot->token();
+    return CKR_OK;
+}
+
+CK_RV exchange_session(CK_ULONG& argument, Target& target) {
+    const CK_RV result = state().reach_session(argument);
+    if (result != CKR_OK) return result;
+    const Session& session = *state().session(argument);
+    target.slot = &state().slots[session.slot];
+    argument = target.session = session.hidden;
+    return CKR_OK;
+}
+
+/// A handle that is none of ours becomes one that SoftHSM does not know.
+void exchange_object(CK_ULONG& argument) {
+    const auto found = state().objects.find(argument);
+    argument = found == state().objects.end() ? CK_INVALID_HANDLE : found->second.hidden;
+}
+
+CK_RV exchange(Call& call, Target& target) {
+    const auto& parameters = call.parameters();
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        CK_RV result = CKR_OK;
+        if (parameters[i].role == Role::slot) result = exchange_slot(call.arguments[i], target);
+        if (parameters[i].role == Role::session) result = exchange_session(call.arguments[i], target);
+        if (parameters[i].role == Role::object) exchange_object(call.arguments[i]);
+        if (result != CKR_OK) return result;
+    }
+    return CKR_OK;
+}
+
+bool makes_objects(const Call& call) {
+    const auto& parameters = call.parameters();
+    return call.function != Function::C_FindObjects &&
+           std::any_of(parameters.begin(), parameters.end(),
+                       [](const Parameter& parameter) { return parameter.role == Role::new_objects; });
+}
+
+/// How many token objects the call asks for: a template each. A copy is one unless its template says no.
+CK_ULONG token_objects_asked(const Call& call) {
+    const auto& parameters = call.parameters();
+    const bool unsaid = call.function == Function::C_CopyObject;
+    CK_ULONG asked = 0;
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        if (parameters[i].role == Role::attributes) {
+            const auto* attributes = call.pointer<CK_ATTRIBUTE>(i);
+            asked += flag_in(attributes, call.arguments[i + 1], CKA_TOKEN).value_or(unsaid);
+        }
+    return asked;
+}
+
+/// The objects on a card, also those that nobody has seen because nobody is logged in: a file each, beside
+/// the token's own.
+CK_ULONG objects_on(const fs::path& folder) {
+    std::error_code error;
+    CK_ULONG found = 0;
+    for (const auto& entry : fs::directory_iterator(folder, error))
+        if (entry.path().extension() == ".object" && entry.path().stem() != "token") ++found;
+    return found;
+}
+
+bool has_room(const Card& card, const Call& call) {
+    if (card.capacity == 0) return true;
+    const CK_ULONG asked = token_objects_asked(call);
+    return asked == 0 || objects_on(card.folder) + asked <= card.capacity;
+}
+
+/// Gives the objects that a call made handles of ours, and a place in the card's order.
+void take_in_objects(const Call& call, const Target& target) {
+    const auto& parameters = call.parameters();
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        auto* handle = call.pointer<CK_OBJECT_HANDLE>(i);
+        if (parameters[i].role != Role::new_objects || !handle) continue;
+        const CK_OBJECT_HANDLE hidden = *handle;
+        *handle = state().handle_of(hidden);
+        if (!is_token_object(target.session, hidden)) continue;
+        std::string& text = state().objects.at(*handle).fingerprint;
+        text = fingerprint(*state().hsm->get(), target.session, hidden);
+        add_objects(target.slot->card().folder, {text});
+    }
+}
+
+} // namespace
+
+std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count, CK_ATTRIBUTE_TYPE type) {
+    if (!attributes) return std::nullopt;
+    for (const CK_ATTRIBUTE* entry = attributes; entry != attributes + count; ++entry)
+        if (entry->type == type && entry->pValue && entry->ulValueLen == sizeof(CK_BBOOL))
+            return *static_cast<const CK_BBOOL*>(entry->pValue) != CK_FALSE;
+    return std::nullopt;
+}
+
+bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
+    CK_BBOOL token = CK_FALSE;
+    CK_ATTRIBUTE entry{CKA_TOKEN, &token, sizeof token};
+    return (*state().hsm)->C_GetAttributeValue(session, object, &entry, 1) == CKR_OK && token;
+}
+
+CK_RV forward(Call call) {
+    if (!state().hsm) return CKR_CRYPTOKI_NOT_INITIALIZED;
+    Target target;
+    const CK_RV reached = exchange(call, target);
+    if (reached != CKR_OK) return reached;
+    const bool makes = makes_objects(call);
+    if (makes && !has_room(target.slot->card(), call)) return CKR_DEVICE_MEMORY;
+    if (target.slot) std::this_thread::sleep_for(std::chrono::microseconds(target.slot->card().latency_us));
+    const CK_RV result = call.invoke(*state().hsm->get(), call.arguments);
+    if (result == CKR_OK && makes) take_in_objects(call, target);
+    return result;
+}
+
+} // namespace simcard

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "simcard/module/call.h"
+
+#include <optional>
+#include <string_view>
+
+namespace simcard {
+
+/**
+ * Passes a call on to SoftHSM, as any function of a card: slots, sessions and objects are exchanged for
+ * SoftHSM's, a card that was taken out answers so, a full one CKR_DEVICE_MEMORY, the card takes its time, and
+ * what is created gets its handle and its place in the order of objects.
+ */
+[[nodiscard]] CK_RV forward(Call call);
+
+template <Function F, class... A> [[nodiscard]] CK_RV forward(A... arguments) {
+    return forward(make_call<F>(arguments...));
+}
+
+/// Whether an object, by SoftHSM's handles, is on the card and not the session's own.
+[[nodiscard]] bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
+
+/// Reads a truth value of a template.
+[[nodiscard]] std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count,
+                                          CK_ATTRIBUTE_TYPE type);
+
+} // namespace simcard

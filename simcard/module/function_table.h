@@ -1,0 +1,57 @@
+#pragma once
+
+#include "pkcs11.h"
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace simcard {
+
+/// The functions of PKCS#11, in the order of the function list.
+enum class Function : unsigned {
+#define ZVSIMCARD_NAME(name, parameters, names) name,
+    CK_EACH_FUNCTION(ZVSIMCARD_NAME)
+#undef ZVSIMCARD_NAME
+};
+
+#define ZVSIMCARD_ONE(name, parameters, names) +1
+inline constexpr std::size_t function_count = 0 CK_EACH_FUNCTION(ZVSIMCARD_ONE);
+#undef ZVSIMCARD_ONE
+
+inline constexpr std::size_t most_parameters = 8;
+
+/// What a parameter is to a module that stands between its caller and another module.
+enum class Role {
+    number,
+    slot,
+    session,
+    object,      ///< handle of an object
+    new_objects, ///< where the handles of objects go
+    numbers,     ///< where other handles, slots or mechanisms go
+    size,        ///< where a length or a count goes
+    attributes,  ///< a template; the parameter behind it is the count
+    mechanism,
+    secret, ///< a PIN or its length
+    other,
+};
+
+struct Parameter {
+    std::string_view type;
+    std::string_view name;
+    Role role;
+};
+
+struct FunctionInfo {
+    std::string_view name;
+    std::vector<Parameter> parameters;
+};
+
+/// Name and parameters of a function.
+[[nodiscard]] const FunctionInfo& info(Function function);
+
+/// The function of that name, such as "C_Login".
+[[nodiscard]] std::optional<Function> function_named(std::string_view name);
+
+} // namespace simcard

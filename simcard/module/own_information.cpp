@@ -1,0 +1,79 @@
+#include "simcard/common/text.h"
+#include "simcard/module/forward.h"
+#include "simcard/module/own_functions.h"
+#include "simcard/module/state.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace simcard::own {
+namespace {
+
+constexpr const char* manufacturer = "zvRenew simulated card";
+constexpr CK_FLAGS all_user_pin_flags = CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED;
+
+CK_FLAGS user_pin_flags(const Card& card) {
+    CK_FLAGS flags = 0;
+    if (card.pin_tries_left < card.pin_tries_max) flags |= CKF_USER_PIN_COUNT_LOW;
+    if (card.pin_tries_left == 1) flags |= CKF_USER_PIN_FINAL_TRY;
+    if (card.pin_tries_left == 0) flags |= CKF_USER_PIN_LOCKED;
+    return flags;
+}
+
+std::vector<CK_SLOT_ID> listed_slots(bool with_card_only) {
+    std::vector<CK_SLOT_ID> listed;
+    for (CK_SLOT_ID slot = 0; slot < state().slots.size(); ++slot) {
+        static_cast<void>(state().was_taken_out(slot));
+        if (!with_card_only || state().slots[slot].card().inserted) listed.push_back(slot);
+    }
+    return listed;
+}
+
+} // namespace
+
+CK_RV get_info(CK_INFO_PTR info) {
+    const CK_RV result = forward<Function::C_GetInfo>(info);
+    if (result != CKR_OK) return result;
+    pad(info->manufacturerID, manufacturer);
+    pad(info->libraryDescription, "Simulated smart cards");
+    return CKR_OK;
+}
+
+CK_RV get_slot_list(CK_BBOOL token_present, CK_SLOT_ID_PTR list, CK_ULONG_PTR count) {
+    if (!state().hsm) return CKR_CRYPTOKI_NOT_INITIALIZED;
+    if (!count) return CKR_ARGUMENTS_BAD;
+    const auto listed = listed_slots(token_present != CK_FALSE);
+    const CK_ULONG room = std::exchange(*count, listed.size());
+    if (!list) return CKR_OK;
+    if (room < listed.size()) return CKR_BUFFER_TOO_SMALL;
+    std::copy(listed.begin(), listed.end(), list);
+    return CKR_OK;
+}
+
+CK_RV get_slot_info(CK_SLOT_ID slot, CK_SLOT_INFO_PTR info) {
+    if (!state().hsm) return CKR_CRYPTOKI_NOT_INITIALIZED;
+    if (!info) return CKR_ARGUMENTS_BAD;
+    if (slot >= state().slots.size()) return CKR_SLOT_ID_INVALID;
+    static_cast<void>(state().was_taken_out(slot));
+    const Card& card = state().slots[slot].card();
+    *info = CK_SLOT_INFO{};
+    pad(info->slotDescription, card.reader);
+    pad(info->manufacturerID, manufacturer);
+    info->flags = CKF_REMOVABLE_DEVICE | CKF_HW_SLOT | (card.inserted ? CKF_TOKEN_PRESENT : 0);
+    info->hardwareVersion = info->firmwareVersion = {1, 0};
+    return CKR_OK;
+}
+
+CK_RV get_token_info(CK_SLOT_ID slot, CK_TOKEN_INFO_PTR info) {
+    const CK_RV result = forward<Function::C_GetTokenInfo>(slot, info);
+    if (result != CKR_OK) return result;
+    const Card& card = state().slots[slot].card();
+    pad(info->manufacturerID, manufacturer);
+    pad(info->model, card.profile);
+    pad(info->serialNumber, card.serial);
+    info->flags = (info->flags & ~all_user_pin_flags) | user_pin_flags(card);
+    return CKR_OK;
+}
+
+} // namespace simcard::own
