@@ -1,0 +1,39 @@
+#include "card_json.h"
+
+#include <fmt/chrono.h>
+
+namespace cli {
+
+Json card_json(const OpenedCard& card) {
+    return {{"reader", card.place.reader},
+            {"module", card.place.module_path},
+            {"label", card.state.label},
+            {"serial", card.state.serial},
+            {"services_card", card.place.services}};
+}
+
+Json waiting_json(const Inventory& inventory) {
+    Json list = Json::array();
+    for (const WaitingPair& pair : inventory.waiting)
+        list.push_back({{"kind", kind_name(pair.kind)}, {"id", pair.id}});
+    return list;
+}
+
+Json name_json(const DistinguishedName& name) {
+    Json list = Json::array();
+    for (const NameAttribute& attribute : name.attributes())
+        list.push_back({{attribute.name, attribute.value}});
+    return list;
+}
+
+std::string instant(std::time_t time) {
+    return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(time));
+}
+
+Json proposal_json(const Proposal& proposal) {
+    if (proposal.none_free) return {{"none_free", true}};
+    if (proposal.id.empty()) return nullptr;
+    return {{"id", proposal.id}};
+}
+
+} // namespace cli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "inventory.h"
+#include "outcome.h"
+
+namespace cli {
+
+// The same facts have the same names in what every command prints with --json.
+
+/// {"reader", "module", "label", "serial", "services_card"}
+[[nodiscard]] Json card_json(const OpenedCard& card);
+
+/// An array of {"kind", "id"}.
+[[nodiscard]] Json waiting_json(const Inventory& inventory);
+
+/// A name as an array of {"CN": "..."}, in its order.
+[[nodiscard]] Json name_json(const DistinguishedName& name);
+
+/// "2025-12-04T10:00:00Z"
+[[nodiscard]] std::string instant(std::time_t time);
+
+/// {"id": ...} or {"none_free": true}, or null without a proposal.
+[[nodiscard]] Json proposal_json(const Proposal& proposal);
+
+} // namespace cli

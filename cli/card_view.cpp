@@ -1,0 +1,141 @@
+#include "card_view.h"
+
+#include "outcome.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+// A text ends at its first zero byte, as the library reads identifiers.
+std::string as_text(const Bytes& bytes) {
+    const auto* text = reinterpret_cast<const char*>(bytes.data());
+    return {text, strnlen(text, bytes.size())};
+}
+
+CK_OBJECT_CLASS class_of(const Session& session, CK_OBJECT_HANDLE handle) {
+    const Bytes value = session.attribute(handle, CKA_CLASS);
+    CK_OBJECT_CLASS type = CKO_VENDOR_DEFINED;
+    if (value.size() == sizeof type) std::memcpy(&type, value.data(), sizeof type);
+    return type;
+}
+
+Bytes without_leading_zeros(Bytes number) {
+    const auto first = std::find_if(number.begin(), number.end(), [](unsigned char b) { return b != 0; });
+    number.erase(number.begin(), first);
+    return number;
+}
+
+CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
+    CardObject object{handle,
+                      class_of(session, handle),
+                      as_text(session.attribute(handle, CKA_ID)),
+                      as_text(session.attribute(handle, CKA_LABEL)),
+                      {}};
+    if (object.type == CKO_CERTIFICATE) object.value = session.attribute(handle, CKA_VALUE);
+    if (object.type == CKO_PUBLIC_KEY || object.type == CKO_PRIVATE_KEY)
+        object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
+    return object;
+}
+
+// "DS0" to "DS2" and "AUTHCertificate0" to "AUTHCertificate2" are never taken for pairs of a request.
+bool is_first_key(const std::string& id) {
+    for (const char* series : {"DS", "AUTHCertificate"}) {
+        const std::size_t at = std::strlen(series);
+        if (id.starts_with(series) && id.size() > at && id[at] >= '0' && id[at] <= '2') return true;
+    }
+    return id == "CNS0";
+}
+
+} // namespace
+
+const CardObject* CardView::find(CK_OBJECT_CLASS type, const std::string& id) const {
+    const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const CardObject& object) {
+        return object.type == type && object.id == id;
+    });
+    return found == objects_.end() ? nullptr : &*found;
+}
+
+bool CardView::has(const std::string& id) const {
+    return std::any_of(objects_.begin(), objects_.end(), [&](const auto& object) { return object.id == id; });
+}
+
+Bytes CardView::modulus(const std::string& id) const {
+    for (const CK_OBJECT_CLASS type : {CKO_PUBLIC_KEY, CKO_PRIVATE_KEY})
+        if (const CardObject* key = find(type, id); key != nullptr && !key->value.empty()) return key->value;
+    return {};
+}
+
+std::vector<std::string> CardView::identifiers() const {
+    std::vector<std::string> found;
+    for (const CardObject& object : objects_)
+        if (!object.id.empty() && std::find(found.begin(), found.end(), object.id) == found.end())
+            found.push_back(object.id);
+    return found;
+}
+
+std::vector<std::string> CardView::others_containing(const std::string& text) const {
+    std::vector<std::string> found = identifiers();
+    std::erase_if(found,
+                  [&](const std::string& id) { return id == text || id.find(text) == std::string::npos; });
+    return found;
+}
+
+std::vector<std::string> CardView::waiting_pairs() const {
+    std::vector<std::string> found = identifiers();
+    std::erase_if(found, [&](const std::string& id) {
+        const bool pair = find(CKO_PUBLIC_KEY, id) != nullptr && find(CKO_PRIVATE_KEY, id) != nullptr;
+        return !pair || find(CKO_CERTIFICATE, id) != nullptr || is_first_key(id);
+    });
+    return found;
+}
+
+std::string CardView::in_words() const {
+    std::vector<std::string> parts;
+    for (const std::string& id : identifiers()) {
+        const bool certificate = find(CKO_CERTIFICATE, id) != nullptr;
+        const bool public_key = find(CKO_PUBLIC_KEY, id) != nullptr;
+        const bool private_key = find(CKO_PRIVATE_KEY, id) != nullptr;
+        const char* what = certificate && private_key  ? "certificate and keys"
+                           : certificate               ? "certificate alone"
+                           : public_key && private_key ? "keys without a certificate"
+                           : private_key               ? "private key alone"
+                           : public_key                ? "public key alone"
+                                                       : "data";
+        parts.push_back(fmt::format("{} ({})", id, what));
+    }
+    return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
+}
+
+void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
+    const Module module(card.place.module_path);
+    Session session(module, card.state.slot);
+    session.log_in(card.pin);
+    work(session);
+}
+
+CardView view_in(const Session& session) {
+    std::vector<CardObject> objects;
+    for (const CK_OBJECT_HANDLE handle : session.objects())
+        objects.push_back(read_object(session, handle));
+    return CardView(std::move(objects));
+}
+
+CardView view_card(OpenedCard& card) {
+    CardView view({});
+    with_session(card, [&](const Session& session) { view = view_in(session); });
+    return view;
+}
+
+std::string card_now(OpenedCard& card) {
+    try {
+        return view_card(card).in_words();
+    } catch (const Stop& stop) {
+        return "cannot be read: " + stop.sentence;
+    }
+}
+
+} // namespace cli

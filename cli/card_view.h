@@ -1,0 +1,58 @@
+#pragma once
+
+#include "pin_gate.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// An object of the card. Identifier (CKA_ID) and label are read as texts.
+struct CardObject {
+    CK_OBJECT_HANDLE handle = 0;
+    CK_OBJECT_CLASS type = 0;
+    std::string id;
+    std::string label;
+    Bytes value; ///< a certificate's DER, a key's modulus without leading zeros
+};
+
+/// What is on the card, as read at one moment by this program itself.
+class CardView {
+  public:
+    explicit CardView(std::vector<CardObject> objects) : objects_(std::move(objects)) {}
+
+    /// The object of that class and identifier; null when there is none.
+    [[nodiscard]] const CardObject* find(CK_OBJECT_CLASS type, const std::string& id) const;
+    /// Whether any object has that identifier.
+    [[nodiscard]] bool has(const std::string& id) const;
+    /// The modulus of the pair with that identifier; empty when the card does not give it.
+    [[nodiscard]] Bytes modulus(const std::string& id) const;
+    /// Identifiers that contain a text but are not it. The library's deletions and key searches go by such
+    /// containment.
+    [[nodiscard]] std::vector<std::string> others_containing(const std::string& text) const;
+    /// Identifiers of the pairs that wait for a certificate: both keys, no certificate, not a card's first
+    /// keys (digits 0 to 2).
+    [[nodiscard]] std::vector<std::string> waiting_pairs() const;
+    /// One line for a person: which certificates and keys there are.
+    [[nodiscard]] std::string in_words() const;
+    /// Identifiers, each once, in the card's order.
+    [[nodiscard]] std::vector<std::string> identifiers() const;
+
+  private:
+    std::vector<CardObject> objects_;
+};
+
+/// Opens a session of its own on the card, logs in, runs `work` and ends the session. @throws Stop
+void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
+
+/// Reads what a session sees; handles hold as long as it does. @throws Stop
+[[nodiscard]] CardView view_in(const Session& session);
+
+/// Reads what is on the card, in a session of its own. @throws Stop
+[[nodiscard]] CardView view_card(OpenedCard& card);
+
+/// in_words() of a new view; a sentence that the card cannot be read, where that is so.
+[[nodiscard]] std::string card_now(OpenedCard& card);
+
+} // namespace cli

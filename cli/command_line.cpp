@@ -1,0 +1,157 @@
+#include "command_line.h"
+
+#include "commands.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <memory>
+
+namespace cli {
+namespace {
+
+constexpr const char* about = "Renews the certificates on a smart card.";
+
+constexpr const char* closing = R"(A renewal:
+  zvrenew list                                       what is on the card, and what is due
+  zvrenew request signature --out request.b64        new keys on the card, a request for them
+  zvrenew install certificate.pem --request request.b64
+                                                     the authority's certificate, next to its keys
+
+The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
+Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
+
+constexpr const char* about_install = R"(Stores the certificate that the authority issued, next to its keys.
+
+The old certificate and its keys stay on the card unless --remove-old is given. Removing a signature
+certificate also takes the authority's own certificate off the card, and nothing puts it back; both are
+saved to the backup file first. Afterwards the new key signs and the new certificate verifies.)";
+
+void add_common(CLI::App& command, CommonOptions& options) {
+    command.add_flag("--json", options.json, "Print the result as JSON on standard output");
+    command
+        .add_option("--module-dir", options.module_dir,
+                    "Folder of the cards' PKCS#11 modules (else this program's own, then the system's)")
+        ->type_name("DIR");
+}
+
+void add_card(CLI::App& command, CommonOptions& options) {
+    add_common(command, options);
+    command
+        .add_option("--reader", options.reader,
+                    "Reader to use, its whole name (else the only one with a card)")
+        ->type_name("NAME");
+    command.add_option("--pin-file", options.pin_file, "Read the PIN from a file (else it is asked for)")
+        ->type_name("FILE");
+    command.add_flag("--final-try", options.final_try,
+                     "Use the PIN even if it is the last try before the card locks");
+}
+
+void add_days(CLI::App& command, int& days) {
+    command.add_option("--days", days, "A certificate is due when it ends within so many days")
+        ->type_name("N")
+        ->check(CLI::Range(0, 36500))
+        ->capture_default_str();
+}
+
+/// A command and its options, which live as long as the parser.
+template <class Options> struct Command {
+    CLI::App& parser;
+    Options& options;
+};
+
+template <class Options>
+Command<Options> add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
+                             Report (*run)(const Options&)) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand(name, text);
+    command->callback([&chosen, options, name, run] {
+        chosen = {name, options->json, [options, run] { return run(*options); }};
+    });
+    return {*command, *options};
+}
+
+void add_reading_commands(CLI::App& app, Invocation& chosen) {
+    const auto readers = add_command(
+        app, chosen, "readers",
+        "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
+    add_common(readers.parser, readers.options);
+    const auto list =
+        add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
+    add_card(list.parser, list.options);
+    add_days(list.parser, list.options.days);
+    const auto free_id =
+        add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
+    add_card(free_id.parser, free_id.options);
+}
+
+void add_request(CLI::App& app, Invocation& chosen) {
+    const auto [command, options] =
+        add_command(app, chosen, "request", "Makes new keys on the card and a request for them", run_request);
+    const std::map<std::string, Kind> kinds{{"signature", Kind::signature},
+                                            {"authentication", Kind::authentication}};
+    command.add_option("kind", options.kind, "signature or authentication")
+        ->required()
+        ->type_name("KIND")
+        ->transform(CLI::CheckedTransformer(kinds).description(""));
+    command.add_option("--out", options.out, "New file for the request (else standard output)")
+        ->type_name("FILE");
+    command
+        .add_option("--subject", options.subject, "Subject, as /C=IT/O=.../CN=... (else the certificate's)")
+        ->type_name("NAME");
+    command
+        .add_option("--certificate", options.certificate,
+                    "Identifier of the certificate to renew (else the one that ends last)")
+        ->type_name("ID");
+    command.add_flag("--force", options.force, "Renew also what is not due");
+    command.add_flag("--new-pair", options.new_pair,
+                     "Discard the pair that waits on the card and make another (else it is used again)");
+    add_days(command, options.days);
+    add_card(command, options);
+}
+
+void add_install(CLI::App& app, Invocation& chosen) {
+    const auto [command, options] = add_command(app, chosen, "install", about_install, run_install);
+    command
+        .add_option("certificate", options.certificate_file,
+                    "The authority's file: PEM, DER or a PKCS#7 bundle")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("--request", options.request_file,
+                    "The request that it answers (else the pairs that wait on the card are compared)")
+        ->type_name("FILE");
+    command
+        .add_option("--replace", options.replace,
+                    "Identifier of the certificate it replaces (else the one of its kind that ends last)")
+        ->type_name("ID");
+    command.add_flag("--remove-old", options.remove_old,
+                     "Remove the old certificate and its keys from the card");
+    command
+        .add_option("--backup", options.backup,
+                    "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)")
+        ->type_name("FILE");
+    add_card(command, options);
+}
+
+} // namespace
+
+std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
+    CLI::App app(about, "zvrenew");
+    Invocation chosen;
+    app.set_version_flag("--version", ZV_VERSION);
+    app.require_subcommand(1);
+    app.footer(closing);
+    app.get_formatter()->column_width(34);
+    add_reading_commands(app, chosen);
+    add_request(app, chosen);
+    add_install(app, chosen);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        exit = app.exit(error) == 0 ? static_cast<int>(Exit::done) : static_cast<int>(Exit::refused);
+        return std::nullopt;
+    }
+    return chosen;
+}
+
+} // namespace cli

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "options.h"
+#include "outcome.h"
+
+namespace cli {
+
+// Each command does its work and says what came of it. @throws Stop when it ends before its aim.
+
+[[nodiscard]] Report run_readers(const CommonOptions& options);
+[[nodiscard]] Report run_list(const ListOptions& options);
+[[nodiscard]] Report run_free_id(const CommonOptions& options);
+[[nodiscard]] Report run_request(const RequestOptions& options);
+[[nodiscard]] Report run_install(const InstallOptions& options);
+
+} // namespace cli

@@ -1,0 +1,187 @@
+#include "distinguished_name.h"
+
+#include "outcome.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+enum class Text { utf8, printable, ia5 };
+
+struct AttributeType {
+    std::string_view name;
+    std::string_view oid;
+    std::size_t longest; // bytes that a request carries
+    Text text;
+};
+
+constexpr std::array attribute_types{
+    AttributeType{"C", "2.5.4.6=", 2, Text::printable},
+    AttributeType{"O", "2.5.4.10=", 64, Text::utf8},
+    AttributeType{"OU", "2.5.4.11=", 64, Text::utf8},
+    AttributeType{"CN", "2.5.4.3=", 64, Text::utf8},
+    AttributeType{"description", "2.5.4.13=", 127, Text::utf8},
+    AttributeType{"dnQualifier", "2.5.4.46=", 64, Text::utf8},
+    AttributeType{"emailAddress", "1.2.840.113549.1.9.1=", 127, Text::ia5},
+    AttributeType{"serialNumber", "2.5.4.5=", 64, Text::printable},
+    AttributeType{"GN", "2.5.4.42=", 64, Text::utf8},
+    AttributeType{"SN", "2.5.4.4=", 64, Text::utf8},
+    AttributeType{"L", "2.5.4.7=", 127, Text::utf8},
+    AttributeType{"title", "2.5.4.12=", 64, Text::utf8},
+    AttributeType{"pseudonym", "2.5.4.65=", 64, Text::utf8},
+    AttributeType{"ST", "2.5.4.8=", 64, Text::utf8},
+};
+
+// Inside a value the library would break the line at an identifier, at some also where no "=" follows, and
+// would rewrite these names.
+constexpr std::array<std::string_view, 6> taken_apart{
+    "2.5.4.", "1.2.840.113549.1.9.1=", "/OU=", "/emailAddress=", "/gn=", "/serialNumber="};
+
+constexpr std::size_t longest_worked_on = 1023; // characters, with one line break an attribute
+constexpr std::ptrdiff_t most_units = 5;
+
+const AttributeType* by_name(std::string_view name) {
+    const auto same = [&](const AttributeType& type) {
+        return std::equal(name.begin(), name.end(), type.name.begin(), type.name.end(), [](char a, char b) {
+            return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+        });
+    };
+    const auto* found = std::find_if(attribute_types.begin(), attribute_types.end(), same);
+    return found == attribute_types.end() ? nullptr : found;
+}
+
+struct Mark {
+    std::size_t at = std::string_view::npos; // where the mark begins
+    std::size_t value = 0;                   // where the value behind it begins
+    const AttributeType* type = nullptr;     // null: an attribute that requests do not carry
+};
+
+Mark next_oid(std::string_view text, std::size_t from) {
+    Mark first;
+    for (const AttributeType& type : attribute_types) {
+        const std::size_t at = text.find(type.oid, from);
+        if (at < first.at) first = {at, at + type.oid.size(), &type};
+    }
+    return first;
+}
+
+// "/", a word of letters, "=".
+Mark next_slash(std::string_view text, std::size_t from) {
+    for (std::size_t at = text.find('/', from); at != std::string_view::npos; at = text.find('/', at + 1)) {
+        std::size_t end = at + 1;
+        while (end < text.size() && std::isalpha(static_cast<unsigned char>(text[end])) != 0)
+            ++end;
+        if (end > at + 1 && end < text.size() && text[end] == '=')
+            return {at, end + 1, by_name(text.substr(at + 1, end - at - 1))};
+    }
+    return {};
+}
+
+std::string trimmed(std::string_view value) {
+    while (!value.empty() && value.back() == ' ')
+        value.remove_suffix(1);
+    return std::string(value);
+}
+
+bool is_printable(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           std::string_view(" '()+,-./:=?").find(c) != std::string_view::npos;
+}
+
+std::string why_not(const NameAttribute& attribute) {
+    const AttributeType& type = *by_name(attribute.name);
+    const std::string& value = attribute.value;
+    if (value.empty()) return fmt::format("{} is empty", type.name);
+    if (value.size() > type.longest)
+        return fmt::format("{} has {} bytes, a request carries {}", type.name, value.size(), type.longest);
+    const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+    if (std::any_of(value.begin(), value.end(), is_control))
+        return fmt::format("{} has a control character in it", type.name);
+    if (type.text == Text::printable && !std::all_of(value.begin(), value.end(), is_printable))
+        return fmt::format("{} has a character that it may not have", type.name);
+    if (type.text == Text::ia5 &&
+        std::any_of(value.begin(), value.end(), [](unsigned char c) { return c > 0x7F; }))
+        return fmt::format("{} has a character that it may not have", type.name);
+    for (const std::string_view part : taken_apart)
+        if (value.find(part) != std::string::npos)
+            return fmt::format("{} contains \"{}\", which would be taken for an attribute", type.name, part);
+    if (const Mark inner = next_slash(value, 0); inner.at != std::string_view::npos)
+        return fmt::format("\"{}\" is an attribute that a request does not carry",
+                           value.substr(inner.at + 1, inner.value - inner.at - 2));
+    return {};
+}
+
+} // namespace
+
+DistinguishedName DistinguishedName::from_oid_form(std::string_view text) {
+    DistinguishedName name;
+    for (Mark mark = next_oid(text, 0); mark.type != nullptr;) {
+        const Mark next = next_oid(text, mark.value);
+        name.attributes_.push_back(
+            {std::string(mark.type->name), trimmed(text.substr(mark.value, next.at - mark.value))});
+        mark = next;
+    }
+    return name;
+}
+
+DistinguishedName DistinguishedName::from_user(std::string_view text) {
+    if (!text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) != 0)
+        return from_oid_form(text);
+    DistinguishedName name;
+    Mark mark = next_slash(text, 0);
+    if (mark.at != 0) throw Stop(Exit::refused, "A subject looks like this: /C=IT/O=Acme/CN=Name.");
+    while (mark.at != std::string_view::npos) {
+        const Mark next = next_slash(text, mark.value);
+        const std::string_view word = text.substr(mark.at + 1, mark.value - mark.at - 2);
+        if (mark.type == nullptr)
+            throw Stop(Exit::refused, fmt::format("A request does not carry the attribute \"{}\".", word));
+        name.attributes_.push_back(
+            {std::string(mark.type->name), trimmed(text.substr(mark.value, next.at - mark.value))});
+        mark = next;
+    }
+    return name;
+}
+
+std::string DistinguishedName::oid_form() const {
+    std::string text;
+    for (const NameAttribute& attribute : attributes_)
+        text += std::string(by_name(attribute.name)->oid) + attribute.value;
+    return text;
+}
+
+std::string DistinguishedName::readable() const {
+    std::vector<std::string> parts;
+    for (const NameAttribute& attribute : attributes_)
+        parts.push_back(attribute.name + "=" + attribute.value);
+    return fmt::format("{}", fmt::join(parts, ", "));
+}
+
+std::string DistinguishedName::value(std::string_view name) const {
+    const auto found = std::find_if(attributes_.begin(), attributes_.end(),
+                                    [&](const NameAttribute& attribute) { return attribute.name == name; });
+    return found == attributes_.end() ? std::string() : found->value;
+}
+
+std::string DistinguishedName::why_not_requestable() const {
+    if (attributes_.empty()) return "it has no attribute that a request carries";
+    for (const NameAttribute& attribute : attributes_) {
+        if (const std::string reason = why_not(attribute); !reason.empty()) return reason;
+        const auto times =
+            std::count_if(attributes_.begin(), attributes_.end(),
+                          [&](const NameAttribute& other) { return other.name == attribute.name; });
+        if (attribute.name == "OU" ? times > most_units : times > 1)
+            return fmt::format("{} stands {} times", attribute.name, times);
+    }
+    const std::size_t length = oid_form().size() + attributes_.size();
+    if (length > longest_worked_on)
+        return fmt::format("it has {} characters, {} more than a request can carry", length,
+                           length - longest_worked_on);
+    return {};
+}
+
+} // namespace cli

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+/// One attribute of a name: a short name ("CN") and its value, in UTF-8.
+struct NameAttribute {
+    std::string name;
+    std::string value;
+};
+
+/// A distinguished name as requests carry it, in its order.
+class DistinguishedName {
+  public:
+    /// Reads the library's form, numeric identifiers that follow each other without a separator
+    /// ("2.5.4.6=IT2.5.4.3=NAME"). Text before the first identifier is dropped.
+    [[nodiscard]] static DistinguishedName from_oid_form(std::string_view text);
+    /// Reads "/C=IT/O=Acme/CN=Name", or the library's form when the text begins with a digit.
+    /// @throws Stop for an attribute that requests do not carry.
+    [[nodiscard]] static DistinguishedName from_user(std::string_view text);
+
+    /// The library's form.
+    [[nodiscard]] std::string oid_form() const;
+    /// "C=IT, O=Acme, CN=Name"
+    [[nodiscard]] std::string readable() const;
+    /// The first value of an attribute; empty when there is none.
+    [[nodiscard]] std::string value(std::string_view name) const;
+    [[nodiscard]] const std::vector<NameAttribute>& attributes() const { return attributes_; }
+
+    /// Says why a request would not carry this name whole; empty when it would.
+    [[nodiscard]] std::string why_not_requestable() const;
+
+  private:
+    std::vector<NameAttribute> attributes_;
+};
+
+} // namespace cli

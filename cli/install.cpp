@@ -1,0 +1,133 @@
+#include "install_plan.h"
+
+#include "card_json.h"
+#include "commands.h"
+#include "library_text.h"
+#include "new_file.h"
+#include "note.h"
+#include "proof.h"
+#include "zvRenew.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+// Room for the default identifiers that the library may write.
+constexpr std::size_t label_room = 256;
+
+std::string backup_name(const InstallOptions& options, const CertificateRecord& old) {
+    if (!options.backup.empty()) return options.backup;
+    std::string name = fmt::format("{}-{}.pem", old.id, old.serial);
+    const auto odd = [](unsigned char c) { return std::isalnum(c) == 0 && c != '-' && c != '.'; };
+    std::replace_if(name.begin(), name.end(), odd, '_');
+    return name;
+}
+
+bool holds(const std::string& path, const std::string& text) {
+    try {
+        return read_file(path, "The file") == text;
+    } catch (const Stop&) {
+        return false;
+    }
+}
+
+/// Saves what is about to be replaced. A file that holds just that already will do.
+std::string save_backup(const InstallOptions& options, const InstallPlan& plan) {
+    if (!plan.old) return {};
+    const std::string path = backup_name(options, *plan.old);
+    try {
+        NewFile(path).save(plan.backup);
+    } catch (const Stop& stop) {
+        if (stop.exit != Exit::refused || !holds(path, plan.backup)) throw;
+    }
+    return path;
+}
+
+void say_what_comes(const InstallPlan& plan) {
+    if (plan.removed.empty()) return;
+    note(fmt::format("Removing {} from the card, keys included.", plan.removed.front()));
+    if (plan.removed.size() > 1)
+        note(fmt::format("The authority's certificate \"{}\" goes too: nothing puts it back.",
+                         plan.removed[1]));
+}
+
+int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
+    const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
+    // Without an old certificate nothing is removed, and the label only has to be one that is not empty.
+    std::string label = plan.old ? plan.old->id : plan.pair;
+    label.resize(std::max(label.size(), label_room), '\0');
+    std::string pair = plan.pair;
+    std::string text = base64_of(plan.certificate);
+    forget_library_texts();
+    return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
+}
+
+[[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& sentence) {
+    Stop stop(Exit::failed, sentence);
+    stop.card = card_now(card);
+    const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
+    stop.advice =
+        waits ? fmt::format("The pair {} still waits for the certificate: run the same command again.",
+                            plan.pair)
+              : "See what is on the card with: zvrenew list";
+    throw stop;
+}
+
+/// Removal goes by containment and says nothing of an object that would not go: what is left is looked for.
+std::vector<std::string> still_there(const InstallPlan& plan, const CardView& after) {
+    std::vector<std::string> left = plan.removed;
+    std::erase_if(left, [&](const std::string& id) { return !after.has(id); });
+    return left;
+}
+
+std::string old_in_words(const InstallPlan& plan, const std::vector<std::string>& left) {
+    if (!plan.old) return {};
+    if (plan.removed.empty())
+        return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
+    if (!left.empty()) return fmt::format("\nCould not be removed: {}.", fmt::join(left, ", "));
+    return fmt::format("\nRemoved: {}.", fmt::join(plan.removed, ", "));
+}
+
+Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup) {
+    const CardView after = view_card(card);
+    const std::vector<std::string> left = still_there(plan, after);
+    Report report;
+    report.json = card_json(card);
+    report.json["kind"] = kind_name(plan.kind);
+    report.json["stored"] = plan.pair;
+    report.json["verified"] = true;
+    report.json["replaces"] = plan.old ? Json(plan.old->id) : Json();
+    report.json["removed"] = plan.removed;
+    report.json["not_removed"] = left;
+    report.json["backup"] = backup.empty() ? Json() : Json(backup);
+    report.json["on_card"] = after.in_words();
+    report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
+                              "Signed with {1} and verified with the new certificate.{2}",
+                              kind_name(plan.kind), plan.pair, old_in_words(plan, left));
+    if (!backup.empty()) report.text += fmt::format("\nA copy of what was replaced: {}", backup);
+    report.text += fmt::format("\nNow on the card: {}", after.in_words());
+    return report;
+}
+
+} // namespace
+
+Report run_install(const InstallOptions& options) {
+    const IssuedFiles files = read_issued_files(options);
+    OpenedCard card = open_card(options, Use::changing);
+    const CardView before = view_card(card);
+    const Inventory inventory = read_inventory(card, before);
+    const InstallPlan plan = plan_install(options, files, inventory, before);
+    const std::string backup = save_backup(options, plan);
+    say_what_comes(plan);
+    if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
+        stop_failed(card, plan, fmt::format("The certificate could not be stored{}.", library_reason(code)));
+    if (const std::string reason = prove_pair(card, plan.pair, plan.certificate); !reason.empty())
+        stop_failed(card, plan, fmt::format("The certificate was stored, but {}.", reason));
+    return report_on(card, plan, backup);
+}
+
+} // namespace cli

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "card_view.h"
+#include "certificate_record.h"
+#include "pin_gate.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// A pair of keys that waits for its certificate.
+struct WaitingPair {
+    Kind kind = Kind::signature;
+    std::string id;
+};
+
+/// The identifier that the library proposes for a new pair.
+struct Proposal {
+    std::string id;         ///< empty: no proposal
+    bool none_free = false; ///< the series is full
+};
+
+/// What the library's reading of a card gave.
+struct Inventory {
+    std::vector<CertificateRecord> certificates;
+    std::size_t unreadable = 0; ///< records that could not be taken apart
+    std::vector<WaitingPair> waiting;
+    bool services_waiting = false; ///< a request for the services card's own pair is under way
+    Proposal signature;
+    Proposal authentication;
+
+    /// The certificate of a kind that ends last; null when there is none.
+    [[nodiscard]] const CertificateRecord* current(Kind kind) const;
+    /// The certificate of a kind with exactly that identifier; null when there is none.
+    [[nodiscard]] const CertificateRecord* find(Kind kind, const std::string& id) const;
+    [[nodiscard]] const WaitingPair* waiting_pair(Kind kind) const;
+};
+
+/**
+ * Reads the card with the library.
+ *
+ * The library reports at most one waiting pair; the view, read by this program itself, adds the others.
+ *
+ * @throws Stop
+ */
+[[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view);
+
+/// Takes a key text of the library: one without a digit ("DS") means that the series is full.
+[[nodiscard]] Proposal as_proposal(const std::string& key_text);
+
+/// The kind of a pair, by its identifier.
+[[nodiscard]] Kind kind_of_pair(const std::string& id);
+
+} // namespace cli

@@ -1,0 +1,218 @@
+#include "key_material.h"
+
+#include "outcome.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+#include <fstream>
+#include <openssl/bio.h>
+#include <openssl/cms.h>
+#include <openssl/core_names.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <string_view>
+
+namespace cli {
+namespace {
+
+constexpr std::size_t largest_file = 1024 * 1024;
+
+// What fits the library's command (8,000 characters), the card's fields and its keys.
+constexpr std::size_t longest_text = 7500;
+constexpr int longest_name = 512; // bytes of DER
+constexpr int largest_key = 2048; // bits
+
+template <auto Free> struct Freer {
+    template <class T> void operator()(T* object) const { Free(object); }
+};
+using Bio = std::unique_ptr<BIO, Freer<BIO_free>>;
+using Message = std::unique_ptr<CMS_ContentInfo, Freer<CMS_ContentInfo_free>>;
+using Request = std::unique_ptr<X509_REQ, Freer<X509_REQ_free>>;
+
+Bio reading(std::string_view text) {
+    return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+}
+
+std::string written(BIO& memory) {
+    char* text = nullptr;
+    const long length = BIO_get_mem_data(&memory, &text);
+    return length > 0 ? std::string(text, static_cast<std::size_t>(length)) : std::string();
+}
+
+/// One block of a file: what its frame calls it (empty without a frame) and its DER.
+struct Block {
+    std::string name;
+    std::string der;
+};
+
+std::vector<Block> pem_blocks(const std::string& text) {
+    std::vector<Block> blocks;
+    const Bio bio = reading(text);
+    char* name = nullptr;
+    char* header = nullptr;
+    unsigned char* data = nullptr;
+    long length = 0;
+    while (PEM_read_bio(bio.get(), &name, &header, &data, &length) == 1) {
+        blocks.push_back({name, {reinterpret_cast<char*>(data), static_cast<std::size_t>(length)}});
+        OPENSSL_free(name);
+        OPENSSL_free(header);
+        OPENSSL_free(data);
+    }
+    ERR_clear_error();
+    return blocks;
+}
+
+std::string from_base64(const std::string& text) {
+    const std::unique_ptr<EVP_ENCODE_CTX, Freer<EVP_ENCODE_CTX_free>> decoder(EVP_ENCODE_CTX_new());
+    std::string out(text.size() + 3, '\0');
+    auto* to = reinterpret_cast<unsigned char*>(out.data());
+    const auto* from = reinterpret_cast<const unsigned char*>(text.data());
+    int body = 0;
+    int rest = 0;
+    EVP_DecodeInit(decoder.get());
+    if (EVP_DecodeUpdate(decoder.get(), to, &body, from, static_cast<int>(text.size())) < 0) return {};
+    if (EVP_DecodeFinal(decoder.get(), to + body, &rest) < 0) return {};
+    out.resize(static_cast<std::size_t>(body + rest));
+    return out;
+}
+
+/// The blocks of a file: framed ones, else the file itself as DER, or what it is in base64.
+std::vector<Block> blocks_of(const std::string& text) {
+    if (auto framed = pem_blocks(text); !framed.empty()) return framed;
+    constexpr char sequence = 0x30;
+    if (!text.empty() && text.front() == sequence && text.find('\0') != std::string::npos)
+        return {{{}, text}};
+    if (std::string der = from_base64(text); !der.empty()) return {{{}, std::move(der)}};
+    return {{{}, text}};
+}
+
+Certificate whole_certificate(const std::string& der) {
+    const auto* at = reinterpret_cast<const unsigned char*>(der.data());
+    Certificate certificate(d2i_X509(nullptr, &at, static_cast<long>(der.size())));
+    ERR_clear_error();
+    return certificate;
+}
+
+Message message_in(const std::string& der) {
+    const Bio bio = reading(der);
+    Message message(d2i_CMS_bio(bio.get(), nullptr));
+    ERR_clear_error();
+    return message;
+}
+
+void add_certificates(const Block& block, std::vector<Certificate>& found) {
+    if (Certificate single = whole_certificate(block.der)) {
+        found.push_back(std::move(single));
+        return;
+    }
+    const Message message = message_in(block.der);
+    STACK_OF(X509)* bundle = message ? CMS_get1_certs(message.get()) : nullptr;
+    for (int i = 0; i < sk_X509_num(bundle); ++i)
+        found.emplace_back(sk_X509_value(bundle, i));
+    sk_X509_free(bundle); // the certificates have new owners
+    ERR_clear_error();
+}
+
+Bytes modulus_of_key(EVP_PKEY* key) {
+    BIGNUM* number = nullptr;
+    if (key == nullptr || EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_N, &number) != 1) {
+        ERR_clear_error();
+        return {};
+    }
+    Bytes modulus(static_cast<std::size_t>(BN_num_bytes(number)));
+    BN_bn2bin(number, modulus.data());
+    BN_free(number);
+    return modulus;
+}
+
+Bytes modulus_of_bare_request(const std::string& der) {
+    const auto* at = reinterpret_cast<const unsigned char*>(der.data());
+    const Request request(d2i_X509_REQ(nullptr, &at, static_cast<long>(der.size())));
+    ERR_clear_error();
+    return request ? modulus_of_key(X509_REQ_get0_pubkey(request.get())) : Bytes();
+}
+
+std::string content_of(const std::string& der) {
+    const Message message = message_in(der);
+    ASN1_OCTET_STRING** content = message ? CMS_get0_content(message.get()) : nullptr;
+    if (content == nullptr || *content == nullptr) return {};
+    return {reinterpret_cast<const char*>(ASN1_STRING_get0_data(*content)),
+            static_cast<std::size_t>(ASN1_STRING_length(*content))};
+}
+
+} // namespace
+
+std::string read_file(const std::string& path, const char* what) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text(largest_file + 1, '\0');
+    if (file) file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!file && !file.eof())
+        throw Stop(Exit::refused,
+                   fmt::format("{} {} cannot be read ({}).", what, path, std::strerror(errno)));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (text.size() > largest_file)
+        throw Stop(Exit::refused, fmt::format("{} {} is larger than 1 MiB.", what, path));
+    return text;
+}
+
+std::vector<Certificate> certificates_in_file(const std::string& path) {
+    std::vector<Certificate> found;
+    for (const Block& block : blocks_of(read_file(path, "The file")))
+        add_certificates(block, found);
+    if (found.empty()) throw Stop(Exit::refused, fmt::format("There is no certificate in {}.", path));
+    return found;
+}
+
+Certificate certificate_from(const Bytes& der) {
+    return whole_certificate({der.begin(), der.end()});
+}
+
+Bytes modulus_of_request(const std::string& request) {
+    for (const Block& block : blocks_of(request)) {
+        if (Bytes bare = modulus_of_bare_request(block.der); !bare.empty()) return bare;
+        for (const Block& inner : pem_blocks(content_of(block.der)))
+            if (Bytes wrapped = modulus_of_bare_request(inner.der); !wrapped.empty()) return wrapped;
+    }
+    return {};
+}
+
+Bytes modulus_of(X509& certificate) {
+    return modulus_of_key(X509_get0_pubkey(&certificate));
+}
+
+Bytes der_of(X509& certificate) {
+    unsigned char* data = nullptr;
+    const int length = i2d_X509(&certificate, &data);
+    Bytes der(data, data + std::max(length, 0));
+    OPENSSL_free(data);
+    return der;
+}
+
+std::string pem_of(X509& certificate) {
+    const Bio bio(BIO_new(BIO_s_mem()));
+    PEM_write_bio_X509(bio.get(), &certificate);
+    return written(*bio);
+}
+
+std::string base64_of(const Bytes& bytes) {
+    std::string text(4 * ((bytes.size() + 2) / 3) + 1, '\0');
+    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(),
+                                       static_cast<int>(bytes.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+std::string why_not_storable(X509& certificate) {
+    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+    if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return "its key is not an RSA key";
+    if (EVP_PKEY_get_bits(key) > largest_key) return "its key has more than 2048 bits";
+    for (X509_NAME* name : {X509_get_subject_name(&certificate), X509_get_issuer_name(&certificate)})
+        if (i2d_X509_NAME(name, nullptr) > longest_name)
+            return "its subject or issuer has more than 512 bytes";
+    if (base64_of(der_of(certificate)).size() > longest_text) return "it is too large";
+    return {};
+}
+
+} // namespace cli

@@ -1,0 +1,86 @@
+#include "library_text.h"
+
+#include "zvCrypt.h"
+#include "zvRenew.h"
+
+#include <array>
+#include <cstring>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <vector>
+
+namespace cli {
+namespace {
+
+constexpr int messages = 512;
+constexpr std::size_t message_size = 512;
+
+// Line breaks inside the library's texts would break the one sentence that they end up in.
+std::string one_line(const char* text, std::size_t size) {
+    std::string line;
+    for (const char c : std::string(text, strnlen(text, size))) {
+        const bool blank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
+        if (!blank)
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    while (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return line;
+}
+
+// 1 and 100 are PKCS#11 results by number, but the library means something else by them.
+std::string table_text(int code) {
+    if (code <= ZV_FAILED || code == ZV_UNSUPPORTED || code >= messages) return {};
+    return one_line(errorMessages[code], message_size);
+}
+
+const char* own_words(int code) {
+    switch (code) {
+    case ZV_FAILED:
+        return "the step was refused";
+    case ZV_UNSUPPORTED:
+        return "the card is not supported, or a temporary file could not be used";
+    case ZV_UNUSABLE:
+        return "no usable module, or no slot for the reader";
+    case ZV_NOT_SENT:
+        return "stopped before it was sent, or the result is too large";
+    default:
+        return "no reason was given";
+    }
+}
+
+std::string shown(int code) {
+    return code < 0 ? std::to_string(code) : fmt::format("{:#x}", code);
+}
+
+} // namespace
+
+void forget_library_texts() {
+    szBuffErr[0] = '\0';
+    szSockMsg[0] = '\0';
+}
+
+std::string library_reason(int code) {
+    std::vector<std::string> quotes;
+    for (const char* source : {szSockMsg, szBuffErr}) {
+        const std::string text = one_line(source, message_size);
+        if (!text.empty()) quotes.push_back(fmt::format("\"{}\"", text));
+    }
+    const std::string meaning = table_text(code);
+    if (quotes.empty() && meaning.empty()) return fmt::format(": {} ({})", own_words(code), shown(code));
+    if (quotes.empty()) return fmt::format(": \"{}\" ({})", meaning, shown(code));
+    if (meaning.empty()) return fmt::format(": {} ({})", fmt::join(quotes, ", "), shown(code));
+    return fmt::format(": {} ({}, \"{}\")", fmt::join(quotes, ", "), shown(code), meaning);
+}
+
+std::string crypto_reason(int code) {
+    std::array<char, message_size> buffer{};
+    kvLastError(buffer.data(), static_cast<int>(buffer.size()));
+    const std::string text = one_line(buffer.data(), buffer.size());
+    if (text.empty()) return fmt::format(" ({})", shown(code));
+    return fmt::format(": \"{}\" ({})", text, shown(code));
+}
+
+} // namespace cli

@@ -1,0 +1,127 @@
+#include "card_json.h"
+#include "commands.h"
+#include "inventory.h"
+
+#include <algorithm>
+#include <ctime>
+#include <fmt/format.h>
+
+namespace cli {
+namespace {
+
+/// A certificate that was replaced already is not due again.
+struct Due {
+    bool due = false;
+    bool replaced = false;
+};
+
+Due due_of(const Inventory& inventory, const CertificateRecord& record, int days, std::time_t now) {
+    const bool ending = ends_within(record.ends, days, now);
+    const bool replaced = inventory.current(record.kind)->id != record.id;
+    return {ending && !replaced, replaced};
+}
+
+std::string holder(const CertificateRecord& record) {
+    const std::string name = record.subject.value("CN");
+    return name.empty() ? record.subject_text : name;
+}
+
+std::string mark(const Due& due, long days) {
+    if (due.replaced) return "replaced";
+    if (due.due) return days < 0 ? "EXPIRED, due" : "DUE";
+    return "";
+}
+
+struct Columns {
+    std::size_t id = 10;
+    std::size_t name = 6;
+};
+
+Columns widths(const Inventory& inventory) {
+    Columns columns;
+    for (const CertificateRecord& record : inventory.certificates) {
+        columns.id = std::max(columns.id, record.id.size());
+        columns.name = std::max(columns.name, holder(record).size());
+    }
+    return columns;
+}
+
+Json certificate_json(const CertificateRecord& record, const Due& due, long days) {
+    return {{"kind", kind_name(record.kind)},
+            {"id", record.id},
+            {"subject", name_json(record.subject)},
+            {"issuer", name_json(record.issuer)},
+            {"serial", record.serial},
+            {"fiscal_code", record.fiscal_code},
+            {"iut", record.iut},
+            {"policies", record.policies},
+            {"notice", record.notice},
+            {"key_identifier", record.key_identifier},
+            {"not_before", instant(record.begins)},
+            {"not_after", instant(record.ends)},
+            {"days_left", days},
+            {"due", due.due},
+            {"replaced", due.replaced}};
+}
+
+std::string heading(const OpenedCard& card) {
+    return fmt::format("Card {} (\"{}\") in {}\n", card.state.serial, card.state.label, card.place.reader);
+}
+
+void add_certificates(Report& report, const Inventory& inventory, int days) {
+    const Columns columns = widths(inventory);
+    const std::time_t now = std::time(nullptr);
+    report.text += fmt::format("\n  {:<15}{:<{}}  {:<{}}  {:<10}  {:>5}\n", "KIND", "IDENTIFIER", columns.id,
+                               "HOLDER", columns.name, "ENDS", "DAYS");
+    for (const CertificateRecord& record : inventory.certificates) {
+        const Due due = due_of(inventory, record, days, now);
+        const long left = days_until(record.ends, now);
+        report.text +=
+            fmt::format("  {:<15}{:<{}}  {:<{}}  {:<10}  {:>5}  {}\n", kind_name(record.kind), record.id,
+                        columns.id, holder(record), columns.name, day_of(record.ends), left, mark(due, left));
+        report.json["certificates"].push_back(certificate_json(record, due, left));
+    }
+    if (inventory.certificates.empty()) report.text += "  (no certificates)\n";
+    if (inventory.unreadable > 0)
+        report.text += fmt::format("  ({} more cannot be read)\n", inventory.unreadable);
+}
+
+void say_what_is_due(std::string& text, const Json& certificates) {
+    for (const Json& entry : certificates)
+        if (entry["due"].get<bool>() && entry["kind"] != kind_name(Kind::services))
+            text += fmt::format("\nThe {0} certificate is due. Renew it:  zvrenew request {0} --out FILE",
+                                entry["kind"].get<std::string>());
+}
+
+void say_what_waits(std::string& text, const Inventory& inventory) {
+    for (const WaitingPair& pair : inventory.waiting)
+        text += fmt::format(
+            "\nThe new {0} pair {1} waits for its certificate.\n"
+            "  It has come:   zvrenew install CERTIFICATE\n"
+            "  It has not:    zvrenew request {0} --out FILE   (makes the request again, same pair)",
+            kind_name(pair.kind), pair.id);
+    if (inventory.services_waiting)
+        text += "\nA request for the services card's own certificate is under way.";
+}
+
+} // namespace
+
+Report run_list(const ListOptions& options) {
+    OpenedCard card = open_card(options);
+    const Inventory inventory = read_inventory(card, view_card(card));
+    Report report;
+    report.text = heading(card);
+    report.json = card_json(card);
+    report.json["certificates"] = Json::array();
+    add_certificates(report, inventory, options.days);
+    report.json["unreadable"] = inventory.unreadable;
+    report.json["waiting"] = waiting_json(inventory);
+    report.json["services_waiting"] = inventory.services_waiting;
+    report.json["next"] = {{"signature", proposal_json(inventory.signature)},
+                           {"authentication", proposal_json(inventory.authentication)}};
+    if (inventory.waiting.empty()) say_what_is_due(report.text, report.json["certificates"]);
+    say_what_waits(report.text, inventory);
+    return report;
+}
+
+} // namespace cli

@@ -1,0 +1,26 @@
+#include "log_folder.h"
+
+#include "routines.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+namespace cli {
+
+std::string log_path() {
+    return getLogPath();
+}
+
+std::string make_log_folder() {
+    const std::string log = log_path();
+    const std::string folder = log.substr(0, log.rfind('/'));
+    if (folder.empty() || mkdir(folder.c_str(), S_IRWXU) == 0) return {};
+    const int reason = errno;
+    struct stat status {};
+    if (reason == EEXIST && stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
+    return fmt::format("There will be no log: {} cannot be made ({}).", folder, std::strerror(reason));
+}
+
+} // namespace cli

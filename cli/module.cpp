@@ -1,0 +1,140 @@
+#include "module.h"
+
+#include "library_text.h"
+#include "outcome.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <dlfcn.h>
+#include <fmt/format.h>
+#include <string_view>
+
+namespace cli {
+namespace {
+
+// What a module answers is not trusted: no card has this many, and nothing on it is this large.
+constexpr CK_ULONG most_slots = 256;
+constexpr std::size_t most_objects = 1024;
+constexpr CK_ULONG longest_attribute = 65536;
+constexpr CK_ULONG longest_signature = 1024;
+
+using List = CK_FUNCTION_LIST;
+
+void require(CK_RV result, std::string_view what) {
+    if (result == CKR_OK) return;
+    const int code = result <= 0x7FFFFFFF ? static_cast<int>(result) : -1;
+    forget_library_texts();
+    throw Stop(Exit::failed, fmt::format("{} failed{}.", what, library_reason(code)));
+}
+
+} // namespace
+
+void Module::Unload::operator()(void* handle) const {
+    dlclose(handle);
+}
+
+Module::Module(const std::string& path) : handle_(dlopen(path.c_str(), RTLD_NOW)) {
+    if (!handle_)
+        throw Stop(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, dlerror()));
+    const auto get_list = reinterpret_cast<CK_C_GetFunctionList>(dlsym(handle_.get(), "C_GetFunctionList"));
+    if (get_list != nullptr && get_list(&list_) != CKR_OK) list_ = nullptr;
+    if (list_ == nullptr) throw Stop(Exit::failed, fmt::format("{} is no PKCS#11 module.", path));
+    require(call<&List::C_Initialize>(nullptr), "Starting the card's module");
+}
+
+Module::~Module() {
+    // Nothing can be done about a module that does not end.
+    [[maybe_unused]] const CK_RV result = call<&List::C_Finalize>(nullptr);
+}
+
+std::vector<CK_SLOT_ID> Module::slots() const {
+    CK_ULONG count = 0;
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count), "Listing the slots");
+    std::vector<CK_SLOT_ID> found(std::min(count, most_slots));
+    CK_ULONG filled = found.size();
+    if (found.empty()) return found;
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_TRUE}, found.data(), &filled), "Listing the slots");
+    if (filled < found.size()) found.resize(filled);
+    return found;
+}
+
+std::string Module::description(CK_SLOT_ID slot) const {
+    CK_SLOT_INFO info{};
+    if (call<&List::C_GetSlotInfo>(slot, &info) != CKR_OK) return {};
+    if ((info.flags & CKF_TOKEN_PRESENT) == 0) return {};
+    const auto* text = reinterpret_cast<const char*>(info.slotDescription);
+    std::string found(text, strnlen(text, sizeof info.slotDescription));
+    while (!found.empty() && std::isspace(static_cast<unsigned char>(found.back())) != 0)
+        found.pop_back();
+    return found;
+}
+
+CK_TOKEN_INFO Module::token(CK_SLOT_ID slot) const {
+    CK_TOKEN_INFO info{};
+    require(call<&List::C_GetTokenInfo>(slot, &info), "Asking the card for its state");
+    return info;
+}
+
+Session::Session(const Module& module, CK_SLOT_ID slot) : module_(module) {
+    require(module_.call<&List::C_OpenSession>(slot, CKF_SERIAL_SESSION, nullptr, nullptr, &handle_),
+            "Opening a session with the card");
+}
+
+Session::~Session() {
+    // A card that is gone closes the session by itself.
+    [[maybe_unused]] const CK_RV result = module_.call<&List::C_CloseSession>(handle_);
+}
+
+void Session::log_in(Pin& pin) {
+    auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
+    const CK_RV result =
+        module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
+    if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "The login");
+}
+
+std::vector<CK_OBJECT_HANDLE> Session::objects() const {
+    require(module_.call<&List::C_FindObjectsInit>(handle_, nullptr, CK_ULONG{0}), "Searching the card");
+    std::vector<CK_OBJECT_HANDLE> found;
+    CK_RV result = CKR_OK;
+    while (found.size() < most_objects) {
+        std::array<CK_OBJECT_HANDLE, 16> some{};
+        CK_ULONG count = 0;
+        result = module_.call<&List::C_FindObjects>(handle_, some.data(), CK_ULONG{some.size()}, &count);
+        if (result != CKR_OK || count == 0) break;
+        found.insert(found.end(), some.begin(),
+                     some.begin() +
+                         std::min<std::ptrdiff_t>(some.size(), static_cast<std::ptrdiff_t>(count)));
+    }
+    const CK_RV closed = module_.call<&List::C_FindObjectsFinal>(handle_);
+    require(result, "Searching the card");
+    require(closed, "Searching the card");
+    return found;
+}
+
+Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+    CK_ATTRIBUTE wanted{type, nullptr, 0};
+    if (module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1}) != CKR_OK) return {};
+    if (wanted.ulValueLen == 0 || wanted.ulValueLen > longest_attribute) return {};
+    Bytes value(wanted.ulValueLen);
+    wanted.pValue = value.data();
+    if (module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1}) != CKR_OK) return {};
+    if (wanted.ulValueLen > value.size()) return {};
+    value.resize(wanted.ulValueLen);
+    return value;
+}
+
+Bytes Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info) const {
+    CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
+    require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "Starting a signature");
+    Bytes signature(longest_signature);
+    CK_ULONG length = signature.size();
+    require(module_.call<&List::C_Sign>(handle_, digest_info.data(), CK_ULONG{digest_info.size()},
+                                        signature.data(), &length),
+            "Signing with the card");
+    signature.resize(std::min<std::size_t>(length, signature.size()));
+    return signature;
+}
+
+} // namespace cli

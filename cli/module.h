@@ -1,0 +1,69 @@
+#pragma once
+
+#include "pin.h"
+#include "pkcs11.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace cli {
+
+using Bytes = std::vector<unsigned char>;
+
+/// A PKCS#11 module, loaded and initialised as long as this object lives. The library does the same on its
+/// own within each of its calls, so none of these may live across one.
+class Module {
+  public:
+    /// @throws Stop when the module cannot be used.
+    explicit Module(const std::string& path);
+    ~Module();
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    /// Calls a function of the module's list, whose entry may be missing.
+    template <auto Function, class... Arguments> [[nodiscard]] CK_RV call(Arguments... arguments) const {
+        const auto function = list_->*Function;
+        return function == nullptr ? CKR_FUNCTION_NOT_SUPPORTED : function(arguments...);
+    }
+
+    /// Slots that hold a card, in the module's order.
+    [[nodiscard]] std::vector<CK_SLOT_ID> slots() const;
+    /// What a slot says it is, without the blanks behind it; empty when it says nothing.
+    [[nodiscard]] std::string description(CK_SLOT_ID slot) const;
+    /// @throws Stop when the card cannot be asked.
+    [[nodiscard]] CK_TOKEN_INFO token(CK_SLOT_ID slot) const;
+
+  private:
+    struct Unload {
+        void operator()(void* handle) const;
+    };
+    std::unique_ptr<void, Unload> handle_;
+    CK_FUNCTION_LIST* list_ = nullptr;
+};
+
+/// A read-only session with the card in a slot.
+class Session {
+  public:
+    /// @throws Stop
+    Session(const Module& module, CK_SLOT_ID slot);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// @throws Stop. The PIN must have been proved before: see pin_gate.h.
+    void log_in(Pin& pin);
+    /// Every object of the card that this session sees. @throws Stop
+    [[nodiscard]] std::vector<CK_OBJECT_HANDLE> objects() const;
+    /// An attribute; empty when the card does not give it.
+    [[nodiscard]] Bytes attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
+    /// Signs a PKCS#1 v1.5 block (a DigestInfo) with a private key. @throws Stop
+    [[nodiscard]] Bytes sign(CK_OBJECT_HANDLE key, Bytes digest_info) const;
+
+  private:
+    const Module& module_;
+    CK_SESSION_HANDLE handle_ = 0;
+};
+
+} // namespace cli

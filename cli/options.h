@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+
+namespace cli {
+
+/// What every command takes.
+struct CommonOptions {
+    bool json = false;
+    std::string reader;     ///< empty: the only reader that holds a known card
+    std::string module_dir; ///< empty: searched for
+    std::string pin_file;   ///< empty: asked for at the terminal
+    bool final_try = false;
+};
+
+/// The two kinds of certificate that are renewed from here.
+enum class Kind { signature, authentication, services };
+
+struct ListOptions : CommonOptions {
+    int days = 90;
+};
+
+struct RequestOptions : CommonOptions {
+    Kind kind = Kind::signature;
+    int days = 90;
+    bool force = false;
+    bool new_pair = false;
+    std::string certificate; ///< identifier; empty: the one of that kind that ends last
+    std::string subject;     ///< empty: the certificate's
+    std::string out;         ///< empty: standard output
+};
+
+struct InstallOptions : CommonOptions {
+    std::string certificate_file;
+    std::string request_file; ///< empty: the pairs that wait on the card are asked
+    std::string replace;      ///< identifier; empty: the certificate of that kind that ends last
+    std::string backup;       ///< empty: a name made from the identifier and the serial number
+    bool remove_old = false;
+};
+
+[[nodiscard]] const char* kind_name(Kind kind);
+
+} // namespace cli

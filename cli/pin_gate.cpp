@@ -1,0 +1,99 @@
+#include "pin_gate.h"
+
+#include "library_text.h"
+#include "outcome.h"
+#include "pin_input.h"
+#include "zvCrypt.h"
+
+#include <fmt/format.h>
+#include <optional>
+
+namespace cli {
+namespace {
+
+constexpr CK_SLOT_ID last_slot = 9;
+
+std::string trimmed(const unsigned char* field, std::size_t size) {
+    std::string text(reinterpret_cast<const char*>(field), size);
+    text.resize(text.find('\0') == std::string::npos ? size : text.find('\0'));
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
+void refuse_risky_try(const CardState& state, bool final_try) {
+    if ((state.flags & CKF_USER_PIN_LOCKED) != 0)
+        throw Stop(Exit::refused, "The card's PIN is locked.", "Unlock it with the card's PUK first.");
+    if ((state.flags & CKF_USER_PIN_FINAL_TRY) != 0 && !final_try)
+        throw Stop(Exit::refused, "Only one PIN try is left: a wrong PIN now locks the card.",
+                   "If you are sure of the PIN, give --final-try.");
+}
+
+std::string tries_now(const Place& place) {
+    try {
+        const std::string text = tries_text(card_state(place).flags);
+        return text.empty() ? "The card does not say how many tries are left."
+                            : fmt::format("The card says: {}.", text);
+    } catch (const Stop&) {
+        return "The card could not be asked how many tries are left.";
+    }
+}
+
+// The crypto library's own session, opened and closed here.
+int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
+    std::string path = place.module_path;
+    int code = kvInitialize(path.data(), static_cast<int>(slot));
+    if (code == ZVC_OK) code = kvLogin(pin.text());
+    if (code != ZVC_OK) return code;
+    return kvFinalize();
+}
+
+void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
+    const int code = try_pin(place, slot, pin);
+    if (code == ZVC_OK) return;
+    const std::string reason = crypto_reason(code);
+    kvFinalize();
+    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
+        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}. {}", reason, tries_now(place)));
+    throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
+}
+
+} // namespace
+
+CardState card_state(const Place& place) {
+    const Module module(place.module_path);
+    CardState state;
+    state.slot = slot_of(module, place.reader);
+    const CK_TOKEN_INFO token = module.token(state.slot);
+    state.label = trimmed(token.label, sizeof token.label);
+    state.serial = trimmed(token.serialNumber, sizeof token.serialNumber);
+    state.flags = token.flags;
+    return state;
+}
+
+std::string tries_text(CK_FLAGS flags) {
+    if ((flags & CKF_USER_PIN_LOCKED) != 0) return "the PIN is locked";
+    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "one try is left, a wrong PIN locks the card";
+    if ((flags & CKF_USER_PIN_COUNT_LOW) != 0) return "a wrong PIN was given, fewer tries are left";
+    return {};
+}
+
+OpenedCard open_card(const CommonOptions& options, Use use) {
+    // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
+    const bool from_file = !options.pin_file.empty();
+    std::optional<Pin> early;
+    if (from_file) early.emplace(take_pin(options.pin_file, {}));
+    Place place = find_place(options);
+    Pin pin = from_file ? std::move(*early) : take_pin({}, place.reader);
+    CardState state = card_state(place);
+    if (use == Use::changing && state.slot > last_slot)
+        throw Stop(Exit::refused,
+                   fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
+                               "worked with.",
+                               state.slot));
+    refuse_risky_try(state, options.final_try);
+    prove_pin(place, state.slot, pin);
+    return {std::move(place), std::move(state), std::move(pin)};
+}
+
+} // namespace cli

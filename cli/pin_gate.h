@@ -1,0 +1,45 @@
+#pragma once
+
+#include "module.h"
+#include "options.h"
+#include "pin.h"
+#include "place.h"
+
+#include <string>
+
+namespace cli {
+
+/// What a card says of itself and of its PIN.
+struct CardState {
+    CK_SLOT_ID slot = 0;
+    std::string label;
+    std::string serial;
+    CK_FLAGS flags = 0;
+};
+
+/// Asks a card for its state, without a login. @throws Stop
+[[nodiscard]] CardState card_state(const Place& place);
+
+/// Says how it stands with the PIN's tries: "few tries are left", "the next wrong PIN locks it", "locked";
+/// an empty text when the card says nothing.
+[[nodiscard]] std::string tries_text(CK_FLAGS flags);
+
+/// A card whose PIN was proved right, and all that working with it needs.
+struct OpenedCard {
+    Place place;
+    CardState state;
+    Pin pin;
+};
+
+/// What a card is opened for. Requests and storing work on slots 0 to 9 only.
+enum class Use { reading, changing };
+
+/**
+ * Takes the way to a card on which no PIN try is lost: finds it, takes the PIN and checks its form, refuses a
+ * locked PIN, and a final try unless options.final_try; then tries the PIN once.
+ *
+ * @throws Stop; after a wrong PIN it says what the card now says of the tries.
+ */
+[[nodiscard]] OpenedCard open_card(const CommonOptions& options, Use use = Use::reading);
+
+} // namespace cli

@@ -1,0 +1,116 @@
+#include "pin_input.h"
+
+#include "note.h"
+#include "outcome.h"
+#include "scoped_fd.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace cli {
+namespace {
+
+constexpr char end_of_text = 3;  // Ctrl-C
+constexpr char end_of_input = 4; // Ctrl-D
+constexpr char backspace = 8;
+constexpr char kill_line = 21; // Ctrl-U
+constexpr char del = 127;
+
+// One byte at a time: no buffer of the C library keeps a copy of the PIN.
+bool read_char(int fd, char& c) {
+    ssize_t got = 0;
+    do
+        got = ::read(fd, &c, 1);
+    while (got < 0 && errno == EINTR);
+    return got == 1;
+}
+
+/// Echo off, and no signals from the keyboard, which would leave it off: Ctrl-C comes as a character.
+class QuietTerminal {
+  public:
+    explicit QuietTerminal(int fd) : fd_(fd) {
+        if (tcgetattr(fd, &before_) != 0) throw Stop(Exit::refused, "The terminal cannot be read.");
+        termios quiet = before_;
+        quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON | ISIG);
+        quiet.c_cc[VMIN] = 1;
+        quiet.c_cc[VTIME] = 0;
+        if (tcsetattr(fd, TCSAFLUSH, &quiet) != 0)
+            throw Stop(Exit::refused, "The terminal's echo cannot be switched off.");
+    }
+    ~QuietTerminal() { tcsetattr(fd_, TCSAFLUSH, &before_); }
+    QuietTerminal(const QuietTerminal&) = delete;
+    QuietTerminal& operator=(const QuietTerminal&) = delete;
+
+  private:
+    int fd_;
+    termios before_{};
+};
+
+Pin typed(int terminal) {
+    const QuietTerminal quiet(terminal);
+    Pin pin;
+    char c = 0;
+    while (read_char(terminal, c) && c != '\n' && c != '\r' && c != end_of_input) {
+        if (c == end_of_text) throw Stop(Exit::refused, "Stopped at the PIN.");
+        if (c == backspace || c == del)
+            pin.remove_last();
+        else if (c == kill_line)
+            pin.wipe();
+        else
+            pin.add(c);
+    }
+    c = '\0';
+    return pin;
+}
+
+void say(int terminal, const std::string& text) {
+    // A terminal that takes no text still gives the PIN.
+    [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
+}
+
+Pin pin_from_terminal(const std::string& reader) {
+    const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
+    if (!terminal)
+        throw Stop(Exit::refused, "There is no terminal to ask for the PIN on.", "Give --pin-file FILE.");
+    say(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
+    Pin pin = typed(terminal.get());
+    say(terminal.get(), "\n");
+    return pin;
+}
+
+void warn_when_others_can_read(int fd, const std::string& path) {
+    struct stat status {};
+    if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        note(fmt::format("Warning: others can read the PIN file {} (chmod 600 it).", path));
+}
+
+Pin pin_from_file(const std::string& path) {
+    const ScopedFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
+        throw Stop(Exit::refused,
+                   fmt::format("The PIN file {} cannot be read ({}).", path, std::strerror(errno)));
+    warn_when_others_can_read(file.get(), path);
+    Pin pin;
+    char c = 0;
+    while (!pin.full() && read_char(file.get(), c))
+        pin.add(c);
+    c = '\0';
+    if (pin.view().ends_with('\n')) pin.remove_last();
+    if (pin.view().ends_with('\r')) pin.remove_last();
+    return pin;
+}
+
+} // namespace
+
+Pin take_pin(const std::string& file, const std::string& reader) {
+    Pin pin = file.empty() ? pin_from_terminal(reader) : pin_from_file(file);
+    check_pin_form(pin);
+    return pin;
+}
+
+} // namespace cli

@@ -1,0 +1,128 @@
+#include "place.h"
+
+#include "library_text.h"
+#include "module_folder.h"
+#include "outcome.h"
+#include "zvCrypt.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+
+namespace cli {
+namespace {
+
+// A reader name with this in it is taken by the library as the path of a module.
+constexpr const char* module_path_mark = ".dll";
+
+// The library compares this many characters of a description that fills its field.
+constexpr std::size_t longest_description = 63;
+
+Reader look_at(const std::string& name) {
+    Reader reader;
+    reader.name = name;
+    std::string writable = name;
+    std::array<char, ZVC_MODULE_NAME_SIZE> module{};
+    const int code = kvGetPKCS11FromATR(writable.data(), module.data());
+    if (code == ZVC_ERR_NO_CARD) return reader;
+    if (code != ZVC_OK) {
+        reader.problem = "cannot be looked at" + crypto_reason(code);
+        return reader;
+    }
+    reader.card = true;
+    reader.module = module.data();
+    reader.services = kvIsCNSINCARD() != 0;
+    if (reader.module.empty()) reader.problem = "a card of an unknown kind";
+    return reader;
+}
+
+std::string names(const std::vector<Reader>& readers) {
+    std::string text;
+    for (const Reader& reader : readers)
+        text += fmt::format("{}\"{}\"", text.empty() ? "" : ", ", reader.name);
+    return text;
+}
+
+const Reader& the_one_named(const std::vector<Reader>& readers, const std::string& name) {
+    const auto found = std::find_if(readers.begin(), readers.end(),
+                                    [&](const Reader& reader) { return reader.name == name; });
+    if (found == readers.end())
+        throw Stop(Exit::refused,
+                   fmt::format("There is no reader \"{}\"; there are: {}.", name, names(readers)));
+    return *found;
+}
+
+const Reader& the_only_one(const std::vector<Reader>& readers) {
+    std::vector<Reader> known;
+    std::copy_if(readers.begin(), readers.end(), std::back_inserter(known),
+                 [](const Reader& reader) { return !reader.module.empty(); });
+    if (known.size() > 1)
+        throw Stop(Exit::refused, fmt::format("More than one reader holds a card: {}.", names(known)),
+                   "Say which one with --reader NAME.");
+    if (known.size() == 1) return the_one_named(readers, known.front().name);
+    const auto card = std::find_if(readers.begin(), readers.end(), [](const Reader& r) { return r.card; });
+    return card != readers.end() ? *card : readers.front();
+}
+
+void require_known_card(const Reader& reader) {
+    if (!reader.module.empty()) return;
+    if (!reader.card && reader.problem.empty())
+        throw Stop(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
+                   "Put the card in.");
+    throw Stop(Exit::refused,
+               fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return !part.empty() && text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+std::vector<Reader> list_readers() {
+    std::array<char, ZVC_READER_LIST_SIZE> list{};
+    const int code = kvGetReader(list.data());
+    if (code != ZVC_OK)
+        throw Stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
+    std::vector<Reader> readers;
+    const std::string text = list.data();
+    for (std::size_t at = 0, end = 0; (end = text.find('|', at)) != std::string::npos; at = end + 1)
+        readers.push_back(look_at(text.substr(at, end - at)));
+    return readers;
+}
+
+Place find_place(const CommonOptions& options) {
+    const std::vector<Reader> readers = list_readers();
+    if (readers.empty())
+        throw Stop(Exit::refused, "There is no card reader.", "Plug the reader in and put the card in it.");
+    const Reader& reader =
+        options.reader.empty() ? the_only_one(readers) : the_one_named(readers, options.reader);
+    require_known_card(reader);
+    if (contains(reader.name, module_path_mark))
+        throw Stop(Exit::refused, fmt::format("The reader name \"{}\" cannot be used.", reader.name));
+    const auto folder = folder_of_module(reader.module, options.module_dir);
+    // The last reader looked at need not be this one, and the library asks the crypto library again anyway.
+    return {reader.name, reader.module, folder, folder / reader.module, reader.services};
+}
+
+CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
+    std::vector<std::pair<CK_SLOT_ID, std::size_t>> matching;
+    for (const CK_SLOT_ID slot : module.slots()) {
+        const std::string description = module.description(slot).substr(0, longest_description);
+        if (contains(reader, description)) matching.emplace_back(slot, description.size());
+    }
+    if (matching.empty())
+        throw Stop(Exit::failed, fmt::format("The card's module shows no card in \"{}\".", reader),
+                   "Put the card in, or take it out and in again.");
+    const auto best = std::max_element(matching.begin(), matching.end(),
+                                       [](const auto& a, const auto& b) { return a.second < b.second; });
+    if (best->second > matching.front().second)
+        throw Stop(Exit::refused,
+                   fmt::format("The name of another reader that holds a card is part of \"{}\", so the PIN "
+                               "would go to that card.",
+                               reader),
+                   "Take the other card out.");
+    return matching.front().first;
+}
+
+} // namespace cli

@@ -1,0 +1,79 @@
+#include "proof.h"
+
+#include "outcome.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <memory>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/rand.h>
+
+namespace cli {
+namespace {
+
+using Message = std::array<unsigned char, 64>;
+
+// DigestInfo of SHA-256 (RFC 8017, 9.2), without the digest at its end.
+constexpr std::array<unsigned char, 19> sha256_info{0x30, 0x31, 0x30, 0x0D, 0x06, 0x09, 0x60,
+                                                    0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02,
+                                                    0x01, 0x05, 0x00, 0x04, 0x20};
+
+Bytes digest_info(const Message& message) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned int length = 0;
+    if (EVP_Digest(message.data(), message.size(), digest.data(), &length, EVP_sha256(), nullptr) != 1)
+        throw Stop(Exit::failed, "A digest could not be made.");
+    Bytes info(sha256_info.begin(), sha256_info.end());
+    info.insert(info.end(), digest.begin(), digest.begin() + length);
+    return info;
+}
+
+bool verifies(X509& certificate, const Message& message, const Bytes& signature) {
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    const bool right = EVP_DigestVerifyInit(context.get(), nullptr, EVP_sha256(), nullptr,
+                                            X509_get0_pubkey(&certificate)) == 1 &&
+                       EVP_DigestVerify(context.get(), signature.data(), signature.size(), message.data(),
+                                        message.size()) == 1;
+    ERR_clear_error();
+    return right;
+}
+
+// Cards pad what they hold.
+bool begins_with(const Bytes& stored, const Bytes& expected) {
+    return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
+}
+
+std::string prove(const Session& session, const std::string& id, const Bytes& expected_certificate) {
+    const CardView view = view_in(session);
+    const CardObject* stored = view.find(CKO_CERTIFICATE, id);
+    const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
+    if (stored == nullptr) return fmt::format("there is no certificate {} on the card", id);
+    if (key == nullptr) return fmt::format("there is no private key {} on the card", id);
+    if (!begins_with(stored->value, expected_certificate))
+        return fmt::format("the certificate {} on the card is another one", id);
+    Message message{};
+    if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
+        return "no random text could be made";
+    const Bytes signature = session.sign(key->handle, digest_info(message));
+    const Certificate certificate = certificate_from(stored->value);
+    if (!certificate || !verifies(*certificate, message, signature))
+        return fmt::format("a signature of the key {} does not verify with its certificate", id);
+    return {};
+}
+
+} // namespace
+
+std::string prove_pair(OpenedCard& card, const std::string& id, const Bytes& expected_certificate) {
+    try {
+        std::string reason;
+        with_session(card,
+                     [&](const Session& session) { reason = prove(session, id, expected_certificate); });
+        return reason;
+    } catch (const Stop& stop) {
+        return stop.sentence;
+    }
+}
+
+} // namespace cli

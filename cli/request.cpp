@@ -1,0 +1,109 @@
+#include "request_plan.h"
+
+#include "card_json.h"
+#include "commands.h"
+#include "key_material.h"
+#include "library_text.h"
+#include "new_file.h"
+#include "note.h"
+#include "zvRenew.h"
+
+#include <cstring>
+#include <ctime>
+#include <fmt/format.h>
+#include <optional>
+#include <vector>
+
+namespace cli {
+namespace {
+
+void say_what_comes(const RequestPlan& plan) {
+    if (plan.old.ends < std::time(nullptr))
+        note(fmt::format(
+            "The certificate {} has expired: the authority may not take a request signed with it.",
+            plan.old.id));
+    if (plan.reuse) {
+        note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
+        return;
+    }
+    if (plan.discard)
+        note(
+            fmt::format("The pair {} that waits on the card is discarded: a certificate for it can no longer "
+                        "be installed.",
+                        plan.pair));
+    note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
+}
+
+[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, const std::string& sentence) {
+    Stop stop(Exit::failed, sentence);
+    stop.card = card_now(card);
+    const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
+    stop.advice =
+        waits ? fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair)
+              : "Leave the card in the reader and repeat the request.";
+    throw stop;
+}
+
+std::string make_request(OpenedCard& card, const RequestPlan& plan, Kind kind) {
+    const auto create =
+        kind == Kind::signature ? rinnovo_Card_createCertRequestPRA : rinnovo_Card_createCertRequestAUT;
+    std::vector<char> result(ZV_REQUEST_SIZE, '\0');
+    std::string key = plan.old.id;
+    forget_library_texts();
+    const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
+                            plan.subject.oid_form().c_str(), plan.discard);
+    if (code != ZV_OK)
+        stop_failed(card, plan, fmt::format("The request could not be made{}.", library_reason(code)));
+    std::string text(result.data(), strnlen(result.data(), result.size()));
+    if (text.size() == ZV_REQUEST_SIZE - 1)
+        stop_failed(card, plan, "The request came out longer than 16,382 characters and was cut.");
+    if (modulus_of_request(text).empty()) stop_failed(card, plan, "What came out is no request.");
+    return text;
+}
+
+std::string next_steps(const RequestOptions& options) {
+    const std::string file = options.out.empty() ? "REQUEST" : options.out;
+    return fmt::format("Send it to the authority. When the certificate comes:\n"
+                       "  zvrenew install CERTIFICATE --request {}",
+                       file);
+}
+
+Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options) {
+    Report report;
+    report.json = card_json(card);
+    report.json["kind"] = kind_name(options.kind);
+    report.json["renews"] = plan.old.id;
+    report.json["pair"] = plan.pair;
+    report.json["pair_reused"] = plan.reuse;
+    report.json["subject"] = name_json(plan.subject);
+    const std::string saved = options.out.empty() ? "" : fmt::format("Saved as {}\n", options.out);
+    report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}\n{}{}",
+                              kind_name(options.kind), plan.old.id, plan.reuse ? "waiting" : "new", plan.pair,
+                              plan.subject.readable(), saved, next_steps(options));
+    return report;
+}
+
+} // namespace
+
+Report run_request(const RequestOptions& options) {
+    std::optional<DistinguishedName> subject = given_subject(options);
+    std::optional<NewFile> out;
+    if (!options.out.empty()) out.emplace(options.out);
+    OpenedCard card = open_card(options, Use::changing);
+    const CardView view = view_card(card);
+    const Inventory inventory = read_inventory(card, view);
+    const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
+    say_what_comes(plan);
+    const std::string text = make_request(card, plan, options.kind);
+    Report report = report_on(card, plan, options);
+    if (out) {
+        out->save(text);
+        report.json["file"] = options.out;
+    } else {
+        report.json["request"] = text;
+        report.payload = text;
+    }
+    return report;
+}
+
+} // namespace cli

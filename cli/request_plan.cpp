@@ -1,0 +1,110 @@
+#include "request_plan.h"
+
+#include "outcome.h"
+#include "zvRenew.h"
+
+#include <ctime>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+// The crypto library gives names of up to this many bytes; a longer one comes cut.
+constexpr std::size_t longest_record_name = 511;
+
+constexpr const char* say_subject = "Give the subject of the request with --subject.";
+
+CertificateRecord certificate_to_renew(const RequestOptions& options, const Inventory& inventory) {
+    const CertificateRecord* found = options.certificate.empty()
+                                         ? inventory.current(options.kind)
+                                         : inventory.find(options.kind, options.certificate);
+    if (found != nullptr) return *found;
+    const std::string id = options.certificate.empty() ? "" : " " + options.certificate;
+    throw Stop(Exit::refused,
+               fmt::format("There is no {} certificate{} on the card.", kind_name(options.kind), id),
+               "See what there is with: zvrenew list");
+}
+
+void stop_unless_due(const RequestOptions& options, const CertificateRecord& old) {
+    const std::time_t now = std::time(nullptr);
+    if (options.force || ends_within(old.ends, options.days, now)) return;
+    throw Stop(
+        Exit::nothing_due,
+        fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.", kind_name(options.kind),
+                    old.id, day_of(old.ends), days_until(old.ends, now)),
+        fmt::format("It is due {} days before. To renew it now all the same, give --force.", options.days));
+}
+
+DistinguishedName requestable(DistinguishedName subject, const char* whose) {
+    if (const std::string reason = subject.why_not_requestable(); !reason.empty())
+        throw Stop(Exit::refused, fmt::format("{} cannot go into a request: {}.", whose, reason),
+                   say_subject);
+    return subject;
+}
+
+DistinguishedName subject_of(const CertificateRecord& old) {
+    const bool cut = old.subject_text.size() >= longest_record_name;
+    const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
+    if (cut || !old.subject_text.starts_with(begin))
+        throw Stop(Exit::refused, "The subject of the certificate cannot be read whole.", say_subject);
+    return requestable(old.subject, "The subject of the certificate");
+}
+
+[[noreturn]] void stop_none_free(Kind kind, const std::string& series) {
+    throw Stop(
+        Exit::refused,
+        fmt::format("No identifier is free for a new {0} key: {1}3, {1}4 and {1}5 are taken.",
+                    kind_name(kind), series),
+        "Remove a certificate that is no longer needed, with its keys, using the card's own software.");
+}
+
+// The library calls an identifier free when no public key has it. A certificate or private key under it would
+// be renewed in place of a new pair, so those count here too.
+std::string free_identifier(Kind kind, const Inventory& inventory, const CardView& view) {
+    const Proposal& proposal = kind == Kind::signature ? inventory.signature : inventory.authentication;
+    const std::string series = kind == Kind::signature ? "DS" : "AUTHCertificate";
+    if (proposal.none_free) stop_none_free(kind, series);
+    for (const std::string& id : {proposal.id, series + "3", series + "4", series + "5"})
+        if (!id.empty() && !view.has(id)) return id;
+    stop_none_free(kind, series);
+}
+
+void refuse_ambiguous(const std::string& pair, const CardView& view) {
+    if (pair.size() > ZV_PENDING_LABEL_MAX)
+        throw Stop(Exit::refused, fmt::format("The identifier {} is too long to be worked with.", pair));
+    if (const auto others = view.others_containing(pair); !others.empty())
+        throw Stop(
+            Exit::refused,
+            fmt::format("The identifier {} is part of {} on the card: another key could be taken for the "
+                        "new one.",
+                        pair, fmt::join(others, ", ")));
+}
+
+} // namespace
+
+std::optional<DistinguishedName> given_subject(const RequestOptions& options) {
+    if (options.subject.empty()) return std::nullopt;
+    return requestable(DistinguishedName::from_user(options.subject), "The subject");
+}
+
+RequestPlan plan_request(const RequestOptions& options, const Inventory& inventory, const CardView& view,
+                         std::optional<DistinguishedName> subject) {
+    RequestPlan plan;
+    plan.old = certificate_to_renew(options, inventory);
+    stop_unless_due(options, plan.old);
+    plan.subject = subject ? std::move(*subject) : subject_of(plan.old);
+    if (view.find(CKO_PRIVATE_KEY, plan.old.id) == nullptr)
+        throw Stop(Exit::refused,
+                   fmt::format("The key of the certificate {} is not on the card.", plan.old.id));
+    const WaitingPair* waiting = inventory.waiting_pair(options.kind);
+    plan.pair = waiting != nullptr ? waiting->id : free_identifier(options.kind, inventory, view);
+    plan.discard = waiting != nullptr && options.new_pair;
+    plan.reuse = waiting != nullptr && !options.new_pair;
+    if (waiting != nullptr && view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
+        throw Stop(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
+    refuse_ambiguous(plan.pair, view);
+    return plan;
+}
+
+} // namespace cli

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "card_view.h"
+#include "inventory.h"
+#include "options.h"
+
+#include <optional>
+#include <string>
+
+namespace cli {
+
+/// What a request is going to do to the card; made before anything is done.
+struct RequestPlan {
+    CertificateRecord old; ///< the certificate being renewed, whose key signs the request
+    DistinguishedName subject;
+    std::string pair;     ///< identifier of the new pair
+    bool reuse = false;   ///< the pair is on the card already
+    bool discard = false; ///< the pair is on the card, to be replaced by a new one under its identifier
+};
+
+/// The subject given with --subject, checked before anything is asked; none when none was given.
+/// @throws Stop
+[[nodiscard]] std::optional<DistinguishedName> given_subject(const RequestOptions& options);
+
+/**
+ * Decides what to renew and under which identifier, and refuses what would go wrong on the card.
+ *
+ * @throws Stop; with Exit::nothing_due when the certificate is not due
+ */
+[[nodiscard]] RequestPlan plan_request(const RequestOptions& options, const Inventory& inventory,
+                                       const CardView& view, std::optional<DistinguishedName> subject);
+
+} // namespace cli
