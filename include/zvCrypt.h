@@ -11,9 +11,9 @@
  *  3. A null argument is ZVC_ERR_ARGUMENT and touches nothing else.
  *  4. Each operation forgets the reason of the failure before it and keeps its own for kvLastError, in
  * Italian; kvLastError itself, kvIsCNSINCARD, kvIsTOUCHSIGN, Sha1Digest and writeBuff leave it as it is.
- *  5. Files are opened without following a link in their last component. An output file is created anew with
- * mode 0600, after a leftover of that name is removed (a link itself, never its target); after a failure
- * there is none.
+ *  5. Files are opened without following a link in their last component. An output file is created once the
+ * input is open: anew, with mode 0600, after a leftover of that name is removed (a link itself, never its
+ * target). A failure from then on leaves none; one before leaves what has the name.
  *  6. The session, the flags of the last card and the last reason belong to the process; calls must not
  * overlap.
  *  7. No text and no file ever holds the PIN, and no copy of it is kept.
@@ -206,8 +206,9 @@ ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, c
  * @param[in] outPath   result; not the input file
  * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_NOT_LOGGED_IN; ZVC_ERR_HASH; ZVC_ERR_INPUT; ZVC_ERR_OUTPUT;
  * ZVC_ERR_KEY; ZVC_ERR_CERTIFICATE; ZVC_ERR_SIGNATURE; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
- * ZVC_ERR_MODULE_ANSWER After a failure: there is no result file; the session stays as it is. Standard: RFC
- * 5652 (SignedData), RFC 5035 (signing-certificate-v2), ETSI EN 319 122-1, RFC 8017 (PKCS#1 v1.5).
+ * ZVC_ERR_MODULE_ANSWER After a failure: no result file is left (convention 5); the session stays as it is.
+ * Standard: RFC 5652 (SignedData), RFC 5035 (signing-certificate-v2), ETSI EN 319 122-1, RFC 8017 (PKCS#1
+ * v1.5).
  */
 ZVCRYPT_API int kvSignFile(const char* keyId, const char* hashName, const char* inPath, const char* outPath);
 
@@ -219,7 +220,7 @@ ZVCRYPT_API int kvSignFile(const char* keyId, const char* hashName, const char* 
  * @param[in] mode     "e" to encode, in lines of 64 characters that each end with a line feed; "d" to decode
  * a text of which blanks and line ends do not count
  * @return 0; ZVC_ERR_MODE; ZVC_ERR_INPUT; ZVC_ERR_OUTPUT; ZVC_ERR_BASE64
- * After a failure: there is no result file.
+ * After a failure: no result file is left (convention 5).
  * Standard: RFC 4648, section 4.
  */
 ZVCRYPT_API int kvFileToBase64(char* inPath, char* outPath, const char* mode);

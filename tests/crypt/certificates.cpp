@@ -1,0 +1,104 @@
+#include "certificates.h"
+
+#include <openssl/bn.h>
+#include <openssl/conf.h>
+#include <openssl/ec.h>
+#include <openssl/pkcs7.h>
+#include <openssl/x509v3.h>
+
+#include <stdexcept>
+
+namespace test {
+namespace {
+
+void require(bool done) {
+    if (!done) throw std::runtime_error("the test's certificate cannot be made");
+}
+
+void addExtensions(X509& certificate, const std::string& lines, X509* issuer) {
+    const std::string text = "[ext]\n" + lines + "\n";
+    const std::unique_ptr<BIO, decltype(&BIO_free)> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
+    const std::unique_ptr<CONF, decltype(&NCONF_free)> conf(NCONF_new(nullptr), NCONF_free);
+    long line = 0;
+    require(NCONF_load_bio(conf.get(), source.get(), &line) > 0);
+    X509V3_CTX context;
+    X509V3_set_ctx(&context, issuer, &certificate, nullptr, nullptr, 0);
+    X509V3_set_nconf(&context, conf.get());
+    require(X509V3_EXT_add_nconf(conf.get(), &context, "ext", &certificate) == 1);
+}
+
+void setSerial(X509& certificate, const std::string& hex) {
+    BIGNUM* number = nullptr;
+    require(BN_hex2bn(&number, hex.c_str()) > 0);
+    const std::unique_ptr<BIGNUM, decltype(&BN_free)> owner(number, BN_free);
+    require(BN_to_ASN1_INTEGER(number, X509_get_serialNumber(&certificate)) != nullptr);
+}
+
+} // namespace
+
+Certificate make(const Shape& shape) {
+    Certificate made{{X509_new(), X509_free}, shape.key, {}};
+    if (!made.key) made.key = {EVP_EC_gen("P-256"), EVP_PKEY_free};
+    X509* it = made.x509.get();
+    require(X509_set_version(it, X509_VERSION_3) == 1 && X509_set_pubkey(it, made.key.get()) == 1);
+    setSerial(*it, shape.serial);
+    require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.notBefore.c_str()) == 1);
+    require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.notAfter.c_str()) == 1);
+    for (const auto& [type, value, form] : shape.subject)
+        require(X509_NAME_add_entry_by_txt(X509_get_subject_name(it), type.c_str(), form,
+                                           reinterpret_cast<const unsigned char*>(value.data()),
+                                           static_cast<int>(value.size()), -1, 0) == 1);
+    X509* issuer = shape.issuer == nullptr ? it : shape.issuer->x509.get();
+    require(X509_set_issuer_name(it, X509_get_subject_name(issuer)) == 1);
+    if (!shape.extensions.empty()) addExtensions(*it, shape.extensions, issuer);
+    EVP_PKEY* signingKey = shape.issuer == nullptr ? made.key.get() : shape.issuer->key.get();
+    require(X509_sign(it, signingKey, EVP_sha256()) > 0);
+    made.der = derOf(*it);
+    return made;
+}
+
+Certificate makeAuthority(const std::string& name, const Certificate* issuer) {
+    Shape shape;
+    shape.subject = {{"C", "IT"}, {"CN", name}};
+    shape.extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign";
+    shape.issuer = issuer;
+    return make(shape);
+}
+
+Bytes derOf(X509& certificate) {
+    Bytes der(static_cast<std::size_t>(i2d_X509(&certificate, nullptr)));
+    unsigned char* end = der.data();
+    (void)i2d_X509(&certificate, &end);
+    return der;
+}
+
+std::string base64(const Bytes& bytes) {
+    std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
+    (void)EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(),
+                          static_cast<int>(bytes.size()));
+    text.pop_back();
+    return text;
+}
+
+std::string pem(const Bytes& bytes, const std::string& label) {
+    std::string text = "-----BEGIN " + label + "-----\n";
+    const std::string body = base64(bytes);
+    for (std::size_t start = 0; start < body.size(); start += 64)
+        text += body.substr(start, 64) + "\n";
+    return text + "-----END " + label + "-----\n";
+}
+
+Bytes bundle(const std::vector<Certificate>& certificates) {
+    const std::unique_ptr<PKCS7, decltype(&PKCS7_free)> it(PKCS7_new(), PKCS7_free);
+    require(PKCS7_set_type(it.get(), NID_pkcs7_signed) == 1 &&
+            PKCS7_content_new(it.get(), NID_pkcs7_data) == 1);
+    (void)PKCS7_set_detached(it.get(), 1);
+    for (const auto& certificate : certificates)
+        require(PKCS7_add_certificate(it.get(), certificate.x509.get()) == 1);
+    Bytes der(static_cast<std::size_t>(i2d_PKCS7(it.get(), nullptr)));
+    unsigned char* end = der.data();
+    (void)i2d_PKCS7(it.get(), &end);
+    return der;
+}
+
+} // namespace test
