@@ -61,6 +61,7 @@ Certificate makeAuthority(const std::string& name, const Certificate* issuer) {
     Shape shape;
     shape.subject = {{"C", "IT"}, {"CN", name}};
     shape.extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign";
+    shape.serial = "01"; // issuer and serial number tell a certificate apart, its own issuer's too
     shape.issuer = issuer;
     return make(shape);
 }

@@ -29,7 +29,7 @@ struct Shape {
     std::string extensions = "basicConstraints = CA:FALSE";
     std::string serial = "0A01";
     std::string notBefore = "20240131010203Z";
-    std::string notAfter = "20301231235959Z";
+    std::string notAfter = "20991231235959Z";
     const Certificate* issuer = nullptr; // itself without one
     KeyPtr key;                          // a new one of its own without one
 };

@@ -18,9 +18,10 @@ void freeAll(STACK_OF(X509) * all) {
     sk_X509_pop_free(all, X509_free);
 }
 
-// A signed file, read back with OpenSSL. Constructing it checks that it is whole, canonical and verifies.
+// A signed file, read back with OpenSSL, for whom only that authority is trusted. It must be whole and
+// canonical.
 struct Signed {
-    explicit Signed(const std::string& bytes) {
+    Signed(const std::string& bytes, const test::Certificate& trusted) {
         const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
         const unsigned char* end = start;
         cms.reset(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(bytes.size())), CMS_ContentInfo_free);
@@ -33,8 +34,10 @@ struct Signed {
         certificates.reset(CMS_get1_certs(cms.get()), freeAll);
         signer = sk_CMS_SignerInfo_value(CMS_get0_SignerInfos(cms.get()), 0);
         const std::shared_ptr<BIO> text(BIO_new(BIO_s_mem()), BIO_free);
-        verifies = CMS_verify(cms.get(), nullptr, nullptr, nullptr, text.get(),
-                              CMS_CADES | CMS_BINARY | CMS_NO_SIGNER_CERT_VERIFY) == 1;
+        const std::shared_ptr<X509_STORE> store(X509_STORE_new(), X509_STORE_free);
+        (void)X509_STORE_add_cert(store.get(), trusted.x509.get());
+        verifies =
+            CMS_verify(cms.get(), nullptr, store.get(), nullptr, text.get(), CMS_CADES | CMS_BINARY) == 1;
         char* data = nullptr;
         const long length = BIO_get_mem_data(text.get(), &data);
         content.assign(data, static_cast<std::size_t>(length));
@@ -101,7 +104,7 @@ class Sign : public test::Scratch {
     int signText(const std::string& text, const char* key = "DS0", const char* hash = "SHA256") {
         return kvSignFile(key, hash, write("in", text).c_str(), path("out").c_str());
     }
-    Signed result() { return Signed(content(path("out"))); }
+    Signed result() { return {content(path("out")), authority}; }
 
     std::optional<test::Token> token;
     test::Certificate authority;

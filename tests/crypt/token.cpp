@@ -4,6 +4,7 @@
 #include <openssl/core_names.h>
 #include <openssl/param_build.h>
 
+#include <array>
 #include <cstring>
 #include <dlfcn.h>
 #include <fstream>
@@ -62,9 +63,13 @@ Token::Token(const std::filesystem::path& folder) : handle_(::dlopen(SOFTHSM_MOD
     std::string label = "card";
     label.resize(32, ' ');
     require(list_->C_InitToken(slot_, bytes(officerPin), 8, bytes(label.c_str())));
-    count = 1;
-    (void)list_->C_GetSlotList(CK_TRUE, &slot_,
-                               &count); // the initialised token comes first, the blank one last
+    // Only from the next start on does the slot bear the number that stays. The blank token's comes last.
+    release();
+    require(list_->C_Initialize(nullptr));
+    std::array<CK_SLOT_ID, 4> slots{};
+    count = slots.size();
+    require(list_->C_GetSlotList(CK_TRUE, slots.data(), &count));
+    slot_ = slots[0];
     require(list_->C_OpenSession(slot_, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session_));
     require(list_->C_Login(session_, CKU_SO, bytes(officerPin), 8));
     require(list_->C_InitPIN(session_, bytes(userPin), std::strlen(userPin)));
