@@ -2,6 +2,7 @@
 
 #include "simcard/authority/errors.h"
 #include "simcard/authority/name.h"
+#include "simcard/module/hexadecimal.h"
 #include "simcard/tool/token_session.h"
 
 #include <algorithm>
@@ -29,13 +30,7 @@ std::string class_name(CK_OBJECT_CLASS object_class) {
 
 std::string text_or_hexadecimal(const std::string& bytes) {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; })) return bytes;
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text = "0x";
-    for (const char c : bytes) {
-        text += digits[static_cast<unsigned char>(c) >> 4];
-        text += digits[static_cast<unsigned char>(c) & 15];
-    }
-    return text;
+    return "0x" + hexadecimal(bytes);
 }
 
 std::string day_of(const ASN1_TIME& time) {
@@ -75,7 +70,7 @@ ObjectView view_of(TokenSession& token, CK_OBJECT_HANDLE object) {
 
 std::vector<ObjectView> view_objects(const Card& card, const std::string& pin) {
     const SoftHsm hsm(card.folder.parent_path());
-    TokenSession token(hsm, card.token);
+    TokenSession token(hsm, card);
     if (!pin.empty() && !token.login(pin)) throw Refusal("That is not the card's PIN.");
     std::vector<ObjectView> views;
     for (const CK_OBJECT_HANDLE object : token.objects())

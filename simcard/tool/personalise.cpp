@@ -52,7 +52,7 @@ void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair,
 void store_objects(const fs::path& tokens, const Card& card, const CardPlan& plan, const Authority& authority,
                    KeySource& keys) {
     const SoftHsm hsm(tokens);
-    TokenSession token(hsm, card.token);
+    TokenSession token(hsm, card);
     if (!token.login(plan.pin)) throw Failure("The new card does not take its PIN.");
     for (const PairPlan& pair : plan.profile->pairs)
         store_pair(token, plan, pair, authority, *keys.next());

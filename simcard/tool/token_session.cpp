@@ -1,5 +1,7 @@
 #include "simcard/tool/token_session.h"
 
+#include "simcard/module/object_order.h"
+
 #include <openssl/crypto.h>
 
 namespace simcard {
@@ -11,8 +13,8 @@ void check(CK_RV result, const char* step) {
 
 } // namespace
 
-TokenSession::TokenSession(const SoftHsm& hsm, const std::string& token) : hsm_(hsm) {
-    const auto slot = hsm_.slot_of(token);
+TokenSession::TokenSession(const SoftHsm& hsm, const Card& card) : hsm_(hsm), folder_(card.folder) {
+    const auto slot = hsm_.slot_of(card.token);
     if (!slot) throw CardProblem("The card's token is missing or damaged.");
     check(hsm_->C_OpenSession(*slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session_),
           "open a session");
@@ -34,6 +36,7 @@ bool TokenSession::login(std::string pin) {
 void TokenSession::create(Attributes object) {
     CK_OBJECT_HANDLE handle = 0;
     check(hsm_->C_CreateObject(session_, object.data(), object.size(), &handle), "store an object");
+    add_object(folder_, fingerprint(*hsm_.get(), session_, handle));
 }
 
 std::vector<CK_OBJECT_HANDLE> TokenSession::objects() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simcard/common/card.h"
 #include "simcard/common/softhsm.h"
 #include "simcard/tool/attributes.h"
 
@@ -12,8 +13,8 @@ namespace simcard {
 /// A read-write session with a token, straight at SoftHSM: no PIN try is counted here. Closed at the end.
 class TokenSession {
   public:
-    /// Opens the token with that serial number of SoftHSM's own. @throws CardProblem
-    TokenSession(const SoftHsm& hsm, const std::string& token);
+    /// Opens a card's token. @throws CardProblem
+    TokenSession(const SoftHsm& hsm, const Card& card);
     ~TokenSession();
     TokenSession(const TokenSession&) = delete;
     TokenSession& operator=(const TokenSession&) = delete;
@@ -21,7 +22,7 @@ class TokenSession {
     /// Logs the user in; false when the PIN is wrong. @throws CardProblem
     [[nodiscard]] bool login(std::string pin);
 
-    /// Stores an object. @throws CardProblem
+    /// Stores an object, as the card's last one. @throws CardProblem
     void create(Attributes object);
 
     /// The objects that the session sees. @throws CardProblem
@@ -32,6 +33,7 @@ class TokenSession {
 
   private:
     const SoftHsm& hsm_;
+    std::filesystem::path folder_;
     CK_SESSION_HANDLE session_ = 0;
 };
 

@@ -52,7 +52,7 @@ TEST(CardTest, HoldsItsProfilesObjects) {
     EXPECT_THROW((void)view_objects(card, "0000"), Refusal);
 
     const SoftHsm hsm(cards.path());
-    TokenSession token(hsm, card.token);
+    TokenSession token(hsm, card);
     ASSERT_TRUE(token.login(default_pin));
     EXPECT_EQ(read(token, CKO_PRIVATE_KEY, "DS0", CKA_PRIVATE_EXPONENT), "(not shown)");
     EXPECT_EQ(read(token, CKO_PRIVATE_KEY, "DS0", CKA_MODULUS),
@@ -65,7 +65,7 @@ TEST(CardTest, HasCertificatesForItsHolderFromTheAuthority) {
     TestCards cards;
     const Card card = cards.make({.serial = "77", .signature_days = 12});
     const SoftHsm hsm(cards.path());
-    TokenSession token(hsm, card.token);
+    TokenSession token(hsm, card);
     const std::string der = read(token, CKO_CERTIFICATE, "DS0", CKA_VALUE);
     const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
     const Certificate certificate(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
@@ -85,7 +85,7 @@ TEST(CardTest, HasCertificatesForItsHolderFromTheAuthority) {
 
 void change_everything(const TestCards& cards, const Card& card) {
     const SoftHsm hsm(cards.path());
-    TokenSession token(hsm, card.token);
+    TokenSession token(hsm, card);
     ASSERT_TRUE(token.login(default_pin));
     Attributes marker;
     marker.add_number(CKA_CLASS, CKO_DATA)

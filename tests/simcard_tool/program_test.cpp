@@ -18,8 +18,10 @@ struct Outcome {
 
 class ProgramTest : public testing::Test {
   protected:
-    static Outcome run(const std::string& arguments) {
-        FILE* pipe = ::popen((ZVSIMCARD_TOOL " " + arguments + " 2>&1").c_str(), "r");
+    static Outcome run(const std::string& arguments) { return shell(ZVSIMCARD_TOOL " " + arguments); }
+
+    static Outcome shell(const std::string& command) {
+        FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
         std::string text;
         std::array<char, 512> piece{};
         while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe))
@@ -54,6 +56,14 @@ TEST_F(ProgramTest, TakesACardThroughItsLife) {
     EXPECT_EQ(run("reset demo").code, 0);
     EXPECT_EQ(run("remove demo").code, 0);
     EXPECT_FALSE(fs::exists(cards.path() / "demo"));
+}
+
+TEST_F(ProgramTest, MakesACardThatShowsItsObjectsInOneOrder) {
+    (void)cards.make();
+    const Outcome shown =
+        shell("pkcs11-tool --module " ZVSIMCARD_MODULE " -O -l --pin 12345678 | sed -n 's/  label: *//p'");
+    EXPECT_EQ(shown.text,
+              "DS0\nDS0\nDS0\nAUTHCertificate0\nAUTHCertificate0\nAUTHCertificate0\nKorvalenta Firma Dig\n");
 }
 
 TEST_F(ProgramTest, TellsRefusedFromWrongUsageAndFailed) {
