@@ -13,7 +13,9 @@ set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/
 
 install(TARGETS zvRenew min_zvCrypt EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
 install(TARGETS zvrenew COMPONENT runtime)
-install(TARGETS zvsimcard zvsimcard-tool COMPONENT simcard EXCLUDE_FROM_ALL)
+install(TARGETS zvsimcard zvsimcard-tool
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT simcard EXCLUDE_FROM_ALL
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT simcard EXCLUDE_FROM_ALL)
 if(APPLE)
   install(FILES ${PROJECT_BINARY_DIR}/lib/libzvRenew.dylib DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 endif()
