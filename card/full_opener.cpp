@@ -51,8 +51,9 @@ int loadModule(const char* path) {
     if (::dlsym(zv::hModule, "C_GetFunctionList") == nullptr) {
         zv::takeFunctionList();
         ::dlerror();
-        formatMessage("Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
-                      ::dlerror());
+        formatMessage(
+            "Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
+            ::dlerror());
         return FAILED;
     }
     if (!zv::takeFunctionList())
@@ -61,7 +62,8 @@ int loadModule(const char* path) {
     zv::trace(TITLE, "C_Initialize");
     rv = zv::call<&zv::Functions::C_Initialize>(nullptr);
     if (rv != CKR_OK)
-        return fail("C_Initialize", "Errore nella inizializzazione della libreria di gestione della smartcard (%s)");
+        return fail("C_Initialize",
+                    "Errore nella inizializzazione della libreria di gestione della smartcard (%s)");
     return 0;
 }
 

@@ -48,8 +48,8 @@ bool moduleAnswers() {
 
 CK_RV openSession(CK_SLOT_ID slot) {
     CK_SESSION_HANDLE opened = 0;
-    const CK_RV result =
-        call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION}, nullptr, nullptr, &opened);
+    const CK_RV result = call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION},
+                                                         nullptr, nullptr, &opened);
     if (result == CKR_OK) hSession = opened;
     return result;
 }

@@ -19,7 +19,8 @@ extern CK_SLOT_ID slotID;                      ///< slot of the current session
 extern CK_RV rv;                               ///< result of the last PKCS#11 call
 extern CK_SLOT_ID vettoreSlotID[CACHED_SLOTS]; ///< slot identifier by slot index; 0: not looked up yet
 
-/** Loads a module; null when it does not load. An empty path never does: dlopen would open the host program. */
+/** Loads a module; null when it does not load. An empty path never does: dlopen would open the host program.
+ */
 void* openModule(const char* path);
 
 /** The function list that a loaded module gives; null when it gives none. */

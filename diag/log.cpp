@@ -38,7 +38,8 @@ File openLog() {
 template <std::size_t N> void formatTime(char (&prefix)[N], const char* format) {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    if (::localtime_r(&now, &local) == nullptr || std::strftime(prefix, N, format, &local) == 0) prefix[0] = '\0';
+    if (::localtime_r(&now, &local) == nullptr || std::strftime(prefix, N, format, &local) == 0)
+        prefix[0] = '\0';
 }
 
 // What the log held is given up: the companion file is only ever created empty.
@@ -49,8 +50,8 @@ void emptyLog(std::FILE* log, const char* prefix) {
     openPlain(companion, O_WRONLY | O_CREAT | O_TRUNC, "w");
     if (::ftruncate(::fileno(log), 0) != 0) return;
     std::fseek(log, 0, SEEK_END);
-    for (const char* line : {"----------------------------------", "zvRenew", ZV_VERSION,
-                             "----------------------------------"})
+    for (const char* line :
+         {"----------------------------------", "zvRenew", ZV_VERSION, "----------------------------------"})
         std::fprintf(log, "%s%s\n", prefix, line);
 }
 

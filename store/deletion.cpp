@@ -28,10 +28,14 @@ struct ClassName {
 
 ClassName nameOf(CK_OBJECT_CLASS objectClass) {
     switch (objectClass) {
-    case CKO_PRIVATE_KEY: return {"CKO_PRIVATE_KEY", 0};
-    case CKO_PUBLIC_KEY: return {"CKO_PUBLIC_KEY", 0};
-    case CKO_CERTIFICATE: return {"CKO_CERTIFICATE", 0};
-    default: return {"object_class", objectClass};
+    case CKO_PRIVATE_KEY:
+        return {"CKO_PRIVATE_KEY", 0};
+    case CKO_PUBLIC_KEY:
+        return {"CKO_PUBLIC_KEY", 0};
+    case CKO_CERTIFICATE:
+        return {"CKO_CERTIFICATE", 0};
+    default:
+        return {"object_class", objectClass};
     }
 }
 
@@ -45,7 +49,8 @@ void logObject(const ClassName& found, const char* before, const char* after, co
 }
 
 // A failed destroy never stops the scan.
-void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass, const char* text) {
+void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass,
+             const char* text) {
     const ClassName found = nameOf(objectClass);
     logObject(found, "Trovato Oggetto ", "", "");
     if (zv::destroyObject(session, object) == CKR_OK)

@@ -1,4 +1,5 @@
-// Data objects that mark a services card: written by a request, removed once its certificate is stored. Nothing is logged.
+// Data objects that mark a services card: written by a request, removed once its certificate is stored.
+// Nothing is logged.
 #include <cstring>
 #include <string_view>
 
@@ -26,16 +27,16 @@ CK_RV findFirst(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG entries,
 
 } // namespace
 
-unsigned int DataStore(unsigned long session, const char* label, const char* value, const char*, bool modifiable,
-                       bool isPrivate) {
+unsigned int DataStore(unsigned long session, const char* label, const char* value, const char*,
+                       bool modifiable, bool isPrivate) {
     const std::string_view name = zv::orEmpty(label), text = zv::orEmpty(value);
     if (text.size() > MOST_VALUE || text.empty() || name.size() > MOST_LABEL) return REFUSED;
     const CK_OBJECT_CLASS data = CKO_DATA;
     const CK_BBOOL onToken = CK_TRUE, changeable = modifiable, hidden = isPrivate;
     CK_ATTRIBUTE tmpl[] = {
-        zv::attributeOf(CKA_CLASS, data),           zv::attribute(CKA_LABEL, name),
-        zv::attributeOf(CKA_PRIVATE, hidden),       zv::attributeOf(CKA_MODIFIABLE, changeable),
-        zv::attributeOf(CKA_TOKEN, onToken),        zv::attribute(CKA_VALUE, text),
+        zv::attributeOf(CKA_CLASS, data),     zv::attribute(CKA_LABEL, name),
+        zv::attributeOf(CKA_PRIVATE, hidden), zv::attributeOf(CKA_MODIFIABLE, changeable),
+        zv::attributeOf(CKA_TOKEN, onToken),  zv::attribute(CKA_VALUE, text),
     };
     CK_OBJECT_HANDLE object = 0;
     if (findFirst(session, tmpl, 5, object) != CKR_OK) return static_cast<unsigned int>(zv::rv);

@@ -31,12 +31,12 @@ CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRI
     std::memset(buffer, 0, size);
     CK_ATTRIBUTE entry = {type, buffer, size};
     rv = call<&Functions::C_GetAttributeValue>(session, object, &entry, CK_ULONG{1});
-    const bool given = rv == CKR_OK && entry.ulValueLen != CK_UNAVAILABLE_INFORMATION;
-    length = given ? std::min<std::size_t>(entry.ulValueLen, size) : 0;
+    length = rv == CKR_OK ? std::min<std::size_t>(entry.ulValueLen, size) : 0;
     return rv;
 }
 
-CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, CK_ULONG& number) {
+CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
+                 CK_ULONG& number) {
     std::size_t length = 0;
     readAttribute(session, object, type, &number, sizeof number, length);
     if (length < sizeof number) number = 0;

@@ -7,8 +7,8 @@
 #include "pkcs11.h"
 
 /**
- * Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries of their own.
- * Each leaves the PKCS#11 result in zv::rv.
+ * Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries
+ * of their own. Each leaves the PKCS#11 result in zv::rv.
  */
 namespace zv {
 
@@ -36,14 +36,15 @@ class SearchGuard {
 };
 
 /**
- * Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and 0 after a
- * failure.
+ * Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and
+ * 0 after a failure.
  */
 CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
                     std::size_t size, std::size_t& length);
 
 /** Reads a number, such as a class; 0 after a failure. */
-CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, CK_ULONG& number);
+CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
+                 CK_ULONG& number);
 
 /** Reads a text of at most N - 1 bytes. */
 template <std::size_t N>

@@ -11,7 +11,8 @@ namespace {
 
 constexpr int FAILED = 1;
 
-// Destroys the next object of the open search that carries the pending prefix. destroyed is false when none is left.
+// Destroys the next object of the open search that carries the pending prefix. destroyed is false when none
+// is left.
 CK_RV destroyNextPending(char* title, bool& destroyed) {
     for (destroyed = false; !destroyed;) {
         CK_OBJECT_HANDLE object = 0;

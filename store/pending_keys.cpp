@@ -31,9 +31,11 @@ int examine(CK_OBJECT_HANDLE object) {
     if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK)
         return failRead("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
     if (objectClass == CKO_PUBLIC_KEY)
-        return takeIfPending(object, zv::hPublicKey, "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
+        return takeIfPending(object, zv::hPublicKey,
+                             "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
     if (objectClass == CKO_PRIVATE_KEY)
-        return takeIfPending(object, zv::hPrivateKey, "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
+        return takeIfPending(object, zv::hPrivateKey,
+                             "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
     return 0;
 }
 

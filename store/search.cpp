@@ -38,7 +38,8 @@ CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* hand
 
 CK_RV FindObjectsFinal(void*, char* title, unsigned long session) {
     zv::traceSession(title, "C_FindObjectsFinal", session);
-    return reported(title, "C_FindObjectsFinal", zv::call<&zv::Functions::C_FindObjectsFinal>(session), zv::SEARCH_ERROR);
+    return reported(title, "C_FindObjectsFinal", zv::call<&zv::Functions::C_FindObjectsFinal>(session),
+                    zv::SEARCH_ERROR);
 }
 
 CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object, CK_ATTRIBUTE* tmpl,
@@ -46,14 +47,16 @@ CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long
     zv::traceSession(title, "C_GetAttributeValue", session);
     std::array<CK_ULONG, MOST_ENTRIES> room{};
     const std::size_t entries = std::min<std::size_t>(count, room.size());
-    for (std::size_t i = 0; i < entries; ++i) room[i] = tmpl[i].ulValueLen;
+    for (std::size_t i = 0; i < entries; ++i)
+        room[i] = tmpl[i].ulValueLen;
     const CK_RV result = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, count);
     for (std::size_t i = 0; result == CKR_OK && i < entries; ++i)
         if (tmpl[i].pValue != nullptr) tmpl[i].ulValueLen = std::min(tmpl[i].ulValueLen, room[i]);
     return reported(title, "C_GetAttributeValue", result, "Errore nella lettura chiave sulla smartcard (%s)");
 }
 
-unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count, unsigned long* object) {
+unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
+                           unsigned long* object) {
     static char title[] = " .... FindAnObject FUN               .... ";
     zv::traceSession(title, "C_FindObjectsInit", session);
     if (zv::startSearch(session, tmpl, count) != CKR_OK) {

@@ -34,6 +34,7 @@ char* strstrICase(const char* haystack, const char* needle) try {
 }
 
 int HexLen(char* buffer, int length) {
-    while (length > 0 && buffer[length - 1] == '\0') --length;
+    while (length > 0 && buffer[length - 1] == '\0')
+        --length;
     return length;
 }

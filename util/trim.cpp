@@ -15,11 +15,13 @@ template <typename Change> char* changeEach(char* text, Change change) {
 } // namespace
 
 char* _strupr(char* text) {
-    return changeEach(text, [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+    return changeEach(text,
+                      [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
 }
 
 char* _strlwr(char* text) {
-    return changeEach(text, [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    return changeEach(text,
+                      [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
 }
 
 char* VirgolaToPunto(char* text) {
@@ -29,7 +31,8 @@ char* VirgolaToPunto(char* text) {
 char* RTrim(char* text) {
     if (text == nullptr) return nullptr;
     std::size_t length = std::strlen(text);
-    while (length > 0 && text[length - 1] == ' ') --length;
+    while (length > 0 && text[length - 1] == ' ')
+        --length;
     text[length] = '\0';
     return text;
 }

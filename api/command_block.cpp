@@ -1,0 +1,160 @@
+#include "api/command_block.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "api/lines.h"
+#include "api/state.h"
+#include "card/detection.h"
+#include "routines.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
+namespace zv {
+
+namespace {
+
+constexpr std::string_view BEGIN = "BEGIN_STRING";
+constexpr std::string_view END = "END_STRING";
+
+constexpr std::size_t orgUnit(std::size_t index) {
+    return offsetof(REQRENIN, dn.orgUnit) + index * sizeof datiDN::orgUnit[0];
+}
+
+} // namespace
+
+#define ZV_KEY(key, field)                                                                                   \
+    { key, offsetof(REQRENIN, field), sizeof REQRENIN::field }
+#define ZV_NAME_KEY(key, field)                                                                              \
+    { key, offsetof(REQRENIN, dn.field), sizeof datiDN::field }
+#define ZV_UNIT_KEY(key, index)                                                                              \
+    { key, orgUnit(index), sizeof datiDN::orgUnit[0] }
+
+// Written in this order, and looked for in this order in every line.
+const BlockKey BLOCK[BLOCK_KEYS] = {
+    ZV_KEY("slot:", slot),
+    ZV_KEY("certificatelabel:", certificateLabel),
+    ZV_KEY("szdll:", szDll),
+    ZV_KEY("szpin:", szPin),
+    ZV_KEY("sztipocert:", szTipoCert),
+    ZV_KEY("ckeepkeys:", cKeepKeys),
+    ZV_KEY("pendinglabel:", pendingLabel),
+    ZV_KEY("szcertchain:", szCertChain),
+    ZV_NAME_KEY("commonname:", commonName),
+    ZV_NAME_KEY("country:", country),
+    ZV_NAME_KEY("description:", description),
+    ZV_NAME_KEY("dnqualifier:", dnQualifier),
+    ZV_NAME_KEY("email:", email),
+    ZV_NAME_KEY("givenname:", givenName),
+    ZV_NAME_KEY("organization:", organization),
+    ZV_UNIT_KEY("orgunit0:", 0),
+    ZV_UNIT_KEY("orgunit1:", 1),
+    ZV_UNIT_KEY("orgunit2:", 2),
+    ZV_UNIT_KEY("orgunit3:", 3),
+    ZV_UNIT_KEY("orgunit4:", 4),
+    ZV_NAME_KEY("sernum:", serialNumber),
+    ZV_NAME_KEY("surname:", surname),
+    ZV_NAME_KEY("locality:", locality),
+    ZV_NAME_KEY("title:", title),
+    ZV_NAME_KEY("pseudonym:", pseudonym),
+    ZV_NAME_KEY("stateOrProvince:", stateOrProvince),
+};
+
+#undef ZV_KEY
+#undef ZV_NAME_KEY
+#undef ZV_UNIT_KEY
+
+namespace {
+
+char* fieldOf(REQRENIN& record, const BlockKey& key) {
+    return reinterpret_cast<char*>(&record) + key.offset;
+}
+
+// A field of one character has no terminator.
+void setField(REQRENIN& record, const BlockKey& key, std::string_view value) {
+    char* field = fieldOf(record, key);
+    if (key.width == 1)
+        *field = value.empty() ? '\0' : value.front();
+    else
+        copyText(field, key.width, value);
+}
+
+} // namespace
+
+std::string_view fieldText(const REQRENIN& record, const BlockKey& key) {
+    return boundedText(fieldOf(const_cast<REQRENIN&>(record), key), key.width);
+}
+
+std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record) {
+    std::bitset<BLOCK_KEYS> found;
+    if (!block.starts_with(BEGIN)) return found;
+    block.remove_prefix(BEGIN.size());
+    std::string_view line, value;
+    while (nextLine(block, line) && line.find(END) == std::string_view::npos) {
+        for (std::size_t i = 0; i < BLOCK_KEYS; ++i) {
+            if (!valueBehind(line, BLOCK[i].key, value)) continue;
+            setField(record, BLOCK[i], value);
+            found.set(i);
+            break;
+        }
+    }
+    return found;
+}
+
+void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found) {
+    for (std::size_t i = 0; i < BLOCK_KEYS; ++i) {
+        if (!found[i]) continue;
+        const std::size_t offset = BLOCK[i].offset;
+        if (offset == offsetof(REQRENIN, certificateLabel))
+            copyText(certificateLabel, record.certificateLabel);
+        if (offset == offsetof(REQRENIN, pendingLabel)) copyText(pendingLabel, record.pendingLabel);
+        if (offset == offsetof(REQRENIN, cKeepKeys)) cKeepKeys = record.cKeepKeys;
+        if (i < FIRST_NAME_KEY) continue;
+        char* field = reinterpret_cast<char*>(&dName) + offset - offsetof(REQRENIN, dn);
+        copyText(field, BLOCK[i].width, fieldText(record, BLOCK[i]));
+    }
+}
+
+} // namespace zv
+
+namespace {
+
+// Adds to the library's request buffer; remembers when something did not fit.
+class BlockWriter {
+  public:
+    BlockWriter() { zv::szBufferRichiesta[0] = '\0'; }
+    BlockWriter& add(std::string_view text) {
+        fits_ = zv::appendText(zv::szBufferRichiesta, text) && fits_;
+        return *this;
+    }
+    [[nodiscard]] bool fits() const { return fits_; }
+
+  private:
+    bool fits_ = true;
+};
+
+} // namespace
+
+unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* certChain, char* pendingLabel,
+                               const char* certKind, const char* keepFlag) {
+    BlockWriter writer;
+    writer.add("BEGIN_STRING\nslot:")
+        .add(ItoA(zv::slot))
+        .add("\ncertificatelabel:")
+        .add(zv::orEmpty(certLabel));
+    writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:").add(zv::orEmpty(pin));
+    writer.add("\nsztipocert:").add(zv::orEmpty(certKind)).add("\nckeepkeys:").add(zv::orEmpty(keepFlag));
+    writer.add("\npendinglabel:")
+        .add(zv::orEmpty(pendingLabel))
+        .add("\nszcertchain:")
+        .add(zv::orEmpty(certChain));
+    REQRENIN values{};
+    values.dn = zv::dNameRen;
+    for (std::size_t i = zv::FIRST_NAME_KEY; i < zv::BLOCK_KEYS; ++i)
+        writer.add("\n").add(zv::BLOCK[i].key).add(zv::fieldText(values, zv::BLOCK[i]));
+    const unsigned long length = std::strlen(zv::szBufferRichiesta);
+    writer.add("\nEND_STRING\n");
+    if (writer.fits()) return length;
+    std::fill(std::begin(zv::szBufferRichiesta), std::end(zv::szBufferRichiesta), '\0');
+    return 0;
+}

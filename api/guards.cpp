@@ -1,0 +1,121 @@
+#include "api/guards.h"
+
+#include <cstring>
+
+#include "api/command_block.h"
+#include "api/lines.h"
+#include "api/state.h"
+#include "card/detection.h"
+#include "diag/log.h"
+#include "util/text.h"
+#include "util/wipe.h"
+
+namespace zv {
+
+namespace {
+
+constexpr std::string_view OWN_PAIR = "CNS0";
+constexpr std::string_view SERVICES_CARD = "CNS";
+constexpr std::size_t CERTIFICATE_TEXT_SIZE = 8192;
+
+int stop(const char* reason, int outcome = ZV_NOT_SENT) {
+    char line[640] = "Operazione non inviata: ";
+    appendText(line, reason);
+    scriviLog(line);
+    return outcome;
+}
+
+bool isPart(std::string_view part, std::string_view whole) {
+    return whole.find(part) != std::string_view::npos;
+}
+
+int guardReadable(const char* certificate) {
+    char text[CERTIFICATE_TEXT_SIZE] = {}, explanation[512] = {};
+    if (std::strlen(certificate) >= sizeof text)
+        return stop("il testo del certificato e' troppo lungo", ZV_FAILED);
+    writeBuff(const_cast<char*>(certificate), text);
+    text[sizeof text - 1] = '\0';
+    datiCert record{};
+    if (SplitCert(text, &record, explanation, sizeof explanation) == 0) return ZV_OK;
+    char reason[600] = "il certificato non e' leggibile: ";
+    appendText(reason, boundedText(explanation, sizeof explanation));
+    return stop(reason, ZV_FAILED);
+}
+
+// The values as a record holds them; what a field cannot hold is found by comparing with the values
+// themselves.
+struct BlockValue {
+    std::size_t key;
+    std::string_view value;
+    bool exact;
+};
+
+bool sameText(std::string_view given, std::string_view parsed, bool exact) {
+    return exact ? given == parsed : trimRight(given) == trimRight(parsed);
+}
+
+bool sameName(const REQRENIN& parsed) {
+    REQRENIN given{};
+    given.dn = dNameRen;
+    for (std::size_t i = FIRST_NAME_KEY; i < BLOCK_KEYS; ++i)
+        if (!sameText(fieldText(given, BLOCK[i]), fieldText(parsed, BLOCK[i]), false)) return false;
+    return true;
+}
+
+} // namespace
+
+int guardRequest(const RequestCall& call) {
+    const bool servicesCard = call.kind == SERVICES_CARD;
+    if (!servicesCard && call.pendingLabel.empty())
+        return stop("manca l'identificativo della coppia di chiavi pending");
+    if (!servicesCard && isPart(call.pendingLabel, call.keyId))
+        return stop("l'identificativo pending e' contenuto in quello della chiave in uso");
+    if (call.discardPending && call.pendingLabel == OWN_PAIR)
+        return stop("la coppia di chiavi propria della carta CNS verrebbe cancellata");
+    return ZV_OK;
+}
+
+int guardStoring(const StoringCall& call) {
+    if (call.pendingLabel.empty()) return stop("manca l'identificativo della coppia di chiavi pending");
+    if (call.pendingLabel != call.certLabel && isPart(call.pendingLabel, call.certLabel))
+        return stop("l'identificativo pending e' parte di quello del certificato da sostituire");
+    if (!call.deleteOld) return ZV_OK;
+    if (call.kind != SERVICES_CARD) {
+        if (isPart(call.certLabel, OWN_PAIR))
+            return stop("la coppia di chiavi propria della carta CNS verrebbe cancellata");
+        if (isPart(call.certLabel, call.pendingLabel))
+            return stop("la nuova coppia di chiavi verrebbe cancellata");
+    }
+    return guardReadable(call.certificate);
+}
+
+int guardBlock(std::string_view certLabel, std::string_view pin, std::string_view certificate,
+               std::string_view pendingLabel, std::string_view kind, std::string_view keepFlag) {
+    REQRENIN parsed{};
+    parseBlock(szBufferRichiesta, parsed);
+    const char slotDigit = static_cast<char>('0' + slot % 10);
+    const BlockValue values[] = {
+        {0, std::string_view(&slotDigit, 1), true},
+        {1, certLabel, false},
+        {2, Libreria, false},
+        {3, pin, true},
+        {4, kind, false},
+        {5, keepFlag, false},
+        {6, pendingLabel, false},
+        {7, certificate, false},
+    };
+    bool faithful = slot >= 0 && slot <= 9 && sameName(parsed);
+    for (const BlockValue& value : values)
+        faithful = faithful && sameText(value.value, fieldText(parsed, BLOCK[value.key]), value.exact);
+    wipe(&parsed, sizeof parsed);
+    return faithful ? ZV_OK : stop("il blocco di comando non riporta i dati ricevuti");
+}
+
+bool guardSecondLogin(int dumpResult) {
+    const auto result = static_cast<CK_RV>(static_cast<unsigned>(dumpResult));
+    if (result != CKR_PIN_INCORRECT && result != CKR_PIN_LOCKED && result != CKR_PIN_EXPIRED) return false;
+    stop("il PIN e' gia' stato rifiutato");
+    return true;
+}
+
+} // namespace zv

@@ -1,0 +1,40 @@
+#ifndef ZV_API_GUARDS_H
+#define ZV_API_GUARDS_H
+
+#include <string_view>
+
+#include "pkcs11.h"
+
+/**
+ * Stops before the card is touched, where a call as given would cost its user a key or a PIN try. A guard
+ * never changes what is done to the card; each leaves one line in the log that names it.
+ */
+namespace zv {
+
+/** What an entry point was called with, texts without trailing blanks but for the PIN. */
+struct RequestCall {
+    std::string_view pendingLabel, pin, keyId, kind;
+    bool discardPending;
+};
+
+struct StoringCall {
+    std::string_view pendingLabel, pin, certLabel, kind;
+    const char* certificate;
+    bool deleteOld;
+};
+
+/** Outcome of a guard: 0 to go on, else the code for the host. */
+[[nodiscard]] int guardRequest(const RequestCall& call);
+[[nodiscard]] int guardStoring(const StoringCall& call);
+
+/** True when the command block in the request buffer, parsed back, gives the values that went in. */
+[[nodiscard]] int guardBlock(std::string_view certLabel, std::string_view pin, std::string_view certificate,
+                             std::string_view pendingLabel, std::string_view kind, std::string_view keepFlag);
+
+/** True, and logged, when a login with the same PIN is not to be tried again after this result of the dump's
+ * session. */
+[[nodiscard]] bool guardSecondLogin(int dumpResult);
+
+} // namespace zv
+
+#endif

@@ -1,0 +1,66 @@
+#include "api/request_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace zv {
+
+namespace {
+
+bool writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+} // namespace
+
+RequestFile::~RequestFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+bool RequestFile::create(std::string_view text) {
+    ::unlink(REQUEST_FILE);
+    descriptor_ = ::open(REQUEST_FILE, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    return descriptor_ >= 0 && writeAll(descriptor_, text);
+}
+
+bool RequestFile::isOurs() const {
+    struct stat created {
+    }, named{};
+    return ::fstat(descriptor_, &created) == 0 && ::lstat(REQUEST_FILE, &named) == 0 &&
+           created.st_dev == named.st_dev && created.st_ino == named.st_ino;
+}
+
+int openBase64() {
+    const int descriptor = ::open(BASE64_FILE, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    struct stat status {};
+    if (descriptor < 0 || (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))) return descriptor;
+    ::close(descriptor);
+    return -1;
+}
+
+std::size_t readAll(int descriptor, char* out, std::size_t size) {
+    std::size_t total = 0;
+    while (total < size) {
+        const ssize_t got = ::read(descriptor, out + total, size - total);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        total += static_cast<std::size_t>(got);
+    }
+    return total;
+}
+
+void removeRequestFiles() {
+    for (const char* path : {REQUEST_FILE, SIGNED_FILE, BASE64_FILE})
+        ::unlink(path);
+}
+
+} // namespace zv

@@ -1,0 +1,48 @@
+#ifndef ZV_API_REQUEST_FILES_H
+#define ZV_API_REQUEST_FILES_H
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string_view>
+
+/** The files through which a request goes to the crypto library and comes back signed. */
+namespace zv {
+
+inline constexpr char REQUEST_FILE[] = "/tmp/tmpReqFile";
+inline constexpr char SIGNED_FILE[] = "/tmp/szP7MName";
+inline constexpr char BASE64_FILE[] = "/tmp/szP7MNameB64";
+
+/**
+ * The request file, created anew. Its descriptor is kept, so that another process that takes the name over is
+ * noticed: two requests made at the same time must not be swapped.
+ */
+class RequestFile {
+  public:
+    RequestFile() = default;
+    RequestFile(const RequestFile&) = delete;
+    RequestFile& operator=(const RequestFile&) = delete;
+    ~RequestFile();
+
+    /** Removes a leftover of the name (a link itself, never its target), creates the file and writes the
+     * text. */
+    [[nodiscard]] bool create(std::string_view text);
+    /** True while the name still leads to the file that was created. */
+    [[nodiscard]] bool isOurs() const;
+
+  private:
+    int descriptor_ = -1;
+};
+
+/** Opens the base64 file without following a link. Returns a descriptor, or -1. */
+[[nodiscard]] int openBase64();
+
+/** Reads at most size bytes. Returns how many there were. */
+[[nodiscard]] std::size_t readAll(int descriptor, char* out, std::size_t size);
+
+/** Removes the three files. */
+void removeRequestFiles();
+
+} // namespace zv
+
+#endif

@@ -1,0 +1,152 @@
+// Entry points that make a request: command, signed file, base64 text.
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include <unistd.h>
+
+#include "api/entry.h"
+#include "api/guards.h"
+#include "api/lines.h"
+#include "api/request_files.h"
+#include "api/state.h"
+#include "card/detection.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr std::size_t DN_SIZE = 4096;
+constexpr char NOT_SENT[] = "Errore nella mininfo";
+constexpr char COMMAND_FAILED[] = "Funzione miExecCmd() error!";
+
+struct Request {
+    const char* function; // name of the entry point, for the log
+    const char* kind;
+    char* pendingLabel;
+    char* pin;
+    char* keyId;
+    bool discardPending;
+
+    void trace(const char* before, const char* after) const;
+};
+
+void Request::trace(const char* before, const char* after) const {
+    char line[128];
+    zv::copyText(line, before);
+    zv::appendText(line, function);
+    zv::appendText(line, after);
+    scriviLog(line);
+}
+
+template <std::size_t N> void clear(char (&text)[N]) {
+    std::fill_n(text, N, '\0');
+}
+
+// The PKCS#10 request, made by the command, in szBufferDatiOut.
+int makeRequest(const Request& request) {
+    const char* keepFlag = request.discardPending ? "D" : "K";
+    const zv::RequestCall call = {zv::trimRight(request.pendingLabel), request.pin,
+                                  zv::trimRight(request.keyId), request.kind, request.discardPending};
+    if (const int stopped = zv::guardRequest(call)) return zv::failWith(NOT_SENT, COMMAND_FAILED, stopped);
+    RichiestaMinInfo(request.keyId, request.pin, "", request.pendingLabel, request.kind, keepFlag);
+    int code = zv::guardBlock(request.keyId, request.pin, "", request.pendingLabel, request.kind, keepFlag);
+    if (code == 0) {
+        long length = sizeof zv::szBufferDatiOut;
+        code = miExecCmd("REQREN", zv::szBufferRichiesta,
+                         static_cast<long>(std::strlen(zv::szBufferRichiesta)), zv::szBufferDatiOut, &length);
+    }
+    zv::wipePin();
+    if (code != 0) return zv::failWith(NOT_SENT, COMMAND_FAILED, code);
+    scriviLog("OUTPUT DA MININFO:");
+    scriviLog(zv::szBufferDatiOut);
+    return 0;
+}
+
+int failRequestFile() {
+    return zv::failWith("Primo File temporaneo non trovato", "Funzione fopen() error!", ZV_UNSUPPORTED);
+}
+
+// The crypto library's own session signs the file with the key in use.
+int signRequest(const Request& request, const zv::RequestFile& file) {
+    kvFinalize();
+    int code = kvInitialize(zv::Libreria, zv::slot);
+    if (code == 0) code = kvLogin(request.pin);
+    if (code != 0) return zv::failWithReason("Funzione DoInitialize() error!", code);
+    char line[320] = "Richiesta firma con chiave CKA_ID: ";
+    zv::appendText(line, request.keyId);
+    scriviLog(line);
+    if (!file.isOurs()) return failRequestFile();
+    code = kvSignFile(request.keyId, "SHA256", zv::REQUEST_FILE, zv::SIGNED_FILE);
+    if (code != 0) return zv::failWithReason("Funzione kvSignFile() error!", code);
+    if (!file.isOurs()) return failRequestFile();
+    scriviLog("Funzione 'kvSignFile()' completata con successo");
+    code = kvFinalize();
+    return code == 0 ? 0 : zv::failWithReason("Funzione DoFinalize() error!", code);
+}
+
+int readBase64(char (&result)[ZV_REQUEST_SIZE]) {
+    char from[sizeof zv::SIGNED_FILE], to[sizeof zv::BASE64_FILE];
+    zv::copyText(from, zv::SIGNED_FILE);
+    zv::copyText(to, zv::BASE64_FILE);
+    if (const int code = kvFileToBase64(from, to, "e"))
+        return zv::failWithReason("Funzione kvFileToBase64() error!", code);
+    const int descriptor = zv::openBase64();
+    if (descriptor < 0)
+        return zv::failWith("File appoggio B64 non trovato", "Funzione fopen() error!", ZV_UNSUPPORTED);
+    const std::size_t length = zv::readAll(descriptor, result, sizeof result - 1);
+    ::close(descriptor);
+    if (length == 0)
+        return zv::failWith("Errore nella lettura file B64", "Funzione fread() error!", ZV_UNSUPPORTED);
+    return 0;
+}
+
+int createRequest(const Request& request, const char* dn, char* requestOut) {
+    clear(szBuffErr), clear(zv::szBufferRichiesta), clear(zv::szBufferDatiOut);
+    char result[ZV_REQUEST_SIZE] = {};
+    request.trace("Funzione '", "': INIZIO");
+    zv::traceModule("Libreria pkcs#11 selezionata: ");
+    char name[DN_SIZE];
+    zv::copyText(name, dn);
+    _RiempiDN(name, sizeof name);
+    if (const int code = makeRequest(request)) return code;
+
+    zv::RequestFile file;
+    if (!file.create(zv::szBufferDatiOut)) return failRequestFile();
+    if (const int code = signRequest(request, file)) return code;
+    if (const int code = readBase64(result)) return code;
+    // The signed file is ours only if nobody took the request's name since.
+    if (!file.isOurs()) return failRequestFile();
+    request.trace("OUTPUT dalla funzione '", "':");
+    scriviLog(result);
+    zv::copyText(requestOut, ZV_REQUEST_SIZE, result);
+    if (requestOut != nullptr) requestOut[ZV_REQUEST_SIZE - 1] = '\0';
+    request.trace("Funzione '", "' corretamente Eseguita");
+    zv::removeRequestFiles();
+    return 0;
+}
+
+int create(const char* function, const char* kind, char* requestOut, const char* pendingLabel, char* pin,
+           char* keyId, const char* dn, bool keepFlag) try {
+    std::string label = zv::orEmpty(pendingLabel);
+    char none[] = "";
+    const Request request = {
+        function, kind, label.data(), pin != nullptr ? pin : none, keyId != nullptr ? keyId : none, keepFlag};
+    return createRequest(request, zv::orEmpty(dn), requestOut);
+} catch (const std::exception&) {
+    return zv::failWith(NOT_SENT, COMMAND_FAILED, ZV_UNUSABLE);
+}
+
+} // namespace
+
+int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin, char* keyId,
+                                      const char* dn, bool keepFlag) {
+    return create("rinnovo_Card_createCertRequestPRA", "PRA", requestOut, pendingLabel, pin, keyId, dn,
+                  keepFlag);
+}
+
+int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendingLabel, char* pin, char* keyId,
+                                      const char* dn, bool keepFlag) {
+    const char* kind = std::strcmp(zv::orEmpty(keyId), "CNS0") == 0 ? "CNS" : "AUT";
+    return create("rinnovo_Card_createCertRequestAUT", kind, requestOut, pendingLabel, pin, keyId, dn,
+                  keepFlag);
+}

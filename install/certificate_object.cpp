@@ -1,0 +1,87 @@
+#include "install/certificate_object.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "diag/log.h"
+#include "util/text.h"
+
+namespace {
+
+CK_OBJECT_CLASS cert_object_class = CKO_CERTIFICATE;
+CK_BBOOL bTrue = CK_TRUE;
+CK_CERTIFICATE_TYPE certType = CKC_X_509;
+char crtLabel[256];
+unsigned char BufferAttribute[8192];
+char BufferSubject[513];
+char BufferIssuer[513];
+char BufferSerNumb[256];
+
+// Zero-filled, then the bytes, as many as fit.
+template <typename Buffer>
+void fill(CK_ATTRIBUTE& entry, Buffer& buffer, const void* bytes, std::size_t length) {
+    entry.ulValueLen = std::min(length, sizeof buffer);
+    std::memset(buffer, 0, sizeof buffer);
+    std::memcpy(buffer, bytes, entry.ulValueLen);
+}
+
+} // namespace
+
+namespace zv {
+
+CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
+    {CKA_CLASS, &cert_object_class, sizeof cert_object_class},
+    {CKA_TOKEN, &bTrue, sizeof bTrue},
+    {CKA_CERTIFICATE_TYPE, &certType, sizeof certType},
+    {CKA_ID, crtLabel, sizeof crtLabel - 1},
+    {CKA_LABEL, crtLabel, sizeof crtLabel - 1},
+    {CKA_VALUE, BufferAttribute, sizeof BufferAttribute},
+    {CKA_SUBJECT, BufferSubject, sizeof BufferSubject},
+    {CKA_ISSUER, BufferIssuer, sizeof BufferIssuer},
+    {CKA_SERIAL_NUMBER, BufferSerNumb, sizeof BufferSerNumb},
+};
+
+CK_OBJECT_HANDLE hCert = 0;
+
+int CertificateParts::read(const char* title, datiCert& certificate, unsigned long derLength) {
+    const int code = ConvToDer(certificate.der, derLength, subject, &subjectLength, issuer, &issuerLength,
+                               serial, &serialLength);
+    if (code != 0) reportCode(title, "ConvToDer", static_cast<CK_RV>(code));
+    subjectLength = std::min(subjectLength, NAME_SIZE);
+    issuerLength = std::min(issuerLength, NAME_SIZE);
+    serialLength = std::min(serialLength, SERIAL_SIZE);
+    return code;
+}
+
+void CertificateParts::trimSerial() {
+    const char* end = serial + serialLength;
+    const char* first = std::find_if(serial, serial + serialLength, [](char byte) { return byte != 0; });
+    serialLength = static_cast<unsigned long>(end - first);
+    std::memmove(serial, first, serialLength);
+}
+
+CK_RV createCertificate(const char* title, const datiCert& certificate, unsigned long derLength,
+                        const char* label, const CertificateParts& parts) {
+    fill(CertTemplate[3], crtLabel, label, boundedText(label, sizeof crtLabel - 1).size());
+    CertTemplate[4].ulValueLen = CertTemplate[3].ulValueLen;
+    fill(CertTemplate[5], BufferAttribute, certificate.der, derLength);
+    fill(CertTemplate[6], BufferSubject, parts.subject, parts.subjectLength);
+    fill(CertTemplate[7], BufferIssuer, parts.issuer, parts.issuerLength);
+    fill(CertTemplate[8], BufferSerNumb, parts.serial, parts.serialLength);
+    hCert = 0;
+    LogInstallCertificate(hSession, CertTemplate, CERTIFICATE_ENTRIES, &hCert);
+    rv = call<&Functions::C_CreateObject>(hSession, CertTemplate, CK_ULONG{CERTIFICATE_ENTRIES}, &hCert);
+    if (rv != CKR_OK) reportCode(title, "C_CreateObject", rv);
+    return rv;
+}
+
+} // namespace zv
+
+void LogInstallCertificate(unsigned long session, CK_ATTRIBUTE*, unsigned long count,
+                           unsigned long* certificate) {
+    char line[128];
+    std::snprintf(line, sizeof line, "hSession = <%lu> ulCount = <%lu> hCert = <%lu>", session, count,
+                  reinterpret_cast<unsigned long>(certificate));
+    zv::trace(" .... InstallCertificate FUN         .... ", line);
+}

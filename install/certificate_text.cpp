@@ -1,0 +1,77 @@
+// CrtB64ToDer: a PEM certificate as DER.
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "diag/log.h"
+
+namespace {
+
+constexpr char TITLE[] = " .... CrtB64ToDer FUN                .... ";
+constexpr char BEGIN_MARKER[] = "-----BEGIN CERTIFICATE-----";
+constexpr char END_MARKER[] = "-----END CERTIFICATE-----";
+constexpr int DER_SIZE = 8191;
+constexpr unsigned char INVALID = 0x80;
+
+// Byte 0xFF is left at 0, and so decodes like "A" or "=".
+unsigned char table[256];
+
+void buildTable() {
+    static constexpr std::string_view ALPHABET =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::fill_n(table, 255, INVALID);
+    for (std::size_t value = 0; value < ALPHABET.size(); ++value)
+        table[static_cast<unsigned char>(ALPHABET[value])] = static_cast<unsigned char>(value);
+    table[std::size_t{'='}] = 0;
+}
+
+// The next four characters that the table knows. Returns how many there were.
+int nextGroup(const char*& text, unsigned char (&group)[4]) {
+    int taken = 0;
+    for (; taken < 4 && *text != '\0'; ++text) {
+        const auto byte = static_cast<unsigned char>(*text);
+        if (table[byte] != INVALID) group[taken++] = byte;
+    }
+    return taken;
+}
+
+int bytesOf(const unsigned char (&group)[4]) {
+    if (group[2] == '=') return 1;
+    return group[3] == '=' ? 2 : 3;
+}
+
+// Where the base64 text starts, its end cut; null when a marker is missing.
+const char* cutBody(char* pem) {
+    char* end = std::strstr(pem, END_MARKER);
+    if (end == nullptr) return nullptr;
+    if (end != pem) end[-1] = '\0';
+    const char* begin = std::strstr(pem, BEGIN_MARKER);
+    return begin != nullptr && begin < end ? begin + std::strlen(BEGIN_MARKER) : nullptr;
+}
+
+} // namespace
+
+int CrtB64ToDer(char* pem, char* der) {
+    zv::trace(TITLE, "I N I Z I O");
+    zv::trace(TITLE, "Certificato =", pem);
+    buildTable();
+    const char* text = cutBody(pem);
+    if (text == nullptr) return 0;
+    int total = 0;
+    for (int bytes = 3; bytes == 3;) {
+        unsigned char group[4] = {};
+        const int taken = nextGroup(text, group);
+        if (taken == 0) return total;
+        if (taken < 4) return 0;
+        bytes = bytesOf(group);
+        if (total + bytes > DER_SIZE) return 0;
+        const unsigned value = static_cast<unsigned>(table[group[0]]) << 18 |
+                               static_cast<unsigned>(table[group[1]]) << 12 |
+                               static_cast<unsigned>(table[group[2]]) << 6 | table[group[3]];
+        for (int i = 0; i < bytes; ++i)
+            der[total++] = static_cast<char>(value >> (16 - 8 * i));
+    }
+    WriteLog(TITLE, CatItoA("dimensione = ", total), 0, der, DER_SIZE);
+    zv::trace(TITLE, "F I N E");
+    return total;
+}

@@ -1,0 +1,57 @@
+// MemorizzazioneCertificato: from the issued certificate's text to the certificate on the card.
+#include "card/session.h"
+#include "diag/log.h"
+#include "install/modules.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr char TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
+constexpr int FAILED = 1;
+constexpr std::size_t CERTIFICATE_TEXT_SIZE = 8192;
+constexpr int EXPLANATION_SIZE = 512;
+
+// Modules that do not let a key be relabelled.
+constexpr const char* NOT_RELABELLED[] = {"incryptoki2", "bit4ipki", "bit4hipki", "cnspkcs11"};
+
+int failStep(const char* step, int code) {
+    zv::reportCode(TITLE, step, static_cast<CK_RV>(code));
+    return FAILED;
+}
+
+int readCertificate(char* certText, datiCert& certificate) {
+    char text[CERTIFICATE_TEXT_SIZE] = {};
+    zv::Sentence explanation = {};
+    writeBuff(certText, text);
+    text[sizeof text - 1] = '\0';
+    zv::trace(TITLE, "SplitCert");
+    const int code = SplitCert(text, &certificate, explanation, EXPLANATION_SIZE);
+    if (code == 0) return 0;
+    zv::trace(explanation, CatLtoAHex1("Errore = ", code));
+    failStep("SplitCert", code);
+    zv::reportSentence("Errore nella scansione del certificato da memorizzare sulla smartcard");
+    return FAILED;
+}
+
+} // namespace
+
+int MemorizzazioneCertificato(void*, char* certText, char* pkcs11Library, char*) {
+    zv::trace(TITLE, "I N I Z I O");
+    datiCert certificate{};
+    if (readCertificate(certText, certificate) != 0) return FAILED;
+
+    zv::trace(TITLE, "CheckPendingKeys");
+    if (const int missing = CheckPendingKeys(nullptr, true)) return failStep("CheckPendingKeys", missing);
+
+    zv::trace(TITLE, "ChangeValueObject");
+    if (!zv::moduleNamed(pkcs11Library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)
+        return failStep("ChangeValueObject", FAILED);
+
+    zv::trace(TITLE, "InstallUserCertificate");
+    if (InstallUserCertificate(nullptr, &certificate, certificate.derLength, zv::certAlias, pkcs11Library) !=
+        0)
+        return failStep("InstallUserCertificate", FAILED);
+    zv::trace(TITLE, "F I N E");
+    return 0;
+}

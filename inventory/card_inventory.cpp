@@ -1,0 +1,120 @@
+// The inventory of a card that is not a services card.
+#include <cstring>
+
+#include "diag/log.h"
+#include "inventory/certificates.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr std::size_t AUTHORITY_LABEL_LENGTH = 20;
+constexpr int PKCS11_FAILURE = 65535;
+constexpr int SERIES_FULL = 1;
+
+void traceCall(const char* name, CK_RV result) {
+    if (result == CKR_OK) return zv::trace(name, "OK");
+    static constexpr struct {
+        const char* call;
+        const char* text;
+    } FAILURES[] = {{"C_GetSlotInfo", "Get Slot Info: "},
+                    {"C_GetTokenInfo", "Get Token Info: "},
+                    {"C_FindObjectsInit", "Find Objects Init: "},
+                    {"C_FindObjects", "Find Objects: "},
+                    {"C_FindObjectsFinal", "Find Objects Final: "}};
+    for (const auto& [call, text] : FAILURES)
+        if (std::strcmp(call, name) == 0)
+            WriteErr(name, text, 0, CatItoAHex1("Errore = ", static_cast<int>(result)), 0);
+}
+
+void tracePendingCall(const char* name, CK_RV result) {
+    char title[64] = "Find_ALL_Pending: ";
+    zv::appendText(title, name);
+    zv::trace(title, result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(result)));
+}
+
+bool listCertificates() {
+    if (!zv::probeToken(traceCall)) return false;
+    zv::numCertificate = 0;
+    const CK_RV started = zv::startClassSearch(CKO_CERTIFICATE);
+    traceCall("C_FindObjectsInit", started);
+    if (started != CKR_OK) return false;
+    zv::SearchGuard search(zv::hSession);
+    if (!zv::readCertificates(traceCall)) return false;
+    search.dismiss();
+    const CK_RV ended = zv::endSearch(zv::hSession);
+    traceCall("C_FindObjectsFinal", ended);
+    return ended == CKR_OK;
+}
+
+bool isAuthority(const zv::Certificate& certificate) {
+    return std::strncmp(certificate.label, zv::CAcertificateLabel, AUTHORITY_LABEL_LENGTH) == 0;
+}
+
+bool isSignature(std::string_view id) {
+    return id.starts_with("Sign_Keypair") || zv::inSeries(id, zv::SIGNATURE_SERIES, '0', '9');
+}
+
+bool marksSignature(std::string_view id) {
+    return id.starts_with("Sign_Keypair") || id.starts_with(zv::SIGNATURE_SERIES);
+}
+
+} // namespace
+
+int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praRecord, long praRecordSize,
+                               char* praSubject, long, char* autRecord, long autRecordSize, char* autSubject,
+                               long, char* autId, char* praId, int* pendingPRA, int* pendingAUT,
+                               char* ckaidPRA, char* ckaidAUT) {
+    if (!listCertificates()) return -1;
+    zv::RecordList pra(praList, praRecord, static_cast<std::size_t>(praRecordSize));
+    zv::RecordList aut(autList, autRecord, static_cast<std::size_t>(autRecordSize));
+    zv::CertificateFields fields;
+    for (int i = 0; i < zv::numCertificate; ++i) {
+        zv::Certificate& certificate = zv::Certificati[i];
+        if (isAuthority(certificate)) continue;
+        fields.read(certificate, zv::rewriteName);
+        const std::string_view id = zv::idOf(certificate.id);
+        if (isSignature(id)) {
+            zv::keepLast(fields, certificate, praSubject, praId);
+            pra.addSignature(fields, id);
+        } else {
+            zv::keepLast(fields, certificate, autSubject, autId);
+            aut.addAuthentication(fields, id);
+        }
+    }
+    zv::trace("Inizializzazione Buffers: inizio", "szCertPRAStore, szCertAUTStore");
+    pra.writeCount();
+    aut.writeCount();
+    zv::trace("Inizializzazione Buffers: fine", "");
+    zv::trace("Find_ALL_Pending", "Inizio");
+    Find_ALL_Pending(pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
+    zv::trace("Find_ALL_Pending", "Fine");
+    // Both marks hang on the signature certificates and their flag alone.
+    if (pra.count() != 0 && pendingPRA != nullptr && *pendingPRA == 1) {
+        pra.mark(zv::orEmpty(ckaidPRA));
+        aut.mark(zv::orEmpty(ckaidAUT));
+    }
+    zv::trace("NewFind_ALL_CertsKeysRenew: ", "return 0 (OK)");
+    return 0;
+}
+
+int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* ckaidAUT) {
+    static constexpr char title[] = "Find_ALL_Pending: ";
+    zv::copyText(ckaidPRA, ZV_KEY_ID_SIZE, "");
+    zv::copyText(ckaidAUT, ZV_KEY_ID_SIZE, "");
+    zv::IdentifierTables tables;
+    if (!zv::gatherIdentifiers(tables, tracePendingCall)) return PKCS11_FAILURE;
+    zv::trace(title, "Loop sulle chiavi pubbliche: inizio");
+    zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
+    zv::trace(title, "Loop sulle chiavi pubbliche: fine");
+    if (tables.certificates.count == 0) return 0;
+    const auto wanted = [](const int* pending) { return pending == nullptr || *pending == 0; };
+    if (zv::anyCertificate(tables, marksSignature) && wanted(pendingPRA) &&
+        !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, ckaidPRA))
+        return SERIES_FULL;
+    if (zv::anyCertificate(tables, [](std::string_view id) { return !marksSignature(id); }) &&
+        wanted(pendingAUT) && !zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, ckaidAUT))
+        return SERIES_FULL;
+    zv::trace(title, "return 0 (OK)");
+    return 0;
+}

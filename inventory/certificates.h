@@ -1,0 +1,89 @@
+#ifndef ZV_INVENTORY_CERTIFICATES_H
+#define ZV_INVENTORY_CERTIFICATES_H
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+#include "inventory/identifiers.h"
+#include "inventory/names.h"
+
+/** The certificates on the card and the records that describe them to the host. */
+namespace zv {
+
+constexpr std::size_t MOST_CERTIFICATES = 10;
+constexpr std::size_t DESCRIPTION_SIZE = 2048;
+constexpr std::size_t ID_SIZE = 64;
+
+/** A certificate object as read; texts fill their fields without a terminator when they are that long. */
+struct Certificate {
+    char label[64];
+    char unused[512];
+    char serialNumber[512];
+    char id[ID_SIZE];
+    unsigned char value[16384];
+    unsigned long valueLength;
+};
+
+/** Not cleared between readings: a field that cannot be read keeps what it held. */
+extern Certificate Certificati[MOST_CERTIFICATES];
+extern int numCertificate;
+
+/** Slot and token are there; each call is only checked for success. */
+[[nodiscard]] bool probeToken(CallTrace trace);
+
+/** Reads the next certificates of the open search into the table, ten at most. */
+[[nodiscard]] bool readCertificates(CallTrace trace);
+
+/** The template that finds the objects of one class. */
+CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass);
+
+/** What the crypto library says of one certificate. */
+struct CertificateFields {
+    char description[DESCRIPTION_SIZE];
+    char issuer[512], subject[512];
+    char serial[128], iut[32], keyId[256], codFisc[128], policies[128], explicitText[256];
+    char start[24], end[24];
+
+    /** Clears and fills every field; rewrites the names, the holder's with rewriteHolder. */
+    void read(Certificate& certificate, NameRewrite rewriteHolder);
+};
+
+/** A host's list with its work buffers: records are assembled in one and appended to the list's entries. */
+class RecordList {
+  public:
+    RecordList(char** list, char* record, std::size_t recordSize)
+        : list_(list), record_(record), size_(recordSize) {}
+
+    /** 11 fields: notice text, subject key identifier, codice fiscale last. */
+    void addSignature(const CertificateFields& fields, std::string_view id);
+    /** 10 fields: subject key identifier, codice fiscale last. */
+    void addAuthentication(const CertificateFields& fields, std::string_view id);
+
+    [[nodiscard]] int count() const { return count_; }
+    /** Appends the count to entry 0. */
+    void writeCount();
+    /** Appends one more field to the first record, if there is one. */
+    void mark(std::string_view field);
+
+  private:
+    void assemble(const CertificateFields& fields, std::string_view id);
+    void addField(std::string_view field);
+    void finish();
+
+    char** list_;
+    char* record_;
+    std::size_t size_;
+    int count_ = 0;
+};
+
+/** Copies a description and an identifier to where the host's side keeps the last ones. */
+void keepLast(const CertificateFields& fields, const Certificate& certificate, char* subject, char* id);
+
+inline std::string_view idOf(const char* id) {
+    return {id, strnlen(id, ID_SIZE)};
+}
+
+} // namespace zv
+
+#endif

@@ -1,0 +1,95 @@
+// Pending pair, pending marker and expiry date of a services card.
+#include <cstdlib>
+#include <cstring>
+
+#include "diag/log.h"
+#include "inventory/identifiers.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr int PKCS11_FAILURE = 65535;
+constexpr int SERIES_FULL = 1;
+
+bool isFiled(std::string_view id) {
+    return id.starts_with(zv::SIGNATURE_SERIES) || id.starts_with(zv::AUTHENTICATION_SERIES);
+}
+
+bool readExpiry(CK_OBJECT_HANDLE object, char* expiry) {
+    static char value[16384];
+    if (zv::readText(zv::hSession, object, CKA_VALUE, value) != CKR_OK) return false;
+    WriteLog("Find_ALL_PendingCNS", "DATAFIELD_PDATA_CNS", 0, value, 0);
+    getDtScadenza(value, expiry);
+    return true;
+}
+
+bool gather(zv::IdentifierTables& tables, int* pendingCNS, char* expiry) {
+    return zv::walkObjects(zv::noTrace, [&](CK_OBJECT_HANDLE object) {
+        zv::ObjectIdentity identity;
+        char label[256];
+        if (!identity.read(object) || !zv::isTolerated(zv::readText(zv::hSession, object, CKA_LABEL, label)))
+            return false;
+        if (identity.objectClass != CKO_DATA) {
+            if (isFiled(identity.id)) tables.file(identity.objectClass, identity.id);
+            return true;
+        }
+        if (std::strcmp(label, "pending_CNS_key") == 0 && pendingCNS != nullptr) *pendingCNS = 1;
+        return std::strcmp(label, "PDATA") != 0 || readExpiry(object, expiry);
+    });
+}
+
+// Returns true when the card holds a signature certificate.
+bool readSignatureCertificates(const zv::IdentifierTables& tables, int* pendingPRA, char* ckaidPRA) {
+    bool found = false;
+    for (const ckaid& record : tables.certificates) {
+        const std::string_view id = record.id;
+        if (!id.starts_with(zv::SIGNATURE_SERIES)) continue;
+        found = true;
+        if (zv::inSeries(id, zv::SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
+        if (!is1205SerialToken) continue;
+        force2048PraGen = true;
+        const bool first = *pendingPRA == 1 && zv::inSeries(ckaidPRA, zv::SIGNATURE_SERIES, '0', '2');
+        if (first && DeleteObjectByLabel(zv::hSession, ckaidPRA) == 0) {
+            ckaidPRA[0] = '\0';
+            *pendingPRA = 0;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
+                        char* expiry, bool) {
+    ckaidPRA[0] = '\0';
+    ckaidAUT[0] = '\0';
+    zv::IdentifierTables tables;
+    if (!gather(tables, pendingCNS, expiry)) return PKCS11_FAILURE;
+    zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
+    use2048Bit = false;
+    force2048PraGen = true;
+    if (tables.certificates.count == 0) return 0;
+    const bool hasSignature = readSignatureCertificates(tables, pendingPRA, ckaidPRA);
+    const bool hasAuthentication = zv::anyCertificate(
+        tables, [](std::string_view id) { return id.starts_with(zv::AUTHENTICATION_SERIES); });
+    if (hasSignature && *pendingPRA == 0 &&
+        !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, ckaidPRA))
+        return SERIES_FULL;
+    if (!hasAuthentication || *pendingAUT != 0) return 0;
+    return zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, ckaidAUT) ? 0 : SERIES_FULL;
+}
+
+void getDtScadenza(char* pdata, char* out) {
+    constexpr std::size_t LENGTH_AT = 6, MARK_AT = 8, DATE_AFTER = 20, DATE_LENGTH = 8;
+    const std::string_view text = zv::orEmpty(pdata);
+    if (out == nullptr || text.size() < MARK_AT) return;
+    char mark[4], digits[3];
+    zv::copyText(mark, text.substr(MARK_AT, 3));
+    if (std::strcmp(_strupr(mark), "XXX") == 0) return;
+    zv::copyText(digits, text.substr(LENGTH_AT, 2));
+    const long length = std::strtol(digits, nullptr, 10);
+    if (length <= 0) return;
+    const std::size_t start = DATE_AFTER + static_cast<std::size_t>(length);
+    if (start + DATE_LENGTH <= text.size())
+        zv::copyText(out, DATE_LENGTH + 1, text.substr(start, DATE_LENGTH));
+}

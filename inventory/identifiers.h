@@ -1,0 +1,115 @@
+#ifndef ZV_INVENTORY_IDENTIFIERS_H
+#define ZV_INVENTORY_IDENTIFIERS_H
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "card/session.h"
+#include "store/objects.h"
+
+/** The identifiers on a card and what they mean: pending pairs, first keys, free places in a series. */
+namespace zv {
+
+inline constexpr std::string_view SIGNATURE_SERIES = "DS";
+inline constexpr std::string_view AUTHENTICATION_SERIES = "AUTHCertificate";
+
+/** Up to ten identifiers of one class; a surplus is dropped, an identifier is cut at 31 characters. */
+struct IdentifierTable {
+    ckaid records[ZV_CKAIDS] = {};
+    std::size_t count = 0;
+
+    void add(std::string_view id);
+    [[nodiscard]] bool contains(std::string_view id) const;
+    const ckaid* begin() const { return records; }
+    const ckaid* end() const { return records + count; }
+};
+
+struct IdentifierTables {
+    IdentifierTable publicKeys, privateKeys, certificates;
+
+    /** Files an identifier by class; other classes are ignored. */
+    void file(CK_OBJECT_CLASS objectClass, std::string_view id);
+};
+
+/** What every search for identifiers reads of an object first, an attribute a call: class, key type, CKA_ID.
+ */
+struct ObjectIdentity {
+    CK_OBJECT_CLASS objectClass = 0;
+    CK_KEY_TYPE keyType = 0;
+    char id[256] = {};
+
+    /** False when a read failed with a code that is not tolerated. */
+    [[nodiscard]] bool read(CK_OBJECT_HANDLE object);
+};
+
+/** Told about each call of a walk, with its result. */
+using CallTrace = void (*)(const char* call, CK_RV result);
+
+inline void noTrace(const char*, CK_RV) {}
+
+/**
+ * Walks over every object of the card. examine(handle) returns false to give up; the search is then closed,
+ * as after a failure. Returns false on both.
+ */
+template <typename Examine> [[nodiscard]] bool walkObjects(CallTrace trace, Examine examine) {
+    const auto done = [trace](const char* name, CK_RV result) {
+        trace(name, result);
+        return result == CKR_OK;
+    };
+    if (!done("C_FindObjectsInit", startSearch(hSession))) return false;
+    SearchGuard search(hSession);
+    for (;;) {
+        CK_OBJECT_HANDLE object = 0;
+        CK_ULONG count = 0;
+        if (!done("C_FindObjects", nextObject(hSession, object, count))) return false;
+        if (count != 1) break;
+        if (!examine(object)) return false;
+    }
+    search.dismiss();
+    return done("C_FindObjectsFinal", endSearch(hSession));
+}
+
+/** walkObjects that files every key and certificate; each object's value is read too. */
+[[nodiscard]] bool gatherIdentifiers(IdentifierTables& tables, CallTrace trace);
+
+inline bool isAuthentication(std::string_view id) {
+    return id.find(AUTHENTICATION_SERIES) != std::string_view::npos;
+}
+
+/** The series followed by a digit in that range. */
+bool inSeries(std::string_view id, std::string_view series, char first, char last);
+
+/**
+ * Calls take(id) for each pair that waits for its certificate, in the order of the public keys, until it
+ * returns false. The card's first keys never count as pending.
+ */
+template <typename Take> void forEachPending(const IdentifierTables& tables, Take take) {
+    for (const ckaid& record : tables.publicKeys) {
+        const std::string_view id = record.id;
+        if (id.empty() || !tables.privateKeys.contains(id) || tables.certificates.contains(id)) continue;
+        if (inSeries(id, isAuthentication(id) ? AUTHENTICATION_SERIES : SIGNATURE_SERIES, '0', '2')) continue;
+        if (!take(id)) return;
+    }
+}
+
+/** The first pending pair of either kind goes into its buffer of 32 characters and sets its flag. */
+void takeFirstPending(const IdentifierTables& tables, int* pendingPRA, int* pendingAUT, char* ckaidPRA,
+                      char* ckaidAUT);
+
+/**
+ * Writes the first of 3, 4, 5 in the series that no public key has into out (32 characters); the bare series
+ * and false when all are taken.
+ */
+[[nodiscard]] bool proposeFree(const IdentifierTable& publicKeys, std::string_view series, char* out);
+
+/** True when a certificate's identifier fits. */
+template <typename Test> bool anyCertificate(const IdentifierTables& tables, Test test) {
+    return std::any_of(tables.certificates.begin(), tables.certificates.end(), [&test](const ckaid& record) {
+        return record.id[0] != '\0' && test(std::string_view(record.id));
+    });
+}
+
+} // namespace zv
+
+#endif

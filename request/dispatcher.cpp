@@ -1,0 +1,60 @@
+// RichiestaCertificato: the one way into the request machinery.
+#include <cstring>
+
+#include "card/session.h"
+#include "diag/log.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
+namespace zv {
+
+// A control value that is only ever logged.
+unsigned short tocontrol = 0;
+
+} // namespace zv
+
+namespace {
+
+constexpr char TITLE[] = " .... RichiestaCertificato FUN       .... ";
+constexpr std::size_t CENSUS_SIZE = 1536;
+constexpr int CENSUS_FAILED = 1, PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
+
+int takeCensus() {
+    char census[CENSUS_SIZE] = {};
+    const int code = FindAllObjects(zv::hSession, census);
+    zv::trace(TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? census : "");
+    return code;
+}
+
+void discardPending(char* modulePath, char* pin) {
+    const int result = DeleteAllPending32(modulePath, pin, static_cast<unsigned>(zv::slotUtente), nullptr);
+    if (result == 0) return;
+    zv::reportCode(TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
+    finalizza();
+}
+
+// Whatever becomes of it, the request goes on; without a session the builder fails and says so.
+void actOnCensus(int code, char* modulePath, char* pin) {
+    if (code == CENSUS_FAILED) {
+        finalizza();
+        zv::reportCode(TITLE, "FindObjects", static_cast<CK_RV>(code));
+    } else if ((code == PENDING_AND_FEW || code == PENDING_AND_MORE) && zv::cKeepKeys == 'D') {
+        discardPending(modulePath, pin);
+    }
+}
+
+} // namespace
+
+unsigned short RichiestaCertificato(char* pemOut, char* modulePath, char* pin, char* cardType) {
+    zv::trace(TITLE, "I N I Z I O", CatItoA("tocontrol = ", zv::tocontrol));
+    if (zv::hSession == 0) return 0;
+    actOnCensus(takeCensus(), modulePath, pin);
+    zv::trace(TITLE, "Prima di RequestCertificate");
+    const auto build =
+        std::strcmp(zv::orEmpty(cardType), "CNS") == 0 ? RequestCertificateCNS : RequestCertificate;
+    const unsigned short status = build(nullptr, pemOut, pin, 0, modulePath, nullptr);
+    zv::trace(TITLE, CatItoAHex1("Ret Code = ", status), pemOut);
+    finalizza();
+    zv::trace(TITLE, "F I N E");
+    return status;
+}

@@ -1,0 +1,58 @@
+// RequestCertificateCNS: the request of a services card, for the pair that it was made with.
+#include "card/session.h"
+#include "diag/log.h"
+#include "request/pkcs10.h"
+#include "store/objects.h"
+#include "store/renewal_state.h"
+
+namespace {
+
+constexpr std::size_t MODULUS_ROOM = 1024, EXPONENT_ROOM = 17, MODULUS_CHECKED = 128;
+
+// When no key is found the handle keeps its value, and reading it decides.
+unsigned short findOwnKey() {
+    const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
+    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, "CNS0")};
+    CK_RV result = zv::startSearch(zv::hSession, tmpl, 2);
+    if (result == CKR_OK) {
+        zv::SearchGuard search(zv::hSession);
+        CK_ULONG count = 0;
+        result = zv::nextObject(zv::hSession, zv::hPrivateKey, count);
+        if (result == CKR_OK) search.dismiss();
+    }
+    if (result == CKR_OK) return 0;
+    return zv::failRequest("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", result);
+}
+
+// Reads the key inside the search that found it, which is closed on every way out.
+unsigned short readOwnKey(zv::PublicKey& key) {
+    const CK_RV result = key.read(zv::hPrivateKey, MODULUS_ROOM, EXPONENT_ROOM);
+    if (result != CKR_OK) {
+        zv::failRequest(zv::KEY_READ_ERROR, result);
+        zv::endSearch(zv::hSession);
+        return zv::REQUEST_FAILED;
+    }
+    if (key.isBlank(MODULUS_CHECKED)) {
+        zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", 0);
+        zv::endSearch(zv::hSession);
+        return zv::failGeneration();
+    }
+    if (zv::endSearch(zv::hSession) == CKR_OK) return 0;
+    zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", zv::rv);
+    return zv::failGeneration();
+}
+
+} // namespace
+
+unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
+                                     char*) {
+    zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
+    zv::PublicKey key;
+    unsigned short status = findOwnKey();
+    if (status == 0) status = readOwnKey(key);
+    if (status == 0) status = zv::completeRequest(key, zv::SUBJECT_TABLE_CNS, {modulePath, pin}, pemOut);
+    if (status != 0) return status;
+    zv::rv = DataStore(zv::hSession, "pending_CNS_key", "1", "", false, true);
+    zv::trace(zv::REQUEST_TITLE, "F I N E");
+    return 0;
+}
