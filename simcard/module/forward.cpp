@@ -89,6 +89,12 @@ bool has_room(const Card& card, const Call& call) {
     return asked == 0 || objects_on(card.folder) + asked <= card.capacity;
 }
 
+bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
+    CK_BBOOL token = CK_FALSE;
+    CK_ATTRIBUTE entry{CKA_TOKEN, &token, sizeof token};
+    return (*state().hsm)->C_GetAttributeValue(session, object, &entry, 1) == CKR_OK && token;
+}
+
 /// Gives the objects that a call made handles of ours, and a place in the card's order.
 void take_in_objects(const Call& call, const Target& target) {
     const auto& parameters = call.parameters();
@@ -100,7 +106,7 @@ void take_in_objects(const Call& call, const Target& target) {
         if (!is_token_object(target.session, hidden)) continue;
         std::string& text = state().objects.at(*handle).fingerprint;
         text = fingerprint(*state().hsm->get(), target.session, hidden);
-        add_objects(target.slot->card().folder, {text});
+        add_object(target.slot->card().folder, text);
     }
 }
 
@@ -112,12 +118,6 @@ std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count, CK_A
         if (entry->type == type && entry->pValue && entry->ulValueLen == sizeof(CK_BBOOL))
             return *static_cast<const CK_BBOOL*>(entry->pValue) != CK_FALSE;
     return std::nullopt;
-}
-
-bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
-    CK_BBOOL token = CK_FALSE;
-    CK_ATTRIBUTE entry{CKA_TOKEN, &token, sizeof token};
-    return (*state().hsm)->C_GetAttributeValue(session, object, &entry, 1) == CKR_OK && token;
 }
 
 CK_RV forward(Call call) {

@@ -18,9 +18,6 @@ template <Function F, class... A> [[nodiscard]] CK_RV forward(A... arguments) {
     return forward(make_call<F>(arguments...));
 }
 
-/// Whether an object, by SoftHSM's handles, is on the card and not the session's own.
-[[nodiscard]] bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
-
 /// Reads a truth value of a template.
 [[nodiscard]] std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count,
                                           CK_ATTRIBUTE_TYPE type);

@@ -62,7 +62,8 @@ std::string fingerprint(const CK_FUNCTION_LIST& hsm, CK_SESSION_HANDLE session, 
 ObjectOrder::ObjectOrder(const fs::path& folder) : lines_(read_lines(folder)) {}
 
 std::size_t ObjectOrder::rank(std::string_view fingerprint) const {
-    return static_cast<std::size_t>(std::find(lines_.begin(), lines_.end(), fingerprint) - lines_.begin());
+    const auto place = std::find(lines_.begin(), lines_.end(), fingerprint);
+    return place == lines_.end() ? 0 : static_cast<std::size_t>(place - lines_.begin()) + 1;
 }
 
 bool ObjectOrder::before(std::string_view first, std::string_view second) const {
@@ -71,11 +72,10 @@ bool ObjectOrder::before(std::string_view first, std::string_view second) const 
     return a != b ? a < b : first < second;
 }
 
-void add_objects(const fs::path& folder, const std::vector<std::string>& fingerprints) {
-    if (fingerprints.empty()) return;
+void add_object(const fs::path& folder, std::string_view fingerprint) {
     const CardLock lock(folder);
     auto lines = read_lines(folder);
-    lines.insert(lines.end(), fingerprints.begin(), fingerprints.end());
+    lines.emplace_back(fingerprint);
     write_lines(folder, lines);
 }
 

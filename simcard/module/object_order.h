@@ -26,7 +26,6 @@ class ObjectOrder {
   public:
     explicit ObjectOrder(const std::filesystem::path& folder);
 
-    [[nodiscard]] bool knows(std::string_view fingerprint) const { return rank(fingerprint) < lines_.size(); }
     /// Whether the first object comes before the second.
     [[nodiscard]] bool before(std::string_view first, std::string_view second) const;
 
@@ -35,8 +34,8 @@ class ObjectOrder {
     std::vector<std::string> lines_;
 };
 
-/// Gives objects the next places, in the order given. @throws CardProblem
-void add_objects(const std::filesystem::path& folder, const std::vector<std::string>& fingerprints);
+/// Gives an object the next place. @throws CardProblem
+void add_object(const std::filesystem::path& folder, std::string_view fingerprint);
 
 /// Notes that an object is told by another fingerprint from now on; an empty one says that it is gone.
 /// @throws CardProblem

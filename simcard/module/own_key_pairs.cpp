@@ -93,7 +93,7 @@ std::optional<RsaKey> SideSession::generate(CK_ULONG bits) {
 /// The size of the key pair asked for, when it is one that the file can serve.
 std::optional<CK_ULONG> size_asked(const CK_MECHANISM* mechanism, const CK_ATTRIBUTE* attributes,
                                    CK_ULONG count) {
-    if (!mechanism || mechanism->mechanism != CKM_RSA_PKCS_KEY_PAIR_GEN || !attributes) return std::nullopt;
+    if (!mechanism || mechanism->mechanism != CKM_RSA_PKCS_KEY_PAIR_GEN) return std::nullopt;
     std::optional<CK_ULONG> bits;
     for (const CK_ATTRIBUTE* entry = attributes; entry != attributes + count; ++entry) {
         const std::string_view value(static_cast<const char*>(entry->pValue),
@@ -152,6 +152,16 @@ class Creation {
     std::vector<CK_ATTRIBUTE> entries_;
 };
 
+/// Writes a key pair to the card, both keys or none.
+CK_RV write_pair(CK_SESSION_HANDLE session, const RsaKey& key, Creation& open, CK_OBJECT_HANDLE* public_key,
+                 Creation& secret, CK_OBJECT_HANDLE* private_key) {
+    CK_RV result = open.create(session, key, 2, public_key);
+    if (result != CKR_OK) return result;
+    result = secret.create(session, key, RsaKey::parts, private_key);
+    if (result != CKR_OK) static_cast<void>(destroy_object(session, *public_key));
+    return result;
+}
+
 } // namespace
 
 CK_RV generate_key_pair(CK_SESSION_HANDLE session, CK_MECHANISM_PTR mechanism,
@@ -160,20 +170,18 @@ CK_RV generate_key_pair(CK_SESSION_HANDLE session, CK_MECHANISM_PTR mechanism,
                         CK_OBJECT_HANDLE_PTR public_key, CK_OBJECT_HANDLE_PTR private_key) {
     const CK_RV reached = state().reach_session(session);
     if (reached != CKR_OK) return reached;
-    const auto bits =
-        control().key_file().empty() ? std::nullopt : size_asked(mechanism, public_attributes, public_count);
+    const bool complete = public_attributes && private_attributes && public_key && private_key;
+    const auto bits = complete && !control().key_file().empty()
+                          ? size_asked(mechanism, public_attributes, public_count)
+                          : std::nullopt;
     const auto key = bits ? ready_made(*state().session(session), *bits) : std::nullopt;
-    if (!key || !private_attributes || !public_key || !private_key)
+    if (!key)
         return forward<Function::C_GenerateKeyPair>(session, mechanism, public_attributes, public_count,
                                                     private_attributes, private_count, public_key,
                                                     private_key);
     Creation open(public_attributes, public_count, CKO_PUBLIC_KEY, false);
     Creation secret(private_attributes, private_count, CKO_PRIVATE_KEY, true);
-    CK_RV result = open.create(session, *key, 2, public_key);
-    if (result != CKR_OK) return result;
-    result = secret.create(session, *key, RsaKey::parts, private_key);
-    if (result != CKR_OK) static_cast<void>(destroy_object(session, *public_key));
-    return result;
+    return write_pair(session, *key, open, public_key, secret, private_key);
 }
 
 } // namespace simcard::own

@@ -55,14 +55,10 @@ std::deque<CK_OBJECT_HANDLE> in_order(const Session& session, const std::vector<
         return order.before(a.fingerprint, b.fingerprint);
     });
     std::deque<CK_OBJECT_HANDLE> handles;
-    std::vector<std::string> unknown;
     for (const Found& one : found) {
         handles.push_back(state().handle_of(one.hidden));
         state().objects.at(handles.back()).fingerprint = one.fingerprint;
-        if (!order.knows(one.fingerprint) && is_token_object(session.hidden, one.hidden))
-            unknown.push_back(one.fingerprint);
     }
-    add_objects(folder_of(session), unknown);
     return handles;
 }
 

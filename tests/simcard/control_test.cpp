@@ -1,0 +1,218 @@
+#include "tests/simcard/objects.h"
+#include "tests/support/card.h"
+#include "tests/support/process.h"
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+
+using namespace zvtest;
+
+namespace {
+
+class Control : public testing::Test {
+  protected:
+    void SetUp() override {
+        cards_.add();
+        ASSERT_EQ(module_->C_Initialize(nullptr), CKR_OK);
+        session_ = module_.open();
+        ASSERT_EQ(module_.login(session_, user_pin), CKR_OK);
+    }
+    CK_RV seed() {
+        CK_BYTE byte = 1;
+        return module_->C_SeedRandom(session_, &byte, 1);
+    }
+
+    EmptyCards cards_;
+    Module module_;
+    CK_SESSION_HANDLE session_ = 0;
+};
+
+std::string whole_file(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The second of two initialisations of a program that loads the module for each; the first if that fails.
+CK_RV second_initialisation() {
+    CK_RV result = CKR_OK;
+    for (int round = 0; round < 2 && result == CKR_OK; ++round) {
+        void* library = ::dlopen(ZVSIMCARD_MODULE, RTLD_NOW);
+        CK_FUNCTION_LIST* list = nullptr;
+        reinterpret_cast<CK_C_GetFunctionList>(::dlsym(library, "C_GetFunctionList"))(&list);
+        result = list->C_Initialize(nullptr);
+        list->C_Finalize(nullptr);
+        ::dlclose(library);
+    }
+    return result;
+}
+
+} // namespace
+
+TEST_F(Control, AnswersTheCallsItIsToldTo) {
+    ASSERT_EQ(module_.add_rules("C_SeedRandom:2:answer:0x30\nC_SeedRandom:4+:answer:6"), 0);
+    const CK_RV wanted[] = {CKR_OK, CKR_DEVICE_ERROR, CKR_OK, CKR_FUNCTION_FAILED, CKR_FUNCTION_FAILED};
+    for (const CK_RV answer : wanted)
+        EXPECT_EQ(seed(), answer);
+    module_.reset();
+    ASSERT_EQ(module_.add_rules("*:2:answer:0x5"), 0);
+    EXPECT_EQ(seed(), CKR_OK);
+    EXPECT_EQ(module_.rules_left(), 1U);
+    EXPECT_EQ(seed(), CKR_GENERAL_ERROR);
+    EXPECT_EQ(module_.rules_left(), 0U);
+    EXPECT_EQ(module_.calls("C_SeedRandom"), 2U);
+    EXPECT_EQ(module_.calls(), 2U);
+}
+
+TEST_F(Control, DoesTheCallOrNotBeforeItAnswers) {
+    ASSERT_EQ(module_.add_rules("C_CreateObject:1:answer:0x31; C_CreateObject:2:do-and-answer:0x32"), 0);
+    CK_RV result = CKR_OK;
+    static_cast<void>(store(module_, session_, "first", &result));
+    EXPECT_EQ(result, CKR_DEVICE_MEMORY);
+    static_cast<void>(store(module_, session_, "second", &result));
+    EXPECT_EQ(result, CKR_DEVICE_REMOVED);
+    EXPECT_EQ(labels(module_, session_), "second ");
+}
+
+TEST_F(Control, RefusesRulesItDoesNotUnderstand) {
+    for (const char* bad :
+         {"C_Nothing:1:answer:5", "C_Login:0:answer:5", "C_Login:x:answer:5", "C_Login:1:answer",
+          "C_Login:1:answer:0x", "C_Login:1:absurd:size", "C_Login:1:kill-before:3", "C_Login:1",
+          "C_Login:1:sing", "C_Login:1:take-out:x", "C_Login:-1:answer:5"})
+        EXPECT_EQ(module_.add_rules(bad), 1) << bad;
+    EXPECT_EQ(module_.add_rules("*:*:answer:5; nonsense"), 2);
+    EXPECT_EQ(seed(), CKR_OK);
+    EXPECT_EQ(module_.add_rules(" ; \n"), 0);
+}
+
+TEST_F(Control, OutlivesTheFinalisation) {
+    ASSERT_EQ(module_.add_rules("C_OpenSession:1:answer:0xE0"), 0);
+    ASSERT_EQ(module_->C_Finalize(nullptr), CKR_OK);
+    EXPECT_EQ(seed(), CKR_CRYPTOKI_NOT_INITIALIZED);
+    ASSERT_EQ(module_->C_Initialize(nullptr), CKR_OK);
+    EXPECT_EQ(module_.open(), 0U);
+    EXPECT_EQ(module_.calls("C_SeedRandom"), 1U);
+}
+
+TEST_F(Control, GivesAbsurdLengthsWithoutWritingPastTheBuffer) {
+    const auto object = store(module_, session_, "label");
+    char room[8] = "-------";
+    CK_ATTRIBUTE entry{CKA_LABEL, room, 5};
+    ASSERT_EQ(
+        module_.add_rules("C_GetAttributeValue:1:absurd:length; C_GetAttributeValue:2:absurd:unavailable;"
+                          "C_GetAttributeValue:3:absurd:text; C_FindObjects:1:absurd:count;"
+                          "C_GenerateRandom:1:absurd:text; C_Digest:1:absurd:length"),
+        0);
+    EXPECT_EQ(module_->C_GetAttributeValue(session_, object, &entry, 1), CKR_OK);
+    EXPECT_EQ(entry.ulValueLen, 5U + 4096);
+    entry.ulValueLen = 5;
+    EXPECT_EQ(module_->C_GetAttributeValue(session_, object, &entry, 1), CKR_OK);
+    EXPECT_EQ(entry.ulValueLen, CK_UNAVAILABLE_INFORMATION);
+    entry.ulValueLen = 5;
+    EXPECT_EQ(module_->C_GetAttributeValue(session_, object, &entry, 1), CKR_OK);
+    EXPECT_EQ(std::string(room), "XXXXX--");
+
+    CK_OBJECT_HANDLE found[2] = {0, 77};
+    CK_ULONG count = 0;
+    ASSERT_EQ(module_->C_FindObjectsInit(session_, nullptr, 0), CKR_OK);
+    EXPECT_EQ(module_->C_FindObjects(session_, found, 1, &count), CKR_OK);
+    EXPECT_EQ(count, 0x7FFFFFFFU);
+    EXPECT_EQ(found[0], object);
+    EXPECT_EQ(found[1], 77U);
+    ASSERT_EQ(module_->C_FindObjectsFinal(session_), CKR_OK);
+
+    CK_MECHANISM sha{CKM_SHA_1, nullptr, 0};
+    CK_BYTE digest[20];
+    CK_ULONG length = sizeof digest;
+    ASSERT_EQ(module_->C_DigestInit(session_, &sha), CKR_OK);
+    EXPECT_EQ(module_->C_Digest(session_, digest, 4, digest, &length), CKR_OK);
+    EXPECT_EQ(length, 20U + 4096);
+}
+
+TEST_F(Control, GivesTextsWithoutAnEnd) {
+    ASSERT_EQ(module_.add_rules(
+                  "C_GetSlotInfo:1:absurd:text; C_GetTokenInfo:1:absurd:text; C_GetInfo:1:absurd:text"),
+              0);
+    const auto all_x = [](const auto& field) {
+        return std::all_of(std::begin(field), std::end(field), [](CK_UTF8CHAR c) { return c == 'X'; });
+    };
+    CK_SLOT_INFO slot{};
+    CK_TOKEN_INFO token{};
+    CK_INFO info{};
+    ASSERT_EQ(module_->C_GetSlotInfo(0, &slot), CKR_OK);
+    ASSERT_EQ(module_->C_GetTokenInfo(0, &token), CKR_OK);
+    ASSERT_EQ(module_->C_GetInfo(&info), CKR_OK);
+    EXPECT_TRUE(all_x(slot.slotDescription) && all_x(token.serialNumber) && all_x(info.libraryDescription));
+}
+
+TEST_F(Control, RecordsCallsButNoSecrets) {
+    module_.record();
+    const auto object = store(module_, session_, "A");
+    ASSERT_EQ(object, 1001U);
+    EXPECT_EQ(read(module_, session_, object, CKA_ID), "?");
+    EXPECT_EQ(read(module_, session_, object, CKA_LABEL), "A");
+    module_->C_Logout(session_);
+    EXPECT_EQ(module_.login(session_, "98765"), CKR_PIN_INCORRECT);
+    module_.record(false);
+    EXPECT_EQ(seed(), CKR_OK);
+    EXPECT_EQ(
+        module_.recorded(),
+        "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_TOKEN 1 01, CKA_LABEL 1 41} "
+        "ulCount=3 phObject=1001 -> 0x0\n"
+        "C_GetAttributeValue hSession=1 hObject=1001 pTemplate={CKA_ID 512>18446744073709551615} ulCount=1 "
+        "-> 0x12\n"
+        "C_GetAttributeValue hSession=1 hObject=1001 pTemplate={CKA_LABEL 512>1 41} ulCount=1 -> 0x0\n"
+        "C_Logout hSession=1 -> 0x0\n"
+        "C_Login hSession=1 userType=1 -> 0xa0\n");
+    char some[16];
+    EXPECT_GT(module_.function<decltype(&zvsimcard_recorded)>("zvsimcard_recorded")(some, sizeof some), 100U);
+    EXPECT_STREQ(some, "C_CreateObject ");
+}
+
+TEST(ControlOfAProgram, CountsOverItsWholeRun) {
+    EmptyCards cards;
+    cards.add();
+    const auto run = [] { return in_child(second_initialisation).code; };
+    ::setenv("ZVSIMCARD_RULES", "C_Initialize:2:answer:0x31", 1);
+    EXPECT_EQ(run(), 0x31);
+    ::setenv("ZVSIMCARD_RULES", "C_Initialize:2:wrong", 1);
+    EXPECT_EQ(run(), 0x5);
+    ::unsetenv("ZVSIMCARD_RULES");
+    EXPECT_EQ(run(), 0);
+}
+
+TEST(ControlOfAProgram, KillsItBeforeOrAfterACall) {
+    EmptyCards cards;
+    cards.add();
+    const auto trace = cards.path() / "trace";
+    ::setenv("ZVSIMCARD_TRACE", trace.c_str(), 1);
+    const auto run = [](const char* rule) {
+        ::setenv("ZVSIMCARD_RULES", rule, 1);
+        return in_child([] {
+                   Module module;
+                   module->C_Initialize(nullptr);
+                   const auto session = module.open();
+                   module.login(session, user_pin);
+                   store(module, session, "stored");
+                   return 0;
+               })
+            .signal;
+    };
+    const int before = run("C_CreateObject:1:kill-before");
+    ::unsetenv("ZVSIMCARD_TRACE");
+    const int after = run("C_CreateObject:1:kill-after");
+    ::unsetenv("ZVSIMCARD_RULES");
+    EXPECT_EQ(before, SIGKILL);
+    EXPECT_EQ(after, SIGKILL);
+    const std::string text = whole_file(trace);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
+    EXPECT_TRUE(text.ends_with("ulCount=3 -> killed\n"));
+
+    Module module;
+    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+    const auto session = module.open();
+    ASSERT_EQ(module.login(session, user_pin), CKR_OK);
+    EXPECT_EQ(labels(module, session), "stored ");
+}
