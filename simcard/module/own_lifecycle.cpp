@@ -4,6 +4,7 @@
 #include "simcard/module/state.h"
 
 #include <iostream>
+#include <memory>
 
 namespace fs = std::filesystem;
 
@@ -37,8 +38,9 @@ CK_RV initialize(CK_VOID_PTR init_args) {
     try {
         const fs::path home = existing_home();
         const auto cards = cards_in(home);
-        state().hsm = std::make_unique<SoftHsm>(home, init_args);
-        state().slots = make_slots(cards, *state().hsm);
+        auto hsm = std::make_unique<SoftHsm>(home, init_args);
+        state().slots = make_slots(cards, *hsm);
+        state().hsm = hsm.release();
         return CKR_OK;
     } catch (const SoftHsmProblem& problem) {
         std::cerr << "zvsimcard: " << problem.what() << '\n';
@@ -49,6 +51,7 @@ CK_RV initialize(CK_VOID_PTR init_args) {
 CK_RV finalize(CK_VOID_PTR reserved) {
     if (!state().hsm) return CKR_CRYPTOKI_NOT_INITIALIZED;
     if (reserved) return CKR_ARGUMENTS_BAD;
+    delete state().hsm;
     state() = State{};
     return CKR_OK;
 }

@@ -5,7 +5,6 @@
 
 #include <deque>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,7 +32,9 @@ struct Object {
  * in every process, and one kind is not taken for the other.
  */
 struct State {
-    std::unique_ptr<SoftHsm> hsm;
+    /// Null while the module is not initialised. Ended by C_Finalize alone: when a process ends without it,
+    /// what SoftHSM needs for its own end may be gone before this is.
+    SoftHsm* hsm = nullptr;
     std::vector<Slot> slots;
     std::map<CK_SESSION_HANDLE, Session> sessions;
     std::map<CK_OBJECT_HANDLE, Object> objects;
@@ -58,7 +59,7 @@ struct State {
     [[nodiscard]] CK_RV reach_slot(CK_SLOT_ID slot);
 };
 
-/// The module's state; hsm is null while the module is not initialised.
+/// The module's state.
 [[nodiscard]] State& state();
 
 } // namespace simcard
