@@ -33,7 +33,7 @@ void decode(InputFile& input, OutputFile& output) {
 
 int kvFileToBase64(char* inPath, char* outPath, const char* mode) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(inPath, outPath, mode);
+        zvcrypt::requireArguments({inPath, outPath, mode});
         const std::string_view wanted = mode;
         if (wanted != "e" && wanted != "d")
             throw zvcrypt::Failure(ZVC_ERR_MODE, "Conversione sconosciuta: \"" + std::string(wanted) + "\"");

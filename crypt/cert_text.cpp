@@ -59,7 +59,7 @@ void writeBuff(char* in, char* out) {
 
 int SplitCert(char* text, datiCert* out, char* errText, int errSize) {
     const int code = zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(text, out);
+        zvcrypt::requireArguments({text, out});
         *out = {};
         zvcrypt::splitCertificate(text, *out);
     });

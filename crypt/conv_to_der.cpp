@@ -31,7 +31,7 @@ struct Output {
 int ConvToDer(unsigned char* der, unsigned long derLength, char* subject, unsigned long* subjectLength,
               char* issuer, unsigned long* issuerLength, char* serial, unsigned long* serialLength) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(der, subject, subjectLength, issuer, issuerLength, serial, serialLength);
+        zvcrypt::requireArguments({der, subject, subjectLength, issuer, issuerLength, serial, serialLength});
         const auto certificate = zvcrypt::requireCertificate(der, derLength);
         X509* it = certificate.get();
         const zvcrypt::Output outputs[] = {

@@ -32,9 +32,9 @@ Validity validity(const X509& certificate) {
 
 int kvGetCertDate(unsigned char* der, unsigned long length, char* date1, char* date2) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(date1, date2);
+        zvcrypt::requireArguments({date1, date2});
         *date1 = *date2 = '\0';
-        zvcrypt::requireArguments(der);
+        zvcrypt::requireArguments({der});
         const auto [from, to] = zvcrypt::validity(*zvcrypt::requireCertificate(der, length));
         zvcrypt::writeText(from, {date1, ZVC_DATE_SIZE});
         zvcrypt::writeText(to, {date2, ZVC_DATE_SIZE});
@@ -44,10 +44,10 @@ int kvGetCertDate(unsigned char* der, unsigned long length, char* date1, char* d
 int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int dateSize,
                    char* description) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(description);
+        zvcrypt::requireArguments({description});
         *description = '\0';
         const auto dates = zvcrypt::outputBuffer(dateText, dateSize);
-        zvcrypt::requireArguments(der);
+        zvcrypt::requireArguments({der});
         const auto certificate = zvcrypt::requireCertificate(der, length);
         const auto [from, to] = zvcrypt::validity(*certificate);
         // Both are written before either may fail for want of room.

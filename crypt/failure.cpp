@@ -4,6 +4,7 @@
 
 #include <openssl/err.h>
 
+#include <algorithm>
 #include <new>
 
 namespace zvcrypt {
@@ -53,6 +54,11 @@ int runOperation(const std::function<void()>& body) noexcept {
     } catch (const std::exception& error) {
         return keep(ZVC_ERR_INTERNAL, error.what());
     }
+}
+
+void requireArguments(std::initializer_list<const void*> pointers) {
+    if (std::find(pointers.begin(), pointers.end(), nullptr) != pointers.end())
+        throw Failure(ZVC_ERR_ARGUMENT, "Argomento mancante nella chiamata alla libreria crittografica");
 }
 
 } // namespace zvcrypt

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <functional>
+#include <initializer_list>
 #include <string>
 
 namespace zvcrypt {
@@ -27,9 +28,6 @@ class Failure : public std::exception {
 [[nodiscard]] int runOperation(const std::function<void()>& body) noexcept;
 
 // Fails with ZVC_ERR_ARGUMENT when one of the arguments is null.
-template <class... Pointers> void requireArguments(const Pointers*... pointers) {
-    if (((pointers == nullptr) || ...))
-        throw Failure(ZVC_ERR_ARGUMENT, "Argomento mancante nella chiamata alla libreria crittografica");
-}
+void requireArguments(std::initializer_list<const void*> pointers);
 
 } // namespace zvcrypt

@@ -16,7 +16,7 @@ int field(const unsigned char* der, unsigned long length, char* out, int size,
           const std::function<std::string(X509&)>& read) {
     return runOperation([&] {
         const auto buffer = outputBuffer(out, size);
-        requireArguments(der);
+        requireArguments({der});
         writeText(read(*requireCertificate(der, length)), buffer);
     });
 }
@@ -71,7 +71,7 @@ int kvGetCodFisc(unsigned char* der, unsigned long length, char* out, int size) 
 int kvGetCertificatePolicies(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::runOperation([&] {
         const auto buffer = zvcrypt::outputBuffer(out, size);
-        zvcrypt::requireArguments(der);
+        zvcrypt::requireArguments({der});
         const auto policies = zvcrypt::policyIdentifiers(*zvcrypt::requireCertificate(der, length));
         std::string text;
         for (const auto& policy : policies) {

@@ -51,14 +51,14 @@ void lookUp(const char* reader, char* module, const char* iniDir) {
 
 int kvGetPKCS11FromATR(char* reader, char* module) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(reader, module);
+        zvcrypt::requireArguments({reader, module});
         zvcrypt::lookUp(reader, module, nullptr);
     });
 }
 
 int kvGetPKCS11FromATRLite(char* reader, char* module, const char* iniDir) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(reader, module, iniDir);
+        zvcrypt::requireArguments({reader, module, iniDir});
         zvcrypt::lookUp(reader, module, iniDir);
     });
 }

@@ -36,7 +36,7 @@ std::vector<std::string> readerNames() {
 
 int kvGetReader(char* list) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(list);
+        zvcrypt::requireArguments({list});
         list[0] = '\0';
         std::string text;
         for (const auto& name : zvcrypt::readerNames()) {

@@ -108,7 +108,7 @@ Session& currentSession() {
 
 int kvInitialize(char* libPath, int slot) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(libPath);
+        zvcrypt::requireArguments({libPath});
         zvcrypt::current().reset();
         zvcrypt::current() = std::make_unique<zvcrypt::Session>(libPath, static_cast<unsigned>(slot));
     });
@@ -116,7 +116,7 @@ int kvInitialize(char* libPath, int slot) {
 
 int kvLogin(const char* pin) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(pin);
+        zvcrypt::requireArguments({pin});
         if (*pin == '\0')
             throw zvcrypt::Failure(ZVC_ERR_PIN_EMPTY, "PIN mancante: la smart card non è stata usata");
         zvcrypt::currentSession().login(pin);
@@ -129,7 +129,7 @@ int kvFinalize() {
 
 int kvCheckSmartCard(char* label, char* manufacturer, char* model, char* serial) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(label, manufacturer, model, serial);
+        zvcrypt::requireArguments({label, manufacturer, model, serial});
         *label = *manufacturer = *model = *serial = '\0';
         const CK_TOKEN_INFO info = zvcrypt::currentSession().tokenInfo();
         zvcrypt::writeText(zvcrypt::fixedText(info.label), {label, 80});

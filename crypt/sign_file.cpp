@@ -82,7 +82,7 @@ void signFile(const Session& session, const char* keyId, const HashAlgorithm& ha
 
 int kvSignFile(const char* keyId, const char* hashName, const char* inPath, const char* outPath) {
     return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments(keyId, hashName, inPath, outPath);
+        zvcrypt::requireArguments({keyId, hashName, inPath, outPath});
         const auto& hash = zvcrypt::hashAlgorithm(hashName);
         zvcrypt::signFile(zvcrypt::currentSession(), keyId, hash, inPath, outPath);
     });

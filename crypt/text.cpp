@@ -26,7 +26,7 @@ bool copyText(std::string_view text, std::span<char> buffer) noexcept {
 }
 
 std::span<char> outputBuffer(char* buffer, int size) {
-    requireArguments(buffer);
+    requireArguments({buffer});
     if (size < 1) throw Failure(ZVC_ERR_ARGUMENT, "Dimensione del buffer non valida");
     buffer[0] = '\0';
     return {buffer, static_cast<std::size_t>(size)};
