@@ -5,11 +5,11 @@
  * Conventions
  *
  *  1. Texts are NUL-terminated; buffers belong to the caller. A helper that returns a pointer into a buffer
- * of the process says so: the text is valid until the next helper that shares the buffer.
+ *     of the process says so: the text is valid until the next helper that shares the buffer.
  *  2. Card routines work on the session that __Initialize or inizializza opened and leave the PKCS#11 result
- * of their last call in a variable of the library. A `void*` first argument is not read.
+ *     of their last call in a variable of the library. A `void*` first argument is not read.
  *  3. "Logged" means written to the user's log (getLogPath). A sentence for a person stands there under
- * "Messaggio di Errore".
+ *     "Messaggio di Errore".
  *  4. PKCS#11 results and attributes are those of pkcs11.h (PKCS#11 version 2).
  */
 #ifndef ZV_ROUTINES_H
@@ -73,11 +73,15 @@ ZV_API char* LtoAHex(long value);
 ZV_API char* CatItoA(const char* prefix, int value);
 /** Returns CatILtoAbuff: prefix (cut to fit 127 characters in all), then value in decimal. */
 ZV_API char* CatLtoA(const char* prefix, long value);
-/** Writes prefix, "0x" and the decimal digits of value into destination (the prefix and 14 characters of
- * room). Returns it. */
+/**
+ * Writes prefix, "0x" and the decimal digits of value into destination (the prefix and 14 characters of
+ * room). Returns it.
+ */
 ZV_API char* CatItoAHex(char* destination, const char* prefix, int value);
-/** Writes prefix, "0x" and the decimal digits of value into destination (the prefix and 23 characters of
- * room). Returns it. */
+/**
+ * Writes prefix, "0x" and the decimal digits of value into destination (the prefix and 23 characters of
+ * room). Returns it.
+ */
 ZV_API char* CatLtoAHex(char* destination, const char* prefix, long value);
 /** Returns CatILtoAbuffHex1: prefix (cut to fit 127 characters in all), "0x", the decimal digits of value. */
 ZV_API char* CatItoAHex1(const char* prefix, int value);
@@ -105,19 +109,23 @@ ZV_API char* UnEscape(char* text);
  * @param[in]  text            the pairs
  * @param[in]  name            the field's name
  * @param[out] output          the value without blanks around it; as many characters of room as text has, and
- * one
+ *                             one
  * @param[in]  pairSeparator   text between pairs
  * @param[in]  valueSeparator  text between a name and its value
  * @return 0; -1 no such field or a null argument; -4 a field start without a value separator behind it
  */
 ZV_API int NWGetOpt(char* text, char* name, char* output, char* pairSeparator, char* valueSeparator);
-/** NWGetOpt for the form "a=1&b=2", the value decoded ("+" and percent signs). Always 0; a missing field
- * leaves output empty. */
+/**
+ * NWGetOpt for the form "a=1&b=2", the value decoded ("+" and percent signs). Always 0; a missing field
+ * leaves output empty.
+ */
 ZV_API int Valore(char* text, char* name, char* output);
 /** Returns a date DD?MM?YYYY as the number YYYYMMDD; 0 for an empty text. */
 ZV_API long DataToLong(char* date);
-/** Writes n x 28 + 13579 in decimal into output (21 characters of room), n the number in text; empty for an
- * empty text. */
+/**
+ * Writes n x 28 + 13579 in decimal into output (21 characters of room), n the number in text; empty for an
+ * empty text.
+ */
 ZV_API char* XX(char* text, char* output);
 /** As XX, into x1. */
 ZV_API char* X1(char* text);
@@ -129,8 +137,10 @@ ZV_API char* X3(char* text);
 /* ---- Log (diag/)
  * -------------------------------------------------------------------------------------------------- */
 
-/** Returns the log's path, a buffer of 513 characters of the process, computed on the first call from the
- * user database. */
+/**
+ * Returns the log's path, a buffer of 513 characters of the process, computed on the first call from the user
+ * database.
+ */
 ZV_API char* getLogPath(void);
 /**
  * Appends one line with the time in brackets; null and empty become "MESSAGGIO VUOTO!". A log of more than 1
@@ -143,7 +153,7 @@ ZV_API void scriviLog(const char* message);
  * @param[in] title         text of the title line
  * @param[in] data1, data2  a datum; null writes nothing
  * @param[in] len1, len2    0: the datum is a text; positive: exactly that many raw bytes; negative: an empty
- * line
+ *                          line
  */
 ZV_API void WriteLog(const char* title, const char* data1, int len1, const char* data2, int len2);
 /** WriteLog, for entries that report an error. */
@@ -162,8 +172,8 @@ ZV_API void LogLabels(REQRENIN* request);
  * @param[out] isTouchSign  set to true for a touch-sign card, never to false
  * @param[in]  reader       reader to use; null: the first of the list
  * @return 0 (also when there is no reader: no module is selected then); 100 unknown card or serial number
- * "1201..."; -1 no slot; a code of the crypto library, whose session stays open when the card's data cannot
- * be read
+ *         "1201..."; -1 no slot; a code of the crypto library, whose session stays open when the card's data
+ *         cannot be read
  */
 ZV_API int CheckSmartCard(bool& isTouchSign, char* reader);
 /**
@@ -203,22 +213,28 @@ ZV_API CK_RV FindObjects(void*, char* title, unsigned long session, unsigned lon
                          unsigned long maxCount, unsigned long* found);
 /** C_FindObjectsFinal, traced under title. Returns the PKCS#11 result. */
 ZV_API CK_RV FindObjectsFinal(void*, char* title, unsigned long session);
-/** C_GetAttributeValue, traced under title. Returns the PKCS#11 result; no length comes back above the one
- * given. */
+/**
+ * C_GetAttributeValue, traced under title. Returns the PKCS#11 result; no length comes back above the one
+ * given.
+ */
 ZV_API CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object,
                                CK_ATTRIBUTE* tmpl, unsigned long count);
-/** Finds the first object that matches. Returns 0; all ones when none does or the search cannot be closed; a
- * PKCS#11 result. */
+/**
+ * Finds the first object that matches. Returns 0; all ones when none does or the search cannot be closed; a
+ * PKCS#11 result.
+ */
 ZV_API unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
                                   unsigned long* object);
 
-/** Destroys the first object of the class whose CKA_ID equals id. Returns 0; 0xFFFFFFFF none; a PKCS#11
- * result. */
+/**
+ * Destroys the first object of the class whose CKA_ID equals id. Returns 0; 0xFFFFFFFF none; a PKCS#11
+ * result.
+ */
 ZV_API unsigned int DeleteAnObject(unsigned long session, unsigned long objClass, char* id);
 /**
  * Destroys every object whose CKA_ID contains text, of any class; an empty text matches all.
  * @return 0, also when a destroy failed; 1 when the search failed or an object other than data has no
- * readable CKA_ID
+ *         readable CKA_ID
  */
 ZV_API int DeleteObjectByLabel(unsigned long session, char* text);
 /** Logs, then DeleteObjectByLabel. `kind` is not read. */
@@ -255,8 +271,10 @@ ZV_API int CheckPendingKeys(void*, bool reportMissing);
  */
 ZV_API unsigned int DataStore(unsigned long session, const char* label, const char* value, const char* unused,
                               bool modifiable, bool isPrivate);
-/** Destroys the first data object with that label (at most 64 characters, else 0xFFFFFFFF). Returns the
- * search's PKCS#11 result. */
+/**
+ * Destroys the first data object with that label (at most 64 characters, else 0xFFFFFFFF). Returns the
+ * search's PKCS#11 result.
+ */
 ZV_API unsigned int DeleteDataPendingCNS(unsigned long session, char* label);
 
 /* ---- Inventory (inventory/)
@@ -280,25 +298,33 @@ ZV_API int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praR
                                       char* ckaidAUT);
 /** Pending pair or free identifiers. Returns 0; 65535 on a PKCS#11 failure; 1 when a series is full. */
 ZV_API int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* ckaidAUT);
-/** Rewrites "/CN=..." names to numeric OIDs in place; name of 512 characters of room, scratch of 4096.
- * Returns 0. */
+/**
+ * Rewrites "/CN=..." names to numeric OIDs in place; name of 512 characters of room, scratch of 4096. Returns
+ * 0.
+ */
 ZV_API int __DescrToOid(char* name, char* scratch);
-/** The same for a services card: lists only certificates with a private key; expiry is 9 bytes of room for
- * the card's expiry date. */
+/**
+ * The same for a services card: lists only certificates with a private key; expiry is 9 bytes of room for the
+ * card's expiry date.
+ */
 ZV_API int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** autList, char* praRecord,
                                          long praRecordSize, char* praSubject, long praSubjectSize,
                                          char* autRecord, long autRecordSize, char* autSubject,
                                          long autSubjectSize, char* autId, char* praId, int* pendingPRA,
                                          int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
                                          char* expiry, bool unused);
-/** Pending pair, pending marker, expiry date or free identifiers of a services card. Returns as
- * Find_ALL_Pending. */
+/**
+ * Pending pair, pending marker, expiry date or free identifiers of a services card. Returns as
+ * Find_ALL_Pending.
+ */
 ZV_API int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char* ckaidPRA,
                                char* ckaidAUT, char* expiry, bool unused);
 /** __DescrToOid for a services card: the common name goes last. Returns 0; 1 without a common name. */
 ZV_API int __DescrToOidCNS(char* name, char* scratch);
-/** Takes the expiry date (8 characters) out of the card's personal data; out, of 9 bytes, stays as it is when
- * there is none. */
+/**
+ * Takes the expiry date (8 characters) out of the card's personal data; out, of 9 bytes, stays as it is when
+ * there is none.
+ */
 ZV_API void getDtScadenza(char* pdata, char* out);
 /**
  * Pending or free identifiers of both kinds.
@@ -318,7 +344,7 @@ ZV_API int renewDump(char* libPath, char* pin, int slot, std::string& out);
  * Describes every object of the card, one line each.
  * @param[in,out] text  1536 bytes, appended to; whole lines only, as many as fit
  * @return 0 no objects; 2 objects, no pending key; 3 a pending key and fewer than three objects; 4 a pending
- * key and three or more; 1 on a PKCS#11 failure
+ *         key and three or more; 1 on a PKCS#11 failure
  */
 ZV_API int FindAllObjects(unsigned long unusedSession, char* text);
 /** Returns 1 when text has the shape of a codice fiscale, or is not 16 characters long; else 0. */
@@ -359,8 +385,10 @@ ZV_API unsigned short SignIt(void*, unsigned char* data, unsigned long dataLengt
  */
 ZV_API unsigned short RequestCertificate(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
                                          char*);
-/** RequestCertificate for the services card's own pair "CNS0"; marks the card with "pending_CNS_key" when
- * done. */
+/**
+ * RequestCertificate for the services card's own pair "CNS0"; marks the card with "pending_CNS_key" when
+ * done.
+ */
 ZV_API unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
                                             char*);
 /**
@@ -392,20 +420,27 @@ ZV_API int ChangeValueObject(void*, char* newId);
  */
 ZV_API int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char* label,
                                   char* pkcs11Library);
-/** Gives every object whose CKA_LABEL equals currentLabel the identifier and label newText. Returns 0 or 1.
+/**
+ * Gives every object whose CKA_LABEL equals currentLabel the identifier and label newText. Returns 0 or 1.
  */
 ZV_API int RechangeValueObject(void*, const char* currentLabel, char* newText);
 /** Logs the creation of a certificate. */
 ZV_API void LogInstallCertificate(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
                                   unsigned long* certificate);
-/** Writes an authority's certificate, no key checked, its serial number as it is. Returns 0 or 1. No caller
- * inside the library. */
+/**
+ * Writes an authority's certificate, no key checked, its serial number as it is. Returns 0 or 1. No caller
+ * inside the library.
+ */
 ZV_API int InstallCACertificate(void*, datiCert* cert, unsigned long derLength, char* label);
-/** Decodes a PEM certificate into der (8191 bytes of room); pem is cut at its end marker. Returns the bytes,
- * 0 on a failure. */
+/**
+ * Decodes a PEM certificate into der (8191 bytes of room); pem is cut at its end marker. Returns the bytes, 0
+ * on a failure.
+ */
 ZV_API int CrtB64ToDer(char* pem, char* der);
-/** Rewrites short attribute names to numeric OIDs in place; work as long as dn's buffer. Returns
- * CommaToSlash's count. */
+/**
+ * Rewrites short attribute names to numeric OIDs in place; work as long as dn's buffer. Returns
+ * CommaToSlash's count.
+ */
 ZV_API int DescrToOid(char* dn, char* work);
 /** Rewrites every second ", D=" and the ", N=" behind a ", D=" with a slash. Returns the rounds made. */
 ZV_API int CommaToSlash(char* dn, char* work);
@@ -415,13 +450,17 @@ ZV_API int ConvertiCertificato(char** dns);
 /* ---- Command block and names (api/)
  * ------------------------------------------------------------------------------------ */
 
-/** Brings a name text (a buffer of size characters) to one attribute a line and parses it into the request's
- * name. */
+/**
+ * Brings a name text (a buffer of size characters) to one attribute a line and parses it into the request's
+ * name.
+ */
 ZV_API void _RiempiDN(char* dn, unsigned int size);
 /** Parses a text with one attribute a line into the request's name; what it does not name stays. */
 ZV_API void CaricaDN(char* text);
-/** Writes text, every from replaced by to, into a text of the library of 1023 characters; what does not fit
- * is dropped. */
+/**
+ * Writes text, every from replaced by to, into a text of the library of 1023 characters; what does not fit is
+ * dropped.
+ */
 ZV_API void replace(char* text, char* from, char* to);
 /** Empties the request's name. */
 ZV_API void ResettaDN(void);
@@ -448,8 +487,10 @@ ZV_API int ScaCert(REQRENIN* rec, datiDN* dn, char* out, unsigned* outLen);
 ZV_API int Scarica(REQRENIN* rec, char* out, unsigned* outLen);
 /** Opens the session and makes the request. No caller inside the library. */
 ZV_API int Rinnova(REQRENIN* rec, char* out, unsigned* outLen);
-/** Breaks lines longer than 64 characters in place; text, zero behind its end, has room for one more in 64.
- * Returns the length. */
+/**
+ * Breaks lines longer than 64 characters in place; text, zero behind its end, has room for one more in 64.
+ * Returns the length.
+ */
 ZV_API unsigned long SepRows(char* text);
 
 } // extern "C"

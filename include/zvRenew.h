@@ -4,32 +4,32 @@
  * Conventions
  *
  *  1. Texts are NUL-terminated. A null text argument is taken as an empty text (a null `reader` stays "the
- * first reader"); null output buffers, lists and list entries are skipped.
+ *     first reader"); null output buffers, lists and list entries are skipped.
  *  2. Every buffer belongs to the caller, who gives the sizes stated here; nothing is returned for the caller
- * to free.
+ *     to free.
  *  3. A result of 0 is success. Otherwise szBuffErr holds the text for the user. The result is one of the ZV_
- * codes below, a PKCS#11 result (CKR_..., pkcs11.h) of the step that failed, or a code of the crypto library
- * (zvCrypt.h, from 0x2000 up).
+ *     codes below, a PKCS#11 result (CKR_..., pkcs11.h) of the step that failed, or a code of the crypto
+ *     library (zvCrypt.h, from 0x2000 up).
  *  4. Calls must not overlap: the library keeps its state in variables of the process and takes no locks.
  *  5. Call loadErrorCodes() once before anything else; the library never does, and without it the Italian
- * messages of PKCS#11 failures are empty.
+ *     messages of PKCS#11 failures are empty.
  *  6. Every step goes to the user's log, "/.trevallo/zvRenew.log" below the home directory of the user
- * database. The library does not create that directory: the host does (mode 0700). Without it nothing is
- * logged. A PIN never is.
+ *     database. The library does not create that directory: the host does (mode 0700). Without it nothing is
+ *     logged. A PIN never is.
  *  7. Requests and storing work on the module and the slot of the last reading (rinnovo_Card_readCerts): read
- * first. Only slots 0 to 9 can be used by them.
+ *     first. Only slots 0 to 9 can be used by them.
  *  8. Each call opens the card's PKCS#11 module itself and finalises it (C_Finalize) for the whole process
- * when done: a host that uses the same module loses its sessions.
+ *     when done: a host that uses the same module loses its sessions.
  *  9. "Identifier" always means a CKA_ID, read as text. Signature (PRA) pairs are "DS" and a digit,
- * authentication (AUT) pairs "AUTHCertificate" and a digit, the national services card's own pair is "CNS0".
- * Digits 0 to 2 are the card's first keys; renewed keys take 3 to 5.
+ *     authentication (AUT) pairs "AUTHCertificate" and a digit, the national services card's own pair is
+ *     "CNS0". Digits 0 to 2 are the card's first keys; renewed keys take 3 to 5.
  * 10. Guards: a call whose arguments would cost a key or a PIN try, or would not reach the card unchanged, is
- * stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
- * szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read). See
- * docs/guards.md.
+ *     stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
+ *     szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read).
+ *     See docs/guards.md.
  * 11. The PIN: an empty one is sent to the card like any other and costs a try. Reading logs in twice (once
- * for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
- * login is left out, so that one typing error costs one try.
+ *     for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
+ *     login is left out, so that one typing error costs one try.
  */
 #ifndef ZV_RENEW_H
 #define ZV_RENEW_H
@@ -64,8 +64,9 @@ extern "C" {
 /** A result too large, or a call stopped by a guard before the card was touched. */
 #define ZV_NOT_SENT (-10000)
 
-/** Text for the user after a failed call. Cleared at the start of each call except
- * rinnovo_Card_findFreeCKAID. */
+/**
+ * Text for the user after a failed call. Cleared at the start of each call except rinnovo_Card_findFreeCKAID.
+ */
 extern ZV_API char szBuffErr[512];
 
 /**
@@ -74,7 +75,8 @@ extern ZV_API char szBuffErr[512];
  */
 extern ZV_API char szSockMsg[512];
 
-/** True after a reading of a services card or a search for free identifiers: the card holds DS3, DS4 or DS5.
+/**
+ * True after a reading of a services card or a search for free identifiers: the card holds DS3, DS4 or DS5.
  */
 extern ZV_API bool use2048Bit;
 
@@ -116,26 +118,28 @@ ZV_API void set_ATRini_path(const char* dir);
  * record and the first AUT record each get one more field: keyPRA and keyAUT.
  *
  * @param[in]  reader        reader to use; null: the first that holds a card. A reader belongs to the card
- * when its name contains the module's slot description, so of two readers whose names contain each other the
- * first slot is taken. A text containing ".dll" is taken as the module path itself: no detection, slot 0,
- *                           services card
+ *                           when its name contains the module's slot description, so of two readers whose
+ *                           names contain each other the first slot is taken. A text containing ".dll" is
+ *                           taken as the module path itself: no detection, slot 0, services card
  * @param[in]  pin           user PIN. Sent as it is, also when empty. Sent twice, see convention 11
  * @param[in]  reservedInt   not used
  * @param[out] listCNS, listPRA, listAUT  lists as described
  * @param[out] pendingCNS, pendingPRA, pendingAUT  1 when a pair generated for a request waits for its
- * certificate, else 0
+ *                                                 certificate, else 0
  * @param[out] keyPRA, keyAUT  32 characters each: the pending pair's identifier; else a free identifier for a
- * new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means that none is free; a full DS
- *                           series also stops the proposal for AUT. "Free" looks at public keys only. A kind
- * without a certificate on the card gets no proposal here (rinnovo_Card_findFreeCKAID gives one)
+ *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
+ *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
+ *                             looks at public keys only. A kind without a certificate on the card gets no
+ *                             proposal here (rinnovo_Card_findFreeCKAID gives one)
  * @param[in]  reservedText  not used
  * @param[in]  moduleDir     directory of the PKCS#11 modules, at most 511 characters
  *
  * @return 0; 100 unknown card ("Tipo di Smart Card non supportato"); -1 no slot of the module belongs to the
- * reader, the module cannot be used, or the inventory failed; the PKCS#11 result of the session that could
- * not be opened; a code of the crypto library. With no reader at all, detection ends without a module and the
- * session fails with -1. After a failure: nothing on the card has changed; the lists may hold records without
- * a count. A wrong PIN has cost one try.
+ *         reader, the module cannot be used, or the inventory failed; the PKCS#11 result of the session that
+ *         could not be opened; a code of the crypto library. With no reader at all, detection ends without a
+ *         module and the session fails with -1.
+ * After a failure: nothing on the card has changed; the lists may hold records without a count. A wrong PIN
+ * has cost one try.
  */
 ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char** listCNS, char** listPRA,
                                   char** listAUT, int* pendingCNS, int* pendingPRA, int* pendingAUT,
@@ -151,7 +155,8 @@ ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char
  * @param[out] keyPRA, keyAUT  32 characters each; a text without a digit means that none is free
  *
  * @return 0; 1 none free in one of the series (keyPRA is "DS": none for PRA, and AUT was not looked for);
- * otherwise as rinnovo_Card_readCerts After a failure: nothing on the card has changed.
+ *         otherwise as rinnovo_Card_readCerts
+ * After a failure: nothing on the card has changed.
  */
 ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, char* keyAUT);
 
@@ -164,26 +169,28 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  * (sha1WithRSAEncryption); the wrapping SHA-256.
  *
  * @param[out] requestOut    16384 characters (ZV_REQUEST_SIZE): the DER of the CMS in base64, lines of 64
- * characters. Longer results are cut: a text of exactly 16,383 characters is a failure. A terminator is
- * always written at 16,383
+ *                           characters. Longer results are cut: a text of exactly 16,383 characters is a
+ *                           failure. A terminator is always written at 16,383
  * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most 31 characters, such as
- * keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not be empty, nor a part of
- * keyId
+ *                           keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not
+ *                           be empty, nor a part of keyId
  * @param[in]  pin           user PIN, at most 31 characters, no trailing blank
  * @param[in]  keyId         identifier of the card's key that signs the wrapping (the certificate being
- * renewed). On a services card the identifier "CNS0" goes through rinnovo_Card_createCertRequestAUT
+ *                           renewed). On a services card the identifier "CNS0" goes through
+ *                           rinnovo_Card_createCertRequestAUT
  * @param[in]  dn            subject: attributes as OID and "=" ("2.5.4.6=IT2.5.4.3=NAME...", as the records
- * give them), or
- *                           "/OU=", "/emailAddress=", "/gn=", "/serialNumber=". Values are cut to 64
- * characters (country 2, description, e-mail and locality 127); the subject is worked on in a text of 1023
- * characters and loses what goes past it. A sixth organisational unit is ignored
+ *                           give them), or "/OU=", "/emailAddress=", "/gn=", "/serialNumber=". Values are cut
+ *                           to 64 characters (country 2, description, e-mail and locality 127); the subject
+ *                           is worked on in a text of 1023 characters and loses what goes past it. A sixth
+ *                           organisational unit is ignored
  * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request; false
- * keeps and reuses it
+ *                           keeps and reuses it
  *
  * @return 0; -10000 a guard; 1 the request machinery (szSockMsg may hold the reason); 100 a temporary file; a
- * PKCS#11 result of the session; a code of the crypto library After a failure: the pair, if it was generated,
- * stays on the card under pendingLabel, and the next call with that label uses it again. The temporary files
- * (/tmp/tmpReqFile, /tmp/szP7MName, /tmp/szP7MNameB64; no secrets) are left.
+ *         PKCS#11 result of the session; a code of the crypto library
+ * After a failure: the pair, if it was generated, stays on the card under pendingLabel, and the next call
+ * with that label uses it again. The temporary files (/tmp/tmpReqFile, /tmp/szP7MName, /tmp/szP7MNameB64; no
+ * secrets) are left.
  */
 ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
@@ -208,19 +215,21 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *
  * @param[in]     pin           user PIN, at most 31 characters, no trailing blank
  * @param[in,out] certLabel     identifier of the certificate to replace, room for 4 characters at least:
- * trailing blanks are removed in place, and an empty text becomes "DS0" in place (so an empty label *means*
- * DS0). Give a whole identifier. It must not be a part of pendingLabel when keepOld is false
+ *                              trailing blanks are removed in place, and an empty text becomes "DS0" in place
+ *                              (so an empty label *means* DS0). Give a whole identifier. It must not be a
+ *                              part of pendingLabel when keepOld is false
  * @param[in]     pendingLabel  identifier of the pending pair, whole. A wrong one renames another key: every
- * key whose identifier contains it matches, the last one found is taken. Must not be empty
+ *                              key whose identifier contains it matches, the last one found is taken. Must
+ *                              not be empty
  * @param[in]     certChain     the certificate: base64 DER, PEM or a PKCS#7 bundle, line breaks allowed. Some
- * 7,500 characters at most, since the whole command must fit 8,000. Subject and issuer up to 512 bytes of
- * DER, keys up to 2048 bits
+ *                              7,500 characters at most, since the whole command must fit 8,000. Subject and
+ *                              issuer up to 512 bytes of DER, keys up to 2048 bits
  * @param[in]     keepOld       true keeps the old certificate and its keys, false removes them first
  *
  * @return 0; -10000 a guard; 1 the certificate was refused (no certificate, not of the pending pair, not
- * written) or a deletion failed; a PKCS#11 result of the session After a failure: the pending pair is on the
- * card, under its pending identifier; with keepOld false the old objects may be gone already. The same call
- * with keepOld true can be repeated.
+ *         written) or a deletion failed; a PKCS#11 result of the session
+ * After a failure: the pending pair is on the card, under its pending identifier; with keepOld false the old
+ * objects may be gone already. The same call with keepOld true can be repeated.
  */
 ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLabel, char* certChain,
                                     bool keepOld);
