@@ -69,7 +69,7 @@ CardPlan completed(CardPlan plan, const std::filesystem::path& home) {
     if (plan.reader.front() == ' ' || plan.reader.back() == ' ')
         throw Refusal("A reader's name cannot start or end with a blank.");
     check_text("serial number", plan.serial, 16, "");
-    if (plan.pin.size() < 4 || plan.pin.size() > 31 || plan.pin.back() == ' ')
+    if (const std::string& pin = plan.pin.text(); pin.size() < 4 || pin.size() > 31 || pin.back() == ' ')
         throw Refusal("A PIN has 4 to 31 characters, the last of them not a blank.");
     check_days(plan.signature_days);
     check_days(plan.authentication_days);

@@ -5,7 +5,6 @@
 
 #include <iostream>
 #include <memory>
-#include <openssl/crypto.h>
 
 namespace simcard {
 namespace {
@@ -15,7 +14,6 @@ struct CreateOptions {
     std::string profile = "signature";
     std::string keys;
     std::string configuration;
-    ~CreateOptions() { OPENSSL_cleanse(plan.pin.data(), plan.pin.size()); }
 };
 
 void create(CreateOptions& options, const std::filesystem::path& home) {
@@ -53,7 +51,7 @@ void add_create_command(CLI::App& program, const Home& home) {
     command.add_option("--reader", plan.reader,
                        "Reader that holds it (default: the first free \"Simulated Reader\")");
     command.add_option("--serial", plan.serial, "Serial number (default: a random one)");
-    command.add_option("--pin", plan.pin, "The user's PIN")->capture_default_str();
+    command.add_option("--pin", plan.pin.text(), "The user's PIN")->capture_default_str();
     command.add_option("--days", plan.signature_days, "Days until the signature certificate ends")
         ->capture_default_str();
     command

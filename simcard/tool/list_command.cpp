@@ -7,7 +7,6 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <openssl/crypto.h>
 
 namespace simcard {
 namespace {
@@ -16,9 +15,8 @@ using nlohmann::ordered_json;
 
 struct ListOptions {
     std::string card;
-    std::string pin;
+    Secret pin;
     bool json = false;
-    ~ListOptions() { OPENSSL_cleanse(pin.data(), pin.size()); }
 };
 
 using Row = std::vector<std::string>;
@@ -108,7 +106,7 @@ void list_one(const Card& card, const ListOptions& options) {
     for (const ObjectView& object : objects)
         rows.push_back(as_row(object));
     print_table(rows);
-    if (options.pin.empty()) std::cout << "\nPrivate objects are shown with --pin.\n";
+    if (options.pin.text().empty()) std::cout << "\nPrivate objects are shown with --pin.\n";
 }
 
 } // namespace
@@ -117,7 +115,8 @@ void add_list_command(CLI::App& program, const Home& home) {
     CLI::App& command = *program.add_subcommand("list", "Shows the cards, or one card and its objects");
     const auto options = std::make_shared<ListOptions>();
     command.add_option("card", options->card, "Name of the card to look into");
-    command.add_option("--pin", options->pin, "The card's PIN, to see private objects too; costs no try");
+    command.add_option("--pin", options->pin.text(),
+                       "The card's PIN, to see private objects too; costs no try");
     command.add_flag("--json", options->json, "As JSON");
     command.callback([options, &home] {
         if (options->card.empty())

@@ -68,10 +68,10 @@ ObjectView view_of(TokenSession& token, CK_OBJECT_HANDLE object) {
 
 } // namespace
 
-std::vector<ObjectView> view_objects(const Card& card, const std::string& pin) {
+std::vector<ObjectView> view_objects(const Card& card, const Secret& pin) {
     const SoftHsm hsm(card.folder.parent_path());
     TokenSession token(hsm, card);
-    if (!pin.empty() && !token.login(pin)) throw Refusal("That is not the card's PIN.");
+    if (!pin.text().empty() && !token.login(pin)) throw Refusal("That is not the card's PIN.");
     std::vector<ObjectView> views;
     for (const CK_OBJECT_HANDLE object : token.objects())
         views.push_back(view_of(token, object));

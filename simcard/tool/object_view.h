@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simcard/common/card.h"
+#include "simcard/tool/secret.h"
 
 #include <string>
 #include <vector>
@@ -24,6 +25,6 @@ struct ObjectView {
  * @return the objects sorted by identifier, then class
  * @throws Refusal when the PIN is not the card's
  */
-[[nodiscard]] std::vector<ObjectView> view_objects(const Card& card, const std::string& pin);
+[[nodiscard]] std::vector<ObjectView> view_objects(const Card& card, const Secret& pin);
 
 } // namespace simcard

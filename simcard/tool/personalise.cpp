@@ -76,7 +76,7 @@ Card personalise_card(const fs::path& home, const CardPlan& wanted, KeySource& k
     const Authority authority = Authority::open_or_create(Authority::folder_beside_cards(home), keys);
     // In a folder of its own until it is complete: nobody else's SoftHSM takes it for a token meanwhile.
     const TemporaryFolder workshop(home / ".making");
-    Card card = make_card(workshop.path(), settings(plan), officer_pin, plan.pin);
+    Card card = make_card(workshop.path(), settings(plan), officer_pin, plan.pin.text());
     store_objects(workshop.path(), card, plan, authority, keys);
     keep_as_made(card);
     move_in(card, home / plan.name);

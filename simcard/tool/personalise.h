@@ -4,6 +4,7 @@
 #include "simcard/authority/name.h"
 #include "simcard/common/card.h"
 #include "simcard/tool/profile.h"
+#include "simcard/tool/secret.h"
 
 #include <filesystem>
 #include <string>
@@ -24,7 +25,7 @@ struct CardPlan {
     /// Serial number, at most 16 letters and digits. Empty: a random one.
     std::string serial = {};
     /// 4 to 31 characters.
-    std::string pin = default_pin;
+    Secret pin = default_pin;
     Holder holder = {};
     /// In how many days the certificates end; negative for one that has ended.
     int signature_days = 30;

@@ -2,8 +2,6 @@
 
 #include "simcard/module/object_order.h"
 
-#include <openssl/crypto.h>
-
 namespace simcard {
 namespace {
 
@@ -24,10 +22,9 @@ TokenSession::~TokenSession() {
     hsm_->C_CloseSession(session_);
 }
 
-bool TokenSession::login(std::string pin) {
-    auto* bytes = reinterpret_cast<CK_UTF8CHAR*>(pin.data());
-    const CK_RV result = hsm_->C_Login(session_, CKU_USER, bytes, pin.size());
-    OPENSSL_cleanse(pin.data(), pin.size());
+bool TokenSession::login(const Secret& pin) {
+    auto* bytes = reinterpret_cast<CK_UTF8CHAR*>(const_cast<char*>(pin.text().data()));
+    const CK_RV result = hsm_->C_Login(session_, CKU_USER, bytes, pin.text().size());
     if (result == CKR_PIN_INCORRECT || result == CKR_PIN_LEN_RANGE) return false;
     check(result, "log the user in");
     return true;

@@ -3,6 +3,7 @@
 #include "simcard/common/card.h"
 #include "simcard/common/softhsm.h"
 #include "simcard/tool/attributes.h"
+#include "simcard/tool/secret.h"
 
 #include <optional>
 #include <string>
@@ -20,7 +21,7 @@ class TokenSession {
     TokenSession& operator=(const TokenSession&) = delete;
 
     /// Logs the user in; false when the PIN is wrong. @throws CardProblem
-    [[nodiscard]] bool login(std::string pin);
+    [[nodiscard]] bool login(const Secret& pin);
 
     /// Stores an object, as the card's last one. @throws CardProblem
     void create(Attributes object);

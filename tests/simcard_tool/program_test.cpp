@@ -66,6 +66,37 @@ TEST_F(ProgramTest, MakesACardThatShowsItsObjectsInOneOrder) {
               "DS0\nDS0\nDS0\nAUTHCertificate0\nAUTHCertificate0\nAUTHCertificate0\nKorvalenta Firma Dig\n");
 }
 
+// With the card's own key, which stands in the file that the card was made with.
+TEST_F(ProgramTest, IssuesACertificateForARequestAndStopsAtAnAlteredOne) {
+    ASSERT_EQ(run("create --name demo" + with_keys).code, 0);
+    const std::string folder = cards.path();
+    const std::string keys = folder + "/own-keys.pem"; // the card's signature key comes first in it
+    const std::string all = read_file(ZV_TEST_KEYS);
+    write_file(keys, all.substr(all.find("-----BEGIN", 1)), Access::owner_only);
+    const Outcome signed_request =
+        shell("cd " + folder +
+              " && pkcs11-tool --module " ZVSIMCARD_MODULE " -r -y cert --id 445330 -o signer.der && "
+              "openssl x509 -inform der -in signer.der -out signer.pem && "
+              "openssl req -new -sha1 -key " +
+              keys +
+              " -subj /C=IT/serialNumber=TINIT-CLLDAA80A41Z999U -out request.pem && "
+              "openssl cms -sign -binary -nodetach -cades -in request.pem -signer signer.pem -inkey " +
+              keys +
+              " -outform DER -out request.p7m && openssl base64 -in request.p7m -out request.b64 && "
+              "sed 's/A/B/' request.b64 > altered.b64");
+    ASSERT_EQ(signed_request.code, 0) << signed_request.text;
+    const Outcome issued = run("issue " + folder + "/request.b64 --days 7 --out " + folder + "/new.pem");
+    EXPECT_EQ(issued.code, 0);
+    EXPECT_TRUE(says(issued, "kind signature for C=IT, serialNumber=TINIT-CLLDAA80A41Z999U, for 7 days"))
+        << issued.text;
+    EXPECT_EQ(
+        shell("openssl verify -CAfile " + folder + "/.authority/certificate.pem " + folder + "/new.pem").code,
+        0);
+    EXPECT_EQ(run("issue " + folder + "/altered.b64 --out " + folder + "/never.pem").code, 1);
+    EXPECT_FALSE(fs::exists(folder + "/never.pem"));
+    EXPECT_EQ(run("issue " + folder + "/request.b64 --days 0").code, 1);
+}
+
 TEST_F(ProgramTest, TellsRefusedFromWrongUsageAndFailed) {
     EXPECT_EQ(run("").code, 2);
     EXPECT_EQ(run("create --days soon").code, 2);

@@ -6,6 +6,7 @@
 #include "simcard/authority/name.h"
 #include "simcard/authority/renewal.h"
 
+#include <future>
 #include <gtest/gtest.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -177,6 +178,47 @@ TEST_F(AuthorityTest, RefusesWhatIsNoWholeRequest) {
         EXPECT_EQ(refusal(file), "The file holds no certificate request that can be read.");
     EXPECT_EQ(refusal(""), "The request file is empty.");
     EXPECT_EQ(refusal(message + '\0'), "The file has bytes behind the end of the request.");
+}
+
+TEST_F(AuthorityTest, GivesACertificateInTheFormThatIsWanted) {
+    const std::string der = certificate_text(*signer, CertificateForm::der);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+    const Certificate read_back(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
+    EXPECT_EQ(X509_cmp(read_back.get(), signer.get()), 0);
+
+    const std::string pem = bundle_text(*signer, authority.certificate(), CertificateForm::pem);
+    const Bio source = reading(pem);
+    const Pkcs7Bundle bundle(PEM_read_bio_PKCS7(source.get(), nullptr, nullptr, nullptr));
+    ASSERT_TRUE(bundle);
+    const auto* certificates = bundle->d.sign->cert;
+    ASSERT_EQ(sk_X509_num(certificates), 2);
+    EXPECT_EQ(X509_cmp(sk_X509_value(certificates, 0), signer.get()), 0);
+    EXPECT_EQ(X509_cmp(sk_X509_value(certificates, 1), &authority.certificate()), 0);
+}
+
+TEST_F(AuthorityTest, IsOneAlsoWhenTwoMakeItAtOnce) {
+    const auto serial = [&](std::size_t first_key) {
+        KeySource keys = KeySource::from_file(ZV_TEST_KEYS);
+        for (std::size_t i = 0; i < first_key; ++i)
+            (void)keys.next();
+        const Authority opened = Authority::open_or_create(folder.path() / "shared", keys);
+        return certificate_text(opened.certificate(), CertificateForm::pem);
+    };
+    auto other = std::async(std::launch::async, serial, 1);
+    EXPECT_EQ(serial(2), other.get());
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2)
+        << "authority, shared";
+}
+
+TEST_F(AuthorityTest, IsNotOpenedWithAKeyThatIsNotItsOwn) {
+    const std::filesystem::path file = folder.path() / "authority/key.pem";
+    write_private_key(file, new_key);
+    EXPECT_THROW((void)Authority::open(folder.path() / "authority"), Refusal);
+    const PrivateKey curve(EVP_EC_gen("P-256"));
+    write_private_key(file, *curve);
+    EXPECT_THROW((void)Authority::open(folder.path() / "authority"), Refusal);
+    write_file(file, "nothing", Access::owner_only);
+    EXPECT_THROW((void)Authority::open(folder.path() / "authority"), Refusal);
 }
 
 TEST_F(AuthorityTest, KeepsItsKeyToItsOwner) {
