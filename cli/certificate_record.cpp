@@ -58,7 +58,7 @@ std::optional<int> number_at(std::string_view text, std::size_t at, std::size_t 
 
 std::optional<std::time_t> parse_date(std::string_view text) {
     if (text.size() != date_form.size()) return std::nullopt;
-    for (const std::size_t at : {2, 5, 10, 13, 16})
+    for (const std::size_t at : {2U, 5U, 10U, 13U, 16U})
         if (text[at] != date_form[at]) return std::nullopt;
     const auto day = number_at(text, 0, 2);
     const auto month = number_at(text, 3, 2);

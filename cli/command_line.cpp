@@ -3,7 +3,6 @@
 #include "commands.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <memory>
 
 namespace cli {
@@ -11,20 +10,25 @@ namespace {
 
 constexpr const char* about = "Renews the certificates on a smart card.";
 
-constexpr const char* closing = R"(A renewal:
-  zvrenew list                                       what is on the card, and what is due
-  zvrenew request signature --out request.b64        new keys on the card, a request for them
+constexpr const char* steps = R"(A renewal:
+  zvrenew list                                   what is on the card, and what is due
+  zvrenew request signature --out request.b64    new keys on the card, a request for them
   zvrenew install certificate.pem --request request.b64
-                                                     the authority's certificate, next to its keys
+                                                 the authority's certificate, beside its keys
 
 The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
-constexpr const char* about_install = R"(Stores the certificate that the authority issued, next to its keys.
+constexpr const char* exits =
+    "Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.";
 
-The old certificate and its keys stay on the card unless --remove-old is given. Removing a signature
-certificate also takes the authority's own certificate off the card, and nothing puts it back; both are
-saved to the backup file first. Afterwards the new key signs and the new certificate verifies.)";
+constexpr const char* about_removal =
+    R"(The old certificate and its keys stay on the card unless --remove-old is given. That removes them before the
+new certificate is stored; with a signature certificate the authority's own certificate goes too, and nothing
+puts it back. What is replaced or removed is saved to the backup file first. At the end the new key signs
+and the new certificate verifies.
+
+Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
 void add_common(CLI::App& command, CommonOptions& options) {
     command.add_flag("--json", options.json, "Print the result as JSON on standard output");
@@ -49,7 +53,7 @@ void add_card(CLI::App& command, CommonOptions& options) {
 void add_days(CLI::App& command, int& days) {
     command.add_option("--days", days, "A certificate is due when it ends within so many days")
         ->type_name("N")
-        ->check(CLI::Range(0, 36500))
+        ->check(CLI::Range(0, 36500).description(""))
         ->capture_default_str();
 }
 
@@ -64,6 +68,7 @@ Command<Options> add_command(CLI::App& app, Invocation& chosen, const char* name
                              Report (*run)(const Options&)) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(name, text);
+    command->footer(exits);
     command->callback([&chosen, options, name, run] {
         chosen = {name, options->json, [options, run] { return run(*options); }};
     });
@@ -84,15 +89,23 @@ void add_reading_commands(CLI::App& app, Invocation& chosen) {
     add_card(free_id.parser, free_id.options);
 }
 
+// Turns the name of a kind into its number, which is what the parser reads into an enumeration.
+std::string kind_number(std::string& word) {
+    for (const Kind kind : {Kind::signature, Kind::authentication}) {
+        if (word != kind_name(kind)) continue;
+        word = std::to_string(static_cast<int>(kind));
+        return {};
+    }
+    return "signature or authentication, not \"" + word + "\"";
+}
+
 void add_request(CLI::App& app, Invocation& chosen) {
     const auto [command, options] =
         add_command(app, chosen, "request", "Makes new keys on the card and a request for them", run_request);
-    const std::map<std::string, Kind> kinds{{"signature", Kind::signature},
-                                            {"authentication", Kind::authentication}};
-    command.add_option("kind", options.kind, "signature or authentication")
+    command.add_option("KIND", options.kind, "signature or authentication")
         ->required()
-        ->type_name("KIND")
-        ->transform(CLI::CheckedTransformer(kinds).description(""));
+        ->type_name("")
+        ->transform(CLI::Validator(kind_number, "", "kind"));
     command.add_option("--out", options.out, "New file for the request (else standard output)")
         ->type_name("FILE");
     command
@@ -110,12 +123,15 @@ void add_request(CLI::App& app, Invocation& chosen) {
 }
 
 void add_install(CLI::App& app, Invocation& chosen) {
-    const auto [command, options] = add_command(app, chosen, "install", about_install, run_install);
+    const auto [command, options] =
+        add_command(app, chosen, "install",
+                    "Stores the certificate that the authority issued, beside its keys", run_install);
+    command.footer(about_removal);
     command
-        .add_option("certificate", options.certificate_file,
+        .add_option("CERTIFICATE", options.certificate_file,
                     "The authority's file: PEM, DER or a PKCS#7 bundle")
         ->required()
-        ->type_name("FILE");
+        ->type_name("");
     command
         .add_option("--request", options.request_file,
                     "The request that it answers (else the pairs that wait on the card are compared)")
@@ -140,7 +156,7 @@ std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
     Invocation chosen;
     app.set_version_flag("--version", ZV_VERSION);
     app.require_subcommand(1);
-    app.footer(closing);
+    app.footer(steps);
     app.get_formatter()->column_width(34);
     add_reading_commands(app, chosen);
     add_request(app, chosen);

@@ -26,8 +26,8 @@ KeyTexts ask_library(OpenedCard& card) {
     const bool full = code == ZV_FAILED && (as_proposal(keys.signature.data()).none_free ||
                                             as_proposal(keys.authentication.data()).none_free);
     if (code != ZV_OK && !full)
-        throw Stop(Exit::failed, fmt::format("The identifiers could not be read{}.", library_reason(code)),
-                   "Nothing on the card was changed. Leave the card in the reader and try again.");
+        throw library_stop("The identifiers could not be read", code,
+                           "Nothing on the card was changed. Leave the card in the reader and try again.");
     return keys;
 }
 

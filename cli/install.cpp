@@ -3,6 +3,7 @@
 #include "card_json.h"
 #include "commands.h"
 #include "library_text.h"
+#include "log_folder.h"
 #include "new_file.h"
 #include "note.h"
 #include "proof.h"
@@ -66,8 +67,7 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
 }
 
-[[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& sentence) {
-    Stop stop(Exit::failed, sentence);
+[[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, Stop stop) {
     stop.card = card_now(card);
     const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
     stop.advice =
@@ -109,7 +109,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
                               "Signed with {1} and verified with the new certificate.{2}",
                               kind_name(plan.kind), plan.pair, old_in_words(plan, left));
     if (!backup.empty()) report.text += fmt::format("\nA copy of what was replaced: {}", backup);
-    report.text += fmt::format("\nNow on the card: {}", after.in_words());
+    report.text += fmt::format("\nNow on the card: {}\nLog: {}", after.in_words(), log_path());
     return report;
 }
 
@@ -124,9 +124,9 @@ Report run_install(const InstallOptions& options) {
     const std::string backup = save_backup(options, plan);
     say_what_comes(plan);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
-        stop_failed(card, plan, fmt::format("The certificate could not be stored{}.", library_reason(code)));
+        stop_failed(card, plan, library_stop("The certificate could not be stored", code));
     if (const std::string reason = prove_pair(card, plan.pair, plan.certificate); !reason.empty())
-        stop_failed(card, plan, fmt::format("The certificate was stored, but {}.", reason));
+        stop_failed(card, plan, {Exit::failed, fmt::format("The certificate was stored, but {}.", reason)});
     return report_on(card, plan, backup);
 }
 

@@ -75,6 +75,12 @@ std::string library_reason(int code) {
     return fmt::format(": {} ({}, \"{}\")", fmt::join(quotes, ", "), shown(code), meaning);
 }
 
+Stop library_stop(const std::string& sentence, int code, std::string advice) {
+    Stop stop(Exit::failed, sentence + library_reason(code) + ".", std::move(advice));
+    stop.logged = true;
+    return stop;
+}
+
 std::string crypto_reason(int code) {
     std::array<char, message_size> buffer{};
     kvLastError(buffer.data(), static_cast<int>(buffer.size()));

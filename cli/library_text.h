@@ -1,5 +1,7 @@
 #pragma once
 
+#include "outcome.h"
+
 #include <string>
 
 namespace cli {
@@ -14,6 +16,9 @@ void forget_library_texts();
  * is asked, and for the library's own codes a few words of ours stand in.
  */
 [[nodiscard]] std::string library_reason(int code);
+
+/// A failed call of the library, as a Stop: the sentence, ended by library_reason().
+[[nodiscard]] Stop library_stop(const std::string& sentence, int code, std::string advice = {});
 
 /// The crypto library's reason of its last failure, to end a sentence in the same way.
 [[nodiscard]] std::string crypto_reason(int code);

@@ -27,8 +27,8 @@ std::string holder(const CertificateRecord& record) {
 }
 
 std::string mark(const Due& due, long days) {
-    if (due.replaced) return "replaced";
-    if (due.due) return days < 0 ? "EXPIRED, due" : "DUE";
+    if (due.replaced) return "  replaced";
+    if (due.due) return days < 0 ? "  EXPIRED, due" : "  DUE";
     return "";
 }
 
@@ -71,13 +71,13 @@ std::string heading(const OpenedCard& card) {
 void add_certificates(Report& report, const Inventory& inventory, int days) {
     const Columns columns = widths(inventory);
     const std::time_t now = std::time(nullptr);
-    report.text += fmt::format("\n  {:<15}{:<{}}  {:<{}}  {:<10}  {:>5}\n", "KIND", "IDENTIFIER", columns.id,
+    report.text += fmt::format("\n  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}\n", "KIND", "IDENTIFIER", columns.id,
                                "HOLDER", columns.name, "ENDS", "DAYS");
     for (const CertificateRecord& record : inventory.certificates) {
         const Due due = due_of(inventory, record, days, now);
         const long left = days_until(record.ends, now);
         report.text +=
-            fmt::format("  {:<15}{:<{}}  {:<{}}  {:<10}  {:>5}  {}\n", kind_name(record.kind), record.id,
+            fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}  {}\n", kind_name(record.kind), record.id,
                         columns.id, holder(record), columns.name, day_of(record.ends), left, mark(due, left));
         report.json["certificates"].push_back(certificate_json(record, due, left));
     }

@@ -57,7 +57,7 @@ Exit print_stop(const Invocation& invocation, const Stop& stop) {
     note(stop.exit == Exit::nothing_due ? stop.sentence : "zvrenew: " + stop.sentence);
     if (!stop.card.empty()) note("Now on the card: " + stop.card);
     if (!stop.advice.empty()) note(stop.advice);
-    if (stop.exit == Exit::failed) note("The log has the details: " + log_path());
+    if (stop.logged) note("The log has the details: " + log_path());
     return stop.exit;
 }
 

@@ -27,7 +27,8 @@ struct Stop : std::exception {
     Exit exit;
     std::string sentence;
     std::string advice;
-    std::string card; ///< what is on the card now
+    std::string card;    ///< what is on the card now
+    bool logged = false; ///< whether the library's log tells more
 };
 
 } // namespace cli

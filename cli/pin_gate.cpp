@@ -32,10 +32,9 @@ void refuse_risky_try(const CardState& state, bool final_try) {
 std::string tries_now(const Place& place) {
     try {
         const std::string text = tries_text(card_state(place).flags);
-        return text.empty() ? "The card does not say how many tries are left."
-                            : fmt::format("The card says: {}.", text);
+        return text.empty() ? "the card does not say how many tries are left" : text;
     } catch (const Stop&) {
-        return "The card could not be asked how many tries are left.";
+        return "the card could not be asked how many tries are left";
     }
 }
 
@@ -54,7 +53,7 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     const std::string reason = crypto_reason(code);
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
-        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}. {}", reason, tries_now(place)));
+        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_now(place)));
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 
@@ -73,8 +72,8 @@ CardState card_state(const Place& place) {
 
 std::string tries_text(CK_FLAGS flags) {
     if ((flags & CKF_USER_PIN_LOCKED) != 0) return "the PIN is locked";
-    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "one try is left, a wrong PIN locks the card";
-    if ((flags & CKF_USER_PIN_COUNT_LOW) != 0) return "a wrong PIN was given, fewer tries are left";
+    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "one try is left, then the PIN is locked";
+    if ((flags & CKF_USER_PIN_COUNT_LOW) != 0) return "fewer tries are left than usual";
     return {};
 }
 

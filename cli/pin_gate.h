@@ -20,8 +20,7 @@ struct CardState {
 /// Asks a card for its state, without a login. @throws Stop
 [[nodiscard]] CardState card_state(const Place& place);
 
-/// Says how it stands with the PIN's tries: "few tries are left", "the next wrong PIN locks it", "locked";
-/// an empty text when the card says nothing.
+/// Says how it stands with the PIN's tries ("the PIN is locked"); empty when the card says nothing of them.
 [[nodiscard]] std::string tries_text(CK_FLAGS flags);
 
 /// A card whose PIN was proved right, and all that working with it needs.

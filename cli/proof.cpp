@@ -20,13 +20,14 @@ constexpr std::array<unsigned char, 19> sha256_info{0x30, 0x31, 0x30, 0x0D, 0x06
                                                     0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02,
                                                     0x01, 0x05, 0x00, 0x04, 0x20};
 
+constexpr std::size_t sha256_size = 32;
+
 Bytes digest_info(const Message& message) {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned int length = 0;
-    if (EVP_Digest(message.data(), message.size(), digest.data(), &length, EVP_sha256(), nullptr) != 1)
+    Bytes info(sha256_info.size() + sha256_size);
+    std::copy(sha256_info.begin(), sha256_info.end(), info.begin());
+    unsigned char* digest = info.data() + sha256_info.size();
+    if (EVP_Digest(message.data(), message.size(), digest, nullptr, EVP_sha256(), nullptr) != 1)
         throw Stop(Exit::failed, "A digest could not be made.");
-    Bytes info(sha256_info.begin(), sha256_info.end());
-    info.insert(info.end(), digest.begin(), digest.begin() + length);
     return info;
 }
 

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "key_material.h"
 #include "library_text.h"
+#include "log_folder.h"
 #include "new_file.h"
 #include "note.h"
 #include "zvRenew.h"
@@ -34,8 +35,7 @@ void say_what_comes(const RequestPlan& plan) {
     note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
 }
 
-[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, const std::string& sentence) {
-    Stop stop(Exit::failed, sentence);
+[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
     stop.card = card_now(card);
     const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
     stop.advice =
@@ -52,20 +52,21 @@ std::string make_request(OpenedCard& card, const RequestPlan& plan, Kind kind) {
     forget_library_texts();
     const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
                             plan.subject.oid_form().c_str(), plan.discard);
-    if (code != ZV_OK)
-        stop_failed(card, plan, fmt::format("The request could not be made{}.", library_reason(code)));
+    if (code != ZV_OK) stop_failed(card, plan, library_stop("The request could not be made", code));
     std::string text(result.data(), strnlen(result.data(), result.size()));
     if (text.size() == ZV_REQUEST_SIZE - 1)
-        stop_failed(card, plan, "The request came out longer than 16,382 characters and was cut.");
-    if (modulus_of_request(text).empty()) stop_failed(card, plan, "What came out is no request.");
+        stop_failed(card, plan, {Exit::failed, "The request came out too long and was cut."});
+    if (modulus_of_request(text).empty())
+        stop_failed(card, plan, {Exit::failed, "What came out is no request."});
     return text;
 }
 
 std::string next_steps(const RequestOptions& options) {
     const std::string file = options.out.empty() ? "REQUEST" : options.out;
     return fmt::format("Send it to the authority. When the certificate comes:\n"
-                       "  zvrenew install CERTIFICATE --request {}",
-                       file);
+                       "  zvrenew install CERTIFICATE --request {}\n"
+                       "Log: {}",
+                       file, log_path());
 }
 
 Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options) {
