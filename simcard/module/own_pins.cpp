@@ -13,14 +13,10 @@
 namespace simcard::own {
 namespace {
 
-enum class Who { nobody, user, security_officer };
-
-Who logged_in(const Session& session) {
+bool officer_is_logged_in(const Session& session) {
     CK_SESSION_INFO info{};
-    (*state().hsm)->C_GetSessionInfo(session.hidden, &info);
-    if (info.state == CKS_RW_SO_FUNCTIONS) return Who::security_officer;
-    const bool user = info.state == CKS_RO_USER_FUNCTIONS || info.state == CKS_RW_USER_FUNCTIONS;
-    return user ? Who::user : Who::nobody;
+    return (*state().hsm)->C_GetSessionInfo(session.hidden, &info) == CKR_OK &&
+           info.state == CKS_RW_SO_FUNCTIONS;
 }
 
 const std::filesystem::path& folder_of(const Session& session) {
@@ -50,10 +46,7 @@ CK_RV login(CK_SESSION_HANDLE session, CK_USER_TYPE user, CK_UTF8CHAR_PTR pin, C
     const auto compare = [=] { return forward<Function::C_Login>(session, user, pin, length); };
     const CK_RV reached = state().reach_session(session);
     if (reached != CKR_OK) return reached;
-    if (user == CKU_SO) return compare();
-    const Session& found = *state().session(session);
-    if (user == CKU_USER && logged_in(found) != Who::nobody) return compare();
-    return counted(folder_of(found), compare);
+    return user == CKU_SO ? compare() : counted(folder_of(*state().session(session)), compare);
 }
 
 CK_RV set_pin(CK_SESSION_HANDLE session, CK_UTF8CHAR_PTR old_pin, CK_ULONG old_length,
@@ -64,8 +57,7 @@ CK_RV set_pin(CK_SESSION_HANDLE session, CK_UTF8CHAR_PTR old_pin, CK_ULONG old_l
     const CK_RV reached = state().reach_session(session);
     if (reached != CKR_OK) return reached;
     const Session& found = *state().session(session);
-    if (logged_in(found) == Who::security_officer) return compare();
-    return counted(folder_of(found), compare);
+    return officer_is_logged_in(found) ? compare() : counted(folder_of(found), compare);
 }
 
 CK_RV init_pin(CK_SESSION_HANDLE session, CK_UTF8CHAR_PTR pin, CK_ULONG length) {

@@ -169,6 +169,13 @@ TEST_F(Control, RecordsCallsButNoSecrets) {
     char some[16];
     EXPECT_GT(module_.function<decltype(&zvsimcard_recorded)>("zvsimcard_recorded")(some, sizeof some), 100U);
     EXPECT_STREQ(some, "C_CreateObject ");
+
+    CK_OBJECT_HANDLE key = 0;
+    std::string exponent = "private";
+    CK_ATTRIBUTE entry = attribute(CKA_PRIVATE_EXPONENT, exponent);
+    module_.record();
+    EXPECT_NE(module_->C_CreateObject(session_, &entry, 1, &key), CKR_OK);
+    EXPECT_NE(module_.recorded().find("CKA_PRIVATE_EXPONENT 7} ulCount=1 -> "), std::string::npos);
 }
 
 TEST(ControlOfAProgram, CountsOverItsWholeRun) {

@@ -85,6 +85,12 @@ TEST_F(Objects, FillTheCard) {
     const auto third = store(module_, session_, "c");
     EXPECT_EQ(store(module_, session_, "d", &result), 0U);
     EXPECT_EQ(result, CKR_DEVICE_MEMORY);
+    CK_OBJECT_HANDLE copy = 0;
+    EXPECT_EQ(module_->C_CopyObject(session_, third, nullptr, 0, &copy), CKR_DEVICE_MEMORY);
+    CK_OBJECT_CLASS data = CKO_DATA;
+    CK_ATTRIBUTE of_the_session = attribute(CKA_CLASS, data);
+    EXPECT_EQ(module_->C_CreateObject(session_, &of_the_session, 1, &copy), CKR_OK);
+    ASSERT_EQ(module_->C_DestroyObject(session_, copy), CKR_OK);
     ASSERT_EQ(module_->C_DestroyObject(session_, third), CKR_OK);
     EXPECT_NE(store(module_, session_, "d"), 0U);
     EXPECT_EQ(labels(module_, session_), "a b d ");
