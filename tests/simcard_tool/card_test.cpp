@@ -6,7 +6,9 @@
 #include "simcard/tool/object_view.h"
 #include "simcard/tool/token_session.h"
 #include "tests/simcard_tool/test_cards.h"
+#include "tests/support/module.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <openssl/objects.h>
 #include <openssl/x509v3.h>
@@ -59,6 +61,34 @@ TEST(CardTest, HoldsItsProfilesObjects) {
               read(token, CKO_PUBLIC_KEY, "DS0", CKA_MODULUS));
     EXPECT_NE(read(token, CKO_PRIVATE_KEY, "DS0", CKA_MODULUS),
               read(token, CKO_PRIVATE_KEY, "AUTHCertificate0", CKA_MODULUS));
+}
+
+// The identifiers in the order in which the card's module gives them, to a user who is not logged in.
+std::vector<std::string> identifiers_through_the_module() {
+    zvtest::Module card;
+    card->C_Initialize(nullptr);
+    const CK_SESSION_HANDLE session = card.open();
+    card->C_FindObjectsInit(session, nullptr, 0);
+    std::vector<std::string> found;
+    CK_OBJECT_HANDLE object = 0;
+    CK_ULONG count = 0;
+    while (card->C_FindObjects(session, &object, 1, &count) == CKR_OK && count == 1) {
+        std::array<char, 64> id{};
+        CK_ATTRIBUTE wanted{CKA_ID, id.data(), id.size()};
+        card->C_GetAttributeValue(session, object, &wanted, 1);
+        found.emplace_back(id.data());
+    }
+    return found;
+}
+
+TEST(CardTest, ShowsItsObjectsInTheOrderOfTheirMaking) {
+    TestCards cards;
+    const Card card = cards.make();
+    const std::vector<std::string> in_order{"DS0", "DS0", "AUTHCertificate0", "AUTHCertificate0",
+                                            "Korvalenta Firma Dig"};
+    EXPECT_EQ(identifiers_through_the_module(), in_order);
+    put_back_as_made(card.folder);
+    EXPECT_EQ(identifiers_through_the_module(), in_order);
 }
 
 TEST(CardTest, HasCertificatesForItsHolderFromTheAuthority) {

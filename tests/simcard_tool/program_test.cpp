@@ -58,43 +58,36 @@ TEST_F(ProgramTest, TakesACardThroughItsLife) {
     EXPECT_FALSE(fs::exists(cards.path() / "demo"));
 }
 
-TEST_F(ProgramTest, MakesACardThatShowsItsObjectsInOneOrder) {
-    (void)cards.make();
-    const Outcome shown =
-        shell("pkcs11-tool --module " ZVSIMCARD_MODULE " -O -l --pin 12345678 | sed -n 's/  label: *//p'");
-    EXPECT_EQ(shown.text,
-              "DS0\nDS0\nDS0\nAUTHCertificate0\nAUTHCertificate0\nAUTHCertificate0\nKorvalenta Firma Dig\n");
-}
-
-// With the card's own key, which stands in the file that the card was made with.
 TEST_F(ProgramTest, IssuesACertificateForARequestAndStopsAtAnAlteredOne) {
     ASSERT_EQ(run("create --name demo" + with_keys).code, 0);
-    const std::string folder = cards.path();
-    const std::string keys = folder + "/own-keys.pem"; // the card's signature key comes first in it
-    const std::string all = read_file(ZV_TEST_KEYS);
-    write_file(keys, all.substr(all.find("-----BEGIN", 1)), Access::owner_only);
-    const Outcome signed_request =
-        shell("cd " + folder +
-              " && pkcs11-tool --module " ZVSIMCARD_MODULE " -r -y cert --id 445330 -o signer.der && "
-              "openssl x509 -inform der -in signer.der -out signer.pem && "
-              "openssl req -new -sha1 -key " +
-              keys +
-              " -subj /C=IT/serialNumber=TINIT-CLLDAA80A41Z999U -out request.pem && "
-              "openssl cms -sign -binary -nodetach -cades -in request.pem -signer signer.pem -inkey " +
-              keys +
-              " -outform DER -out request.p7m && openssl base64 -in request.p7m -out request.b64 && "
-              "sed 's/A/B/' request.b64 > altered.b64");
-    ASSERT_EQ(signed_request.code, 0) << signed_request.text;
-    const Outcome issued = run("issue " + folder + "/request.b64 --days 7 --out " + folder + "/new.pem");
+    const std::string folder = cards.path().string() + "/";
+    const std::string key = " " ZV_TEST_KEYS " ";
+    ASSERT_EQ(shell("openssl req -new -sha1 -subj /C=IT/serialNumber=TINIT-CLLDAA80A41Z999U -key" + key +
+                    "-out " + folder + "request.pem")
+                  .code,
+              0);
+    EXPECT_EQ(run("issue " + folder + "request.pem --kind signature").code, 1);
+    ASSERT_EQ(
+        run("issue " + folder + "request.pem --kind signature --bare --out " + folder + "signer.pem").code,
+        0);
+    ASSERT_EQ(shell("cd " + folder +
+                    " && openssl cms -sign -binary -nodetach -cades -in request.pem -signer signer.pem"
+                    " -inkey" +
+                    key +
+                    "-outform DER | openssl base64 -out request.b64 && "
+                    "sed 's/A/B/' request.b64 > altered.b64")
+                  .code,
+              0);
+    const Outcome issued = run("issue " + folder + "request.b64 --days 7 --out " + folder + "new.pem");
     EXPECT_EQ(issued.code, 0);
     EXPECT_TRUE(says(issued, "kind signature for C=IT, serialNumber=TINIT-CLLDAA80A41Z999U, for 7 days"))
         << issued.text;
     EXPECT_EQ(
-        shell("openssl verify -CAfile " + folder + "/.authority/certificate.pem " + folder + "/new.pem").code,
+        shell("openssl verify -CAfile " + folder + ".authority/certificate.pem " + folder + "new.pem").code,
         0);
-    EXPECT_EQ(run("issue " + folder + "/altered.b64 --out " + folder + "/never.pem").code, 1);
-    EXPECT_FALSE(fs::exists(folder + "/never.pem"));
-    EXPECT_EQ(run("issue " + folder + "/request.b64 --days 0").code, 1);
+    EXPECT_EQ(run("issue " + folder + "altered.b64 --out " + folder + "never.pem").code, 1);
+    EXPECT_FALSE(fs::exists(folder + "never.pem"));
+    EXPECT_EQ(run("issue " + folder + "request.b64 --days 0").code, 1);
 }
 
 TEST_F(ProgramTest, TellsRefusedFromWrongUsageAndFailed) {
