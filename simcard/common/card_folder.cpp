@@ -61,9 +61,9 @@ class Replacement {
 } // namespace
 
 fs::path cards_home() {
-    if (const std::string home = environment("ZVSIMCARD_HOME"); !home.empty()) return home;
+    if (const std::string home = environment("ZVSIMCARD_HOME"); !home.empty()) return fs::absolute(home);
     if (const std::string data = environment("XDG_DATA_HOME"); !data.empty())
-        return fs::path(data) / "zvsimcard";
+        return fs::absolute(data) / "zvsimcard";
     const std::string user = environment("HOME");
     if (user.empty())
         throw CardProblem("There is no folder of cards: neither ZVSIMCARD_HOME nor HOME is set.");

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <iostream>

@@ -96,13 +96,15 @@ std::string describe_mechanism(const CK_MECHANISM& mechanism) {
     return text;
 }
 
-/// How many numbers stand where a parameter points: as many as the call says, within the caller's room.
+/// How many numbers stand where a parameter points: one, or as many as the call says within the caller's room.
 CK_ULONG numbers_at(const Call& call, const Rooms& rooms, std::size_t index) {
-    if (call.function == Function::C_FindObjects)
-        return std::min(*call.pointer<CK_ULONG>(index + 2), call.arguments[index + 1]);
     const auto& parameters = call.parameters();
-    const bool is_list = index + 1 < parameters.size() && parameters[index + 1].role == Role::size;
-    return is_list ? std::min(*call.pointer<CK_ULONG>(index + 1), rooms.size(index + 1)) : 1;
+    const bool is_search = call.function == Function::C_FindObjects;
+    const std::size_t count = is_search ? index + 2 : index + 1;
+    if (count >= parameters.size() || parameters[count].role != Role::size) return 1;
+    if (call.arguments[count] == 0) return 0;
+    return std::min(*call.pointer<CK_ULONG>(count),
+                    is_search ? call.arguments[index + 1] : rooms.size(count));
 }
 
 std::string describe_numbers(const Call& call, const Rooms& rooms, std::size_t index) {

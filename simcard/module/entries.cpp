@@ -26,12 +26,20 @@ CK_RV answer_of_failure() {
     return CKR_DEVICE_ERROR;
 }
 
-/// The way that every call takes: the control around a card's own function, or around SoftHSM's.
+/// Does a call by a card's own function, or by SoftHSM's.
+CK_RV perform(const Call& call, bool own) noexcept {
+    try {
+        return own ? call.invoke(own_functions(), call.arguments) : forward(call);
+    } catch (...) {
+        return answer_of_failure();
+    }
+}
+
+/// The way that every call takes: the control stands around it.
 CK_RV dispatch(const Call& call, bool own) noexcept {
     try {
         const std::lock_guard held(gate());
-        return control().around(
-            call, [&] { return own ? call.invoke(own_functions(), call.arguments) : forward(call); });
+        return control().around(call, [&] { return perform(call, own); });
     } catch (...) {
         return answer_of_failure();
     }
