@@ -130,12 +130,17 @@ CardView view_card(OpenedCard& card) {
     return view;
 }
 
-std::string card_now(OpenedCard& card) {
+CardNow card_now(OpenedCard& card) {
     try {
-        return view_card(card).in_words();
+        const CardView view = view_card(card);
+        return {true, view.in_words(), view.waiting_pairs()};
     } catch (const Stop& stop) {
-        return "cannot be read: " + stop.sentence;
+        return {false, "cannot be read. " + stop.sentence, {}};
     }
+}
+
+bool CardNow::waits(const std::string& pair) const {
+    return std::find(waiting.begin(), waiting.end(), pair) != waiting.end();
 }
 
 } // namespace cli

@@ -52,7 +52,15 @@ void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
 /// Reads what is on the card, in a session of its own. @throws Stop
 [[nodiscard]] CardView view_card(OpenedCard& card);
 
-/// in_words() of a new view; a sentence that the card cannot be read, where that is so.
-[[nodiscard]] std::string card_now(OpenedCard& card);
+/// What is on the card after a failure.
+struct CardNow {
+    bool readable = false;
+    std::string words; ///< in_words() of a new view, or why there is none
+    std::vector<std::string> waiting;
+
+    [[nodiscard]] bool waits(const std::string& pair) const;
+};
+
+[[nodiscard]] CardNow card_now(OpenedCard& card);
 
 } // namespace cli

@@ -67,13 +67,17 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
 }
 
-[[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, Stop stop) {
-    stop.card = card_now(card);
-    const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
+[[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
+                              Stop stop) {
+    const CardNow now = card_now(card);
+    stop.card = now.words;
     stop.advice =
-        waits ? fmt::format("The pair {} still waits for the certificate: run the same command again.",
-                            plan.pair)
-              : "See what is on the card with: zvrenew list";
+        !now.readable ? "Put the card in the reader and run the same command again."
+        : now.waits(plan.pair)
+            ? fmt::format("The pair {} still waits for the certificate: run the same command again.",
+                          plan.pair)
+            : "See what is on the card with: zvrenew list";
+    if (!backup.empty()) stop.advice += fmt::format("\nA copy of the old certificate: {}", backup);
     throw stop;
 }
 
@@ -108,7 +112,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
                               kind_name(plan.kind), plan.pair, old_in_words(plan, left));
-    if (!backup.empty()) report.text += fmt::format("\nA copy of what was replaced: {}", backup);
+    if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
     report.text += fmt::format("\nNow on the card: {}\nLog: {}", after.in_words(), log_path());
     return report;
 }
@@ -124,9 +128,10 @@ Report run_install(const InstallOptions& options) {
     const std::string backup = save_backup(options, plan);
     say_what_comes(plan);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
-        stop_failed(card, plan, library_stop("The certificate could not be stored", code));
+        stop_failed(card, plan, backup, library_stop("The certificate could not be stored", code));
     if (const std::string reason = prove_pair(card, plan.pair, plan.certificate); !reason.empty())
-        stop_failed(card, plan, {Exit::failed, fmt::format("The certificate was stored, but {}.", reason)});
+        stop_failed(card, plan, backup,
+                    {Exit::failed, fmt::format("The certificate was stored, but {}", reason)});
     return report_on(card, plan, backup);
 }
 

@@ -31,6 +31,16 @@ std::string ids(const std::vector<WaitingPair>& pairs) {
     return fmt::format("{}", fmt::join(list, ", "));
 }
 
+void refuse_what_is_there(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
+    for (const CertificateRecord& record : inventory.certificates) {
+        const CardObject* stored = view.find(CKO_CERTIFICATE, record.id);
+        for (const Certificate& certificate : files.certificates)
+            if (stored != nullptr && der_of(*certificate) == stored->value)
+                throw Stop(Exit::refused,
+                           fmt::format("The certificate is on the card already, as {}.", record.id));
+    }
+}
+
 Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
     if (inventory.waiting.empty())
         throw Stop(Exit::refused, "No pair on the card waits for a certificate.",
@@ -105,6 +115,7 @@ IssuedFiles read_issued_files(const InstallOptions& options) {
 
 InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files, const Inventory& inventory,
                          const CardView& view) {
+    refuse_what_is_there(files, inventory, view);
     const Match match = match_pair(files, inventory, view);
     if (const std::string reason = why_not_storable(*match.certificate); !reason.empty())
         throw Stop(Exit::refused, fmt::format("The certificate cannot be stored: {}.", reason));

@@ -77,7 +77,7 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
         const Due due = due_of(inventory, record, days, now);
         const long left = days_until(record.ends, now);
         report.text +=
-            fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}  {}\n", kind_name(record.kind), record.id,
+            fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(record.kind), record.id,
                         columns.id, holder(record), columns.name, day_of(record.ends), left, mark(due, left));
         report.json["certificates"].push_back(certificate_json(record, due, left));
     }
@@ -94,12 +94,15 @@ void say_what_is_due(std::string& text, const Json& certificates) {
 }
 
 void say_what_waits(std::string& text, const Inventory& inventory) {
-    for (const WaitingPair& pair : inventory.waiting)
-        text += fmt::format(
-            "\nThe new {0} pair {1} waits for its certificate.\n"
-            "  It has come:   zvrenew install CERTIFICATE\n"
-            "  It has not:    zvrenew request {0} --out FILE   (makes the request again, same pair)",
-            kind_name(pair.kind), pair.id);
+    for (const WaitingPair& pair : inventory.waiting) {
+        text += fmt::format("\nThe new {} pair {} waits for its certificate.\n"
+                            "  When it has come:   zvrenew install CERTIFICATE",
+                            kind_name(pair.kind), pair.id);
+        if (inventory.current(pair.kind) != nullptr)
+            text +=
+                fmt::format("\n  To ask once more:   zvrenew request {} --out FILE   (the same pair is used)",
+                            kind_name(pair.kind));
+    }
     if (inventory.services_waiting)
         text += "\nA request for the services card's own certificate is under way.";
 }

@@ -50,17 +50,17 @@ std::string prove(const Session& session, const std::string& id, const Bytes& ex
     const CardView view = view_in(session);
     const CardObject* stored = view.find(CKO_CERTIFICATE, id);
     const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
-    if (stored == nullptr) return fmt::format("there is no certificate {} on the card", id);
-    if (key == nullptr) return fmt::format("there is no private key {} on the card", id);
+    if (stored == nullptr) return fmt::format("there is no certificate {} on the card.", id);
+    if (key == nullptr) return fmt::format("there is no private key {} on the card.", id);
     if (!begins_with(stored->value, expected_certificate))
-        return fmt::format("the certificate {} on the card is another one", id);
+        return fmt::format("the certificate {} on the card is another one.", id);
     Message message{};
     if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
-        return "no random text could be made";
+        return "no random text could be made.";
     const Bytes signature = session.sign(key->handle, digest_info(message));
     const Certificate certificate = certificate_from(stored->value);
     if (!certificate || !verifies(*certificate, message, signature))
-        return fmt::format("a signature of the key {} does not verify with its certificate", id);
+        return fmt::format("a signature of the key {} does not verify with its certificate.", id);
     return {};
 }
 
@@ -73,7 +73,7 @@ std::string prove_pair(OpenedCard& card, const std::string& id, const Bytes& exp
                      [&](const Session& session) { reason = prove(session, id, expected_certificate); });
         return reason;
     } catch (const Stop& stop) {
-        return stop.sentence;
+        return fmt::format("the new key could not be tried. {}", stop.sentence);
     }
 }
 

@@ -36,15 +36,16 @@ void say_what_comes(const RequestPlan& plan) {
 }
 
 [[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
-    stop.card = card_now(card);
-    const bool waits = stop.card.find(plan.pair + " (keys without") != std::string::npos;
+    const CardNow now = card_now(card);
+    stop.card = now.words;
     stop.advice =
-        waits ? fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair)
-              : "Leave the card in the reader and repeat the request.";
+        now.waits(plan.pair)
+            ? fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair)
+            : "See that the card is in the reader and repeat the request.";
     throw stop;
 }
 
-std::string make_request(OpenedCard& card, const RequestPlan& plan, Kind kind) {
+std::string ask_library(OpenedCard& card, const RequestPlan& plan, Kind kind) {
     const auto create =
         kind == Kind::signature ? rinnovo_Card_createCertRequestPRA : rinnovo_Card_createCertRequestAUT;
     std::vector<char> result(ZV_REQUEST_SIZE, '\0');
@@ -53,12 +54,20 @@ std::string make_request(OpenedCard& card, const RequestPlan& plan, Kind kind) {
     const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
                             plan.subject.oid_form().c_str(), plan.discard);
     if (code != ZV_OK) stop_failed(card, plan, library_stop("The request could not be made", code));
-    std::string text(result.data(), strnlen(result.data(), result.size()));
-    if (text.size() == ZV_REQUEST_SIZE - 1)
+    return {result.data(), strnlen(result.data(), result.size())};
+}
+
+// The library's success alone does not say that there is a request, nor for which pair.
+void check_request(OpenedCard& card, const RequestPlan& plan, const std::string& request) {
+    if (request.size() == ZV_REQUEST_SIZE - 1)
         stop_failed(card, plan, {Exit::failed, "The request came out too long and was cut."});
-    if (modulus_of_request(text).empty())
-        stop_failed(card, plan, {Exit::failed, "What came out is no request."});
-    return text;
+    const Bytes key = modulus_of_request(request);
+    if (key.empty()) stop_failed(card, plan, {Exit::failed, "What came out is no request."});
+    if (plan.discard && key == plan.waiting_key)
+        stop_failed(card, plan, {Exit::failed, "The waiting pair could not be discarded."});
+    if (plan.reuse && key != plan.waiting_key)
+        stop_failed(card, plan,
+                    {Exit::failed, "The request came out for another pair than the waiting one."});
 }
 
 std::string next_steps(const RequestOptions& options) {
@@ -95,7 +104,8 @@ Report run_request(const RequestOptions& options) {
     const Inventory inventory = read_inventory(card, view);
     const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
     say_what_comes(plan);
-    const std::string text = make_request(card, plan, options.kind);
+    const std::string text = ask_library(card, plan, options.kind);
+    check_request(card, plan, text);
     Report report = report_on(card, plan, options);
     if (out) {
         out->save(text);

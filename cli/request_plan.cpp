@@ -103,6 +103,7 @@ RequestPlan plan_request(const RequestOptions& options, const Inventory& invento
     plan.reuse = waiting != nullptr && !options.new_pair;
     if (waiting != nullptr && view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
         throw Stop(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
+    if (waiting != nullptr) plan.waiting_key = view.modulus(plan.pair);
     refuse_ambiguous(plan.pair, view);
     return plan;
 }

@@ -16,6 +16,7 @@ struct RequestPlan {
     std::string pair;     ///< identifier of the new pair
     bool reuse = false;   ///< the pair is on the card already
     bool discard = false; ///< the pair is on the card, to be replaced by a new one under its identifier
+    Bytes waiting_key;    ///< modulus of the pair that is on the card already
 };
 
 /// The subject given with --subject, checked before anything is asked; none when none was given.
