@@ -71,6 +71,7 @@ CK_RV get_token_info(CK_SLOT_ID slot, CK_TOKEN_INFO_PTR info) {
     const Card& card = state().slots[slot].card();
     pad(info->manufacturerID, manufacturer);
     pad(info->model, card.profile);
+    pad(info->label, card.label);
     pad(info->serialNumber, card.serial);
     info->flags = (info->flags & ~all_user_pin_flags) | user_pin_flags(card);
     return CKR_OK;

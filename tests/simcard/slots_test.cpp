@@ -36,6 +36,7 @@ TEST(Slots, AreTheReadersInTheOrderOfTheirNames) {
     ASSERT_EQ(module->C_GetTokenInfo(0, &token), CKR_OK);
     EXPECT_EQ(std::string(token.serialNumber, token.serialNumber + 16), "A1" + std::string(14, ' '));
     EXPECT_EQ(simcard::unpadded(token.model), "signature");
+    EXPECT_EQ(simcard::unpadded(token.label), "card");
     CK_SESSION_INFO session{};
     ASSERT_EQ(module->C_GetSessionInfo(module.open(2), &session), CKR_OK);
     EXPECT_EQ(session.slotID, 2U);
