@@ -1,0 +1,106 @@
+#include "request/der.h"
+#include "request/pkcs10.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes taken(ADATA* piece) {
+    const zv::Der owned(piece);
+    return owned->length == 0 ? Bytes() : Bytes(owned->data, owned->data + owned->length);
+}
+
+ADATA* zeros(unsigned long size) {
+    return CreateADATA(nullptr, size, 0);
+}
+
+Bytes headerOf(unsigned long size) {
+    Bytes all = taken(SEQUENCE(zeros(size), zv::END));
+    all.resize(all.size() - size);
+    return all;
+}
+
+TEST(Der, LengthsAreCanonicalUpTo65535Bytes) {
+    EXPECT_EQ(headerOf(0), (Bytes{0x30, 0x00}));
+    EXPECT_EQ(headerOf(127), (Bytes{0x30, 0x7F}));
+    EXPECT_EQ(headerOf(128), (Bytes{0x30, 0x81, 0x80}));
+    EXPECT_EQ(headerOf(255), (Bytes{0x30, 0x81, 0xFF}));
+    EXPECT_EQ(headerOf(256), (Bytes{0x30, 0x82, 0x01, 0x00}));
+    EXPECT_EQ(headerOf(65535), (Bytes{0x30, 0x82, 0xFF, 0xFF}));
+    EXPECT_EQ(headerOf(65536), (Bytes{0x30}));
+}
+
+TEST(Der, ListsEndAtTheFirstNull) {
+    unsigned char one[] = {0x05, 0x00};
+    ADATA* left = CreateADATA(one, 2, 2);
+    EXPECT_EQ(taken(SEQUENCE(CreateADATA(one, 2, 2), nullptr, left, nullptr)),
+              (Bytes{0x30, 0x02, 0x05, 0x00}));
+    EXPECT_EQ(taken(left), (Bytes{0x05, 0x00})) << "what stands behind the null is not released";
+    EXPECT_EQ(taken(SEQUENCE(nullptr)), (Bytes{0x30, 0x00}));
+    EXPECT_EQ(taken(var_tlv(0xA0, nullptr)), (Bytes{0xA0, 0x00}));
+    EXPECT_EQ(taken(SET(CreateADATA(one, 2, 2), CreateADATA(one, 2, 2), nullptr)),
+              (Bytes{0x31, 0x04, 0x05, 0x00, 0x05, 0x00}));
+}
+
+TEST(Der, IntegersStayPositiveAndKeepLeadingZeros) {
+    unsigned char small[] = {0x01}, high[] = {0x80}, led[] = {0x00, 0x7F};
+    EXPECT_EQ(taken(_INTEGER(small, 1)), (Bytes{0x02, 0x01, 0x01}));
+    EXPECT_EQ(taken(_INTEGER(high, 1)), (Bytes{0x02, 0x02, 0x00, 0x80}));
+    EXPECT_EQ(taken(_INTEGER(led, 2)), (Bytes{0x02, 0x02, 0x00, 0x7F}));
+    EXPECT_EQ(taken(_INTEGER(high, 0)), (Bytes{0x02, 0x01, 0x00}));
+}
+
+TEST(Der, PiecesArePaddedAndJoined) {
+    unsigned char bytes[] = {1, 2, 3};
+    EXPECT_EQ(taken(CreateADATA(bytes, 5, 3)), (Bytes{1, 2, 3, 0, 0}));
+    EXPECT_EQ(taken(ConcatenateADATA(nullptr, nullptr)), Bytes());
+    EXPECT_EQ(taken(ConcatenateADATA(CreateADATA(bytes, 1, 1), CreateADATA(bytes, 2, 2))), (Bytes{1, 1, 2}));
+}
+
+TEST(Subject, RowsKeepTheirOrderAndTypes) {
+    datiDN name{};
+    std::strcpy(name.stateOrProvince, "RM");
+    std::strcpy(name.title, "Dr");
+    std::strcpy(name.country, "IT");
+    std::strcpy(name.email, "e@x");
+    const Bytes expected = {0x30, 0x3A, 0x31, 0x0B, 0x30, 0x09, 0x06, 0x03, 0x55, 0x04, 0x06, 0x13, 0x02,
+                            'I',  'T',  0x31, 0x12, 0x30, 0x10, 0x06, 0x09, 0x2A, 0x86, 0x48, 0x86, 0xF7,
+                            0x0D, 0x01, 0x09, 0x01, 0x16, 0x03, 'e',  '@',  'x',  0x31, 0x0B, 0x30, 0x09,
+                            0x06, 0x03, 0x55, 0x04, 0x0C, 0x0C, 0x02, 'D',  'r',  0x31, 0x0B, 0x30, 0x09,
+                            0x06, 0x03, 0x55, 0x04, 0x08, 0x0C, 0x02, 'R',  'M'};
+    Bytes got = taken(zv::buildName(name, zv::SUBJECT_TABLE));
+    EXPECT_EQ(got[1], got.size() - 2);
+    got[1] = expected[1];
+    EXPECT_EQ(got, expected);
+    EXPECT_EQ(taken(zv::buildName(name, zv::SUBJECT_TABLE_CNS)).size(), expected.size() - 13)
+        << "a services card's request has no title";
+}
+
+TEST(Subject, ValuesAreCutAt127AndRowsAtTheLimit) {
+    datiDN name{};
+    EXPECT_EQ(zv::buildName(name, zv::SUBJECT_TABLE), nullptr);
+    std::memset(name.email, 'x', 128);
+    const Bytes der = taken(zv::buildName(name, zv::SUBJECT_TABLE));
+    EXPECT_EQ(std::count(der.begin(), der.end(), 'x'), 127);
+    std::strcpy(name.country, "IT");
+    EXPECT_EQ(zv::buildName(name, {zv::SUBJECT_TABLE.rows, 1}), nullptr);
+}
+
+TEST(Pem, IsOneLineThatMustFitWithItsBreaks) {
+    std::vector<char> out(zv::PEM_SIZE, '?');
+    const zv::Der small(zeros(100));
+    ASSERT_TRUE(zv::writePem(*small, out.data()));
+    EXPECT_EQ(std::string(out.data()), "-----BEGIN CERTIFICATE REQUEST-----\n" + std::string(134, 'A') +
+                                           "==\n-----END CERTIFICATE REQUEST-----\n");
+    const zv::Der large(zeros(6100));
+    EXPECT_FALSE(zv::writePem(*large, out.data()));
+}
+
+} // namespace

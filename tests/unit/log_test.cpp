@@ -1,0 +1,107 @@
+#include "diag/log.h"
+#include "diag/messages.h"
+#include "tests/support/log_file.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace {
+
+using zvtest::LogFile;
+
+TEST(Log, OneFileTwoForms) {
+    const LogFile log;
+    scriviLog("riga");
+    scriviLog("");
+    scriviLog(nullptr);
+    WriteLog("titolo", "primo", 0, "", 0);
+    WriteErr("titolo", nullptr, 0, "ab\0cd", 5);
+    const std::string raw("ab\0cd", 5);
+    EXPECT_EQ(log.text(),
+              "[]: riga\n[]: MESSAGGIO VUOTO!\n[]: MESSAGGIO VUOTO!\n** titolo\nprimo\n\n** titolo\n" + raw +
+                  "\n");
+    struct stat status {};
+    ASSERT_EQ(::stat(log.path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST(Log, NegativeLengthWritesAnEmptyLine) {
+    const LogFile log;
+    WriteLog("t", "never", -1, nullptr, 0);
+    EXPECT_EQ(log.text(), "** t\n\n");
+}
+
+TEST(Log, IsEmptiedPastOneMebibyteByTheShortFormAlone) {
+    const LogFile log;
+    std::ofstream(log.path()) << std::string(1'048'576, 'x');
+    const std::string companion = log.path().string() + ".1";
+    scriviLog("a");
+    EXPECT_EQ(log.raw().substr(0, 2), "xx");
+    EXPECT_FALSE(std::filesystem::exists(companion));
+    WriteLog("t", "b", 0, "", 0);
+    EXPECT_GT(log.raw().size(), 1'048'577u);
+    std::ofstream(companion) << "old";
+    scriviLog("c");
+    EXPECT_EQ(log.text(), "[]: ----------------------------------\n[]: zvRenew\n[]: 1.0.4\n"
+                          "[]: ----------------------------------\n[]: c\n");
+    EXPECT_TRUE(std::filesystem::is_empty(companion));
+}
+
+TEST(Log, IsNeverLedElsewhere) {
+    LogFile log;
+    const auto target = log.folder() / "target";
+    std::ofstream(target) << "kept";
+    std::filesystem::create_symlink(target, log.path());
+    scriviLog("line");
+    WriteLog("t", "", 0, "", 0);
+    EXPECT_EQ(std::filesystem::file_size(target), 4u);
+    log.use(log.folder() / "missing" / "zvRenew.log");
+    scriviLog("line");
+    EXPECT_FALSE(std::filesystem::exists(log.folder() / "missing"));
+    log.use(log.folder() / "pipe");
+    ASSERT_EQ(::mkfifo(log.path().c_str(), 0600), 0);
+    scriviLog("does not wait for a reader");
+}
+
+TEST(Log, Records) {
+    const LogFile log;
+    datiDN name{};
+    std::strcpy(name.country, "IT");
+    std::strcpy(name.orgUnit[4], "five");
+    std::strcpy(name.email, "a@b");
+    LogDN(&name);
+    REQRENIN request{};
+    std::strcpy(request.certificateLabel, "DS0");
+    std::strcpy(request.pendingLabel, "DS3");
+    LogLabels(&request);
+    EXPECT_EQ(log.text(),
+              "** LOG_DN\nDati DN\nDN_country = IT\nDN_organization = \n\nDN_orgUnit[0] = \n"
+              "\nDN_orgUnit[1] = \n\nDN_orgUnit[2] = \n\nDN_orgUnit[3] = \n\nDN_orgUnit[4] = five\n"
+              "DN_commonName = \nDN_description = \nDN_dnQualifier = \nDN_SerNum = \nDN_givenName = \n"
+              "DN_surname = \nDN_eMail = a@b\n\n"
+              "**  .... ReqCert FUN                    .... \nLabels\n"
+              "certificateLabel = <DS0> pendingLabel = <DS3>\n");
+}
+
+TEST(Messages, AreLookedUpWithinTheTable) {
+    loadErrorCodes();
+    EXPECT_STREQ(zv::errorMessage(CKR_OK), "Operazione completata con successo");
+    EXPECT_STREQ(errorMessages[0x82], "Il riferimento dell'oggetto specificato r' invalido");
+    EXPECT_STREQ(errorMessages[0x1A1], "CKR_MUTEX_NOT_LOCKED");
+    for (const CK_RV code : {0x4UL, 0x130UL, 0x1A2UL, 0x200UL, 0x80000001UL, ~0UL})
+        EXPECT_STREQ(zv::errorMessage(code), "") << code;
+    int filled = 0;
+    for (const auto& message : errorMessages)
+        filled += message[0] != '\0' ? 1 : 0;
+    EXPECT_EQ(filled, 83);
+}
+
+TEST(Messages, FailuresNameStepCodeAndSentence) {
+    loadErrorCodes();
+    const LogFile log;
+    zv::reportFailure("t", "C_Login", CKR_PIN_INCORRECT, "Errore (%s)");
+    EXPECT_EQ(log.text(), "** t\nC_Login\nErrore = 0x160\n** Messaggio di Errore\nErrore (Pin errato)\n\n");
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+#include "api/state.h"
+#include "inventory/names.h"
+#include "tests/support/log_file.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void load(const std::string& dn) {
+    char text[4096];
+    std::strcpy(text, dn.c_str());
+    _RiempiDN(text, sizeof text);
+}
+
+TEST(NameInput, AttributesStandAnywhereInOneText) {
+    load("2.5.4.6=ITA 2.5.4.3=ROSSI MARIO   /serialNumber=TINIT-X/OU=uno/OU=due,2.5.4.11=tre/CN=no/gn=Mario");
+    EXPECT_STREQ(zv::dNameRen.country, "IT");
+    EXPECT_STREQ(zv::dNameRen.commonName, "ROSSI MARIO");
+    EXPECT_STREQ(zv::dNameRen.serialNumber, "TINIT-X");
+    EXPECT_STREQ(zv::dNameRen.orgUnit[0], "uno");
+    EXPECT_STREQ(zv::dNameRen.orgUnit[1], "due,");
+    EXPECT_STREQ(zv::dNameRen.orgUnit[2], "tre/CN=no");
+    EXPECT_STREQ(zv::dNameRen.givenName, "Mario");
+    load("");
+    EXPECT_STREQ(zv::dNameRen.commonName, "");
+}
+
+TEST(NameInput, WidthsAndSurplusUnits) {
+    std::string dn = "2.5.4.13=" + std::string(200, 'd') + "2.5.4.4=" + std::string(80, 's');
+    for (int i = 0; i < 7; ++i)
+        dn += "2.5.4.11=u" + std::to_string(i);
+    dn += "2.5.4.7=Roma2.5.4.12=Dr2.5.4.65=Ps2.5.4.8=RM";
+    load(dn);
+    EXPECT_EQ(std::string(zv::dNameRen.description), std::string(128, 'd'));
+    EXPECT_EQ(std::string(zv::dNameRen.surname), std::string(64, 's'));
+    EXPECT_STREQ(zv::dNameRen.orgUnit[4], "u4");
+    EXPECT_STREQ(zv::dNameRen.commonName, "") << "a sixth unit must not run into the next field";
+    EXPECT_STREQ(zv::dNameRen.locality, "Roma");
+    EXPECT_STREQ(zv::dNameRen.title, "Dr");
+    EXPECT_STREQ(zv::dNameRen.pseudonym, "Ps");
+    EXPECT_STREQ(zv::dNameRen.stateOrProvince, "RM");
+}
+
+std::string replacedIn(std::string text, std::string from, std::string to) {
+    replace(text.data(), from.data(), to.data());
+    return zv::newstring;
+}
+
+TEST(NameInput, ReplacementKeepsWithin1023Characters) {
+    EXPECT_EQ(replacedIn("aaa", "aa", "b"), "ba");
+    EXPECT_EQ(replacedIn("abc", "", "x"), "abc");
+    EXPECT_EQ(replacedIn(std::string(2000, 'x'), "y", ""), std::string(1023, 'x'));
+    const std::string head(1020, 'x');
+    EXPECT_EQ(replacedIn(head + "a", "a", "bb"), head + "bb");
+    EXPECT_EQ(replacedIn(head + "ab", "a", "12345"), head + "ab") << "an occurrence that would not fit stays";
+    EXPECT_EQ(replacedIn(head + "abcd", "a", "12345"), head) << "what would not fit unreplaced is dropped";
+    EXPECT_EQ(replacedIn(head + "aXX", "a", "bb"), head + "bb") << "a rest that would not fit is dropped";
+    EXPECT_EQ(replacedIn("a" + head + "xxxxa", "a", "b"), "b") << "building stops where a part would not fit";
+}
+
+TEST(InventoryNames, EveryOccurrenceBecomesAnOid) {
+    char name[512] = "/C=IT/ou=A/OU=B/CN=N/serialNumber=S/SN=R", scratch[4096];
+    EXPECT_EQ(__DescrToOid(name, scratch), 0);
+    EXPECT_STREQ(name, "2.5.4.6=IT2.5.4.11=A2.5.4.11=B2.5.4.3=N2.5.4.5=S2.5.4.4=R");
+    char small[24] = "/C=IT/C=IT/C=IT/C=IT";
+    zv::rewriteName(small, sizeof small);
+    EXPECT_STREQ(small, "2.5.4.6=IT2.5.4.6=IT2.5");
+}
+
+TEST(InventoryNames, AServicesCardHasItsCommonNameLast) {
+    char scratch[4096], plain[512] = "/C=IT/O=X";
+    EXPECT_EQ(__DescrToOidCNS(plain, scratch), 1);
+    EXPECT_STREQ(plain, "/C=IT/O=X");
+    char shortName[512] = "/C=IT/CN=RSSMRA/123/OU=tail";
+    EXPECT_EQ(__DescrToOidCNS(shortName, scratch), 0);
+    EXPECT_STREQ(shortName, "2.5.4.6=IT2.5.4.3=RSSMRA/123/OU=tail") << "the copied value is not rewritten";
+    const std::string value(62, 'v');
+    char longName[512];
+    std::strcpy(longName, ("/C=IT/CN=" + value + "rest/OU=u").c_str());
+    EXPECT_EQ(__DescrToOidCNS(longName, scratch), 0);
+    EXPECT_EQ(std::string(longName), "2.5.4.6=IT2.5.4.3=" + value + "rest2.5.4.11=u");
+}
+
+std::string expiry(std::string data) {
+    char out[9] = "";
+    getDtScadenza(data.data(), out);
+    return out;
+}
+
+TEST(InventoryNames, ExpiryDateOfTheCard) {
+    const std::string filler(13, '.');
+    EXPECT_EQ(expiry("00000004abc" + filler + "20300131rest"), "20300131");
+    EXPECT_EQ(expiry("00000004xxx" + filler + "20300131"), "");
+    EXPECT_EQ(expiry("00000000abc" + filler + "20300131"), "");
+    EXPECT_EQ(expiry("00000004abc" + filler + "2030013"), "");
+    EXPECT_EQ(expiry("00000099......"), "");
+    EXPECT_EQ(expiry("short"), "");
+}
+
+TEST(InventoryNames, ShapeOfACodiceFiscale) {
+    char good[] = "ABCDEF12G34H567I", bad[] = "ABCDEF1XG34H567I", odd[] = "ABC", digit[] = "1BCDEF12G34H567I";
+    EXPECT_EQ(isCodFisc(good), 1);
+    EXPECT_EQ(isCodFisc(bad), 0);
+    EXPECT_EQ(isCodFisc(digit), 0);
+    EXPECT_EQ(isCodFisc(odd), 1);
+}
+
+std::string rewritten(const std::string& text, int rounds = 0) {
+    char name[8216], work[8216];
+    std::strcpy(name, text.c_str());
+    EXPECT_EQ(DescrToOid(name, work), rounds);
+    return name;
+}
+
+TEST(InstallNames, ShortNamesBecomeOids) {
+    EXPECT_EQ(rewritten("C=IT, O=Acme, CN=Ufficio Uno"), "C=IT,2.5.4.10=Acme,2.5.4.3=Ufficio Uno");
+    EXPECT_EQ(rewritten("x, cn=a"), "x,2.5.4.3=a");
+    EXPECT_EQ(rewritten("a, OU=1, OU=2/Email=e"), "a,2.5.4.11=1,2.5.4.11=2,1.2.840.113549.1.9.1=e");
+    char name[128] = "x, D=1, D=2, D=3, D=4, N=5", work[128];
+    EXPECT_EQ(CommaToSlash(name, work), 2);
+    EXPECT_STREQ(name, "x, D=1/D=2, D=3/D=4/N=5");
+}
+
+int decoded(std::string pem, std::string& der) {
+    char out[8191] = {};
+    const int length = CrtB64ToDer(pem.data(), out);
+    der.assign(out, static_cast<std::size_t>(length));
+    return length;
+}
+
+TEST(InstallNames, PemBecomesDer) {
+    const std::string begin = "-----BEGIN CERTIFICATE-----", end = "\n-----END CERTIFICATE-----";
+    std::string der;
+    const zvtest::LogFile log;
+    EXPECT_EQ(decoded(begin + "\nQUJD\nREU=" + end, der), 5);
+    EXPECT_EQ(der, "ABCDE");
+    EXPECT_NE(log.text().find("dimensione = 5\nABCDE"), std::string::npos);
+    EXPECT_GE(log.raw().size(), 8191u) << "the whole buffer goes to the log";
+    EXPECT_EQ(decoded(begin + "QUJD" + end, der), 3);
+    EXPECT_EQ(decoded(begin + "QUJDRE" + end, der), 0);
+    EXPECT_EQ(decoded(begin + "QUJ\xFF" + end, der), 3) << "byte 0xFF counts as 0";
+    EXPECT_EQ(decoded("-----END CERTIFICATE-----" + begin, der), 0);
+    EXPECT_EQ(decoded(begin + "QUJD", der), 0);
+    EXPECT_EQ(decoded(begin + std::string(20000, 'A') + end, der), 0);
+}
+
+} // namespace
