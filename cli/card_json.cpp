@@ -1,4 +1,4 @@
-#include "card_json.h"
+#include "cli/card_json.h"
 
 #include <fmt/chrono.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "inventory.h"
-#include "outcome.h"
+#include "cli/inventory.h"
+#include "cli/outcome.h"
 
 namespace cli {
 

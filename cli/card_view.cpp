@@ -1,6 +1,6 @@
-#include "card_view.h"
+#include "cli/card_view.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <algorithm>
 #include <cstring>

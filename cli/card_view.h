@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pin_gate.h"
+#include "cli/pin_gate.h"
 
 #include <functional>
 #include <string>

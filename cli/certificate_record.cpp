@@ -1,4 +1,4 @@
-#include "certificate_record.h"
+#include "cli/certificate_record.h"
 
 #include <array>
 #include <charconv>

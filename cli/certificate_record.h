@@ -1,7 +1,7 @@
 #pragma once
 
-#include "distinguished_name.h"
-#include "options.h"
+#include "cli/distinguished_name.h"
+#include "cli/options.h"
 
 #include <ctime>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "command_line.h"
+#include "cli/command_line.h"
 
-#include "commands.h"
+#include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "options.h"
-#include "outcome.h"
+#include "cli/options.h"
+#include "cli/outcome.h"
 
 namespace cli {
 

@@ -1,6 +1,6 @@
-#include "distinguished_name.h"
+#include "cli/distinguished_name.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "card_json.h"
-#include "commands.h"
-#include "inventory.h"
-#include "library_text.h"
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/inventory.h"
+#include "cli/library_text.h"
 #include "zvRenew.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
-#include "install_plan.h"
+#include "cli/install_plan.h"
 
-#include "card_json.h"
-#include "commands.h"
-#include "library_text.h"
-#include "log_folder.h"
-#include "new_file.h"
-#include "note.h"
-#include "proof.h"
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/library_text.h"
+#include "cli/log_folder.h"
+#include "cli/new_file.h"
+#include "cli/note.h"
+#include "cli/proof.h"
 #include "zvRenew.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "install_plan.h"
+#include "cli/install_plan.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 #include "zvRenew.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "card_view.h"
-#include "inventory.h"
-#include "key_material.h"
-#include "options.h"
+#include "cli/card_view.h"
+#include "cli/inventory.h"
+#include "cli/key_material.h"
+#include "cli/options.h"
 
 #include <optional>
 #include <string>

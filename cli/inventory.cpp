@@ -1,7 +1,7 @@
-#include "inventory.h"
+#include "cli/inventory.h"
 
-#include "library_text.h"
-#include "outcome.h"
+#include "cli/library_text.h"
+#include "cli/outcome.h"
 #include "zvRenew.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "card_view.h"
-#include "certificate_record.h"
-#include "pin_gate.h"
+#include "cli/card_view.h"
+#include "cli/certificate_record.h"
+#include "cli/pin_gate.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
-#include "key_material.h"
+#include "cli/key_material.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <cerrno>
 #include <cstring>

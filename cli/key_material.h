@@ -1,6 +1,6 @@
 #pragma once
 
-#include "module.h"
+#include "cli/module.h"
 
 #include <memory>
 #include <openssl/x509.h>

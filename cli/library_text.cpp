@@ -1,4 +1,4 @@
-#include "library_text.h"
+#include "cli/library_text.h"
 
 #include "zvCrypt.h"
 #include "zvRenew.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <string>
 

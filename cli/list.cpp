@@ -1,6 +1,6 @@
-#include "card_json.h"
-#include "commands.h"
-#include "inventory.h"
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/inventory.h"
 
 #include <algorithm>
 #include <ctime>

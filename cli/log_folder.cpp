@@ -1,4 +1,4 @@
-#include "log_folder.h"
+#include "cli/log_folder.h"
 
 #include "routines.h"
 

@@ -1,8 +1,8 @@
-#include "command_line.h"
-#include "library_text.h"
-#include "log_folder.h"
-#include "note.h"
-#include "outcome.h"
+#include "cli/command_line.h"
+#include "cli/library_text.h"
+#include "cli/log_folder.h"
+#include "cli/note.h"
+#include "cli/outcome.h"
 #include "zvRenew.h"
 
 #include <cstdio>

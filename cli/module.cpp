@@ -1,7 +1,7 @@
-#include "module.h"
+#include "cli/module.h"
 
-#include "library_text.h"
-#include "outcome.h"
+#include "cli/library_text.h"
+#include "cli/outcome.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pin.h"
+#include "cli/pin.h"
 #include "pkcs11.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
-#include "module_folder.h"
+#include "cli/module_folder.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <fmt/format.h>
 #ifdef __APPLE__

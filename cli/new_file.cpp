@@ -1,6 +1,6 @@
-#include "new_file.h"
+#include "cli/new_file.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scoped_fd.h"
+#include "cli/scoped_fd.h"
 
 #include <string>
 #include <string_view>

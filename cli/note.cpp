@@ -1,4 +1,4 @@
-#include "note.h"
+#include "cli/note.h"
 
 #include <cstdio>
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
-#include "pin.h"
+#include "cli/pin.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <algorithm>
 #include <openssl/crypto.h>

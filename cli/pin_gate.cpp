@@ -1,8 +1,8 @@
-#include "pin_gate.h"
+#include "cli/pin_gate.h"
 
-#include "library_text.h"
-#include "outcome.h"
-#include "pin_input.h"
+#include "cli/library_text.h"
+#include "cli/outcome.h"
+#include "cli/pin_input.h"
 #include "zvCrypt.h"
 
 #include <fmt/format.h>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "module.h"
-#include "options.h"
-#include "pin.h"
-#include "place.h"
+#include "cli/module.h"
+#include "cli/options.h"
+#include "cli/pin.h"
+#include "cli/place.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
-#include "pin_input.h"
+#include "cli/pin_input.h"
 
-#include "note.h"
-#include "outcome.h"
-#include "scoped_fd.h"
+#include "cli/note.h"
+#include "cli/outcome.h"
+#include "cli/scoped_fd.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "place.h"
+#include "cli/place.h"
 
-#include "library_text.h"
-#include "module_folder.h"
-#include "outcome.h"
+#include "cli/library_text.h"
+#include "cli/module_folder.h"
+#include "cli/outcome.h"
 #include "zvCrypt.h"
 
 #include <algorithm>

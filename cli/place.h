@@ -1,7 +1,7 @@
 #pragma once
 
-#include "module.h"
-#include "options.h"
+#include "cli/module.h"
+#include "cli/options.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "proof.h"
+#include "cli/proof.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 
 #include <algorithm>
 #include <array>

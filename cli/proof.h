@@ -1,7 +1,7 @@
 #pragma once
 
-#include "card_view.h"
-#include "key_material.h"
+#include "cli/card_view.h"
+#include "cli/key_material.h"
 
 #include <string>
 

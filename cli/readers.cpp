@@ -1,7 +1,7 @@
-#include "commands.h"
-#include "module_folder.h"
-#include "pin_gate.h"
-#include "place.h"
+#include "cli/commands.h"
+#include "cli/module_folder.h"
+#include "cli/pin_gate.h"
+#include "cli/place.h"
 
 #include <fmt/format.h>
 

@@ -1,12 +1,12 @@
-#include "request_plan.h"
+#include "cli/request_plan.h"
 
-#include "card_json.h"
-#include "commands.h"
-#include "key_material.h"
-#include "library_text.h"
-#include "log_folder.h"
-#include "new_file.h"
-#include "note.h"
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/key_material.h"
+#include "cli/library_text.h"
+#include "cli/log_folder.h"
+#include "cli/new_file.h"
+#include "cli/note.h"
 #include "zvRenew.h"
 
 #include <cstring>

@@ -1,6 +1,6 @@
-#include "request_plan.h"
+#include "cli/request_plan.h"
 
-#include "outcome.h"
+#include "cli/outcome.h"
 #include "zvRenew.h"
 
 #include <ctime>

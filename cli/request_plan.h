@@ -1,8 +1,8 @@
 #pragma once
 
-#include "card_view.h"
-#include "inventory.h"
-#include "options.h"
+#include "cli/card_view.h"
+#include "cli/inventory.h"
+#include "cli/options.h"
 
 #include <optional>
 #include <string>
