@@ -161,9 +161,10 @@ CardSigner findSigner(const Session& session, std::string_view keyId) {
     if (!modulusOf(*signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Il certificato \"" + std::string(keyId) + "\" non è di una chiave RSA");
-    for (auto& other : certificates)
-        if (other.certificate && !signer.issuer && isIssuedBy(*signer.certificate, *other.certificate))
-            signer.issuer = std::move(other.certificate);
+    for (auto& [id, other] : certificates)
+        if (other && !signer.issuer && X509_cmp(other.get(), signer.certificate.get()) != 0 &&
+            isIssuedBy(*signer.certificate, *other))
+            signer.issuer = std::move(other);
     return signer;
 }
 

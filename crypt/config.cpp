@@ -46,7 +46,10 @@ bool exists(const std::string& path) {
 }
 
 std::optional<std::string> configurationPath() {
-    if (std::string named = environment("ZVCRYPT_CONF"); !named.empty()) return named;
+    if (std::string named = environment("ZVCRYPT_CONF"); named == "/dev/null")
+        return std::nullopt;
+    else if (!named.empty())
+        return named;
     if (auto user = userConfiguration(); user && exists(*user)) return user;
     if (exists(systemConfiguration)) return systemConfiguration;
     return std::nullopt;

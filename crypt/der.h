@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure.h"
 #include "openssl_ptr.h"
 
 #include <initializer_list>
@@ -32,9 +33,10 @@ enum Tag : unsigned char {
 // What OpenSSL encodes itself.
 template <class T> [[nodiscard]] Bytes encoded(int (*encode)(const T*, unsigned char**), const T* object) {
     const int length = encode(object, nullptr);
-    Bytes bytes(length < 0 ? 0 : static_cast<std::size_t>(length));
+    if (length <= 0) throw Failure(ZVC_ERR_INTERNAL, "Errore interno nella codifica DER");
+    Bytes bytes(static_cast<std::size_t>(length));
     unsigned char* end = bytes.data();
-    if (length > 0) (void)encode(object, &end);
+    (void)encode(object, &end);
     return bytes;
 }
 

@@ -22,8 +22,9 @@
 // clang-format off
 /*
  * Configuration: the first of these files that exists. The one that the environment variable ZVCRYPT_CONF names
- * (it must exist), $XDG_CONFIG_HOME/zvcrypt.conf or ~/.config/zvcrypt.conf, /etc/zvcrypt.conf. In a set-user-id
- * process only the last one. It, the built-in table and a host's atr.ini have one form:
+ * (it must exist; /dev/null stands for none at all), $XDG_CONFIG_HOME/zvcrypt.conf or, without that variable,
+ * ~/.config/zvcrypt.conf, /etc/zvcrypt.conf. In a set-user-id process only the last one. It, the built-in table
+ * and a host's atr.ini have one form:
  *
  *     [card ANY NAME]           ; a kind of card; the first entry whose pattern matches wins
  *     atr = 3BFF18..0081        ; hexadecimal; '.', 'X' and '?' stand for any digit, blanks and ':' for nothing

@@ -6,6 +6,7 @@
 #include <openssl/pkcs7.h>
 #include <openssl/x509v3.h>
 
+#include <sstream>
 #include <stdexcept>
 
 namespace test {
@@ -15,23 +16,32 @@ void require(bool done) {
     if (!done) throw std::runtime_error("the test's certificate cannot be made");
 }
 
-void addExtensions(X509& certificate, const std::string& lines, X509* issuer) {
-    const std::string text = "[ext]\n" + lines + "\n";
-    const std::unique_ptr<BIO, decltype(&BIO_free)> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
-    const std::unique_ptr<CONF, decltype(&NCONF_free)> conf(NCONF_new(nullptr), NCONF_free);
-    long line = 0;
-    require(NCONF_load_bio(conf.get(), source.get(), &line) > 0);
-    X509V3_CTX context;
-    X509V3_set_ctx(&context, issuer, &certificate, nullptr, nullptr, 0);
-    X509V3_set_nconf(&context, conf.get());
-    require(X509V3_EXT_add_nconf(conf.get(), &context, "ext", &certificate) == 1);
+void setSubject(X509_NAME* name, const std::string& subject, int form) {
+    std::istringstream attributes(subject);
+    for (std::string one; std::getline(attributes, one, '|');) {
+        const auto value = reinterpret_cast<const unsigned char*>(one.data()) + one.find('=') + 1;
+        const auto length = static_cast<int>(one.size() - one.find('=') - 1);
+        const std::string type = one.substr(0, one.find('='));
+        require(X509_NAME_add_entry_by_txt(name, type.c_str(), form, value, length, -1, 0) == 1);
+    }
 }
 
-void setSerial(X509& certificate, const std::string& hex) {
+void setSerial(ASN1_INTEGER* serial, const std::string& hex) {
     BIGNUM* number = nullptr;
     require(BN_hex2bn(&number, hex.c_str()) > 0);
-    const std::unique_ptr<BIGNUM, decltype(&BN_free)> owner(number, BN_free);
-    require(BN_to_ASN1_INTEGER(number, X509_get_serialNumber(&certificate)) != nullptr);
+    const std::shared_ptr<BIGNUM> owner(number, BN_free);
+    require(BN_to_ASN1_INTEGER(number, serial) != nullptr);
+}
+
+void addExtensions(X509* certificate, const std::string& lines, X509* issuer) {
+    const std::string text = "[ext]\n" + lines + "\n";
+    const std::shared_ptr<BIO> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
+    const std::shared_ptr<CONF> conf(NCONF_new(nullptr), NCONF_free);
+    require(NCONF_load_bio(conf.get(), source.get(), nullptr) > 0);
+    X509V3_CTX context;
+    X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
+    X509V3_set_nconf(&context, conf.get());
+    require(X509V3_EXT_add_nconf(conf.get(), &context, "ext", certificate) == 1);
 }
 
 } // namespace
@@ -41,36 +51,24 @@ Certificate make(const Shape& shape) {
     if (!made.key) made.key = {EVP_EC_gen("P-256"), EVP_PKEY_free};
     X509* it = made.x509.get();
     require(X509_set_version(it, X509_VERSION_3) == 1 && X509_set_pubkey(it, made.key.get()) == 1);
-    setSerial(*it, shape.serial);
+    setSerial(X509_get_serialNumber(it), shape.serial);
     require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.notBefore.c_str()) == 1);
     require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.notAfter.c_str()) == 1);
-    for (const auto& [type, value, form] : shape.subject)
-        require(X509_NAME_add_entry_by_txt(X509_get_subject_name(it), type.c_str(), form,
-                                           reinterpret_cast<const unsigned char*>(value.data()),
-                                           static_cast<int>(value.size()), -1, 0) == 1);
-    X509* issuer = shape.issuer == nullptr ? it : shape.issuer->x509.get();
-    require(X509_set_issuer_name(it, X509_get_subject_name(issuer)) == 1);
-    if (!shape.extensions.empty()) addExtensions(*it, shape.extensions, issuer);
-    EVP_PKEY* signingKey = shape.issuer == nullptr ? made.key.get() : shape.issuer->key.get();
-    require(X509_sign(it, signingKey, EVP_sha256()) > 0);
-    made.der = derOf(*it);
+    setSubject(X509_get_subject_name(it), shape.subject, shape.form);
+    const Certificate& issuer = shape.issuer == nullptr ? made : *shape.issuer;
+    require(X509_set_issuer_name(it, X509_get_subject_name(issuer.x509.get())) == 1);
+    if (!shape.extensions.empty()) addExtensions(it, shape.extensions, issuer.x509.get());
+    require(X509_sign(it, issuer.key.get(), EVP_sha256()) > 0);
+    made.der = encoded<X509>(i2d_X509, it);
     return made;
 }
 
 Certificate makeAuthority(const std::string& name, const Certificate* issuer) {
-    Shape shape;
-    shape.subject = {{"C", "IT"}, {"CN", name}};
-    shape.extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign";
-    shape.serial = "01"; // issuer and serial number tell a certificate apart, its own issuer's too
-    shape.issuer = issuer;
-    return make(shape);
-}
-
-Bytes derOf(X509& certificate) {
-    Bytes der(static_cast<std::size_t>(i2d_X509(&certificate, nullptr)));
-    unsigned char* end = der.data();
-    (void)i2d_X509(&certificate, &end);
-    return der;
+    // Issuer and serial number tell a certificate apart, from its issuer's too.
+    return make({.subject = "C=IT|CN=" + name,
+                 .extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign",
+                 .serial = "01",
+                 .issuer = issuer});
 }
 
 std::string base64(const Bytes& bytes) {
@@ -90,16 +88,13 @@ std::string pem(const Bytes& bytes, const std::string& label) {
 }
 
 Bytes bundle(const std::vector<Certificate>& certificates) {
-    const std::unique_ptr<PKCS7, decltype(&PKCS7_free)> it(PKCS7_new(), PKCS7_free);
+    const std::shared_ptr<PKCS7> it(PKCS7_new(), PKCS7_free);
     require(PKCS7_set_type(it.get(), NID_pkcs7_signed) == 1 &&
             PKCS7_content_new(it.get(), NID_pkcs7_data) == 1);
     (void)PKCS7_set_detached(it.get(), 1);
     for (const auto& certificate : certificates)
         require(PKCS7_add_certificate(it.get(), certificate.x509.get()) == 1);
-    Bytes der(static_cast<std::size_t>(i2d_PKCS7(it.get(), nullptr)));
-    unsigned char* end = der.data();
-    (void)i2d_PKCS7(it.get(), &end);
-    return der;
+    return encoded<PKCS7>(i2d_PKCS7, it.get());
 }
 
 } // namespace test

@@ -15,38 +15,37 @@ namespace test {
 using Bytes = std::vector<unsigned char>;
 using KeyPtr = std::shared_ptr<EVP_PKEY>;
 
-// What a certificate is to look like. The extensions are lines of an OpenSSL configuration: those of the
-// section [ext], after them sections that it names.
-struct Attribute {
-    std::string type;
-    std::string value;
-    int form = MBSTRING_UTF8;
-};
-
-struct Certificate;
-struct Shape {
-    std::vector<Attribute> subject{{"CN", "Titolare"}};
-    std::string extensions = "basicConstraints = CA:FALSE";
-    std::string serial = "0A01";
-    std::string notBefore = "20240131010203Z";
-    std::string notAfter = "20991231235959Z";
-    const Certificate* issuer = nullptr; // itself without one
-    KeyPtr key;                          // a new one of its own without one
-};
-
 struct Certificate {
     std::shared_ptr<X509> x509;
     KeyPtr key;
     Bytes der;
 };
 
+// What a certificate is to look like.
+struct Shape {
+    std::string subject = "CN=Titolare"; // attributes joined by '|'
+    int form = MBSTRING_UTF8;            // or a string type that takes the bytes as they are
+    // The section [ext] of an OpenSSL configuration; sections that it names may follow.
+    std::string extensions = "basicConstraints = CA:FALSE";
+    std::string serial = "0A01";
+    std::string notBefore = "20240131010203Z";
+    std::string notAfter = "20991231235959Z";
+    const Certificate* issuer = nullptr; // itself without one
+    KeyPtr key = nullptr;                // a new one without one
+};
+
 [[nodiscard]] Certificate make(const Shape& shape);
 [[nodiscard]] Certificate makeAuthority(const std::string& name, const Certificate* issuer = nullptr);
-
-[[nodiscard]] Bytes derOf(X509& certificate);
 [[nodiscard]] std::string base64(const Bytes& bytes);
 [[nodiscard]] std::string pem(const Bytes& bytes, const std::string& label = "CERTIFICATE");
 [[nodiscard]] Bytes bundle(const std::vector<Certificate>& certificates);
+
+template <class T> [[nodiscard]] Bytes encoded(int (*encode)(const T*, unsigned char**), const T* object) {
+    Bytes der(static_cast<std::size_t>(encode(object, nullptr)));
+    unsigned char* end = der.data();
+    (void)encode(object, &end);
+    return der;
+}
 
 [[nodiscard]] inline std::string lastError() {
     char text[512];

@@ -11,14 +11,12 @@ class Lookup : public test::Scratch {
         ::setenv("ZVCRYPT_CONF", write("zvcrypt.conf", text).c_str(), 1);
     }
 
-    int readers(int expected = ZVC_OK) {
-        char text[ZVC_READER_LIST_SIZE + 1];
-        text[ZVC_READER_LIST_SIZE] = 'x';
-        const int code = kvGetReader(text);
-        EXPECT_EQ(code, expected) << lastError();
-        EXPECT_EQ(text[ZVC_READER_LIST_SIZE], 'x');
-        list = text;
-        return code;
+    std::string readers(int expected = ZVC_OK) {
+        char list[ZVC_READER_LIST_SIZE + 1] = {};
+        list[ZVC_READER_LIST_SIZE] = 'x';
+        EXPECT_EQ(kvGetReader(list), expected) << lastError();
+        EXPECT_EQ(list[ZVC_READER_LIST_SIZE], 'x');
+        return list;
     }
     // With a folder its atr.ini is asked too.
     std::string module(std::string reader, const char* iniDir = nullptr, int expected = ZVC_OK) {
@@ -28,127 +26,106 @@ class Lookup : public test::Scratch {
         EXPECT_EQ(code, expected) << lastError();
         return text;
     }
-
-    std::string list;
 };
 
-constexpr const char* deskReader = "[reader Scrivania]\natr = 3BFF1800\n";
+const std::string deskReader = "[reader Scrivania]\natr = 3BFF1800\n";
+const std::string cnsAtr = "3BFF1800008131FE45006B04050100012101434E5310318059";
+const std::string cnsReader = "[reader A]\natr = " + cnsAtr + "\n";
 
 } // namespace
 
 TEST_F(Lookup, WithoutServiceThereAreTheSoftwareReadersOrAReason) {
-    readers(ZVC_ERR_NO_SERVICE);
-    EXPECT_EQ(list, "");
+    EXPECT_EQ(readers(ZVC_ERR_NO_SERVICE), "");
     EXPECT_NE(lastError().find("PC/SC"), std::string::npos);
-    configure("[reader uno]\nname = Lettore [CCID] 00 00 ; il nome ha le parentesi\natr = 3b 00\n"
+    configure("\xEF\xBB\xBF[reader uno]\nname = Lettore [CCID] 00 00 ; il nome ha le parentesi\natr = 3b 00\n"
               "# commento\n  [reader due]  ; indentato\n\tatr = 3F:00\r\n");
-    readers();
-    EXPECT_EQ(list, "Lettore [CCID] 00 00|due|");
+    EXPECT_EQ(readers(), "Lettore [CCID] 00 00|due|");
     EXPECT_EQ(lastError(), "");
     module("tre", nullptr, ZVC_ERR_NO_SERVICE);
-}
 
-TEST_F(Lookup, TheListHoldsWholeNamesOnly) {
-    std::string text;
+    std::string ten;
     for (char c = 'a'; c < 'k'; ++c)
-        text += std::string("[reader ") + std::string(120, c) + "]\natr = 3B00\n";
-    configure(text);
-    readers();
-    EXPECT_EQ(list.size(), 8U * 121);
-    EXPECT_EQ(list.back(), '|');
+        ten += "[reader " + std::string(120, c) + "]\natr = 3B00\n";
+    configure(ten);
+    EXPECT_EQ(readers().size(), 8U * 121) << "whole names only";
+    EXPECT_EQ(kvGetReader(nullptr), ZVC_ERR_ARGUMENT);
 }
 
-TEST_F(Lookup, TheFirstPatternThatMatchesWins) {
-    configure(std::string(deskReader) +
-              "[card troppo lunga]\natr = 3BFF180000\nmodule = libno.so\n"
-              "[card altra]\natr = 3B.F19..\nmodule = libno.so\n"
-              "[card jolly]\natr = 3b:xF:1?:.0\nmodule = libprima.so\nflags = cns touchsign\n"
-              "[card esatta]\natr = 3BFF1800\nmodule = libseconda.so\n");
+TEST_F(Lookup, TheFirstPatternThatMatchesWinsAndItsFlagsStandUntilTheNextLookup) {
+    configure(deskReader + "[card troppo lunga]\natr = 3BFF180000\nmodule = libno.so\n"
+                           "[card altra]\natr = 3B.F19..\nmodule = libno.so\n"
+                           "[card jolly]\natr = 3b:xF:1?:.0\nmodule = libprima.so\nflags = cns touchsign\n"
+                           "[card esatta]\natr = 3BFF1800\nmodule = libseconda.so\n");
     EXPECT_EQ(module("Scrivania"), "libprima.so");
     EXPECT_EQ(kvIsCNSINCARD(), 1);
     EXPECT_EQ(kvIsTOUCHSIGN(), 1);
+    EXPECT_EQ(module("altro", nullptr, ZVC_ERR_NO_SERVICE), "");
+    EXPECT_EQ(kvIsCNSINCARD(), 0);
+    EXPECT_EQ(kvIsTOUCHSIGN(), 0);
 }
 
 TEST_F(Lookup, HostTableThenConfigurationThenBuiltInTable) {
-    const std::string cns = "3BFF1800008131FE45006B04050100012101434E5310318059";
-    configure("[reader A]\natr = " + cns + "\n" + deskReader);
+    configure(cnsReader + deskReader);
     EXPECT_EQ(module("A"), "opensc-pkcs11.so");
     EXPECT_EQ(kvIsCNSINCARD(), 1);
     EXPECT_EQ(module("Scrivania"), "") << "an unknown card is no failure";
     EXPECT_EQ(kvIsCNSINCARD(), 0);
-
-    configure("[reader A]\natr = " + cns + "\n[card c]\natr = " + cns + "\nmodule = libconf.so\n");
+    configure(cnsReader + "[card c]\natr = " + cnsAtr + "\nmodule = libconf.so\n");
     EXPECT_EQ(module("A"), "libconf.so");
     EXPECT_EQ(kvIsCNSINCARD(), 0);
 
     module("A", folder.c_str(), ZVC_ERR_CONFIG_FILE);
     write("atr.ini", "");
     EXPECT_EQ(module("A", folder.c_str()), "libconf.so");
-    write("atr.ini", "[card c]\natr = " + cns + "\nmodule = libhost.so\nflags = touchsign\n");
+    write("atr.ini", "[card c]\natr = " + cnsAtr + "\nmodule = libhost.so\n");
     EXPECT_EQ(module("A", folder.c_str()), "libhost.so");
-    EXPECT_EQ(kvIsTOUCHSIGN(), 1);
     EXPECT_EQ(module("A"), "libconf.so");
-    EXPECT_EQ(kvIsTOUCHSIGN(), 0);
-}
-
-TEST_F(Lookup, AFailureLeavesNoFlagAndNoModule) {
-    configure(std::string(deskReader) + "[card c]\natr = 3BFF1800\nmodule = lib.so\nflags = cns\n");
-    ASSERT_EQ(module("Scrivania"), "lib.so");
-    EXPECT_EQ(module("altro", nullptr, ZVC_ERR_NO_SERVICE), "");
-    EXPECT_EQ(kvIsCNSINCARD(), 0);
-    char text[512];
-    EXPECT_EQ(kvGetPKCS11FromATR(nullptr, text), ZVC_ERR_ARGUMENT);
-    EXPECT_EQ(kvGetReader(nullptr), ZVC_ERR_ARGUMENT);
+    write("atr.ini", deskReader);
+    module("A", folder.c_str(), ZVC_ERR_CONFIG);
 }
 
 TEST_F(Lookup, AMalformedLineIsNamed) {
-    const std::pair<const char*, const char*> cases[] = {
+    const std::string card = "[card a]\natr = 3B00\n";
+    const std::pair<std::string, const char*> cases[] = {
         {"atr = 3B00", "riga 1:"},
-        {"[card a]\natr = 3B00\nmodule = a.so\n\n[card b", "riga 5:"},
+        {card + "module = a.so\n\n[card b", "riga 5:"},
         {"[card a] atr = 3B00", "riga 1:"},
         {"[carta a]\n", "riga 1: sezione sconosciuta"},
         {"[card]\n", "riga 1:"},
         {"[card a]\natr 3B00\n", "riga 2:"},
         {"[card a]\nATR = 3B00\n", "riga 2: chiave sconosciuta"},
-        {"[card a]\natr = 3B00\natr = 3B00\n", "riga 3: chiave ripetuta"},
+        {card + "atr = 3B00\n", "riga 3: chiave ripetuta"},
         {"[card a]\natr = 3B0\n", "riga 2: ATR"},
         {"[card a]\natr = 3BZ0\n", "riga 2: ATR"},
-        {"[card a]\natr = 3B00\n[card b]\n", "riga 1: "},
-        {"[card a]\natr = 3B00\nmodule = /usr/lib/a.so\n", "riga 3: nome di modulo"},
-        {"[card a]\natr = 3B00\nmodule = a.so\nflags = cns firma\n", "riga 4: indicatore sconosciuto: firma"},
+        {card + "[card b]\n", "riga 1: "},
+        {card + "module = /usr/lib/a.so\n", "riga 3: nome di modulo"},
+        {card + "module = a.so\nflags = cns firma\n", "riga 4: indicatore sconosciuto: firma"},
         {"[reader a]\natr = 3B..\n", "riga 2: ATR"},
         {"[reader a]\nname = a|b\n", "riga 2: nome di lettore"},
         {"[reader a]\natr = 3B00\n[reader b]\nname = a\natr = 3B00\n", "riga 3: lettore ripetuto"},
+        {card + "# " + std::string(400, '-') + "\n", "riga 3: riga di più di"},
     };
     for (const auto& [text, reason] : cases) {
         configure(text);
-        EXPECT_EQ(readers(ZVC_ERR_CONFIG), ZVC_ERR_CONFIG) << text;
-        EXPECT_NE(lastError().find(path("zvcrypt.conf") + ", " + reason), std::string::npos) << lastError();
+        readers(ZVC_ERR_CONFIG);
+        EXPECT_NE(lastError().find(path("zvcrypt.conf, ") + reason), std::string::npos)
+            << text << lastError();
     }
-    configure("[reader a]\natr = 3B00\n# " + std::string(400, '-') + "\n");
-    readers(ZVC_ERR_CONFIG);
-    EXPECT_NE(lastError().find("riga 3: riga di più di"), std::string::npos) << lastError();
-    configure(deskReader);
-    write("atr.ini", deskReader);
-    module("Scrivania", folder.c_str(), ZVC_ERR_CONFIG);
 }
 
 TEST_F(Lookup, TheConfigurationIsTheFirstFileThatExists) {
-    std::filesystem::create_directories(folder / ".config");
-    std::filesystem::create_directories(folder / "xdg");
-    write(".config/zvcrypt.conf", "[reader home]\natr = 3B00\n");
-    write("xdg/zvcrypt.conf", "[reader xdg]\natr = 3B00\n");
+    for (const char* name : {".config", "xdg"}) {
+        std::filesystem::create_directories(folder / name);
+        write(std::string(name) + "/zvcrypt.conf", std::string("[reader ") + name + "]\natr = 3B00\n");
+    }
     ::unsetenv("ZVCRYPT_CONF");
-    readers();
-    EXPECT_EQ(list, "home|");
+    EXPECT_EQ(readers(), ".config|");
     ::setenv("XDG_CONFIG_HOME", path("xdg").c_str(), 1);
-    readers();
-    EXPECT_EQ(list, "xdg|");
-    configure("[reader named]\natr = 3B00\n");
-    readers();
-    EXPECT_EQ(list, "named|");
-    ::setenv("ZVCRYPT_CONF", path("missing").c_str(), 1);
-    readers(ZVC_ERR_CONFIG_FILE);
-    ::setenv("ZVCRYPT_CONF", folder.c_str(), 1);
-    readers(ZVC_ERR_CONFIG_FILE);
+    EXPECT_EQ(readers(), "xdg|");
+    configure(deskReader);
+    EXPECT_EQ(readers(), "Scrivania|");
+    for (const std::string& unreadable : {path("missing"), folder.string()}) {
+        ::setenv("ZVCRYPT_CONF", unreadable.c_str(), 1);
+        readers(ZVC_ERR_CONFIG_FILE);
+    }
 }

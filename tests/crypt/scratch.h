@@ -18,9 +18,8 @@ class Scratch : public testing::Test {
         folder = ::mkdtemp(name.data());
         ::setenv("HOME", folder.c_str(), 1);
         ::unsetenv("XDG_CONFIG_HOME");
-        ::setenv("ZVCRYPT_CONF", write("empty.conf", "").c_str(), 1);
-        // No PC/SC service answers under this name.
-        ::setenv("PCSCLITE_CSOCK_NAME", path("no-service").c_str(), 1);
+        ::setenv("ZVCRYPT_CONF", "/dev/null", 1);
+        ::setenv("PCSCLITE_CSOCK_NAME", path("no-service").c_str(), 1); // nobody answers there
     }
     ~Scratch() override { std::filesystem::remove_all(folder); }
 
