@@ -43,11 +43,13 @@ TEST_F(Lookup, WithoutServiceThereAreTheSoftwareReadersOrAReason) {
     EXPECT_EQ(lastError(), "");
     module("tre", nullptr, ZVC_ERR_NO_SERVICE);
 
-    std::string ten;
-    for (char c = 'a'; c < 'k'; ++c)
-        ten += "[reader " + std::string(120, c) + "]\natr = 3B00\n";
-    configure(ten);
-    EXPECT_EQ(readers().size(), 8U * 121) << "whole names only";
+    std::string eight;
+    for (char c = 'a'; c < 'i'; ++c)
+        eight += "[reader " + std::string(120, c) + "]\natr = 3B00\n";
+    for (const auto& [length, size] : {std::pair{54U, 1023U}, {55U, 968U}}) { // whole names only
+        configure(eight + "[reader " + std::string(length, 'z') + "]\natr = 3B00\n");
+        EXPECT_EQ(readers().size(), size);
+    }
     EXPECT_EQ(kvGetReader(nullptr), ZVC_ERR_ARGUMENT);
 }
 
