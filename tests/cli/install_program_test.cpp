@@ -1,0 +1,157 @@
+#include "cli/key_material.h"
+#include "tests/cli/program.h"
+
+namespace {
+
+using zvtest::Outcome;
+using zvtest::ProgramTest;
+
+class InstallProgramTest : public ProgramTest {
+  protected:
+    // A card with a pair that waits, its request in "request" and its certificate in "certificate".
+    void prepare(const std::string& issue_options = {}) {
+        make_card();
+        ASSERT_EQ(with_pin("request signature --out request").code, 0);
+        issue("request", "certificate", issue_options);
+    }
+    void issue(const std::string& request, const std::string& out, const std::string& options = {}) {
+        const Outcome outcome = tool("issue " + request + " --out " + out + " " + options);
+        ASSERT_EQ(outcome.code, 0) << outcome.err;
+    }
+    // A certificate of another card's request.
+    void make_foreign_certificate() {
+        ASSERT_EQ(tool("create --name two --reader Two --days 5 --keys " ZV_TEST_KEYS " --config " +
+                       file("conf").string())
+                      .code,
+                  0);
+        const std::string before = ::getenv("ZVCRYPT_CONF");
+        ::setenv("ZVCRYPT_CONF", file("conf").c_str(), 1);
+        ASSERT_EQ(with_pin("request signature --reader Two --out foreign.request").code, 0);
+        ::setenv("ZVCRYPT_CONF", before.c_str(), 1);
+        issue("foreign.request", "foreign");
+    }
+    std::vector<std::string> identifiers() {
+        std::vector<std::string> ids;
+        const auto list = json("list");
+        for (const auto& entry : list["certificates"])
+            ids.push_back(entry["id"]);
+        return ids;
+    }
+    using Ids = std::vector<std::string>;
+};
+
+TEST_F(InstallProgramTest, RenewsAndKeepsTheOldOne) {
+    prepare();
+    const Outcome outcome = with_pin("install certificate --request request --backup old.pem");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(outcome.says("Signed with DS3 and verified with the new certificate"));
+    EXPECT_EQ(outcome.count("C_DestroyObject"), 0U);
+    EXPECT_EQ(identifiers(), (Ids{"DS0", "DS3", "AUTHCertificate0"}));
+    const auto list = json("list");
+    EXPECT_EQ(list["certificates"][0]["replaced"], true);
+    EXPECT_EQ(list["certificates"][0]["due"], false);
+    EXPECT_TRUE(list["waiting"].empty());
+    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 1U);
+    EXPECT_EQ(with_pin("install certificate").code, 2) << "it is there already";
+}
+
+TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
+    prepare("--p7b --der");
+    const auto result = json("install certificate --remove-old --backup old.pem");
+    EXPECT_EQ(result["result"], "done") << result;
+    EXPECT_EQ(result["stored"], "DS3");
+    EXPECT_EQ(result["verified"], true);
+    EXPECT_EQ(result["removed"], (Ids{"DS0", "Korvalenta Firma Dig"}));
+    EXPECT_TRUE(result["not_removed"].empty());
+    EXPECT_EQ(result["on_card"], "AUTHCertificate0 (certificate and keys), DS3 (certificate and keys)");
+    EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
+    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "the authority's goes too";
+}
+
+TEST_F(InstallProgramTest, RenewsTheAuthenticationCertificate) {
+    make_card();
+    ASSERT_EQ(with_pin("request authentication --force --out request").code, 0);
+    issue("request", "certificate");
+    const auto result = json("install certificate --remove-old");
+    EXPECT_EQ(result["stored"], "AUTHCertificate3") << result;
+    EXPECT_EQ(result["removed"], Ids{"AUTHCertificate0"}) << "the authority's stays";
+}
+
+TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryForm) {
+    prepare();
+    const cli::Bytes key = cli::modulus_of_request(simcard::read_file(file("request")));
+    for (const char* form : {"", "--der", "--p7b", "--p7b --der"}) {
+        issue("request", "form", form);
+        const auto found = cli::certificates_in_file(file("form"));
+        EXPECT_EQ(found.size(), std::string(form).find("p7b") == std::string::npos ? 1U : 2U) << form;
+        EXPECT_EQ(cli::modulus_of(*found.front()) == key || cli::modulus_of(*found.back()) == key, true)
+            << form;
+    }
+    simcard::write_file(file("base64"),
+                        cli::base64_of(cli::der_of(*cli::certificates_in_file(file("form")).front())),
+                        simcard::Access::owner_only);
+    EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
+}
+
+TEST_F(InstallProgramTest, RefusesACertificateOfAnotherKey) {
+    prepare();
+    make_foreign_certificate();
+    Outcome outcome = with_pin("install foreign --request request");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_EQ(outcome.calls, "") << "the files tell";
+    outcome = with_pin("install foreign --remove-old");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_FALSE(outcome.changed_card()) << "the card tells";
+    outcome = with_pin("install foreign --request foreign.request");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_FALSE(outcome.changed_card());
+    EXPECT_EQ(with_pin("install request").code, 2) << "no certificate at all";
+    EXPECT_EQ(with_pin("install certificate").code, 0);
+}
+
+TEST_F(InstallProgramTest, RefusesPartsOfIdentifiers) {
+    make_card_with({"DS1", "DS10"});
+    ASSERT_EQ(with_pin("request signature --certificate DS1 --out request").code, 0);
+    issue("request", "certificate");
+    for (const char* options : {"--replace DS", "--replace DS1 --remove-old"}) {
+        const Outcome outcome = with_pin(std::string("install certificate ") + options);
+        EXPECT_EQ(outcome.code, 2) << options << outcome.err;
+        EXPECT_FALSE(outcome.changed_card()) << options;
+    }
+}
+
+TEST_F(InstallProgramTest, SaysWhatIsLeftAndFinishesLater) {
+    prepare();
+    const Outcome full =
+        with_pin("install certificate --remove-old --backup old.pem", "C_CreateObject:1:answer:0x31");
+    EXPECT_EQ(full.code, 1);
+    EXPECT_TRUE(full.says(
+        "Now on the card: AUTHCertificate0 (certificate and keys), DS3 (keys without a certificate)"))
+        << full.err;
+    EXPECT_TRUE(full.says("run the same command again"));
+    EXPECT_TRUE(full.says("A copy of the old certificate: old.pem"));
+    EXPECT_TRUE(std::filesystem::exists(file("old.pem")));
+
+    const Outcome finished = with_pin("install certificate --remove-old --backup old.pem");
+    EXPECT_EQ(finished.code, 0) << finished.err;
+    EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
+}
+
+TEST_F(InstallProgramTest, SaysSoWhenTheNewKeyDoesNotSign) {
+    prepare();
+    const Outcome outcome = with_pin("install certificate", "C_Sign:1:answer:0x6");
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.says("The certificate was stored, but the new key could not be tried"))
+        << outcome.err;
+}
+
+TEST_F(InstallProgramTest, OverwritesNoFileWithTheBackup) {
+    prepare();
+    simcard::write_file(file("mine"), "mine", simcard::Access::owner_only);
+    const Outcome outcome = with_pin("install certificate --remove-old --backup mine");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_FALSE(outcome.changed_card());
+    EXPECT_EQ(simcard::read_file(file("mine")), "mine");
+}
+
+} // namespace

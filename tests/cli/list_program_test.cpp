@@ -1,0 +1,89 @@
+#include "tests/cli/program.h"
+
+namespace {
+
+using zvtest::Outcome;
+using zvtest::ProgramTest;
+
+class ListProgramTest : public ProgramTest {};
+
+TEST_F(ListProgramTest, MarksWhatIsDue) {
+    make_card(12);
+    const auto list = json("list");
+    EXPECT_EQ(list["result"], "done");
+    ASSERT_EQ(list["certificates"].size(), 2U);
+    const auto& signature = list["certificates"][0];
+    EXPECT_EQ(signature["kind"], "signature");
+    EXPECT_EQ(signature["id"], "DS0");
+    EXPECT_EQ(signature["due"], true);
+    EXPECT_NEAR(signature["days_left"].get<int>(), 12, 1);
+    EXPECT_EQ(list["certificates"][1]["kind"], "authentication");
+    EXPECT_EQ(list["certificates"][1]["due"], false);
+    EXPECT_EQ(list["next"]["signature"]["id"], "DS3");
+    EXPECT_TRUE(list["waiting"].empty());
+    EXPECT_EQ(json("list --days 5")["certificates"][0]["due"], false);
+    EXPECT_TRUE(with_pin("list").says("zvrenew request signature"));
+}
+
+TEST_F(ListProgramTest, ShowsReadersWithoutAPin) {
+    make_card();
+    const Outcome outcome = zvrenew("readers --json");
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.count("C_Login"), 0U);
+    const auto readers = nlohmann::json::parse(outcome.out)["readers"];
+    ASSERT_EQ(readers.size(), 1U);
+    EXPECT_EQ(readers[0]["reader"], "Simulated Reader 0");
+    EXPECT_EQ(readers[0]["card"], true);
+}
+
+TEST_F(ListProgramTest, AnswersThatNoIdentifierIsFree) {
+    make_card_with({"DS0", "DS3", "DS4", "DS5"});
+    const auto free = json("free-id");
+    EXPECT_EQ(free["result"], "done");
+    EXPECT_EQ(free["signature"]["none_free"], true);
+    const Outcome outcome = with_pin("request signature --out r");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_TRUE(outcome.says("DS3, DS4 and DS5 are taken"));
+    EXPECT_FALSE(outcome.changed_card());
+    EXPECT_FALSE(std::filesystem::exists(file("r")));
+}
+
+TEST_F(ListProgramTest, SaysInJsonToo) {
+    make_card();
+    for (const char* arguments : {"list --reader x", "request signature --subject /C=ITA"}) {
+        const auto answer = json(arguments);
+        EXPECT_EQ(answer["result"], "refused") << arguments;
+        EXPECT_FALSE(answer["message"].get<std::string>().empty());
+    }
+    EXPECT_EQ(json("request authentication")["result"], "nothing due");
+    const auto failed = nlohmann::json::parse(with_pin("list --json", "C_FindObjectsInit:1:answer:0x5").out);
+    EXPECT_EQ(failed["result"], "failed");
+}
+
+TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {
+    make_card();
+    Outcome outcome = with_pin("list --module-dir " + home().string());
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(outcome.says("which is not in " + home().string())) << outcome.err;
+    EXPECT_EQ(outcome.calls, "");
+    const std::string folder = std::filesystem::path(ZVSIMCARD_MODULE).parent_path();
+    EXPECT_EQ(with_pin("list --module-dir " + folder).code, 0);
+}
+
+TEST_F(ListProgramTest, WorksWithoutALogAndSaysSo) {
+    make_card();
+    simcard::write_file(home() / ".trevallo", "", simcard::Access::owner_only);
+    const Outcome outcome = with_pin("list");
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(outcome.says("There will be no log")) << outcome.err;
+}
+
+TEST_F(ListProgramTest, TakesWrongUsageForARefusal) {
+    EXPECT_EQ(zvrenew("").code, 2);
+    EXPECT_EQ(zvrenew("request").code, 2);
+    EXPECT_EQ(zvrenew("request everything").code, 2);
+    EXPECT_EQ(zvrenew("list --pin 12345678").code, 2);
+    EXPECT_EQ(zvrenew("--help").code, 0);
+}
+
+} // namespace

@@ -1,0 +1,88 @@
+// No PIN try is lost on the way to the card.
+#include "tests/cli/program.h"
+
+#include <sys/stat.h>
+
+namespace {
+
+using zvtest::Outcome;
+using zvtest::ProgramTest;
+
+class PinProgramTest : public ProgramTest {};
+
+TEST_F(PinProgramTest, RefusesAPinOfABadFormBeforeAnyCall) {
+    make_card();
+    for (const char* pin : {"", "12345678 ", "12345678901234567890123456789012"}) {
+        give_pin(pin);
+        for (const char* command : {"list", "free-id", "request signature"}) {
+            const Outcome outcome = with_pin(command);
+            EXPECT_EQ(outcome.code, 2) << command << outcome.err;
+            EXPECT_EQ(outcome.calls, "") << command;
+        }
+    }
+    EXPECT_EQ(zvrenew("list --pin-file " + file("none").string()).code, 2);
+}
+
+TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTaken) {
+    make_card();
+    give_pin("99999999");
+    Outcome outcome = with_pin("request signature");
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.count("C_Login"), 1U);
+    EXPECT_TRUE(outcome.says("The PIN is wrong")) << outcome.err;
+    EXPECT_TRUE(outcome.says("fewer tries")) << outcome.err;
+    EXPECT_TRUE(with_pin("list").says("one try is left")) << "the second of three";
+
+    outcome = with_pin("list");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.count("C_Login"), 0U);
+    EXPECT_TRUE(outcome.says("--final-try"));
+    EXPECT_TRUE(zvrenew("readers").says("one try is left"));
+
+    give_pin(simcard::default_pin);
+    EXPECT_EQ(with_pin("list --final-try").code, 0);
+    EXPECT_FALSE(zvrenew("readers").says("tries"));
+}
+
+TEST_F(PinProgramTest, NeverTriesALockedPin) {
+    make_card();
+    give_pin("99999999");
+    for (const char* command : {"list", "list", "list --final-try"})
+        EXPECT_EQ(with_pin(command).code, 1);
+    const Outcome outcome = with_pin("list --final-try");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.count("C_Login"), 0U);
+    EXPECT_TRUE(outcome.says("locked"));
+}
+
+TEST_F(PinProgramTest, AsksNothingOfACardItCannotBeSureOf) {
+    make_card();
+    ASSERT_EQ(
+        tool("create --name two --reader Simulated --keys " ZV_TEST_KEYS " --config " + file("conf").string())
+            .code,
+        0);
+    ::setenv("ZVCRYPT_CONF", file("conf").c_str(), 1);
+    Outcome outcome = with_pin("list");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_EQ(outcome.calls, "") << "two cards and no reader named";
+    outcome = with_pin("list --reader 'Simulated Reader 0'");
+    if (outcome.code != 0) {
+        EXPECT_EQ(outcome.code, 2) << outcome.err;
+        EXPECT_EQ(outcome.count("C_Login"), 0U) << "the name of the other reader is part of this one's";
+    }
+    EXPECT_EQ(with_pin("list --reader Simulated").code, 0);
+    EXPECT_EQ(with_pin("list --reader Elsewhere").code, 2);
+}
+
+TEST_F(PinProgramTest, WritesTheLogBelowItsOwnHomeAndNoPinIntoIt) {
+    make_card();
+    ASSERT_EQ(with_pin("list").code, 0);
+    struct stat status {};
+    ASSERT_EQ(::stat((home() / ".trevallo").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0700U);
+    const std::string log = simcard::read_file(home() / ".trevallo" / "zvRenew.log");
+    EXPECT_NE(log.find("rinnovo_Card_readCerts"), std::string::npos);
+    EXPECT_EQ(log.find(simcard::default_pin), std::string::npos);
+}
+
+} // namespace

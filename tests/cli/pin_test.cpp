@@ -1,0 +1,60 @@
+#include "cli/outcome.h"
+#include "cli/pin_input.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace cli;
+
+class PinFileTest : public testing::Test {
+  protected:
+    ~PinFileTest() override { std::filesystem::remove(path); }
+
+    Pin take(const std::string& content) {
+        std::ofstream(path, std::ios::binary) << content;
+        ::chmod(path.c_str(), 0600);
+        return take_pin(path, "reader");
+    }
+
+    std::string path = testing::TempDir() + "zvrenew-pin-" + std::to_string(::getpid());
+};
+
+TEST_F(PinFileTest, TakesAPinAndOneLineEnd) {
+    const std::string longest(Pin::longest, '7');
+    EXPECT_EQ(take("12345").view(), "12345");
+    EXPECT_EQ(take("12345\n").view(), "12345");
+    EXPECT_EQ(take(longest + "\r\n").view(), longest);
+    EXPECT_EQ(take(" 1 2").view(), " 1 2");
+}
+
+TEST_F(PinFileTest, RefusesAFormThatWouldCostATry) {
+    const std::string longest(Pin::longest, '7');
+    for (const std::string& content :
+         {std::string(), std::string("\n"), std::string("12345 \n"), longest + "7", longest + "\n7",
+          std::string(5000, '7'), std::string("12345\n\n"), std::string("123\t45"), std::string("123\0", 4)})
+        try {
+            const Pin pin = take(content);
+            ADD_FAILURE() << "taken: " << content.size();
+        } catch (const Stop& stop) {
+            EXPECT_EQ(stop.exit, Exit::refused);
+            EXPECT_EQ(stop.sentence.find("777"), std::string::npos) << "the PIN is not shown";
+        }
+}
+
+TEST(PinTest, LeavesNothingBehindWhenItMovesOrIsWiped) {
+    Pin pin;
+    for (const char c : std::string("12345"))
+        pin.add(c);
+    pin.remove_last();
+    const Pin other = std::move(pin);
+    EXPECT_EQ(other.view(), "1234");
+    EXPECT_EQ(std::string(pin.text(), 8), std::string(8, '\0')); // NOLINT(bugprone-use-after-move)
+}
+
+} // namespace

@@ -1,0 +1,97 @@
+#include "cli/key_material.h"
+#include "tests/cli/program.h"
+
+namespace {
+
+using zvtest::Outcome;
+using zvtest::ProgramTest;
+
+class RequestProgramTest : public ProgramTest {
+  protected:
+    cli::Bytes key_of(const std::string& name) {
+        return cli::modulus_of_request(simcard::read_file(file(name)));
+    }
+};
+
+TEST_F(RequestProgramTest, StopsWhenNothingIsDueUnlessForced) {
+    make_card(200);
+    const Outcome outcome = with_pin("request signature --out r");
+    EXPECT_EQ(outcome.code, 3) << outcome.err;
+    EXPECT_FALSE(outcome.changed_card());
+    EXPECT_FALSE(std::filesystem::exists(file("r")));
+    EXPECT_EQ(with_pin("request signature --days 300 --out r").code, 0);
+    EXPECT_EQ(with_pin("request authentication --force --out a").code, 0);
+    EXPECT_FALSE(key_of("r").empty());
+    EXPECT_NE(key_of("a"), key_of("r"));
+}
+
+TEST_F(RequestProgramTest, RefusesASubjectAndAFileBeforeAnyCall) {
+    make_card();
+    std::string units;
+    for (int i = 0; i < 6; ++i)
+        units += "/OU=" + std::to_string(i);
+    simcard::write_file(file("there"), "mine", simcard::Access::owner_only);
+    for (const std::string& options : {"--subject /C=IT" + units, std::string("--subject Ada"),
+                                       std::string("--out there"), std::string("--out no/such/folder")}) {
+        const Outcome outcome = with_pin("request signature " + options);
+        EXPECT_EQ(outcome.code, 2) << options;
+        EXPECT_EQ(outcome.calls, "") << options;
+    }
+    EXPECT_EQ(simcard::read_file(file("there")), "mine");
+}
+
+TEST_F(RequestProgramTest, UsesTheWaitingPairAgainOrDiscardsIt) {
+    make_card();
+    ASSERT_EQ(with_pin("request signature --out one").code, 0);
+    const auto list = json("list");
+    ASSERT_EQ(list["waiting"].size(), 1U);
+    EXPECT_EQ(list["waiting"][0]["id"], "DS3");
+    EXPECT_TRUE(with_pin("list").says("waits for its certificate"));
+
+    const Outcome again = with_pin("request signature --out two");
+    EXPECT_EQ(again.count("C_GenerateKeyPair"), 0U);
+    EXPECT_EQ(key_of("two"), key_of("one"));
+    const Outcome fresh = with_pin("request signature --new-pair --out three");
+    EXPECT_EQ(fresh.code, 0) << fresh.err;
+    EXPECT_NE(key_of("three"), key_of("one"));
+    EXPECT_EQ(json("list")["waiting"].size(), 1U);
+}
+
+TEST_F(RequestProgramTest, TakesTheSubjectOfTheCertificateOrTheOneGiven) {
+    make_card();
+    const std::string own = with_pin("request signature --out one").out;
+    EXPECT_NE(own.find("C=IT, O=Non presente, CN="), std::string::npos) << own;
+    EXPECT_TRUE(
+        with_pin("request signature --out two --subject '/C=IT/CN=Città'").says("Subject: C=IT, CN=Città\n"));
+}
+
+TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
+    make_card();
+    const Outcome full = with_pin("request signature --out r", "C_GenerateKeyPair:1:answer:0x31");
+    EXPECT_EQ(full.code, 1);
+    EXPECT_TRUE(full.says("Errore nella generazione delle chiavi sulla smartcard (error 31)")) << full.err;
+    EXPECT_TRUE(full.says("Now on the card: DS0 (certificate and keys)")) << full.err;
+    EXPECT_FALSE(std::filesystem::exists(file("r")));
+
+    const Outcome unsigned_one = with_pin("request signature --out r", "C_Sign:1:answer:0x6");
+    EXPECT_EQ(unsigned_one.code, 1);
+    EXPECT_TRUE(unsigned_one.says("DS3 (keys without a certificate)")) << unsigned_one.err;
+    EXPECT_TRUE(unsigned_one.says("it will use the pair DS3"));
+
+    const Outcome pulled = with_pin("request signature --out r", "C_SignInit:1:take-out");
+    EXPECT_EQ(pulled.code, 1);
+    EXPECT_TRUE(pulled.says("Now on the card: cannot be read")) << pulled.err;
+    ASSERT_EQ(tool("insert card").code, 0);
+    EXPECT_EQ(with_pin("request signature --out r").code, 0);
+}
+
+// A certificate without its public key on the card keeps the library from seeing that the identifier is taken.
+TEST_F(RequestProgramTest, NeverTakesALiveIdentifierForAFreeOne) {
+    make_card_with({"DS0", "DS31"});
+    const Outcome outcome = with_pin("request signature --certificate DS0 --out r");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_TRUE(outcome.says("DS3 is part of DS31")) << outcome.err;
+    EXPECT_FALSE(outcome.changed_card());
+}
+
+} // namespace

@@ -1,0 +1,48 @@
+#include "cli/library_text.h"
+#include "cli/note.h"
+#include "zvRenew.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace cli;
+
+class LibraryTextTest : public testing::Test {
+  protected:
+    LibraryTextTest() {
+        loadErrorCodes();
+        forget_library_texts();
+    }
+    ~LibraryTextTest() override { forget_library_texts(); }
+};
+
+TEST_F(LibraryTextTest, QuotesWhatTheLibraryLeftOnOneLine) {
+    std::strcpy(szBuffErr, "Errore nella mininfo");
+    EXPECT_EQ(library_reason(1), ": \"Errore nella mininfo\" (0x1)");
+    std::strcpy(szSockMsg, "Errore aprendo la sessione.\r\nRiprovare\n (x)");
+    EXPECT_EQ(library_reason(0xA0),
+              ": \"Errore aprendo la sessione. Riprovare (x)\", \"Errore nella mininfo\" "
+              "(0xa0, \"Pin errato\")");
+}
+
+TEST_F(LibraryTextTest, FallsBackOnTheCodeAndStaysInsideTheTable) {
+    EXPECT_EQ(library_reason(0xA0), ": \"Pin errato\" (0xa0)");
+    for (const int code : {1, 100, -1, -10000, 4, 511, 512, 0x2029, 0x7FFFFFFF}) {
+        const std::string reason = library_reason(code);
+        EXPECT_EQ(reason.substr(0, 2), ": ") << code;
+        EXPECT_EQ(reason.find('"'), std::string::npos) << code << reason;
+    }
+}
+
+TEST_F(LibraryTextTest, ReadsNoTextPastItsBuffer) {
+    std::memset(szBuffErr, 'x', sizeof szBuffErr);
+    EXPECT_EQ(library_reason(1), ": \"" + std::string(sizeof szBuffErr, 'x') + "\" (0x1)");
+}
+
+TEST(NoteTest, KeepsWhatATerminalWouldObeyOut) {
+    EXPECT_EQ(printable("DS0\x1B[2J\r\x7F città\n"), "DS0?[2J?? città\n");
+}
+
+} // namespace
