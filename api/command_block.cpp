@@ -110,7 +110,7 @@ void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found) {
         if (offset == offsetof(REQRENIN, pendingLabel)) copyText(pendingLabel, record.pendingLabel);
         if (offset == offsetof(REQRENIN, cKeepKeys)) cKeepKeys = record.cKeepKeys;
         if (i < FIRST_NAME_KEY) continue;
-        char* field = reinterpret_cast<char*>(&dName) + offset - offsetof(REQRENIN, dn);
+        char* field = reinterpret_cast<char*>(&dName) + (offset - offsetof(REQRENIN, dn));
         copyText(field, BLOCK[i].width, fieldText(record, BLOCK[i]));
     }
 }
@@ -129,9 +129,14 @@ class BlockWriter {
     }
     [[nodiscard]] bool fits() const { return fits_; }
 
+    [[nodiscard]] std::size_t length() const { return std::strlen(zv::szBufferRichiesta); }
+
   private:
     bool fits_ = true;
 };
+
+// Where the PIN stands in the request buffer.
+std::size_t pinStart = 0, pinLength = 0;
 
 } // namespace
 
@@ -142,7 +147,10 @@ unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* cer
         .add(ItoA(zv::slot))
         .add("\ncertificatelabel:")
         .add(zv::orEmpty(certLabel));
-    writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:").add(zv::orEmpty(pin));
+    writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:");
+    pinStart = writer.length();
+    writer.add(zv::orEmpty(pin));
+    pinLength = writer.length() - pinStart;
     writer.add("\nsztipocert:").add(zv::orEmpty(certKind)).add("\nckeepkeys:").add(zv::orEmpty(keepFlag));
     writer.add("\npendinglabel:")
         .add(zv::orEmpty(pendingLabel))
@@ -152,9 +160,15 @@ unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* cer
     values.dn = zv::dNameRen;
     for (std::size_t i = zv::FIRST_NAME_KEY; i < zv::BLOCK_KEYS; ++i)
         writer.add("\n").add(zv::BLOCK[i].key).add(zv::fieldText(values, zv::BLOCK[i]));
-    const unsigned long length = std::strlen(zv::szBufferRichiesta);
+    const unsigned long length = writer.length();
     writer.add("\nEND_STRING\n");
     if (writer.fits()) return length;
-    std::fill(std::begin(zv::szBufferRichiesta), std::end(zv::szBufferRichiesta), '\0');
+    zv::clear(zv::szBufferRichiesta);
     return 0;
+}
+
+void zv::wipePin() {
+    std::fill_n(szBufferRichiesta + pinStart, std::min(pinLength, std::strlen(szBufferRichiesta + pinStart)),
+                '*');
+    pinLength = 0;
 }

@@ -18,11 +18,31 @@ struct BlockKey {
 };
 
 constexpr std::size_t BLOCK_KEYS = 26;
-/** Index of the first key that is part of the distinguished name; the keys before it are written each in its
- * own way. */
-constexpr std::size_t FIRST_NAME_KEY = 8;
+
+/** Places of the keys in the block; the distinguished name's follow. */
+enum BlockIndex : std::size_t {
+    KEY_SLOT,
+    KEY_CERTIFICATE_LABEL,
+    KEY_MODULE,
+    KEY_PIN,
+    KEY_KIND,
+    KEY_KEEP_FLAG,
+    KEY_PENDING_LABEL,
+    KEY_CERTIFICATE,
+    FIRST_NAME_KEY
+};
 
 extern const BlockKey BLOCK[BLOCK_KEYS];
+
+/** What a block is written from, beside slot, module and name. */
+struct BlockValues {
+    const char* certLabel;
+    const char* pin;
+    const char* certificate;
+    const char* pendingLabel;
+    const char* kind;
+    const char* keepFlag;
+};
 
 /** Parses a block into a zeroed record. Returns which keys were found. */
 std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record);
@@ -31,7 +51,10 @@ std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record);
 void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found);
 
 /** The text of a field. */
-std::string_view fieldText(const REQRENIN& record, const BlockKey& key);
+[[nodiscard]] std::string_view fieldText(const REQRENIN& record, const BlockKey& key);
+
+/** Overwrites the PIN in the request buffer, where the writer put it last. */
+void wipePin();
 
 } // namespace zv
 

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int UNKNOWN_COMMAND = -1;
-constexpr int TOO_LONG = static_cast<int>(0xFFFFD8F0);
 constexpr std::size_t LINE_LENGTH = 64;
 
 // A record holds the PIN.
@@ -30,9 +28,9 @@ int slotOf(const REQRENIN& record) {
     return record.slot - '0';
 }
 
-// A later login by slot index is led to the same card.
+// A later login by slot index is led to the same card; index 0 is looked up anew.
 void rememberSlot(int slot) {
-    if (slot >= 1 && slot < static_cast<int>(zv::CACHED_SLOTS)) zv::vettoreSlotID[slot] = zv::slotID;
+    if (slot >= 0 && slot < static_cast<int>(zv::CACHED_SLOTS)) zv::vettoreSlotID[slot] = zv::slotID;
 }
 
 int openFor(REQRENIN& record) {
@@ -43,7 +41,7 @@ int openFor(REQRENIN& record) {
 
 int giveResult(char* out, unsigned* outLen) {
     const std::size_t length = zv::boundedText(zv::buffer, sizeof zv::buffer).size();
-    if (length >= *outLen) return TOO_LONG;
+    if (length >= *outLen) return ZV_NOT_SENT;
     std::copy_n(zv::buffer, length + 1, out);
     *outLen = static_cast<unsigned>(length);
     return 0;
@@ -76,14 +74,14 @@ int run(const char* command, REQRENIN& record, char* out, unsigned* outLen) {
         scriviLog("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
         return Scarica(&record, out, outLen);
     }
-    return UNKNOWN_COMMAND;
+    return ZV_UNUSABLE;
 }
 
 } // namespace
 
 int miExecCmd(const char* command, char* block, long, char* out, long* outLen) {
     const std::unique_ptr<REQRENIN, WipeRecord> record(new (std::nothrow) REQRENIN{});
-    if (record == nullptr) return UNKNOWN_COMMAND;
+    if (record == nullptr) return ZV_UNUSABLE;
     const auto found = zv::parseBlock(zv::orEmpty(block), *record);
     zv::publish(*record, found);
     zv::slotUtente = slotOf(*record);
@@ -100,7 +98,7 @@ int miExecCmd(const char* command, char* block, long, char* out, long* outLen) {
 }
 
 int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
-    std::fill(std::begin(zv::buffer), std::end(zv::buffer), '\0');
+    zv::clear(zv::buffer);
     zv::trace("REQCERT_FUN", rec->szTipoCert);
     scriviLog("Eseguo la funzione RichiestaCertificato() ..");
     const unsigned short result = RichiestaCertificato(zv::buffer, rec->szDll, rec->szPin, rec->szTipoCert);
@@ -112,7 +110,7 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
 }
 
 int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
-    std::fill(std::begin(zv::buffer), std::end(zv::buffer), '\0');
+    zv::clear(zv::buffer);
     const int result = MemorizzazioneCertificato(nullptr, rec->szCertChain, rec->szDll, rec->szPin);
     zv::trace("Dopo Memorizzazione", zv::buffer, CatItoAHex1("Ret Code = ", result));
     return result != 0 ? result : giveResult(out, outLen);

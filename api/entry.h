@@ -1,6 +1,7 @@
 #ifndef ZV_API_ENTRY_H
 #define ZV_API_ENTRY_H
 
+#include "api/command_block.h"
 #include "routines.h"
 
 /** What the entry points have in common. */
@@ -12,14 +13,26 @@ void traceModule(const char* prefix);
 /** Logs szBuffErr, then the line. Returns code. */
 int fail(const char* line, int code);
 
+/** Puts the crypto library's last reason into szBuffErr. */
+void fetchReason();
+
 /** Puts a text into szBuffErr, then as fail. */
 int failWith(const char* text, const char* line, int code);
 
-/** Puts the crypto library's last reason into szBuffErr, then as fail. */
+/** fetchReason, then fail. */
 int failWithReason(const char* line, int code);
 
-/** Overwrites the PIN in the request buffer. */
-void wipePin();
+/** Logs "Funzione '", the entry point's name and after. */
+void traceEntry(const char* function, const char* after);
+
+/**
+ * Writes the command block, runs the command unless the block is not faithful, and forgets the PIN. The result
+ * is in szBufferDatiOut.
+ */
+[[nodiscard]] int runCommand(const char* command, const BlockValues& values);
+
+/** Ends a call whose command was not sent or failed. Returns code. */
+int failCommand(int code);
 
 } // namespace zv
 

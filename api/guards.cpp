@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::string_view OWN_PAIR = "CNS0";
 constexpr std::string_view SERVICES_CARD = "CNS";
-constexpr std::size_t CERTIFICATE_TEXT_SIZE = 8192;
 
 int stop(const char* reason, int outcome = ZV_NOT_SENT) {
     char line[640] = "Operazione non inviata: ";
@@ -30,7 +29,7 @@ bool isPart(std::string_view part, std::string_view whole) {
 }
 
 int guardReadable(const char* certificate) {
-    char text[CERTIFICATE_TEXT_SIZE] = {}, explanation[512] = {};
+    char text[ZVC_CERT_TEXT_SIZE] = {}, explanation[512] = {};
     if (std::strlen(certificate) >= sizeof text)
         return stop("il testo del certificato e' troppo lungo", ZV_FAILED);
     writeBuff(const_cast<char*>(certificate), text);
@@ -41,14 +40,6 @@ int guardReadable(const char* certificate) {
     appendText(reason, boundedText(explanation, sizeof explanation));
     return stop(reason, ZV_FAILED);
 }
-
-// The values as a record holds them; what a field cannot hold is found by comparing with the values
-// themselves.
-struct BlockValue {
-    std::size_t key;
-    std::string_view value;
-    bool exact;
-};
 
 bool sameText(std::string_view given, std::string_view parsed, bool exact) {
     return exact ? given == parsed : trimRight(given) == trimRight(parsed);
@@ -89,24 +80,26 @@ int guardStoring(const StoringCall& call) {
     return guardReadable(call.certificate);
 }
 
-int guardBlock(std::string_view certLabel, std::string_view pin, std::string_view certificate,
-               std::string_view pendingLabel, std::string_view kind, std::string_view keepFlag) {
+int guardBlock(const BlockValues& values) {
     REQRENIN parsed{};
     parseBlock(szBufferRichiesta, parsed);
-    const char slotDigit = static_cast<char>('0' + slot % 10);
-    const BlockValue values[] = {
-        {0, std::string_view(&slotDigit, 1), true},
-        {1, certLabel, false},
-        {2, Libreria, false},
-        {3, pin, true},
-        {4, kind, false},
-        {5, keepFlag, false},
-        {6, pendingLabel, false},
-        {7, certificate, false},
+    const char slotDigit[] = {static_cast<char>('0' + slot % 10), '\0'};
+    const struct {
+        BlockIndex key;
+        const char* given;
+    } pairs[] = {
+        {KEY_SLOT, slotDigit},
+        {KEY_CERTIFICATE_LABEL, values.certLabel},
+        {KEY_MODULE, Libreria},
+        {KEY_PIN, values.pin},
+        {KEY_KIND, values.kind},
+        {KEY_KEEP_FLAG, values.keepFlag},
+        {KEY_PENDING_LABEL, values.pendingLabel},
+        {KEY_CERTIFICATE, values.certificate},
     };
     bool faithful = slot >= 0 && slot <= 9 && sameName(parsed);
-    for (const BlockValue& value : values)
-        faithful = faithful && sameText(value.value, fieldText(parsed, BLOCK[value.key]), value.exact);
+    for (const auto& [key, given] : pairs)
+        faithful = faithful && sameText(given, fieldText(parsed, BLOCK[key]), key == KEY_PIN);
     wipe(&parsed, sizeof parsed);
     return faithful ? ZV_OK : stop("il blocco di comando non riporta i dati ricevuti");
 }

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "pkcs11.h"
+#include "api/command_block.h"
 
 /**
  * Stops before the card is touched, where a call as given would cost its user a key or a PIN try. A guard
@@ -11,14 +11,14 @@
  */
 namespace zv {
 
-/** What an entry point was called with, texts without trailing blanks but for the PIN. */
+/** What an entry point was called with, texts without trailing blanks. */
 struct RequestCall {
-    std::string_view pendingLabel, pin, keyId, kind;
+    std::string_view pendingLabel, keyId, kind;
     bool discardPending;
 };
 
 struct StoringCall {
-    std::string_view pendingLabel, pin, certLabel, kind;
+    std::string_view pendingLabel, certLabel, kind;
     const char* certificate;
     bool deleteOld;
 };
@@ -27,9 +27,8 @@ struct StoringCall {
 [[nodiscard]] int guardRequest(const RequestCall& call);
 [[nodiscard]] int guardStoring(const StoringCall& call);
 
-/** True when the command block in the request buffer, parsed back, gives the values that went in. */
-[[nodiscard]] int guardBlock(std::string_view certLabel, std::string_view pin, std::string_view certificate,
-                             std::string_view pendingLabel, std::string_view kind, std::string_view keepFlag);
+/** Stops when the command block in the request buffer, parsed back, does not give the values that went in. */
+[[nodiscard]] int guardBlock(const BlockValues& values);
 
 /** True, and logged, when a login with the same PIN is not to be tried again after this result of the dump's
  * session. */

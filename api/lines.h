@@ -5,7 +5,7 @@
 
 namespace zv {
 
-inline std::string_view trimRight(std::string_view text) {
+[[nodiscard]] inline std::string_view trimRight(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 

@@ -1,5 +1,6 @@
 // Entry points that read the card.
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -7,16 +8,12 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
-#include "card/session.h"
 #include "util/text.h"
 
 namespace {
 
-constexpr long WORK_SIZE = 4096;
-
-char sSubjectSott[WORK_SIZE], sBuffSott[WORK_SIZE], sSubjectAute[WORK_SIZE], sBuffAute[WORK_SIZE];
-char sLabelSott[64], sLabelAute[64];
-char dtScadenza[16];
+using zv::dtScadenza, zv::sBuffAute, zv::sBuffSott, zv::sLabelAute, zv::sLabelSott, zv::sSubjectAute;
+using zv::sSubjectSott, zv::WORK_SIZE;
 
 constexpr char DASHES_34[] = "----------------------------------";
 constexpr char DASHES_33[] = "---------------------------------";
@@ -36,16 +33,9 @@ struct Reading {
     int dumpResult = 0;
 };
 
-template <std::size_t N> void clear(char (&text)[N]) {
-    std::fill_n(text, N, '\0');
-}
-
 void clearState() {
-    clear(szBuffErr);
-    clear(zv::szBufferRichiesta);
-    clear(sSubjectSott), clear(sBuffSott), clear(sSubjectAute), clear(sBuffAute);
-    clear(sLabelSott), clear(sLabelAute);
-    clear(zv::pwd);
+    zv::clear(szBuffErr, zv::szBufferRichiesta, sSubjectSott, sBuffSott, sSubjectAute, sBuffAute, sLabelSott,
+              sLabelAute, zv::pwd);
     zv::slot = 0;
 }
 
@@ -61,7 +51,7 @@ int detect(Reading& reading, char* reader) {
     if (code == ZV_UNSUPPORTED)
         zv::copyText(szBuffErr, NOT_SUPPORTED);
     else
-        kvLastError(szBuffErr, sizeof szBuffErr);
+        zv::fetchReason();
     scriviLog(szBuffErr);
     return code;
 }
@@ -78,48 +68,54 @@ int openSession(const Reading& reading, char* pin) {
     return static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));
 }
 
-int readCard(const Reading& reading, char* pin) {
+// The lines that name the kind of card and the routine, and what is done in between.
+template <typename Inventory>
+int readInventory(const Reading& reading, char* pin, const char* card, const char* routine,
+                  Inventory inventory) {
+    const auto line = [card](const char* what, const char* outcome) {
+        std::array<char, 128> text{};
+        for (const char* part : {"Smart Card ", card, ": ", what, outcome})
+            zv::appendText(text.data(), text.size(), part);
+        return text;
+    };
     int code = openSession(reading, pin);
     if (code != 0) {
-        zv::failWithReason("Smart Card NON CNS: (int)__Initialize() error!", code);
+        zv::failWithReason(line("(int)__Initialize()", " error!").data(), code);
         finalizza();
         return code;
     }
-    scriviLog("Smart Card NON CNS: (int)__Initialize() completata con successo!");
-    clearExpiry();
-    scriviLog("NewFind_ALL_CertsKeysRenew: INIZIO");
-    code = NewFind_ALL_CertsKeysRenew(reading.listPRA, reading.listAUT, sBuffSott, WORK_SIZE, sSubjectSott,
-                                      WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute, WORK_SIZE, sLabelAute,
-                                      sLabelSott, reading.pendingPRA, reading.pendingAUT, reading.keyPRA,
-                                      reading.keyAUT);
+    scriviLog(line("(int)__Initialize()", " completata con successo!").data());
+    code = inventory();
     finalizza();
-    if (code != 0) return zv::failWithReason("Smart Card NON CNS: NewFind_ALL_CertsKeysRenew() error!", code);
-    scriviLog("Smart Card NON CNS: NewFind_ALL_CertsKeysRenew() completata con successo");
+    if (code != 0) return zv::failWithReason(line(routine, " error!").data(), code);
+    scriviLog(line(routine, " completata con successo").data());
     return 0;
 }
 
+int readCard(const Reading& reading, char* pin) {
+    return readInventory(reading, pin, "NON CNS", "NewFind_ALL_CertsKeysRenew()", [&reading] {
+        clearExpiry();
+        scriviLog("NewFind_ALL_CertsKeysRenew: INIZIO");
+        return NewFind_ALL_CertsKeysRenew(reading.listPRA, reading.listAUT, sBuffSott, WORK_SIZE,
+                                          sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute,
+                                          WORK_SIZE, sLabelAute, sLabelSott, reading.pendingPRA,
+                                          reading.pendingAUT, reading.keyPRA, reading.keyAUT);
+    });
+}
+
 int readServicesCard(const Reading& reading, char* pin) {
-    int code = openSession(reading, pin);
-    if (code != 0) {
-        zv::failWithReason("Smart Card CNS: (int)__Initialize() error!", code);
-        finalizza();
-        return code;
-    }
-    scriviLog("Smart Card CNS: (int)__Initialize() completata con successo!");
-    code = NewFind_ALL_CertsKeysRenewCNS(reading.listCNS, reading.listPRA, reading.listAUT, sBuffSott,
-                                         WORK_SIZE, sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE,
-                                         sSubjectAute, WORK_SIZE, sLabelAute, sLabelSott, reading.pendingPRA,
-                                         reading.pendingAUT, reading.pendingCNS, reading.keyPRA,
-                                         reading.keyAUT, dtScadenza, reading.touchSign);
-    finalizza();
-    if (code != 0) return zv::failWithReason("Smart Card CNS: NewFind_ALL_CertsKeysRenewCNS() error!", code);
-    scriviLog("Smart Card CNS: NewFind_ALL_CertsKeysRenewCNS() completata con successo");
-    return 0;
+    return readInventory(reading, pin, "CNS", "NewFind_ALL_CertsKeysRenewCNS()", [&reading] {
+        return NewFind_ALL_CertsKeysRenewCNS(reading.listCNS, reading.listPRA, reading.listAUT, sBuffSott,
+                                             WORK_SIZE, sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE,
+                                             sSubjectAute, WORK_SIZE, sLabelAute, sLabelSott,
+                                             reading.pendingPRA, reading.pendingAUT, reading.pendingCNS,
+                                             reading.keyPRA, reading.keyAUT, dtScadenza, reading.touchSign);
+    });
 }
 
 int countOf(char** list) {
     if (list == nullptr || list[0] == nullptr) return 0;
-    return std::min(std::atoi(list[0]), ZV_LIST_ENTRIES - 1);
+    return static_cast<int>(std::min(std::strtol(list[0], nullptr, 10), long{ZV_LIST_ENTRIES - 1}));
 }
 
 void traceList(const char* title, char** list) {
@@ -168,19 +164,21 @@ int read(Reading& reading, char* reader, char* pin) {
     return readServicesCard(reading, pin);
 }
 
-// Returns the last of the entry's lines, or null for a success.
-const char* findFree(char* reader, char* pin, char* keyPRA, char* keyAUT, int& code) {
+int findFree(char* reader, char* pin, char* keyPRA, char* keyAUT) {
+    static constexpr char DETECTION_FAILED[] = "Funzione CheckSmartCard() error!";
     bool touchSign = false;
-    code = CheckSmartCard(touchSign, reader);
-    if (code != 0) return "Funzione CheckSmartCard() error!";
+    int code = CheckSmartCard(touchSign, reader);
+    if (code == ZV_UNSUPPORTED) return zv::failWith(NOT_SUPPORTED, DETECTION_FAILED, code);
+    if (code != 0) return zv::failWithReason(DETECTION_FAILED, code);
     code = static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));
     if (code != 0) {
+        zv::failWithReason("Funzione (int)__Initialize() error!", code);
         finalizza();
-        return "Funzione (int)__Initialize() error!";
+        return code;
     }
     code = findFreeCKAID(keyPRA, keyAUT, touchSign);
     finalizza();
-    return code != 0 ? "Funzione findFreeCKAID() error!" : nullptr;
+    return code == 0 ? 0 : zv::failWithReason("Funzione findFreeCKAID() error!", code);
 }
 
 } // namespace
@@ -219,11 +217,7 @@ int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, char* keyA
     if (keyPRA == nullptr) keyPRA = keys[0];
     if (keyAUT == nullptr) keyAUT = keys[1];
     scriviLog("Funzione 'rinnovo_Card_findFreeCKAID': INIZIO");
-    int code = 0;
-    const char* failure = findFree(reader, pin != nullptr ? pin : noPin, keyPRA, keyAUT, code);
-    if (failure != nullptr)
-        return code == ZV_UNSUPPORTED ? zv::failWith(NOT_SUPPORTED, failure, code)
-                                      : zv::failWithReason(failure, code);
+    if (const int code = findFree(reader, pin != nullptr ? pin : noPin, keyPRA, keyAUT)) return code;
     for (const char* line :
          {DASHES_33, "Free CKAID:", static_cast<const char*>(keyPRA), static_cast<const char*>(keyAUT),
           DASHES_33, "Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!"})

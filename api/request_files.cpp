@@ -33,15 +33,14 @@ bool RequestFile::create(std::string_view text) {
 }
 
 bool RequestFile::isOurs() const {
-    struct stat created {
-    }, named{};
+    struct stat created, named;
     return ::fstat(descriptor_, &created) == 0 && ::lstat(REQUEST_FILE, &named) == 0 &&
            created.st_dev == named.st_dev && created.st_ino == named.st_ino;
 }
 
 int openBase64() {
     const int descriptor = ::open(BASE64_FILE, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    struct stat status {};
+    struct stat status;
     if (descriptor < 0 || (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))) return descriptor;
     ::close(descriptor);
     return -1;

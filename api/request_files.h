@@ -1,8 +1,6 @@
 #ifndef ZV_API_REQUEST_FILES_H
 #define ZV_API_REQUEST_FILES_H
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <string_view>
 

@@ -1,9 +1,8 @@
 // Entry points that make a request: command, signed file, base64 text.
-#include <algorithm>
+#include <unistd.h>
+
 #include <cstring>
 #include <string>
-
-#include <unistd.h>
 
 #include "api/entry.h"
 #include "api/guards.h"
@@ -16,8 +15,6 @@
 namespace {
 
 constexpr std::size_t DN_SIZE = 4096;
-constexpr char NOT_SENT[] = "Errore nella mininfo";
-constexpr char COMMAND_FAILED[] = "Funzione miExecCmd() error!";
 
 struct Request {
     const char* function; // name of the entry point, for the log
@@ -26,37 +23,17 @@ struct Request {
     char* pin;
     char* keyId;
     bool discardPending;
-
-    void trace(const char* before, const char* after) const;
 };
-
-void Request::trace(const char* before, const char* after) const {
-    char line[128];
-    zv::copyText(line, before);
-    zv::appendText(line, function);
-    zv::appendText(line, after);
-    scriviLog(line);
-}
-
-template <std::size_t N> void clear(char (&text)[N]) {
-    std::fill_n(text, N, '\0');
-}
 
 // The PKCS#10 request, made by the command, in szBufferDatiOut.
 int makeRequest(const Request& request) {
-    const char* keepFlag = request.discardPending ? "D" : "K";
-    const zv::RequestCall call = {zv::trimRight(request.pendingLabel), request.pin,
-                                  zv::trimRight(request.keyId), request.kind, request.discardPending};
-    if (const int stopped = zv::guardRequest(call)) return zv::failWith(NOT_SENT, COMMAND_FAILED, stopped);
-    RichiestaMinInfo(request.keyId, request.pin, "", request.pendingLabel, request.kind, keepFlag);
-    int code = zv::guardBlock(request.keyId, request.pin, "", request.pendingLabel, request.kind, keepFlag);
-    if (code == 0) {
-        long length = sizeof zv::szBufferDatiOut;
-        code = miExecCmd("REQREN", zv::szBufferRichiesta,
-                         static_cast<long>(std::strlen(zv::szBufferRichiesta)), zv::szBufferDatiOut, &length);
-    }
-    zv::wipePin();
-    if (code != 0) return zv::failWith(NOT_SENT, COMMAND_FAILED, code);
+    const zv::RequestCall call = {zv::trimRight(request.pendingLabel), zv::trimRight(request.keyId),
+                                  request.kind, request.discardPending};
+    int code = zv::guardRequest(call);
+    if (code == 0)
+        code = zv::runCommand("REQREN", {request.keyId, request.pin, "", request.pendingLabel, request.kind,
+                                         request.discardPending ? "D" : "K"});
+    if (code != 0) return zv::failCommand(code);
     scriviLog("OUTPUT DA MININFO:");
     scriviLog(zv::szBufferDatiOut);
     return 0;
@@ -75,10 +52,13 @@ int signRequest(const Request& request, const zv::RequestFile& file) {
     char line[320] = "Richiesta firma con chiave CKA_ID: ";
     zv::appendText(line, request.keyId);
     scriviLog(line);
-    if (!file.isOurs()) return failRequestFile();
-    code = kvSignFile(request.keyId, "SHA256", zv::REQUEST_FILE, zv::SIGNED_FILE);
+    const bool oursBefore = file.isOurs();
+    code = oursBefore ? kvSignFile(request.keyId, "SHA256", zv::REQUEST_FILE, zv::SIGNED_FILE) : 0;
     if (code != 0) return zv::failWithReason("Funzione kvSignFile() error!", code);
-    if (!file.isOurs()) return failRequestFile();
+    if (!oursBefore || !file.isOurs()) {
+        kvFinalize();
+        return failRequestFile();
+    }
     scriviLog("Funzione 'kvSignFile()' completata con successo");
     code = kvFinalize();
     return code == 0 ? 0 : zv::failWithReason("Funzione DoFinalize() error!", code);
@@ -101,9 +81,9 @@ int readBase64(char (&result)[ZV_REQUEST_SIZE]) {
 }
 
 int createRequest(const Request& request, const char* dn, char* requestOut) {
-    clear(szBuffErr), clear(zv::szBufferRichiesta), clear(zv::szBufferDatiOut);
+    zv::clear(szBuffErr, zv::szBufferRichiesta, zv::szBufferDatiOut);
     char result[ZV_REQUEST_SIZE] = {};
-    request.trace("Funzione '", "': INIZIO");
+    zv::traceEntry(request.function, "': INIZIO");
     zv::traceModule("Libreria pkcs#11 selezionata: ");
     char name[DN_SIZE];
     zv::copyText(name, dn);
@@ -116,11 +96,14 @@ int createRequest(const Request& request, const char* dn, char* requestOut) {
     if (const int code = readBase64(result)) return code;
     // The signed file is ours only if nobody took the request's name since.
     if (!file.isOurs()) return failRequestFile();
-    request.trace("OUTPUT dalla funzione '", "':");
+    char line[128] = "OUTPUT dalla funzione '";
+    zv::appendText(line, request.function);
+    zv::appendText(line, "':");
+    scriviLog(line);
     scriviLog(result);
     zv::copyText(requestOut, ZV_REQUEST_SIZE, result);
     if (requestOut != nullptr) requestOut[ZV_REQUEST_SIZE - 1] = '\0';
-    request.trace("Funzione '", "' corretamente Eseguita");
+    zv::traceEntry(request.function, "' corretamente Eseguita");
     zv::removeRequestFiles();
     return 0;
 }
@@ -133,7 +116,7 @@ int create(const char* function, const char* kind, char* requestOut, const char*
         function, kind, label.data(), pin != nullptr ? pin : none, keyId != nullptr ? keyId : none, keepFlag};
     return createRequest(request, zv::orEmpty(dn), requestOut);
 } catch (const std::exception&) {
-    return zv::failWith(NOT_SENT, COMMAND_FAILED, ZV_UNUSABLE);
+    return zv::failCommand(ZV_UNUSABLE);
 }
 
 } // namespace

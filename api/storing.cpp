@@ -1,5 +1,4 @@
 // Entry points that store an issued certificate.
-#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -11,9 +10,6 @@
 
 namespace {
 
-constexpr char NOT_SENT[] = "Errore nella mininfo";
-constexpr char COMMAND_FAILED[] = "Funzione miExecCmd() error!";
-
 struct Storing {
     const char* function; // name of the entry point, for the log
     const char* kind;
@@ -22,35 +18,15 @@ struct Storing {
     const char* pin;
     std::string certificate;
     bool keepOld;
-
-    void trace(const char* after) const;
 };
 
-void Storing::trace(const char* after) const {
-    char line[128] = "Funzione '";
-    zv::appendText(line, function);
-    zv::appendText(line, after);
-    scriviLog(line);
-}
-
 int store(const Storing& storing) {
-    const char* keepFlag = storing.keepOld ? "R" : "D";
-    const zv::StoringCall call = {
-        zv::trimRight(storing.pendingLabel), storing.pin,     storing.certLabel, storing.kind,
-        storing.certificate.c_str(),         !storing.keepOld};
-    if (const int stopped = zv::guardStoring(call)) return stopped;
     const char* certificate = storing.certificate.c_str();
-    RichiestaMinInfo(storing.certLabel, storing.pin, certificate, storing.pendingLabel, storing.kind,
-                     keepFlag);
-    int code = zv::guardBlock(storing.certLabel, storing.pin, certificate, storing.pendingLabel, storing.kind,
-                              keepFlag);
-    if (code == 0) {
-        long length = sizeof zv::szBufferDatiOut;
-        code = miExecCmd("REQSCA", zv::szBufferRichiesta,
-                         static_cast<long>(std::strlen(zv::szBufferRichiesta)), zv::szBufferDatiOut, &length);
-    }
-    zv::wipePin();
-    return code;
+    const zv::StoringCall call = {zv::trimRight(storing.pendingLabel), storing.certLabel, storing.kind,
+                                  certificate, !storing.keepOld};
+    if (const int stopped = zv::guardStoring(call)) return stopped;
+    return zv::runCommand("REQSCA", {storing.certLabel, storing.pin, certificate, storing.pendingLabel,
+                                     storing.kind, storing.keepOld ? "R" : "D"});
 }
 
 // The command block has one line for the certificate.
@@ -61,18 +37,17 @@ std::string withoutLineBreaks(const char* text) {
 }
 
 void begin(const Storing& storing) {
-    std::fill(std::begin(szBuffErr), std::end(szBuffErr), '\0');
-    std::fill(std::begin(zv::szBufferRichiesta), std::end(zv::szBufferRichiesta), '\0');
-    storing.trace("': INIZIO");
+    zv::clear(szBuffErr, zv::szBufferRichiesta);
+    zv::traceEntry(storing.function, "': INIZIO");
     zv::traceModule("Libreria pkcs#11 selezionata: ");
     ResettaDN();
 }
 
 int finish(const Storing& storing, int code) {
-    if (code != 0) return zv::failWith(NOT_SENT, COMMAND_FAILED, code);
+    if (code != 0) return zv::failCommand(code);
     scriviLog("OUTPUT DA MININFO:");
     scriviLog(zv::szBufferDatiOut);
-    storing.trace("' corretamente Eseguita");
+    zv::traceEntry(storing.function, "' corretamente Eseguita");
     return 0;
 }
 
@@ -89,7 +64,7 @@ int save(Storing&& storing, const char* firstLabel, bool mayBeCNS, const char* c
     storing.certificate = withoutLineBreaks(certChain);
     return finish(storing, store(storing));
 } catch (const std::exception&) {
-    return zv::failWith(NOT_SENT, COMMAND_FAILED, ZV_UNUSABLE);
+    return zv::failCommand(ZV_UNUSABLE);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "card/session.h"
 #include "util/text.h"
 
 bool is1205SerialToken = false;
@@ -18,20 +19,13 @@ char szSerialNumber[32];
 bool isCNS = false;
 char g_ATRINI_dir[1024];
 
-void setModulePath(const char* fileName) {
-    char path[sizeof Libreria];
-    copyText(path, pwd);
-    appendText(path, "/");
-    appendText(path, fileName);
-    copyText(Libreria, path);
-}
-
 } // namespace zv
 
 namespace {
 
 constexpr int UNSUPPORTED = 100;
-constexpr unsigned NO_SLOT = 0xFFFFFFFF;
+// A serial number has 16 characters; the rest of its buffer is left as it is.
+constexpr std::size_t SERIAL_CLEARED = 17;
 
 bool serialBegins(std::string_view series) {
     return zv::boundedText(zv::szSerialNumber, sizeof zv::szSerialNumber).starts_with(series);
@@ -68,6 +62,12 @@ int findModule(char (&module)[512]) {
     return 0;
 }
 
+void selectModule(const char* fileName) {
+    zv::copyText(zv::Libreria, zv::pwd);
+    zv::appendText(zv::Libreria, "/");
+    zv::appendText(zv::Libreria, fileName);
+}
+
 int readSerialNumber() {
     kvFinalize();
     int code = kvInitialize(zv::Libreria, zv::slot);
@@ -87,7 +87,7 @@ int readSerialNumber() {
 } // namespace
 
 int CheckSmartCard(bool& isTouchSign, char* reader) {
-    std::fill_n(zv::szSerialNumber, 17, '\0');
+    std::fill_n(zv::szSerialNumber, SERIAL_CLEARED, '\0');
     zv::Libreria[0] = '\0';
     zv::scReader[0] = '\0';
     zv::isCNS = false;
@@ -105,11 +105,11 @@ int CheckSmartCard(bool& isTouchSign, char* reader) {
     if (module[0] == '\0') return UNSUPPORTED;
     if (kvIsCNSINCARD() != 0) zv::isCNS = true;
     if (kvIsTOUCHSIGN() != 0) isTouchSign = true;
-    zv::setModulePath(module);
+    selectModule(module);
     scriviLog(zv::Libreria);
 
     const unsigned found = getSlot(zv::scReader, zv::Libreria);
-    if (found == NO_SLOT) return failed("getSlot", -1);
+    if (found == zv::NO_SLOT) return failed("getSlot", -1);
     zv::slot = static_cast<int>(found);
     return readSerialNumber();
 }
@@ -120,9 +120,10 @@ void set_ATRini_path(const char* dir) {
 }
 
 int DoInitialize(char* libPath, char* pin) {
+    char none[] = "";
     kvFinalize();
-    const int code = kvInitialize(libPath, zv::slot);
-    return code == 0 ? kvLogin(pin) : code;
+    const int code = kvInitialize(libPath != nullptr ? libPath : none, zv::slot);
+    return code == 0 ? kvLogin(zv::orEmpty(pin)) : code;
 }
 
 int DoFinalize() {

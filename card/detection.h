@@ -14,9 +14,6 @@ extern char szSerialNumber[32]; ///< the card's serial number
 extern bool isCNS;              ///< a national services card
 extern char g_ATRINI_dir[1024]; ///< directory of the host's atr.ini; empty: the built-in table
 
-/** The path of a module in pwd. */
-void setModulePath(const char* fileName);
-
 } // namespace zv
 
 #endif

@@ -16,8 +16,6 @@ namespace {
 constexpr char TITLE[] = " .... Inizializza FUN                .... ";
 constexpr int FAILED = 1;
 constexpr int WRONG_PIN = 2;
-// Above any number of slots that a machine has; a larger count is a module's error.
-constexpr CK_ULONG MOST_SLOTS = 1024;
 
 using zv::reportSentence;
 using zv::rv;
@@ -45,20 +43,22 @@ int failLoading() {
     return FAILED;
 }
 
+int failFunctions() {
+    if (::dlsym(zv::hModule, "C_GetFunctionList") != nullptr)
+        return fail("pC_GetFunctionList",
+                    "Errore nella lista delle funzioni dalla libreria di gestione della smartcard (%s)");
+    // Nothing is logged for a missing function, and its reason is used up before the user's message is made.
+    ::dlerror();
+    formatMessage(
+        "Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
+        ::dlerror());
+    return FAILED;
+}
+
 int loadModule(const char* path) {
     zv::hModule = zv::openModule(path);
     if (zv::hModule == nullptr) return failLoading();
-    if (::dlsym(zv::hModule, "C_GetFunctionList") == nullptr) {
-        zv::takeFunctionList();
-        ::dlerror();
-        formatMessage(
-            "Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
-            ::dlerror());
-        return FAILED;
-    }
-    if (!zv::takeFunctionList())
-        return fail("pC_GetFunctionList",
-                    "Errore nella lista delle funzioni dalla libreria di gestione della smartcard (%s)");
+    if (!zv::takeFunctionList()) return failFunctions();
     zv::trace(TITLE, "C_Initialize");
     rv = zv::call<&zv::Functions::C_Initialize>(nullptr);
     if (rv != CKR_OK)
@@ -71,7 +71,7 @@ CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot) {
     CK_ULONG count = 0;
     CK_RV result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count);
     if (result != CKR_OK) return result;
-    count = std::min(count, MOST_SLOTS);
+    count = std::min(count, zv::MOST_SLOTS);
     const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[count + 1]());
     if (slots == nullptr) return CKR_HOST_MEMORY;
     char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots.get()));
@@ -99,7 +99,7 @@ int findSlot(unsigned slotIndex) {
 
 int open() {
     static constexpr char FORMAT[] = "Errore aprendo la sessione con la smartcard (%s)";
-    zv::trace(TITLE, "C_OpenSession", CatLtoA("SlotID = ", static_cast<long>(zv::slotID)));
+    zv::trace(TITLE, "C_OpenSession", CatItoA("SlotID = ", static_cast<int>(zv::slotID)));
     rv = zv::openSession(zv::slotID);
     if (rv == CKR_OK) return 0;
     if (rv != CKR_TOKEN_NOT_PRESENT) return fail("C_OpenSession", FORMAT);

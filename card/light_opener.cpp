@@ -1,6 +1,4 @@
 // __Initialize: the opener that takes a slot identifier as it is and reports raw results.
-#include <dlfcn.h>
-
 #include "card/session.h"
 #include "diag/log.h"
 #include "util/text.h"

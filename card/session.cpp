@@ -25,6 +25,8 @@ bool listMissing = false;
 } // namespace
 
 void* openModule(const char* path) {
+    // What is left of an earlier failure would be taken for this one's reason.
+    ::dlerror();
     return path[0] != '\0' ? ::dlopen(path, RTLD_NOW) : nullptr;
 }
 
@@ -50,8 +52,11 @@ CK_RV openSession(CK_SLOT_ID slot) {
     CK_SESSION_HANDLE opened = 0;
     const CK_RV result = call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION},
                                                          nullptr, nullptr, &opened);
-    if (result == CKR_OK) hSession = opened;
-    return result;
+    if (result != CKR_OK) return result;
+    // 0 stands for no session everywhere here.
+    if (opened == 0) return CKR_SESSION_HANDLE_INVALID;
+    hSession = opened;
+    return CKR_OK;
 }
 
 CK_RV login(CK_USER_TYPE user, const char* pin) {

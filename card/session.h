@@ -11,6 +11,10 @@ namespace zv {
 
 /** Slot indices whose identifiers inizializza keeps. */
 constexpr std::size_t CACHED_SLOTS = 8;
+/** Above any number of slots that a machine has; a larger count is a module's error. */
+constexpr CK_ULONG MOST_SLOTS = 1024;
+/** Result of getSlot when no slot fits. */
+constexpr unsigned NO_SLOT = 0xFFFFFFFF;
 
 extern void* hModule;                          ///< loaded module; null: none
 extern CK_FUNCTION_LIST* p;                    ///< function list that a module gave last
@@ -21,16 +25,16 @@ extern CK_SLOT_ID vettoreSlotID[CACHED_SLOTS]; ///< slot identifier by slot inde
 
 /** Loads a module; null when it does not load. An empty path never does: dlopen would open the host program.
  */
-void* openModule(const char* path);
+[[nodiscard]] void* openModule(const char* path);
 
 /** The function list that a loaded module gives; null when it gives none. */
-CK_FUNCTION_LIST* functionListOf(void* module);
+[[nodiscard]] CK_FUNCTION_LIST* functionListOf(void* module);
 
 /** Fills p from the loaded module. Returns false, and closes the gate, when the module gives no list. */
-bool takeFunctionList();
+[[nodiscard]] bool takeFunctionList();
 
 /** False when no module is loaded, or when the loaded one gave no list (p is then an older module's). */
-bool moduleAnswers();
+[[nodiscard]] bool moduleAnswers();
 
 /** Calls a function of a list, which may lack it. */
 template <typename Function, typename... Arguments> CK_RV invoke(Function function, Arguments... arguments) {
@@ -46,10 +50,10 @@ template <auto Entry, typename... Arguments> CK_RV call(Arguments... arguments) 
 using Functions = CK_FUNCTION_LIST;
 
 /** Opens a read/write session on a slot into hSession. */
-CK_RV openSession(CK_SLOT_ID slot);
+[[nodiscard]] CK_RV openSession(CK_SLOT_ID slot);
 
 /** Logs a user in to hSession. */
-CK_RV login(CK_USER_TYPE user, const char* pin);
+[[nodiscard]] CK_RV login(CK_USER_TYPE user, const char* pin);
 
 } // namespace zv
 

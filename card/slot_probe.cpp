@@ -12,9 +12,7 @@
 
 namespace {
 
-constexpr unsigned NO_SLOT = 0xFFFFFFFF;
 constexpr std::size_t DESCRIPTION_SIZE = sizeof(CK_SLOT_INFO::slotDescription);
-constexpr CK_ULONG MOST_SLOTS = 1024;
 
 struct Unload {
     void operator()(void* module) const { ::dlclose(module); }
@@ -47,9 +45,9 @@ bool belongsTo(const char* reader, const CK_SLOT_INFO& info) {
 unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
     CK_ULONG all = 0;
     zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_FALSE}, nullptr, &all);
-    all = std::min(all, MOST_SLOTS);
+    all = std::min(all, zv::MOST_SLOTS);
     const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[all + 1]());
-    if (slots == nullptr) return NO_SLOT;
+    if (slots == nullptr) return zv::NO_SLOT;
     CK_ULONG count = all;
     zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_TRUE}, slots.get(), &count);
     count = std::min(count, all);
@@ -60,7 +58,7 @@ unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
     };
     const CK_SLOT_ID* end = slots.get() + count;
     const CK_SLOT_ID* found = std::find_if(slots.get(), slots.get() + count, matches);
-    return found != end ? static_cast<unsigned>(*found) : NO_SLOT;
+    return found != end ? static_cast<unsigned>(*found) : zv::NO_SLOT;
 }
 
 } // namespace
@@ -69,11 +67,11 @@ unsigned int getSlot(char* readerName, char* libPath) {
     const Module module(zv::openModule(zv::orEmpty(libPath)));
     if (module == nullptr) {
         scriviLog("getSlot dlopen fallita");
-        return NO_SLOT;
+        return zv::NO_SLOT;
     }
     const CK_FUNCTION_LIST* list = zv::functionListOf(module.get());
-    if (list == nullptr) return NO_SLOT;
-    const unsigned slot = start(*list) ? findSlot(*list, zv::orEmpty(readerName)) : NO_SLOT;
+    if (list == nullptr) return zv::NO_SLOT;
+    const unsigned slot = start(*list) ? findSlot(*list, zv::orEmpty(readerName)) : zv::NO_SLOT;
     zv::invoke(list->C_Finalize, nullptr);
     return slot;
 }

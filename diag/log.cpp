@@ -48,7 +48,7 @@ void emptyLog(std::FILE* log, const char* prefix) {
     zv::copyText(companion, PATH_LENGTH - 1, getLogPath());
     zv::appendText(companion, ".1");
     openPlain(companion, O_WRONLY | O_CREAT | O_TRUNC, "w");
-    if (::ftruncate(::fileno(log), 0) != 0) return;
+    [[maybe_unused]] const int emptied = ::ftruncate(::fileno(log), 0);
     std::fseek(log, 0, SEEK_END);
     for (const char* line :
          {"----------------------------------", "zvRenew", ZV_VERSION, "----------------------------------"})
@@ -56,9 +56,9 @@ void emptyLog(std::FILE* log, const char* prefix) {
 }
 
 void writeDatum(std::FILE* log, const char* data, int length) {
-    if (data == nullptr) return;
+    if (data == nullptr && length == 0) return;
     if (length == 0) std::fputs(data, log);
-    if (length > 0) std::fwrite(data, 1, static_cast<std::size_t>(length), log);
+    if (length > 0 && data != nullptr) std::fwrite(data, 1, static_cast<std::size_t>(length), log);
     std::fputc('\n', log);
 }
 

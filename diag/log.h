@@ -22,6 +22,9 @@ void trace(const char* title, const char* step, const char* datum);
 /** Logs a step with "hSession = " and the session. */
 void traceSession(const char* title, const char* step, CK_SESSION_HANDLE session);
 
+/** Logs an object's handle behind the word "hObject", and how many objects were found. */
+void traceFound(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count);
+
 /** Logs a failed step with "Errore = " and the code. */
 void reportCode(const char* title, const char* step, CK_RV code);
 

@@ -14,7 +14,7 @@ void LogDN(datiDN* dn) try {
     add("DN_country = ", dn->country);
     add("DN_organization = ", dn->organization);
     for (int unit = 0; unit < ZV_ORG_UNITS; ++unit)
-        add("\nDN_orgUnit[" + std::to_string(unit) + "] = ", dn->orgUnit[unit]);
+        add("DN_orgUnit[" + std::to_string(unit) + "] = ", dn->orgUnit[unit]);
     add("DN_commonName = ", dn->commonName);
     add("DN_description = ", dn->description);
     add("DN_dnQualifier = ", dn->dnQualifier);

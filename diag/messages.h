@@ -6,7 +6,7 @@
 namespace zv {
 
 /** The Italian text of a PKCS#11 result; empty for a code outside the table and before loadErrorCodes. */
-const char* errorMessage(CK_RV code);
+[[nodiscard]] const char* errorMessage(CK_RV code);
 
 } // namespace zv
 

@@ -17,6 +17,11 @@ void traceSession(const char* title, const char* step, CK_SESSION_HANDLE session
     WriteLog(title, step, 0, CatLtoAHex1("hSession = ", static_cast<long>(session)), 0);
 }
 
+void traceFound(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
+    char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
+    trace(title, handle, CatLtoAHex2("count = ", static_cast<long>(count)));
+}
+
 void reportCode(const char* title, const char* step, CK_RV code) {
     WriteErr(title, step, 0, CatLtoAHex1("Errore = ", static_cast<long>(code)), 0);
 }

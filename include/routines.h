@@ -10,7 +10,8 @@
  *     of their last call in a variable of the library. A `void*` first argument is not read.
  *  3. "Logged" means written to the user's log (getLogPath). A sentence for a person stands there under
  *     "Messaggio di Errore".
- *  4. PKCS#11 results and attributes are those of pkcs11.h (PKCS#11 version 2).
+ *  4. Null is taken only where it is stated.
+ *  5. PKCS#11 results and attributes are those of pkcs11.h (PKCS#11 version 2).
  */
 #ifndef ZV_ROUTINES_H
 #define ZV_ROUTINES_H
@@ -208,14 +209,17 @@ ZV_API void finalizza(void);
 /** C_FindObjectsInit, traced under title; a failure logs the sentence only. Returns the PKCS#11 result. */
 ZV_API CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* tmpl,
                              unsigned long count);
-/** C_FindObjects, traced under title. Returns the PKCS#11 result; *found is never more than maxCount. */
+/**
+ * C_FindObjects, traced under title. Returns the PKCS#11 result; CKR_GENERAL_ERROR when the module claims to
+ * have found more than maxCount.
+ */
 ZV_API CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles,
                          unsigned long maxCount, unsigned long* found);
 /** C_FindObjectsFinal, traced under title. Returns the PKCS#11 result. */
 ZV_API CK_RV FindObjectsFinal(void*, char* title, unsigned long session);
 /**
- * C_GetAttributeValue, traced under title. Returns the PKCS#11 result; no length comes back above the one
- * given.
+ * C_GetAttributeValue, traced under title. Returns the PKCS#11 result; CKR_BUFFER_TOO_SMALL when the module
+ * claims a length above the one given (in the first 16 entries).
  */
 ZV_API CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object,
                                CK_ATTRIBUTE* tmpl, unsigned long count);
@@ -299,8 +303,8 @@ ZV_API int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praR
 /** Pending pair or free identifiers. Returns 0; 65535 on a PKCS#11 failure; 1 when a series is full. */
 ZV_API int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* ckaidAUT);
 /**
- * Rewrites "/CN=..." names to numeric OIDs in place; name of 512 characters of room, scratch of 4096. Returns
- * 0.
+ * Rewrites "/CN=..." names to numeric OIDs in place; name and scratch have 4096 characters of room, what goes
+ * past is cut. Returns 0.
  */
 ZV_API int __DescrToOid(char* name, char* scratch);
 /**
@@ -434,17 +438,20 @@ ZV_API void LogInstallCertificate(unsigned long session, CK_ATTRIBUTE* tmpl, uns
 ZV_API int InstallCACertificate(void*, datiCert* cert, unsigned long derLength, char* label);
 /**
  * Decodes a PEM certificate into der (8191 bytes of room); pem is cut at its end marker. Returns the bytes, 0
- * on a failure.
+ * on a failure, also when there are more than 8191.
  */
 ZV_API int CrtB64ToDer(char* pem, char* der);
 /**
- * Rewrites short attribute names to numeric OIDs in place; work as long as dn's buffer. Returns
- * CommaToSlash's count.
+ * Rewrites short attribute names to numeric OIDs in place; dn and work have 8216 characters of room each,
+ * what goes past is cut. Returns CommaToSlash's count.
  */
 ZV_API int DescrToOid(char* dn, char* work);
 /** Rewrites every second ", D=" and the ", N=" behind a ", D=" with a slash. Returns the rounds made. */
 ZV_API int CommaToSlash(char* dn, char* work);
-/** DescrToOid for each text of an array of 16 pointers, null ones skipped. Returns the last result. */
+/**
+ * DescrToOid for each text (8216 characters of room) of an array of 16 pointers, null ones skipped. Returns
+ * the last result.
+ */
 ZV_API int ConvertiCertificato(char** dns);
 
 /* ---- Command block and names (api/)
@@ -488,8 +495,8 @@ ZV_API int Scarica(REQRENIN* rec, char* out, unsigned* outLen);
 /** Opens the session and makes the request. No caller inside the library. */
 ZV_API int Rinnova(REQRENIN* rec, char* out, unsigned* outLen);
 /**
- * Breaks lines longer than 64 characters in place; text, zero behind its end, has room for one more in 64.
- * Returns the length.
+ * Breaks lines longer than 64 characters in place; text is a buffer of 8192 characters, zero behind its end,
+ * and keeps 8190 at most. Returns the length.
  */
 ZV_API unsigned long SepRows(char* text);
 

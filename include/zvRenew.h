@@ -7,17 +7,20 @@
  *     first reader"); null output buffers, lists and list entries are skipped.
  *  2. Every buffer belongs to the caller, who gives the sizes stated here; nothing is returned for the caller
  *     to free.
- *  3. A result of 0 is success. Otherwise szBuffErr holds the text for the user. The result is one of the ZV_
- *     codes below, a PKCS#11 result (CKR_..., pkcs11.h) of the step that failed, or a code of the crypto
- *     library (zvCrypt.h, from 0x2000 up).
+ *  3. A result of 0 is success. Otherwise it is one of the ZV_ codes below, a PKCS#11 result (CKR_...,
+ *     pkcs11.h) of the step that failed, or a code of the crypto library (zvCrypt.h, from 0x2000 up). The
+ *     entry points rinnovo_... put the text for the user into szBuffErr. Where a text comes from the crypto
+ *     library (kvLastError) it is empty when nothing failed there, as after a wrong PIN, or is about
+ *     something that failed earlier: the text is then the one of the code in errorMessages.
  *  4. Calls must not overlap: the library keeps its state in variables of the process and takes no locks.
  *  5. Call loadErrorCodes() once before anything else; the library never does, and without it the Italian
  *     messages of PKCS#11 failures are empty.
  *  6. Every step goes to the user's log, "/.trevallo/zvRenew.log" below the home directory of the user
  *     database. The library does not create that directory: the host does (mode 0700). Without it nothing is
  *     logged. A PIN never is.
- *  7. Requests and storing work on the module and the slot of the last reading (rinnovo_Card_readCerts): read
- *     first. Only slots 0 to 9 can be used by them.
+ *  7. Requests and storing work on the module and the slot of the last card detection, that is of the last
+ *     rinnovo_Card_readCerts or rinnovo_Card_findFreeCKAID: read the card first, go on only after a success,
+ *     and do not let a search in another reader come between. Only slots 0 to 9 can be used by them.
  *  8. Each call opens the card's PKCS#11 module itself and finalises it (C_Finalize) for the whole process
  *     when done: a host that uses the same module loses its sessions.
  *  9. "Identifier" always means a CKA_ID, read as text. Signature (PRA) pairs are "DS" and a digit,
@@ -25,11 +28,21 @@
  *     "CNS0". Digits 0 to 2 are the card's first keys; renewed keys take 3 to 5.
  * 10. Guards: a call whose arguments would cost a key or a PIN try, or would not reach the card unchanged, is
  *     stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
- *     szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read).
- *     See docs/guards.md.
+ *     szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read
+ *     and would be stored with deletion). Stopped are: an empty pendingLabel (but for a services card's own
+ *     pair whose old request is kept); a request whose pendingLabel is part of keyId; storing whose
+ *     pendingLabel is a proper part of certLabel; whatever would delete "CNS0" (a request that discards a
+ *     pending "CNS0", storing with deletion and a certLabel that is part of "CNS0"); storing with deletion
+ *     and a certLabel that is part of pendingLabel; and values that would not come through the command block
+ *     as they are: longer than their fields or than the block, with a line feed or a key of the block inside,
+ *     a PIN of more than 31 characters or with trailing blanks, a slot above 9. Two more leave result and
+ *     texts as they are without them: after a PIN that the first login of a reading was refused with, the
+ *     second is left out; and no call goes to a module that is not loaded or gave no function list. See
+ *     docs/guards.md.
  * 11. The PIN: an empty one is sent to the card like any other and costs a try. Reading logs in twice (once
  *     for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
- *     login is left out, so that one typing error costs one try.
+ *     login is left out, so that one typing error costs one try. A request logs in twice as well: for the
+ *     pair, and for the signed wrapping.
  */
 #ifndef ZV_RENEW_H
 #define ZV_RENEW_H
@@ -57,15 +70,19 @@ extern "C" {
 #define ZV_OK 0
 /** The command or the certificate was refused by the machinery; szSockMsg may say more. */
 #define ZV_FAILED 1
-/** Card not supported, no pending key, or a temporary file that could not be used. */
+/** Card not supported, or a temporary file that could not be used. */
 #define ZV_UNSUPPORTED 100
 /** No module, no slot, unknown command or no memory. */
 #define ZV_UNUSABLE (-1)
-/** A result too large, or a call stopped by a guard before the card was touched. */
+/**
+ * A call stopped by a guard before the card was touched (the log says so), or a request too large for its
+ * buffer.
+ */
 #define ZV_NOT_SENT (-10000)
 
 /**
- * Text for the user after a failed call. Cleared at the start of each call except rinnovo_Card_findFreeCKAID.
+ * Text for the user after a failed rinnovo_ call, which clears it at its start (rinnovo_Card_findFreeCKAID
+ * does not).
  */
 extern ZV_API char szBuffErr[512];
 
@@ -76,14 +93,18 @@ extern ZV_API char szBuffErr[512];
 extern ZV_API char szSockMsg[512];
 
 /**
- * True after a reading of a services card or a search for free identifiers: the card holds DS3, DS4 or DS5.
+ * True when the card of the last services-card reading or free search holds a certificate whose identifier
+ * begins "DS3", "DS4" or "DS5". Other readings leave it.
  */
 extern ZV_API bool use2048Bit;
 
 /** Always true: new signature keys are to have 2048 bits. */
 extern ZV_API bool force2048PraGen;
 
-/** True when the serial number of the card last detected begins with "1205". */
+/**
+ * True when the serial number read last begins with "1205"; a detection that ends before reading one leaves
+ * it.
+ */
 extern ZV_API bool is1205SerialToken;
 
 /**
@@ -98,7 +119,8 @@ ZV_API void loadErrorCodes(void);
 /**
  * Says where an ATR table of the host's own (atr.ini) is; it is then asked before the built-in one.
  *
- * @param[in] dir  directory, 1 to 1023 characters; null, empty or longer: back to the built-in table alone
+ * @param[in] dir  directory, 1 to 1023 characters; null, empty or longer: back to the crypto library's
+ *                 configuration and built-in table
  */
 ZV_API void set_ATRini_path(const char* dir);
 
@@ -107,37 +129,47 @@ ZV_API void set_ATRini_path(const char* dir);
  *
  * A certificate list is an array of 11 pointers (ZV_LIST_ENTRIES) to buffers of 4096 characters
  * (ZV_LIST_ENTRY_SIZE). Entry 0 receives the number of certificates in decimal, entries 1 to n one record
- * each, fields joined by "#", at most ten. Every entry must be an empty text before every call: counts and
- * records are appended to what is there. listCNS is written only for a services card: put "0" into its entry
- * 0 beforehand when the card is another one.
+ * each, fields joined by "#" (a "#" inside a field is not marked), ten at most. Every entry must be an empty
+ * text before every call, since counts and records are appended. listCNS is written for a services card only:
+ * take an empty entry 0 as 0.
  *
  * Records: subject, issuer (attributes as numeric OIDs, "2.5.4.6=IT2.5.4.10=..."), IUT (dnQualifier),
  * policies, serial number, start, end ("DD/MM/YYYY HH:MM:SS", UTC), identifier, then for PRA: notice text,
- * subject key identifier, codice fiscale; for AUT and CNS: subject key identifier, codice fiscale. On a card
- * that is not a services card, when there are PRA certificates and a PRA pair is pending, the first PRA
- * record and the first AUT record each get one more field: keyPRA and keyAUT.
+ * subject key identifier, codice fiscale; for AUT and CNS: subject key identifier, codice fiscale.
  *
- * @param[in]  reader        reader to use; null: the first that holds a card. A reader belongs to the card
- *                           when its name contains the module's slot description, so of two readers whose
- *                           names contain each other the first slot is taken. A text containing ".dll" is
- *                           taken as the module path itself: no detection, slot 0, services card
- * @param[in]  pin           user PIN. Sent as it is, also when empty. Sent twice, see convention 11
+ * Signature cards: PRA are the identifiers "DS" and a digit or "Sign_Keypair...", all others AUT; the
+ * authority's certificate is left out, but counts among the ten. When there are PRA certificates and a PRA
+ * pair is pending, the first PRA record and the first AUT record each get one more field: keyPRA and keyAUT.
+ *
+ * Services cards: PRA are "DS...", CNS "CNS0...", AUT the rest (an identifier that is not an AUT one repeats
+ * the last one known); certificates without a private key are left out. In names of a "CNS0" certificate the
+ * common name comes last, and what followed it stays as it was. The first record of each list gets one more
+ * field when a pair (or, for CNS, a request) of that kind is pending: its identifier.
+ *
+ * @param[in]  reader        reader to use; null: the first that holds a card. The first slot whose
+ *                           description is part of the reader's name is taken: of a reader "X" and one "X
+ *                           01", "X" answers for both. A text containing ".dll" is taken as the module path
+ *                           itself: no detection, slot 0, services card
+ * @param[in]  pin           user PIN; see convention 11
  * @param[in]  reservedInt   not used
  * @param[out] listCNS, listPRA, listAUT  lists as described
- * @param[out] pendingCNS, pendingPRA, pendingAUT  1 when a pair generated for a request waits for its
- *                                                 certificate, else 0
+ * @param[out] pendingCNS  1 when the card's marker says that a request for its own pair is under way, else 0
+ * @param[out] pendingPRA, pendingAUT  1 when a pair generated for a request waits for its certificate, else
+ *                                     0. The first pending pair found ends the search: at most one of the two
+ *                                     is reported. A search that failed leaves 0 and empty keys
  * @param[out] keyPRA, keyAUT  32 characters each: the pending pair's identifier; else a free identifier for a
  *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
  *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
  *                             looks at public keys only. A kind without a certificate on the card gets no
- *                             proposal here (rinnovo_Card_findFreeCKAID gives one)
+ *                             proposal here (rinnovo_Card_findFreeCKAID gives one); on a signature card the
+ *                             authority's certificate counts as an AUT one
  * @param[in]  reservedText  not used
  * @param[in]  moduleDir     directory of the PKCS#11 modules, at most 511 characters
  *
- * @return 0; 100 unknown card ("Tipo di Smart Card non supportato"); -1 no slot of the module belongs to the
- *         reader, the module cannot be used, or the inventory failed; the PKCS#11 result of the session that
- *         could not be opened; a code of the crypto library. With no reader at all, detection ends without a
- *         module and the session fails with -1.
+ * @return 0; 100 unknown card, or one of the refused series "1201" ("Tipo di Smart Card non supportato"); -1
+ *         no slot of the module belongs to the reader, the module cannot be used, or the inventory failed;
+ *         the PKCS#11 result of the session that could not be opened; a code of the crypto library. With no
+ *         reader at all, detection ends without a module and the session fails with -1.
  * After a failure: nothing on the card has changed; the lists may hold records without a count. A wrong PIN
  * has cost one try.
  */
@@ -151,7 +183,7 @@ ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char
  *
  * The module directory of the last rinnovo_Card_readCerts is used; szBuffErr is not cleared at the start.
  *
- * @param[in]  reader, pin     as in rinnovo_Card_readCerts; one login
+ * @param[in]  reader, pin     as in rinnovo_Card_readCerts, but without the ".dll" form; one login
  * @param[out] keyPRA, keyAUT  32 characters each; a text without a digit means that none is free
  *
  * @return 0; 1 none free in one of the series (keyPRA is "DS": none for PRA, and AUT was not looked for);
@@ -169,8 +201,9 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  * (sha1WithRSAEncryption); the wrapping SHA-256.
  *
  * @param[out] requestOut    16384 characters (ZV_REQUEST_SIZE): the DER of the CMS in base64, lines of 64
- *                           characters. Longer results are cut: a text of exactly 16,383 characters is a
- *                           failure. A terminator is always written at 16,383
+ *                           characters. A longer one is cut, with result 0: take a text of exactly 16,383
+ *                           characters as a failure. A terminator is always written at 16,383. Not touched
+ *                           after a failure
  * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most 31 characters, such as
  *                           keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not
  *                           be empty, nor a part of keyId
@@ -179,18 +212,22 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *                           renewed). On a services card the identifier "CNS0" goes through
  *                           rinnovo_Card_createCertRequestAUT
  * @param[in]  dn            subject: attributes as OID and "=" ("2.5.4.6=IT2.5.4.3=NAME...", as the records
- *                           give them), or "/OU=", "/emailAddress=", "/gn=", "/serialNumber=". Values are cut
- *                           to 64 characters (country 2, description, e-mail and locality 127); the subject
- *                           is worked on in a text of 1023 characters and loses what goes past it. A sixth
- *                           organisational unit is ignored
- * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request; false
- *                           keeps and reuses it
+ *                           give them), or "/OU=", "/emailAddress=", "/gn=", "/serialNumber=", in these
+ *                           letters; other names ("/CN=") are not known, and an OID inside a value starts a
+ *                           new attribute. Values are cut to 64 characters (country 2, description, e-mail
+ *                           and locality 127); the subject is worked on in a text of 1023 characters and
+ *                           loses what goes past it. A sixth organisational unit is ignored. Without any
+ *                           attribute the request fails with 1 and leaves szSockMsg alone
+ * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request: a
+ *                           certificate issued for it can no longer be stored. False keeps and reuses it
  *
- * @return 0; -10000 a guard; 1 the request machinery (szSockMsg may hold the reason); 100 a temporary file; a
- *         PKCS#11 result of the session; a code of the crypto library
+ * @return 0; -10000 a guard, or a request too large; 1 the request machinery (szSockMsg may hold the reason);
+ *         100 a temporary file; -1 no module (no reading before) or no memory; a PKCS#11 result of the
+ *         session; a code of the crypto library
  * After a failure: the pair, if it was generated, stays on the card under pendingLabel, and the next call
- * with that label uses it again. The temporary files (/tmp/tmpReqFile, /tmp/szP7MName, /tmp/szP7MNameB64; no
- * secrets) are left.
+ * with that label uses it again; with keepFlag true an old pair may be gone. When only half of it is there
+ * the discarding fails, and with it the request. The temporary files (/tmp/tmpReqFile, /tmp/szP7MName,
+ * /tmp/szP7MNameB64; no secrets) are left.
  */
 ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
@@ -199,8 +236,9 @@ ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendi
  * Makes a request for the authentication certificate, or, with keyId exactly "CNS0", for the services card's
  * own pair.
  *
- * For "CNS0" no pair is generated: the card's key is used, and a marker object "pending_CNS_key" says that a
- * request is under way. Everything else as rinnovo_Card_createCertRequestPRA.
+ * For "CNS0" no pair is generated: the card's key is used, the subject has no title and no pseudonym, and a
+ * marker object "pending_CNS_key" says that a request is under way. pendingLabel is then not used by the
+ * request; storing wants "CNS0". Everything else as rinnovo_Card_createCertRequestPRA.
  */
 ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
@@ -210,24 +248,28 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *
  * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
  * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
- * authority's certificate "Korvalenta Firma Dig", which nothing puts back. Only then is the certificate
- * checked against the pending pair. Then pair and certificate get pendingLabel as CKA_ID and CKA_LABEL.
+ * authority's certificate "Korvalenta Firma Dig", which nothing puts back. Then the pending pair is looked
+ * for, gets pendingLabel as CKA_ID and CKA_LABEL, and the certificate is compared with it and written under
+ * the same text; when it is refused, the pair is given pendingLabel again. (Modules named bit4ipki,
+ * bit4hipki, incryptoki2 or cnspkcs11 keep the pair's old texts; a module that does not read keys leaves out
+ * the comparison.) The marker "pending_CNS_key" of a services card is removed after any success.
  *
  * @param[in]     pin           user PIN, at most 31 characters, no trailing blank
  * @param[in,out] certLabel     identifier of the certificate to replace, room for 4 characters at least:
  *                              trailing blanks are removed in place, and an empty text becomes "DS0" in place
  *                              (so an empty label *means* DS0). Give a whole identifier. It must not be a
  *                              part of pendingLabel when keepOld is false
- * @param[in]     pendingLabel  identifier of the pending pair, whole. A wrong one renames another key: every
- *                              key whose identifier contains it matches, the last one found is taken. Must
- *                              not be empty
+ * @param[in]     pendingLabel  identifier of the pending pair, whole. A wrong one renames another key, also
+ *                              when the certificate is refused: every key whose identifier contains it
+ *                              matches, the last one found is taken. Must not be empty
  * @param[in]     certChain     the certificate: base64 DER, PEM or a PKCS#7 bundle, line breaks allowed. Some
  *                              7,500 characters at most, since the whole command must fit 8,000. Subject and
  *                              issuer up to 512 bytes of DER, keys up to 2048 bits
  * @param[in]     keepOld       true keeps the old certificate and its keys, false removes them first
  *
- * @return 0; -10000 a guard; 1 the certificate was refused (no certificate, not of the pending pair, not
- *         written) or a deletion failed; a PKCS#11 result of the session
+ * @return 0; -10000 a guard; 1 no pending pair, the certificate was refused (no certificate, not of the pair,
+ *         not written) or a deletion failed; -1 no module (no reading before) or no memory; a PKCS#11 result
+ *         of the session
  * After a failure: the pending pair is on the card, under its pending identifier; with keepOld false the old
  * objects may be gone already. The same call with keepOld true can be repeated.
  */
@@ -237,11 +279,11 @@ ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLab
 /**
  * Stores the issued authentication certificate, or, with certLabel exactly "CNS0", the services card's own.
  *
- * As rinnovo_Card_saveCertPRA, but an empty certLabel becomes "AUTHCertificate0" (room for 17 characters),
- * and the authority's certificate is left alone. For "CNS0" with keepOld false only the certificate with
- * exactly that identifier is removed, first of all: after a failure a second try with keepOld false fails
- * because it is gone (result -1); repeat with keepOld true. The marker "pending_CNS_key" is removed once the
- * certificate is stored.
+ * For "CNS0" pendingLabel is "CNS0" too. As rinnovo_Card_saveCertPRA, but an empty certLabel becomes
+ * "AUTHCertificate0" (room for 17 characters), and the authority's certificate is left alone. For "CNS0" with
+ * keepOld false only the certificate with exactly that identifier is removed, first of all: after a failure a
+ * second try with keepOld false fails because it is gone (result -1); repeat with keepOld true. The marker
+ * "pending_CNS_key" is removed once the certificate is stored.
  */
 ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLabel, char* certChain,
                                     bool keepOld);
@@ -253,6 +295,7 @@ ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLab
  * @param[in] libPath  path of the PKCS#11 module
  * @param[in] pin      user PIN
  * @return 0, or the crypto library's code
+ * After a failure: a session that was opened but not logged in stays open until DoFinalize.
  */
 ZV_API int DoInitialize(char* libPath, char* pin);
 

@@ -7,7 +7,7 @@
 #include "diag/log.h"
 #include "util/text.h"
 
-namespace {
+namespace zv {
 
 CK_OBJECT_CLASS cert_object_class = CKO_CERTIFICATE;
 CK_BBOOL bTrue = CK_TRUE;
@@ -18,12 +18,16 @@ char BufferSubject[513];
 char BufferIssuer[513];
 char BufferSerNumb[256];
 
+} // namespace zv
+
+namespace {
+
 // Zero-filled, then the bytes, as many as fit.
 template <typename Buffer>
 void fill(CK_ATTRIBUTE& entry, Buffer& buffer, const void* bytes, std::size_t length) {
     entry.ulValueLen = std::min(length, sizeof buffer);
     std::memset(buffer, 0, sizeof buffer);
-    std::memcpy(buffer, bytes, entry.ulValueLen);
+    if (entry.ulValueLen > 0) std::memcpy(buffer, bytes, entry.ulValueLen);
 }
 
 } // namespace
@@ -63,7 +67,11 @@ void CertificateParts::trimSerial() {
 
 CK_RV createCertificate(const char* title, const datiCert& certificate, unsigned long derLength,
                         const char* label, const CertificateParts& parts) {
-    fill(CertTemplate[3], crtLabel, label, boundedText(label, sizeof crtLabel - 1).size());
+    CertTemplate[0].ulValueLen = sizeof cert_object_class;
+    CertTemplate[1].ulValueLen = sizeof bTrue;
+    CertTemplate[2].ulValueLen = sizeof certType;
+    const std::string_view id = boundedText(label, sizeof crtLabel - 1);
+    fill(CertTemplate[3], crtLabel, id.data(), id.size());
     CertTemplate[4].ulValueLen = CertTemplate[3].ulValueLen;
     fill(CertTemplate[5], BufferAttribute, certificate.der, derLength);
     fill(CertTemplate[6], BufferSubject, parts.subject, parts.subjectLength);

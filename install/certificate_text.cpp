@@ -46,7 +46,7 @@ const char* cutBody(char* pem) {
     if (end == nullptr) return nullptr;
     if (end != pem) end[-1] = '\0';
     const char* begin = std::strstr(pem, BEGIN_MARKER);
-    return begin != nullptr && begin < end ? begin + std::strlen(BEGIN_MARKER) : nullptr;
+    return begin != nullptr ? begin + std::strlen(BEGIN_MARKER) : nullptr;
 }
 
 } // namespace

@@ -1,21 +1,17 @@
 // Distinguished names written with short names, rewritten to numeric OIDs.
 #include <cstring>
-#include <string_view>
 
 #include "routines.h"
 #include "util/text.h"
 
-namespace {
-
-constexpr std::size_t TEXT_SIZE = 8216;
-constexpr int NAMES = 16;
+namespace zv {
 
 struct NamePair {
     const char* pattern;
     const char* replacement;
 };
 
-constexpr NamePair DescrOid[] = {
+NamePair DescrOid[] = {
     {" dnQualifier=", "2.5.4.46="},
     {"/dnQualifier=", ",2.5.4.46="},
     {"/Email=", ",1.2.840.113549.1.9.1="},
@@ -29,22 +25,19 @@ constexpr NamePair DescrOid[] = {
     {" C=", "2.5.4.6="},
 };
 
+} // namespace zv
+
+namespace {
+
+constexpr std::size_t TEXT_SIZE = 8216;
+constexpr int NAMES = 16;
+
 // ", X=" becomes "/X=".
 void slashFor(char* text, const char* separator) {
     char* comma = strstrICase(text, separator);
     if (comma == nullptr) return;
     std::memmove(comma, comma + 1, std::strlen(comma));
     *comma = '/';
-}
-
-bool replaceFirst(char* name, const NamePair& pair, char* work) {
-    char* place = strstrICase(name, pair.pattern);
-    if (place == nullptr) return false;
-    zv::copyText(work, TEXT_SIZE, place + std::strlen(pair.pattern));
-    *place = '\0';
-    zv::appendText(name, TEXT_SIZE, pair.replacement);
-    zv::appendText(name, TEXT_SIZE, work);
-    return true;
 }
 
 } // namespace
@@ -66,8 +59,8 @@ int DescrToOid(char* dn, char* work) {
     for (bool replaced = true; replaced;) {
         replaced = false;
         // One occurrence a row in each pass.
-        for (const NamePair& pair : DescrOid)
-            replaced = replaceFirst(dn, pair, work) || replaced;
+        for (const auto& [pattern, replacement] : zv::DescrOid)
+            replaced = zv::replaceFirst(dn, TEXT_SIZE, pattern, replacement, work) || replaced;
     }
     return rounds;
 }

@@ -1,5 +1,4 @@
 // MemorizzazioneCertificato: from the issued certificate's text to the certificate on the card.
-#include "card/session.h"
 #include "diag/log.h"
 #include "install/modules.h"
 #include "store/renewal_state.h"
@@ -9,7 +8,6 @@ namespace {
 
 constexpr char TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
 constexpr int FAILED = 1;
-constexpr std::size_t CERTIFICATE_TEXT_SIZE = 8192;
 constexpr int EXPLANATION_SIZE = 512;
 
 // Modules that do not let a key be relabelled.
@@ -21,7 +19,7 @@ int failStep(const char* step, int code) {
 }
 
 int readCertificate(char* certText, datiCert& certificate) {
-    char text[CERTIFICATE_TEXT_SIZE] = {};
+    char text[ZVC_CERT_TEXT_SIZE] = {};
     zv::Sentence explanation = {};
     writeBuff(certText, text);
     text[sizeof text - 1] = '\0';

@@ -2,7 +2,6 @@
 // identifier.
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "diag/log.h"
 #include "diag/messages.h"
@@ -10,7 +9,6 @@
 #include "install/modules.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
-#include "util/text.h"
 
 namespace {
 
@@ -41,7 +39,7 @@ enum class Match { Yes, No, Unreadable };
 Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
     unsigned char modulus[MODULUS_SIZE];
     std::size_t length = 0;
-    zv::readAttribute(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
+    zv::readWhole(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
     if (zv::rv == CKR_OK)
         return containsModulus(certificate.der, derLength, modulus, length) ? Match::Yes : Match::No;
     zv::reportCode(TITLE, "C_GetAttributeValue", zv::rv);

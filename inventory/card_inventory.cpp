@@ -9,8 +9,6 @@
 namespace {
 
 constexpr std::size_t AUTHORITY_LABEL_LENGTH = 20;
-constexpr int PKCS11_FAILURE = 65535;
-constexpr int SERIES_FULL = 1;
 
 void traceCall(const char* name, CK_RV result) {
     if (result == CKR_OK) return zv::trace(name, "OK");
@@ -35,16 +33,13 @@ void tracePendingCall(const char* name, CK_RV result) {
 
 bool listCertificates() {
     if (!zv::probeToken(traceCall)) return false;
-    zv::numCertificate = 0;
     const CK_RV started = zv::startClassSearch(CKO_CERTIFICATE);
     traceCall("C_FindObjectsInit", started);
     if (started != CKR_OK) return false;
-    zv::SearchGuard search(zv::hSession);
-    if (!zv::readCertificates(traceCall)) return false;
-    search.dismiss();
+    const bool whole = zv::readCertificates(traceCall);
     const CK_RV ended = zv::endSearch(zv::hSession);
     traceCall("C_FindObjectsFinal", ended);
-    return ended == CKR_OK;
+    return whole && ended == CKR_OK;
 }
 
 bool isAuthority(const zv::Certificate& certificate) {
@@ -66,8 +61,8 @@ int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praRecord, 
                                long, char* autId, char* praId, int* pendingPRA, int* pendingAUT,
                                char* ckaidPRA, char* ckaidAUT) {
     if (!listCertificates()) return -1;
-    zv::RecordList pra(praList, praRecord, static_cast<std::size_t>(praRecordSize));
-    zv::RecordList aut(autList, autRecord, static_cast<std::size_t>(autRecordSize));
+    zv::RecordList pra(praList, praRecord, praRecordSize);
+    zv::RecordList aut(autList, autRecord, autRecordSize);
     zv::CertificateFields fields;
     for (int i = 0; i < zv::numCertificate; ++i) {
         zv::Certificate& certificate = zv::Certificati[i];
@@ -103,7 +98,7 @@ int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* cka
     zv::copyText(ckaidPRA, ZV_KEY_ID_SIZE, "");
     zv::copyText(ckaidAUT, ZV_KEY_ID_SIZE, "");
     zv::IdentifierTables tables;
-    if (!zv::gatherIdentifiers(tables, tracePendingCall)) return PKCS11_FAILURE;
+    if (!zv::gatherIdentifiers(tables, tracePendingCall)) return zv::SEARCH_FAILED;
     zv::trace(title, "Loop sulle chiavi pubbliche: inizio");
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
     zv::trace(title, "Loop sulle chiavi pubbliche: fine");
@@ -111,10 +106,10 @@ int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* cka
     const auto wanted = [](const int* pending) { return pending == nullptr || *pending == 0; };
     if (zv::anyCertificate(tables, marksSignature) && wanted(pendingPRA) &&
         !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, ckaidPRA))
-        return SERIES_FULL;
+        return zv::SERIES_FULL;
     if (zv::anyCertificate(tables, [](std::string_view id) { return !marksSignature(id); }) &&
         wanted(pendingAUT) && !zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, ckaidAUT))
-        return SERIES_FULL;
+        return zv::SERIES_FULL;
     zv::trace(title, "return 0 (OK)");
     return 0;
 }

@@ -49,8 +49,11 @@ bool CensusObject::read(CK_OBJECT_HANDLE object) {
         zv::trace(TITLE, step, CatItoA("Template Index = ", index));
         const CK_RV result = readOne(index);
         if (result == CKR_OK) continue;
-        WriteErr(TITLE, step, 0, CatItoAHex1("Errore = ", static_cast<int>(result)), 0);
-        if (zv::isTolerated(result)) continue;
+        if (zv::isTolerated(result)) {
+            zv::trace(TITLE, step, CatItoAHex1("Errore = ", static_cast<int>(result)));
+            continue;
+        }
+        zv::reportCode(TITLE, step, result);
         zv::reportSentence("Errore ricerca attributi degli oggetti presenti su smartcard (%s)", result);
         return false;
     }
@@ -96,6 +99,7 @@ Description CensusObject::describe() const {
 
 bool CensusObject::isPendingKey() const {
     if (objectClass == CKO_PUBLIC_KEY) return std::strcmp(label, zv::pendingLabel) == 0;
+    // A fixed text here, whatever the library's own prefix is set to.
     return objectClass == CKO_PRIVATE_KEY && std::string_view(label).starts_with("pending_");
 }
 

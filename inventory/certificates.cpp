@@ -53,16 +53,16 @@ CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass) {
 }
 
 bool readCertificates(CallTrace trace) {
-    for (numCertificate = 0; numCertificate < static_cast<int>(MOST_CERTIFICATES); ++numCertificate) {
+    for (numCertificate = 0;;) {
         CK_OBJECT_HANDLE object = 0;
         CK_ULONG count = 0;
         nextObject(hSession, object, count);
         trace("C_FindObjects", rv);
         if (rv != CKR_OK) return false;
         if (count != 1) return true;
-        readCertificate(object, Certificati[numCertificate]);
+        if (numCertificate == static_cast<int>(MOST_CERTIFICATES)) continue;
+        readCertificate(object, Certificati[numCertificate++]);
     }
-    return true;
 }
 
 void CertificateFields::read(Certificate& certificate, NameRewrite rewriteHolder) {
@@ -89,6 +89,11 @@ void CertificateFields::read(Certificate& certificate, NameRewrite rewriteHolder
     terminate(start, end, serial, iut, keyId, codFisc, policies, explicitText);
 }
 
+RecordList::RecordList(char** list, char* record, long recordSize)
+    : list_(list), record_(record),
+      size_(record != nullptr ? static_cast<std::size_t>(std::clamp(recordSize, 0L, long{ZV_LIST_ENTRY_SIZE}))
+                              : 0) {}
+
 void RecordList::addField(std::string_view field) {
     appendText(record_, size_, "#");
     appendText(record_, size_, field);
@@ -104,7 +109,7 @@ void RecordList::assemble(const CertificateFields& fields, std::string_view id) 
 
 void RecordList::finish() {
     ++count_;
-    if (list_ != nullptr) appendText(list_[count_], ZV_LIST_ENTRY_SIZE, record_);
+    if (list_ != nullptr) appendText(list_[count_], ZV_LIST_ENTRY_SIZE, boundedText(record_, size_));
     if (record_ != nullptr) std::memset(record_, 0, size_);
 }
 

@@ -32,7 +32,7 @@ extern int numCertificate;
 /** Slot and token are there; each call is only checked for success. */
 [[nodiscard]] bool probeToken(CallTrace trace);
 
-/** Reads the next certificates of the open search into the table, ten at most. */
+/** Reads the certificates of the open search into the table; the first ten are kept. */
 [[nodiscard]] bool readCertificates(CallTrace trace);
 
 /** The template that finds the objects of one class. */
@@ -52,8 +52,7 @@ struct CertificateFields {
 /** A host's list with its work buffers: records are assembled in one and appended to the list's entries. */
 class RecordList {
   public:
-    RecordList(char** list, char* record, std::size_t recordSize)
-        : list_(list), record_(record), size_(recordSize) {}
+    RecordList(char** list, char* record, long recordSize);
 
     /** 11 fields: notice text, subject key identifier, codice fiscale last. */
     void addSignature(const CertificateFields& fields, std::string_view id);

@@ -1,13 +1,12 @@
-// The inventory of a services card; it leaves no entries in the log.
-#include <cstring>
+// The inventory of a services card; its calls leave no entries in the log.
+#include <array>
 
 #include "inventory/certificates.h"
 #include "util/text.h"
 
 namespace {
 
-constexpr std::size_t PRA_RECORD_SIZE = 4096;
-constexpr std::string_view OWN_PAIR = "CNS0";
+constexpr long PRA_RECORD_SIZE = 4096;
 
 // The search for private keys starts while that for certificates is open; a module that allows one search at
 // a time has the first one closed.
@@ -28,27 +27,28 @@ bool readPrivateKeyIds(zv::IdentifierTable& keys) {
     }
 }
 
-// Certificates without a private key are not listed.
-void keepMatched(const zv::IdentifierTable& keys) {
+using Matched = std::array<zv::Certificate*, zv::MOST_CERTIFICATES>;
+
+// Certificates without a private key are not listed. The identifiers of keys are kept up to 31 characters.
+void matchCertificates(const zv::IdentifierTable& keys, Matched& matched) {
     int kept = 0;
     for (int i = 0; i < zv::numCertificate; ++i) {
-        if (!keys.contains(zv::idOf(zv::Certificati[i].id))) continue;
-        if (kept != i) zv::Certificati[kept] = zv::Certificati[i];
-        ++kept;
+        const std::string_view id = zv::idOf(zv::Certificati[i].id);
+        if (keys.contains(id.substr(0, sizeof ckaid::id - 1)))
+            matched[static_cast<std::size_t>(kept++)] = &zv::Certificati[i];
     }
     zv::numCertificate = kept;
 }
 
-bool listCertificates() {
+bool listCertificates(Matched& matched) {
     if (!zv::probeToken(zv::noTrace)) return false;
-    zv::numCertificate = 0;
     if (zv::startClassSearch(CKO_CERTIFICATE) != CKR_OK) return false;
     zv::SearchGuard search(zv::hSession);
     zv::IdentifierTable keys;
     if (!zv::readCertificates(zv::noTrace) || !startKeySearch() || !readPrivateKeyIds(keys)) return false;
     search.dismiss();
     if (zv::endSearch(zv::hSession) != CKR_OK) return false;
-    keepMatched(keys);
+    matchCertificates(keys, matched);
     return true;
 }
 
@@ -62,16 +62,16 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** autList
                                   char* praSubject, long, char* autRecord, long autRecordSize,
                                   char* autSubject, long, char* autId, char* praId, int* pendingPRA,
                                   int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
-                                  char* expiry, bool unused) {
-    if (!listCertificates()) return -1;
-    const auto autSize = static_cast<std::size_t>(autRecordSize);
-    zv::RecordList cns(cnsList, autRecord, autSize), aut(autList, autRecord, autSize);
+                                  char* expiry, bool touchSign) {
+    Matched matched{};
+    if (!listCertificates(matched)) return -1;
+    zv::RecordList cns(cnsList, autRecord, autRecordSize), aut(autList, autRecord, autRecordSize);
     zv::RecordList pra(praList, praRecord, PRA_RECORD_SIZE);
     zv::CertificateFields fields;
     for (int i = 0; i < zv::numCertificate; ++i) {
-        zv::Certificate& certificate = zv::Certificati[i];
+        zv::Certificate& certificate = *matched[static_cast<std::size_t>(i)];
         const std::string_view id = zv::idOf(certificate.id);
-        const bool own = id.starts_with(OWN_PAIR);
+        const bool own = id.starts_with(zv::OWN_PAIR);
         fields.read(certificate, own ? zv::rewriteNameCNS : zv::rewriteName);
         if (id.starts_with(zv::SIGNATURE_SERIES)) {
             zv::keepLast(fields, certificate, praSubject, praId);
@@ -85,9 +85,9 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** autList
     cns.writeCount();
     pra.writeCount();
     aut.writeCount();
-    Find_ALL_PendingCNS(pendingPRA, pendingAUT, pendingCNS, ckaidPRA, ckaidAUT, expiry, unused);
+    Find_ALL_PendingCNS(pendingPRA, pendingAUT, pendingCNS, ckaidPRA, ckaidAUT, expiry, touchSign);
     markFirst(pra, pendingPRA, zv::orEmpty(ckaidPRA));
     markFirst(aut, pendingAUT, zv::orEmpty(ckaidAUT));
-    markFirst(cns, pendingCNS, OWN_PAIR);
+    markFirst(cns, pendingCNS, zv::OWN_PAIR);
     return 0;
 }

@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr int PKCS11_FAILURE = 65535;
-constexpr int SERIES_FULL = 1;
-
 bool isFiled(std::string_view id) {
     return id.starts_with(zv::SIGNATURE_SERIES) || id.starts_with(zv::AUTHENTICATION_SERIES);
 }
@@ -38,25 +35,6 @@ bool gather(zv::IdentifierTables& tables, int* pendingCNS, char* expiry) {
     });
 }
 
-// Returns true when the card holds a signature certificate.
-bool readSignatureCertificates(const zv::IdentifierTables& tables, int* pendingPRA, char* ckaidPRA) {
-    bool found = false;
-    for (const ckaid& record : tables.certificates) {
-        const std::string_view id = record.id;
-        if (!id.starts_with(zv::SIGNATURE_SERIES)) continue;
-        found = true;
-        if (zv::inSeries(id, zv::SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
-        if (!is1205SerialToken) continue;
-        force2048PraGen = true;
-        const bool first = *pendingPRA == 1 && zv::inSeries(ckaidPRA, zv::SIGNATURE_SERIES, '0', '2');
-        if (first && DeleteObjectByLabel(zv::hSession, ckaidPRA) == 0) {
-            ckaidPRA[0] = '\0';
-            *pendingPRA = 0;
-        }
-    }
-    return found;
-}
-
 } // namespace
 
 int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
@@ -64,19 +42,20 @@ int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char*
     ckaidPRA[0] = '\0';
     ckaidAUT[0] = '\0';
     zv::IdentifierTables tables;
-    if (!gather(tables, pendingCNS, expiry)) return PKCS11_FAILURE;
+    if (!gather(tables, pendingCNS, expiry)) return zv::SEARCH_FAILED;
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
-    use2048Bit = false;
-    force2048PraGen = true;
+    char none[] = "";
+    const bool pending = *pendingPRA == 1 && ckaidPRA[0] != '\0';
+    const bool hasSignature = zv::readSignatureCertificates(tables, pending ? ckaidPRA : none);
+    if (pending && ckaidPRA[0] == '\0') *pendingPRA = 0;
     if (tables.certificates.count == 0) return 0;
-    const bool hasSignature = readSignatureCertificates(tables, pendingPRA, ckaidPRA);
     const bool hasAuthentication = zv::anyCertificate(
         tables, [](std::string_view id) { return id.starts_with(zv::AUTHENTICATION_SERIES); });
     if (hasSignature && *pendingPRA == 0 &&
         !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, ckaidPRA))
-        return SERIES_FULL;
+        return zv::SERIES_FULL;
     if (!hasAuthentication || *pendingAUT != 0) return 0;
-    return zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, ckaidAUT) ? 0 : SERIES_FULL;
+    return zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, ckaidAUT) ? 0 : zv::SERIES_FULL;
 }
 
 void getDtScadenza(char* pdata, char* out) {

@@ -57,9 +57,9 @@ void Dump::describeKey(CK_OBJECT_HANDLE object, CK_ULONG entries) {
                            {CKA_MODULUS, modulus_.data(), modulusSize_}};
     const CK_RV result = read(object, tmpl, entries);
     takeTexts();
-    if (result != CKR_OK || entries < 3) return;
+    if (result != CKR_OK || entries < 3 || tmpl[2].ulValueLen > modulusSize_) return;
     static constexpr char DIGITS[] = "0123456789ABCDEF";
-    const std::size_t shown = std::min<std::size_t>({tmpl[2].ulValueLen, modulusSize_, MOST_MODULUS_SHOWN});
+    const std::size_t shown = std::min<std::size_t>(tmpl[2].ulValueLen, MOST_MODULUS_SHOWN);
     for (const char c : std::string_view(modulus_).substr(0, shown)) {
         const auto byte = static_cast<unsigned char>(c);
         modulusText_ += DIGITS[byte >> 4];
@@ -82,8 +82,8 @@ void Dump::describeCertificate(CK_OBJECT_HANDLE object) {
 void Dump::describe(CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass) {
     static constexpr const char* NAMES[] = {"CKO_DATA", "CKO_CERTIFICATE", "CKO_PUBLIC_KEY",
                                             "CKO_PRIVATE_KEY"};
-    std::fill(std::begin(id_), std::end(id_), '\0');
-    std::fill(std::begin(label_), std::end(label_), '\0');
+    zv::clear(id_, label_);
+    std::fill(std::begin(value_), std::end(value_), static_cast<unsigned char>(0));
     std::fill(modulus_.begin(), modulus_.end(), '\0');
     for (std::string* text : {&idText_, &labelText_, &modulusText_, &serial_})
         text->clear();

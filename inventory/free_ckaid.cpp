@@ -7,8 +7,6 @@ bool force2048PraGen = true;
 
 namespace {
 
-constexpr int SERIES_FULL = 1;
-
 // Unlike an inventory, which reports one pending pair, this takes the first of each kind.
 void takePending(const zv::IdentifierTables& tables, char* keyPRA, char* keyAUT) {
     zv::forEachPending(tables, [keyPRA, keyAUT](std::string_view id) {
@@ -18,30 +16,15 @@ void takePending(const zv::IdentifierTables& tables, char* keyPRA, char* keyAUT)
     });
 }
 
-void setKeySizeFlags(const zv::IdentifierTables& tables, char* keyPRA) {
-    use2048Bit = false;
-    force2048PraGen = true;
-    for (const ckaid& record : tables.certificates) {
-        const std::string_view id = record.id;
-        if (!id.starts_with(zv::SIGNATURE_SERIES)) continue;
-        if (zv::inSeries(id, zv::SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
-        if (!is1205SerialToken) continue;
-        force2048PraGen = true;
-        if (zv::inSeries(keyPRA, zv::SIGNATURE_SERIES, '0', '2') &&
-            DeleteObjectByLabel(zv::hSession, keyPRA) == 0)
-            keyPRA[0] = '\0';
-    }
-}
-
 int settle(char* keyPRA, char* keyAUT) {
     zv::IdentifierTables tables;
     if (!zv::gatherIdentifiers(tables, zv::noTrace)) return -1;
     takePending(tables, keyPRA, keyAUT);
-    setKeySizeFlags(tables, keyPRA);
+    zv::readSignatureCertificates(tables, keyPRA);
     if (keyPRA[0] == '\0' && !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, keyPRA))
-        return SERIES_FULL;
+        return zv::SERIES_FULL;
     if (keyAUT[0] == '\0' && !zv::proposeFree(tables.publicKeys, zv::AUTHENTICATION_SERIES, keyAUT))
-        return SERIES_FULL;
+        return zv::SERIES_FULL;
     return 0;
 }
 
@@ -49,6 +32,7 @@ int settle(char* keyPRA, char* keyAUT) {
 
 int findFreeCKAID(char* keyPRA, char* keyAUT, bool) {
     char foundPRA[ZV_KEY_ID_SIZE] = {}, foundAUT[ZV_KEY_ID_SIZE] = {};
+    use2048Bit = false;
     const int result = settle(foundPRA, foundAUT);
     zv::copyText(keyPRA, ZV_KEY_ID_SIZE, foundPRA);
     zv::copyText(keyAUT, ZV_KEY_ID_SIZE, foundAUT);

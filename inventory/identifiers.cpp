@@ -64,6 +64,23 @@ void takeFirstPending(const IdentifierTables& tables, int* pendingPRA, int* pend
     });
 }
 
+bool readSignatureCertificates(const IdentifierTables& tables, char* keyPRA) {
+    use2048Bit = false;
+    force2048PraGen = true;
+    bool found = false;
+    for (const ckaid& record : tables.certificates) {
+        const std::string_view id = record.id;
+        if (!id.starts_with(SIGNATURE_SERIES)) continue;
+        found = true;
+        if (inSeries(id, SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
+        if (!is1205SerialToken) continue;
+        force2048PraGen = true;
+        if (inSeries(keyPRA, SIGNATURE_SERIES, '0', '2') && DeleteObjectByLabel(hSession, keyPRA) == 0)
+            keyPRA[0] = '\0';
+    }
+    return found;
+}
+
 bool proposeFree(const IdentifierTable& publicKeys, std::string_view series, char* out) {
     copyText(out, ZV_KEY_ID_SIZE, series);
     for (int digit = 3; digit <= 5; ++digit) {

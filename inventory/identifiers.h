@@ -11,6 +11,12 @@
 /** The identifiers on a card and what they mean: pending pairs, first keys, free places in a series. */
 namespace zv {
 
+/** Result of a search for free identifiers that a series has none of. */
+constexpr int SERIES_FULL = 1;
+/** Result of a search for pending pairs that a PKCS#11 call failed in. */
+constexpr int SEARCH_FAILED = 65535;
+
+inline constexpr std::string_view OWN_PAIR = "CNS0";
 inline constexpr std::string_view SIGNATURE_SERIES = "DS";
 inline constexpr std::string_view AUTHENTICATION_SERIES = "AUTHCertificate";
 
@@ -49,8 +55,8 @@ using CallTrace = void (*)(const char* call, CK_RV result);
 inline void noTrace(const char*, CK_RV) {}
 
 /**
- * Walks over every object of the card. examine(handle) returns false to give up; the search is then closed,
- * as after a failure. Returns false on both.
+ * Walks over every object of the card. examine(handle) returns false to give up; the search is then closed, as
+ * after a failure. Returns false on both.
  */
 template <typename Examine> [[nodiscard]] bool walkObjects(CallTrace trace, Examine examine) {
     const auto done = [trace](const char* name, CK_RV result) {
@@ -58,16 +64,14 @@ template <typename Examine> [[nodiscard]] bool walkObjects(CallTrace trace, Exam
         return result == CKR_OK;
     };
     if (!done("C_FindObjectsInit", startSearch(hSession))) return false;
-    SearchGuard search(hSession);
-    for (;;) {
+    bool whole = true;
+    CK_ULONG count = 1;
+    while (whole && count == 1) {
         CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        if (!done("C_FindObjects", nextObject(hSession, object, count))) return false;
-        if (count != 1) break;
-        if (!examine(object)) return false;
+        whole = done("C_FindObjects", nextObject(hSession, object, count));
+        if (whole && count == 1) whole = examine(object);
     }
-    search.dismiss();
-    return done("C_FindObjectsFinal", endSearch(hSession));
+    return done("C_FindObjectsFinal", endSearch(hSession)) && whole;
 }
 
 /** walkObjects that files every key and certificate; each object's value is read too. */
@@ -78,7 +82,7 @@ inline bool isAuthentication(std::string_view id) {
 }
 
 /** The series followed by a digit in that range. */
-bool inSeries(std::string_view id, std::string_view series, char first, char last);
+[[nodiscard]] bool inSeries(std::string_view id, std::string_view series, char first, char last);
 
 /**
  * Calls take(id) for each pair that waits for its certificate, in the order of the public keys, until it
@@ -102,6 +106,12 @@ void takeFirstPending(const IdentifierTables& tables, int* pendingPRA, int* pend
  * and false when all are taken.
  */
 [[nodiscard]] bool proposeFree(const IdentifierTable& publicKeys, std::string_view series, char* out);
+
+/**
+ * Sets the key-size flags from the signature certificates. On a card of the 1205 series keyPRA is emptied once the
+ * objects of a first key that it names are deleted. Returns true when there is a signature certificate.
+ */
+bool readSignatureCertificates(const IdentifierTables& tables, char* keyPRA);
 
 /** True when a certificate's identifier fits. */
 template <typename Test> bool anyCertificate(const IdentifierTables& tables, Test test) {

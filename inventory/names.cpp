@@ -1,6 +1,5 @@
 #include "inventory/names.h"
 
-#include <cstring>
 #include <string_view>
 
 #include "inventory/oid_names.h"
@@ -13,14 +12,9 @@ constexpr std::size_t SCRATCH_SIZE = 4096;
 constexpr std::size_t MOST_COMMON_NAME = 62;
 
 void rewrite(char* name, std::size_t size, char* scratch) {
-    for (const auto& [key, replacement] : zv::__DescrOid) {
-        while (char* place = strstrICase(name, key)) {
-            zv::copyText(scratch, SCRATCH_SIZE, place + std::strlen(key));
-            *place = '\0';
-            zv::appendText(name, size, replacement);
-            zv::appendText(name, size, scratch);
+    for (const auto& [key, replacement] : zv::__DescrOid)
+        while (zv::replaceFirst(name, size, key, replacement, scratch)) {
         }
-    }
 }
 
 int rewriteCNS(char* name, std::size_t size, char* scratch) {

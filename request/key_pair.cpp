@@ -7,7 +7,6 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
-#include "util/text.h"
 
 namespace zv {
 

@@ -1,7 +1,6 @@
 #include <string_view>
 
 #include "request/pkcs10.h"
-#include "util/text.h"
 
 namespace zv {
 

@@ -5,9 +5,9 @@
 
 #include "card/session.h"
 #include "diag/log.h"
-#include "diag/messages.h"
 #include "request/der.h"
 #include "store/renewal_state.h"
+#include "util/text.h"
 
 namespace zv {
 
@@ -116,7 +116,8 @@ unsigned short failRequest(const char* format, CK_RV code) {
 unsigned short failGeneration() {
     static constexpr char sentence[] = "Generazione chiavi fallita (Ripetere l'operazione)";
     reportSentence(sentence);
-    return failRequest(sentence, 0);
+    copyText(szSockMsg, sentence);
+    return REQUEST_FAILED;
 }
 
 int reopenSession(const LoginData& login) {

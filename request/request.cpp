@@ -1,16 +1,11 @@
 // RequestCertificate: the request of a card that is not a services card, for its pending pair.
-#include <cstdio>
-
-#include "card/session.h"
 #include "diag/log.h"
 #include "request/key_pair.h"
 #include "store/renewal_state.h"
-#include "util/text.h"
 
 namespace {
 
 constexpr int NO_PENDING_KEY = 100;
-constexpr std::size_t MODULUS_CHECKED = 256;
 
 unsigned short failSearch() {
     // The code is always shown as 0.
@@ -27,9 +22,9 @@ unsigned short preparePair(const zv::LoginData& login) {
 }
 
 unsigned short readBack(zv::PublicKey& key) {
-    const CK_RV result = key.read(zv::hPrivateKey, key.MODULUS_SIZE, key.EXPONENT_SIZE);
+    const CK_RV result = key.read(zv::hPrivateKey, zv::PublicKey::MODULUS_SIZE, zv::PublicKey::EXPONENT_SIZE);
     if (result != CKR_OK) return zv::failRequest(zv::KEY_READ_ERROR, result);
-    if (!key.isBlank(MODULUS_CHECKED)) return 0;
+    if (!key.isBlank(zv::keySize / 8)) return 0;
     zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", 0);
     return zv::failGeneration();
 }

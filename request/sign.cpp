@@ -1,5 +1,4 @@
 // SignIt: SHA-1 here, the RSA operation on the card.
-#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -51,8 +50,8 @@ unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsi
     const unsigned long room = *signatureLength;
     zv::rv =
         zv::call<&zv::Functions::C_Sign>(zv::hSession, info->data, info->length, signature, signatureLength);
+    if (zv::rv == CKR_OK && *signatureLength > room) zv::rv = CKR_BUFFER_TOO_SMALL;
     if (zv::rv == CKR_OK) {
-        *signatureLength = std::min(*signatureLength, room);
         zv::trace(TITLE, "F I N E");
         return 0;
     }

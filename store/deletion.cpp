@@ -12,7 +12,7 @@ namespace {
 constexpr char TITLE[] = "DeleteObjectByLabel";
 
 void traceDeletion(const char* title, CK_SESSION_HANDLE session) {
-    WriteLog(title, CatLtoAHex1("hSession = ", static_cast<long>(session)), 0, "", 0);
+    zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
 }
 
 int failDeletion(const char* text) {
@@ -39,24 +39,33 @@ ClassName nameOf(CK_OBJECT_CLASS objectClass) {
     }
 }
 
-void logObject(const ClassName& found, const char* before, const char* after, const char* datum) {
+struct ObjectEntry {
     char text[96];
-    zv::copyText(text, before);
-    zv::appendText(text, found.name);
-    zv::appendText(text, after);
-    const CK_ULONG length = std::min<CK_ULONG>(found.lengthLimit, std::strlen(text));
-    WriteLog(TITLE, text, static_cast<int>(length), datum, 0);
+    int length;
+};
+
+ObjectEntry entryFor(const ClassName& found, const char* before, const char* after = "") {
+    ObjectEntry entry;
+    zv::copyText(entry.text, before);
+    zv::appendText(entry.text, found.name);
+    zv::appendText(entry.text, after);
+    entry.length = static_cast<int>(std::min<CK_ULONG>(found.lengthLimit, std::strlen(entry.text)));
+    return entry;
+}
+
+void logEntry(const ObjectEntry& entry) {
+    WriteLog(TITLE, entry.text, entry.length, "", 0);
 }
 
 // A failed destroy never stops the scan.
 void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass,
              const char* text) {
     const ClassName found = nameOf(objectClass);
-    logObject(found, "Trovato Oggetto ", "", "");
+    logEntry(entryFor(found, "Trovato Oggetto "));
     if (zv::destroyObject(session, object) == CKR_OK)
-        logObject(found, "Cancellazione Oggetto ", " effettuata", "");
-    else
-        logObject(found, "Errore nella cancellazione Oggetto ", "", CatSZtoSZ("Label = ", text));
+        return logEntry(entryFor(found, "Cancellazione Oggetto ", " effettuata"));
+    const ObjectEntry failed = entryFor(found, "Errore nella cancellazione Oggetto ");
+    WriteErr(TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
 }
 
 } // namespace
@@ -89,8 +98,7 @@ int DeleteObjectByLabel(unsigned long session, char* text) {
             zv::reportCode(TITLE, "C_FindObjects", zv::rv);
             return 1;
         }
-        char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
-        WriteLog(TITLE, handle, 0, CatLtoAHex2("count = ", static_cast<long>(count)), 0);
+        zv::traceFound(TITLE, object, count);
         if (count != 1) break;
 
         char id[257] = {};

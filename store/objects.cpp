@@ -14,7 +14,9 @@ CK_RV startSearch(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count)
 CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& count) {
     count = 0;
     rv = call<&Functions::C_FindObjects>(session, &object, CK_ULONG{1}, &count);
-    count = std::min(count, CK_ULONG{1});
+    // More than was asked for: nothing that such a module says can be built on.
+    if (rv == CKR_OK && count > 1) rv = CKR_GENERAL_ERROR;
+    if (rv != CKR_OK) count = 0;
     return rv;
 }
 
@@ -26,12 +28,34 @@ SearchGuard::~SearchGuard() {
     if (armed_) call<&Functions::C_FindObjectsFinal>(session_);
 }
 
-CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                    std::size_t size, std::size_t& length) {
+namespace {
+
+// Gives the length as the module says it.
+CK_RV readOne(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+              std::size_t size, CK_ULONG& length) {
     std::memset(buffer, 0, size);
     CK_ATTRIBUTE entry = {type, buffer, size};
     rv = call<&Functions::C_GetAttributeValue>(session, object, &entry, CK_ULONG{1});
-    length = rv == CKR_OK ? std::min<std::size_t>(entry.ulValueLen, size) : 0;
+    length = rv == CKR_OK ? entry.ulValueLen : 0;
+    return rv;
+}
+
+} // namespace
+
+CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                    std::size_t size, std::size_t& length) {
+    CK_ULONG given = 0;
+    readOne(session, object, type, buffer, size, given);
+    length = std::min<std::size_t>(given, size);
+    return rv;
+}
+
+CK_RV readWhole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                std::size_t size, std::size_t& length) {
+    CK_ULONG given = 0;
+    readOne(session, object, type, buffer, size, given);
+    if (given > size) rv = CKR_BUFFER_TOO_SMALL;
+    length = rv == CKR_OK ? given : 0;
     return rv;
 }
 
@@ -39,7 +63,9 @@ CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUT
                  CK_ULONG& number) {
     std::size_t length = 0;
     readAttribute(session, object, type, &number, sizeof number, length);
-    if (length < sizeof number) number = 0;
+    // A number that was promised and not given is none that anybody knows.
+    if (rv == CKR_OK && length != sizeof number) number = CK_UNAVAILABLE_INFORMATION;
+    if (rv != CKR_OK) number = 0;
     return rv;
 }
 

@@ -42,7 +42,11 @@ class SearchGuard {
 CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
                     std::size_t size, std::size_t& length);
 
-/** Reads a number, such as a class; 0 after a failure. */
+/** readAttribute for bytes that are of no use cut: a length above the room is CKR_BUFFER_TOO_SMALL. */
+CK_RV readWhole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                std::size_t size, std::size_t& length);
+
+/** Reads a number, such as a class; 0 after a failure, all ones when the module says that it gave it and did not. */
 CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
                  CK_ULONG& number);
 
@@ -50,16 +54,17 @@ CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUT
 template <std::size_t N>
 CK_RV readText(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, char (&text)[N]) {
     std::size_t length = 0;
-    text[N - 1] = '\0';
-    return readAttribute(session, object, type, text, N - 1, length);
+    const CK_RV result = readAttribute(session, object, type, text, N - 1, length);
+    text[length] = '\0';
+    return result;
 }
 
 /** True for a result after which an object is still worth looking at: it lacks the attribute, or hides it. */
-bool isTolerated(CK_RV result);
+[[nodiscard]] bool isTolerated(CK_RV result);
 
 /** A template entry over the caller's bytes, which a module only reads. */
-CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);
-CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text);
+[[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);
+[[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text);
 
 /** A template entry over a number or a truth value. */
 template <typename Value> CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const Value& value) {

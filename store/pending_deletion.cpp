@@ -5,7 +5,6 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
-#include "util/text.h"
 
 namespace {
 
@@ -19,8 +18,10 @@ CK_RV destroyNextPending(char* title, bool& destroyed) {
         CK_ULONG found = 0;
         if (FindObjects(nullptr, title, zv::hSession, &object, 1, &found) != CKR_OK) return zv::rv;
         if (found == 0) return CKR_OK;
-        static char label[8193];
-        if (!zv::isTolerated(zv::readText(zv::hSession, object, CKA_LABEL, label))) return zv::rv;
+        char label[8193] = {};
+        CK_ATTRIBUTE entry = {CKA_LABEL, label, sizeof label - 1};
+        if (!zv::isTolerated(GetAttributeValue(nullptr, title, zv::hSession, object, &entry, 1)))
+            return zv::rv;
         if (std::strncmp(label, zv::szPendingLabel, std::strlen(zv::szPendingLabel)) != 0) continue;
         if (zv::destroyObject(zv::hSession, object) != CKR_OK) return zv::rv;
         destroyed = true;

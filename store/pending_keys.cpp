@@ -50,8 +50,7 @@ int examineAll() {
             search.dismiss();
             return FAILED;
         }
-        char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
-        WriteLog(TITLE, handle, 0, CatLtoAHex2("count = ", static_cast<long>(count)), 0);
+        zv::traceFound(TITLE, object, count);
         if (count != 1) break;
         if (examine(object) != 0) return FAILED;
     }

@@ -31,8 +31,8 @@ CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* t
 CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long maxCount,
                   unsigned long* found) {
     zv::traceSession(title, "C_FindObjects", session);
-    const CK_RV result = zv::call<&zv::Functions::C_FindObjects>(session, handles, maxCount, found);
-    if (result == CKR_OK) *found = std::min(*found, maxCount);
+    CK_RV result = zv::call<&zv::Functions::C_FindObjects>(session, handles, maxCount, found);
+    if (result == CKR_OK && *found > maxCount) result = CKR_GENERAL_ERROR;
     return reported(title, "C_FindObjects", result, zv::SEARCH_ERROR);
 }
 
@@ -49,9 +49,9 @@ CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long
     const std::size_t entries = std::min<std::size_t>(count, room.size());
     for (std::size_t i = 0; i < entries; ++i)
         room[i] = tmpl[i].ulValueLen;
-    const CK_RV result = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, count);
+    CK_RV result = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, count);
     for (std::size_t i = 0; result == CKR_OK && i < entries; ++i)
-        if (tmpl[i].pValue != nullptr) tmpl[i].ulValueLen = std::min(tmpl[i].ulValueLen, room[i]);
+        if (tmpl[i].pValue != nullptr && tmpl[i].ulValueLen > room[i]) result = CKR_BUFFER_TOO_SMALL;
     return reported(title, "C_GetAttributeValue", result, "Errore nella lettura chiave sulla smartcard (%s)");
 }
 

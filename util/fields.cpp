@@ -76,13 +76,14 @@ int NWGetOpt(char* text, char* name, char* output, char* pairSeparator, char* va
             *std::copy(value.begin(), value.end(), output) = '\0';
             return 0;
         }
-        place = all.find(wanted, separator);
+        place = all.find(wanted, std::max(separator, place + 1));
     }
     return NO_FIELD;
 }
 
 int Valore(char* text, char* name, char* output) {
     char pair[] = "&", between[] = "=";
+    if (output != nullptr) output[0] = '\0';
     NWGetOpt(text, name, output, pair, between);
     AllTrim(Converte(output));
     return 0;

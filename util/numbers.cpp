@@ -103,8 +103,10 @@ char* CatLtoAHex2(const char* prefix, long value) {
 
 char* XX(char* text, char* output) {
     if (output == nullptr) return nullptr;
-    output[0] = '\0';
-    if (text == nullptr || text[0] == '\0') return output;
+    if (text == nullptr || text[0] == '\0') {
+        output[0] = '\0';
+        return output;
+    }
     // Unsigned, so that a number of any size wraps instead of overflowing.
     const auto number = static_cast<unsigned long>(std::strtol(text, nullptr, 10));
     return _ltoa(static_cast<long>(number * 28 + 13579), output, 10);

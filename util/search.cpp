@@ -1,6 +1,4 @@
 // Joining, searching and measuring texts.
-#include <cctype>
-#include <cstring>
 #include <new>
 #include <string>
 

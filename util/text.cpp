@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "routines.h"
+
 namespace zv {
 
 bool copyText(char* destination, std::size_t size, std::string_view text) {
@@ -22,6 +24,16 @@ bool appendText(char* destination, std::size_t size, std::string_view text) {
 std::string_view boundedText(const char* buffer, std::size_t size) {
     if (buffer == nullptr) return {};
     return {buffer, strnlen(buffer, size)};
+}
+
+bool replaceFirst(char* text, std::size_t size, const char* pattern, const char* replacement, char* scratch) {
+    char* place = strstrICase(text, pattern);
+    if (place == nullptr) return false;
+    copyText(scratch, size, place + std::strlen(pattern));
+    *place = '\0';
+    appendText(text, size, replacement);
+    appendText(text, size, scratch);
+    return true;
 }
 
 } // namespace zv

@@ -1,6 +1,7 @@
 #ifndef ZV_UTIL_TEXT_H
 #define ZV_UTIL_TEXT_H
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -21,14 +22,25 @@ template <std::size_t N> bool appendText(char (&destination)[N], std::string_vie
     return appendText(destination, N, text);
 }
 
-/** The text in a buffer that may lack its terminator. */
-std::string_view boundedText(const char* buffer, std::size_t size);
+/** Fills buffers with zeros. */
+template <std::size_t... N> void clear(char (&... buffers)[N]) {
+    (std::fill_n(buffers, N, '\0'), ...);
+}
 
-inline const char* orEmpty(const char* text) {
+/** The text in a buffer that may lack its terminator. */
+[[nodiscard]] std::string_view boundedText(const char* buffer, std::size_t size);
+
+[[nodiscard]] inline const char* orEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
 
-inline bool isDigit(char c) {
+/**
+ * Replaces the first pattern in a text, whatever the case of its letters; the text grows or shrinks in place and is cut to its
+ * size. scratch holds what follows the pattern, of the same size. Returns false when there is none.
+ */
+bool replaceFirst(char* text, std::size_t size, const char* pattern, const char* replacement, char* scratch);
+
+[[nodiscard]] inline bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 

@@ -76,8 +76,8 @@ TEST(Log, Records) {
     std::strcpy(request.pendingLabel, "DS3");
     LogLabels(&request);
     EXPECT_EQ(log.text(),
-              "** LOG_DN\nDati DN\nDN_country = IT\nDN_organization = \n\nDN_orgUnit[0] = \n"
-              "\nDN_orgUnit[1] = \n\nDN_orgUnit[2] = \n\nDN_orgUnit[3] = \n\nDN_orgUnit[4] = five\n"
+              "** LOG_DN\nDati DN\nDN_country = IT\nDN_organization = \nDN_orgUnit[0] = \n"
+              "DN_orgUnit[1] = \nDN_orgUnit[2] = \nDN_orgUnit[3] = \nDN_orgUnit[4] = five\n"
               "DN_commonName = \nDN_description = \nDN_dnQualifier = \nDN_SerNum = \nDN_givenName = \n"
               "DN_surname = \nDN_eMail = a@b\n\n"
               "**  .... ReqCert FUN                    .... \nLabels\n"

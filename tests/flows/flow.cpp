@@ -1,0 +1,184 @@
+#include "tests/flows/flow.h"
+
+#include "simcard/authority/certificate_file.h"
+#include "simcard/authority/renewal.h"
+#include "simcard/common/card_folder.h"
+#include "simcard/tool/object_view.h"
+
+#include <openssl/pem.h>
+
+#include <array>
+#include <regex>
+
+namespace zvtest {
+
+namespace {
+
+// The lists as a host gives them.
+struct HostList {
+    HostList() {
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            entries[i] = texts[i].data();
+        texts[0][0] = '0';
+    }
+    [[nodiscard]] std::vector<std::string> records() const {
+        std::vector<std::string> all;
+        for (int i = 1; i <= std::atoi(entries[0]); ++i)
+            all.emplace_back(entries[i]);
+        return all;
+    }
+    void empty() { texts[0][0] = '\0'; }
+
+    std::array<std::array<char, ZV_LIST_ENTRY_SIZE>, ZV_LIST_ENTRIES> texts{};
+    std::array<char*, ZV_LIST_ENTRIES> entries{};
+};
+
+// The subject of the first record.
+std::string subjectOf(const std::vector<std::string>& records) {
+    return records.empty() ? "2.5.4.6=IT2.5.4.3=Nobody" : records[0].substr(0, records[0].find('#'));
+}
+
+} // namespace
+
+Flow::Flow()
+    : card(cards.make({.reader = READER, .serial = "1234567890123456"})), module(ZVSIMCARD_MODULE),
+      moduleDir_(std::filesystem::path(ZVSIMCARD_MODULE).parent_path()) {
+    loadErrorCodes();
+    cards.configure();
+    module.use_keys(ZV_TEST_KEYS);
+    set_ATRini_path(nullptr);
+    szSockMsg[0] = '\0';
+    std::fill(std::begin(zv::vettoreSlotID), std::end(zv::vettoreSlotID), 0);
+}
+
+Flow::~Flow() {
+    finalizza();
+    kvFinalize();
+}
+
+Reading Flow::read(std::string pin, const char* reader) {
+    Reading reading;
+    HostList cns, pra, aut;
+    pra.empty(), aut.empty();
+    std::string name = reader != nullptr ? reader : "";
+    char keyPRA[ZV_KEY_ID_SIZE] = "", keyAUT[ZV_KEY_ID_SIZE] = "";
+    reading.pendingPRA = reading.pendingAUT = reading.pendingCNS = 7;
+    reading.result = rinnovo_Card_readCerts(reader != nullptr ? name.data() : nullptr, pin.data(), 0,
+                                            cns.entries.data(), pra.entries.data(), aut.entries.data(),
+                                            &reading.pendingCNS, &reading.pendingPRA, &reading.pendingAUT,
+                                            keyPRA, keyAUT, nullptr, moduleDir_.c_str());
+    reading.cns = cns.records(), reading.pra = pra.records(), reading.aut = aut.records();
+    reading.keyPRA = keyPRA, reading.keyAUT = keyAUT;
+    subject = subjectOf(reading.pra);
+    return reading;
+}
+
+int Flow::findFree(std::string& pra, std::string& aut, std::string pin) {
+    char keyPRA[ZV_KEY_ID_SIZE] = "?", keyAUT[ZV_KEY_ID_SIZE] = "?";
+    const int result = rinnovo_Card_findFreeCKAID(nullptr, pin.data(), keyPRA, keyAUT);
+    pra = keyPRA, aut = keyAUT;
+    return result;
+}
+
+int Flow::request(std::string pending, std::string key, bool discard, std::string pin) {
+    std::vector<char> out(ZV_REQUEST_SIZE, '?');
+    const int result = rinnovo_Card_createCertRequestPRA(out.data(), pending.c_str(), pin.data(), key.data(),
+                                                         subject.c_str(), discard);
+    if (result == 0) requestText = out.data();
+    return result;
+}
+
+int Flow::requestAuthentication(std::string pending, std::string key) {
+    std::vector<char> out(ZV_REQUEST_SIZE, '?');
+    std::string pin = PIN;
+    const int result = rinnovo_Card_createCertRequestAUT(out.data(), pending.c_str(), pin.data(), key.data(),
+                                                         subject.c_str(), false);
+    if (result == 0) requestText = out.data();
+    return result;
+}
+
+std::string Flow::issue() {
+    const auto authority = simcard::Authority::open(simcard::Authority::folder_beside_cards(cards.path()));
+    simcard::RenewalTerms terms;
+    terms.bare_requests = true;
+    const auto signedRequest = simcard::answer_request(authority, requestText, terms);
+    BIO* memory = BIO_new(BIO_s_mem());
+    PEM_write_bio_X509(memory, signedRequest.certificate.get());
+    char* text = nullptr;
+    const long length = BIO_get_mem_data(memory, &text);
+    std::string pem(text, static_cast<std::size_t>(length));
+    BIO_free(memory);
+    return pem;
+}
+
+int Flow::save(const std::string& certificate, bool keepOld, std::string label, std::string pending,
+               std::string pin) {
+    std::string chain = certificate;
+    label.resize(ZV_KEY_ID_SIZE);
+    return rinnovo_Card_saveCertPRA(pin.data(), label.data(), pending.data(), chain.data(), keepOld);
+}
+
+int Flow::saveAuthentication(const std::string& certificate, bool keepOld, std::string label,
+                             std::string pending) {
+    std::string chain = certificate, pin = PIN;
+    label.resize(ZV_KEY_ID_SIZE);
+    return rinnovo_Card_saveCertAUT(pin.data(), label.data(), pending.data(), chain.data(), keepOld);
+}
+
+std::vector<std::string> Flow::objects() {
+    std::vector<std::string> all;
+    for (const simcard::ObjectView& object : simcard::view_objects(card, PIN)) {
+        std::string line = object.object_class + " " + object.id;
+        if (object.label != object.id) line += " labelled " + object.label;
+        all.push_back(line);
+    }
+    return all;
+}
+
+bool Flow::pairWorks(const std::string& id) {
+    const std::filesystem::path data = log.folder() / "data", signedData = log.folder() / "data.p7m";
+    std::ofstream(data) << "signed";
+    std::string modulePath = path();
+    const bool works = kvInitialize(modulePath.data(), 0) == 0 && kvLogin(PIN) == 0 &&
+                       kvSignFile(id.c_str(), "SHA256", data.c_str(), signedData.c_str()) == 0;
+    kvFinalize();
+    return works;
+}
+
+int Flow::triesLeft() const {
+    return static_cast<int>(simcard::load_card(card.folder).pin_tries_left);
+}
+
+std::string Flow::maskedLog() const {
+    static const std::vector<std::pair<std::regex, std::string>> masks = {
+        {std::regex(R"((hSession|hModule|hPrivateKey|hPublicKey|SlotList) = 0x[1-9][0-9]*)"), "$1 = 0x#"},
+        {std::regex(R"(hObject0x[1-9][0-9]*)"), "hObject0x#"},
+        {std::regex(R"(hSession = <\d+> ulCount = <9> hCert = <\d+>)"),
+         "hSession = <#> ulCount = <9> hCert = <#>"},
+        {std::regex(R"([0-9A-F]{512})"), "MODULUS"},
+        {std::regex(R"(\b[0-9A-F]{40}\b)"), "SHA1"},
+        {std::regex(R"(\b[0-9A-F]{16,39}\b)"), "SERIAL"},
+        {std::regex(R"([A-Za-z0-9+/]{48,}={0,2}\n)"), "BASE64\n"},
+        {std::regex(R"((BASE64\n)+)"), "BASE64\n"},
+        {std::regex(R"([A-Za-z0-9+/]{1,47}={0,2}(\n-----END))"), "BASE64$1"},
+        {std::regex(R"(BASE64\n[A-Za-z0-9+/]{1,47}={0,2}\n)"), "BASE64\n"},
+        {std::regex(R"(BASE64\nBASE64)"), "BASE64"},
+        {std::regex(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)"), "DATE"},
+    };
+    std::string text = log.text();
+    for (std::size_t at = 0; (at = text.find(moduleDir_, at)) != std::string::npos;)
+        text.replace(at, moduleDir_.size(), "MODULES");
+    for (const auto& [pattern, mask] : masks)
+        text = std::regex_replace(text, pattern, mask);
+    return text;
+}
+
+std::vector<std::string> callNames(const std::string& recorded) {
+    std::vector<std::string> names;
+    std::istringstream lines(recorded);
+    for (std::string line; std::getline(lines, line);)
+        names.push_back(line.substr(0, line.find_first_of(" (")));
+    return names;
+}
+
+} // namespace zvtest

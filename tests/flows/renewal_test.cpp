@@ -1,0 +1,62 @@
+// A signature certificate renewed from the first reading to the last, and the log of it.
+#include "tests/flows/flow.h"
+
+namespace {
+
+using namespace zvtest;
+using Lines = std::vector<std::string>;
+
+// Compares with the file of that name beside the tests; ZV_WRITE_GOLDEN=1 writes it instead.
+void expectGolden(const std::string& name, const std::string& text) {
+    const std::string file = std::string(GOLDEN_LOGS) + "/" + name;
+    if (std::getenv("ZV_WRITE_GOLDEN") != nullptr) std::ofstream(file) << text;
+    std::ifstream golden(file);
+    std::ostringstream expected;
+    expected << golden.rdbuf();
+    EXPECT_EQ(text, expected.str()) << "the log differs from " << name;
+}
+
+TEST_F(Flow, RenewalReplacesTheOldPairAndItsLogIsTheGoldenOne) {
+    Reading reading = read();
+    ASSERT_EQ(reading.result, 0) << szBuffErr;
+    EXPECT_EQ(reading.keyPRA, "DS3");
+    EXPECT_EQ(reading.keyAUT, "AUTHCertificate3");
+    ASSERT_EQ(request(reading.keyPRA, "DS0"), 0) << szBuffErr << szSockMsg;
+    ASSERT_EQ(save(issue(), false), 0) << szBuffErr << szSockMsg;
+    expectGolden("renewal.log", maskedLog());
+    EXPECT_EQ(objects(),
+              (Lines{"certificate AUTHCertificate0", "private key AUTHCertificate0",
+                     "public key AUTHCertificate0", "certificate DS3", "private key DS3", "public key DS3"}));
+    EXPECT_TRUE(pairWorks("DS3"));
+    reading = read();
+    EXPECT_EQ(reading.pendingPRA, 0);
+    EXPECT_EQ(reading.keyPRA, "DS4");
+    EXPECT_EQ(triesLeft(), 3);
+    for (const char* file : {"/tmp/tmpReqFile", "/tmp/szP7MName", "/tmp/szP7MNameB64"})
+        EXPECT_FALSE(std::filesystem::exists(file)) << file;
+}
+
+TEST_F(Flow, RenewalMayKeepTheOldPair) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(request(), 0);
+    ASSERT_EQ(save(issue(), true), 0);
+    const Lines all = objects();
+    EXPECT_EQ(all.size(), 10u);
+    EXPECT_TRUE(pairWorks("DS0"));
+    EXPECT_TRUE(pairWorks("DS3"));
+    const Reading after = read();
+    EXPECT_EQ(after.pra.size(), 2u);
+    EXPECT_EQ(after.pendingPRA, 0);
+}
+
+TEST_F(Flow, AuthenticationCertificateIsRenewedToo) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(requestAuthentication("AUTHCertificate3", "AUTHCertificate0"), 0) << szBuffErr << szSockMsg;
+    ASSERT_EQ(saveAuthentication(issue(), false, "AUTHCertificate0", "AUTHCertificate3"), 0);
+    EXPECT_EQ(objects(), (Lines{"certificate AUTHCertificate3", "private key AUTHCertificate3",
+                                "public key AUTHCertificate3", "certificate DS0", "private key DS0",
+                                "public key DS0", "certificate Korvalenta Firma Dig"}));
+    EXPECT_TRUE(pairWorks("AUTHCertificate3"));
+}
+
+} // namespace
