@@ -57,7 +57,8 @@ bool sameName(const REQRENIN& parsed) {
 
 int guardRequest(const RequestCall& call) {
     const bool servicesCard = call.kind == SERVICES_CARD;
-    if (!servicesCard && call.pendingLabel.empty())
+    // Without a name, discarding would take the keys that have none.
+    if (call.pendingLabel.empty() && (!servicesCard || call.discardPending))
         return stop("manca l'identificativo della coppia di chiavi pending");
     if (!servicesCard && isPart(call.pendingLabel, call.keyId))
         return stop("l'identificativo pending e' contenuto in quello della chiave in uso");

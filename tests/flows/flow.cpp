@@ -41,7 +41,7 @@ std::string subjectOf(const std::vector<std::string>& records) {
 } // namespace
 
 Flow::Flow()
-    : card(cards.make({.reader = READER, .serial = "1234567890123456"})), module(ZVSIMCARD_MODULE),
+    : card(cards.make({.reader = READER, .serial = "9000111122223333"})), module(ZVSIMCARD_MODULE),
       moduleDir_(std::filesystem::path(ZVSIMCARD_MODULE).parent_path()) {
     loadErrorCodes();
     cards.configure();
@@ -97,11 +97,14 @@ int Flow::requestAuthentication(std::string pending, std::string key) {
     return result;
 }
 
+simcard::Authority Flow::authority() const {
+    return simcard::Authority::open(simcard::Authority::folder_beside_cards(cards.path()));
+}
+
 std::string Flow::issue() {
-    const auto authority = simcard::Authority::open(simcard::Authority::folder_beside_cards(cards.path()));
     simcard::RenewalTerms terms;
     terms.bare_requests = true;
-    const auto signedRequest = simcard::answer_request(authority, requestText, terms);
+    const auto signedRequest = simcard::answer_request(authority(), requestText, terms);
     BIO* memory = BIO_new(BIO_s_mem());
     PEM_write_bio_X509(memory, signedRequest.certificate.get());
     char* text = nullptr;

@@ -36,6 +36,7 @@ class Flow : public testing::Test {
     int request(std::string pending = "DS3", std::string key = "DS0", bool discard = false,
                 std::string pin = PIN);
     int requestAuthentication(std::string pending, std::string key);
+    [[nodiscard]] simcard::Authority authority() const;
     /// The authority's answer to the last request, as PEM.
     std::string issue();
     int save(const std::string& certificate, bool keepOld, std::string label = "DS0",

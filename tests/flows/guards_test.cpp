@@ -1,0 +1,87 @@
+// Calls that are stopped before the card is touched.
+#include "api/state.h"
+#include "card/detection.h"
+#include "tests/flows/flow.h"
+
+namespace {
+
+using namespace zvtest;
+
+class Guards : public Flow {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(read().result, 0);
+        ASSERT_EQ(request(), 0);
+        certificate = issue();
+        before = objects();
+        module.reset();
+        log.clear();
+    }
+    void expectStopped(int result, const std::string& reason, int code = ZV_NOT_SENT) {
+        EXPECT_EQ(result, code) << reason;
+        EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
+        EXPECT_TRUE(has(log.text(), "[]: Operazione non inviata: " + reason)) << log.text();
+        EXPECT_TRUE(has(log.text(), "[]: Errore nella mininfo\n[]: Funzione miExecCmd() error!\n"));
+        EXPECT_EQ(module.calls(), 0u) << reason;
+        EXPECT_EQ(objects(), before);
+        EXPECT_FALSE(has(zv::szBufferRichiesta, PIN));
+        log.clear();
+    }
+    std::string certificate;
+    std::vector<std::string> before;
+};
+
+TEST_F(Guards, NamedPair) {
+    const std::string missing = "manca l'identificativo";
+    expectStopped(request(""), missing);
+    expectStopped(request("  "), missing);
+    expectStopped(save(certificate, true, "DS0", ""), missing);
+    const std::string inUse = "l'identificativo pending e' contenuto in quello della chiave in uso";
+    expectStopped(request("DS0"), inUse);
+    expectStopped(request("DS"), inUse);
+    expectStopped(save(certificate, true, "DS0", "DS"), "l'identificativo pending e' parte");
+}
+
+TEST_F(Guards, OwnTargetAndOwnKey) {
+    expectStopped(save(certificate, false, "DS"), "la nuova coppia di chiavi verrebbe cancellata");
+    expectStopped(save(certificate, false, "DS3"), "la nuova coppia di chiavi verrebbe cancellata");
+    const std::string own = "la coppia di chiavi propria della carta CNS verrebbe cancellata";
+    expectStopped(save(certificate, false, "NS"), own);
+    expectStopped(request("CNS0", "DS0", true), own);
+    std::string pin = PIN, key = "CNS0";
+    std::vector<char> out(ZV_REQUEST_SIZE);
+    expectStopped(
+        rinnovo_Card_createCertRequestAUT(out.data(), "CNS0", pin.data(), key.data(), "2.5.4.6=IT", true),
+        own);
+    expectStopped(
+        rinnovo_Card_createCertRequestAUT(out.data(), "", pin.data(), key.data(), "2.5.4.6=IT", true),
+        "manca l'identificativo");
+}
+
+TEST_F(Guards, ReadableCertificateComesBeforeTheBlock) {
+    expectStopped(save("junk", false), "il certificato non e' leggibile: ", ZV_FAILED);
+    expectStopped(save(std::string(9000, 'A'), false), "il testo del certificato e' troppo lungo", ZV_FAILED);
+    expectStopped(save("junk\nnot", false, "DS"), "la nuova coppia");
+}
+
+TEST_F(Guards, FaithfulBlock) {
+    const std::string unfaithful = "il blocco di comando non riporta i dati ricevuti";
+    expectStopped(request("DS4", "DS0", false, "12345678 "), unfaithful);
+    expectStopped(request("DS4", "DS0", false, std::string(32, '1')), unfaithful);
+    expectStopped(request("DS4", "DS0", false, "1\nslot:3"), unfaithful);
+    expectStopped(request("DS4", "DS0\nszpin:0000"), unfaithful);
+    expectStopped(request("slot:DS4"), unfaithful);
+    expectStopped(request(std::string(256, 'D')), unfaithful);
+    expectStopped(save(certificate + std::string(7000, ' '), true), unfaithful);
+    expectStopped(save("END_STRING", true), unfaithful);
+    subject = "2.5.4.3=slot:1";
+    expectStopped(request("DS4"), unfaithful);
+    subject = "2.5.4.6=IT2.5.4.3=A";
+    zv::slot = 10;
+    expectStopped(request("DS4"), unfaithful);
+    zv::slot = 0;
+    EXPECT_EQ(triesLeft(), 3);
+    EXPECT_EQ(request("DS4 "), 0) << "trailing blanks of a label do not matter";
+}
+
+} // namespace

@@ -1,0 +1,214 @@
+// What a reading and a search for free identifiers give back, and what they do when card, PIN or module fail.
+#include "card/detection.h"
+#include "simcard/common/card_folder.h"
+#include "simcard/tool/personalise.h"
+#include "tests/flows/flow.h"
+
+#include <unistd.h>
+
+namespace {
+
+using namespace zvtest;
+
+std::vector<std::string> fields(const std::string& record) {
+    std::vector<std::string> all;
+    std::istringstream text(record + "#");
+    for (std::string field; std::getline(text, field, '#');)
+        all.push_back(field);
+    return all;
+}
+
+TEST_F(Flow, RecordsHoldTheCertificatesFields) {
+    const Reading reading = read();
+    ASSERT_EQ(reading.result, 0);
+    ASSERT_EQ(reading.pra.size(), 1u);
+    ASSERT_EQ(reading.aut.size(), 1u);
+    EXPECT_TRUE(reading.cns.empty());
+    const auto pra = fields(reading.pra[0]), aut = fields(reading.aut[0]);
+    ASSERT_EQ(pra.size(), 11u);
+    ASSERT_EQ(aut.size(), 10u);
+    EXPECT_EQ(pra[0], "2.5.4.6=IT2.5.4.10=Non presente2.5.4.3=Ada Collaudo2.5.4.5=TINIT-CLLDAA80A41Z999U"
+                      "2.5.4.4=Collaudo2.5.4.42=Ada2.5.4.46=9000111122223333");
+    EXPECT_EQ(pra[1], "2.5.4.6=IT2.5.4.10=Korvalenta S.p.A.2.5.4.3=Korvalenta Firma Dig demo");
+    EXPECT_EQ(pra[2], "9000111122223333");
+    EXPECT_EQ(pra[7], "DS0");
+    EXPECT_TRUE(has(pra[8], "Certificato di firma dimostrativo")) << pra[8];
+    EXPECT_EQ(pra[9].size(), 40u);
+    EXPECT_EQ(pra[10], "CLLDAA80A41Z999U");
+    EXPECT_EQ(aut[7], "AUTHCertificate0");
+    EXPECT_EQ(aut[8].size(), 40u);
+    EXPECT_EQ(aut[9], "CLLDAA80A41Z999U");
+    EXPECT_EQ(std::string(zv::szSerialNumber), "9000111122223333");
+}
+
+TEST_F(Flow, NullArgumentsAreSkipped) {
+    std::string pin = PIN;
+    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                     nullptr, nullptr, nullptr, nullptr, path("").c_str()),
+              0);
+    EXPECT_EQ(rinnovo_Card_findFreeCKAID(nullptr, pin.data(), nullptr, nullptr), 0);
+    char* entries[ZV_LIST_ENTRIES] = {};
+    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, entries, entries, entries, nullptr, nullptr,
+                                     nullptr, nullptr, nullptr, nullptr, path("").c_str()),
+              0);
+    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                     nullptr, nullptr, nullptr, nullptr, nullptr),
+              -1)
+        << "no module without a directory";
+}
+
+TEST_F(Flow, OneTypingErrorCostsOneTry) {
+    const Reading reading = read("0000");
+    EXPECT_EQ(reading.result, static_cast<int>(CKR_PIN_INCORRECT));
+    EXPECT_EQ(triesLeft(), 2);
+    EXPECT_STREQ(szBuffErr, "");
+    const std::string text = log.text();
+    EXPECT_TRUE(has(text, "[]: Funzione 'renewDump': errore dump Smart Card\n"
+                          "[]: Operazione non inviata: il PIN e' gia' stato rifiutato\n"
+                          "[]: MESSAGGIO VUOTO!\n[]: Smart Card NON CNS: (int)__Initialize() error!\n"
+                          "**  .... Finalizza FUN"));
+    EXPECT_FALSE(has(log.raw(), "0000\n"));
+    EXPECT_EQ(read().result, 0);
+    EXPECT_EQ(triesLeft(), 3);
+}
+
+TEST_F(Flow, ALockedPinIsNotTriedTwice) {
+    for (int i = 0; i < 3; ++i)
+        read("wrong");
+    EXPECT_EQ(triesLeft(), 0);
+    module.reset();
+    EXPECT_EQ(read().result, static_cast<int>(CKR_PIN_LOCKED));
+    EXPECT_EQ(module.calls("C_Login"), 1u);
+    EXPECT_EQ(objects().size(), 7u);
+}
+
+TEST_F(Flow, CardsAndReadersThatAreNotThere) {
+    std::string pra, aut;
+    EXPECT_NE(read(PIN, "No Such Reader").result, 0);
+    EXPECT_STRNE(szBuffErr, "");
+    simcard::take_out_card(card.folder);
+    EXPECT_EQ(read().result, -1);
+    EXPECT_TRUE(has(log.text(), "CheckSmartCard getSlot fallita"));
+    EXPECT_EQ(findFree(pra, aut), -1);
+    simcard::put_back_card(card.folder);
+    EXPECT_EQ(read().result, 0);
+    ::setenv("PCSCLITE_CSOCK_NAME", "/nonexistent/pcscd.comm", 1);
+    ::setenv("ZVCRYPT_CONF", "/dev/null", 1);
+    EXPECT_EQ(read(PIN, nullptr).result, static_cast<int>(ZVC_ERR_NO_SERVICE));
+    EXPECT_STRNE(szBuffErr, "");
+    ::unsetenv("PCSCLITE_CSOCK_NAME");
+}
+
+TEST_F(Flow, AnUnknownCardIsNotSupported) {
+    const auto conf = log.folder() / "conf";
+    std::ofstream(conf) << "[reader R]\natr = 3B00FFEEDD\n";
+    ::setenv("ZVCRYPT_CONF", conf.c_str(), 1);
+    EXPECT_EQ(read(PIN, "R").result, 100);
+    EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
+    std::string pra, aut;
+    szBuffErr[0] = '\0';
+    EXPECT_EQ(findFree(pra, aut), 100);
+    EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
+    EXPECT_TRUE(
+        has(log.text(), "[]: Tipo di Smart Card non supportato\n[]: Funzione CheckSmartCard() error!\n"));
+    std::ofstream(log.folder() / "atr.ini") << "[card C]\natr = 3B00FFEEDD\nmodule = libzvsimcard.so\n";
+    set_ATRini_path(log.folder().c_str());
+    EXPECT_EQ(read(PIN, "R").result, -1) << "the host's table names a module, which has no such reader";
+    set_ATRini_path(nullptr);
+}
+
+TEST_F(Flow, SeriesNumbersDecide) {
+    const auto named = [this](const char* serial) {
+        simcard::update_card(card.folder, [serial](simcard::Card& changed) { changed.serial = serial; });
+        return read().result;
+    };
+    EXPECT_EQ(named("1205000000000001"), 0);
+    EXPECT_TRUE(is1205SerialToken);
+    EXPECT_EQ(named("1201000000000001"), 100);
+    EXPECT_FALSE(is1205SerialToken);
+    EXPECT_EQ(named("1300000000000001"), 0);
+}
+
+TEST_F(Flow, ACardPulledInTheMiddleFailsAndOpensAgain) {
+    module.add_rules("C_FindObjects:12:take-out");
+    EXPECT_NE(read().result, 0);
+    simcard::put_back_card(card.folder);
+    const Reading reading = read();
+    EXPECT_EQ(reading.result, 0);
+    EXPECT_EQ(reading.pra.size(), 1u);
+    EXPECT_EQ(objects().size(), 7u);
+}
+
+TEST_F(Flow, AModuleThatAnswersOddlyIsLivedWith) {
+    module.add_rules("C_Initialize:3:answer:0x191");
+    EXPECT_EQ(read().result, 0) << "initialised already is no failure";
+    module.reset();
+    module.add_rules("C_Login:2:do-and-answer:0x100;C_Login:3:do-and-answer:0x100");
+    EXPECT_EQ(read().result, 0) << "logged in already is none either";
+    for (const char* rule : {"C_GetSlotInfo:2:answer:0x30", "C_FindObjects:12:answer:0x30",
+                             "C_FindObjectsInit:2:answer:0x30", "C_FindObjectsFinal:1:answer:0x30"}) {
+        module.reset();
+        log.clear();
+        module.add_rules(rule);
+        EXPECT_EQ(read().result, -1) << rule;
+        EXPECT_TRUE(has(log.text(), "Errore = 0x48\n")) << rule;
+        EXPECT_TRUE(has(log.text(), "[]: Smart Card NON CNS: NewFind_ALL_CertsKeysRenew() error!\n")) << rule;
+    }
+}
+
+TEST_F(Flow, ADllPathSkipsDetectionAndDump) {
+    const std::string copy = (log.folder() / "odd.dll").string();
+    std::filesystem::copy_file(path(), copy);
+    const Reading reading = read(PIN, copy.c_str());
+    EXPECT_EQ(reading.result, 0) << szBuffErr;
+    EXPECT_FALSE(has(log.text(), "Lista lettori"));
+    EXPECT_FALSE(has(log.text(), "Dump Smart Card"));
+    EXPECT_TRUE(has(log.text(), "Smart Card CNS: NewFind_ALL_CertsKeysRenewCNS() completata con successo"));
+    EXPECT_EQ(reading.pra.size(), 1u);
+    EXPECT_EQ(reading.aut.size(), 1u) << "the authority's certificate has no private key";
+    EXPECT_EQ(std::string(zv::Libreria), copy);
+}
+
+TEST_F(Flow, FreeIdentifiersFollowTheCard) {
+    ASSERT_EQ(read().result, 0);
+    std::string pra, aut;
+    ASSERT_EQ(findFree(pra, aut), 0);
+    EXPECT_EQ(pra, "DS3");
+    EXPECT_EQ(aut, "AUTHCertificate3");
+    EXPECT_FALSE(use2048Bit);
+    EXPECT_TRUE(has(log.text(),
+                    "[]: ---------------------------------\n[]: Free CKAID:\n[]: DS3\n[]: AUTHCertificate3\n"
+                    "[]: ---------------------------------\n"
+                    "[]: Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!\n"));
+    ASSERT_EQ(request("DS4"), 0);
+    ASSERT_EQ(requestAuthentication("AUTHCertificate5", "AUTHCertificate0"), 0);
+    ASSERT_EQ(findFree(pra, aut), 0);
+    EXPECT_EQ(pra, "DS4") << "a pending pair";
+    EXPECT_EQ(aut, "AUTHCertificate5");
+    const Reading reading = read();
+    EXPECT_EQ(reading.pendingPRA + reading.pendingAUT, 1)
+        << "an inventory reports the first pending pair alone";
+    EXPECT_EQ(reading.keyPRA, "DS4");
+    EXPECT_TRUE(reading.pra[0].ends_with("#DS4"));
+    EXPECT_TRUE(reading.aut[0].ends_with("#AUTHCertificate3")) << reading.aut[0];
+}
+
+TEST_F(Flow, AFullSeriesHasNoFreeIdentifier) {
+    ASSERT_EQ(read().result, 0);
+    for (const char* id : {"DS3", "DS4", "DS5"}) {
+        ASSERT_EQ(request(id), 0);
+        ASSERT_EQ(save(issue(), true, "DS0", id), 0);
+    }
+    std::string pra, aut;
+    EXPECT_EQ(findFree(pra, aut), 1);
+    EXPECT_EQ(pra, "DS");
+    EXPECT_EQ(aut, "");
+    EXPECT_TRUE(use2048Bit);
+    EXPECT_TRUE(has(log.text(), "[]: Funzione findFreeCKAID() error!\n"));
+    const Reading reading = read();
+    EXPECT_EQ(reading.result, 0);
+    EXPECT_EQ(reading.keyPRA, "DS");
+    EXPECT_EQ(reading.keyAUT, "");
+}
+
+} // namespace

@@ -1,0 +1,225 @@
+// Requests: what goes to the card, what comes back, and what a failure leaves.
+#include "store/renewal_state.h"
+#include "tests/flows/flow.h"
+
+#include <openssl/cms.h>
+#include <openssl/pem.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <memory>
+
+namespace {
+
+using namespace zvtest;
+using Lines = std::vector<std::string>;
+
+template <auto Free> struct Freed {
+    template <typename T> void operator()(T* object) const { Free(object); }
+};
+using Cms = std::unique_ptr<CMS_ContentInfo, Freed<CMS_ContentInfo_free>>;
+using Pkcs10 = std::unique_ptr<X509_REQ, Freed<X509_REQ_free>>;
+using Bio = std::unique_ptr<BIO, Freed<BIO_free_all>>;
+
+// The content of a request that the authority's own certificate vouches for.
+std::string contentOf(const std::string& base64, const simcard::Authority& authority) {
+    const Bio text(
+        BIO_push(BIO_new(BIO_f_base64()), BIO_new_mem_buf(base64.data(), static_cast<int>(base64.size()))));
+    const Cms cms(d2i_CMS_bio(text.get(), nullptr));
+    if (cms == nullptr) return "no CMS";
+    const std::unique_ptr<X509_STORE, Freed<X509_STORE_free>> store(X509_STORE_new());
+    X509_STORE_add_cert(store.get(), &authority.certificate());
+    X509_STORE_set_purpose(store.get(), X509_PURPOSE_ANY);
+    const Bio out(BIO_new(BIO_s_mem()));
+    if (CMS_verify(cms.get(), nullptr, store.get(), nullptr, out.get(), CMS_BINARY | CMS_CADES) != 1)
+        return "not verified";
+    char* data = nullptr;
+    const long length = BIO_get_mem_data(out.get(), &data);
+    return {data, static_cast<std::size_t>(length)};
+}
+
+Pkcs10 parsed(const std::string& pem) {
+    const Bio text(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+    return Pkcs10(PEM_read_bio_X509_REQ(text.get(), nullptr, nullptr, nullptr));
+}
+
+std::string typesOf(const X509_REQ& request) {
+    std::string text;
+    const X509_NAME* name = X509_REQ_get_subject_name(&request);
+    for (int i = 0; i < X509_NAME_entry_count(name); ++i) {
+        const X509_NAME_ENTRY* entry = X509_NAME_get_entry(name, i);
+        const ASN1_STRING* value = X509_NAME_ENTRY_get_data(entry);
+        text += OBJ_nid2sn(OBJ_obj2nid(X509_NAME_ENTRY_get_object(entry)));
+        text += ASN1_STRING_type(value) == V_ASN1_PRINTABLESTRING ? "=p:" : "=u:";
+        text += std::string(reinterpret_cast<const char*>(ASN1_STRING_get0_data(value)),
+                            static_cast<std::size_t>(ASN1_STRING_length(value))) +
+                "\n";
+    }
+    return text;
+}
+
+TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
+    ASSERT_EQ(read().result, 0);
+    subject = "2.5.4.4=Rossi2.5.4.3=Ada Rossi/serialNumber=TINIT-X2.5.4.6=IT";
+    ASSERT_EQ(request(), 0) << szBuffErr;
+    const std::string pem = contentOf(requestText, authority());
+    EXPECT_EQ(pem.substr(0, 36), "-----BEGIN CERTIFICATE REQUEST-----\n");
+    const Pkcs10 pkcs10 = parsed(pem);
+    ASSERT_NE(pkcs10, nullptr);
+    EXPECT_EQ(X509_REQ_verify(pkcs10.get(), X509_REQ_get0_pubkey(pkcs10.get())), 1);
+    EXPECT_EQ(X509_REQ_get_signature_nid(pkcs10.get()), NID_sha1WithRSAEncryption);
+    EXPECT_EQ(typesOf(*pkcs10), "C=p:IT\nCN=u:Ada Rossi\nserialNumber=p:TINIT-X\nSN=u:Rossi\n");
+    unsigned char* der = nullptr;
+    const int length = i2d_X509_REQ(pkcs10.get(), &der);
+    std::string body = pem.substr(36, pem.find("\n-----END") - 36);
+    std::erase(body, '\n');
+    std::string encoded(static_cast<std::size_t>(4 * ((length + 2) / 3)), '?');
+    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(encoded.data()), der, length);
+    OPENSSL_free(der);
+    EXPECT_EQ(body, encoded) << "canonical DER, nothing behind it";
+    const Lines all = objects();
+    EXPECT_EQ(Lines(all.begin() + 6, all.end()),
+              (Lines{"private key DS3", "public key DS3", "certificate Korvalenta Firma Dig"}));
+}
+
+TEST_F(Flow, TemplatesOfAGeneratedPair) {
+    ASSERT_EQ(read().result, 0);
+    module.record();
+    ASSERT_EQ(request(), 0);
+    const std::string calls = module.recorded();
+    const std::size_t at = calls.find("C_GenerateKeyPair");
+    const std::string line = calls.substr(at, calls.find('\n', at) - at);
+    EXPECT_TRUE(has(
+        line, "pPublicKeyTemplate={CKA_MODULUS_BITS 8 0008000000000000, CKA_TOKEN 1 01, CKA_LABEL 3 445333, "
+              "CKA_ID 3 445333, CKA_VERIFY 1 01}"))
+        << line;
+    EXPECT_TRUE(
+        has(line,
+            "pPrivateKeyTemplate={CKA_TOKEN 1 01, CKA_PRIVATE 1 01, CKA_SENSITIVE 1 01, CKA_LABEL 3 445333, "
+            "CKA_ID 3 445333, CKA_DECRYPT 1 01, CKA_SIGN 1 01}"))
+        << line;
+}
+
+TEST_F(Flow, APendingPairIsUsedAgainAndDiscardedWhenAsked) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(request(), 0);
+    const std::string first = contentOf(requestText, authority());
+    module.reset();
+    ASSERT_EQ(request(), 0);
+    EXPECT_EQ(module.calls("C_GenerateKeyPair"), 0u);
+    EXPECT_EQ(contentOf(requestText, authority()), first);
+    module.use_keys(ZV_TEST_KEYS);
+    log.clear();
+    ASSERT_EQ(request("DS3", "DS0", true), 0);
+    EXPECT_EQ(module.calls("C_GenerateKeyPair"), 1u);
+    EXPECT_TRUE(has(log.text(), "** DeleteAllPending32\nI N I Z I O\n"));
+    EXPECT_EQ(objects().size(), 9u) << "one pending pair";
+    EXPECT_TRUE(has(log.text(), "Codice FindObjects: 0x4\n* Chiave pubblica \tkey type: RSA key\r\n"));
+}
+
+TEST_F(Flow, RefusalsOfAGenerationReachTheUser) {
+    ASSERT_EQ(read().result, 0);
+    const std::vector<std::pair<const char*, const char*>> refusals = {
+        {"0x6", ".Provare a sbloccare il PIN di carta ed il PIN di firma al medesimo valore utilizzando la "
+                "funzione \"Sblocco "
+                "PIN\" del zvPennaro."},
+        {"0x30", "Errore nella comunicazione con il lettore di Smart Card.\n\nGenerazione delle chiavi di "
+                 "firma fallita."},
+        {"0x31", "nuovo certificato.\n\nSi prega di rivolgersi"}};
+    for (const auto& [code, sentence] : refusals) {
+        module.add_rules(std::string("C_GenerateKeyPair:1:answer:") + code);
+        EXPECT_EQ(request(), 1);
+        EXPECT_EQ(std::string(szSockMsg), "Errore nella generazione delle chiavi sulla smartcard (error " +
+                                              std::string(code).substr(2) + ")");
+        EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
+        EXPECT_TRUE(has(log.text(), sentence)) << code;
+    }
+    szSockMsg[0] = '\0';
+    module.add_rules("C_GenerateKeyPair:1:answer:0x32");
+    EXPECT_EQ(request(), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 82)")
+        << "an unknown code goes on to the reading of the key";
+    EXPECT_EQ(objects().size(), 7u);
+}
+
+TEST_F(Flow, NotLoggedInEndsTheRequestWhenTheNewLoginSucceeds) {
+    ASSERT_EQ(read().result, 0);
+    module.add_rules("C_GenerateKeyPair:1:answer:0x101");
+    EXPECT_EQ(request(), 1);
+    EXPECT_STREQ(szSockMsg, "Errore nella generazione delle chiavi sulla smartcard (error inizializza 0)");
+    EXPECT_TRUE(has(log.text(),
+                    "C_Login\nErrore = 0x0\n** Messaggio di Errore\nGenerazione chiavi fallita error "
+                    "inizializza (Operazione completata con successo)\n"));
+    module.add_rules("C_Sign:1:answer:0x101");
+    EXPECT_EQ(request(), 1);
+    EXPECT_STREQ(szSockMsg, "Firma sequenza di hash fallita (error login 0)");
+    module.add_rules("C_GenerateKeyPair:1:answer:0x101;C_Login:2:answer:0x30");
+    EXPECT_EQ(request("DS4"), 1);
+    EXPECT_EQ(module.calls("C_GenerateKeyPair"), 4u) << "a failing login leads to the second try";
+    EXPECT_EQ(triesLeft(), 3);
+}
+
+TEST_F(Flow, SignatureFailuresNameTheirCode) {
+    ASSERT_EQ(read().result, 0);
+    module.add_rules("C_SignInit:1:answer:0x60");
+    EXPECT_EQ(request(), 1);
+    EXPECT_TRUE(
+        has(log.text(),
+            "C_SignInit\nErrore = 0x96\n** Messaggio di Errore\nInizializzazione firma della sequenza di "
+            "hash fallita (L'handle selezionato non e' una chiave valida)\n"));
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
+                 "(error 1)");
+    module.add_rules("C_Sign:1:absurd:length");
+    EXPECT_EQ(request(), 1) << "a signature longer than its room is none";
+    EXPECT_EQ(request(), 0) << "the pair is used again";
+}
+
+TEST_F(Flow, WithoutASubjectNothingIsSaidToTheUser) {
+    ASSERT_EQ(read().result, 0);
+    subject = "/CN=Ada";
+    EXPECT_EQ(request(), 1);
+    EXPECT_STREQ(szSockMsg, "");
+    EXPECT_TRUE(has(log.text(),
+                    "** Messaggio di Errore\nDati per costruire il distinguished name non specificati\n"));
+}
+
+TEST_F(Flow, FailuresOfTheSigningStep) {
+    ASSERT_EQ(read().result, 0);
+    EXPECT_EQ(request("DS3", "DS9"), static_cast<int>(ZVC_ERR_KEY));
+    EXPECT_TRUE(has(log.text(), "Richiesta firma con chiave CKA_ID: DS9\n"));
+    EXPECT_TRUE(has(log.text(), "[]: Funzione kvSignFile() error!\n"));
+    EXPECT_STRNE(szBuffErr, "");
+    EXPECT_TRUE(std::filesystem::exists("/tmp/tmpReqFile")) << "the files of a failure are left";
+    module.add_rules("C_Login:2:answer:0xA4");
+    EXPECT_EQ(request(), static_cast<int>(ZVC_ERR_PIN_LOCKED));
+    EXPECT_TRUE(has(log.text(), "[]: Funzione DoInitialize() error!\n"));
+    EXPECT_EQ(request(), 0);
+}
+
+class PlantedFile : public Flow {
+  protected:
+    ~PlantedFile() override {
+        std::error_code error;
+        std::filesystem::remove_all("/tmp/tmpReqFile", error);
+    }
+};
+
+TEST_F(PlantedFile, RequestFileIsOursOrTheRequestFails) {
+    ASSERT_EQ(read().result, 0);
+    const auto target = log.folder() / "target";
+    std::ofstream(target) << "kept";
+    std::filesystem::remove("/tmp/tmpReqFile");
+    std::filesystem::create_symlink(target, "/tmp/tmpReqFile");
+    EXPECT_EQ(request(), 0) << "a link itself is removed";
+    EXPECT_EQ(std::filesystem::file_size(target), 4u);
+    std::filesystem::create_directory("/tmp/tmpReqFile");
+    EXPECT_EQ(request(), 100);
+    EXPECT_STREQ(szBuffErr, "Primo File temporaneo non trovato");
+    EXPECT_TRUE(has(log.text(), "[]: Primo File temporaneo non trovato\n[]: Funzione fopen() error!\n"));
+    EXPECT_EQ(objects().size(), 9u) << "the pending pair stays";
+}
+
+} // namespace

@@ -1,0 +1,220 @@
+// Token objects: searching, deleting, relabelling, markers, censuses and dumps, in a session of the test's own.
+#include "store/objects.h"
+#include "store/renewal_state.h"
+#include "tests/flows/flow.h"
+
+namespace {
+
+using namespace zvtest;
+using Lines = std::vector<std::string>;
+
+class Store : public Flow {
+  protected:
+    void SetUp() override {
+        std::string pin = PIN, library = path();
+        ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+        log.clear();
+    }
+    void addData(const char* label, const std::string& value, bool modifiable = true) {
+        ASSERT_EQ(DataStore(zv::hSession, label, value.c_str(), "", modifiable, true), 0u);
+    }
+    unsigned deleteOne(CK_OBJECT_CLASS objectClass, std::string id) {
+        return DeleteAnObject(zv::hSession, objectClass, id.data());
+    }
+    int deleteAll(std::string text) { return DeleteObjectByLabel(zv::hSession, text.data()); }
+};
+
+TEST_F(Store, OneObjectIsDeletedByItsExactIdentifier) {
+    EXPECT_EQ(deleteOne(CKO_CERTIFICATE, "DS"), 0xFFFFFFFFu);
+    EXPECT_EQ(zv::rv, CKR_OK);
+    EXPECT_TRUE(has(log.text(), "** DeleteAnObject\nErrore nella cancellazione\nLabel = DS\n"));
+    EXPECT_EQ(deleteOne(CKO_CERTIFICATE, "DS0"), 0u);
+    module.add_rules("C_FindObjectsFinal:1:do-and-answer:0x30");
+    EXPECT_EQ(deleteOne(CKO_PUBLIC_KEY, "DS0"), 0xFFFFFFFFu)
+        << "a search that cannot be closed found nothing";
+    module.add_rules("C_DestroyObject:1:answer:0x31");
+    EXPECT_EQ(deleteOne(CKO_PUBLIC_KEY, "DS0"), 0x31u);
+    EXPECT_EQ(objects().size(), 6u);
+}
+
+TEST_F(Store, DeletionByTextTakesEveryClassAndGoesOnAfterAFailure) {
+    addData("note", "text");
+    module.add_rules("C_DestroyObject:1:answer:0x31");
+    EXPECT_EQ(deleteAll("S0"), 0);
+    EXPECT_TRUE(
+        has(log.text(),
+            "Trovato Oggetto CKO_PUBLIC_KEY\n\n** DeleteObjectByLabel\nErrore nella cancellazione Oggetto "
+            "CKO_PUBLIC_KEY\nLabel = S0\n"));
+    EXPECT_TRUE(has(log.text(), "Cancellazione Oggetto CKO_CERTIFICATE effettuata\n"));
+    EXPECT_EQ(objects(),
+              (Lines{"data  labelled note", "certificate AUTHCertificate0", "private key AUTHCertificate0",
+                     "public key AUTHCertificate0", "public key DS0", "certificate Korvalenta Firma Dig"}));
+    module.add_rules("C_FindObjectsInit:1:answer:0x30");
+    EXPECT_EQ(deleteAll("DS"), 1);
+    module.add_rules("C_FindObjects:1:answer:0x30");
+    EXPECT_EQ(deleteAll("DS"), 1);
+    EXPECT_EQ(deleteAll(""), 0);
+    EXPECT_EQ(objects(), (Lines{"data  labelled note"})) << "data without an identifier is passed over";
+}
+
+TEST_F(Store, PendingPrefixIsDeletedWithANewSearchEach) {
+    for (const char* label : {"pending_a", "other", "pending_b", "pending_CNS_key"})
+        addData(label, "1");
+    module.reset();
+    module.record();
+    EXPECT_EQ(DeleteAllPending(nullptr), 0);
+    EXPECT_EQ(module.calls("C_DestroyObject"), 3u);
+    EXPECT_EQ(module.calls("C_FindObjectsInit"), 4u);
+    EXPECT_EQ(module.calls("C_FindObjectsFinal"), 3u) << "the last search stays open";
+    zv::endSearch(zv::hSession);
+    EXPECT_TRUE(has(log.text(), "**  .... DeleteAllPending (Objects) FUN .... \nC_FindObjectsInit\n"));
+}
+
+TEST_F(Store, PrivateKeyDecidesWhetherAPairIsPending) {
+    std::strcpy(zv::pendingLabel, "DS0");
+    EXPECT_EQ(CheckPendingKeys(nullptr, true), 0);
+    EXPECT_NE(zv::hPrivateKey, 0u);
+    EXPECT_NE(zv::hPublicKey, 0u);
+    ASSERT_EQ(deleteOne(CKO_PRIVATE_KEY, "DS0"), 0u);
+    log.clear();
+    EXPECT_EQ(CheckPendingKeys(nullptr, false), 100);
+    EXPECT_NE(zv::hPublicKey, 0u);
+    EXPECT_EQ(zv::hPrivateKey, 0u);
+    EXPECT_FALSE(has(log.text(), "Messaggio di Errore"));
+    zv::pendingLabel[0] = '\0';
+    EXPECT_EQ(CheckPendingKeys(nullptr, false), 0) << "every key contains nothing";
+    for (const char* rule :
+         {"C_FindObjectsInit", "C_FindObjects", "C_GetAttributeValue", "C_FindObjectsFinal"}) {
+        module.add_rules(std::string(rule) + ":1:answer:0x30");
+        EXPECT_EQ(CheckPendingKeys(nullptr, true), 1) << rule;
+        zv::endSearch(zv::hSession);
+    }
+}
+
+TEST_F(Store, MarkersAreWrittenOnceAndRemoved) {
+    const std::string longLabel(65, 'l'), longValue(2049, 'v');
+    module.reset();
+    EXPECT_EQ(DataStore(zv::hSession, longLabel.c_str(), "1", "", false, true), 0xFFFFFFFFu);
+    EXPECT_EQ(DataStore(zv::hSession, "l", "", "", false, true), 0xFFFFFFFFu);
+    EXPECT_EQ(DataStore(zv::hSession, "l", longValue.c_str(), "", false, true), 0xFFFFFFFFu);
+    EXPECT_EQ(module.calls(), 0u);
+    module.record();
+    addData("pending_CNS_key", "1");
+    EXPECT_TRUE(has(module.recorded(),
+                    "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_LABEL 15 "
+                    "70656E64696E675F434E535F6B6579, CKA_PRIVATE 1 01, CKA_MODIFIABLE 1 01, CKA_TOKEN 1 "
+                    "01, CKA_VALUE "))
+        << module.recorded();
+    // SoftHSM does not let it be changed, and the code comes through.
+    EXPECT_EQ(DataStore(zv::hSession, "pending_CNS_key", "2", "", true, true),
+              unsigned{CKR_ATTRIBUTE_READ_ONLY});
+    EXPECT_EQ(module.calls("C_CreateObject"), 1u);
+    EXPECT_EQ(module.calls("C_SetAttributeValue"), 1u);
+    char label[] = "pending_CNS_key";
+    EXPECT_EQ(DeleteDataPendingCNS(zv::hSession, label), 0u);
+    EXPECT_EQ(DeleteDataPendingCNS(zv::hSession, label), 0u);
+    EXPECT_EQ(objects().size(), 7u);
+    EXPECT_EQ(log.text(), "");
+    char certificate[] = "DS0";
+    EXPECT_EQ(DeleteDataPendingCNS(zv::hSession, certificate), 0u);
+    EXPECT_EQ(objects().size(), 7u) << "only data is a marker";
+}
+
+TEST_F(Store, CensusTellsWhatTheCardHolds) {
+    std::strcpy(zv::certificateLabel, "DS0");
+    std::strcpy(zv::pendingLabel, "AUTHCertificate0");
+    char text[1536] = "";
+    EXPECT_EQ(FindAllObjects(0, text), 4);
+    ASSERT_EQ(deleteAll("DS0"), 0);
+    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "Korvalenta Firma Dig"), 0u);
+    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
+    text[0] = '\0';
+    EXPECT_EQ(FindAllObjects(0, text), 3);
+    EXPECT_STREQ(text, "* Chiave pubblica \tkey type: RSA key\r\n* Chiave privata \tkey type: RSA key\r\n");
+    std::memset(text, 'x', 1500);
+    text[1500] = '\0';
+    FindAllObjects(0, text);
+    EXPECT_EQ(std::string(text).substr(1500), "") << "whole lines only";
+    ASSERT_EQ(deleteAll(""), 0);
+    text[0] = '\0';
+    EXPECT_EQ(FindAllObjects(0, text), 0);
+    addData("note", "x");
+    EXPECT_EQ(FindAllObjects(0, text), 2);
+    EXPECT_STREQ(text, "* Dati\r\n");
+    module.add_rules("C_GetAttributeValue:2:answer:0x30");
+    EXPECT_EQ(FindAllObjects(0, text), 1);
+}
+
+TEST_F(Store, BlankCardsHaveEveryIdentifierFree) {
+    char pra[32], aut[32];
+    ASSERT_EQ(deleteAll(""), 0);
+    EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
+    EXPECT_STREQ(pra, "DS3");
+    EXPECT_STREQ(aut, "AUTHCertificate3");
+    module.add_rules("C_GetAttributeValue:1:answer:0x30");
+    addData("note", "x");
+    EXPECT_EQ(findFreeCKAID(pra, aut, false), -1);
+    EXPECT_STREQ(pra, "");
+    ckaid table[ZV_CKAIDS] = {};
+    std::strcpy(table[9].id, "DS3");
+    EXPECT_TRUE(presente(table, "DS3"));
+    EXPECT_TRUE(presente(table, "")) << "an empty identifier matches an empty record";
+    EXPECT_FALSE(presente(table, "DS"));
+}
+
+TEST_F(Store, FirstKeysAreNeverPending) {
+    char pra[32], aut[32];
+    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "DS0"), 0u);
+    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
+    EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
+    EXPECT_STREQ(pra, "DS3");
+    EXPECT_STREQ(aut, "AUTHCertificate3");
+    int pendingPRA = 0, pendingAUT = 0;
+    EXPECT_EQ(Find_ALL_Pending(&pendingPRA, &pendingAUT, pra, aut), 0);
+    EXPECT_EQ(pendingPRA + pendingAUT, 0);
+    EXPECT_STREQ(pra, "") << "no signature certificate, no proposal";
+    EXPECT_STREQ(aut, "AUTHCertificate3") << "the authority's certificate counts as the other kind";
+}
+
+TEST_F(Store, DumpListsAndCountsEveryObject) {
+    finalizza();
+    std::string out, pin = PIN, library = path();
+    ASSERT_EQ(renewDump(library.data(), pin.data(), 0, out), 0);
+    EXPECT_TRUE(out.starts_with("Dump Smart Card 9000111122223333\n\nCKO_PUBLIC_KEY,DS0,DS0,")) << out;
+    EXPECT_TRUE(has(out, "\nTrovati 7 oggetti\n\n"));
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(!line.starts_with("CKO_") || std::count(line.begin(), line.end(), ',') == 4) << line;
+    EXPECT_EQ(zv::hSession, 0u);
+    module.add_rules("C_FindObjects:3:answer:0x30");
+    EXPECT_EQ(renewDump(library.data(), pin.data(), 0, out), 0);
+    EXPECT_FALSE(has(out, "Trovati"));
+    EXPECT_EQ(renewDump(library.data(), pin.data(), 9, out), static_cast<int>(CKR_SLOT_ID_INVALID));
+}
+
+TEST_F(Store, FullOpenerIsStricterThanTheLightOne) {
+    std::string pin = PIN, wrong = "0", none, library = path();
+    EXPECT_EQ(inizializza(library.data(), wrong.data(), 0, nullptr, CKU_USER), 2);
+    EXPECT_STREQ(szSockMsg, "") << "the caller words a wrong PIN";
+    module.add_rules("C_Login:1:do-and-answer:0x100");
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nel login alla smartcard (La smartcard ha gia' un login in corso. Ripetere "
+                 "l'operazione)");
+    module.add_rules("C_Initialize:1:do-and-answer:0x191");
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nella inizializzazione della libreria di gestione della smartcard (Libreria "
+                 "crittografica non finalizzata. Ripetere l'operazione)");
+    module.add_rules("C_OpenSession:1:answer:0xE0");
+    log.clear();
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_TRUE(
+        std::string(szSockMsg).starts_with("Errore aprendo la sessione con la smartcard (Nessuna smartcard"));
+    EXPECT_TRUE(has(log.text(),
+                    "** Messaggio di Errore\nErrore aprendo la sessione con la smartcard.\r\nIntrodurre "
+                    "correttamente la smartcard nel lettore e riprovare\n"));
+    EXPECT_EQ(inizializza(library.data(), none.data(), 0, nullptr, CKU_USER), 0);
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+// Storing: the certificate and its pair, and what is on the card when it is refused.
+#include "tests/flows/flow.h"
+
+namespace {
+
+using namespace zvtest;
+using Lines = std::vector<std::string>;
+
+class Storing : public Flow {
+  protected:
+    // A card with a pending pair DS3 and the certificate for it.
+    void SetUp() override {
+        ASSERT_EQ(read().result, 0);
+        ASSERT_EQ(request(), 0);
+        certificate = issue();
+        before = objects();
+        log.clear();
+    }
+    std::string certificate;
+    Lines before;
+};
+
+TEST_F(Storing, CertificateIsWrittenWithNineAttributes) {
+    module.record();
+    ASSERT_EQ(save(certificate, true), 0);
+    const std::string calls = module.recorded();
+    const std::size_t at = calls.find("C_CreateObject");
+    const std::string line = calls.substr(at, calls.find('\n', at) - at);
+    EXPECT_TRUE(has(line, "pTemplate={CKA_CLASS 8 0100000000000000, CKA_TOKEN 1 01, CKA_CERTIFICATE_TYPE 8 "
+                          "0000000000000000, CKA_ID 3 445333, CKA_LABEL 3 445333, CKA_VALUE "))
+        << line;
+    EXPECT_TRUE(has(line, "CKA_SUBJECT ") && has(line, "CKA_ISSUER ") && has(line, "CKA_SERIAL_NUMBER "))
+        << line;
+    EXPECT_TRUE(pairWorks("DS3"));
+}
+
+TEST_F(Storing, CertificateOfAnotherKeyIsRefusedAndThePairStays) {
+    requestText.clear();
+    ASSERT_EQ(requestAuthentication("AUTHCertificate3", "AUTHCertificate0"), 0);
+    const std::string other = issue();
+    before = objects();
+    log.clear();
+    EXPECT_EQ(save(other, true), 1);
+    EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
+    EXPECT_TRUE(has(log.text(),
+                    "C_CreateObject\nCertificato non corrispondente alle chiavi presenti sulla smartcard\n"));
+    EXPECT_TRUE(
+        has(log.text(),
+            "** Messaggio di Errore\nIl certificato non corrisponde alla coppia di chiavi presente sulla "
+            "smartcard\n"));
+    EXPECT_TRUE(has(log.text(), "**  .... RechangeValueObject FUN        .... \nF I N E\nLabel = DS3\n"));
+    EXPECT_EQ(objects(), before);
+    EXPECT_EQ(save(certificate, true), 0) << "the right one is still taken";
+}
+
+TEST_F(Storing, ATextThatIsNoCertificateTouchesNothing) {
+    for (const std::string& text : {std::string(), std::string("no certificate"), std::string(9000, 'A')}) {
+        EXPECT_EQ(save(text, false), 1) << text.substr(0, 20);
+        EXPECT_EQ(objects(), before);
+    }
+    EXPECT_TRUE(has(log.text(), "[]: Operazione non inviata: il certificato non e' leggibile"));
+    EXPECT_EQ(save("no certificate", true), 1);
+    EXPECT_TRUE(has(log.text(),
+                    "** Messaggio di Errore\nErrore nella scansione del certificato da memorizzare sulla "
+                    "smartcard\n"));
+    EXPECT_EQ(objects(), before);
+}
+
+TEST_F(Storing, WithoutAPendingPairNothingIsWritten) {
+    EXPECT_EQ(save(certificate, true, "DS0", "DS4"), 1);
+    EXPECT_TRUE(
+        has(log.text(),
+            "Chiave Pending Non trovata\n\n** Messaggio di Errore\nNon esiste alcuna chiave privata da "
+            "certificare sulla smartcard (Operazione completata con successo)\n"));
+    EXPECT_TRUE(has(log.text(), "CheckPendingKeys\nErrore = 0x100\n"));
+    EXPECT_EQ(objects(), before);
+}
+
+TEST_F(Storing, AFailureAtAnyCallLeavesThePairThere) {
+    for (int call = 1; call < 200; ++call) {
+        module.reset();
+        module.add_rules("*:" + std::to_string(call) + ":answer:0x30");
+        const int result = save(certificate, true);
+        const bool met = module.rules_left() == 0;
+        module.reset();
+        if (result == 0 && !met) break;
+        Lines now = objects();
+        std::erase(now, "certificate DS3");
+        ASSERT_EQ(now, before) << "call " << call;
+        if (result == 0) break;
+    }
+    ASSERT_EQ(save(certificate, true), 0);
+    EXPECT_TRUE(pairWorks("DS3"));
+    EXPECT_TRUE(pairWorks("DS0"));
+}
+
+TEST_F(Storing, AModuleThatDoesNotReadKeysIsTrusted) {
+    module.add_rules("C_GetAttributeValue:16:answer:0x6");
+    module.record();
+    ASSERT_EQ(save(certificate, true), 0) << module.recorded();
+    EXPECT_TRUE(has(log.text(),
+                    "**  .... InstallUserCertificate FUN     .... \nC_GetAttributeValue\nErrore = 0x6\n"));
+}
+
+TEST_F(Storing, EmptyAndBlankLabelsBecomeTheFirstOnesInTheHostsBuffer) {
+    std::string pin = PIN, pending = "DS3";
+    char label[16] = "   ";
+    ASSERT_EQ(rinnovo_Card_saveCertPRA(pin.data(), label, pending.data(), certificate.data(), true), 0);
+    EXPECT_STREQ(label, "DS0");
+    char authentication[32] = "";
+    rinnovo_Card_saveCertAUT(pin.data(), authentication, pending.data(), certificate.data(), true);
+    EXPECT_STREQ(authentication, "AUTHCertificate0");
+    EXPECT_EQ(rinnovo_Card_saveCertPRA(nullptr, nullptr, nullptr, nullptr, true), -10000);
+}
+
+TEST_F(Storing, LineBreaksOfTheTextDoNotMatter) {
+    std::string windows = certificate;
+    for (std::size_t at = 0; (at = windows.find('\n', at)) != std::string::npos; at += 2)
+        windows.insert(at, "\r");
+    EXPECT_EQ(save(windows, false), 0) << szBuffErr;
+    EXPECT_TRUE(pairWorks("DS3"));
+}
+
+} // namespace
