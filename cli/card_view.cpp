@@ -133,13 +133,15 @@ CardView view_card(OpenedCard& card) {
 CardNow card_now(OpenedCard& card) {
     try {
         const CardView view = view_card(card);
-        return {true, view.in_words(), view.waiting_pairs()};
+        return {view, view.in_words()};
     } catch (const Stop& stop) {
-        return {false, "cannot be read. " + stop.sentence, {}};
+        return {std::nullopt, "cannot be read. " + stop.sentence};
     }
 }
 
 bool CardNow::waits(const std::string& pair) const {
+    if (!view) return false;
+    const std::vector<std::string> waiting = view->waiting_pairs();
     return std::find(waiting.begin(), waiting.end(), pair) != waiting.end();
 }
 

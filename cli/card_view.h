@@ -3,6 +3,7 @@
 #include "cli/pin_gate.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,11 +53,10 @@ void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
 /// Reads what is on the card, in a session of its own. @throws Stop
 [[nodiscard]] CardView view_card(OpenedCard& card);
 
-/// What is on the card after a failure.
+/// What is on the card once it may have been changed.
 struct CardNow {
-    bool readable = false;
-    std::string words; ///< in_words() of a new view, or why there is none
-    std::vector<std::string> waiting;
+    std::optional<CardView> view; ///< none when the card cannot be read
+    std::string words;            ///< in_words() of the view, or why there is none
 
     [[nodiscard]] bool waits(const std::string& pair) const;
 };

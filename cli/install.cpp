@@ -7,6 +7,7 @@
 #include "cli/new_file.h"
 #include "cli/note.h"
 #include "cli/proof.h"
+#include "cli/signals.h"
 #include "zvRenew.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     const CardNow now = card_now(card);
     stop.card = now.words;
     stop.advice =
-        !now.readable ? "Put the card in the reader and run the same command again."
+        !now.view ? "Put the card in the reader and run the same command again."
         : now.waits(plan.pair)
             ? fmt::format("The pair {} still waits for the certificate: run the same command again.",
                           plan.pair)
@@ -97,8 +98,9 @@ std::string old_in_words(const InstallPlan& plan, const std::vector<std::string>
 }
 
 Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup) {
-    const CardView after = view_card(card);
-    const std::vector<std::string> left = still_there(plan, after);
+    const CardNow now = card_now(card);
+    const std::vector<std::string> left =
+        now.view ? still_there(plan, *now.view) : std::vector<std::string>();
     Report report;
     report.json = card_json(card);
     report.json["kind"] = kind_name(plan.kind);
@@ -108,12 +110,12 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["removed"] = plan.removed;
     report.json["not_removed"] = left;
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
-    report.json["on_card"] = after.in_words();
+    report.json["on_card"] = now.words;
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
-                              kind_name(plan.kind), plan.pair, old_in_words(plan, left));
+                              kind_name(plan.kind), plan.pair, now.view ? old_in_words(plan, left) : "");
     if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
-    report.text += fmt::format("\nNow on the card: {}\nLog: {}", after.in_words(), log_path());
+    report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.words, log_path());
     return report;
 }
 
@@ -125,6 +127,7 @@ Report run_install(const InstallOptions& options) {
     const CardView before = view_card(card);
     const Inventory inventory = read_inventory(card, before);
     const InstallPlan plan = plan_install(options, files, inventory, before);
+    hold_signals();
     const std::string backup = save_backup(options, plan);
     say_what_comes(plan);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)

@@ -53,7 +53,8 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     const std::string reason = crypto_reason(code);
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
-        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_now(place)));
+        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_now(place)),
+                   "Make sure of the PIN before the next try.");
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 

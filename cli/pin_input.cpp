@@ -51,12 +51,18 @@ class QuietTerminal {
     termios before_{};
 };
 
-Pin typed(int terminal) {
+void say(int terminal, const std::string& text) {
+    // A terminal that takes no text still gives the PIN.
+    [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
+}
+
+// The prompt comes once the terminal is quiet: what is typed after it is neither shown nor thrown away.
+Pin typed(int terminal, const std::string& prompt) {
     const QuietTerminal quiet(terminal);
+    say(terminal, prompt);
     Pin pin;
     char c = 0;
-    while (read_char(terminal, c) && c != '\n' && c != '\r' && c != end_of_input) {
-        if (c == end_of_text) throw Stop(Exit::refused, "Stopped at the PIN.");
+    while (read_char(terminal, c) && c != '\n' && c != '\r' && c != end_of_input && c != end_of_text) {
         if (c == backspace || c == del)
             pin.remove_last();
         else if (c == kill_line)
@@ -64,23 +70,17 @@ Pin typed(int terminal) {
         else
             pin.add(c);
     }
+    say(terminal, "\n");
+    if (c == end_of_text) throw Stop(Exit::refused, "Stopped at the PIN.");
     c = '\0';
     return pin;
-}
-
-void say(int terminal, const std::string& text) {
-    // A terminal that takes no text still gives the PIN.
-    [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
 }
 
 Pin pin_from_terminal(const std::string& reader) {
     const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
         throw Stop(Exit::refused, "There is no terminal to ask for the PIN on.", "Give --pin-file FILE.");
-    say(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
-    Pin pin = typed(terminal.get());
-    say(terminal.get(), "\n");
-    return pin;
+    return typed(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
 }
 
 void warn_when_others_can_read(int fd, const std::string& path) {

@@ -7,6 +7,7 @@
 #include "cli/log_folder.h"
 #include "cli/new_file.h"
 #include "cli/note.h"
+#include "cli/signals.h"
 #include "zvRenew.h"
 
 #include <cstring>
@@ -97,12 +98,14 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
 
 Report run_request(const RequestOptions& options) {
     std::optional<DistinguishedName> subject = given_subject(options);
-    std::optional<NewFile> out;
-    if (!options.out.empty()) out.emplace(options.out);
+    if (!options.out.empty()) NewFile trial(options.out); // made and gone again: a bad name is told of now
     OpenedCard card = open_card(options, Use::changing);
     const CardView view = view_card(card);
     const Inventory inventory = read_inventory(card, view);
     const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
+    hold_signals();
+    std::optional<NewFile> out;
+    if (!options.out.empty()) out.emplace(options.out);
     say_what_comes(plan);
     const std::string text = ask_library(card, plan, options.kind);
     check_request(card, plan, text);

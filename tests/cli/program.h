@@ -94,15 +94,7 @@ class ProgramTest : public testing::Test {
                " ZVSIMCARD_RULES='" + rules + "' " ZVRENEW " " + arguments;
     }
 
-    Outcome tool(const std::string& arguments) { return shell(ZVSIMCARD_TOOL " " + arguments); }
-
-    [[nodiscard]] fs::path home() const { return folder_.path() / "home"; }
-    [[nodiscard]] fs::path work() const { return folder_.path() / "work"; }
-    [[nodiscard]] fs::path file(const std::string& name) const { return work() / name; }
-    [[nodiscard]] fs::path trace() const { return folder_.path() / "trace"; }
-    [[nodiscard]] fs::path pin_file() const { return folder_.path() / "pin"; }
-
-  private:
+    /// Runs a command in the working folder.
     Outcome shell(const std::string& command) {
         fs::remove(trace());
         const fs::path errors = folder_.path() / "stderr";
@@ -118,6 +110,15 @@ class ProgramTest : public testing::Test {
         return outcome;
     }
 
+    Outcome tool(const std::string& arguments) { return shell(ZVSIMCARD_TOOL " " + arguments); }
+
+    [[nodiscard]] fs::path home() const { return folder_.path() / "home"; }
+    [[nodiscard]] fs::path work() const { return folder_.path() / "work"; }
+    [[nodiscard]] fs::path file(const std::string& name) const { return work() / name; }
+    [[nodiscard]] fs::path trace() const { return folder_.path() / "trace"; }
+    [[nodiscard]] fs::path pin_file() const { return folder_.path() / "pin"; }
+
+  private:
     [[nodiscard]] fs::path passwd() const { return folder_.path() / "passwd"; }
 
     simcard::TestCards cards_;

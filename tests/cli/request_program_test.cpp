@@ -85,8 +85,17 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 
-// A certificate without its public key on the card keeps the library from seeing that the identifier is taken.
-TEST_F(RequestProgramTest, NeverTakesALiveIdentifierForAFreeOne) {
+// A person who thinks that the program hangs presses Ctrl-C.
+TEST_F(RequestProgramTest, FinishesWhatItBeganOnTheCardWhenInterrupted) {
+    make_card();
+    const std::string request = command("request signature --out r --pin-file " + pin_file().string(),
+                                        "C_GenerateKeyPair:1:delay:3000000");
+    const Outcome outcome = shell("timeout --preserve-status -s INT 1.5 " + request);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_FALSE(key_of("r").empty());
+}
+
+TEST_F(RequestProgramTest, RefusesAnIdentifierThatIsPartOfALiveOne) {
     make_card_with({"DS0", "DS31"});
     const Outcome outcome = with_pin("request signature --certificate DS0 --out r");
     EXPECT_EQ(outcome.code, 2) << outcome.err;

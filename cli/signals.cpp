@@ -1,0 +1,17 @@
+#include "cli/signals.h"
+
+#include <csignal>
+#include <initializer_list>
+
+namespace cli {
+
+void hold_signals() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGTSTP})
+        sigaddset(&held, signal);
+    // Only an unknown signal or mode can fail here.
+    pthread_sigmask(SIG_BLOCK, &held, nullptr);
+}
+
+} // namespace cli
