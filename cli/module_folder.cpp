@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 #ifdef __APPLE__
+#include <cstdint>
 #include <mach-o/dyld.h>
 #endif
 
