@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -45,9 +44,17 @@ class LogFile {
     }
     /// What was logged, the times gone: "[]: line" and "** title".
     [[nodiscard]] std::string text() const {
-        static const std::regex line(R"(\[\d\d \w{3} \d{4} \d\d:\d\d:\d\d\]: )");
-        static const std::regex title(R"(\*{10} - \d\d/\w{3}/\d{4} \d\d:\d\d:\d\d - )");
-        return std::regex_replace(std::regex_replace(raw(), line, "[]: "), title, "** ");
+        static const std::string title = "********** - 24/Nov/2026 22:05:00 - ", line = "[24 Nov 2026 22:05:00]: ";
+        std::istringstream all(raw());
+        std::string masked;
+        for (std::string read; std::getline(all, read);) {
+            if (read.size() >= title.size() && read.starts_with("********** - "))
+                read.replace(0, title.size(), "** ");
+            else if (read.size() >= line.size() && read[0] == '[' && read.substr(line.size() - 3, 3) == "]: ")
+                read.replace(0, line.size(), "[]: ");
+            masked += read + '\n';
+        }
+        return masked;
     }
 
   private:
