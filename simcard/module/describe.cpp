@@ -1,6 +1,6 @@
 #include "simcard/module/describe.h"
 
-#include "simcard/module/hexadecimal.h"
+#include "simcard/common/hexadecimal.h"
 
 #include <algorithm>
 #include <charconv>

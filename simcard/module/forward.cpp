@@ -1,6 +1,6 @@
 #include "simcard/module/forward.h"
 
-#include "simcard/module/object_order.h"
+#include "simcard/common/object_order.h"
 #include "simcard/module/state.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "simcard/module/key_file.h"
 
+#include "simcard/common/hexadecimal.h"
 #include "simcard/common/problem.h"
-#include "simcard/module/hexadecimal.h"
 
 #include <fcntl.h>
 #include <fstream>

@@ -1,5 +1,5 @@
+#include "simcard/common/object_order.h"
 #include "simcard/module/forward.h"
-#include "simcard/module/object_order.h"
 #include "simcard/module/own_functions.h"
 #include "simcard/module/state.h"
 

@@ -1,7 +1,7 @@
 #include "simcard/common/card_folder.h"
+#include "simcard/common/object_order.h"
 #include "simcard/common/text.h"
 #include "simcard/module/forward.h"
-#include "simcard/module/object_order.h"
 #include "simcard/module/own_functions.h"
 #include "simcard/module/state.h"
 

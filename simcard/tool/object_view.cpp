@@ -2,7 +2,7 @@
 
 #include "simcard/authority/errors.h"
 #include "simcard/authority/name.h"
-#include "simcard/module/hexadecimal.h"
+#include "simcard/common/hexadecimal.h"
 #include "simcard/tool/token_session.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "simcard/tool/token_session.h"
 
-#include "simcard/module/object_order.h"
+#include "simcard/common/object_order.h"
 
 namespace simcard {
 namespace {

@@ -1,7 +1,7 @@
-#include "simcard/module/object_order.h"
+#include "simcard/common/object_order.h"
 
 #include "simcard/common/card_folder.h"
-#include "simcard/module/hexadecimal.h"
+#include "simcard/common/hexadecimal.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "simcard/module/hexadecimal.h"
+#include "simcard/common/hexadecimal.h"
 
 #include <charconv>
 

@@ -12,7 +12,7 @@ namespace simcard {
 /*
  * SoftHSM gives the objects of a token in an order that changes from process to process. A card gives them in
  * the order in which they were made: a file in the card's folder keeps it, one fingerprint a line. An object
- * that was not made here (by the tool, say) gets its place when a search finds it first.
+ * that was made past the card (straight at SoftHSM) gets its place when a search finds it first.
  */
 
 /// A line of text that tells an object from the others of its card and is the same in every process: its
