@@ -121,6 +121,16 @@ TEST(InstallNames, ShortNamesBecomeOids) {
     EXPECT_STREQ(name, "x, D=1/D=2, D=3/D=4/N=5");
 }
 
+TEST(InstallNames, ManyAtOnce) {
+    char first[8216] = "x, O=a", last[8216] = "x, D=1, D=2", *names[16] = {};
+    names[0] = first;
+    EXPECT_EQ(ConvertiCertificato(names), 0);
+    EXPECT_STREQ(first, "x,2.5.4.10=a");
+    names[15] = last;
+    EXPECT_EQ(ConvertiCertificato(names), 1) << "the result of the last one";
+    EXPECT_STREQ(last, "x,2.5.4.13=1/D=2");
+}
+
 int decoded(std::string pem, std::string& der) {
     char out[8191] = {};
     const int length = CrtB64ToDer(pem.data(), out);

@@ -21,6 +21,25 @@ TEST(Text, TrimsBlanksAlone) {
     EXPECT_EQ(RTrim(nullptr), nullptr);
 }
 
+TEST(Text, IsChangedInPlace) {
+    EXPECT_EQ(changed(_strupr, "libX.so\xE8"), "LIBX.SO\xE8");
+    EXPECT_EQ(changed(_strlwr, "CNSPKCS11.dylib"), "cnspkcs11.dylib");
+    EXPECT_EQ(changed(VirgolaToPunto, "1,2,"), "1.2.");
+    EXPECT_EQ(_strlwr(nullptr), nullptr);
+}
+
+TEST(Text, NumbersAreDecimalWhateverTheRadix) {
+    char text[32];
+    EXPECT_STREQ(_itoa(-255, text, 16), "-255");
+    EXPECT_STREQ(_ltoa(LONG_MIN, text, 2), "-9223372036854775808");
+    EXPECT_STREQ(ItoA(7), "7");
+    EXPECT_STREQ(LtoA(4294967296L), "4294967296");
+    EXPECT_STREQ(LtoAHex(4294967296L), "4294967296");
+    EXPECT_STREQ(ILtoAbuffHex, "4294967296");
+    EXPECT_STREQ(CatLtoAHex(text, "h", 4294967296L), "h0x4294967296");
+    EXPECT_STREQ(CatItoAHex2("n", 3), "n0x3");
+}
+
 TEST(Text, NumbersCarryHexPrefixAndDecimalDigits) {
     EXPECT_STREQ(CatItoAHex1("Errore = ", 255), "Errore = 0x255");
     EXPECT_STREQ(CatLtoAHex2("Errore = ", 0x80000001L), "Errore = 0x2147483649");
@@ -122,7 +141,9 @@ TEST(Numbers, DatesAndEncodings) {
     EXPECT_EQ(DataToLong(empty), 0);
     EXPECT_STREQ(X1(hundred), "16379");
     EXPECT_STREQ(X2(empty), "");
+    EXPECT_STREQ(X2(X1(hundred)), "472191");
     EXPECT_STREQ(x1, "16379");
+    EXPECT_STREQ(XX(x1, x1), "472191") << "text and output may be one";
     EXPECT_NE(std::string(X3(huge)), "");
 }
 
