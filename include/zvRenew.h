@@ -156,7 +156,7 @@ ZV_API void set_ATRini_path(const char* dir);
  * @param[out] pendingCNS  1 when the card's marker says that a request for its own pair is under way, else 0
  * @param[out] pendingPRA, pendingAUT  1 when a pair generated for a request waits for its certificate, else
  *                                     0. The first pending pair found ends the search: at most one of the two
- *                                     is reported. A search that failed leaves 0 and empty keys
+ *                                        is reported. A search that failed leaves 0 and empty keys
  * @param[out] keyPRA, keyAUT  32 characters each: the pending pair's identifier; else a free identifier for a
  *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
  *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
@@ -170,8 +170,8 @@ ZV_API void set_ATRini_path(const char* dir);
  *         no slot of the module belongs to the reader, the module cannot be used, or the inventory failed;
  *         the PKCS#11 result of the session that could not be opened; a code of the crypto library. With no
  *         reader at all, detection ends without a module and the session fails with -1.
- * After a failure: nothing on the card has changed; the lists may hold records without a count. A wrong PIN
- * has cost one try.
+ * After a failure: nothing on the card has changed and no list entry is written. A wrong PIN has cost one
+ * try.
  */
 ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char** listCNS, char** listPRA,
                                   char** listAUT, int* pendingCNS, int* pendingPRA, int* pendingAUT,
