@@ -1,16 +1,19 @@
 #include "simcard/authority/certificate_kind.h"
 
 #include "simcard/authority/errors.h"
+#include "simcard/authority/openssl_handles.h"
 
 #include <array>
+#include <memory>
 #include <openssl/x509v3.h>
+#include <string>
 
 namespace simcard {
 namespace {
 
 // The policies stand under 2.999, the arc that is set aside for examples.
-constexpr std::array<CertificateKind, 2> kinds{{
-    {"signature", KU_NON_REPUDIATION, R"(
+constexpr std::array<CertificateKind, 3> kinds{{
+    {"signature", "2.999.1.1", R"(
 [extensions]
 subjectKeyIdentifier = hash
 authorityKeyIdentifier = keyid:always
@@ -23,7 +26,7 @@ userNotice.1 = @notice
 [notice]
 explicitText = UTF8:Certificato di firma dimostrativo, senza valore legale
 )"},
-    {"authentication", KU_DIGITAL_SIGNATURE, R"(
+    {"authentication", "2.999.1.2", R"(
 [extensions]
 subjectKeyIdentifier = hash
 authorityKeyIdentifier = keyid:always
@@ -37,14 +40,41 @@ userNotice.1 = @notice
 [notice]
 explicitText = UTF8:Certificato di autenticazione dimostrativo, senza valore legale
 )"},
+    {"cns", "2.999.1.3", R"(
+[extensions]
+subjectKeyIdentifier = hash
+authorityKeyIdentifier = keyid:always
+keyUsage = critical, digitalSignature
+extendedKeyUsage = clientAuth
+certificatePolicies = @policy
+[policy]
+policyIdentifier = 2.999.1.3
+CPS.1 = https://korvalenta.example/cps
+userNotice.1 = @notice
+[notice]
+explicitText = UTF8:Carta dei servizi dimostrativa, senza valore legale
+)"},
 }};
 
-constexpr CertificateKind authority{"authority", KU_KEY_CERT_SIGN, R"(
+constexpr CertificateKind authority{"authority", "", R"(
 [extensions]
 subjectKeyIdentifier = hash
 basicConstraints = critical, CA:TRUE, pathlen:0
 keyUsage = critical, keyCertSign, cRLSign
 )"};
+
+using Policies = std::unique_ptr<CERTIFICATEPOLICIES, Releaser<CERTIFICATEPOLICIES_free>>;
+
+// The first policy of a certificate; an empty text when it has none.
+std::string policy_of(X509& certificate) {
+    const Policies policies(static_cast<CERTIFICATEPOLICIES*>(
+        X509_get_ext_d2i(&certificate, NID_certificate_policies, nullptr, nullptr)));
+    std::array<char, 80> text{};
+    if (policies && sk_POLICYINFO_num(policies.get()) > 0)
+        OBJ_obj2txt(text.data(), static_cast<int>(text.size()),
+                    sk_POLICYINFO_value(policies.get(), 0)->policyid, 1);
+    return text.data();
+}
 
 } // namespace
 
@@ -63,11 +93,10 @@ const CertificateKind& kind_named(std::string_view name) {
 }
 
 const CertificateKind& kind_of(X509& certificate) {
-    const std::uint32_t usage = X509_get_key_usage(&certificate);
-    if (usage != UINT32_MAX)
-        for (const CertificateKind& kind : kinds)
-            if ((usage & kind.key_usage) != 0) return kind;
-    throw Refusal("The certificate's key usage is neither signature nor authentication.");
+    const std::string policy = policy_of(certificate);
+    for (const CertificateKind& kind : kinds)
+        if (policy == kind.policy) return kind;
+    throw Refusal("The certificate's policy is none of this authority's.");
 }
 
 } // namespace simcard

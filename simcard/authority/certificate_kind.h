@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <openssl/x509.h>
 #include <span>
 #include <string_view>
@@ -11,13 +10,14 @@ namespace simcard {
 /// certificate_kind.cpp.
 struct CertificateKind {
     const char* name;
-    /// Key usage bits (KU_... of OpenSSL) by which a certificate of this kind is recognised.
-    std::uint32_t key_usage;
+    /// Its policy in dotted form, by which a certificate of this kind is recognised; empty for none.
+    const char* policy;
     /// OpenSSL configuration text; its section "extensions" is what a certificate of this kind carries.
     const char* extensions;
 };
 
-/// The kinds that a card's holder can be given: "signature" and "authentication".
+/// The kinds that a card's holder can be given: "signature", "authentication", and "cns" for the pair that a
+/// services card is made with.
 [[nodiscard]] std::span<const CertificateKind> holder_kinds();
 
 /// The authority's own.
@@ -26,7 +26,7 @@ struct CertificateKind {
 /// The holder's kind of that name. @throws Refusal when there is none.
 [[nodiscard]] const CertificateKind& kind_named(std::string_view name);
 
-/// The kind of an issued certificate, by its key usage. @throws Refusal when it is of none.
+/// The kind of an issued certificate, by its policy. @throws Refusal when it is of none.
 [[nodiscard]] const CertificateKind& kind_of(X509& certificate);
 
 } // namespace simcard

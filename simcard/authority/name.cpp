@@ -3,10 +3,27 @@
 #include "simcard/authority/errors.h"
 #include "simcard/authority/memory_bio.h"
 
+#include <array>
 #include <openssl/err.h>
 #include <openssl/objects.h>
 
 namespace simcard {
+namespace {
+
+constexpr std::size_t card_number_digits = 16;
+
+std::string sha1_in_base64(const std::string& text) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned length = 0;
+    if (EVP_Digest(text.data(), text.size(), digest.data(), &length, EVP_sha1(), nullptr) != 1)
+        fail_with_openssl_reason("Computing a digest");
+    std::array<char, 2 * EVP_MAX_MD_SIZE> encoded{};
+    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(encoded.data()), digest.data(),
+                    static_cast<int>(length));
+    return encoded.data();
+}
+
+} // namespace
 
 void add_to_name(X509_NAME& name, int nid, const std::string& value) {
     const auto* text = reinterpret_cast<const unsigned char*>(value.data());
@@ -29,6 +46,20 @@ DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualif
     return name;
 }
 
+DistinguishedName services_card_name(const Holder& holder, const std::string& card_number) {
+    std::string number = card_number;
+    if (number.size() < card_number_digits) number.insert(0, card_number_digits - number.size(), '0');
+    const std::string card = holder.codice_fiscale + "/" + number + ".";
+    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+    add_to_name(*name, NID_countryName, "IT");
+    add_to_name(*name, NID_organizationName, holder.organisation);
+    add_to_name(*name, NID_organizationalUnitName, "Carta dei servizi");
+    add_to_name(*name, NID_commonName, card + sha1_in_base64(card));
+    add_to_name(*name, NID_surname, holder.surname);
+    add_to_name(*name, NID_givenName, holder.given_name);
+    return name;
+}
+
 std::string value_in_name(const X509_NAME& name, int nid) {
     const int index = X509_NAME_get_index_by_NID(&name, nid, -1);
     if (index < 0) return {};
@@ -39,6 +70,13 @@ std::string value_in_name(const X509_NAME& name, int nid) {
     std::string value(reinterpret_cast<const char*>(text), static_cast<std::size_t>(length));
     OPENSSL_free(text);
     return value;
+}
+
+std::string person_in_name(const X509_NAME& name) {
+    if (const std::string number = value_in_name(name, NID_serialNumber); !number.empty()) return number;
+    const std::string common_name = value_in_name(name, NID_commonName);
+    const auto slash = common_name.find('/');
+    return slash == std::string::npos ? std::string() : common_name.substr(0, slash);
 }
 
 std::string readable(const X509_NAME& name) {

@@ -4,8 +4,6 @@
 #include "simcard/authority/name.h"
 #include "simcard/authority/request_encoding.h"
 
-#include <openssl/objects.h>
-
 namespace simcard {
 namespace {
 
@@ -17,9 +15,9 @@ VerifiedRequest verify(DecodedRequest decoded, const Authority& authority, const
 }
 
 void check_same_person(const X509_NAME& requested, const X509_NAME& signer) {
-    const std::string person = value_in_name(signer, NID_serialNumber);
+    const std::string person = person_in_name(signer);
     if (person.empty()) throw Refusal("The signer's certificate does not say whose it is.");
-    if (value_in_name(requested, NID_serialNumber) != person)
+    if (person_in_name(requested) != person)
         throw Refusal("The request is for another person than the one who signed it.");
 }
 

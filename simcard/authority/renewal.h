@@ -22,8 +22,8 @@ struct Renewal {
 };
 
 /**
- * Answers a request file: verifies it, checks that the request is for the person who signed it (the same
- * serialNumber in both subjects), and issues the certificate, with the request's subject and key.
+ * Answers a request file: verifies it, checks that the request is for the person who signed it (both
+ * subjects name the same), and issues the certificate, with the request's subject and key.
  *
  * @throws Refusal that says why nothing was issued.
  */

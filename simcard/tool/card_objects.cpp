@@ -38,10 +38,10 @@ void add_key_numbers(Attributes& object, const EVP_PKEY& key, std::span<const Ke
     }
 }
 
-Attributes token_object(CK_OBJECT_CLASS object_class, bool is_private, std::string_view id) {
+Attributes token_object(CK_OBJECT_CLASS object_class, bool is_private, std::string_view label) {
     Attributes object;
     object.add_number(CKA_CLASS, object_class).add_flag(CKA_TOKEN, true).add_flag(CKA_PRIVATE, is_private);
-    object.add(CKA_ID, id).add(CKA_LABEL, id);
+    object.add(CKA_LABEL, label);
     return object;
 }
 
@@ -59,14 +59,20 @@ template <class Object, class Encode> std::string der(Encode encode, Object* obj
 
 Attributes public_key_object(const EVP_PKEY& key, std::string_view id) {
     Attributes object = token_object(CKO_PUBLIC_KEY, false, id);
-    object.add_number(CKA_KEY_TYPE, CKK_RSA).add_flag(CKA_VERIFY, true).add_flag(CKA_ENCRYPT, true);
+    object.add(CKA_ID, id)
+        .add_number(CKA_KEY_TYPE, CKK_RSA)
+        .add_flag(CKA_VERIFY, true)
+        .add_flag(CKA_ENCRYPT, true);
     add_key_numbers(object, key, public_numbers);
     return object;
 }
 
 Attributes private_key_object(const EVP_PKEY& key, std::string_view id) {
     Attributes object = token_object(CKO_PRIVATE_KEY, true, id);
-    object.add_number(CKA_KEY_TYPE, CKK_RSA).add_flag(CKA_SENSITIVE, true).add_flag(CKA_EXTRACTABLE, false);
+    object.add(CKA_ID, id)
+        .add_number(CKA_KEY_TYPE, CKK_RSA)
+        .add_flag(CKA_SENSITIVE, true)
+        .add_flag(CKA_EXTRACTABLE, false);
     object.add_flag(CKA_SIGN, true).add_flag(CKA_DECRYPT, true);
     add_key_numbers(object, key, public_numbers);
     add_key_numbers(object, key, private_numbers);
@@ -75,11 +81,17 @@ Attributes private_key_object(const EVP_PKEY& key, std::string_view id) {
 
 Attributes certificate_object(X509& certificate, std::string_view id) {
     Attributes object = token_object(CKO_CERTIFICATE, false, id);
-    object.add_number(CKA_CERTIFICATE_TYPE, CKC_X_509);
+    object.add(CKA_ID, id).add_number(CKA_CERTIFICATE_TYPE, CKC_X_509);
     object.add(CKA_VALUE, der(i2d_X509, &certificate));
     object.add(CKA_SUBJECT, der(i2d_X509_NAME, X509_get_subject_name(&certificate)));
     object.add(CKA_ISSUER, der(i2d_X509_NAME, X509_get_issuer_name(&certificate)));
     object.add(CKA_SERIAL_NUMBER, der(i2d_ASN1_INTEGER, X509_get_serialNumber(&certificate)));
+    return object;
+}
+
+Attributes public_data_object(std::string_view label, std::string_view value) {
+    Attributes object = token_object(CKO_DATA, false, label);
+    object.add(CKA_VALUE, value);
     return object;
 }
 

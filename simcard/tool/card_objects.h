@@ -3,7 +3,8 @@
 #include "simcard/authority/openssl_handles.h"
 #include "simcard/tool/attributes.h"
 
-// Templates of the objects that a card is made with: token objects whose CKA_LABEL is their CKA_ID.
+// Templates of the objects that a card is made with: token objects; that of a key or certificate has its CKA_ID
+// as CKA_LABEL.
 namespace simcard {
 
 [[nodiscard]] Attributes public_key_object(const EVP_PKEY& key, std::string_view id);
@@ -13,5 +14,8 @@ namespace simcard {
 
 /// X.509, with subject, issuer and serial number in DER beside the value.
 [[nodiscard]] Attributes certificate_object(X509& certificate, std::string_view id);
+
+/// Data that is read without the PIN; it has no CKA_ID.
+[[nodiscard]] Attributes public_data_object(std::string_view label, std::string_view value);
 
 } // namespace simcard

@@ -73,6 +73,7 @@ CardPlan completed(CardPlan plan, const std::filesystem::path& home) {
         throw Refusal("A PIN has 4 to 31 characters, the last of them not a blank.");
     check_days(plan.signature_days);
     check_days(plan.authentication_days);
+    check_days(plan.cns_days);
     if (holds_a_card(home, plan.reader))
         throw Refusal("The reader \"" + plan.reader + "\" holds a card already.");
     if (std::filesystem::exists(home / plan.name))

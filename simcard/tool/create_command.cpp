@@ -47,7 +47,10 @@ void add_create_command(CLI::App& program, const Home& home) {
     CardPlan& plan = options->plan;
     plan.name = "card";
     command.add_option("--name", plan.name, "Name of the card's folder")->capture_default_str();
-    command.add_option("--profile", options->profile, "Kind of card")->capture_default_str();
+    command
+        .add_option("--profile", options->profile,
+                    "signature, cns, or cns-signature (cns with a signature pair)")
+        ->capture_default_str();
     command.add_option("--reader", plan.reader,
                        "Reader that holds it (default: the first free \"Simulated Reader\")");
     command.add_option("--serial", plan.serial, "Serial number (default: a random one)");
@@ -56,6 +59,8 @@ void add_create_command(CLI::App& program, const Home& home) {
         ->capture_default_str();
     command
         .add_option("--auth-days", plan.authentication_days, "Days until the authentication certificate ends")
+        ->capture_default_str();
+    command.add_option("--cns-days", plan.cns_days, "Days until a services card's own certificate ends")
         ->capture_default_str();
     add_holder_options(command, plan.holder);
     command.add_option("--keys", options->keys, "PEM file with ready-made RSA keys (default: new ones)");

@@ -51,7 +51,7 @@ void add_issue_command(CLI::App& program, const Home& home) {
     const auto options = std::make_shared<IssueOptions>();
     command.add_option("request", options->request, "Request file: base64, PEM or binary PKCS#7")->required();
     command.add_option("--kind", options->kind,
-                       "signature or authentication (default: the kind of the certificate that signed)");
+                       "signature, authentication or cns (default: the kind of the certificate that signed)");
     command.add_option("--days", options->terms.days, "Days that the certificate holds")
         ->capture_default_str();
     command.add_flag("--bare", options->terms.bare_requests,

@@ -7,6 +7,7 @@
 #include "simcard/tool/as_made.h"
 #include "simcard/tool/card_objects.h"
 #include "simcard/tool/card_plan.h"
+#include "simcard/tool/personal_data.h"
 #include "simcard/tool/token_session.h"
 
 #include <algorithm>
@@ -42,11 +43,17 @@ Card settings(const CardPlan& plan) {
 void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair, const Authority& authority,
                 EVP_PKEY& key) {
     const Certificate certificate =
-        authority.issue(*holder_name(plan.holder, plan.serial), key, kind_named(pair.kind),
+        authority.issue(*pair.subject(plan.holder, plan.serial), key, kind_named(pair.kind),
                         validity_ending_in(plan.*pair.days));
     token.create(public_key_object(key, pair.id));
     token.create(private_key_object(key, pair.id));
     token.create(certificate_object(*certificate, pair.id));
+}
+
+// A services card outlives its first certificate by another one's life.
+Validity card_life(const CardPlan& plan) {
+    const Validity first = validity_ending_in(plan.cns_days);
+    return {first.from, first.to + certificate_life};
 }
 
 void store_objects(const fs::path& tokens, const Card& card, const CardPlan& plan, const Authority& authority,
@@ -58,6 +65,8 @@ void store_objects(const fs::path& tokens, const Card& card, const CardPlan& pla
         store_pair(token, plan, pair, authority, *keys.next());
     if (plan.profile->authority_id != nullptr)
         token.create(certificate_object(authority.certificate(), plan.profile->authority_id));
+    if (plan.profile->has_personal_data)
+        token.create(public_data_object("PDATA", personal_data(plan.holder, card_life(plan))));
 }
 
 void move_in(Card& card, const fs::path& folder) {

@@ -30,11 +30,11 @@ struct CardPlan {
     /// In how many days the certificates end; negative for one that has ended.
     int signature_days = 30;
     int authentication_days = 2 * 365;
+    int cns_days = 30;
 };
 
 /**
- * Makes a card: a token with the profile's key pairs, certificates and the authority's certificate, its
- * card.ini, and the copy to which it can be reset. The folder of cards and its authority are made when there
+ * Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the copy to which it can be reset. The folder of cards and its authority are made when there
  * are none. Other processes see the card when it is complete.
  *
  * Ready-made keys make this a matter of some 50 ms.

@@ -13,9 +13,18 @@ constexpr std::array<PairPlan, 2> signature_pairs{{
     {"AUTHCertificate0", "authentication", &CardPlan::authentication_days},
 }};
 
-// The ATRs offer T=1 alone and carry the profile's name as historical bytes ("ZVSIMSIG").
-constexpr std::array<Profile, 1> all{{
+// A services card's own pair comes first.
+constexpr std::array<PairPlan, 2> services_pairs{{
+    {"CNS0", "cns", &CardPlan::cns_days, services_card_name},
+    {"DS0", "signature", &CardPlan::signature_days},
+}};
+
+// The ATRs offer T=1 alone and carry the profile's name as historical bytes ("ZVSIMSIG", "ZVSIMCNS",
+// "ZVSIMCSG").
+constexpr std::array<Profile, 3> all{{
     {"signature", "3B8880015A5653494D5349470F", "", signature_pairs, "Korvalenta Firma Dig"},
+    {"cns", "3B8880015A5653494D434E530C", "cns", std::span(services_pairs).first<1>(), nullptr, true},
+    {"cns-signature", "3B8880015A5653494D43534705", "cns", services_pairs, nullptr, true},
 }};
 
 } // namespace
@@ -30,7 +39,7 @@ const Profile& profile_named(std::string_view name) {
         if (profile.name == name) return profile;
         known += (known.empty() ? "" : ", ") + std::string(profile.name);
     }
-    throw Refusal("There is no card profile \"" + std::string(name) + "\"; there is: " + known + ".");
+    throw Refusal("There is no card profile \"" + std::string(name) + "\"; there are: " + known + ".");
 }
 
 } // namespace simcard

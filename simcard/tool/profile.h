@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simcard/authority/name.h"
+
 #include <span>
 #include <string_view>
 
@@ -14,6 +16,8 @@ struct PairPlan {
     const char* kind;
     /// Where a plan says when the certificate ends.
     int CardPlan::*days;
+    /// Makes the subject of its certificate from the holder and the card's serial number.
+    DistinguishedName (*subject)(const Holder&, const std::string&) = holder_name;
 };
 
 /// What a kind of card is made with. The profiles are a table: see profile.cpp.
@@ -26,6 +30,8 @@ struct Profile {
     std::span<const PairPlan> pairs;
     /// CKA_ID and CKA_LABEL of the authority's certificate; null when the card does not hold it.
     const char* authority_id;
+    /// Whether it holds a services card's data object "PDATA": see personal_data.h.
+    bool has_personal_data = false;
 };
 
 [[nodiscard]] std::span<const Profile> profiles();

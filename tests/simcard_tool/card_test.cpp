@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <openssl/objects.h>
 #include <openssl/x509v3.h>
+#include <regex>
 
 namespace {
 
@@ -35,12 +36,13 @@ const std::vector<std::string> as_made{"certificate AUTHCertificate0",
                                        "public key DS0",
                                        "certificate Korvalenta Firma Dig"};
 
-// An attribute of the object with that class and identifier.
-std::string read(TokenSession& token, CK_OBJECT_CLASS wanted, const std::string& id, CK_ATTRIBUTE_TYPE type) {
+// An attribute of the object with that class and identifier, or what else it is known by.
+std::string read(TokenSession& token, CK_OBJECT_CLASS wanted, const std::string& id, CK_ATTRIBUTE_TYPE type,
+                 CK_ATTRIBUTE_TYPE known_by = CKA_ID) {
     for (const CK_OBJECT_HANDLE object : token.objects()) {
         const std::string bytes = token.attribute(object, CKA_CLASS).value_or("");
         if (bytes == std::string(reinterpret_cast<const char*>(&wanted), sizeof wanted) &&
-            token.attribute(object, CKA_ID) == id)
+            token.attribute(object, known_by) == id)
             return token.attribute(object, type).value_or("(not shown)");
     }
     return "(no object)";
@@ -111,6 +113,33 @@ TEST(CardTest, HasCertificatesForItsHolderFromTheAuthority) {
     std::time_t late = early + 120;
     EXPECT_EQ(X509_cmp_time(X509_get0_notAfter(certificate.get()), &early), 1);
     EXPECT_EQ(X509_cmp_time(X509_get0_notAfter(certificate.get()), &late), -1);
+}
+
+TEST(CardTest, ServicesCardHoldsItsOwnPairAndPersonalData) {
+    TestCards cards;
+    const Card card = cards.make({.profile = &profile_named("cns-signature"), .serial = "42"});
+    std::vector<std::string> all;
+    for (const ObjectView& view : view_objects(card, default_pin))
+        all.push_back(view.object_class + " " + view.id + " " + view.label);
+    EXPECT_EQ(all, (std::vector<std::string>{"data  PDATA", "certificate CNS0 CNS0", "private key CNS0 CNS0",
+                                             "public key CNS0 CNS0", "certificate DS0 DS0",
+                                             "private key DS0 DS0", "public key DS0 DS0"}));
+    const SoftHsm hsm(cards.path());
+    TokenSession token(hsm, card);
+    const std::string data = read(token, CKO_DATA, "PDATA", CKA_VALUE, CKA_LABEL);
+    EXPECT_TRUE(std::regex_match(
+        data, std::regex("00003C05ZVSIM08[0-9]{8}08[0-9]{8}08Collaudo03Ada10CLLDAA80A41Z999U")))
+        << data;
+    const std::string der = read(token, CKO_CERTIFICATE, "CNS0", CKA_VALUE);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+    const Certificate certificate(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
+    ASSERT_TRUE(certificate);
+    const X509_NAME& subject = *X509_get_subject_name(certificate.get());
+    EXPECT_TRUE(std::regex_match(value_in_name(subject, NID_commonName),
+                                 std::regex("CLLDAA80A41Z999U/0000000000000042\\.[A-Za-z0-9+/]{27}=")))
+        << readable(subject);
+    EXPECT_EQ(person_in_name(subject), "CLLDAA80A41Z999U");
+    EXPECT_EQ(kind_of(*certificate).name, std::string("cns"));
 }
 
 void change_everything(const TestCards& cards, const Card& card) {

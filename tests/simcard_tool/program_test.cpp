@@ -95,7 +95,8 @@ TEST_F(ProgramTest, TellsRefusedFromWrongUsageAndFailed) {
     EXPECT_EQ(run("create --days soon").code, 2);
     const Outcome profile = run("create --profile passport");
     EXPECT_EQ(profile.code, 1);
-    EXPECT_EQ(profile.text, "There is no card profile \"passport\"; there is: signature.\n");
+    EXPECT_EQ(profile.text,
+              "There is no card profile \"passport\"; there are: signature, cns, cns-signature.\n");
     EXPECT_EQ(run("issue " + (cards.path() / "nothing").string()).code, 1);
     const Outcome failed = run("--home /dev/null/cards create");
     EXPECT_EQ(failed.code, 3) << failed.text;

@@ -104,9 +104,11 @@ TEST_F(AuthorityTest, AnswersARequestInEveryForm) {
 }
 
 TEST_F(AuthorityTest, IssuesTheSignersKindUnlessToldOtherwise) {
-    const Certificate authentication = certificate_from(authority, 30, "authentication");
-    const std::string file = signed_message(request, *authentication);
-    EXPECT_EQ(answer_request(authority, file, {}).kind.name, std::string("authentication"));
+    std::string file;
+    for (const char* kind : {"cns", "authentication"}) {
+        file = signed_message(request, *certificate_from(authority, 30, kind));
+        EXPECT_EQ(answer_request(authority, file, {}).kind.name, std::string(kind));
+    }
     EXPECT_EQ(answer_request(authority, file, {.kind = &kind_named("signature")}).kind.name,
               std::string("signature"));
 }

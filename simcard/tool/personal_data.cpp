@@ -1,0 +1,40 @@
+#include "simcard/tool/personal_data.h"
+
+#include <array>
+#include <cstdio>
+
+namespace simcard {
+namespace {
+
+constexpr const char* issuer = "ZVSIM";
+constexpr std::size_t longest_field = 0xFF;
+
+std::string length_in_digits(std::string_view text, int digits) {
+    std::array<char, 17> number{};
+    std::snprintf(number.data(), number.size(), "%0*zX", digits, text.size());
+    return number.data();
+}
+
+std::string field(std::string_view text) {
+    text = text.substr(0, longest_field);
+    return length_in_digits(text, 2) + std::string(text);
+}
+
+std::string day_of(std::time_t time) {
+    std::tm broken_down{};
+    std::array<char, 9> text{};
+    gmtime_r(&time, &broken_down);
+    std::strftime(text.data(), text.size(), "%d%m%Y", &broken_down);
+    return text.data();
+}
+
+} // namespace
+
+std::string personal_data(const Holder& holder, Validity card) {
+    const std::string fields = field(issuer) + field(day_of(card.from)) + field(day_of(card.to)) +
+                               field(holder.surname) + field(holder.given_name) +
+                               field(holder.codice_fiscale);
+    return length_in_digits(fields, 6) + fields;
+}
+
+} // namespace simcard
