@@ -66,6 +66,21 @@ class Flow : public testing::Test {
     std::string moduleDir_;
 };
 
+/// A card with the pending pair DS3 and the certificate that the authority issued for it.
+class PendingFlow : public Flow {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(read().result, 0);
+        ASSERT_EQ(request(), 0);
+        certificate = issue();
+        before = objects();
+        module.reset();
+        log.clear();
+    }
+    std::string certificate;
+    std::vector<std::string> before;
+};
+
 /// True when text contains part.
 inline bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;

@@ -7,16 +7,8 @@ namespace {
 
 using namespace zvtest;
 
-class Guards : public Flow {
+class Guards : public PendingFlow {
   protected:
-    void SetUp() override {
-        ASSERT_EQ(read().result, 0);
-        ASSERT_EQ(request(), 0);
-        certificate = issue();
-        before = objects();
-        module.reset();
-        log.clear();
-    }
     void expectStopped(int result, const std::string& reason, int code = ZV_NOT_SENT) {
         EXPECT_EQ(result, code) << reason;
         EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
@@ -27,8 +19,6 @@ class Guards : public Flow {
         EXPECT_FALSE(has(zv::szBufferRichiesta, PIN));
         log.clear();
     }
-    std::string certificate;
-    std::vector<std::string> before;
 };
 
 TEST_F(Guards, NamedPair) {

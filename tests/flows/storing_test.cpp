@@ -6,19 +6,7 @@ namespace {
 using namespace zvtest;
 using Lines = std::vector<std::string>;
 
-class Storing : public Flow {
-  protected:
-    // A card with a pending pair DS3 and the certificate for it.
-    void SetUp() override {
-        ASSERT_EQ(read().result, 0);
-        ASSERT_EQ(request(), 0);
-        certificate = issue();
-        before = objects();
-        log.clear();
-    }
-    std::string certificate;
-    Lines before;
-};
+class Storing : public PendingFlow {};
 
 TEST_F(Storing, CertificateIsWrittenWithNineAttributes) {
     module.record();
