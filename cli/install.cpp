@@ -82,25 +82,31 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     throw stop;
 }
 
-/// Removal goes by containment and says nothing of an object that would not go: what is left is looked for.
-std::vector<std::string> still_there(const InstallPlan& plan, const CardView& after) {
+// The library says nothing of an object that would not go.
+void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::string& backup) {
+    if (!now.view) return;
     std::vector<std::string> left = plan.removed;
-    std::erase_if(left, [&](const std::string& id) { return !after.has(id); });
-    return left;
+    std::erase_if(left, [&](const std::string& id) { return !now.view->has(id); });
+    if (left.empty()) return;
+    Stop stop(
+        Exit::failed,
+        fmt::format("The new certificate is stored and verified, as {}, but {} could not be removed whole.",
+                    plan.pair, fmt::join(left, ", ")),
+        fmt::format("Remove it with the card's own software.\nA copy of the old certificate: {}", backup));
+    stop.card = now.words;
+    stop.logged = true;
+    throw stop;
 }
 
-std::string old_in_words(const InstallPlan& plan, const std::vector<std::string>& left) {
+std::string old_in_words(const InstallPlan& plan) {
     if (!plan.old) return {};
-    if (plan.removed.empty())
-        return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
-    if (!left.empty()) return fmt::format("\nCould not be removed: {}.", fmt::join(left, ", "));
-    return fmt::format("\nRemoved: {}.", fmt::join(plan.removed, ", "));
+    if (!plan.removed.empty()) return fmt::format("\nRemoved: {}.", fmt::join(plan.removed, ", "));
+    return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
 }
 
 Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup) {
     const CardNow now = card_now(card);
-    const std::vector<std::string> left =
-        now.view ? still_there(plan, *now.view) : std::vector<std::string>();
+    refuse_leftovers(plan, now, backup);
     Report report;
     report.json = card_json(card);
     report.json["kind"] = kind_name(plan.kind);
@@ -108,12 +114,11 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["verified"] = true;
     report.json["replaces"] = plan.old ? Json(plan.old->id) : Json();
     report.json["removed"] = plan.removed;
-    report.json["not_removed"] = left;
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
     report.json["on_card"] = now.words;
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
-                              kind_name(plan.kind), plan.pair, now.view ? old_in_words(plan, left) : "");
+                              kind_name(plan.kind), plan.pair, old_in_words(plan));
     if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
     report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.words, log_path());
     return report;

@@ -62,7 +62,6 @@ TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
     EXPECT_EQ(result["stored"], "DS3");
     EXPECT_EQ(result["verified"], true);
     EXPECT_EQ(result["removed"], (Ids{"DS0", "Korvalenta Firma Dig"}));
-    EXPECT_TRUE(result["not_removed"].empty());
     EXPECT_EQ(result["on_card"], "AUTHCertificate0 (certificate and keys), DS3 (certificate and keys)");
     EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
     EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "the authority's goes too";
@@ -142,6 +141,14 @@ TEST_F(InstallProgramTest, SaysSoWhenTheNewKeyDoesNotSign) {
     const Outcome outcome = with_pin("install certificate", "C_Sign:1:answer:0x6");
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.says("The certificate was stored, but the new key could not be tried"))
+        << outcome.err;
+}
+
+TEST_F(InstallProgramTest, SaysSoWhenSomethingWouldNotGo) {
+    prepare();
+    const Outcome outcome = with_pin("install certificate --remove-old", "C_DestroyObject:1:answer:0x6");
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.says("stored and verified, as DS3, but DS0 could not be removed whole"))
         << outcome.err;
 }
 
