@@ -144,6 +144,13 @@ TEST_F(InstallProgramTest, SaysSoWhenTheNewKeyDoesNotSign) {
         << outcome.err;
 }
 
+TEST_F(InstallProgramTest, SaysSoWhenTheSignatureIsWrong) {
+    prepare();
+    const Outcome outcome = with_pin("install certificate", "C_Sign:1:absurd:length");
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.says("a signature of the key DS3 does not verify")) << outcome.err;
+}
+
 TEST_F(InstallProgramTest, SaysSoWhenSomethingWouldNotGo) {
     prepare();
     const Outcome outcome = with_pin("install certificate --remove-old", "C_DestroyObject:1:answer:0x6");
