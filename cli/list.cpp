@@ -21,9 +21,17 @@ Due due_of(const Inventory& inventory, const CertificateRecord& record, int days
     return {ending && !replaced, replaced};
 }
 
+constexpr std::size_t longest_holder = 40;
+
+// Cut between characters of UTF-8, not inside one.
 std::string holder(const CertificateRecord& record) {
-    const std::string name = record.subject.value("CN");
-    return name.empty() ? record.subject_text : name;
+    std::string name = record.subject.value("CN");
+    if (name.empty()) name = record.subject_text;
+    if (name.size() <= longest_holder) return name;
+    std::size_t end = longest_holder - 3;
+    while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U)
+        --end;
+    return name.substr(0, end) + "...";
 }
 
 std::string mark(const Due& due, long days) {
