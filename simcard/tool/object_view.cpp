@@ -76,7 +76,8 @@ std::vector<ObjectView> view_objects(const Card& card, const Secret& pin) {
     for (const CK_OBJECT_HANDLE object : token.objects())
         views.push_back(view_of(token, object));
     std::sort(views.begin(), views.end(), [](const ObjectView& a, const ObjectView& b) {
-        return std::tie(a.id, a.object_class, a.ends) < std::tie(b.id, b.object_class, b.ends);
+        return std::tie(a.id, a.object_class, a.label, a.ends) <
+               std::tie(b.id, b.object_class, b.label, b.ends);
     });
     return views;
 }

@@ -22,7 +22,7 @@ struct ObjectView {
  * Looks at a card's objects past the card's face: in or out of the reader, and without spending a PIN try.
  *
  * @param pin  shows the private objects too; empty for the others alone
- * @return the objects sorted by identifier, then class
+ * @return the objects sorted by identifier, class and label
  * @throws Refusal when the PIN is not the card's
  */
 [[nodiscard]] std::vector<ObjectView> view_objects(const Card& card, const Secret& pin);
