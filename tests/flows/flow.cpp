@@ -33,6 +33,13 @@ struct HostList {
     std::array<char*, ZV_LIST_ENTRIES> entries{};
 };
 
+// The simulated card's module, or a copy of it under that name.
+std::filesystem::path moduleFile(const std::filesystem::path& folder, const char* name) {
+    if (name == nullptr) return ZVSIMCARD_MODULE;
+    std::filesystem::copy_file(ZVSIMCARD_MODULE, folder / name);
+    return folder / name;
+}
+
 // The subject of the first record.
 std::string subjectOf(const std::vector<std::string>& records) {
     return records.empty() ? "2.5.4.6=IT2.5.4.3=Nobody" : records[0].substr(0, records[0].find('#'));
@@ -40,11 +47,15 @@ std::string subjectOf(const std::vector<std::string>& records) {
 
 } // namespace
 
-Flow::Flow()
-    : card(cards.make({.reader = READER, .serial = "9000111122223333"})), module(ZVSIMCARD_MODULE),
-      moduleDir_(std::filesystem::path(ZVSIMCARD_MODULE).parent_path()) {
+Flow::Flow() : Flow(simcard::CardPlan{.serial = "9000111122223333"}) {}
+
+Flow::Flow(const simcard::CardPlan& plan, const char* moduleName)
+    : card(cards.make(plan)), modulePath(moduleFile(log.folder(), moduleName)), module(modulePath) {
     loadErrorCodes();
-    cards.configure();
+    const std::filesystem::path conf = cards.configure();
+    const std::string text = simcard::read_file(conf);
+    std::ofstream(conf) << std::regex_replace(text, std::regex("module = .*"),
+                                              "module = " + modulePath.filename().string());
     module.use_keys(ZV_TEST_KEYS);
     set_ATRini_path(nullptr);
     szSockMsg[0] = '\0';
@@ -66,10 +77,10 @@ Reading Flow::read(std::string pin, const char* reader) {
     reading.result = rinnovo_Card_readCerts(reader != nullptr ? name.data() : nullptr, pin.data(), 0,
                                             cns.entries.data(), pra.entries.data(), aut.entries.data(),
                                             &reading.pendingCNS, &reading.pendingPRA, &reading.pendingAUT,
-                                            keyPRA, keyAUT, nullptr, moduleDir_.c_str());
+                                            keyPRA, keyAUT, nullptr, moduleDir().c_str());
     reading.cns = cns.records(), reading.pra = pra.records(), reading.aut = aut.records();
     reading.keyPRA = keyPRA, reading.keyAUT = keyAUT;
-    subject = subjectOf(reading.pra);
+    subject = subjectOf(reading.cns.empty() ? reading.pra : reading.cns);
     return reading;
 }
 
@@ -141,8 +152,8 @@ std::vector<std::string> Flow::objects() {
 bool Flow::pairWorks(const std::string& id) {
     const std::filesystem::path data = log.folder() / "data", signedData = log.folder() / "data.p7m";
     std::ofstream(data) << "signed";
-    std::string modulePath = path();
-    const bool works = kvInitialize(modulePath.data(), 0) == 0 && kvLogin(PIN) == 0 &&
+    std::string library = path();
+    const bool works = kvInitialize(library.data(), 0) == 0 && kvLogin(PIN) == 0 &&
                        kvSignFile(id.c_str(), "SHA256", data.c_str(), signedData.c_str()) == 0;
     kvFinalize();
     return works;
@@ -167,21 +178,32 @@ std::string Flow::maskedLog() const {
         {std::regex(R"(BASE64\n[A-Za-z0-9+/]{1,47}={0,2}\n)"), "BASE64\n"},
         {std::regex(R"(BASE64\nBASE64)"), "BASE64"},
         {std::regex(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)"), "DATE"},
+        {std::regex(R"((ZVSIM08)\d{8}08\d{8})"), "$1DDMMYYYY08DDMMYYYY"},
     };
     std::string text = log.text();
-    for (std::size_t at = 0; (at = text.find(moduleDir_, at)) != std::string::npos;)
-        text.replace(at, moduleDir_.size(), "MODULES");
+    const std::string folder = moduleDir();
+    for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos;)
+        text.replace(at, folder.size(), "MODULES");
     for (const auto& [pattern, mask] : masks)
         text = std::regex_replace(text, pattern, mask);
     return text;
 }
 
-std::vector<std::string> callNames(const std::string& recorded) {
-    std::vector<std::string> names;
+std::vector<std::string> callsOf(const std::string& function, const std::string& recorded) {
+    std::vector<std::string> calls;
     std::istringstream lines(recorded);
     for (std::string line; std::getline(lines, line);)
-        names.push_back(line.substr(0, line.find_first_of(" (")));
-    return names;
+        if (line.starts_with(function + " ")) calls.push_back(line);
+    return calls;
+}
+
+void expectGolden(const std::string& name, const std::string& text) {
+    const std::string file = std::string(GOLDEN_LOGS) + "/" + name;
+    if (std::getenv("ZV_WRITE_GOLDEN") != nullptr) std::ofstream(file) << text;
+    std::ifstream golden(file);
+    std::ostringstream expected;
+    expected << golden.rdbuf();
+    EXPECT_EQ(text, expected.str()) << "the log differs from " << name;
 }
 
 } // namespace zvtest

@@ -21,13 +21,16 @@ struct Reading {
     std::string keyPRA, keyAUT;
 };
 
-/// A signature card in a software reader, the library's log, and the control of the module that it goes through.
+/// A card in a software reader, the library's log, and the control of the module that the card goes through.
 class Flow : public testing::Test {
   protected:
     static constexpr const char* READER = "Simulated Reader 0";
     static constexpr const char* PIN = "12345678";
 
+    /// A signature card.
     Flow();
+    /// Another one; with a name, through a copy of the module under that name.
+    explicit Flow(const simcard::CardPlan& plan, const char* moduleName = nullptr);
     ~Flow() override;
 
     Reading read(std::string pin = PIN, const char* reader = READER);
@@ -49,21 +52,20 @@ class Flow : public testing::Test {
     /// Signs with the private key of that identifier and verifies with its certificate.
     bool pairWorks(const std::string& id);
     [[nodiscard]] int triesLeft() const;
-    [[nodiscard]] std::string path(const std::string& name = "libzvsimcard.so") const {
-        return moduleDir_ + "/" + name;
-    }
+    /// The module's path.
+    [[nodiscard]] std::string path() const { return modulePath; }
+    [[nodiscard]] std::string moduleDir() const { return modulePath.parent_path(); }
     /// The log, everything that differs from run to run masked.
     [[nodiscard]] std::string maskedLog() const;
 
     simcard::TestCards cards;
     simcard::Card card;
     LogFile log;
+    std::filesystem::path modulePath;
     Module module;
-    std::string subject; ///< of the next request; a reading sets it to its first signature certificate's
+    /// Of the next request; a reading sets it to that of its first certificate for a CNS or a signature.
+    std::string subject;
     std::string requestText;
-
-  private:
-    std::string moduleDir_;
 };
 
 /// A card with the pending pair DS3 and the certificate that the authority issued for it.
@@ -86,7 +88,10 @@ inline bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// The module calls of a record, one name a line.
-std::vector<std::string> callNames(const std::string& recorded);
+/// The calls of one function in a record, a line each.
+std::vector<std::string> callsOf(const std::string& function, const std::string& recorded);
+
+/// Compares with the file of that name beside the tests; ZV_WRITE_GOLDEN=1 writes it instead.
+void expectGolden(const std::string& name, const std::string& text);
 
 } // namespace zvtest

@@ -6,16 +6,6 @@ namespace {
 using namespace zvtest;
 using Lines = std::vector<std::string>;
 
-// Compares with the file of that name beside the tests; ZV_WRITE_GOLDEN=1 writes it instead.
-void expectGolden(const std::string& name, const std::string& text) {
-    const std::string file = std::string(GOLDEN_LOGS) + "/" + name;
-    if (std::getenv("ZV_WRITE_GOLDEN") != nullptr) std::ofstream(file) << text;
-    std::ifstream golden(file);
-    std::ostringstream expected;
-    expected << golden.rdbuf();
-    EXPECT_EQ(text, expected.str()) << "the log differs from " << name;
-}
-
 TEST_F(Flow, RenewalReplacesTheOldPairAndItsLogIsTheGoldenOne) {
     Reading reading = read();
     ASSERT_EQ(reading.result, 0) << szBuffErr;

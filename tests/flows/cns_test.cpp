@@ -1,0 +1,332 @@
+// Services cards: what a reading says of them, and the renewal of their own certificate with their own key.
+#include "api/state.h"
+#include "card/detection.h"
+#include "inventory/certificates.h"
+#include "simcard/authority/memory_bio.h"
+#include "simcard/common/card_folder.h"
+#include "tests/flows/flow.h"
+
+#include <openssl/pem.h>
+#include <openssl/x509v3.h>
+
+#include <ctime>
+
+namespace {
+
+using namespace zvtest;
+using Lines = std::vector<std::string>;
+
+class ServicesCard : public Flow {
+  protected:
+    explicit ServicesCard(const char* profile = "cns")
+        : Flow({.profile = &simcard::profile_named(profile), .serial = "6090010012345678"}) {}
+
+    int requestOwn() { return requestAuthentication("CNS0", "CNS0"); }
+    int saveOwn(const std::string& certificate, bool keepOld) {
+        return saveAuthentication(certificate, keepOld, "CNS0", "CNS0");
+    }
+    void relabel(const char* from, std::string to) {
+        std::string pin = PIN, library = path();
+        ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+        ASSERT_EQ(RechangeValueObject(nullptr, from, to.data()), 0);
+        finalizza();
+    }
+    const Lines ownPair = {"certificate CNS0", "private key CNS0", "public key CNS0"};
+    const Lines marked = {"data  labelled PDATA", "data  labelled pending_CNS_key", "certificate CNS0",
+                          "private key CNS0", "public key CNS0"};
+};
+
+class ServicesCardWithSignature : public ServicesCard {
+  protected:
+    ServicesCardWithSignature() : ServicesCard("cns-signature") {}
+};
+
+Lines fields(const std::string& record) {
+    Lines all;
+    std::istringstream text(record + "#");
+    for (std::string field; std::getline(text, field, '#');)
+        all.push_back(field);
+    return all;
+}
+
+simcard::Certificate parsed(const std::string& pem) {
+    const simcard::Bio text = simcard::reading(pem);
+    return simcard::Certificate(PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr));
+}
+
+simcard::Certificate certificateOf(const zv::Certificate& read) {
+    const unsigned char* bytes = read.value;
+    return simcard::Certificate(d2i_X509(nullptr, &bytes, static_cast<long>(read.valueLength)));
+}
+
+std::string oidName(const X509_NAME& name) {
+    std::string text;
+    for (int i = 0; i < X509_NAME_entry_count(&name); ++i) {
+        const X509_NAME_ENTRY* entry = X509_NAME_get_entry(&name, i);
+        const ASN1_STRING* value = X509_NAME_ENTRY_get_data(entry);
+        char oid[64];
+        OBJ_obj2txt(oid, sizeof oid, X509_NAME_ENTRY_get_object(entry), 1);
+        text += oid + std::string("=") + reinterpret_cast<const char*>(ASN1_STRING_get0_data(value));
+    }
+    return text;
+}
+
+std::string dateOf(const ASN1_TIME* time, const char* form = "%d/%m/%Y %H:%M:%S", int daysLater = 0) {
+    std::tm parts{};
+    ASN1_TIME_to_tm(time, &parts);
+    parts.tm_mday += daysLater;
+    timegm(&parts);
+    char text[32];
+    std::strftime(text, sizeof text, form, &parts);
+    return text;
+}
+
+std::string hexOf(const ASN1_STRING* bytes) {
+    std::string text;
+    for (int i = 0; i < ASN1_STRING_length(bytes); ++i) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", ASN1_STRING_get0_data(bytes)[i]);
+        text += digits;
+    }
+    return text;
+}
+
+// What OpenSSL says of a certificate, as a record's fields up to the identifier.
+Lines described(const X509& certificate, const char* policy, const char* id) {
+    const X509_NAME& subject = *X509_get_subject_name(&certificate);
+    return {oidName(subject),
+            oidName(*X509_get_issuer_name(&certificate)),
+            simcard::value_in_name(subject, NID_dnQualifier),
+            policy,
+            hexOf(X509_get0_serialNumber(&certificate)),
+            dateOf(X509_get0_notBefore(&certificate)),
+            dateOf(X509_get0_notAfter(&certificate)),
+            id};
+}
+
+TEST_F(ServicesCardWithSignature, RecordsSayWhatOpenSslSays) {
+    const Reading reading = read();
+    ASSERT_EQ(reading.result, 0) << szBuffErr;
+    ASSERT_EQ(reading.cns.size(), 1u);
+    ASSERT_EQ(reading.pra.size(), 1u);
+    EXPECT_TRUE(reading.aut.empty());
+    const auto own = certificateOf(zv::Certificati[0]), signature = certificateOf(zv::Certificati[1]);
+    Lines expected = described(*own, "2.999.1.3", "CNS0");
+    expected.insert(expected.end(), {hexOf(X509_get0_subject_key_id(own.get())), "CLLDAA80A41Z999U"});
+    EXPECT_EQ(fields(reading.cns[0]), expected);
+    EXPECT_EQ(zv::sSubjectAute, expected[0]);
+    EXPECT_STREQ(zv::sLabelAute, "CNS0");
+    expected = described(*signature, "2.999.1.1", "DS0");
+    expected.insert(expected.end(), {"Certificato di firma dimostrativo, senza valore legale",
+                                     hexOf(X509_get0_subject_key_id(signature.get())), "CLLDAA80A41Z999U"});
+    EXPECT_EQ(fields(reading.pra[0]), expected);
+    EXPECT_EQ(dateOf(X509_get0_notAfter(own.get()), "%d%m%Y", 3 * 365), zv::dtScadenza);
+    EXPECT_EQ(reading.keyPRA, "DS3");
+    EXPECT_EQ(reading.keyAUT, "") << "no authentication certificate";
+    EXPECT_EQ(reading.pendingCNS + reading.pendingPRA + reading.pendingAUT, 0);
+    EXPECT_FALSE(use2048Bit);
+    EXPECT_TRUE(force2048PraGen);
+}
+
+TEST_F(ServicesCard, KeysAreSearchedWhileTheFirstSearchIsOpen) {
+    const auto keySearches = [this] { return callsOf("C_FindObjectsInit", module.recorded()); };
+    const std::string search =
+        "C_FindObjectsInit hSession=1 pTemplate={CKA_CLASS 8 0300000000000000} ulCount=1";
+    module.record();
+    EXPECT_EQ(read().cns.size(), 1u);
+    EXPECT_TRUE(has(module.recorded(), "\n" + search + " -> 0x90\nC_FindObjectsFinal hSession=1 -> 0x0\n" +
+                                           search + " -> 0x0\n"))
+        << module.recorded();
+    const std::size_t searches = keySearches().size();
+    module.reset();
+    module.record();
+    module.add_rules("C_FindObjectsInit:3:answer:0");
+    EXPECT_EQ(read().result, 0);
+    EXPECT_EQ(keySearches().size(), searches - 1) << "a module may allow it";
+}
+
+TEST_F(ServicesCardWithSignature, InventoryFailsWithoutAWordOfItsOwn) {
+    for (const char* rule : {"C_FindObjectsInit:2:answer:0x30", "C_FindObjects:9:answer:0x30",
+                             "C_FindObjectsInit:3:answer:0x30", "C_FindObjectsFinal:1:answer:0x30",
+                             "C_FindObjects:12:answer:0x30", "C_FindObjectsFinal:2:answer:0x30"}) {
+        log.clear();
+        module.reset();
+        module.add_rules(rule);
+        EXPECT_EQ(read().result, -1) << rule;
+        EXPECT_TRUE(has(log.text(), "completata con successo!\n**  .... Finalizza FUN")) << log.text();
+        EXPECT_TRUE(has(log.text(), "[]: Smart Card CNS: NewFind_ALL_CertsKeysRenewCNS() error!\n")) << rule;
+    }
+    module.reset();
+    module.add_rules("C_FindObjectsInit:5:answer:0x30");
+    const Reading reading = read();
+    EXPECT_EQ(reading.result, 0) << "a failed search for pending pairs is no failure";
+    EXPECT_EQ(reading.keyPRA, "");
+}
+
+TEST_F(ServicesCardWithSignature, IdentifiersDecideTheList) {
+    const char* id = "DS0";
+    for (const auto& [next, pra, aut] : {std::tuple{"DSx", "DSx", ""},
+                                         {"Sign_Keypair0", "", "CNS0"},
+                                         {"xAUTHCertificate0", "", "xAUTHCertificate0"}}) {
+        relabel(id, next);
+        id = next;
+        const Reading reading = read();
+        ASSERT_EQ(reading.pra.size() + reading.aut.size(), 1u);
+        EXPECT_EQ(reading.pra.empty() ? "" : fields(reading.pra[0])[7], pra);
+        EXPECT_EQ(reading.aut.empty() ? "" : fields(reading.aut[0])[7], aut)
+            << "an unknown one repeats the last";
+    }
+    relabel(id, "DS0");
+    std::string pin = PIN, library = path(), label = "DS0";
+    ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+    ASSERT_EQ(DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, label.data()), 0u);
+    finalizza();
+    const Reading reading = read();
+    EXPECT_TRUE(reading.pra.empty()) << "no private key";
+    EXPECT_EQ(reading.cns.size(), 1u);
+}
+
+TEST_F(ServicesCardWithSignature, SeriesNumbersDecide) {
+    const Lines before = objects();
+    const auto named = [this](const char* serial) {
+        simcard::update_card(card.folder, [serial](simcard::Card& changed) { changed.serial = serial; });
+        return read();
+    };
+    const Reading reading = named("1205000000000001");
+    EXPECT_EQ(reading.result, 0);
+    EXPECT_EQ(reading.keyPRA, "DS3");
+    EXPECT_TRUE(is1205SerialToken && force2048PraGen);
+    EXPECT_EQ(objects(), before) << "first keys are never deleted";
+    EXPECT_EQ(named("1201000000000001").result, 100);
+    EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
+}
+
+TEST_F(ServicesCard, ADllPathIsAServicesCard) {
+    const std::string copy = (log.folder() / "own.dll").string();
+    std::filesystem::copy_file(path(), copy);
+    const Reading reading = read(PIN, copy.c_str());
+    EXPECT_EQ(reading.cns.size(), 1u) << szBuffErr;
+    EXPECT_EQ(std::strlen(zv::dtScadenza), 8u);
+    EXPECT_EQ(zv::Libreria, copy);
+    EXPECT_FALSE(has(log.text(), "Lista lettori") || has(log.text(), "Dump Smart Card"));
+    ASSERT_EQ(requestOwn(), 0) << "requests and storing go to the same module";
+    EXPECT_EQ(saveOwn(issue(), false), 0);
+}
+
+TEST_F(ServicesCard, RenewalKeepsTheKeyAndItsLogIsTheGoldenOne) {
+    ASSERT_EQ(read().result, 0) << szBuffErr;
+    const auto old = certificateOf(zv::Certificati[0]);
+    ASSERT_EQ(requestOwn(), 0) << szBuffErr << szSockMsg;
+    EXPECT_EQ(module.calls("C_GenerateKeyPair"), 0u);
+    EXPECT_EQ(objects(), marked);
+    const std::string certificate = issue();
+    EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(parsed(certificate).get()), X509_get0_pubkey(old.get())), 1);
+    ASSERT_EQ(saveOwn(certificate, false), 0) << szBuffErr << szSockMsg;
+    expectGolden("cns.log", maskedLog());
+    EXPECT_EQ(objects().size(), 4u) << "the marker and the old certificate are gone";
+    EXPECT_TRUE(pairWorks("CNS0"));
+    const Reading after = read();
+    EXPECT_EQ(after.pendingCNS, 0);
+    EXPECT_EQ(after.cns.size(), 1u);
+    EXPECT_EQ(X509_cmp(certificateOf(zv::Certificati[0]).get(), parsed(certificate).get()), 0);
+}
+
+TEST_F(ServicesCardWithSignature, EachKindHasItsOwnPendingMark) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(requestOwn(), 0);
+    Reading reading = read();
+    EXPECT_EQ(reading.pendingCNS, 1);
+    EXPECT_EQ(fields(reading.cns[0]).size(), 11u);
+    EXPECT_TRUE(reading.cns[0].ends_with("#CNS0"));
+    EXPECT_EQ(fields(reading.pra[0]).size(), 11u) << "no mark";
+    ASSERT_EQ(request("DS3", "DS0"), 0);
+    reading = read();
+    EXPECT_EQ(reading.pendingPRA, 1);
+    EXPECT_TRUE(reading.pra[0].ends_with("#DS3")) << reading.pra[0];
+    EXPECT_TRUE(reading.cns[0].ends_with("#CNS0"));
+    EXPECT_TRUE(has(log.text(), "[]: Chiave Pending PRA:\n[]: DS3\n[]: Chiave Pending CNS: Si\n"));
+}
+
+TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
+    ASSERT_EQ(read().result, 0);
+    const Lines before = objects();
+    const std::pair<const char*, const char*> failures[] = {
+        {"C_FindObjectsInit:2", "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
+        {"C_FindObjects:6", "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
+        {"C_FindObjectsFinal:2", "Generazione chiavi fallita (Ripetere l'operazione)"},
+        {"C_Sign:1",
+         "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
+         "(error 1)"}};
+    for (const auto& [call, sentence] : failures) {
+        module.reset();
+        module.add_rules(std::string(call) + ":answer:0x30");
+        EXPECT_EQ(requestOwn(), 1) << call;
+        EXPECT_EQ(szSockMsg, std::string(sentence));
+    }
+    EXPECT_TRUE(has(log.text(),
+                    "ErrAttributeValue\nErrore = 0x48\n** Messaggio di Errore\nGenerazione chiavi "
+                    "fallita (Ripetere l'operazione)\n"));
+    EXPECT_EQ(objects(), before);
+    module.reset();
+    module.record();
+    subject += "2.5.4.12=Dott.2.5.4.65=Nome2.5.4.8=RM";
+    ASSERT_EQ(requestOwn(), 0);
+    EXPECT_TRUE(callsOf("C_CreateObject", module.recorded())[0].starts_with(
+        "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_LABEL 15 "
+        "70656E64696E675F434E535F6B6579, CKA_PRIVATE 1 01, CKA_MODIFIABLE 1 00, CKA_TOKEN 1 01, CKA_VALUE 1 "
+        "31}"));
+    EXPECT_TRUE(simcard::readable(*X509_get_subject_name(parsed(issue()).get()))
+                    .ends_with("SN=Collaudo, GN=Ada, ST=RM"))
+        << "neither title nor pseudonym";
+    ASSERT_EQ(requestOwn(), 0) << "a marker that cannot be written again is no failure";
+    EXPECT_EQ(objects(), marked);
+}
+
+TEST_F(ServicesCard, WithoutItsKeyThereIsNoRequest) {
+    ASSERT_EQ(read().result, 0);
+    relabel("CNS0", "CNS1");
+    EXPECT_EQ(requestOwn(), 1);
+    EXPECT_STREQ(
+        szSockMsg,
+        "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 82)");
+    EXPECT_EQ(objects().size(), 4u);
+}
+
+TEST_F(ServicesCard, StoringDeletesTheOldCertificateFirstAndTheMarkerLast) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(requestOwn(), 0);
+    module.record();
+    ASSERT_EQ(saveOwn(issue(), false), 0);
+    std::string changes;
+    std::istringstream calls(module.recorded());
+    for (std::string line; std::getline(calls, line);)
+        if (has(line, "C_DestroyObject") || has(line, "C_SetAttributeValue") || has(line, "C_CreateObject"))
+            changes += line.substr(2, line.find(' ') - 2) + " ";
+    EXPECT_EQ(changes, "DestroyObject SetAttributeValue SetAttributeValue CreateObject DestroyObject ");
+}
+
+TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(requestOwn(), 0);
+    const std::string certificate = issue();
+    relabel("CNS0", "CNS0b"); // no certificate is exactly "CNS0"
+    EXPECT_EQ(saveOwn(certificate, false), -1);
+    relabel("CNS0b", "CNS0");
+    EXPECT_EQ(objects(), marked);
+    module.add_rules("C_CreateObject:1:answer:0x31");
+    EXPECT_EQ(saveOwn(certificate, false), 1);
+    Lines left = marked;
+    std::erase(left, "certificate CNS0");
+    EXPECT_EQ(objects(), left) << "the old one is gone, the marker is not";
+    log.clear();
+    EXPECT_EQ(saveOwn(certificate, false), -1);
+    EXPECT_TRUE(has(log.text(), "** DeleteAnObject\nErrore nella cancellazione\nLabel = CNS0\n"));
+    EXPECT_EQ(objects(), left);
+    EXPECT_EQ(saveOwn(certificate, true), 0) << szBuffErr;
+    EXPECT_TRUE(pairWorks("CNS0"));
+    EXPECT_EQ(objects().size(), 4u);
+    EXPECT_EQ(saveOwn(certificate, true), 0) << "keeping keeps";
+    EXPECT_EQ(read().cns.size(), 2u);
+}
+
+} // namespace
