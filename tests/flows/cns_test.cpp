@@ -2,6 +2,7 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "inventory/certificates.h"
+#include "simcard/authority/certificate_file.h"
 #include "simcard/authority/memory_bio.h"
 #include "simcard/common/card_folder.h"
 #include "tests/flows/flow.h"
@@ -126,6 +127,25 @@ TEST_F(ServicesCardWithSignature, RecordsSayWhatOpenSslSays) {
     EXPECT_EQ(reading.pendingCNS + reading.pendingPRA + reading.pendingAUT, 0);
     EXPECT_FALSE(use2048Bit);
     EXPECT_TRUE(force2048PraGen);
+}
+
+TEST_F(ServicesCard, OnlyTheHoldersNameIsRewrittenAroundItsCommonName) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(requestOwn(), 0);
+    const auto named = [](const char* commonName, const char* organisation) {
+        simcard::DistinguishedName name(X509_NAME_new());
+        simcard::add_to_name(*name, NID_commonName, commonName);
+        simcard::add_to_name(*name, NID_organizationName, organisation);
+        return name;
+    };
+    const auto certificate = parsed(issue());
+    X509_set_subject_name(certificate.get(), named("Holder", "Somewhere").get());
+    X509_set_issuer_name(certificate.get(), named("Issuer", "Elsewhere").get());
+    X509_sign(certificate.get(), simcard::KeySource::from_file(ZV_TEST_KEYS).next().get(), EVP_sha256());
+    ASSERT_EQ(saveOwn(simcard::certificate_text(*certificate, simcard::CertificateForm::pem), false), 0);
+    const Lines record = fields(read().cns[0]);
+    EXPECT_EQ(record[0], "2.5.4.3=Holder/O=Somewhere");
+    EXPECT_EQ(record[1], "2.5.4.3=Issuer2.5.4.10=Elsewhere");
 }
 
 TEST_F(ServicesCard, KeysAreSearchedWhileTheFirstSearchIsOpen) {

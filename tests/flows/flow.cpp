@@ -165,6 +165,7 @@ int Flow::triesLeft() const {
 
 std::string Flow::maskedLog() const {
     static const std::vector<std::pair<std::regex, std::string>> masks = {
+        {std::regex(R"((ZVSIM08)\d{8}(08)\d{8})"), "$1(DAY)$2(DAY)"},
         {std::regex(R"((hSession|hModule|hPrivateKey|hPublicKey|SlotList) = 0x[1-9][0-9]*)"), "$1 = 0x#"},
         {std::regex(R"(hObject0x[1-9][0-9]*)"), "hObject0x#"},
         {std::regex(R"(hSession = <\d+> ulCount = <9> hCert = <\d+>)"),
@@ -178,7 +179,6 @@ std::string Flow::maskedLog() const {
         {std::regex(R"(BASE64\n[A-Za-z0-9+/]{1,47}={0,2}\n)"), "BASE64\n"},
         {std::regex(R"(BASE64\nBASE64)"), "BASE64"},
         {std::regex(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)"), "DATE"},
-        {std::regex(R"((ZVSIM08)\d{8}08\d{8})"), "$1DDMMYYYY08DDMMYYYY"},
     };
     std::string text = log.text();
     const std::string folder = moduleDir();
