@@ -32,7 +32,15 @@ class ServicesCard : public Flow {
         ASSERT_EQ(RechangeValueObject(nullptr, from, to.data()), 0);
         finalizza();
     }
-    const Lines ownPair = {"certificate CNS0", "private key CNS0", "public key CNS0"};
+    // The recorded calls that change the card.
+    std::string changes() {
+        std::string names;
+        std::istringstream calls(module.recorded());
+        for (std::string call; calls >> call; std::getline(calls, call))
+            if (call == "C_DestroyObject" || call == "C_SetAttributeValue" || call == "C_CreateObject")
+                names += call.substr(2) + " ";
+        return names;
+    }
     const Lines marked = {"data  labelled PDATA", "data  labelled pending_CNS_key", "certificate CNS0",
                           "private key CNS0", "public key CNS0"};
 };
@@ -41,14 +49,6 @@ class ServicesCardWithSignature : public ServicesCard {
   protected:
     ServicesCardWithSignature() : ServicesCard("cns-signature") {}
 };
-
-Lines fields(const std::string& record) {
-    Lines all;
-    std::istringstream text(record + "#");
-    for (std::string field; std::getline(text, field, '#');)
-        all.push_back(field);
-    return all;
-}
 
 simcard::Certificate parsed(const std::string& pem) {
     const simcard::Bio text = simcard::reading(pem);
@@ -219,6 +219,8 @@ TEST_F(ServicesCardWithSignature, SeriesNumbersDecide) {
     EXPECT_EQ(objects(), before) << "first keys are never deleted";
     EXPECT_EQ(named("1201000000000001").result, 100);
     EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
+    EXPECT_FALSE(is1205SerialToken);
+    EXPECT_EQ(named("1300000000000001").result, 0);
 }
 
 TEST_F(ServicesCard, ADllPathIsAServicesCard) {
@@ -228,7 +230,8 @@ TEST_F(ServicesCard, ADllPathIsAServicesCard) {
     EXPECT_EQ(reading.cns.size(), 1u) << szBuffErr;
     EXPECT_EQ(std::strlen(zv::dtScadenza), 8u);
     EXPECT_EQ(zv::Libreria, copy);
-    EXPECT_FALSE(has(log.text(), "Lista lettori") || has(log.text(), "Dump Smart Card"));
+    EXPECT_FALSE(has(log.text(), "Lista lettori") || has(log.text(), "Dump Smart Card"))
+        << "neither detection nor dump";
     ASSERT_EQ(requestOwn(), 0) << "requests and storing go to the same module";
     EXPECT_EQ(saveOwn(issue(), false), 0);
 }
@@ -241,8 +244,11 @@ TEST_F(ServicesCard, RenewalKeepsTheKeyAndItsLogIsTheGoldenOne) {
     EXPECT_EQ(objects(), marked);
     const std::string certificate = issue();
     EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(parsed(certificate).get()), X509_get0_pubkey(old.get())), 1);
+    module.record();
     ASSERT_EQ(saveOwn(certificate, false), 0) << szBuffErr << szSockMsg;
     expectGolden("cns.log", maskedLog());
+    EXPECT_EQ(changes(), "DestroyObject SetAttributeValue SetAttributeValue CreateObject DestroyObject ")
+        << "the old certificate first, the marker last";
     EXPECT_EQ(objects().size(), 4u) << "the marker and the old certificate are gone";
     EXPECT_TRUE(pairWorks("CNS0"));
     const Reading after = read();
@@ -286,6 +292,12 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
     EXPECT_TRUE(has(log.text(),
                     "ErrAttributeValue\nErrore = 0x48\n** Messaggio di Errore\nGenerazione chiavi "
                     "fallita (Ripetere l'operazione)\n"));
+    relabel("CNS0", "CNS1");
+    EXPECT_EQ(requestOwn(), 1) << "no key of that identifier";
+    EXPECT_STREQ(
+        szSockMsg,
+        "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 82)");
+    relabel("CNS1", "CNS0");
     EXPECT_EQ(objects(), before);
     module.reset();
     module.record();
@@ -300,29 +312,6 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
         << "neither title nor pseudonym";
     ASSERT_EQ(requestOwn(), 0) << "a marker that cannot be written again is no failure";
     EXPECT_EQ(objects(), marked);
-}
-
-TEST_F(ServicesCard, WithoutItsKeyThereIsNoRequest) {
-    ASSERT_EQ(read().result, 0);
-    relabel("CNS0", "CNS1");
-    EXPECT_EQ(requestOwn(), 1);
-    EXPECT_STREQ(
-        szSockMsg,
-        "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 82)");
-    EXPECT_EQ(objects().size(), 4u);
-}
-
-TEST_F(ServicesCard, StoringDeletesTheOldCertificateFirstAndTheMarkerLast) {
-    ASSERT_EQ(read().result, 0);
-    ASSERT_EQ(requestOwn(), 0);
-    module.record();
-    ASSERT_EQ(saveOwn(issue(), false), 0);
-    std::string changes;
-    std::istringstream calls(module.recorded());
-    for (std::string line; std::getline(calls, line);)
-        if (has(line, "C_DestroyObject") || has(line, "C_SetAttributeValue") || has(line, "C_CreateObject"))
-            changes += line.substr(2, line.find(' ') - 2) + " ";
-    EXPECT_EQ(changes, "DestroyObject SetAttributeValue SetAttributeValue CreateObject DestroyObject ");
 }
 
 TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {

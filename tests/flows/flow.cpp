@@ -189,6 +189,14 @@ std::string Flow::maskedLog() const {
     return text;
 }
 
+std::vector<std::string> fields(const std::string& record) {
+    std::vector<std::string> all;
+    std::istringstream text(record + "#");
+    for (std::string field; std::getline(text, field, '#');)
+        all.push_back(field);
+    return all;
+}
+
 std::vector<std::string> callsOf(const std::string& function, const std::string& recorded) {
     std::vector<std::string> calls;
     std::istringstream lines(recorded);

@@ -88,6 +88,9 @@ inline bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+/// The fields of a record.
+std::vector<std::string> fields(const std::string& record);
+
 /// The calls of one function in a record, a line each.
 std::vector<std::string> callsOf(const std::string& function, const std::string& recorded);
 

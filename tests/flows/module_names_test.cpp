@@ -12,17 +12,20 @@ struct NamedModule {
     bool relabelsBack;  // the pair, when it could not be stored
 };
 
+void PrintTo(const NamedModule& module, std::ostream* out) {
+    *out << module.name;
+}
+
 class ModuleNames : public Flow, public testing::WithParamInterface<NamedModule> {
   protected:
     ModuleNames() : Flow({}, GetParam().name) {}
-    // The class of every key that got a text since the record was begun.
+    // A "+" for every object that got the pair's texts since the record was begun.
     std::string relabelled() {
-        std::string classes;
+        std::string all;
         for (const std::string& call : callsOf("C_SetAttributeValue", module.recorded()))
-            classes +=
-                has(call, "pTemplate={CKA_ID 3 445333, CKA_LABEL 3 445333} ulCount=2 -> 0x0") ? "+" : call;
+            all += has(call, "pTemplate={CKA_ID 3 445333, CKA_LABEL 3 445333} ulCount=2 -> 0x0") ? "+" : call;
         module.reset();
-        return classes;
+        return all;
     }
 };
 

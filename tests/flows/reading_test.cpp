@@ -10,14 +10,6 @@ namespace {
 
 using namespace zvtest;
 
-std::vector<std::string> fields(const std::string& record) {
-    std::vector<std::string> all;
-    std::istringstream text(record + "#");
-    for (std::string field; std::getline(text, field, '#');)
-        all.push_back(field);
-    return all;
-}
-
 TEST_F(Flow, RecordsHoldTheCertificatesFields) {
     const Reading reading = read();
     ASSERT_EQ(reading.result, 0);
@@ -117,18 +109,6 @@ TEST_F(Flow, AnUnknownCardIsNotSupported) {
     set_ATRini_path(nullptr);
 }
 
-TEST_F(Flow, SeriesNumbersDecide) {
-    const auto named = [this](const char* serial) {
-        simcard::update_card(card.folder, [serial](simcard::Card& changed) { changed.serial = serial; });
-        return read().result;
-    };
-    EXPECT_EQ(named("1205000000000001"), 0);
-    EXPECT_TRUE(is1205SerialToken);
-    EXPECT_EQ(named("1201000000000001"), 100);
-    EXPECT_FALSE(is1205SerialToken);
-    EXPECT_EQ(named("1300000000000001"), 0);
-}
-
 TEST_F(Flow, ACardPulledInTheMiddleFailsAndOpensAgain) {
     module.add_rules("C_FindObjects:12:take-out");
     EXPECT_NE(read().result, 0);
@@ -154,19 +134,6 @@ TEST_F(Flow, AModuleThatAnswersOddlyIsLivedWith) {
         EXPECT_TRUE(has(log.text(), "Errore = 0x48\n")) << rule;
         EXPECT_TRUE(has(log.text(), "[]: Smart Card NON CNS: NewFind_ALL_CertsKeysRenew() error!\n")) << rule;
     }
-}
-
-TEST_F(Flow, ADllPathSkipsDetectionAndDump) {
-    const std::string copy = (log.folder() / "odd.dll").string();
-    std::filesystem::copy_file(path(), copy);
-    const Reading reading = read(PIN, copy.c_str());
-    EXPECT_EQ(reading.result, 0) << szBuffErr;
-    EXPECT_FALSE(has(log.text(), "Lista lettori"));
-    EXPECT_FALSE(has(log.text(), "Dump Smart Card"));
-    EXPECT_TRUE(has(log.text(), "Smart Card CNS: NewFind_ALL_CertsKeysRenewCNS() completata con successo"));
-    EXPECT_EQ(reading.pra.size(), 1u);
-    EXPECT_EQ(reading.aut.size(), 1u) << "the authority's certificate has no private key";
-    EXPECT_EQ(std::string(zv::Libreria), copy);
 }
 
 TEST_F(Flow, FreeIdentifiersFollowTheCard) {
