@@ -47,7 +47,17 @@ bool is_first_key(const std::string& id) {
         const std::size_t at = std::strlen(series);
         if (id.starts_with(series) && id.size() > at && id[at] >= '0' && id[at] <= '2') return true;
     }
-    return id == "CNS0";
+    return id == own_pair_id;
+}
+
+// Cards pad what they hold.
+bool begins_with(const Bytes& stored, const Bytes& expected) {
+    return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
+}
+
+const char* certificates_in_words(std::size_t count, bool private_key) {
+    if (count > 1) return private_key ? "several certificates and keys" : "several certificates alone";
+    return private_key ? "certificate and keys" : "certificate alone";
 }
 
 } // namespace
@@ -57,6 +67,26 @@ const CardObject* CardView::find(CK_OBJECT_CLASS type, const std::string& id) co
         return object.type == type && object.id == id;
     });
     return found == objects_.end() ? nullptr : &*found;
+}
+
+std::vector<const CardObject*> CardView::certificates(const std::string& id) const {
+    std::vector<const CardObject*> found;
+    for (const CardObject& object : objects_)
+        if (object.type == CKO_CERTIFICATE && object.id == id) found.push_back(&object);
+    return found;
+}
+
+const CardObject* CardView::certificate(const std::string& id, const Bytes& der) const {
+    const std::vector<const CardObject*> all = certificates(id);
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const CardObject* one) { return begins_with(one->value, der); });
+    return found == all.end() ? nullptr : *found;
+}
+
+bool CardView::marked_pending() const {
+    return std::any_of(objects_.begin(), objects_.end(), [](const CardObject& object) {
+        return object.type == CKO_DATA && object.label == "pending_CNS_key";
+    });
 }
 
 bool CardView::has(const std::string& id) const {
@@ -96,11 +126,10 @@ std::vector<std::string> CardView::waiting_pairs() const {
 std::string CardView::in_words() const {
     std::vector<std::string> parts;
     for (const std::string& id : identifiers()) {
-        const bool certificate = find(CKO_CERTIFICATE, id) != nullptr;
+        const std::size_t count = certificates(id).size();
         const bool public_key = find(CKO_PUBLIC_KEY, id) != nullptr;
         const bool private_key = find(CKO_PRIVATE_KEY, id) != nullptr;
-        const char* what = certificate && private_key  ? "certificate and keys"
-                           : certificate               ? "certificate alone"
+        const char* what = count > 0                   ? certificates_in_words(count, private_key)
                            : public_key && private_key ? "keys without a certificate"
                            : private_key               ? "private key alone"
                            : public_key                ? "public key alone"

@@ -9,6 +9,9 @@
 
 namespace cli {
 
+/// The identifier of a services card's own pair and of its certificate.
+inline constexpr const char* own_pair_id = "CNS0";
+
 /// An object of the card. Identifier (CKA_ID) and label are read as texts.
 struct CardObject {
     CK_OBJECT_HANDLE handle = 0;
@@ -25,6 +28,12 @@ class CardView {
 
     /// The object of that class and identifier; null when there is none.
     [[nodiscard]] const CardObject* find(CK_OBJECT_CLASS type, const std::string& id) const;
+    /// Every certificate with that identifier: a services card may hold two under its own pair's.
+    [[nodiscard]] std::vector<const CardObject*> certificates(const std::string& id) const;
+    /// The certificate of that identifier and DER; null when there is none.
+    [[nodiscard]] const CardObject* certificate(const std::string& id, const Bytes& der) const;
+    /// Whether the card bears the mark that a request for a services card's own certificate is under way.
+    [[nodiscard]] bool marked_pending() const;
     /// Whether any object has that identifier.
     [[nodiscard]] bool has(const std::string& id) const;
     /// The modulus of the pair with that identifier; empty when the card does not give it.

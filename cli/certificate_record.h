@@ -15,6 +15,7 @@ struct CertificateRecord {
     Kind kind = Kind::signature;
     std::string subject_text; ///< as the record has it
     DistinguishedName subject;
+    bool subject_exact = false; ///< the subject was read from the certificate itself
     DistinguishedName issuer;
     std::string iut;
     std::string policies;

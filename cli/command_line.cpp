@@ -25,7 +25,8 @@ constexpr const char* exits =
 constexpr const char* about_removal =
     R"(The old certificate and its keys stay on the card unless --remove-old is given. That removes them before the
 new certificate is stored; with a signature certificate the authority's own certificate goes too, and nothing
-puts it back. What is replaced or removed is saved to the backup file first. At the end the new key signs
+puts it back. A services card keeps its keys: only its certificate is removed, and without --remove-old it then
+holds two of the same identifier. What is replaced or removed is saved to the backup file first. At the end the new key signs
 and the new certificate verifies.
 
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
@@ -91,18 +92,23 @@ void add_reading_commands(CLI::App& app, Invocation& chosen) {
 
 // Turns the name of a kind into its number, which is what the parser reads into an enumeration.
 std::string kind_number(std::string& word) {
-    for (const Kind kind : {Kind::signature, Kind::authentication}) {
+    for (const Kind kind : {Kind::signature, Kind::authentication, Kind::services}) {
         if (word != kind_name(kind)) continue;
         word = std::to_string(static_cast<int>(kind));
         return {};
     }
-    return "signature or authentication, not \"" + word + "\"";
+    return "signature, authentication or services, not \"" + word + "\"";
 }
 
 void add_request(CLI::App& app, Invocation& chosen) {
-    const auto [command, options] =
-        add_command(app, chosen, "request", "Makes new keys on the card and a request for them", run_request);
-    command.add_option("KIND", options.kind, "signature or authentication")
+    const auto [command, options] = add_command(
+        app, chosen, "request",
+        "Makes new keys on the card and a request for them; a services card's own stay", run_request);
+    command
+        .add_option(
+            "KIND", options.kind,
+            "signature, authentication or services (a services card's own certificate, whose keys are "
+            "kept)")
         ->required()
         ->type_name("")
         ->transform(CLI::Validator(kind_number, "", "kind"));

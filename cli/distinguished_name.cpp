@@ -94,7 +94,10 @@ bool is_printable(char c) {
 }
 
 std::string why_not(const NameAttribute& attribute) {
-    const AttributeType& type = *by_name(attribute.name);
+    const AttributeType* known = by_name(attribute.name);
+    if (known == nullptr)
+        return fmt::format("\"{}\" is an attribute that a request does not carry", attribute.name);
+    const AttributeType& type = *known;
     const std::string& value = attribute.value;
     if (value.empty()) return fmt::format("{} is empty", type.name);
     if (value.size() > type.longest)
@@ -110,10 +113,15 @@ std::string why_not(const NameAttribute& attribute) {
     for (const std::string_view part : taken_apart)
         if (value.find(part) != std::string::npos)
             return fmt::format("{} contains \"{}\", which would be taken for an attribute", type.name, part);
-    if (const Mark inner = next_slash(value, 0); inner.at != std::string_view::npos)
-        return fmt::format("\"{}\" is an attribute that a request does not carry",
-                           value.substr(inner.at + 1, inner.value - inner.at - 2));
     return {};
+}
+
+// A text taken apart by the attributes that are known leaves the others inside the value before them.
+std::string why_swallowed(const std::string& value) {
+    const Mark inner = next_slash(value, 0);
+    if (inner.at == std::string_view::npos) return {};
+    return fmt::format("\"{}\" is an attribute that a request does not carry",
+                       value.substr(inner.at + 1, inner.value - inner.at - 2));
 }
 
 } // namespace
@@ -147,10 +155,25 @@ DistinguishedName DistinguishedName::from_user(std::string_view text) {
     return name;
 }
 
+DistinguishedName DistinguishedName::from_oids(std::vector<NameAttribute> attributes) {
+    DistinguishedName name;
+    name.exact_ = true;
+    for (NameAttribute& attribute : attributes) {
+        const auto* type =
+            std::find_if(attribute_types.begin(), attribute_types.end(),
+                         [&](const AttributeType& one) { return one.oid == attribute.name + "="; });
+        if (type != attribute_types.end()) attribute.name = type->name;
+        name.attributes_.push_back(std::move(attribute));
+    }
+    return name;
+}
+
 std::string DistinguishedName::oid_form() const {
     std::string text;
-    for (const NameAttribute& attribute : attributes_)
-        text += std::string(by_name(attribute.name)->oid) + attribute.value;
+    for (const auto& [name, value] : attributes_) {
+        const AttributeType* type = by_name(name);
+        text += (type != nullptr ? std::string(type->oid) : name + "=") + value;
+    }
     return text;
 }
 
@@ -171,6 +194,8 @@ std::string DistinguishedName::why_not_requestable() const {
     if (attributes_.empty()) return "it has no attribute that a request carries";
     for (const NameAttribute& attribute : attributes_) {
         if (const std::string reason = why_not(attribute); !reason.empty()) return reason;
+        const std::string swallowed = exact_ ? "" : why_swallowed(attribute.value);
+        if (!swallowed.empty()) return swallowed;
         const auto times =
             std::count_if(attributes_.begin(), attributes_.end(),
                           [&](const NameAttribute& other) { return other.name == attribute.name; });

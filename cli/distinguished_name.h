@@ -21,6 +21,9 @@ class DistinguishedName {
     /// Reads "/C=IT/O=Acme/CN=Name", or the library's form when the text begins with a digit.
     /// @throws Stop for an attribute that requests do not carry.
     [[nodiscard]] static DistinguishedName from_user(std::string_view text);
+    /// Takes attributes that are known one by one, named by their identifiers ("2.5.4.6"). Those that requests
+    /// do not carry keep that name.
+    [[nodiscard]] static DistinguishedName from_oids(std::vector<NameAttribute> attributes);
 
     /// The library's form.
     [[nodiscard]] std::string oid_form() const;
@@ -35,6 +38,7 @@ class DistinguishedName {
 
   private:
     std::vector<NameAttribute> attributes_;
+    bool exact_ = false; ///< no value can have swallowed the attribute behind it
 };
 
 } // namespace cli

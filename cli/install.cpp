@@ -51,6 +51,8 @@ std::string save_backup(const InstallOptions& options, const InstallPlan& plan) 
 
 void say_what_comes(const InstallPlan& plan) {
     if (plan.removed.empty()) return;
+    if (plan.kind == Kind::services)
+        return note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
     note(fmt::format("Removing {} from the card, keys included.", plan.removed.front()));
     if (plan.removed.size() > 1)
         note(fmt::format("The authority's certificate \"{}\" goes too: nothing puts it back.",
@@ -68,30 +70,47 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
 }
 
+std::string advice_after_failure(const InstallPlan& plan, const CardNow& now) {
+    if (!now.view) return "Put the card in the reader and run the same command again.";
+    if (plan.kind == Kind::services && !plan.removed.empty() && now.view->certificates(plan.pair).empty())
+        return fmt::format(
+            "The old certificate {0} is gone, the keys {0} are on the card: run the command again "
+            "without --remove-old.",
+            plan.pair);
+    if (plan.kind == Kind::services && now.view->certificate(plan.pair, plan.certificate) == nullptr)
+        return "The keys are as they were: run the same command again.";
+    if (now.waits(plan.pair))
+        return fmt::format("The pair {} still waits for the certificate: run the same command again.",
+                           plan.pair);
+    return "See what is on the card with: zvrenew list";
+}
+
 [[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
                               Stop stop) {
     const CardNow now = card_now(card);
     stop.card = now.words;
-    stop.advice =
-        !now.view ? "Put the card in the reader and run the same command again."
-        : now.waits(plan.pair)
-            ? fmt::format("The pair {} still waits for the certificate: run the same command again.",
-                          plan.pair)
-            : "See what is on the card with: zvrenew list";
+    stop.advice = advice_after_failure(plan, now);
     if (!backup.empty()) stop.advice += fmt::format("\nA copy of the old certificate: {}", backup);
     throw stop;
+}
+
+// Of a services card only the certificate goes, whose place the new one takes.
+bool is_left(const InstallPlan& plan, const CardView& view, const std::string& id) {
+    return plan.kind == Kind::services ? view.certificates(id).size() > 1 : view.has(id);
 }
 
 // The library says nothing of an object that would not go.
 void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::string& backup) {
     if (!now.view) return;
     std::vector<std::string> left = plan.removed;
-    std::erase_if(left, [&](const std::string& id) { return !now.view->has(id); });
+    std::erase_if(left, [&](const std::string& id) { return !is_left(plan, *now.view, id); });
     if (left.empty()) return;
+    const std::string what = plan.kind == Kind::services
+                                 ? fmt::format("another certificate {} is still there", plan.pair)
+                                 : fmt::format("{} could not be removed whole", fmt::join(left, ", "));
     Stop stop(
         Exit::failed,
-        fmt::format("The new certificate is stored and verified, as {}, but {} could not be removed whole.",
-                    plan.pair, fmt::join(left, ", ")),
+        fmt::format("The new certificate is stored and verified, as {}, but {}.", plan.pair, what),
         fmt::format("Remove it with the card's own software.\nA copy of the old certificate: {}", backup));
     stop.card = now.words;
     stop.logged = true;
@@ -100,6 +119,13 @@ void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::st
 
 std::string old_in_words(const InstallPlan& plan) {
     if (!plan.old) return {};
+    if (plan.kind == Kind::services)
+        return plan.removed.empty()
+                   ? fmt::format("\nThe old certificate is still on the card, under the same identifier {}: "
+                                 "programs may take it for the new\none. Only the card's own software can "
+                                 "remove it now; --remove-old does so before storing.",
+                                 plan.pair)
+                   : fmt::format("\nRemoved: the old certificate {}.", plan.pair);
     if (!plan.removed.empty()) return fmt::format("\nRemoved: {}.", fmt::join(plan.removed, ", "));
     return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
 }

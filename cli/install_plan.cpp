@@ -33,26 +33,33 @@ std::string ids(const std::vector<WaitingPair>& pairs) {
 
 void refuse_what_is_there(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
     for (const CertificateRecord& record : inventory.certificates) {
-        const CardObject* stored = view.find(CKO_CERTIFICATE, record.id);
         for (const Certificate& certificate : files.certificates)
-            if (stored != nullptr && der_of(*certificate) == stored->value)
+            if (view.certificate(record.id, der_of(*certificate)) != nullptr)
                 throw Stop(Exit::refused,
                            fmt::format("The certificate is on the card already, as {}.", record.id));
     }
 }
 
+// A services card's own pair takes a new certificate also when the mark of its request is not there.
+std::vector<WaitingPair> pairs_to_serve(const Inventory& inventory) {
+    std::vector<WaitingPair> pairs = inventory.waiting;
+    if (inventory.own_pair) pairs.push_back({Kind::services, own_pair_id});
+    return pairs;
+}
+
 Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
-    if (inventory.waiting.empty())
+    const std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
+    if (pairs.empty())
         throw Stop(Exit::refused, "No pair on the card waits for a certificate.",
                    "See what is on the card with: zvrenew list");
-    for (const WaitingPair& pair : inventory.waiting) {
+    for (const WaitingPair& pair : pairs) {
         const Bytes key = view.modulus(pair.id);
         if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
         if (X509* certificate = certificate_with(files.certificates, key)) return {pair, certificate};
     }
     throw Stop(Exit::refused,
-               fmt::format("The certificate is for another key than the pair that waits on the card ({}).",
-                           ids(inventory.waiting)),
+               fmt::format("The certificate is for another key than what can take one on the card ({}).",
+                           ids(pairs)),
                "Install it on the card whose request it answers.");
 }
 
@@ -86,9 +93,10 @@ void refuse_ambiguous(const InstallPlan& plan, const CardView& view, bool remove
 }
 
 std::string pem_on_card(const CardView& view, const std::string& id) {
-    const CardObject* object = view.find(CKO_CERTIFICATE, id);
-    const Certificate certificate = object == nullptr ? nullptr : certificate_from(object->value);
-    return certificate ? pem_of(*certificate) : std::string();
+    std::string pem;
+    for (const CardObject* object : view.certificates(id))
+        if (const Certificate certificate = certificate_from(object->value)) pem += pem_of(*certificate);
+    return pem;
 }
 
 void plan_removal(InstallPlan& plan, const CardView& view) {

@@ -1,5 +1,7 @@
 #include "cli/inventory.h"
 
+#include "cli/certificate_facts.h"
+#include "cli/key_material.h"
 #include "cli/library_text.h"
 #include "cli/outcome.h"
 #include "zvRenew.h"
@@ -73,6 +75,17 @@ void add_certificates(Inventory& inventory, const CertificateList& list, Kind ki
     }
 }
 
+// The record of a services card's own certificate has what follows the common name inside it.
+void take_subject(CertificateRecord& record, const CardView& view) {
+    for (const CardObject* object : view.certificates(record.id)) {
+        const Certificate certificate = certificate_from(object->value);
+        if (!certificate || end_of(*certificate) != record.ends) continue;
+        record.subject = subject_of(*certificate);
+        record.subject_exact = true;
+        return;
+    }
+}
+
 void add_waiting(Inventory& inventory, const std::string& id) {
     const auto known = std::any_of(inventory.waiting.begin(), inventory.waiting.end(),
                                    [&](const WaitingPair& pair) { return pair.id == id; });
@@ -104,6 +117,9 @@ Inventory read_inventory(OpenedCard& card, const CardView& view) {
     add_certificates(inventory, reading.signature, Kind::signature, mark_signature);
     add_certificates(inventory, reading.authentication, Kind::authentication, mark_authentication);
     add_certificates(inventory, reading.services, Kind::services, reading.services_pending == 1);
+    for (CertificateRecord& record : inventory.certificates)
+        if (record.kind == Kind::services) take_subject(record, view);
+    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, own_pair_id) != nullptr;
     inventory.services_waiting = reading.services_pending == 1;
     const std::string signature_key = reading.signature_key.data();
     const std::string authentication_key = reading.authentication_key.data();

@@ -27,7 +27,8 @@ struct Inventory {
     std::vector<CertificateRecord> certificates;
     std::size_t unreadable = 0; ///< records that could not be taken apart
     std::vector<WaitingPair> waiting;
-    bool services_waiting = false; ///< a request for the services card's own pair is under way
+    bool own_pair = false;         ///< it is a services card whose own pair takes a new certificate
+    bool services_waiting = false; ///< a request for that certificate is under way
     Proposal signature;
     Proposal authentication;
 

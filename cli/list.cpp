@@ -17,7 +17,7 @@ struct Due {
 
 Due due_of(const Inventory& inventory, const CertificateRecord& record, int days, std::time_t now) {
     const bool ending = ends_within(record.ends, days, now);
-    const bool replaced = inventory.current(record.kind)->id != record.id;
+    const bool replaced = inventory.current(record.kind) != &record;
     return {ending && !replaced, replaced};
 }
 
@@ -34,10 +34,11 @@ std::string holder(const CertificateRecord& record) {
     return name.substr(0, end) + "...";
 }
 
-std::string mark(const Due& due, long days) {
+std::string mark(const Due& due, long days, bool under_way) {
     if (due.replaced) return "  replaced";
-    if (due.due) return days < 0 ? "  EXPIRED, due" : "  DUE";
-    return "";
+    const char* state = !due.due ? "" : days < 0 ? "  EXPIRED, due" : "  DUE";
+    if (!under_way) return state;
+    return fmt::format("{}{}request under way", state, due.due ? ", " : "  ");
 }
 
 struct Columns {
@@ -84,9 +85,10 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
     for (const CertificateRecord& record : inventory.certificates) {
         const Due due = due_of(inventory, record, days, now);
         const long left = days_until(record.ends, now);
-        report.text +=
-            fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(record.kind), record.id,
-                        columns.id, holder(record), columns.name, day_of(record.ends), left, mark(due, left));
+        const bool under_way = record.kind == Kind::services && inventory.services_waiting;
+        report.text += fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(record.kind),
+                                   record.id, columns.id, holder(record), columns.name, day_of(record.ends),
+                                   left, mark(due, left, under_way));
         report.json["certificates"].push_back(certificate_json(record, due, left));
     }
     if (inventory.certificates.empty()) report.text += "  (no certificates)\n";
@@ -94,11 +96,14 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
         report.text += fmt::format("  ({} more cannot be read)\n", inventory.unreadable);
 }
 
-void say_what_is_due(std::string& text, const Json& certificates) {
-    for (const Json& entry : certificates)
-        if (entry["due"].get<bool>() && entry["kind"] != kind_name(Kind::services))
+void say_what_is_due(std::string& text, const Json& certificates, const Inventory& inventory) {
+    for (const Json& entry : certificates) {
+        const bool services = entry["kind"] == kind_name(Kind::services);
+        const bool waiting = services ? inventory.services_waiting : !inventory.waiting.empty();
+        if (entry["due"].get<bool>() && !waiting)
             text += fmt::format("\nThe {0} certificate is due. Renew it:  zvrenew request {0} --out FILE",
                                 entry["kind"].get<std::string>());
+    }
 }
 
 void say_what_waits(std::string& text, const Inventory& inventory) {
@@ -111,8 +116,13 @@ void say_what_waits(std::string& text, const Inventory& inventory) {
                 fmt::format("\n  To ask once more:   zvrenew request {} --out FILE   (the same pair is used)",
                             kind_name(pair.kind));
     }
-    if (inventory.services_waiting)
-        text += "\nA request for the services card's own certificate is under way.";
+    if (!inventory.services_waiting) return;
+    const bool stored = inventory.current(Kind::services) != nullptr;
+    text += "\nA request for the services certificate is under way.\n"
+            "  When it has come:   zvrenew install CERTIFICATE";
+    if (stored)
+        text += " --remove-old\n"
+                "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)";
 }
 
 } // namespace
@@ -130,7 +140,7 @@ Report run_list(const ListOptions& options) {
     report.json["services_waiting"] = inventory.services_waiting;
     report.json["next"] = {{"signature", proposal_json(inventory.signature)},
                            {"authentication", proposal_json(inventory.authentication)}};
-    if (inventory.waiting.empty()) say_what_is_due(report.text, report.json["certificates"]);
+    say_what_is_due(report.text, report.json["certificates"], inventory);
     say_what_waits(report.text, inventory);
     return report;
 }

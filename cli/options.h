@@ -13,7 +13,7 @@ struct CommonOptions {
     bool final_try = false;
 };
 
-/// The two kinds of certificate that are renewed from here.
+/// The kinds of certificate that are renewed from here; `services` is a services card's own.
 enum class Kind { signature, authentication, services };
 
 struct ListOptions : CommonOptions {

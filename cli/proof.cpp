@@ -41,19 +41,13 @@ bool verifies(X509& certificate, const Message& message, const Bytes& signature)
     return right;
 }
 
-// Cards pad what they hold.
-bool begins_with(const Bytes& stored, const Bytes& expected) {
-    return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
-}
-
 std::string prove(const Session& session, const std::string& id, const Bytes& expected_certificate) {
     const CardView view = view_in(session);
-    const CardObject* stored = view.find(CKO_CERTIFICATE, id);
+    const CardObject* stored = view.certificate(id, expected_certificate);
     const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
-    if (stored == nullptr) return fmt::format("there is no certificate {} on the card.", id);
+    if (view.certificates(id).empty()) return fmt::format("there is no certificate {} on the card.", id);
     if (key == nullptr) return fmt::format("there is no private key {} on the card.", id);
-    if (!begins_with(stored->value, expected_certificate))
-        return fmt::format("the certificate {} on the card is another one.", id);
+    if (stored == nullptr) return fmt::format("the certificate {} on the card is another one.", id);
     Message message{};
     if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
         return "no random text could be made.";

@@ -24,6 +24,10 @@ void say_what_comes(const RequestPlan& plan) {
         note(fmt::format(
             "The certificate {} has expired: the authority may not take a request signed with it.",
             plan.old.id));
+    if (plan.old.kind == Kind::services) {
+        note(fmt::format("The card's own keys {} stay and sign the request.", plan.pair));
+        return;
+    }
     if (plan.reuse) {
         note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
         return;
@@ -68,15 +72,27 @@ void check_request(OpenedCard& card, const RequestPlan& plan, const std::string&
         stop_failed(card, plan, {Exit::failed, "The waiting pair could not be discarded."});
     if (plan.reuse && key != plan.waiting_key)
         stop_failed(card, plan,
-                    {Exit::failed, "The request came out for another pair than the waiting one."});
+                    {Exit::failed, fmt::format("The request came out for another pair than {}.", plan.pair)});
+}
+
+// The library does not say whether the card took the mark.
+void check_mark(OpenedCard& card) {
+    const CardNow now = card_now(card);
+    if (!now.view || !now.view->marked_pending())
+        note("The card bears no mark of the request: the list will not show that it is under way.");
+}
+
+const char* which_pair(const RequestPlan& plan) {
+    if (plan.old.kind == Kind::services) return "card's own";
+    return plan.reuse ? "waiting" : "new";
 }
 
 std::string next_steps(const RequestOptions& options) {
     const std::string file = options.out.empty() ? "REQUEST" : options.out;
     return fmt::format("Send it to the authority. When the certificate comes:\n"
-                       "  zvrenew install CERTIFICATE --request {}\n"
+                       "  zvrenew install CERTIFICATE --request {}{}\n"
                        "Log: {}",
-                       file, log_path());
+                       file, options.kind == Kind::services ? " --remove-old" : "", log_path());
 }
 
 Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options) {
@@ -89,7 +105,7 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
     report.json["subject"] = name_json(plan.subject);
     const std::string saved = options.out.empty() ? "" : fmt::format("Saved as {}\n", options.out);
     report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}\n{}{}",
-                              kind_name(options.kind), plan.old.id, plan.reuse ? "waiting" : "new", plan.pair,
+                              kind_name(options.kind), plan.old.id, which_pair(plan), plan.pair,
                               plan.subject.readable(), saved, next_steps(options));
     return report;
 }
@@ -97,6 +113,7 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
 } // namespace
 
 Report run_request(const RequestOptions& options) {
+    check_options(options);
     std::optional<DistinguishedName> subject = given_subject(options);
     if (!options.out.empty()) NewFile trial(options.out); // made and gone again: a bad name is told of now
     OpenedCard card = open_card(options, Use::changing);
@@ -109,6 +126,7 @@ Report run_request(const RequestOptions& options) {
     say_what_comes(plan);
     const std::string text = ask_library(card, plan, options.kind);
     check_request(card, plan, text);
+    if (options.kind == Kind::services) check_mark(card);
     Report report = report_on(card, plan, options);
     if (out) {
         out->save(text);

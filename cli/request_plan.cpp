@@ -36,8 +36,18 @@ void stop_unless_due(const RequestOptions& options, const CertificateRecord& old
         fmt::format("It is due {} days before. To renew it now all the same, give --force.", options.days));
 }
 
-DistinguishedName requestable(DistinguishedName subject, const char* whose) {
-    if (const std::string reason = subject.why_not_requestable(); !reason.empty())
+// A request for a services card's own certificate leaves these out.
+std::string why_not_services(const DistinguishedName& subject) {
+    for (const char* name : {"title", "pseudonym"})
+        if (!subject.value(name).empty())
+            return fmt::format("a request of a services card does not carry {}", name);
+    return {};
+}
+
+DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* whose) {
+    std::string reason = subject.why_not_requestable();
+    if (reason.empty() && kind == Kind::services) reason = why_not_services(subject);
+    if (!reason.empty())
         throw Stop(Exit::refused, fmt::format("{} cannot go into a request: {}.", whose, reason),
                    say_subject);
     return subject;
@@ -46,9 +56,10 @@ DistinguishedName requestable(DistinguishedName subject, const char* whose) {
 DistinguishedName subject_of(const CertificateRecord& old) {
     const bool cut = old.subject_text.size() >= longest_record_name;
     const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
-    if (cut || !old.subject_text.starts_with(begin))
+    const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
+    if (!old.subject_exact && !whole)
         throw Stop(Exit::refused, "The subject of the certificate cannot be read whole.", say_subject);
-    return requestable(old.subject, "The subject of the certificate");
+    return requestable(old.subject, old.kind, "The subject of the certificate");
 }
 
 [[noreturn]] void stop_none_free(Kind kind, const std::string& series) {
@@ -70,6 +81,27 @@ std::string free_identifier(Kind kind, const Inventory& inventory, const CardVie
     stop_none_free(kind, series);
 }
 
+void take_own_pair(RequestPlan& plan, const CardView& view) {
+    if (plan.old.id != own_pair_id)
+        throw Stop(Exit::refused,
+                   fmt::format("The certificate {} is not the services card's own.", plan.old.id));
+    plan.pair = own_pair_id;
+    plan.reuse = true;
+    plan.waiting_key = view.modulus(plan.pair);
+}
+
+void take_new_pair(RequestPlan& plan, const RequestOptions& options, const Inventory& inventory,
+                   const CardView& view) {
+    const WaitingPair* waiting = inventory.waiting_pair(options.kind);
+    plan.pair = waiting != nullptr ? waiting->id : free_identifier(options.kind, inventory, view);
+    if (waiting == nullptr) return;
+    plan.discard = options.new_pair;
+    plan.reuse = !options.new_pair;
+    if (view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
+        throw Stop(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
+    plan.waiting_key = view.modulus(plan.pair);
+}
+
 void refuse_ambiguous(const std::string& pair, const CardView& view) {
     if (pair.size() > ZV_PENDING_LABEL_MAX)
         throw Stop(Exit::refused, fmt::format("The identifier {} is too long to be worked with.", pair));
@@ -83,9 +115,15 @@ void refuse_ambiguous(const std::string& pair, const CardView& view) {
 
 } // namespace
 
+void check_options(const RequestOptions& options) {
+    if (options.kind == Kind::services && options.new_pair)
+        throw Stop(Exit::refused, "A services card keeps its own keys: there is no new pair to make.",
+                   "Repeat the request without --new-pair.");
+}
+
 std::optional<DistinguishedName> given_subject(const RequestOptions& options) {
     if (options.subject.empty()) return std::nullopt;
-    return requestable(DistinguishedName::from_user(options.subject), "The subject");
+    return requestable(DistinguishedName::from_user(options.subject), options.kind, "The subject");
 }
 
 RequestPlan plan_request(const RequestOptions& options, const Inventory& inventory, const CardView& view,
@@ -97,13 +135,10 @@ RequestPlan plan_request(const RequestOptions& options, const Inventory& invento
     if (view.find(CKO_PRIVATE_KEY, plan.old.id) == nullptr)
         throw Stop(Exit::refused,
                    fmt::format("The key of the certificate {} is not on the card.", plan.old.id));
-    const WaitingPair* waiting = inventory.waiting_pair(options.kind);
-    plan.pair = waiting != nullptr ? waiting->id : free_identifier(options.kind, inventory, view);
-    plan.discard = waiting != nullptr && options.new_pair;
-    plan.reuse = waiting != nullptr && !options.new_pair;
-    if (waiting != nullptr && view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
-        throw Stop(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
-    if (waiting != nullptr) plan.waiting_key = view.modulus(plan.pair);
+    if (options.kind == Kind::services)
+        take_own_pair(plan, view);
+    else
+        take_new_pair(plan, options, inventory, view);
     refuse_ambiguous(plan.pair, view);
     return plan;
 }

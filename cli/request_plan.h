@@ -13,11 +13,14 @@ namespace cli {
 struct RequestPlan {
     CertificateRecord old; ///< the certificate being renewed, whose key signs the request
     DistinguishedName subject;
-    std::string pair;     ///< identifier of the new pair
+    std::string pair;     ///< identifier of the new pair, or of a services card's own
     bool reuse = false;   ///< the pair is on the card already
     bool discard = false; ///< the pair is on the card, to be replaced by a new one under its identifier
     Bytes waiting_key;    ///< modulus of the pair that is on the card already
 };
+
+/// Refuses options that contradict each other. @throws Stop
+void check_options(const RequestOptions& options);
 
 /// The subject given with --subject, checked before anything is asked; none when none was given.
 /// @throws Stop

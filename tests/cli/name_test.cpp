@@ -43,6 +43,17 @@ TEST(NameTest, SaysWhatARequestWouldNotCarryWhole) {
     EXPECT_NE(DistinguishedName().why_not_requestable(), "");
 }
 
+// A services card's common name has slashes in it, and may well end like an attribute.
+TEST(NameTest, TakesValuesThatAreKnownOneByOneAsTheyAre) {
+    const auto name = DistinguishedName::from_oids({{"2.5.4.6", "IT"}, {"2.5.4.3", "CLLD/90.ab/Cd="}});
+    EXPECT_EQ(name.readable(), "C=IT, CN=CLLD/90.ab/Cd=");
+    EXPECT_EQ(name.oid_form(), "2.5.4.6=IT2.5.4.3=CLLD/90.ab/Cd=");
+    EXPECT_EQ(name.why_not_requestable(), "");
+    for (const NameAttribute& bad :
+         {NameAttribute{"2.5.4.97", "VATIT-1"}, NameAttribute{"2.5.4.3", "a/OU=b"}})
+        EXPECT_NE(DistinguishedName::from_oids({bad}).why_not_requestable(), "") << bad.value;
+}
+
 // 1023 characters with one line break for each attribute are what the library works on.
 TEST(NameTest, KnowsToTheCharacterWhenTheTailWouldBeLost) {
     std::string text = "/CN=" + std::string(64, 'c') + "/O=" + std::string(64, 'o');

@@ -58,6 +58,14 @@ class ProgramTest : public testing::Test {
         cards_.make(plan);
         cards_.configure();
     }
+    /// A services card whose own certificate ends in so many days.
+    void make_services_card(int days = 12) {
+        simcard::CardPlan plan;
+        plan.profile = &simcard::profile_named("cns");
+        plan.cns_days = days;
+        cards_.make(plan);
+        cards_.configure();
+    }
     /// A card with signature pairs under these identifiers, certificates included.
     void make_card_with(const std::vector<const char*>& ids) {
         simcard::Profile profile = simcard::profile_named("signature");

@@ -1,0 +1,75 @@
+#include "cli/key_material.h"
+#include "tests/cli/program.h"
+
+namespace {
+
+using zvtest::Outcome;
+using zvtest::ProgramTest;
+
+class ServicesProgramTest : public ProgramTest {
+  protected:
+    // A card whose request is under way, the request in "request" and its certificate in "certificate".
+    void prepare() {
+        make_services_card();
+        request_ = with_pin("request services --out request");
+        ASSERT_EQ(request_.code, 0) << request_.err;
+        ASSERT_EQ(tool("issue request --out certificate").code, 0);
+    }
+    Outcome request_;
+};
+
+TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
+    prepare();
+    EXPECT_EQ(request_.count("C_GenerateKeyPair"), 0U);
+    EXPECT_TRUE(request_.says("=, SN=Collaudo, GN=Ada\n"))
+        << "what follows the common name: " << request_.out;
+    EXPECT_TRUE(request_.says("--request request --remove-old"));
+    const auto before = json("list");
+    EXPECT_EQ(before["services_waiting"], true);
+    EXPECT_TRUE(with_pin("list").says("DUE, request under way"));
+
+    const auto result = json("install certificate --request request --remove-old --backup old.pem");
+    EXPECT_EQ(result["result"], "done") << result;
+    EXPECT_EQ(result["on_card"], "CNS0 (certificate and keys)");
+    const auto after = json("list");
+    ASSERT_EQ(after["certificates"].size(), 1U);
+    const auto& renewed = after["certificates"][0];
+    EXPECT_EQ(renewed["subject"], before["certificates"][0]["subject"]);
+    EXPECT_EQ(renewed["key_identifier"], before["certificates"][0]["key_identifier"]) << "the same keys";
+    EXPECT_NE(renewed["serial"], before["certificates"][0]["serial"]);
+    EXPECT_EQ(after["services_waiting"], false);
+    EXPECT_EQ(with_pin("install old.pem --remove-old").code, 0) << "the old one can be put back";
+}
+
+TEST_F(ServicesProgramTest, OffersToKeepOnceTheOldOneIsGone) {
+    prepare();
+    const Outcome full = with_pin("install certificate --remove-old", "C_CreateObject:1:answer:0x31");
+    EXPECT_EQ(full.code, 1);
+    EXPECT_TRUE(full.says("Now on the card: CNS0 (keys without a certificate)")) << full.err;
+    EXPECT_TRUE(full.says("run the command again without --remove-old")) << full.err;
+    EXPECT_EQ(with_pin("install certificate").code, 0);
+    EXPECT_EQ(json("list")["certificates"].size(), 1U);
+}
+
+TEST_F(ServicesProgramTest, TellsTheTwoThatAreKeptApart) {
+    prepare();
+    const Outcome kept = with_pin("install certificate --backup old.pem");
+    EXPECT_EQ(kept.code, 0) << kept.err;
+    EXPECT_TRUE(kept.says("still on the card, under the same identifier CNS0")) << kept.out;
+    const auto list = json("list");
+    ASSERT_EQ(list["certificates"].size(), 2U);
+    EXPECT_EQ(list["certificates"][0]["replaced"], true);
+    EXPECT_EQ(list["certificates"][1]["replaced"], false);
+    EXPECT_EQ(with_pin("install certificate").code, 2) << "it is there already";
+}
+
+TEST_F(ServicesProgramTest, RefusesWhatItsRequestCannotDo) {
+    make_services_card();
+    for (const char* options : {"--new-pair", "--subject /CN=Ada/title=Dott"}) {
+        const Outcome outcome = with_pin(std::string("request services ") + options);
+        EXPECT_EQ(outcome.code, 2) << outcome.err;
+        EXPECT_EQ(outcome.calls, "") << options;
+    }
+}
+
+} // namespace
