@@ -26,8 +26,8 @@ constexpr const char* about_removal =
     R"(The old certificate and its keys stay on the card unless --remove-old is given. That removes them before the
 new certificate is stored; with a signature certificate the authority's own certificate goes too, and nothing
 puts it back. A services card keeps its keys: only its certificate is removed, and without --remove-old it then
-holds two of the same identifier. What is replaced or removed is saved to the backup file first. At the end the new key signs
-and the new certificate verifies.
+holds two of the same identifier. What is replaced or removed is saved to the backup file first. At the end the
+new key signs and the new certificate verifies.
 
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
@@ -105,10 +105,7 @@ void add_request(CLI::App& app, Invocation& chosen) {
         app, chosen, "request",
         "Makes new keys on the card and a request for them; a services card's own stay", run_request);
     command
-        .add_option(
-            "KIND", options.kind,
-            "signature, authentication or services (a services card's own certificate, whose keys are "
-            "kept)")
+        .add_option("KIND", options.kind, "signature, authentication, or services (a services card's own)")
         ->required()
         ->type_name("")
         ->transform(CLI::Validator(kind_number, "", "kind"));
