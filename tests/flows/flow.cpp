@@ -23,7 +23,7 @@ struct HostList {
     }
     [[nodiscard]] std::vector<std::string> records() const {
         std::vector<std::string> all;
-        for (int i = 1; i <= std::atoi(entries[0]); ++i)
+        for (std::size_t i = 1; i <= std::strtoul(entries[0], nullptr, 10); ++i)
             all.emplace_back(entries[i]);
         return all;
     }
