@@ -531,9 +531,9 @@ ZV_API int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** 
  * Pairs and proposals as in Find_ALL_Pending, among identifiers that begin "DS" or "AUTHCertificate". Sets
  * use2048Bit and force2048PraGen. Logs nothing but the card's personal data ("PDATA") as they are.
  *
- * @param[in,out] pendingPRA, pendingAUT  as in Find_ALL_Pending; not null
+ * @param[in,out] pendingPRA, pendingAUT  as in Find_ALL_Pending
  * @param[in,out] pendingCNS              set to 1 when the card has the marker "pending_CNS_key"; may be null
- * @param[out]    ckaidPRA, ckaidAUT      32 bytes, as in Find_ALL_Pending; not null
+ * @param[out]    ckaidPRA, ckaidAUT      32 bytes, as in Find_ALL_Pending
  * @param[out]    expiry                  9 bytes, as in getDtScadenza; may be null
  * @param[in]     unused                  not read
  * @return 0 and 1 as Find_ALL_Pending; 65535 a PKCS#11 failure, a CKA_ID or CKA_LABEL of more than 255 bytes

@@ -143,8 +143,9 @@ ZV_API void set_ATRini_path(const char* dir);
  *
  * Services cards: PRA are "DS...", CNS "CNS0...", AUT the rest (an identifier that is not an AUT one repeats
  * the last one known); certificates without a private key are left out. In names of a "CNS0" certificate the
- * common name comes last, and what followed it stays as it was. The first record of each list gets one more
- * field when a pair (or, for CNS, a request) of that kind is pending: its identifier.
+ * common name comes last, and what followed it stays as it was within the first 62 characters behind "CN=".
+ * The first record of each list gets one more field when a pair (or, for CNS, a request) of that kind is
+ * pending: its identifier.
  *
  * @param[in]  reader        reader to use; null: the first that holds a card. The first slot whose
  *                           description is part of the reader's name is taken: of a reader "X" and one "X

@@ -39,12 +39,17 @@ bool gather(zv::IdentifierTables& tables, int* pendingCNS, char* expiry) {
 
 int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
                         char* expiry, bool) {
+    int flags[2] = {};
+    char keys[2][ZV_KEY_ID_SIZE], none[] = "";
+    if (pendingPRA == nullptr) pendingPRA = &flags[0];
+    if (pendingAUT == nullptr) pendingAUT = &flags[1];
+    if (ckaidPRA == nullptr) ckaidPRA = keys[0];
+    if (ckaidAUT == nullptr) ckaidAUT = keys[1];
     ckaidPRA[0] = '\0';
     ckaidAUT[0] = '\0';
     zv::IdentifierTables tables;
     if (!gather(tables, pendingCNS, expiry)) return zv::SEARCH_FAILED;
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
-    char none[] = "";
     const bool pending = *pendingPRA == 1 && ckaidPRA[0] != '\0';
     const bool hasSignature = zv::readSignatureCertificates(tables, pending ? ckaidPRA : none);
     if (pending && ckaidPRA[0] == '\0') *pendingPRA = 0;
