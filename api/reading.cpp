@@ -62,7 +62,7 @@ void dumpCard(Reading& reading, char* pin) {
     scriviLog(reading.dumpResult == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
 }
 
-// A PIN that the dump's session was refused with is not sent again: its result stands for this session's too.
+// A PIN that the dump's session was refused with is not sent again: its result stands for the second one too.
 int openSession(const Reading& reading, char* pin) {
     if (zv::guardSecondLogin(reading.dumpResult)) return reading.dumpResult;
     return static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));

@@ -8,12 +8,12 @@
  * Conventions that hold for every function:
  *  1. The result is CKR_OK (0) or one of the CKR_ codes; on a failure the outputs are not to be used.
  *  2. Texts are not terminated. A text of fixed size is padded with blanks; the others have a length beside
- * them.
+ *     them.
  *  3. An output of variable size is a buffer and its length in bytes: the length says the room on entry and
- * the size on return. A null buffer asks for the size alone; too little room is CKR_BUFFER_TOO_SMALL, with
- * the size needed in the length, and the operation goes on.
+ *     the size on return. A null buffer asks for the size alone; too little room is CKR_BUFFER_TOO_SMALL,
+ *     with the size needed in the length, and the operation goes on.
  *  4. Handles are the module's; 0 is none. A session's handle ends with the session, an object's at the
- * latest with the module.
+ *     latest with the module.
  *  5. Numbers are CK_ULONG, as wide as a pointer on the platforms that are served here.
  *  6. Callers keep what they pass in; a module keeps no pointer after its function returned, but for the
  *     notification of a session and its argument.

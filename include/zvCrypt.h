@@ -6,16 +6,16 @@
  *
  *  1. A result of 0 is success, anything else one of the codes of zvCryptError. A code keeps its meaning.
  *  2. Texts are NUL-terminated; those that come out are UTF-8. Every output text is terminated, whatever the
- * result, and nothing is written past the size stated or given. Where a text does not fit, it ends after the
- * last whole character that does, and the result is ZVC_ERR_CUT.
+ *     result, and nothing is written past the size stated or given. Where a text does not fit, it ends after
+ *     the last whole character that does, and the result is ZVC_ERR_CUT.
  *  3. A null argument is ZVC_ERR_ARGUMENT and touches nothing else.
  *  4. Each operation forgets the reason of the failure before it and keeps its own for kvLastError, in
- * Italian; kvLastError itself, kvIsCNSINCARD, kvIsTOUCHSIGN, Sha1Digest and writeBuff leave it as it is.
+ *     Italian; kvLastError itself, kvIsCNSINCARD, kvIsTOUCHSIGN, Sha1Digest and writeBuff leave it as it is.
  *  5. Files are opened without following a link in their last component. An output file is created once the
- * input is open: anew, with mode 0600, after a leftover of that name is removed (a link itself, never its
- * target). A failure from then on leaves none; one before leaves what has the name.
+ *     input is open: anew, with mode 0600, after a leftover of that name is removed (a link itself, never its
+ *     target). A failure from then on leaves none; one before leaves what has the name.
  *  6. The session, the flags of the last card and the last reason belong to the process; calls must not
- * overlap.
+ *     overlap.
  *  7. No text and no file ever holds the PIN, and no copy of it is kept.
  */
 
@@ -110,7 +110,7 @@ typedef struct datiCert {
  * Lists the card readers: those of PC/SC with a card in them, those without, the configured software readers.
  *
  * @param[out] list  1024 bytes; each name followed by "|"; whole names only, as many as fit; empty without
- * readers
+ *                   readers
  * @return 0; ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
  * After a failure: the list is empty. A PC/SC failure is none when there are software readers: they are
  * listed. Standard: PC/SC (SCardListReaders, SCardGetStatusChange).
@@ -206,8 +206,9 @@ ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, c
  * @param[in] inPath    file to sign
  * @param[in] outPath   result; not the input file
  * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_NOT_LOGGED_IN; ZVC_ERR_HASH; ZVC_ERR_INPUT; ZVC_ERR_OUTPUT;
- * ZVC_ERR_KEY; ZVC_ERR_CERTIFICATE; ZVC_ERR_SIGNATURE; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
- * ZVC_ERR_MODULE_ANSWER After a failure: no result file is left (convention 5); the session stays as it is.
+ *         ZVC_ERR_KEY; ZVC_ERR_CERTIFICATE; ZVC_ERR_SIGNATURE; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
+ *         ZVC_ERR_MODULE_ANSWER
+ * After a failure: no result file is left (convention 5); the session stays as it is.
  * Standard: RFC 5652 (SignedData), RFC 5035 (signing-certificate-v2), ETSI EN 319 122-1, RFC 8017 (PKCS#1
  * v1.5).
  */
@@ -219,7 +220,7 @@ ZVCRYPT_API int kvSignFile(const char* keyId, const char* hashName, const char* 
  * @param[in] inPath   file to convert
  * @param[in] outPath  result; not the input file
  * @param[in] mode     "e" to encode, in lines of 64 characters that each end with a line feed; "d" to decode
- * a text of which blanks and line ends do not count
+ *                     a text of which blanks and line ends do not count
  * @return 0; ZVC_ERR_MODE; ZVC_ERR_INPUT; ZVC_ERR_OUTPUT; ZVC_ERR_BASE64
  * After a failure: no result file is left (convention 5).
  * Standard: RFC 4648, section 4.
@@ -248,8 +249,10 @@ ZVCRYPT_API int kvLastError(char* buffer, int size);
  * Standard: RFC 5280.
  */
 
-/** Gives the subject's name in slash form ("/C=IT/O=.../CN=..."), with OpenSSL's short names, in the
- * certificate's order. Control characters come as \xNN. Otherwise as told under "Fields of a certificate". */
+/**
+ * Gives the subject's name in slash form ("/C=IT/O=.../CN=..."), with OpenSSL's short names, in the
+ * certificate's order. Control characters come as \xNN. Otherwise as told under "Fields of a certificate".
+ */
 ZVCRYPT_API int kvGetSubjectDN(unsigned char* der, unsigned long length, char* out, int size);
 
 /** Gives the issuer's name in the same form. */
@@ -261,8 +264,10 @@ ZVCRYPT_API int kvX509GetSerial(unsigned char* der, unsigned long length, char* 
 /** Gives the IUT, the holder's number at the authority: the subject's dnQualifier. */
 ZVCRYPT_API int kvGetIUT(unsigned char* der, unsigned long length, char* out, int size);
 
-/** Gives the codice fiscale: from the subject's serialNumber ("IT:...", "TINIT-..."; ETSI EN 319 412-1), or
- * from the common name in front of its "/", as on a national services card. */
+/**
+ * Gives the codice fiscale: from the subject's serialNumber ("IT:...", "TINIT-..."; ETSI EN 319 412-1), or
+ * from the common name in front of its "/", as on a national services card.
+ */
 ZVCRYPT_API int kvGetCodFisc(unsigned char* der, unsigned long length, char* out, int size);
 
 /** Gives the certificate policies as object identifiers joined by ","; whole ones only. */
@@ -293,8 +298,8 @@ ZVCRYPT_API int kvGetCertDate(unsigned char* der, unsigned long length, char* da
  * @param[out] dateText     the dates, as kvGetCertDate gives them
  * @param[in]  dateSize     size of dateText in bytes
  * @param[out] description  2048 bytes; the subject, as kvGetSubjectDN gives it
- * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (a text did not fit and holds its beginning)
- * After another failure: both are empty.
+ * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (a text did not fit and holds its beginning) After another
+ *         failure: both are empty.
  */
 ZVCRYPT_API int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int dateSize,
                                char* description);
@@ -330,8 +335,8 @@ ZVCRYPT_API void writeBuff(char* in, char* out);
  * @param[out] errText  the reason of a failure, in Italian (also in kvLastError); may be null
  * @param[in]  errSize  size of errText in bytes
  * @return 0; ZVC_ERR_TEXT_LENGTH; ZVC_ERR_TEXT_FORM; ZVC_ERR_BASE64; ZVC_ERR_BAD_CERTIFICATE;
- * ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes) Standard: RFC 7468 (labels
- * CERTIFICATE, X509 CERTIFICATE, PKCS7, CMS), RFC 5652.
+ *         ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes) Standard: RFC 7468
+ *         (labels CERTIFICATE, X509 CERTIFICATE, PKCS7, CMS), RFC 5652.
  */
 ZVCRYPT_API int SplitCert(char* text, datiCert* out, char* errText, int errSize);
 
@@ -344,7 +349,7 @@ ZVCRYPT_API int SplitCert(char* text, datiCert* out, char* errText, int errSize)
  * @param[out]    issuer          the issuer name, DER
  * @param[in,out] issuerLength    room in bytes; then its length
  * @param[out]    serial          content bytes of the serial number, with the zero byte that DER puts before
- * a first byte of 0x80 and up
+ *                                a first byte of 0x80 and up
  * @param[in,out] serialLength    room in bytes; then its length
  * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_ROOM
  * After a failure: nothing is written, the lengths stay.

@@ -7,9 +7,9 @@
  *
  * Conventions:
  *  1. The control belongs to one loaded module file. dlopen of the same path gives the same control, whoever
- * loaded it first; a copy of the file under another name has its own. It lives as long as the file is loaded:
- * a test that sets rules for a program which loads and unloads the module keeps it loaded with a dlopen of
- * its own.
+ *     loaded it first; a copy of the file under another name has its own. It lives as long as the file is
+ *     loaded: a test that sets rules for a program which loads and unloads the module keeps it loaded with a
+ *     dlopen of its own.
  *  2. It is there before C_Initialize and survives C_Finalize.
  *  3. Slots are the module's own numbers, 0 to 9. Functions are named as in the standard ("C_Login").
  *  4. The functions may be called from any thread; each waits for the PKCS#11 call under way.
@@ -19,10 +19,10 @@
  *   ZVSIMCARD_HOME     the folder of cards
  *   ZVSIMCARD_SOFTHSM  SoftHSM's module, instead of the one found when this was built
  *   ZVSIMCARD_RULES    rules as for zvsimcard_add_rules; they count over the whole run of the program, also
- * when it unloads the module in between. When they are not understood C_Initialize answers CKR_GENERAL_ERROR
- * and the standard error says which. ZVSIMCARD_TRACE    a file to which every call is added as it ends, a
- * line each as in zvsimcard_recorded ZVSIMCARD_KEYS     a file of ready-made key pairs as for
- * zvsimcard_use_keys
+ *                      when it unloads the module in between. When they are not understood C_Initialize
+ *                      answers CKR_GENERAL_ERROR and the standard error says which
+ *   ZVSIMCARD_TRACE    a file to which every call is added as it ends, a line each as in zvsimcard_recorded
+ *   ZVSIMCARD_KEYS     a file of ready-made key pairs as for zvsimcard_use_keys
  *
  * All of them are ignored in a process with the rights of another user than the one who started it.
  */
@@ -38,19 +38,23 @@ extern "C" {
  *                   FUNCTION:WHEN:DEED:VALUE.
  *                   FUNCTION is a function's name, or '*' for any.
  *                   WHEN is "n", the n-th such call from now on, counted from 1; "n+", that and all later
- * ones; or
- *                   '*', every one.
+ *                   ones; or '*', every one.
  *                   DEED and VALUE are one of
  *                     answer:CODE         the call is not done; its result is CODE (decimal or 0x...)
  *                     do-and-answer:CODE  the call is done; its result is CODE all the same
  *                     absurd:KIND         the call is done; if it succeeded its answer is absurd: "count"
- * (counts of 2147483647), "length" (lengths 4096 past the caller's buffers), "unavailable" (lengths and
- * counts CK_UNAVAILABLE_INFORMATION), "text" (texts and attributes fill their room with 'X', without an end).
- *                                         Nothing is written past the caller's buffers.
+ *                                         (counts of 2147483647), "length" (lengths 4096 past the caller's
+ *                                         buffers), "unavailable" (lengths and counts
+ *                                         CK_UNAVAILABLE_INFORMATION), "text" (texts and attributes fill
+ *                                         their room with 'X', without an end). Nothing is written past the
+ *                                         caller's buffers
  *                     take-out[:SLOT]     the card is taken out before the call: for every process, until it
- * is put back. Without SLOT it is the card that the call goes to, or slot 0. put-back[:SLOT]     the card is
- * put back before the call delay:MICROSECONDS  the call waits before it is done kill-before         the
- * process ends (SIGKILL) before the call is done kill-after          the process ends once the call is done
+ *                                         is put back. Without SLOT it is the card that the call goes to, or
+ *                                         slot 0
+ *                     put-back[:SLOT]     the card is put back before the call
+ *                     delay:MICROSECONDS  the call waits before it is done
+ *                     kill-before         the process ends (SIGKILL) before the call is done
+ *                     kill-after          the process ends once the call is done
  * @return 0; otherwise the number, from 1, of the first rule that is not understood: none is then added
  */
 int zvsimcard_add_rules(const char* rules);
@@ -64,8 +68,8 @@ int zvsimcard_add_rules(const char* rules);
 unsigned long zvsimcard_rules_left(void);
 
 /**
- * Forgets rules, counts and the record, stops recording and the use of keys (but for ZVSIMCARD_KEYS).
- * The cards stay as they are.
+ * Forgets rules, counts and the record, stops recording and the use of keys (but for ZVSIMCARD_KEYS). The
+ * cards stay as they are.
  */
 void zvsimcard_reset(void);
 
@@ -125,8 +129,8 @@ int zvsimcard_put_back(unsigned long slot);
  * generates one and adds it to the file, so that the next run finds it.
  *
  * @param[in] file  its path; made if need be. A line for each pair: modulus, public exponent, private
- * exponent, the two primes, the two exponents and the coefficient, big-endian in hexadecimal, separated by
- * blanks. Null generates again.
+ *                  exponent, the two primes, the two exponents and the coefficient, big-endian in
+ *                  hexadecimal, separated by blanks. Null generates again.
  */
 void zvsimcard_use_keys(const char* file);
 
