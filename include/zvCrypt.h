@@ -298,8 +298,8 @@ ZVCRYPT_API int kvGetCertDate(unsigned char* der, unsigned long length, char* da
  * @param[out] dateText     the dates, as kvGetCertDate gives them
  * @param[in]  dateSize     size of dateText in bytes
  * @param[out] description  2048 bytes; the subject, as kvGetSubjectDN gives it
- * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (a text did not fit and holds its beginning) After another
- *         failure: both are empty.
+ * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (a text did not fit and holds its beginning)
+ * After another failure: both are empty.
  */
 ZVCRYPT_API int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int dateSize,
                                char* description);
@@ -335,8 +335,8 @@ ZVCRYPT_API void writeBuff(char* in, char* out);
  * @param[out] errText  the reason of a failure, in Italian (also in kvLastError); may be null
  * @param[in]  errSize  size of errText in bytes
  * @return 0; ZVC_ERR_TEXT_LENGTH; ZVC_ERR_TEXT_FORM; ZVC_ERR_BASE64; ZVC_ERR_BAD_CERTIFICATE;
- *         ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes) Standard: RFC 7468
- *         (labels CERTIFICATE, X509 CERTIFICATE, PKCS7, CMS), RFC 5652.
+ *         ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes)
+ * Standard: RFC 7468 (labels CERTIFICATE, X509 CERTIFICATE, PKCS7, CMS), RFC 5652.
  */
 ZVCRYPT_API int SplitCert(char* text, datiCert* out, char* errText, int errSize);
 
