@@ -1,5 +1,4 @@
 // Letter case, blanks and separators, changed in place.
-#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -7,8 +6,12 @@
 
 namespace {
 
+// Writes only what differs: a text that is right already may stand in memory that is not to be written.
 template <typename Change> char* changeEach(char* text, Change change) {
-    if (text != nullptr) std::transform(text, text + std::strlen(text), text, change);
+    for (char* c = text; c != nullptr && *c != '\0'; ++c) {
+        const char changed = change(*c);
+        if (changed != *c) *c = changed;
+    }
     return text;
 }
 
@@ -33,7 +36,7 @@ char* RTrim(char* text) {
     std::size_t length = std::strlen(text);
     while (length > 0 && text[length - 1] == ' ')
         --length;
-    text[length] = '\0';
+    if (text[length] != '\0') text[length] = '\0';
     return text;
 }
 

@@ -209,7 +209,7 @@ TEST_F(ServicesCardWithSignature, IdentifiersDecideTheList) {
 TEST_F(ServicesCardWithSignature, NullArgumentsAreSkipped) {
     std::string pin = PIN;
     EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                     nullptr, nullptr, nullptr, nullptr, path("").c_str()),
+                                     nullptr, nullptr, nullptr, nullptr, moduleDir().c_str()),
               0);
     std::string library = path();
     ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
