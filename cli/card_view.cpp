@@ -12,8 +12,7 @@ namespace {
 
 // A text ends at its first zero byte, as the library reads identifiers.
 std::string as_text(const Bytes& bytes) {
-    const auto* text = reinterpret_cast<const char*>(bytes.data());
-    return {text, strnlen(text, bytes.size())};
+    return {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)};
 }
 
 CK_OBJECT_CLASS class_of(const Session& session, CK_OBJECT_HANDLE handle) {
