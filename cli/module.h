@@ -54,7 +54,7 @@ class Session {
 
     /// @throws Stop. The PIN must have been proved before: see pin_gate.h.
     void log_in(Pin& pin);
-    /// Every object of the card that this session sees. @throws Stop
+    /// Every object of the card, as far as the login shows it. @throws Stop
     [[nodiscard]] std::vector<CK_OBJECT_HANDLE> objects() const;
     /// An attribute; empty when the card does not give it.
     [[nodiscard]] Bytes attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;

@@ -70,7 +70,7 @@ bool SideSession::read_part(CK_OBJECT_HANDLE key, CK_ATTRIBUTE_TYPE type, std::s
     return true;
 }
 
-/// Makes a key pair that ends with this session, open to be read.
+/// Makes a key pair that ends with its PKCS#11 session, open to be read.
 std::optional<RsaKey> SideSession::generate(CK_ULONG bits) {
     CK_BBOOL yes = CK_TRUE;
     CK_BBOOL no = CK_FALSE;
