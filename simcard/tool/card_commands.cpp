@@ -1,17 +1,13 @@
 #include "simcard/authority/errors.h"
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/as_made.h"
-#include "simcard/tool/card_plan.h"
 #include "simcard/tool/commands.h"
 
-#include <functional>
 #include <iostream>
-#include <memory>
 
 namespace fs = std::filesystem;
 
 namespace simcard {
-namespace {
 
 void reset(const fs::path& folder) {
     put_back_as_made(folder);
@@ -37,23 +33,6 @@ void insert(const fs::path& folder) {
         ++card.insertions;
     });
     std::cout << "The card \"" << folder.filename().string() << "\" is in its reader.\n";
-}
-
-void add(CLI::App& program, const Home& home, const char* name, const char* what,
-         const std::function<void(const fs::path&)>& act) {
-    CLI::App& command = *program.add_subcommand(name, what);
-    const auto card = std::make_shared<std::string>();
-    command.add_option("card", *card, "Name of the card")->required();
-    command.callback([card, act, &home] { act(home.card(*card)); });
-}
-
-} // namespace
-
-void add_card_commands(CLI::App& program, const Home& home) {
-    add(program, home, "reset", "Puts a card's objects and PIN back as they were made", reset);
-    add(program, home, "remove", "Deletes a card", remove);
-    add(program, home, "eject", "Takes a card out of its reader", eject);
-    add(program, home, "insert", "Puts a card back into its reader", insert);
 }
 
 } // namespace simcard

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-#include <filesystem>
+#include "simcard/authority/renewal.h"
+#include "simcard/tool/card_plan.h"
+#include "simcard/tool/secret.h"
 
-// The tool's commands. Each adds itself to the program and runs when it is named; a failure is thrown.
+#include <filesystem>
+#include <string>
+
+// The tool's commands, each with what the command line gave for it. A failure is thrown.
 namespace simcard {
 
 /// Where the folder of cards is; known once the command line is read.
@@ -16,10 +18,37 @@ struct Home {
     [[nodiscard]] std::filesystem::path card(const std::string& name) const;
 };
 
-void add_create_command(CLI::App& program, const Home& home);
-void add_list_command(CLI::App& program, const Home& home);
-void add_card_commands(CLI::App& program, const Home& home); ///< reset, remove, eject, insert
-void add_issue_command(CLI::App& program, const Home& home);
-void add_config_command(CLI::App& program, const Home& home);
+struct CreateOptions {
+    CardPlan plan;
+    std::string profile = "signature";
+    std::string keys;
+    std::string configuration;
+};
+void create(CreateOptions& options, const std::filesystem::path& home);
+
+struct ListOptions {
+    std::string card; ///< empty: every card
+    Secret pin;
+    bool json = false;
+};
+void list(const ListOptions& options, const Home& home);
+
+void reset(const std::filesystem::path& card);
+void remove(const std::filesystem::path& card);
+void eject(const std::filesystem::path& card);
+void insert(const std::filesystem::path& card);
+
+struct IssueOptions {
+    std::string request;
+    std::string kind;
+    std::string out;
+    RenewalTerms terms;
+    bool der = false;
+    bool bundle = false;
+};
+void issue(IssueOptions& options, const std::filesystem::path& home);
+
+/// Writes the zvcrypt.conf that brings in the cards; an empty file name is the standard output.
+void write_configuration(const std::string& file, const std::filesystem::path& home);
 
 } // namespace simcard

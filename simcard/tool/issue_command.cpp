@@ -2,23 +2,11 @@
 #include "simcard/authority/errors.h"
 #include "simcard/authority/files.h"
 #include "simcard/authority/name.h"
-#include "simcard/authority/renewal.h"
 #include "simcard/tool/commands.h"
 
 #include <iostream>
-#include <memory>
 
 namespace simcard {
-namespace {
-
-struct IssueOptions {
-    std::string request;
-    std::string kind;
-    std::string out;
-    RenewalTerms terms;
-    bool der = false;
-    bool bundle = false;
-};
 
 void issue(IssueOptions& options, const std::filesystem::path& home) {
     if (options.terms.days < 1 || options.terms.days > longest_days)
@@ -41,25 +29,6 @@ void issue(IssueOptions& options, const std::filesystem::path& home) {
     std::cout << "Issued a certificate of kind " << renewal.kind.name << " for "
               << readable(*X509_get_subject_name(&certificate)) << ", for " << options.terms.days
               << " days: " << options.out << ".\n";
-}
-
-} // namespace
-
-void add_issue_command(CLI::App& program, const Home& home) {
-    CLI::App& command =
-        *program.add_subcommand("issue", "Verifies a signed request and issues the certificate");
-    const auto options = std::make_shared<IssueOptions>();
-    command.add_option("request", options->request, "Request file: base64, PEM or binary PKCS#7")->required();
-    command.add_option("--kind", options->kind,
-                       "signature, authentication or cns (default: the kind of the certificate that signed)");
-    command.add_option("--days", options->terms.days, "Days that the certificate holds")
-        ->capture_default_str();
-    command.add_flag("--bare", options->terms.bare_requests,
-                     "Take a PKCS#10 request that nobody signed; needs --kind");
-    command.add_option("--out", options->out, "File to write (default: standard output)");
-    command.add_flag("--der", options->der, "Binary instead of PEM");
-    command.add_flag("--p7b", options->bundle, "A PKCS#7 bundle with the authority's certificate");
-    command.callback([options, &home] { issue(*options, home.path()); });
 }
 
 } // namespace simcard

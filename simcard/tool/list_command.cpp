@@ -5,19 +5,12 @@
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace simcard {
 namespace {
 
 using nlohmann::ordered_json;
-
-struct ListOptions {
-    std::string card;
-    Secret pin;
-    bool json = false;
-};
 
 using Row = std::vector<std::string>;
 
@@ -111,19 +104,11 @@ void list_one(const Card& card, const ListOptions& options) {
 
 } // namespace
 
-void add_list_command(CLI::App& program, const Home& home) {
-    CLI::App& command = *program.add_subcommand("list", "Shows the cards, or one card and its objects");
-    const auto options = std::make_shared<ListOptions>();
-    command.add_option("card", options->card, "Name of the card to look into");
-    command.add_option("--pin", options->pin.text(),
-                       "The card's PIN, to see private objects too; costs no try");
-    command.add_flag("--json", options->json, "As JSON");
-    command.callback([options, &home] {
-        if (options->card.empty())
-            list_all(home.path(), options->json);
-        else
-            list_one(load_card(home.card(options->card)), *options);
-    });
+void list(const ListOptions& options, const Home& home) {
+    if (options.card.empty())
+        list_all(home.path(), options.json);
+    else
+        list_one(load_card(home.card(options.card)), options);
 }
 
 } // namespace simcard
