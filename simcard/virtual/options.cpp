@@ -17,8 +17,6 @@ struct Option {
     void (*set)(Options&, const std::string&);
 };
 
-constexpr std::size_t longest_atr = 33;
-
 void set_port(Options& options, const std::string& text) {
     const char* end = text.data() + text.size();
     const auto [stopped, error] = std::from_chars(text.data(), end, options.port);

@@ -2,6 +2,7 @@
 
 #include "simcard/virtual/applet.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +15,9 @@ namespace simcard {
 class WrongUsage : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// In bytes (ISO/IEC 7816-3).
+inline constexpr std::size_t longest_atr = 33;
 
 /// What the program was told.
 struct Options {

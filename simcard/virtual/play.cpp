@@ -1,15 +1,20 @@
 #include "simcard/virtual/play.h"
 
+#include <array>
+
 namespace simcard {
 namespace {
 
 // A message of one byte is for the card's contacts, any other a command.
 enum Contact : std::uint8_t { power_off = 0, power_on = 1, reset = 2, give_atr = 4 };
 
+// The reader asks for the ATR also to find out whether a card is there, and gives up a card that sends none.
+// To one past the longest it answers that the card does not, and the card stays.
+constexpr std::array<std::uint8_t, longest_atr + 1> no_atr{};
+
 } // namespace
 
 void play(ReaderLink& reader, const Options& options, Applet& applet) {
-    bool silent = false;
     while (const auto message = reader.receive()) {
         if (message->size() != 1) {
             reader.send(applet.answer(*message));
@@ -22,13 +27,9 @@ void play(ReaderLink& reader, const Options& options, Applet& applet) {
         case power_on:
         case reset:
             applet.reset();
-            silent = options.mute;
             break;
         case give_atr:
-            // The reader also asks to find out whether a card is there; a mute card is, so that only the
-            // question after a reset goes unanswered.
-            reader.send(silent ? std::span<const std::uint8_t>() : options.atr);
-            silent = false;
+            reader.send(options.mute ? std::span<const std::uint8_t>(no_atr) : options.atr);
             break;
         default:
             break;
