@@ -307,7 +307,8 @@ ZV_API CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRI
  * @param[out] handles   room for maxCount handles
  * @param[in]  maxCount  handles asked for
  * @param[out] found     handles given; 0 when none is left
- * @return the PKCS#11 result; CKR_GENERAL_ERROR when the module claims more than maxCount
+ * @return the PKCS#11 result; CKR_GENERAL_ERROR when the module claims more than maxCount, or has given more
+ *         than 4096 objects in the search that was started last
  * After a failure: the search stays open; handles and found hold what the module wrote.
  */
 ZV_API CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles,

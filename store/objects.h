@@ -21,6 +21,9 @@ CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& 
 
 CK_RV endSearch(CK_SESSION_HANDLE session);
 
+/** Looks at what a call of the open search found: more than it asked for, or objects without end, is CKR_GENERAL_ERROR. */
+[[nodiscard]] CK_RV checkFound(CK_ULONG found, CK_ULONG asked);
+
 /** Ends an open search when left, unless it was ended or is to stay open. Leaves zv::rv alone. */
 class SearchGuard {
   public:

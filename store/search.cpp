@@ -32,7 +32,7 @@ CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* hand
                   unsigned long* found) {
     zv::traceSession(title, "C_FindObjects", session);
     CK_RV result = zv::call<&zv::Functions::C_FindObjects>(session, handles, maxCount, found);
-    if (result == CKR_OK && *found > maxCount) result = CKR_GENERAL_ERROR;
+    if (result == CKR_OK) result = zv::checkFound(*found, maxCount);
     return reported(title, "C_FindObjects", result, zv::SEARCH_ERROR);
 }
 
