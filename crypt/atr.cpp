@@ -35,9 +35,24 @@ std::optional<std::string> normalisedAtr(std::string_view text, Wildcards wildca
     return atr;
 }
 
-bool matchesAtr(std::string_view pattern, std::string_view atr) noexcept {
-    return std::equal(pattern.begin(), pattern.end(), atr.begin(), atr.end(),
-                      [](char expected, char actual) { return expected == '.' || expected == actual; });
+PackedAtr::PackedAtr(std::string_view digits) noexcept {
+    constexpr std::size_t digitsPerWord = 16;
+    constexpr unsigned lengthShift = 32; // the last word has two digits at most
+    for (std::size_t i = 0; i < std::min(digits.size(), 2 * longestAtr); ++i) {
+        if (digits[i] == '.') continue;
+        const auto shift = 4 * (i % digitsPerWord);
+        const int value = digits[i] <= '9' ? digits[i] - '0' : digits[i] - 'A' + 10;
+        digits_[i / digitsPerWord] |= static_cast<std::uint64_t>(value) << shift;
+        mask_[i / digitsPerWord] |= std::uint64_t{0xF} << shift;
+    }
+    digits_.back() |= static_cast<std::uint64_t>(digits.size()) << lengthShift;
+    mask_.back() |= ~std::uint64_t{0} << lengthShift;
+}
+
+bool PackedAtr::matches(const PackedAtr& atr) const noexcept {
+    for (std::size_t i = 0; i < digits_.size(); ++i)
+        if (((digits_[i] ^ atr.digits_[i]) & mask_[i]) != 0) return false;
+    return true;
 }
 
 } // namespace zvcrypt

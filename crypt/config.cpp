@@ -4,15 +4,16 @@
 #include "files.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <optional>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
-#include <vector>
 
 namespace zvcrypt {
 namespace {
 
-constexpr off_t largestTable = 1024 * 1024;
+constexpr off_t largestTable = 8 * 1024 * 1024;
 constexpr const char* systemConfiguration = "/etc/zvcrypt.conf";
 
 // The environment belongs to the caller, not to the owner of a set-user-id program.
@@ -27,11 +28,54 @@ std::string environment(const char* name) {
 
 std::string readTable(const std::string& path) {
     InputFile file(path, Links::followed, ZVC_ERR_CONFIG_FILE);
-    if (file.size() > largestTable) throw Failure(ZVC_ERR_CONFIG_FILE, path + " è troppo grande");
+    if (file.size() > largestTable)
+        throw Failure(ZVC_ERR_CONFIG_FILE, path + " è troppo grande (più di 8 MiB)");
     std::string text(static_cast<std::size_t>(file.size()), '\0');
     text.resize(file.read({reinterpret_cast<unsigned char*>(text.data()), text.size()}));
     return text;
 }
+
+// What tells one state of a file from another: where it is, its size, when it and its inode were changed.
+using FileState = std::tuple<dev_t, ino_t, off_t, time_t, long, time_t, long>;
+
+// Nothing when there is no file, or when it was written so lately that its times may not show the next change.
+std::optional<FileState> settledState(const std::string& path) {
+    constexpr time_t coarsestClock = 2;
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+#ifdef __APPLE__
+    const timespec written = status.st_mtimespec, changed = status.st_ctimespec;
+#else
+    const timespec written = status.st_mtim, changed = status.st_ctim;
+#endif
+    if (std::time(nullptr) - written.tv_sec < coarsestClock) return std::nullopt;
+    return FileState{status.st_dev,   status.st_ino,  status.st_size, written.tv_sec,
+                     written.tv_nsec, changed.tv_sec, changed.tv_nsec};
+}
+
+// The table in a file, parsed once for each state of it.
+class TableFile {
+  public:
+    explicit TableFile(SoftwareReaders readers) : readers_(readers) {}
+
+    [[nodiscard]] const Table& load(const std::string& path) {
+        // Asked before it is read: a change in between only makes the next lookup read it again.
+        const auto state = settledState(path);
+        if (!state || state != state_ || path != path_) {
+            state_.reset();
+            table_ = parseTable(readTable(path), path, readers_);
+            path_ = path;
+            state_ = state;
+        }
+        return table_;
+    }
+
+  private:
+    SoftwareReaders readers_;
+    std::string path_;
+    std::optional<FileState> state_;
+    Table table_;
+};
 
 std::optional<std::string> userConfiguration() {
     if (const std::string base = environment("XDG_CONFIG_HOME"); base.starts_with('/'))
@@ -57,18 +101,21 @@ std::optional<std::string> configurationPath() {
 
 } // namespace
 
-Table loadConfiguration() {
+const Table& loadConfiguration() {
+    static const Table none;
+    static TableFile file(SoftwareReaders::allowed);
     const auto path = configurationPath();
-    return path ? parseTable(readTable(*path), *path, SoftwareReaders::allowed) : Table{};
+    return path ? file.load(*path) : none;
 }
 
-Table loadHostTable(const std::string& folder) {
-    const std::string path = folder + "/atr.ini";
-    return parseTable(readTable(path), path, SoftwareReaders::refused);
+const Table& loadHostTable(const std::string& folder) {
+    static TableFile file(SoftwareReaders::refused);
+    return file.load(folder + "/atr.ini");
 }
 
-Table builtInTable() {
-    return parseTable(builtInCards, "cards.ini", SoftwareReaders::refused);
+const Table& builtInTable() {
+    static const Table table = parseTable(builtInCards, "cards.ini", SoftwareReaders::refused);
+    return table;
 }
 
 } // namespace zvcrypt

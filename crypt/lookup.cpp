@@ -26,22 +26,22 @@ std::string cardAtr(const std::string& name, const std::vector<SoftwareReader>& 
 }
 
 // The first entry that matches, in the order of the tables; an empty one for an unknown card.
-CardEntry findCard(const std::string& atr, const std::vector<Table>& tables) {
-    for (const auto& table : tables)
-        for (const auto& card : table.cards)
-            if (matchesAtr(card.pattern, atr)) return card;
+CardEntry findCard(const std::string& atr, const std::vector<const Table*>& tables) {
+    const PackedAtr packed(atr);
+    for (const Table* table : tables)
+        for (const auto& card : table->cards)
+            if (card.pattern.matches(packed)) return card;
     return {};
 }
 
 void lookUp(const char* reader, char* module, const char* iniDir) {
     module[0] = '\0';
     lastCard = {};
-    std::vector<Table> tables;
-    if (iniDir != nullptr) tables.push_back(loadHostTable(iniDir));
-    const auto& configuration = tables.emplace_back(loadConfiguration());
-    const std::string atr = cardAtr(reader, configuration.readers);
-    tables.push_back(builtInTable());
-    CardEntry card = findCard(atr, tables);
+    std::vector<const Table*> tables;
+    if (iniDir != nullptr) tables.push_back(&loadHostTable(iniDir));
+    const Table& configuration = loadConfiguration();
+    tables.insert(tables.end(), {&configuration, &builtInTable()});
+    CardEntry card = findCard(cardAtr(reader, configuration.readers), tables);
     writeText(card.module, {module, ZVC_MODULE_NAME_SIZE});
     lastCard = std::move(card);
 }

@@ -1,6 +1,5 @@
 #include "table.h"
 
-#include "atr.h"
 #include "failure.h"
 #include "text.h"
 
@@ -123,7 +122,7 @@ void TableParser::setCard(std::string_view key, std::string_view value) {
     if (key == "atr") {
         const auto pattern = normalisedAtr(value, Wildcards::allowed);
         if (!pattern) return note("ATR non valido (da 2 a 33 byte in esadecimale)");
-        section_->card.pattern = *pattern;
+        section_->card.pattern = PackedAtr(*pattern);
     } else if (key == "module") {
         if (value.empty() || value.find('/') != std::string_view::npos)
             return note("nome di modulo non valido (un nome di file, senza cartella)");

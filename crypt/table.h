@@ -1,5 +1,7 @@
 #pragma once
 
+#include "atr.h"
+
 #include <string>
 #include <vector>
 
@@ -7,7 +9,7 @@ namespace zvcrypt {
 
 // A kind of card and the module that serves it.
 struct CardEntry {
-    std::string pattern;
+    PackedAtr pattern;
     std::string module;
     bool cns = false;
     bool touchSign = false;

@@ -1,6 +1,10 @@
 #include "certificates.h"
 #include "scratch.h"
 
+#include <chrono>
+#include <regex>
+#include <thread>
+
 namespace {
 
 using test::lastError;
@@ -84,6 +88,47 @@ TEST_F(Lookup, HostTableThenConfigurationThenBuiltInTable) {
     EXPECT_EQ(module("A"), "libconf.so");
     write("atr.ini", deskReader);
     module("A", folder.c_str(), ZVC_ERR_CONFIG);
+}
+
+TEST_F(Lookup, TheCardsOfTheDocumentedListAreFoundAsItSays) {
+    const std::regex row(R"(\| `([0-9A-F ]+)` \|[^|]*\| ([^|]*) \|\n)");
+    const std::string page = content(CARDS_PAGE);
+    int known = 0, unknown = 0;
+    for (std::sregex_iterator it(page.begin(), page.end(), row), end; it != end; ++it) {
+        const std::string state = (*it)[2];
+        configure("[reader A]\natr = " + (*it)[1].str() + "\n");
+        const std::string expected = state.find("OpenSC") == 0 ? "opensc-pkcs11.so" : "";
+        EXPECT_EQ(module("A"), expected) << it->str();
+        EXPECT_EQ(kvIsCNSINCARD() != 0, state == "OpenSC, CNS") << it->str();
+        ++(expected.empty() ? unknown : known);
+    }
+    EXPECT_GE(known, 35);
+    EXPECT_GE(unknown, 10);
+}
+
+TEST_F(Lookup, AChangedFileIsReadAgainAndAnUnchangedOneIsNot) {
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
+    std::string many = deskReader;
+    for (int i = 10000; i < 20000; ++i)
+        many += "[card n]\natr = 3B19" + std::to_string(i) + "0\nmodule = libno.so\n";
+    const auto rewrite = [&](const std::string& module) {
+        configure(many + "[card z]\natr = 3BFF1800\nmodule = " + module + "\n");
+        std::filesystem::last_write_time(path("zvcrypt.conf"), longAgo);
+    };
+    const auto timed = [&](const std::string& expected) {
+        const auto begun = std::chrono::steady_clock::now();
+        EXPECT_EQ(module("Scrivania"), expected);
+        return std::chrono::steady_clock::now() - begun;
+    };
+    rewrite("libuno.so");
+    const auto first = timed("libuno.so");
+    auto later = timed("libuno.so");
+    for (int i = 0; i < 5; ++i)
+        later = std::min(later, timed("libuno.so"));
+    EXPECT_LT(later * 5, first) << "it is parsed once";
+    std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a clock tick at least
+    rewrite("libdue.so");
+    EXPECT_EQ(module("Scrivania"), "libdue.so") << "though name, size and date are the same";
 }
 
 TEST_F(Lookup, AMalformedLineIsNamed) {
