@@ -47,7 +47,8 @@ Bytes Base64Decoder::decode(std::string_view text) {
 }
 
 void Base64Decoder::finish() const {
-    if (!group_.empty()) fail();
+    if (!group_.empty())
+        throw Failure(ZVC_ERR_BASE64, "Il testo in base64 è incompleto: finisce a metà di un gruppo");
 }
 
 Bytes decodeBase64(std::string_view text) {

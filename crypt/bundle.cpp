@@ -8,12 +8,22 @@
 namespace zvcrypt {
 namespace {
 
-CmsPtr readSignedData(const Bytes& der) {
+// Null when the bytes do not start as a certificate.
+X509Ptr readOnlyCertificate(const Bytes& der) {
+    auto certificate = readCertificate(der, Trailing::refused);
+    if (!certificate && readCertificate(der, Trailing::ignored))
+        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati");
+    return certificate;
+}
+
+// Null when the bytes do not start as such a bundle.
+CmsPtr readOnlyBundle(const Bytes& der) {
     const unsigned char* end = der.data();
     CmsPtr bundle(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
-    const bool whole = bundle && end == der.data() + der.size();
-    return whole && OBJ_obj2nid(CMS_get0_type(bundle.get())) == NID_pkcs7_signed ? std::move(bundle)
-                                                                                 : nullptr;
+    if (!bundle || OBJ_obj2nid(CMS_get0_type(bundle.get())) != NID_pkcs7_signed) return nullptr;
+    if (end != der.data() + der.size())
+        throw Failure(ZVC_ERR_TEXT_FORM, "La busta PKCS#7 dei certificati è seguita da altri dati");
+    return bundle;
 }
 
 void addCertificatesOf(CMS_ContentInfo& bundle, std::vector<X509Ptr>& certificates) {
@@ -35,27 +45,39 @@ bool isSame(const X509Ptr& one, const X509Ptr& other) {
 } // namespace
 
 void addCertificate(const Bytes& der, std::vector<X509Ptr>& certificates) {
-    auto certificate = readCertificate(der, Trailing::refused);
-    if (!certificate) throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile");
+    auto certificate = readOnlyCertificate(der);
+    if (!certificate) {
+        (void)requireCertificate(der.data(), der.size()); // has the reason, if there is one to tell
+        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile");
+    }
     certificates.push_back(std::move(certificate));
 }
 
+void addTrustedCertificate(const Bytes& der, std::vector<X509Ptr>& certificates) {
+    const unsigned char* end = der.data();
+    X509Ptr certificate(d2i_X509_AUX(nullptr, &end, static_cast<long>(der.size())));
+    if (!certificate || end != der.data() + der.size())
+        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato di tipo TRUSTED non è leggibile");
+    addCertificate(certificateDer(*certificate), certificates);
+}
+
 void addBundle(const Bytes& der, std::vector<X509Ptr>& certificates) {
-    const auto bundle = readSignedData(der);
+    const auto bundle = readOnlyBundle(der);
     if (!bundle) throw Failure(ZVC_ERR_TEXT_FORM, "La busta PKCS#7 dei certificati non è leggibile");
     addCertificatesOf(*bundle, certificates);
 }
 
 void addCertificateOrBundle(const Bytes& der, std::vector<X509Ptr>& certificates) {
-    if (auto certificate = readCertificate(der, Trailing::refused))
+    if (auto certificate = readOnlyCertificate(der))
         certificates.push_back(std::move(certificate));
-    else if (const auto bundle = readSignedData(der))
+    else if (const auto bundle = readOnlyBundle(der))
         addCertificatesOf(*bundle, certificates);
     else
-        throw Failure(ZVC_ERR_TEXT_FORM, "Il testo non contiene un certificato né una busta PKCS#7");
+        throw Failure(ZVC_ERR_TEXT_FORM, "Il testo non contiene un certificato né una busta PKCS#7 interi");
 }
 
 const X509& holderCertificate(const std::vector<X509Ptr>& certificates) {
+    if (certificates.empty()) throw Failure(ZVC_ERR_TEXT_FORM, "Il testo non contiene nessun certificato");
     const X509Ptr* holder = nullptr;
     for (const auto& one : certificates) {
         const bool issuedAnother =
@@ -67,8 +89,7 @@ const X509& holderCertificate(const std::vector<X509Ptr>& certificates) {
             throw Failure(ZVC_ERR_TWO_HOLDERS, "Il testo contiene i certificati di più titolari");
         holder = &one;
     }
-    if (holder == nullptr)
-        throw Failure(ZVC_ERR_NO_HOLDER, "Il testo non contiene il certificato di un titolare");
+    if (holder == nullptr) throw Failure(ZVC_ERR_NO_HOLDER, "Il testo contiene solo certificati di autorità");
     return **holder;
 }
 

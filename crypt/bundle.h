@@ -8,11 +8,13 @@ namespace zvcrypt {
 
 // Each adds what the bytes hold; ZVC_ERR_BAD_CERTIFICATE or ZVC_ERR_TEXT_FORM when they hold no such thing.
 void addCertificate(const Bytes& der, std::vector<X509Ptr>& certificates);
+// With OpenSSL's notes on what it is trusted for behind it.
+void addTrustedCertificate(const Bytes& der, std::vector<X509Ptr>& certificates);
 void addBundle(const Bytes& der, std::vector<X509Ptr>& certificates);
 void addCertificateOrBundle(const Bytes& der, std::vector<X509Ptr>& certificates);
 
 // The one certificate that is no authority's and issued none of the others. ZVC_ERR_NO_HOLDER or
-// ZVC_ERR_TWO_HOLDERS when there is not exactly one.
+// ZVC_ERR_TWO_HOLDERS when there is not exactly one, ZVC_ERR_TEXT_FORM without any certificate.
 [[nodiscard]] const X509& holderCertificate(const std::vector<X509Ptr>& certificates);
 
 } // namespace zvcrypt

@@ -22,26 +22,48 @@ std::string_view boundedText(const char* text) {
     return bounded;
 }
 
+using Reader = void (*)(const Bytes& der, std::vector<X509Ptr>& certificates);
+
+struct Label {
+    std::string_view text;
+    Reader read;
+};
+
+constexpr Label labels[] = {
+    {"CERTIFICATE", addCertificate},
+    {"X509 CERTIFICATE", addCertificate},
+    {"X.509 CERTIFICATE", addCertificate},
+    {"TRUSTED CERTIFICATE", addTrustedCertificate},
+    {"PKCS7", addBundle},
+    {"CMS", addBundle},
+    {"CERTIFICATE CHAIN", addBundle},
+};
+
+Reader readerOf(const std::string& label) {
+    const auto known = std::find_if(std::begin(labels), std::end(labels),
+                                    [&](const Label& one) { return one.text == label; });
+    if (known == std::end(labels))
+        throw Failure(ZVC_ERR_TEXT_FORM, "Il testo contiene un blocco che non è un certificato: " + label);
+    return known->read;
+}
+
 std::vector<X509Ptr> certificatesIn(std::string_view text) {
     const auto blocks = pemBlocks(text);
     std::vector<X509Ptr> certificates;
     if (blocks.empty()) addCertificateOrBundle(decodeBase64(text), certificates);
-    for (const auto& [label, der] : blocks) {
-        if (label == "CERTIFICATE" || label == "X509 CERTIFICATE")
-            addCertificate(der, certificates);
-        else if (label == "PKCS7" || label == "CMS")
-            addBundle(der, certificates);
-        else
-            throw Failure(ZVC_ERR_TEXT_FORM,
-                          "Il testo contiene un blocco che non è un certificato: " + label);
-    }
+    for (const auto& block : blocks)
+        readerOf(block.label)(pemContent(block), certificates);
     return certificates;
 }
 
 void splitCertificate(const char* text, datiCert& out) {
-    const auto bounded = boundedText(text);
+    static constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    auto bounded = boundedText(text);
+    if (bounded.starts_with(byteOrderMark)) bounded.remove_prefix(byteOrderMark.size());
     if (trimmed(bounded).empty()) throw Failure(ZVC_ERR_TEXT_FORM, "Il testo del certificato è vuoto");
     const Bytes der = certificateDer(holderCertificate(certificatesIn(bounded)));
+    // A bundle is read less strictly than what reads the certificate afterwards.
+    (void)requireCertificate(der.data(), der.size());
     if (der.size() > sizeof out.der) throw Failure(ZVC_ERR_ROOM, "Il certificato supera gli 8192 byte");
     std::copy(der.begin(), der.end(), out.der);
     out.derLength = der.size();

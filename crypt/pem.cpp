@@ -3,20 +3,40 @@
 #include "base64.h"
 #include "failure.h"
 
+#include <algorithm>
+
 namespace zvcrypt {
 namespace {
 
 constexpr std::string_view dashes = "-----";
 constexpr std::string_view begin = "-----BEGIN ";
 
-// Cuts the text after the mark and gives what stood before it; ZVC_ERR_TEXT_FORM without the mark.
-std::string_view takeUpTo(std::string_view& text, const std::string& mark) {
-    const auto found = text.find(mark);
-    if (found == std::string_view::npos)
-        throw Failure(ZVC_ERR_TEXT_FORM, "Il testo PEM è incompleto: manca " + mark);
-    const auto before = text.substr(0, found);
-    text.remove_prefix(found + mark.size());
-    return before;
+[[noreturn]] void fail(const std::string& sentence) {
+    throw Failure(ZVC_ERR_TEXT_FORM, sentence);
+}
+
+// Cuts the text after the label and its dashes. A label is short and plain, so that it can stand in a message.
+std::string takeLabel(std::string_view& text) {
+    constexpr std::size_t longestLabel = 64;
+    const auto end = text.find(dashes);
+    const auto label = text.substr(0, end);
+    if (end == std::string_view::npos || label.empty() || label.size() > longestLabel ||
+        std::any_of(label.begin(), label.end(), [](char c) { return c < ' ' || c > '~'; }))
+        fail("Il testo PEM non è valido: la riga -----BEGIN non finisce con -----");
+    text.remove_prefix(end + dashes.size());
+    return std::string(label);
+}
+
+// Cuts the text after the block's end.
+std::string_view takeBody(std::string_view& text, const std::string& label) {
+    const std::string mark = "-----END " + label + "-----";
+    const auto end = text.find(mark);
+    const auto body = text.substr(0, end);
+    // Dashes inside are the marks of another block: this one has lost its end.
+    if (end == std::string_view::npos || body.find(dashes) != std::string_view::npos)
+        fail("Il testo PEM è incompleto: manca " + mark);
+    text.remove_prefix(end + mark.size());
+    return body;
 }
 
 } // namespace
@@ -25,11 +45,19 @@ std::vector<PemBlock> pemBlocks(std::string_view text) {
     std::vector<PemBlock> blocks;
     for (auto found = text.find(begin); found != std::string_view::npos; found = text.find(begin)) {
         text.remove_prefix(found + begin.size());
-        const std::string label{takeUpTo(text, std::string(dashes))};
-        const auto body = takeUpTo(text, "-----END " + label + std::string(dashes));
-        blocks.push_back({label, decodeBase64(body)});
+        std::string label = takeLabel(text);
+        const auto body = takeBody(text, label);
+        blocks.push_back({std::move(label), body});
     }
+    if (blocks.empty() && text.find(dashes) != std::string_view::npos)
+        fail("Il testo PEM è incompleto: manca una riga -----BEGIN intera");
     return blocks;
+}
+
+Bytes pemContent(const PemBlock& block) {
+    if (block.body.find(':') != std::string_view::npos)
+        fail("Il blocco PEM " + block.label + " ha delle intestazioni, che qui non sono ammesse");
+    return decodeBase64(block.body);
 }
 
 } // namespace zvcrypt

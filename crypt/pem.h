@@ -7,13 +7,18 @@
 
 namespace zvcrypt {
 
+// A part of a text from its BEGIN to its END.
 struct PemBlock {
     std::string label;
-    Bytes content;
+    std::string_view body;
 };
 
 // The PEM blocks of a text, which may have lost its line ends; none in a text without any. What stands
 // between the blocks is passed over. A block that does not end, or not as it began, is ZVC_ERR_TEXT_FORM.
 [[nodiscard]] std::vector<PemBlock> pemBlocks(std::string_view text);
+
+// What the block's base64 stands for. ZVC_ERR_TEXT_FORM for a block with headers: it may be encrypted, and
+// without line ends nobody can tell where they stop.
+[[nodiscard]] Bytes pemContent(const PemBlock& block);
 
 } // namespace zvcrypt

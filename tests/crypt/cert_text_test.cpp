@@ -34,17 +34,41 @@ std::string replaced(std::string text, const std::string& with) {
     return text;
 }
 
+// With the notes that OpenSSL puts behind a certificate.
+Bytes trusted(const test::Certificate& certificate) {
+    X509* it = certificate.x509.get();
+    (void)X509_alias_set1(it, reinterpret_cast<const unsigned char*>("titolare"), -1);
+    return test::encoded<X509>(i2d_X509_AUX, it);
+}
+
 } // namespace
 
 TEST_F(CertText, EveryFormGivesTheHoldersCertificate) {
     const std::string one = pem(holder.der), all = pem(root.der) + pem(authority.der) + one;
     const std::string bundled = pem(bundle({authority, holder}), "PKCS7");
     for (const std::string& form :
-         {base64(holder.der), " " + base64(holder.der) + "\n", one, replaced(one, "\r\n"), replaced(one, ""),
-          pem(holder.der, "X509 CERTIFICATE"), all, replaced(all, ""), one + pem(authority.der),
-          pem(authority.der) + one + one, "Soggetto: titolare\n" + one + "\n",
-          base64(bundle({root, holder, authority})), bundled, replaced(bundled, ""),
-          pem(bundle({holder}), "CMS")}) {
+         {base64(holder.der),
+          " " + base64(holder.der) + "\n",
+          "\xEF\xBB\xBF" + base64(holder.der),
+          one,
+          replaced(one, "\r\n"),
+          replaced(one, ""),
+          "-----BEGIN CERTIFICATE-----\n" + base64(holder.der) + "\n-----END CERTIFICATE-----",
+          pem(holder.der, "X509 CERTIFICATE"),
+          all,
+          replaced(all, ""),
+          one + pem(authority.der),
+          pem(authority.der) + one + one,
+          "Soggetto: titolare\n" + one + "\n",
+          base64(bundle({root, holder, authority})),
+          replaced(base64(bundle({authority, holder})), "\r\n"),
+          bundled,
+          replaced(bundled, ""),
+          pem(bundle({holder}), "CMS"),
+          pem(bundle({}), "PKCS7") + one,
+          pem(bundle({root}), "CERTIFICATE CHAIN") + "tra i blocchi: -- \n" + one,
+          pem(trusted(holder), "TRUSTED CERTIFICATE"),
+          one + std::string(1, '\0') + "-----BEGIN"}) {
         EXPECT_EQ(split(form), ZVC_OK) << reason << '\n' << form;
         EXPECT_EQ(found(), holder.der);
         EXPECT_STREQ(reason, "");
@@ -60,27 +84,55 @@ TEST_F(CertText, AnAuthorityWithoutTheMarkIsKnownByWhatItIssued) {
 }
 
 TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
-    Bytes longer = holder.der;
-    longer.push_back(0);
-    const std::string one = pem(holder.der);
-    const std::pair<std::string, int> cases[] = {
-        {"", ZVC_ERR_TEXT_FORM},
-        {"non è un certificato", ZVC_ERR_BASE64},
-        {base64(holder.der).substr(0, 402), ZVC_ERR_BASE64},
-        {base64(holder.der).substr(0, 400), ZVC_ERR_TEXT_FORM},
-        {base64(longer), ZVC_ERR_TEXT_FORM},
-        {pem(longer), ZVC_ERR_BAD_CERTIFICATE},
-        {one.substr(0, one.size() - 10), ZVC_ERR_TEXT_FORM},
-        {one + "-----BEGIN CERTIFICATE-----\nMIIC", ZVC_ERR_TEXT_FORM},
-        {pem(holder.der, "CERTIFICATE REQUEST"), ZVC_ERR_TEXT_FORM},
-        {pem(holder.der, "PKCS7"), ZVC_ERR_TEXT_FORM},
-        {pem(root.der) + pem(authority.der), ZVC_ERR_NO_HOLDER},
-        {pem(bundle({}), "PKCS7"), ZVC_ERR_NO_HOLDER},
-        {one + pem(another.der), ZVC_ERR_TWO_HOLDERS},
+    const auto longer = [](Bytes der) {
+        der.push_back(0);
+        return der;
     };
-    for (const auto& [text, code] : cases) {
+    const auto cut = [](Bytes der) {
+        der.pop_back();
+        return der;
+    };
+    const std::string one = pem(holder.der), body = base64(holder.der),
+                      begin = "-----BEGIN CERTIFICATE-----\n";
+    const std::string end = "-----END CERTIFICATE-----";
+    const Bytes chain = bundle({authority, holder});
+    const struct {
+        std::string text;
+        int code;
+        const char* reason;
+    } cases[] = {
+        {"", ZVC_ERR_TEXT_FORM, "vuoto"},
+        {"\xEF\xBB\xBF \r\n\t", ZVC_ERR_TEXT_FORM, "vuoto"},
+        {"non è un certificato", ZVC_ERR_BASE64, "non è in base64"},
+        {"Certificato: " + body, ZVC_ERR_BASE64, "non è in base64"},
+        {body.substr(0, 402), ZVC_ERR_BASE64, "a metà di un gruppo"},
+        {body.substr(0, 400), ZVC_ERR_TEXT_FORM, "non contiene un certificato né una busta PKCS#7 interi"},
+        {base64(cut(chain)), ZVC_ERR_TEXT_FORM, "non contiene un certificato né una busta PKCS#7 interi"},
+        {base64(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
+        {pem(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
+        {pem(cut(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato"},
+        {base64(longer(chain)), ZVC_ERR_TEXT_FORM, "PKCS#7 dei certificati è seguita da altri dati"},
+        {pem(longer(trusted(holder)), "TRUSTED CERTIFICATE"), ZVC_ERR_BAD_CERTIFICATE, "TRUSTED"},
+        {pem(holder.der, "PKCS7"), ZVC_ERR_TEXT_FORM, "busta PKCS#7 dei certificati non è leggibile"},
+        {one.substr(0, one.size() - 10), ZVC_ERR_TEXT_FORM, "manca -----END CERTIFICATE-----"},
+        {begin + body + "\n" + one, ZVC_ERR_TEXT_FORM, "manca -----END CERTIFICATE-----"},
+        {one + begin + "MIIC", ZVC_ERR_TEXT_FORM, "manca -----END CERTIFICATE-----"},
+        {body + "\n" + end, ZVC_ERR_TEXT_FORM, "manca una riga -----BEGIN"},
+        {"-----BEGIN", ZVC_ERR_TEXT_FORM, "manca una riga -----BEGIN"},
+        {"-----BEGIN CERTIFICATE", ZVC_ERR_TEXT_FORM, "la riga -----BEGIN"},
+        {"-----BEGIN CERTIFICATE\n" + body + "\n" + end, ZVC_ERR_TEXT_FORM, "la riga -----BEGIN"},
+        {begin + "Proc-Type: 4,ENCRYPTED\n\n" + body + end, ZVC_ERR_TEXT_FORM, "ha delle intestazioni"},
+        {one + pem(holder.der, "CERTIFICATE REQUEST"), ZVC_ERR_TEXT_FORM,
+         "un certificato: CERTIFICATE REQUEST"},
+        {pem(bundle({}), "PKCS7"), ZVC_ERR_TEXT_FORM, "nessun certificato"},
+        {pem(root.der), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
+        {base64(bundle({authority, root})), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
+        {one + pem(another.der), ZVC_ERR_TWO_HOLDERS, "più titolari"},
+        {pem(bundle({another, authority, holder}), "CMS"), ZVC_ERR_TWO_HOLDERS, "più titolari"},
+    };
+    for (const auto& [text, code, sentence] : cases) {
         EXPECT_EQ(split(text), code) << text;
-        EXPECT_STRNE(reason, "");
+        EXPECT_NE(std::string(reason).find(sentence), std::string::npos) << reason << " for\n" << text;
         EXPECT_EQ(test::lastError(), reason);
         EXPECT_EQ(record.derLength, 0U);
     }
