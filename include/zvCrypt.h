@@ -24,7 +24,7 @@
  * Configuration: the first of these files that exists. The one that the environment variable ZVCRYPT_CONF names
  * (it must exist; /dev/null stands for none at all), $XDG_CONFIG_HOME/zvcrypt.conf or, without that variable,
  * ~/.config/zvcrypt.conf, /etc/zvcrypt.conf. In a set-user-id process only the last one. It, the built-in table
- * and a host's atr.ini have one form:
+ * and a host's atr.ini have one form (docs/cards.md tells more of it). A file is read again when it has changed:
  *
  *     [card ANY NAME]           ; a kind of card; the first entry whose pattern matches wins
  *     atr = 3BFF18..0081        ; hexadecimal; '.', 'X' and '?' stand for any digit, blanks and ':' for nothing
@@ -80,7 +80,7 @@ enum zvCryptError {
     ZVC_ERR_BASE64 = 0x203B,          /* a text that is not base64 */
     ZVC_ERR_BAD_CERTIFICATE = 0x2040, /* no X.509 certificate, or a field is malformed */
     ZVC_ERR_TEXT_LENGTH = 0x2041,     /* a certificate text of more than 8191 characters */
-    ZVC_ERR_TEXT_FORM = 0x2042,       /* a text that holds no certificate in a known form */
+    ZVC_ERR_TEXT_FORM = 0x2042,       /* a text that holds no certificate in a known form, or none at all */
     ZVC_ERR_NO_HOLDER = 0x2043,       /* only certificates of authorities in the text */
     ZVC_ERR_TWO_HOLDERS = 0x2044,     /* certificates of more than one holder in the text */
     ZVC_ERR_ROOM = 0x2045             /* a binary result does not fit its buffer */
@@ -327,16 +327,20 @@ ZVCRYPT_API void writeBuff(char* in, char* out);
 
 /**
  * Reads the holder's certificate from a text: base64 of DER, PEM, or a PKCS#7 bundle in PEM or base64, on one
- * line or many. Of several certificates it takes the one that is no authority's and issued none of the
- * others, wherever it stands.
+ * line or many, with a UTF-8 byte order mark or without. In PEM, several blocks may follow one another, and what
+ * stands around them is passed over; blocks have no headers (RFC 1421). Of several certificates it takes the one
+ * that is no authority's and issued none of the others, wherever it stands; one of several copies counts once.
  *
  * @param[in]  text     the text, 8191 characters at most
  * @param[out] out      the certificate; zeros after a failure
  * @param[out] errText  the reason of a failure, in Italian (also in kvLastError); may be null
  * @param[in]  errSize  size of errText in bytes
- * @return 0; ZVC_ERR_TEXT_LENGTH; ZVC_ERR_TEXT_FORM; ZVC_ERR_BASE64; ZVC_ERR_BAD_CERTIFICATE;
- *         ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes)
- * Standard: RFC 7468 (labels CERTIFICATE, X509 CERTIFICATE, PKCS7, CMS), RFC 5652.
+ * @return 0; ZVC_ERR_TEXT_LENGTH; ZVC_ERR_TEXT_FORM (an empty text, PEM that lost its BEGIN or END or has
+ *         headers or another label, a bundle that is none or has data behind it, no certificate);
+ *         ZVC_ERR_BASE64 (a character that is none, or an end amid a group); ZVC_ERR_BAD_CERTIFICATE (malformed,
+ *         or with data behind it); ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes)
+ * Standard: RFC 7468 (labels CERTIFICATE, X509 CERTIFICATE, X.509 CERTIFICATE; PKCS7, CMS, CERTIFICATE CHAIN;
+ * besides, OpenSSL's TRUSTED CERTIFICATE), RFC 5652.
  */
 ZVCRYPT_API int SplitCert(char* text, datiCert* out, char* errText, int errSize);
 
