@@ -60,7 +60,8 @@ void loadLine(std::string_view line, int& orgUnits) {
             if (orgUnits == ZV_ORG_UNITS) return;
             offset += static_cast<std::size_t>(orgUnits++) * field.width;
         }
-        zv::copyText(reinterpret_cast<char*>(&zv::dNameRen) + offset, field.width, value);
+        zv::copyText(reinterpret_cast<char*>(&zv::dNameRen) + offset, field.width,
+                     zv::cutAtCharacter(value, field.width - 1));
         return;
     }
 }
@@ -108,7 +109,7 @@ BoundedText replaced(std::string_view rest, std::string_view from, std::string_v
 void replace(char* text, char* from, char* to) {
     const std::string_view whole = zv::orEmpty(text), pattern = zv::orEmpty(from);
     if (pattern.empty() || whole.find(pattern) == std::string_view::npos)
-        zv::copyText(zv::newstring, whole);
+        zv::copyText(zv::newstring, zv::cutAtCharacter(whole, MOST_TEXT));
     else
         zv::copyText(zv::newstring, replaced(whole, pattern, zv::orEmpty(to)).get());
 }

@@ -215,10 +215,11 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  * @param[in]  dn            subject: attributes as OID and "=" ("2.5.4.6=IT2.5.4.3=NAME...", as the records
  *                           give them), or "/OU=", "/emailAddress=", "/gn=", "/serialNumber=", in these
  *                           letters; other names ("/CN=") are not known, and an OID inside a value starts a
- *                           new attribute. Values are cut to 64 characters (country 2, description, e-mail
- *                           and locality 127); the subject is worked on in a text of 1023 characters and
- *                           loses what goes past it. A sixth organisational unit is ignored. Without any
- *                           attribute the request fails with 1 and leaves szSockMsg alone
+ *                           new attribute. Values are cut to 64 bytes (country 2, description, e-mail and
+ *                           locality 127), not within a character of UTF-8; the subject is worked on in a
+ *                           text of 1023 bytes and loses what goes past it. A sixth organisational unit
+ *                           is ignored. Without any attribute the request fails with 1 and leaves
+ *                           szSockMsg alone
  * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request: a
  *                           certificate issued for it can no longer be stored. False keeps and reuses it
  *

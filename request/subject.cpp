@@ -21,8 +21,8 @@ ADATA* buildName(const datiDN& subject, const SubjectTable& table) {
     ADATA* rdns = nullptr;
     std::size_t count = 0;
     for (const SubjectRow& row : table.rows) {
-        const std::string_view value =
-            boundedText(reinterpret_cast<const char*>(&subject) + row.offset, MOST_VALUE);
+        const char* field = reinterpret_cast<const char*>(&subject) + row.offset;
+        const std::string_view value = cutAtCharacter(boundedText(field, MOST_VALUE + 1), MOST_VALUE);
         if (value.empty()) continue;
         rdns = ConcatenateADATA(rdns, buildRdn(row, value));
         ++count;

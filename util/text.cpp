@@ -26,6 +26,18 @@ std::string_view boundedText(const char* buffer, std::size_t size) {
     return {buffer, strnlen(buffer, size)};
 }
 
+std::string_view cutAtCharacter(std::string_view text, std::size_t most) {
+    constexpr std::size_t longestTail = 3;
+    if (text.size() <= most) return text;
+    const auto continues = [text](std::size_t place) {
+        return (static_cast<unsigned char>(text[place]) & 0xC0) == 0x80;
+    };
+    std::size_t end = most;
+    while (end > 0 && most - end < longestTail && continues(end))
+        --end;
+    return text.substr(0, end);
+}
+
 bool replaceFirst(char* text, std::size_t size, const char* pattern, const char* replacement, char* scratch) {
     char* place = strstrICase(text, pattern);
     if (place == nullptr) return false;

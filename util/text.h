@@ -30,6 +30,9 @@ template <std::size_t... N> void clear(char (&... buffers)[N]) {
 /** The text in a buffer that may lack its terminator. */
 [[nodiscard]] std::string_view boundedText(const char* buffer, std::size_t size);
 
+/** At most so many bytes of a text; a longer one ends in front of the UTF-8 character that would be cut. */
+[[nodiscard]] std::string_view cutAtCharacter(std::string_view text, std::size_t most);
+
 [[nodiscard]] inline const char* orEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
