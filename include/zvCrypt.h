@@ -24,7 +24,7 @@
  * Configuration: the first of these files that exists. The one that the environment variable ZVCRYPT_CONF names
  * (it must exist; /dev/null stands for none at all), $XDG_CONFIG_HOME/zvcrypt.conf or, without that variable,
  * ~/.config/zvcrypt.conf, /etc/zvcrypt.conf. In a set-user-id process only the last one. It, the built-in table
- * and a host's atr.ini have one form (docs/cards.md tells more of it). A file is read again when it has changed:
+ * and a host's atr.ini have one form, of which docs/cards.md tells more:
  *
  *     [card ANY NAME]           ; a kind of card; the first entry whose pattern matches wins
  *     atr = 3BFF18..0081        ; hexadecimal; '.', 'X' and '?' stand for any digit, blanks and ':' for nothing
