@@ -15,9 +15,9 @@ namespace zv {
 namespace {
 
 constexpr std::string_view BEGIN = "BEGIN_STRING";
-constexpr std::string_view END = "END_STRING";
+constexpr std::string_view LAST_LINE = "END_STRING";
 
-constexpr std::size_t orgUnit(std::size_t index) {
+constexpr std::size_t orgUnitOffset(std::size_t index) {
     return offsetof(REQRENIN, dn.orgUnit) + index * sizeof datiDN::orgUnit[0];
 }
 
@@ -28,7 +28,7 @@ constexpr std::size_t orgUnit(std::size_t index) {
 #define ZV_NAME_KEY(key, field)                                                                              \
     { key, offsetof(REQRENIN, dn.field), sizeof datiDN::field }
 #define ZV_UNIT_KEY(key, index)                                                                              \
-    { key, orgUnit(index), sizeof datiDN::orgUnit[0] }
+    { key, orgUnitOffset(index), sizeof datiDN::orgUnit[0] }
 
 // Written in this order, and looked for in this order in every line.
 const BlockKey BLOCK[BLOCK_KEYS] = {
@@ -90,7 +90,7 @@ std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record) {
     if (!block.starts_with(BEGIN)) return found;
     block.remove_prefix(BEGIN.size());
     std::string_view line, value;
-    while (nextLine(block, line) && line.find(END) == std::string_view::npos) {
+    while (nextLine(block, line) && line.find(LAST_LINE) == std::string_view::npos) {
         for (std::size_t i = 0; i < BLOCK_KEYS; ++i) {
             if (!valueBehind(line, BLOCK[i].key, value)) continue;
             setField(record, BLOCK[i], value);

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... Inizializza FUN                .... ";
+constexpr char FULL_TITLE[] = " .... Inizializza FUN                .... ";
 constexpr int FAILED = 1;
 constexpr int WRONG_PIN = 2;
 
@@ -26,7 +26,7 @@ void formatMessage(const char* format, const char* text) {
 
 // The step and the sentence go to the log, the sentence to the user.
 int fail(const char* step, const char* format) {
-    zv::reportFailure(TITLE, step, rv, format);
+    zv::reportFailure(FULL_TITLE, step, rv, format);
     formatMessage(format, zv::errorMessage(rv));
     return FAILED;
 }
@@ -38,7 +38,7 @@ int failLoading() {
     std::snprintf(sentence, sizeof sentence, FORMAT, zv::orEmpty(::dlerror()));
     // The loader's text can be asked for once: the user's message has none.
     formatMessage(FORMAT, ::dlerror());
-    WriteErr(TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);
+    WriteErr(FULL_TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);
     reportSentence(sentence);
     return FAILED;
 }
@@ -59,7 +59,7 @@ int loadModule(const char* path) {
     zv::hModule = zv::openModule(path);
     if (zv::hModule == nullptr) return failLoading();
     if (!zv::takeFunctionList()) return failFunctions();
-    zv::trace(TITLE, "C_Initialize");
+    zv::trace(FULL_TITLE, "C_Initialize");
     rv = zv::call<&zv::Functions::C_Initialize>(nullptr);
     if (rv != CKR_OK)
         return fail("C_Initialize",
@@ -75,8 +75,8 @@ CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot) {
     const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[count + 1]());
     if (slots == nullptr) return CKR_HOST_MEMORY;
     char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots.get()));
-    WriteLog(TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
-    zv::trace(TITLE, "C_GetSlotList FALSE");
+    WriteLog(FULL_TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
+    zv::trace(FULL_TITLE, "C_GetSlotList FALSE");
     CK_ULONG listed = count;
     result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, slots.get(), &listed);
     if (result != CKR_OK) return result;
@@ -90,7 +90,7 @@ int findSlot(unsigned slotIndex) {
         zv::slotID = zv::vettoreSlotID[slotIndex];
         return 0;
     }
-    zv::trace(TITLE, "C_GetSlotList FALSE", CatItoA("SlotNum = ", static_cast<int>(slotIndex)));
+    zv::trace(FULL_TITLE, "C_GetSlotList FALSE", CatItoA("SlotNum = ", static_cast<int>(slotIndex)));
     rv = slotIndex < zv::CACHED_SLOTS ? listSlots(slotIndex, zv::slotID) : CKR_SLOT_ID_INVALID;
     if (rv != CKR_OK) return fail("C_GetSlotList", "Errore nella ricerca slots (%s)");
     zv::vettoreSlotID[slotIndex] = zv::slotID;
@@ -99,11 +99,11 @@ int findSlot(unsigned slotIndex) {
 
 int open() {
     static constexpr char FORMAT[] = "Errore aprendo la sessione con la smartcard (%s)";
-    zv::trace(TITLE, "C_OpenSession", CatItoA("SlotID = ", static_cast<int>(zv::slotID)));
+    zv::trace(FULL_TITLE, "C_OpenSession", CatItoA("SlotID = ", static_cast<int>(zv::slotID)));
     rv = zv::openSession(zv::slotID);
     if (rv == CKR_OK) return 0;
     if (rv != CKR_TOKEN_NOT_PRESENT) return fail("C_OpenSession", FORMAT);
-    zv::reportCode(TITLE, "C_OpenSession", rv);
+    zv::reportCode(FULL_TITLE, "C_OpenSession", rv);
     reportSentence("Errore aprendo la sessione con la smartcard.\r\n"
                    "Introdurre correttamente la smartcard nel lettore e riprovare");
     formatMessage(FORMAT, zv::errorMessage(rv));
@@ -112,7 +112,7 @@ int open() {
 
 int logIn(const char* pin, int userType) {
     if (pin[0] == '\0') return 0;
-    zv::trace(TITLE, "C_Login");
+    zv::trace(FULL_TITLE, "C_Login");
     rv = zv::login(static_cast<CK_USER_TYPE>(userType), pin);
     // Worded by the caller.
     if (rv == CKR_PIN_INCORRECT) return WRONG_PIN;
@@ -122,12 +122,12 @@ int logIn(const char* pin, int userType) {
 } // namespace
 
 int inizializza(char* libPath, char* pin, unsigned int slotIndex, void*, int userType) {
-    zv::trace(TITLE, "I N I Z I O");
+    zv::trace(FULL_TITLE, "I N I Z I O");
     finalizza();
     int status = loadModule(zv::orEmpty(libPath));
     if (status == 0) status = findSlot(slotIndex);
     if (status == 0) status = open();
     if (status == 0) status = logIn(zv::orEmpty(pin), userType);
-    if (status == 0) zv::trace(TITLE, "F I N E");
+    if (status == 0) zv::trace(FULL_TITLE, "F I N E");
     return status;
 }

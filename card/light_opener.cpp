@@ -5,14 +5,14 @@
 
 namespace {
 
-constexpr char TITLE[] = "INIZIALIZZA_FUN";
+constexpr char LIGHT_TITLE[] = "INIZIALIZZA_FUN";
 constexpr CK_RV UNUSABLE = ~CK_RV{0};
 
 void traceResult(const char* step, CK_RV result) {
-    zv::trace(TITLE, step, CatLtoAHex1("Ret Code = ", static_cast<long>(result)));
+    zv::trace(LIGHT_TITLE, step, CatLtoAHex1("Ret Code = ", static_cast<long>(result)));
 }
 
-bool loadModule(const char* path) {
+bool loadForLight(const char* path) {
     zv::hModule = zv::openModule(path);
     traceResult(CatSZtoSZ("LoadLibrary: ", path), zv::hModule != nullptr ? CKR_OK : UNUSABLE);
     if (zv::hModule == nullptr) return false;
@@ -47,10 +47,10 @@ CK_RV openAndLogin(const char* pin) {
 
 CK_RV __Initialize(int slot, char* pin, char* libPath) {
     const char* path = zv::orEmpty(libPath);
-    zv::trace(TITLE, CatItoAHex1("SlotNum = ", slot));
+    zv::trace(LIGHT_TITLE, CatItoAHex1("SlotNum = ", slot));
     zv::slotID = static_cast<CK_SLOT_ID>(static_cast<long>(slot));
     // A blank path is what a command block carries when no module is known.
-    if (path[0] == ' ' || !loadModule(path)) return UNUSABLE;
+    if (path[0] == ' ' || !loadForLight(path)) return UNUSABLE;
     CK_RV result = startModule();
     if (result == CKR_OK) result = countSlots();
     if (result == CKR_OK) result = openAndLogin(zv::orEmpty(pin));

@@ -13,7 +13,7 @@
 namespace cli {
 namespace {
 
-using Message = std::array<unsigned char, 64>;
+using Challenge = std::array<unsigned char, 64>;
 
 // DigestInfo of SHA-256 (RFC 8017, 9.2), without the digest at its end.
 constexpr std::array<unsigned char, 19> sha256_info{0x30, 0x31, 0x30, 0x0D, 0x06, 0x09, 0x60,
@@ -22,7 +22,7 @@ constexpr std::array<unsigned char, 19> sha256_info{0x30, 0x31, 0x30, 0x0D, 0x06
 
 constexpr std::size_t sha256_size = 32;
 
-Bytes digest_info(const Message& message) {
+Bytes digest_info(const Challenge& message) {
     Bytes info(sha256_info.size() + sha256_size);
     std::copy(sha256_info.begin(), sha256_info.end(), info.begin());
     unsigned char* digest = info.data() + sha256_info.size();
@@ -31,7 +31,7 @@ Bytes digest_info(const Message& message) {
     return info;
 }
 
-bool verifies(X509& certificate, const Message& message, const Bytes& signature) {
+bool verifies(X509& certificate, const Challenge& message, const Bytes& signature) {
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
     const bool right = EVP_DigestVerifyInit(context.get(), nullptr, EVP_sha256(), nullptr,
                                             X509_get0_pubkey(&certificate)) == 1 &&
@@ -48,7 +48,7 @@ std::string prove(const Session& session, const std::string& id, const Bytes& ex
     if (view.certificates(id).empty()) return fmt::format("there is no certificate {} on the card.", id);
     if (key == nullptr) return fmt::format("there is no private key {} on the card.", id);
     if (stored == nullptr) return fmt::format("the certificate {} on the card is another one.", id);
-    Message message{};
+    Challenge message{};
     if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
         return "no random text could be made.";
     const Bytes signature = session.sign(key->handle, digest_info(message));

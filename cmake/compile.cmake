@@ -9,6 +9,14 @@ target_compile_options(zv_compile INTERFACE
   -fstack-protector-strong)
 target_include_directories(zv_compile INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
+if(ZV_FUZZ)
+  set(ZV_SANITIZE ON)
+  target_compile_options(zv_compile INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(CMAKE_UNITY_BUILD)
+  # Files compiled together see each other's file-wide names.
+  target_compile_options(zv_compile INTERFACE -Wno-shadow $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
+endif()
 if(ZV_SANITIZE)
   target_compile_options(zv_compile INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)

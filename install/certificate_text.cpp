@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... CrtB64ToDer FUN                .... ";
+constexpr char TEXT_TITLE[] = " .... CrtB64ToDer FUN                .... ";
 constexpr char BEGIN_MARKER[] = "-----BEGIN CERTIFICATE-----";
 constexpr char END_MARKER[] = "-----END CERTIFICATE-----";
 constexpr int DER_SIZE = 8191;
@@ -52,8 +52,8 @@ const char* cutBody(char* pem) {
 } // namespace
 
 int CrtB64ToDer(char* pem, char* der) {
-    zv::trace(TITLE, "I N I Z I O");
-    zv::trace(TITLE, "Certificato =", pem);
+    zv::trace(TEXT_TITLE, "I N I Z I O");
+    zv::trace(TEXT_TITLE, "Certificato =", pem);
     buildTable();
     const char* text = cutBody(pem);
     if (text == nullptr) return 0;
@@ -71,7 +71,7 @@ int CrtB64ToDer(char* pem, char* der) {
         for (int i = 0; i < bytes; ++i)
             der[total++] = static_cast<char>(value >> (16 - 8 * i));
     }
-    WriteLog(TITLE, CatItoA("dimensione = ", total), 0, der, DER_SIZE);
-    zv::trace(TITLE, "F I N E");
+    WriteLog(TEXT_TITLE, CatItoA("dimensione = ", total), 0, der, DER_SIZE);
+    zv::trace(TEXT_TITLE, "F I N E");
     return total;
 }

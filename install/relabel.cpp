@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int FAILED = 1;
+constexpr int RELABEL_FAILED = 1;
 constexpr std::size_t MOST_LABEL = 255;
 constexpr char CHANGE_TITLE[] = " .... ChangeValueObject FUN          .... ";
 constexpr char RECHANGE_TITLE[] = " .... RechangeValueObject FUN        .... ";
@@ -19,7 +19,7 @@ CK_RV changeKey(const char* name, CK_OBJECT_HANDLE key, std::string_view text) {
 
 int failRechange(const char* step, const char* format) {
     zv::reportFailure(RECHANGE_TITLE, step, zv::rv, format);
-    return FAILED;
+    return RELABEL_FAILED;
 }
 
 } // namespace
@@ -35,7 +35,7 @@ int ChangeValueObject(void*, char* newId) {
     }
     zv::reportFailure(CHANGE_TITLE, "C_SetAttributeValue", result,
                       "Errore modifica LABEL/ID oggetti presenti su smartcard (%s)");
-    return FAILED;
+    return RELABEL_FAILED;
 }
 
 int RechangeValueObject(void*, const char* currentLabel, char* newText) {

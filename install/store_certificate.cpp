@@ -6,16 +6,16 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
-constexpr int FAILED = 1;
+constexpr char STORE_TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
+constexpr int STORE_FAILED = 1;
 constexpr int EXPLANATION_SIZE = 512;
 
 // Modules that do not let a key be relabelled.
 constexpr const char* NOT_RELABELLED[] = {"incryptoki2", "bit4ipki", "bit4hipki", "cnspkcs11"};
 
 int failStep(const char* step, int code) {
-    zv::reportCode(TITLE, step, static_cast<CK_RV>(code));
-    return FAILED;
+    zv::reportCode(STORE_TITLE, step, static_cast<CK_RV>(code));
+    return STORE_FAILED;
 }
 
 int readCertificate(char* certText, datiCert& certificate) {
@@ -23,33 +23,33 @@ int readCertificate(char* certText, datiCert& certificate) {
     zv::Sentence explanation = {};
     writeBuff(certText, text);
     text[sizeof text - 1] = '\0';
-    zv::trace(TITLE, "SplitCert");
+    zv::trace(STORE_TITLE, "SplitCert");
     const int code = SplitCert(text, &certificate, explanation, EXPLANATION_SIZE);
     if (code == 0) return 0;
     zv::trace(explanation, CatLtoAHex1("Errore = ", code));
     failStep("SplitCert", code);
     zv::reportSentence("Errore nella scansione del certificato da memorizzare sulla smartcard");
-    return FAILED;
+    return STORE_FAILED;
 }
 
 } // namespace
 
 int MemorizzazioneCertificato(void*, char* certText, char* pkcs11Library, char*) {
-    zv::trace(TITLE, "I N I Z I O");
+    zv::trace(STORE_TITLE, "I N I Z I O");
     datiCert certificate{};
-    if (readCertificate(certText, certificate) != 0) return FAILED;
+    if (readCertificate(certText, certificate) != 0) return STORE_FAILED;
 
-    zv::trace(TITLE, "CheckPendingKeys");
+    zv::trace(STORE_TITLE, "CheckPendingKeys");
     if (const int missing = CheckPendingKeys(nullptr, true)) return failStep("CheckPendingKeys", missing);
 
-    zv::trace(TITLE, "ChangeValueObject");
+    zv::trace(STORE_TITLE, "ChangeValueObject");
     if (!zv::moduleNamed(pkcs11Library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)
-        return failStep("ChangeValueObject", FAILED);
+        return failStep("ChangeValueObject", STORE_FAILED);
 
-    zv::trace(TITLE, "InstallUserCertificate");
+    zv::trace(STORE_TITLE, "InstallUserCertificate");
     if (InstallUserCertificate(nullptr, &certificate, certificate.derLength, zv::certAlias, pkcs11Library) !=
         0)
-        return failStep("InstallUserCertificate", FAILED);
-    zv::trace(TITLE, "F I N E");
+        return failStep("InstallUserCertificate", STORE_FAILED);
+    zv::trace(STORE_TITLE, "F I N E");
     return 0;
 }

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... InstallUserCertificate FUN     .... ";
-constexpr int FAILED = 1;
+constexpr char USER_TITLE[] = " .... InstallUserCertificate FUN     .... ";
+constexpr int USER_FAILED = 1;
 constexpr std::size_t MODULUS_SIZE = 256;
 
 // Modules whose keys were never relabelled, or must not be again.
@@ -22,7 +22,7 @@ constexpr const char* KEPT_LABELS[] = {"incryptoki2", "libbit4xpki.dylib", "cnsp
 int fail(char* label, char* module, const char* sentence) {
     if (!zv::moduleNamed(module, KEPT_LABELS)) RechangeValueObject(nullptr, label, zv::pendingLabel);
     zv::reportSentence(sentence);
-    return FAILED;
+    return USER_FAILED;
 }
 
 // One pass without going back: a byte that differs starts the count anew and is not tried as a start itself.
@@ -42,7 +42,7 @@ Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
     zv::readWhole(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
     if (zv::rv == CKR_OK)
         return containsModulus(certificate.der, derLength, modulus, length) ? Match::Yes : Match::No;
-    zv::reportCode(TITLE, "C_GetAttributeValue", zv::rv);
+    zv::reportCode(USER_TITLE, "C_GetAttributeValue", zv::rv);
     // Some modules do not read keys at all: the certificate is then taken as it is.
     return zv::rv == CKR_FUNCTION_FAILED ? Match::Yes : Match::Unreadable;
 }
@@ -50,8 +50,8 @@ Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
 } // namespace
 
 int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char* label, char* pkcs11Library) {
-    zv::trace(TITLE, "I N I Z I O");
-    zv::traceSession(TITLE, "C_GetAttributeValue", zv::hSession);
+    zv::trace(USER_TITLE, "I N I Z I O");
+    zv::traceSession(USER_TITLE, "C_GetAttributeValue", zv::hSession);
     derLength = std::min<unsigned long>(derLength, sizeof cert->der);
     switch (matchPendingKey(*cert, derLength)) {
     case Match::Yes:
@@ -59,22 +59,22 @@ int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char*
     case Match::Unreadable:
         return fail(label, pkcs11Library, "");
     case Match::No:
-        WriteErr(TITLE, "C_CreateObject", 0,
+        WriteErr(USER_TITLE, "C_CreateObject", 0,
                  "Certificato non corrispondente alle chiavi presenti sulla smartcard", 0);
         return fail(label, pkcs11Library,
                     "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }
     zv::CertificateParts parts;
-    if (parts.read(TITLE, *cert, derLength) != 0) return fail(label, pkcs11Library, "");
+    if (parts.read(USER_TITLE, *cert, derLength) != 0) return fail(label, pkcs11Library, "");
     parts.trimSerial();
-    if (zv::createCertificate(TITLE, *cert, derLength, label, parts) != CKR_OK) {
+    if (zv::createCertificate(USER_TITLE, *cert, derLength, label, parts) != CKR_OK) {
         zv::Sentence sentence;
         std::snprintf(sentence, sizeof sentence,
                       "Certificato non memorizzato correttamente sulla smartcard (%s)",
                       zv::errorMessage(zv::rv));
         return fail(label, pkcs11Library, sentence);
     }
-    zv::trace(TITLE, "F I N E");
+    zv::trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.
     char marker[] = "pending_CNS_key";
     zv::rv = DeleteDataPendingCNS(zv::hSession, marker);

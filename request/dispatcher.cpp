@@ -15,21 +15,21 @@ unsigned short tocontrol = 0;
 
 namespace {
 
-constexpr char TITLE[] = " .... RichiestaCertificato FUN       .... ";
+constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 constexpr std::size_t CENSUS_SIZE = 1536;
 constexpr int CENSUS_FAILED = 1, PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
 
 int takeCensus() {
     char census[CENSUS_SIZE] = {};
     const int code = FindAllObjects(zv::hSession, census);
-    zv::trace(TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? census : "");
+    zv::trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? census : "");
     return code;
 }
 
 void discardPending(char* modulePath, char* pin) {
     const int result = DeleteAllPending32(modulePath, pin, static_cast<unsigned>(zv::slotUtente), nullptr);
     if (result == 0) return;
-    zv::reportCode(TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
+    zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();
 }
 
@@ -37,7 +37,7 @@ void discardPending(char* modulePath, char* pin) {
 void actOnCensus(int code, char* modulePath, char* pin) {
     if (code == CENSUS_FAILED) {
         finalizza();
-        zv::reportCode(TITLE, "FindObjects", static_cast<CK_RV>(code));
+        zv::reportCode(DISPATCH_TITLE, "FindObjects", static_cast<CK_RV>(code));
     } else if ((code == PENDING_AND_FEW || code == PENDING_AND_MORE) && zv::cKeepKeys == 'D') {
         discardPending(modulePath, pin);
     }
@@ -46,15 +46,15 @@ void actOnCensus(int code, char* modulePath, char* pin) {
 } // namespace
 
 unsigned short RichiestaCertificato(char* pemOut, char* modulePath, char* pin, char* cardType) {
-    zv::trace(TITLE, "I N I Z I O", CatItoA("tocontrol = ", zv::tocontrol));
+    zv::trace(DISPATCH_TITLE, "I N I Z I O", CatItoA("tocontrol = ", zv::tocontrol));
     if (zv::hSession == 0) return 0;
     actOnCensus(takeCensus(), modulePath, pin);
-    zv::trace(TITLE, "Prima di RequestCertificate");
+    zv::trace(DISPATCH_TITLE, "Prima di RequestCertificate");
     const auto build =
         std::strcmp(zv::orEmpty(cardType), "CNS") == 0 ? RequestCertificateCNS : RequestCertificate;
     const unsigned short status = build(nullptr, pemOut, pin, 0, modulePath, nullptr);
-    zv::trace(TITLE, CatItoAHex1("Ret Code = ", status), pemOut);
+    zv::trace(DISPATCH_TITLE, CatItoAHex1("Ret Code = ", status), pemOut);
     finalizza();
-    zv::trace(TITLE, "F I N E");
+    zv::trace(DISPATCH_TITLE, "F I N E");
     return status;
 }

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... SignIt FUN                     .... ";
-constexpr unsigned short FAILED = 1;
+constexpr char SIGN_TITLE[] = " .... SignIt FUN                     .... ";
+constexpr unsigned short SIGN_FAILED = 1;
 constexpr unsigned char OID_SHA1[] = {0x06, 0x05, 0x2B, 0x0E, 0x03, 0x02, 0x1A};
 
 using Digest = std::array<unsigned char, 20>;
@@ -23,41 +23,41 @@ void traceDigest(const Digest& digest) {
     char text[2 * sizeof(Digest) + 1];
     for (std::size_t i = 0; i < digest.size(); ++i)
         std::snprintf(text + 2 * i, 3, "%02X", unsigned{digest[i]});
-    zv::trace(TITLE, "C_Sign", text);
+    zv::trace(SIGN_TITLE, "C_Sign", text);
 }
 
 } // namespace
 
 unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsigned char* signature,
                       unsigned long* signatureLength, unsigned long privateKey) {
-    zv::traceSession(TITLE, "I N I Z I O", zv::hSession);
-    zv::trace(TITLE, "fndgstSha1");
+    zv::traceSession(SIGN_TITLE, "I N I Z I O", zv::hSession);
+    zv::trace(SIGN_TITLE, "fndgstSha1");
     Digest digest{};
     Sha1Digest(static_cast<int>(dataLength), data, digest.data());
     const zv::Der info = digestInfo(digest);
-    if (info == nullptr) return FAILED;
+    if (info == nullptr) return SIGN_FAILED;
 
-    zv::traceSession(TITLE, "C_SignInit", zv::hSession);
+    zv::traceSession(SIGN_TITLE, "C_SignInit", zv::hSession);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS, nullptr, 0};
     zv::rv = zv::call<&zv::Functions::C_SignInit>(zv::hSession, &mechanism, privateKey);
     if (zv::rv != CKR_OK) {
-        zv::reportFailure(TITLE, "C_SignInit", zv::rv,
+        zv::reportFailure(SIGN_TITLE, "C_SignInit", zv::rv,
                           "Inizializzazione firma della sequenza di hash fallita (%s)");
-        return FAILED;
+        return SIGN_FAILED;
     }
     traceDigest(digest);
-    zv::trace(TITLE, "C_Sign");
+    zv::trace(SIGN_TITLE, "C_Sign");
     const unsigned long room = *signatureLength;
     zv::rv =
         zv::call<&zv::Functions::C_Sign>(zv::hSession, info->data, info->length, signature, signatureLength);
     if (zv::rv == CKR_OK && *signatureLength > room) zv::rv = CKR_BUFFER_TOO_SMALL;
     if (zv::rv == CKR_OK) {
-        zv::trace(TITLE, "F I N E");
+        zv::trace(SIGN_TITLE, "F I N E");
         return 0;
     }
-    zv::reportCode(TITLE, "C_Sign", zv::rv);
+    zv::reportCode(SIGN_TITLE, "C_Sign", zv::rv);
     // The caller logs in again and says what came of it.
     if (zv::rv == CKR_USER_NOT_LOGGED_IN) return static_cast<unsigned short>(zv::rv);
     zv::reportSentence("Firma della sequenza di hash fallita (%s)", zv::rv);
-    return FAILED;
+    return SIGN_FAILED;
 }

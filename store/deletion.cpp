@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr char TITLE[] = "DeleteObjectByLabel";
+constexpr char DELETION_TITLE[] = "DeleteObjectByLabel";
 
 void traceDeletion(const char* title, CK_SESSION_HANDLE session) {
     zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
 }
 
 int failDeletion(const char* text) {
-    WriteErr(TITLE, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
+    WriteErr(DELETION_TITLE, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
     return 1;
 }
 
@@ -54,7 +54,7 @@ ObjectEntry entryFor(const ClassName& found, const char* before, const char* aft
 }
 
 void logEntry(const ObjectEntry& entry) {
-    WriteLog(TITLE, entry.text, entry.length, "", 0);
+    WriteLog(DELETION_TITLE, entry.text, entry.length, "", 0);
 }
 
 // A failed destroy never stops the scan.
@@ -65,7 +65,7 @@ void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS
     if (zv::destroyObject(session, object) == CKR_OK)
         return logEntry(entryFor(found, "Cancellazione Oggetto ", " effettuata"));
     const ObjectEntry failed = entryFor(found, "Errore nella cancellazione Oggetto ");
-    WriteErr(TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
+    WriteErr(DELETION_TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
 }
 
 } // namespace
@@ -95,19 +95,19 @@ int DeleteObjectByLabel(unsigned long session, char* text) {
     for (;;) {
         CK_ULONG count = 0;
         if (zv::nextObject(session, object, count) != CKR_OK) {
-            zv::reportCode(TITLE, "C_FindObjects", zv::rv);
+            zv::reportCode(DELETION_TITLE, "C_FindObjects", zv::rv);
             return 1;
         }
-        zv::traceFound(TITLE, object, count);
+        zv::traceFound(DELETION_TITLE, object, count);
         if (count != 1) break;
 
         char id[257] = {};
         CK_OBJECT_CLASS objectClass = 0;
         CK_ATTRIBUTE tmpl[] = {{CKA_ID, id, sizeof id - 1}, {CKA_CLASS, &objectClass, sizeof objectClass}};
-        zv::traceSession(TITLE, "C_GetAttributeValue", session);
+        zv::traceSession(DELETION_TITLE, "C_GetAttributeValue", session);
         zv::rv = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, CK_ULONG{2});
         if (zv::rv != CKR_OK) {
-            zv::reportCode(TITLE, "C_GetAttributeValue", zv::rv);
+            zv::reportCode(DELETION_TITLE, "C_GetAttributeValue", zv::rv);
             if (objectClass != CKO_DATA) return 1;
         } else if (std::strstr(id, wanted) != nullptr) {
             destroy(session, object, objectClass, wanted);

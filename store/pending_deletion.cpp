@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int FAILED = 1;
+constexpr int DELETION_FAILED = 1;
 
 // Destroys the next object of the open search that carries the pending prefix. destroyed is false when none
 // is left.
@@ -34,25 +34,25 @@ CK_RV destroyNextPending(char* title, bool& destroyed) {
 int DeleteAllPending(void*) {
     static char title[] = " .... DeleteAllPending (Objects) FUN .... ";
     for (;;) {
-        if (FindObjectsInit(nullptr, title, zv::hSession, nullptr, 0) != CKR_OK) return FAILED;
+        if (FindObjectsInit(nullptr, title, zv::hSession, nullptr, 0) != CKR_OK) return DELETION_FAILED;
         zv::SearchGuard search(zv::hSession);
         bool destroyed = false;
-        if (destroyNextPending(title, destroyed) != CKR_OK) return FAILED;
+        if (destroyNextPending(title, destroyed) != CKR_OK) return DELETION_FAILED;
         search.dismiss();
         // The last search stays open.
         if (!destroyed) return 0;
         // A destroyed object may disturb the search that found it: a new one goes on.
-        if (FindObjectsFinal(nullptr, title, zv::hSession) != CKR_OK) return FAILED;
+        if (FindObjectsFinal(nullptr, title, zv::hSession) != CKR_OK) return DELETION_FAILED;
     }
 }
 
 int DeleteAllPending32(char* library, char* pin, unsigned int slotIndex, void*) {
     static constexpr char title[] = "DeleteAllPending32";
     zv::trace(title, "I N I Z I O");
-    if (DeleteAnObject(zv::hSession, CKO_PUBLIC_KEY, zv::pendingLabel) != 0) return FAILED;
-    if (DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, zv::pendingLabel) != 0) return FAILED;
+    if (DeleteAnObject(zv::hSession, CKO_PUBLIC_KEY, zv::pendingLabel) != 0) return DELETION_FAILED;
+    if (DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, zv::pendingLabel) != 0) return DELETION_FAILED;
     finalizza();
-    if (inizializza(library, pin, slotIndex, nullptr, CKU_USER) != 0) return FAILED;
+    if (inizializza(library, pin, slotIndex, nullptr, CKU_USER) != 0) return DELETION_FAILED;
     zv::trace(title, "F I N E");
     return 0;
 }

@@ -8,20 +8,20 @@
 
 namespace {
 
-constexpr char TITLE[] = " .... CheckPendingKeys FUN           .... ";
-constexpr int FAILED = 1;
+constexpr char PENDING_TITLE[] = " .... CheckPendingKeys FUN           .... ";
+constexpr int PENDING_FAILED = 1;
 constexpr int NO_PENDING_KEY = 100;
 
 int failRead(const char* format) {
-    zv::reportFailure(TITLE, "C_GetAttributeValue", zv::rv, format);
-    return FAILED;
+    zv::reportFailure(PENDING_TITLE, "C_GetAttributeValue", zv::rv, format);
+    return PENDING_FAILED;
 }
 
 // Takes the object's handle when its identifier contains the pending one.
 int takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, const char* readError) {
     char id[256];
     if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return failRead(readError);
-    WriteLog(TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
+    WriteLog(PENDING_TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
     return 0;
 }
@@ -43,22 +43,22 @@ int examineAll() {
     zv::SearchGuard search(zv::hSession);
     CK_OBJECT_HANDLE object = 0;
     for (int round = 1;; ++round) {
-        zv::trace(TITLE, "C_FindObjects", CatItoA("Volta = ", round));
+        zv::trace(PENDING_TITLE, "C_FindObjects", CatItoA("Volta = ", round));
         CK_ULONG count = 0;
         if (zv::nextObject(zv::hSession, object, count) != CKR_OK) {
-            zv::reportFailure(TITLE, "C_FindObjects", zv::rv, zv::SEARCH_ERROR);
+            zv::reportFailure(PENDING_TITLE, "C_FindObjects", zv::rv, zv::SEARCH_ERROR);
             search.dismiss();
-            return FAILED;
+            return PENDING_FAILED;
         }
-        zv::traceFound(TITLE, object, count);
+        zv::traceFound(PENDING_TITLE, object, count);
         if (count != 1) break;
-        if (examine(object) != 0) return FAILED;
+        if (examine(object) != 0) return PENDING_FAILED;
     }
     search.dismiss();
-    zv::trace(TITLE, "C_FindObjectsFinal");
+    zv::trace(PENDING_TITLE, "C_FindObjectsFinal");
     if (zv::endSearch(zv::hSession) == CKR_OK) return 0;
-    zv::reportFailure(TITLE, "C_FindObjectsFinal", zv::rv, zv::SEARCH_ERROR);
-    return FAILED;
+    zv::reportFailure(PENDING_TITLE, "C_FindObjectsFinal", zv::rv, zv::SEARCH_ERROR);
+    return PENDING_FAILED;
 }
 
 } // namespace
@@ -66,17 +66,17 @@ int examineAll() {
 int CheckPendingKeys(void*, bool reportMissing) {
     zv::hPrivateKey = 0;
     zv::hPublicKey = 0;
-    zv::trace(TITLE, "I N I Z I O");
-    zv::traceSession(TITLE, "C_FindObjectsInit", zv::hSession);
+    zv::trace(PENDING_TITLE, "I N I Z I O");
+    zv::traceSession(PENDING_TITLE, "C_FindObjectsInit", zv::hSession);
     if (zv::startSearch(zv::hSession) != CKR_OK) {
-        zv::reportFailure(TITLE, "C_FindObjectsInit", zv::rv, zv::SEARCH_ERROR);
-        return FAILED;
+        zv::reportFailure(PENDING_TITLE, "C_FindObjectsInit", zv::rv, zv::SEARCH_ERROR);
+        return PENDING_FAILED;
     }
-    if (examineAll() != 0) return FAILED;
+    if (examineAll() != 0) return PENDING_FAILED;
     // The private key alone decides.
     const bool found = zv::hPrivateKey != 0;
-    zv::trace(TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
-    zv::trace(TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
+    zv::trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
+    zv::trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
     if (found) return 0;
     if (reportMissing)
         zv::reportSentence("Non esiste alcuna chiave privata da certificare sulla smartcard (%s)", zv::rv);

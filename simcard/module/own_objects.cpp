@@ -9,10 +9,6 @@
 namespace simcard::own {
 namespace {
 
-const std::filesystem::path& folder_of(const Session& session) {
-    return state().slots[session.slot].card().folder;
-}
-
 /// An object's fingerprint, read from the card the first time.
 const std::string& fingerprint_of(const Session& session, Object& object) {
     if (object.fingerprint.empty())

@@ -19,10 +19,6 @@ bool officer_is_logged_in(const Session& session) {
            info.state == CKS_RW_SO_FUNCTIONS;
 }
 
-const std::filesystem::path& folder_of(const Session& session) {
-    return state().slots[session.slot].card().folder;
-}
-
 void restore_tries(const std::filesystem::path& folder) {
     update_card(folder, [](Card& card) { card.pin_tries_left = card.pin_tries_max; });
 }

@@ -9,6 +9,10 @@ State& state() {
     return only;
 }
 
+const std::filesystem::path& folder_of(const Session& session) {
+    return state().slots[session.slot].card().folder;
+}
+
 CK_OBJECT_HANDLE State::handle_of(CK_OBJECT_HANDLE hidden) {
     const auto [place, is_new] = handle_of_hidden.try_emplace(hidden, next_object);
     if (is_new) objects.emplace(next_object++, Object{hidden, {}});

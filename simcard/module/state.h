@@ -62,4 +62,7 @@ struct State {
 /// The module's state.
 [[nodiscard]] State& state();
 
+/// The folder of the card that a session is with.
+[[nodiscard]] const std::filesystem::path& folder_of(const Session& session);
+
 } // namespace simcard
