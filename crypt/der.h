@@ -10,8 +10,11 @@
 namespace zvcrypt::der {
 
 enum Tag : unsigned char {
+    boolean = 0x01,
     integer = 0x02,
+    bitString = 0x03,
     octetString = 0x04,
+    oid = 0x06,
     sequence = 0x30,
     set = 0x31,
     context0 = 0xA0,

@@ -11,15 +11,30 @@ bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
+// Where the last whole character within that many bytes of a longer text ends.
+std::size_t wholeCharacters(std::string_view text, std::size_t room) {
+    constexpr std::size_t shortEscape = 4, longEscape = 6; // "\xNN", "\UNNNN"
+    const std::size_t mark = text.substr(0, room).rfind('\\');
+    if (mark != std::string_view::npos) {
+        const char kind = text[mark + 1];
+        const std::size_t length = kind == 'x' ? shortEscape : kind == 'U' ? longEscape : 0;
+        if (mark + length > room) return mark;
+    }
+    while (room > 0 && isContinuation(text[room]))
+        --room;
+    return room;
+}
+
+[[noreturn]] void failCut(std::span<char> buffer) {
+    throw Failure(ZVC_ERR_CUT, "Il testo supera i " + std::to_string(buffer.size() - 1) +
+                                   " byte previsti ed è stato troncato");
+}
+
 } // namespace
 
 bool copyText(std::string_view text, std::span<char> buffer) noexcept {
-    std::size_t length = text.size();
-    if (length >= buffer.size()) {
-        length = buffer.size() - 1;
-        while (length > 0 && isContinuation(text[length]))
-            --length;
-    }
+    const std::size_t room = buffer.size() - 1;
+    const std::size_t length = text.size() > room ? wholeCharacters(text, room) : text.size();
     std::copy_n(text.begin(), length, buffer.begin());
     buffer[length] = '\0';
     return length == text.size();
@@ -33,9 +48,19 @@ std::span<char> outputBuffer(char* buffer, int size) {
 }
 
 void writeText(std::string_view text, std::span<char> buffer) {
-    if (!copyText(text, buffer))
-        throw Failure(ZVC_ERR_CUT, "Il testo supera i " + std::to_string(buffer.size() - 1) +
-                                       " caratteri previsti ed è stato troncato");
+    if (!copyText(text, buffer)) failCut(buffer);
+}
+
+void writePieces(const std::vector<std::string>& pieces, std::span<char> buffer) {
+    std::string text;
+    for (const auto& piece : pieces) {
+        if (text.size() + piece.size() >= buffer.size()) {
+            writeText(text, buffer);
+            failCut(buffer);
+        }
+        text += piece;
+    }
+    writeText(text, buffer);
 }
 
 std::string upperHex(std::span<const unsigned char> bytes) {

@@ -4,11 +4,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zvcrypt {
 
 // Copies a UTF-8 text with its terminator into a buffer. A text that does not fit ends after the last whole
-// character that does, and the result is false.
+// character that does, "\xNN" and "\UNNNN" being one each, and the result is false.
 [[nodiscard]] bool copyText(std::string_view text, std::span<char> buffer) noexcept;
 
 // A buffer of an exported operation that gives its size as an int; a size below 1 is ZVC_ERR_ARGUMENT.
@@ -17,6 +18,9 @@ namespace zvcrypt {
 
 // As copyText, but what does not fit is ZVC_ERR_CUT.
 void writeText(std::string_view text, std::span<char> buffer);
+
+// The same for a text that ends after a whole piece.
+void writePieces(const std::vector<std::string>& pieces, std::span<char> buffer);
 
 [[nodiscard]] std::string upperHex(std::span<const unsigned char> bytes);
 

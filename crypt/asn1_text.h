@@ -1,0 +1,15 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace zvcrypt {
+
+// A string of a certificate, given by its universal tag and its bytes, as UTF-8 that is safe to show:
+//  - T61String and the other types of one byte a character are Latin-1, as authorities use them; a BMPString is
+//    UTF-16; of types that hold no text, ASCII is kept;
+//  - a control character and a backslash come as \xNN, a C1 control and what would reorder or break a line as
+//    \UNNNN, bytes that are no character of the type each as \xNN.
+[[nodiscard]] std::string displayText(int tag, std::span<const unsigned char> value);
+
+} // namespace zvcrypt
