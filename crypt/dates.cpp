@@ -1,5 +1,6 @@
-#include "certificate.h"
+#include "certificate_parts.h"
 #include "failure.h"
+#include "name.h"
 #include "text.h"
 
 #include <cstdio>
@@ -8,9 +9,11 @@
 namespace zvcrypt {
 namespace {
 
-std::string dateText(const ASN1_TIME* time) {
+std::string dateText(der::Span encoded) {
+    const unsigned char* end = encoded.data();
+    const TimePtr time(d2i_ASN1_TIME(nullptr, &end, static_cast<long>(encoded.size())));
     std::tm parts{};
-    if (time == nullptr || ASN1_TIME_to_tm(time, &parts) != 1)
+    if (!time || ASN1_TIME_to_tm(time.get(), &parts) != 1)
         throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Le date del certificato non sono leggibili");
     char text[80];
     (void)std::snprintf(text, sizeof text, "%02d/%02d/%04d %02d:%02d:%02d", parts.tm_mday, parts.tm_mon + 1,
@@ -23,8 +26,8 @@ struct Validity {
     std::string to;
 };
 
-Validity validity(const X509& certificate) {
-    return {dateText(X509_get0_notBefore(&certificate)), dateText(X509_get0_notAfter(&certificate))};
+Validity validity(const CertificateParts& certificate) {
+    return {dateText(certificate.notBefore), dateText(certificate.notAfter)};
 }
 
 } // namespace
@@ -35,7 +38,7 @@ int kvGetCertDate(unsigned char* der, unsigned long length, char* date1, char* d
         zvcrypt::requireArguments({date1, date2});
         *date1 = *date2 = '\0';
         zvcrypt::requireArguments({der});
-        const auto [from, to] = zvcrypt::validity(*zvcrypt::requireCertificate(der, length));
+        const auto [from, to] = zvcrypt::validity(zvcrypt::takeApart({der, length}));
         zvcrypt::writeText(from, {date1, ZVC_DATE_SIZE});
         zvcrypt::writeText(to, {date2, ZVC_DATE_SIZE});
     });
@@ -48,12 +51,11 @@ int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int
         *description = '\0';
         const auto dates = zvcrypt::outputBuffer(dateText, dateSize);
         zvcrypt::requireArguments({der});
-        const auto certificate = zvcrypt::requireCertificate(der, length);
-        const auto [from, to] = zvcrypt::validity(*certificate);
+        const auto certificate = zvcrypt::takeApart({der, length});
+        const auto [from, to] = zvcrypt::validity(certificate);
         // Both are written before either may fail for want of room.
         const bool whole = zvcrypt::copyText(from + " - " + to, dates);
-        zvcrypt::writeText(zvcrypt::slashName(*X509_get_subject_name(certificate.get())),
-                           {description, ZVC_DESCRIPTION_SIZE});
+        zvcrypt::writeText(zvcrypt::slashName(certificate.subject), {description, ZVC_DESCRIPTION_SIZE});
         if (!whole) throw zvcrypt::Failure(ZVC_ERR_CUT, "Le date del certificato sono state troncate");
     });
 }

@@ -1,91 +1,119 @@
-#include "certificate.h"
+#include "certificate_parts.h"
 #include "failure.h"
+#include "name.h"
 #include "policies.h"
 #include "tax_code.h"
 #include "text.h"
 
-#include <openssl/bn.h>
-
+#include <algorithm>
 #include <functional>
 
 namespace zvcrypt {
 namespace {
 
 // The one way of every field: the certificate in, a bounded text out.
-int field(const unsigned char* der, unsigned long length, char* out, int size,
-          const std::function<std::string(X509&)>& read) {
+int onCertificate(const unsigned char* der, unsigned long length, char* out, int size,
+                  const std::function<void(const CertificateParts&, std::span<char>)>& write) {
     return runOperation([&] {
         const auto buffer = outputBuffer(out, size);
         requireArguments({der});
-        writeText(read(*requireCertificate(der, length)), buffer);
+        write(takeApart({der, length}), buffer);
     });
 }
 
-std::string serialNumber(X509& certificate) {
-    const OpensslPtr<BIGNUM, BN_free> number(
-        ASN1_INTEGER_to_BN(X509_get0_serialNumber(&certificate), nullptr));
-    if (!number) throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il numero di serie del certificato non è leggibile");
-    Bytes bytes(std::max<std::size_t>(1, static_cast<std::size_t>(BN_num_bytes(number.get()))));
-    (void)BN_bn2bin(number.get(), bytes.data());
-    return (BN_is_negative(number.get()) != 0 ? "-" : "") + upperHex(bytes);
+int field(const unsigned char* der, unsigned long length, char* out, int size,
+          const std::function<std::string(const CertificateParts&)>& read) {
+    return onCertificate(der, length, out, size,
+                         [&](const CertificateParts& certificate, std::span<char> buffer) {
+                             writeText(read(certificate), buffer);
+                         });
 }
 
-std::string subjectKeyIdentifier(X509& certificate) {
-    const ASN1_OCTET_STRING* identifier = X509_get0_subject_key_id(&certificate);
-    if (identifier == nullptr) return {};
-    return upperHex(
-        {ASN1_STRING_get0_data(identifier), static_cast<std::size_t>(ASN1_STRING_length(identifier))});
+int pieces(const unsigned char* der, unsigned long length, char* out, int size,
+           std::vector<std::string> (*read)(const CertificateParts&)) {
+    return onCertificate(der, length, out, size,
+                         [&](const CertificateParts& certificate, std::span<char> buffer) {
+                             writePieces(read(certificate), buffer);
+                         });
+}
+
+// Half a byte would be another number.
+std::vector<std::string> hexBytes(der::Span bytes) {
+    std::vector<std::string> digits;
+    for (const unsigned char byte : bytes)
+        digits.push_back(upperHex({&byte, 1}));
+    return digits;
+}
+
+// The number that two's complement stands for, by its shortest bytes: no more zeros in front than one digit's.
+std::vector<std::string> serialNumber(const CertificateParts& certificate) {
+    Bytes number(certificate.serial.begin(), certificate.serial.end());
+    const bool negative = number.front() >= 0x80;
+    if (negative) {
+        for (auto& byte : number)
+            byte = static_cast<unsigned char>(~byte);
+        auto last = number.rbegin();
+        while (last != number.rend() && ++*last == 0)
+            ++last;
+    }
+    number.erase(number.begin(),
+                 std::find_if(number.begin(), number.end() - 1, [](auto byte) { return byte != 0; }));
+    auto digits = hexBytes(number);
+    if (negative) digits.front().insert(0, "-");
+    return digits;
+}
+
+std::vector<std::string> subjectKeyIdentifier(const CertificateParts& certificate) {
+    const auto value = extensionValue(certificate, NID_subject_key_identifier);
+    if (!value) return {};
+    der::Reader reader(*value, "L'identificativo della chiave del titolare non è leggibile");
+    const auto identifier = reader.next(der::octetString);
+    if (!reader.atEnd()) reader.complain();
+    return hexBytes(identifier.content);
+}
+
+// A part of an identifier is another identifier.
+std::vector<std::string> policyPieces(const CertificateParts& certificate) {
+    auto identifiers = policyIdentifiers(certificate);
+    for (std::size_t i = 1; i < identifiers.size(); ++i)
+        identifiers[i].insert(0, ",");
+    return identifiers;
 }
 
 } // namespace
 } // namespace zvcrypt
 
+using Parts = zvcrypt::CertificateParts;
+
 int kvGetSubjectDN(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size,
-                          [](X509& it) { return zvcrypt::slashName(*X509_get_subject_name(&it)); });
+                          [](const Parts& certificate) { return zvcrypt::slashName(certificate.subject); });
 }
 
 int kvGetIssuerDN(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size,
-                          [](X509& it) { return zvcrypt::slashName(*X509_get_issuer_name(&it)); });
+                          [](const Parts& certificate) { return zvcrypt::slashName(certificate.issuer); });
 }
 
 int kvX509GetSerial(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::field(der, length, out, size, zvcrypt::serialNumber);
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::serialNumber);
 }
 
 int kvGetIUT(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::field(der, length, out, size, [](X509& it) {
-        return zvcrypt::nameAttribute(*X509_get_subject_name(&it), NID_dnQualifier).value_or("");
+    return zvcrypt::field(der, length, out, size, [](const Parts& certificate) {
+        return zvcrypt::nameAttribute(certificate.subject, NID_dnQualifier);
     });
 }
 
 int kvGetCodFisc(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::field(der, length, out, size, [](X509& it) {
-        const auto& subject = *X509_get_subject_name(&it);
-        return zvcrypt::taxCode(zvcrypt::nameAttribute(subject, NID_serialNumber).value_or(""),
-                                zvcrypt::nameAttribute(subject, NID_commonName).value_or(""));
+    return zvcrypt::field(der, length, out, size, [](const Parts& certificate) {
+        return zvcrypt::taxCode(zvcrypt::nameAttribute(certificate.subject, NID_serialNumber),
+                                zvcrypt::nameAttribute(certificate.subject, NID_commonName));
     });
 }
 
 int kvGetCertificatePolicies(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::runOperation([&] {
-        const auto buffer = zvcrypt::outputBuffer(out, size);
-        zvcrypt::requireArguments({der});
-        const auto policies = zvcrypt::policyIdentifiers(*zvcrypt::requireCertificate(der, length));
-        std::string text;
-        for (const auto& policy : policies) {
-            const std::string next = (text.empty() ? "" : ",") + policy;
-            // A part of an identifier is another identifier.
-            if (text.size() + next.size() >= buffer.size()) {
-                (void)zvcrypt::copyText(text, buffer);
-                throw zvcrypt::Failure(ZVC_ERR_CUT,
-                                       "Non tutte le policy del certificato sono state riportate");
-            }
-            text += next;
-        }
-        zvcrypt::writeText(text, buffer);
-    });
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::policyPieces);
 }
 
 int kvGetExplicitText(unsigned char* der, unsigned long length, char* out, int size) {
@@ -93,5 +121,5 @@ int kvGetExplicitText(unsigned char* der, unsigned long length, char* out, int s
 }
 
 int zv_X509V3_get_subject_key_identifier(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::field(der, length, out, size, zvcrypt::subjectKeyIdentifier);
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::subjectKeyIdentifier);
 }

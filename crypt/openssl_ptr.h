@@ -22,7 +22,6 @@ using X509Ptr = OpensslPtr<X509, X509_free>;
 using CmsPtr = OpensslPtr<CMS_ContentInfo, CMS_ContentInfo_free>;
 using MdContextPtr = OpensslPtr<EVP_MD_CTX, EVP_MD_CTX_free>;
 using TimePtr = OpensslPtr<ASN1_TIME, ASN1_TIME_free>;
-using PoliciesPtr = OpensslPtr<CERTIFICATEPOLICIES, CERTIFICATEPOLICIES_free>;
 
 inline void freeCertificates(STACK_OF(X509) * certificates) {
     sk_X509_pop_free(certificates, X509_free);

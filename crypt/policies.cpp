@@ -1,52 +1,57 @@
 #include "policies.h"
 
-#include "certificate.h"
-#include "failure.h"
+#include "asn1_text.h"
+#include "object_id.h"
 
+// Read element by element: OpenSSL gives no policy at all when it dislikes the type of one notice's text.
 namespace zvcrypt {
 namespace {
 
-PoliciesPtr policiesOf(X509& certificate) {
-    constexpr int absent = -1;
-    int state = 0;
-    PoliciesPtr policies(static_cast<CERTIFICATEPOLICIES*>(
-        X509_get_ext_d2i(&certificate, NID_certificate_policies, &state, nullptr)));
-    if (!policies && state != absent)
-        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Le policy del certificato non sono leggibili");
+// One policy: its identifier, and what may follow it.
+std::vector<der::Reader> policiesOf(const CertificateParts& certificate) {
+    const auto value = extensionValue(certificate, NID_certificate_policies);
+    if (!value) return {};
+    der::Reader extension(*value, "Le policy del certificato non sono leggibili");
+    der::Reader list = extension.enter(der::sequence);
+    if (!extension.atEnd()) extension.complain();
+    std::vector<der::Reader> policies;
+    while (!list.atEnd())
+        policies.push_back(list.enter(der::sequence));
     return policies;
 }
 
-std::string numberOf(const ASN1_OBJECT* object) {
-    std::string number(static_cast<std::size_t>(std::max(0, OBJ_obj2txt(nullptr, 0, object, 1))) + 1, '\0');
-    (void)OBJ_obj2txt(number.data(), static_cast<int>(number.size()), object, 1);
-    number.pop_back();
-    return number;
+// Nothing for a notice that only refers to a text elsewhere.
+std::optional<std::string> textOfNotice(der::Reader notice) {
+    while (!notice.atEnd()) {
+        const auto element = notice.next();
+        if (element.tag != der::sequence) return displayText(element.tag, element.content);
+    }
+    return std::nullopt;
 }
 
-const ASN1_STRING* explicitTextOf(const POLICYINFO& policy) {
-    for (int i = 0; i < sk_POLICYQUALINFO_num(policy.qualifiers); ++i) {
-        const POLICYQUALINFO* qualifier = sk_POLICYQUALINFO_value(policy.qualifiers, i);
-        if (OBJ_obj2nid(qualifier->pqualid) == NID_id_qt_unotice && qualifier->d.usernotice != nullptr)
-            return qualifier->d.usernotice->exptext;
+std::optional<std::string> firstNotice(der::Reader policy) {
+    (void)policy.next(der::oid);
+    if (policy.atEnd()) return std::nullopt;
+    for (der::Reader qualifiers = policy.enter(der::sequence); !qualifiers.atEnd();) {
+        der::Reader qualifier = qualifiers.enter(der::sequence);
+        if (!der::isSame(qualifier.next(der::oid).whole, der::objectIdentifier(NID_id_qt_unotice))) continue;
+        if (auto text = textOfNotice(qualifier.enter(der::sequence))) return text;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 } // namespace
 
-std::vector<std::string> policyIdentifiers(X509& certificate) {
-    const PoliciesPtr policies = policiesOf(certificate);
+std::vector<std::string> policyIdentifiers(const CertificateParts& certificate) {
     std::vector<std::string> identifiers;
-    for (int i = 0; i < sk_POLICYINFO_num(policies.get()); ++i)
-        identifiers.push_back(numberOf(sk_POLICYINFO_value(policies.get(), i)->policyid));
+    for (auto& policy : policiesOf(certificate))
+        identifiers.push_back(dottedNumber(policy.next(der::oid).whole));
     return identifiers;
 }
 
-std::string explicitText(X509& certificate) {
-    const PoliciesPtr policies = policiesOf(certificate);
-    for (int i = 0; i < sk_POLICYINFO_num(policies.get()); ++i)
-        if (const auto* text = explicitTextOf(*sk_POLICYINFO_value(policies.get(), i)))
-            return utf8Text(*text);
+std::string explicitText(const CertificateParts& certificate) {
+    for (const auto& policy : policiesOf(certificate))
+        if (auto text = firstNotice(policy)) return *text;
     return {};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "certificate_parts.h"
 
 #include <string>
 #include <vector>
@@ -9,9 +9,9 @@ namespace zvcrypt {
 
 // Both give nothing for a certificate without policies; policies that cannot be read are
 // ZVC_ERR_BAD_CERTIFICATE.
-[[nodiscard]] std::vector<std::string> policyIdentifiers(X509& certificate);
+[[nodiscard]] std::vector<std::string> policyIdentifiers(const CertificateParts& certificate);
 
-// The explicit text of the first user notice.
-[[nodiscard]] std::string explicitText(X509& certificate);
+// The first explicit text of a user notice.
+[[nodiscard]] std::string explicitText(const CertificateParts& certificate);
 
 } // namespace zvcrypt

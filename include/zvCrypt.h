@@ -238,27 +238,40 @@ ZVCRYPT_API int kvLastError(char* buffer, int size);
 
 /* ---- Fields of a certificate ----
  *
- * Each takes the certificate in DER (bytes after its end are ignored, as cards pad) and gives one text:
+ * Each takes the certificate in DER (bytes after its end are ignored, as cards pad) and gives one text. What
+ * is asked for is read as it was issued: a wrong character in a name or a needless byte in front of the serial
+ * number is no failure, and neither signature nor validity are looked at.
+ *
+ * Texts of the certificate come as UTF-8: a BMPString is read as UTF-16, T61String and the other types of one
+ * byte a character as Latin-1. A control character and a backslash come as \xNN, a mark of direction, a line
+ * separator or a C1 control as \UNNNN, bytes that are no character of their type as \xNN each (upper-case
+ * hexadecimal).
  *
  * @param[in]  der     the certificate
  * @param[in]  length  its length in bytes
  * @param[out] out     the text; empty when the certificate has no such field, which is success
  * @param[in]  size    size of out in bytes
- * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (out holds the beginning)
+ * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (out holds the beginning; an escape, the two digits of a
+ *         byte and a policy are not cut either)
  * After another failure: out is empty.
- * Standard: RFC 5280.
+ * Standard: RFC 5280, X.690 (DER).
  */
 
 /**
- * Gives the subject's name in slash form ("/C=IT/O=.../CN=..."), with OpenSSL's short names, in the
- * certificate's order. Control characters come as \xNN. Otherwise as told under "Fields of a certificate".
+ * Gives the subject's name in slash form ("/C=IT/O=.../CN=..."), with OpenSSL's short names, or the number of
+ * an attribute without one, in the certificate's order; those of one RDN follow each other in the same way. A
+ * "/", "=" or "+" inside a value stays as it is: the form is for people, names are compared by what ConvToDer
+ * gives. Otherwise as told under "Fields of a certificate".
  */
 ZVCRYPT_API int kvGetSubjectDN(unsigned char* der, unsigned long length, char* out, int size);
 
 /** Gives the issuer's name in the same form. */
 ZVCRYPT_API int kvGetIssuerDN(unsigned char* der, unsigned long length, char* out, int size);
 
-/** Gives the serial number in upper-case hexadecimal, two digits a byte. */
+/**
+ * Gives the serial number in upper-case hexadecimal, two digits a byte, without zero bytes in front ("00" is
+ * zero) and with "-" before a negative one.
+ */
 ZVCRYPT_API int kvX509GetSerial(unsigned char* der, unsigned long length, char* out, int size);
 
 /** Gives the IUT, the holder's number at the authority: the subject's dnQualifier. */
@@ -270,10 +283,10 @@ ZVCRYPT_API int kvGetIUT(unsigned char* der, unsigned long length, char* out, in
  */
 ZVCRYPT_API int kvGetCodFisc(unsigned char* der, unsigned long length, char* out, int size);
 
-/** Gives the certificate policies as object identifiers joined by ","; whole ones only. */
+/** Gives the certificate policies as object identifiers joined by ",". */
 ZVCRYPT_API int kvGetCertificatePolicies(unsigned char* der, unsigned long length, char* out, int size);
 
-/** Gives the explicit text of the first user notice among the certificate policies. */
+/** Gives the first explicit text of a user notice among the certificate policies. */
 ZVCRYPT_API int kvGetExplicitText(unsigned char* der, unsigned long length, char* out, int size);
 
 /** Gives the subject key identifier in upper-case hexadecimal. */
@@ -281,7 +294,8 @@ ZVCRYPT_API int zv_X509V3_get_subject_key_identifier(unsigned char* der, unsigne
                                                      int size);
 
 /**
- * Gives the first and the last day of a certificate as "DD/MM/YYYY HH:MM:SS", UTC.
+ * Gives the first and the last day of a certificate as "DD/MM/YYYY HH:MM:SS", UTC, also of dates that were
+ * written without seconds or in another zone.
  *
  * @param[in]  der, length  the certificate, DER, and its length in bytes
  * @param[out] date1        24 bytes; valid from
@@ -352,8 +366,8 @@ ZVCRYPT_API int SplitCert(char* text, datiCert* out, char* errText, int errSize)
  * @param[in,out] subjectLength   room in bytes; then its length
  * @param[out]    issuer          the issuer name, DER
  * @param[in,out] issuerLength    room in bytes; then its length
- * @param[out]    serial          content bytes of the serial number, with the zero byte that DER puts before
- *                                a first byte of 0x80 and up
+ * @param[out]    serial          content bytes of the serial number as they stand, with the zero byte that DER
+ *                                puts before a first byte of 0x80 and up
  * @param[in,out] serialLength    room in bytes; then its length
  * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_ROOM
  * After a failure: nothing is written, the lengths stay.

@@ -1,89 +1,97 @@
-#include "certificates.h"
+#include "raw_certificate.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-
-using test::make;
+using namespace test;
 
 namespace {
 
-using Field = int (*)(unsigned char*, unsigned long, char*, int);
-
-// Reads a field into a buffer of exactly that size, whose end is watched.
-std::string read(Field field, test::Bytes der, int size = 512, int expected = ZVC_OK) {
-    std::vector<char> buffer(static_cast<std::size_t>(size) + 1, 'x');
-    EXPECT_EQ(field(der.data(), der.size(), buffer.data(), size), expected) << test::lastError();
-    EXPECT_EQ(buffer.back(), 'x') << "written past the end";
-    EXPECT_LT(std::strlen(buffer.data()), static_cast<std::size_t>(size));
-    return buffer.data();
-}
-
-std::string subject(const std::string& value, int form = MBSTRING_UTF8) {
-    return read(kvGetSubjectDN, make({.subject = "O=" + value, .form = form}).der);
+std::string subject(const std::string& rdns) {
+    return read(kvGetSubjectDN, make(Raw{.subject = rdns}), 2048);
 }
 
 std::string codFisc(const std::string& name) {
-    return read(kvGetCodFisc, make({.subject = name}).der, 128);
+    return read(kvGetCodFisc, make(Shape{.subject = name}).der, 128);
 }
 
 } // namespace
 
 TEST(Fields, NamesKeepTheOrderAndOpensslsShortNames) {
-    const auto authority = test::makeAuthority("Autorità di prova");
-    const auto der =
-        make({.subject = "C=IT|O=Non Dichiarato|OU=Uno|CN=Mario Rossi|serialNumber=TINIT-X|GN=Mario|SN=Rossi|"
-                         "dnQualifier=2024123456|emailAddress=m@example.it|title=Notaio|1.2.3.4.5=altro",
-              .issuer = &authority})
-            .der;
-    EXPECT_EQ(read(kvGetSubjectDN, der),
-              "/C=IT/O=Non Dichiarato/OU=Uno/CN=Mario Rossi/serialNumber=TINIT-X/GN=Mario/SN=Rossi"
-              "/dnQualifier=2024123456/emailAddress=m@example.it/title=Notaio/1.2.3.4.5=altro");
-    EXPECT_EQ(read(kvGetIssuerDN, der), "/C=IT/CN=Autorità di prova");
+    const Shape holder{.subject = "C=IT|OU=Uno|CN=Mario Rossi|serialNumber=TINIT-X|GN=Mario|SN=Rossi|"
+                                  "dnQualifier=2024123456|emailAddress=m@example.it|1.2.3.4.5=altro"};
+    const auto der = make(holder).der;
+    EXPECT_EQ(read(kvGetSubjectDN, der), "/C=IT/OU=Uno/CN=Mario Rossi/serialNumber=TINIT-X/GN=Mario/SN=Rossi"
+                                         "/dnQualifier=2024123456/emailAddress=m@example.it/1.2.3.4.5=altro");
+    EXPECT_EQ(read(kvGetIssuerDN, make(Raw{})), "/C=IT/CN=Autorità");
     EXPECT_EQ(read(kvGetIUT, der, 32), "2024123456");
+    const std::string one = rdn("GN", utf8, "Ada").substr(2), other = rdn("SN", utf8, "Rossi").substr(2);
+    EXPECT_EQ(subject(tlv(set, one + other)), "/GN=Ada/SN=Rossi");
+    const std::string number = "1.3.6.1.4.1.18446744073709551616.18446744073709551616.18446744073709551616."
+                               "18446744073709551616.18446744073709551616.18446744073709551616.1844674407";
+    EXPECT_EQ(subject(rdn(number, utf8, "x")), "/" + number + "=x");
 }
 
-TEST(Fields, EveryStringTypeComesOutAsUtf8) {
-    EXPECT_EQ(subject(std::string("\0C\0\xE0\x20\xAC", 6), V_ASN1_BMPSTRING), "/O=Cà€");
-    EXPECT_EQ(subject("Societ\xE0", V_ASN1_T61STRING), "/O=Società");
-    EXPECT_EQ(subject("Rossi S.p.A.", V_ASN1_PRINTABLESTRING), "/O=Rossi S.p.A.");
-    // No text at all is told byte by byte, and a line feed or a NUL never passes for the end.
-    EXPECT_EQ(subject("\xC3(", V_ASN1_BIT_STRING), "/O=\\xC3(");
-    EXPECT_EQ(subject(std::string("a\nb\0c", 5)), "/O=a\\x0Ab\\x00c");
-}
-
-TEST(Fields, TextsEndAtAWholeCharacterWithinTheBuffer) {
-    const auto der = make({.subject = "O=aàà"}).der; // "/O=a" and two characters of two bytes
-    EXPECT_EQ(read(kvGetSubjectDN, der, 9), "/O=aàà");
-    for (const int size : {8, 7})
-        EXPECT_EQ(read(kvGetSubjectDN, der, size, ZVC_ERR_CUT), "/O=aà");
-    EXPECT_EQ(read(kvGetSubjectDN, der, 6, ZVC_ERR_CUT), "/O=a");
-    EXPECT_EQ(read(kvGetSubjectDN, der, 1, ZVC_ERR_CUT), "");
-    EXPECT_NE(test::lastError(), "");
+TEST(Fields, EveryStringTypeComesOutAsUtf8ThatIsSafeToShow) {
+    const struct {
+        int tag;
+        std::string value, told;
+    } rows[] = {
+        {bmp, "\0C\0\xE0\x20\xAC\xD8\x3D\xDE\0"s, "Cà€😀"},
+        {bmp, "\xDE\x00\xD8\x3D\0a\xD8"s, R"(\xDE\x00\xD8\x3Da\xD8)"}, // halves of a pair and of a character
+        {universal, "\0\0\x20\xAC\0\x01\xF6\0\0\x11\0\0\0"s, R"(€😀\x00\x11\x00\x00\x00)"},
+        {t61, "Societ\xE0 \x9B", R"(Società \U009B)"},
+        {visible, "Rossi & C. \x7F", R"(Rossi & C. \x7F)"},
+        {3, "\0\xC3("s, R"(\x00\xC3()"},                     // a bit string is no text
+        {utf8, "Citt\xE0 di Forlì", R"(Citt\xE0 di Forlì)"}, // Latin-1 where UTF-8 should be
+        {utf8, "\xC0\xAF\xE0\x80\x80\xF0\x8F\xBF\xBF", R"(\xC0\xAF\xE0\x80\x80\xF0\x8F\xBF\xBF)"}, // overlong
+        {utf8, "\xED\xA0\x80\xF4\x90\x80\x80\xE2\x82", R"(\xED\xA0\x80\xF4\x90\x80\x80\xE2\x82)"},
+        {utf8, "߿ࠀ\uFFFD\U00010000\U0010FFFF", "߿ࠀ\uFFFD\U00010000\U0010FFFF"},
+        {utf8, "good\0evil\r\x1B\u202E\u2028\u0085"s, R"(good\x00evil\x0D\x1B\U202E\U2028\U0085)"},
+        {utf8, R"(\x00 RSSMRA80A01H501U/61.a+b=)", R"(\x5Cx00 RSSMRA80A01H501U/61.a+b=)"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(subject(rdn("O", row.tag, row.value)), "/O=" + row.told);
 }
 
 TEST(Fields, SerialsAndKeyIdentifiersAreUpperCaseHexadecimal) {
-    for (const auto& [given, told] :
-         {std::pair{"00", "00"}, {"0abc", "0ABC"}, {"8A01", "8A01"}, {"-05", "-05"}})
-        EXPECT_EQ(read(kvX509GetSerial, make({.serial = given}).der, 128), told);
-    const auto der = make({.extensions = "subjectKeyIdentifier = DE:AD:0b:ef"}).der;
-    EXPECT_EQ(read(zv_X509V3_get_subject_key_identifier, der, 256), "DEAD0BEF");
+    const std::pair<std::string, std::string> rows[] = {
+        {"\0"s, "00"},     {"\x0A\xBC", "0ABC"}, {"\0\x8A\x01"s, "8A01"}, {"\0\0\x8A\x01"s, "8A01"},
+        {"\0\0\0"s, "00"}, {"\x80", "-80"},      {"\xFF\xFF\xFB", "-05"}, {"\xFF\0"s, "-0100"}};
+    for (const auto& [bytes, told] : rows)
+        EXPECT_EQ(read(kvX509GetSerial, make(Raw{.serial = bytes}), 128), told);
+    const auto twenty = make(Raw{.serial = '\0' + std::string(20, '\xFE')});
+    EXPECT_EQ(read(kvX509GetSerial, twenty, 41), "FEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFE");
+    EXPECT_EQ(read(kvX509GetSerial, twenty, 6, ZVC_ERR_CUT), "FEFE");
+    read(kvX509GetSerial, make(Raw{.serial = ""}), 128, ZVC_ERR_BAD_CERTIFICATE);
+    const auto keyId = [](const std::string& value, int expected) {
+        const auto der = make(Raw{.extensions = extension("subjectKeyIdentifier", value)});
+        return read(zv_X509V3_get_subject_key_identifier, der, 256, expected);
+    };
+    EXPECT_EQ(keyId(tlv(4, "\xDE\xAD\x0B\xEF"), ZVC_OK), "DEAD0BEF");
+    for (const auto& bad : {tlv(utf8, "DEAD"), tlv(4, "\xDE") + "x", ""s})
+        keyId(bad, ZVC_ERR_BAD_CERTIFICATE);
 }
 
-TEST(Fields, DatesAreUtcOnBothSidesOf2050) {
-    auto der = make({.notBefore = "19991231235959Z", .notAfter = "20500101000000Z"}).der;
-    char from[24], to[24], both[2048], name[2048];
-    ASSERT_EQ(kvGetCertDate(der.data(), der.size(), from, to), ZVC_OK);
-    EXPECT_STREQ(from, "31/12/1999 23:59:59");
-    EXPECT_STREQ(to, "01/01/2050 00:00:00");
-    ASSERT_EQ(GiveMeCertDate(der.data(), der.size(), both, sizeof both, name), ZVC_OK);
-    EXPECT_STREQ(both, "31/12/1999 23:59:59 - 01/01/2050 00:00:00");
-    EXPECT_STREQ(name, "/CN=Titolare");
-    EXPECT_EQ(GiveMeCertDate(der.data(), der.size(), both, 20, name), ZVC_ERR_CUT);
-    EXPECT_STREQ(both, from);
-    EXPECT_STREQ(name, "/CN=Titolare");
-    EXPECT_EQ(kvGetCertDate(der.data(), 5, from, to), ZVC_ERR_BAD_CERTIFICATE);
-    EXPECT_EQ(std::string(from) + to, "");
+TEST(Fields, DatesOfEveryFormAreUtc) {
+    const struct {
+        int tag;
+        std::string value, told; // nothing: not readable
+    } rows[] = {{utc, "491231235959Z", "31/12/2049 23:59:59"},
+                {utc, "500101000000Z", "01/01/1950 00:00:00"},
+                {utc, "2401310102Z", "31/01/2024 01:02:00"},
+                {utc, "2401010030+0100", "31/12/2023 23:30:00"},
+                {utc, "240228233000-0130", "29/02/2024 01:00:00"},
+                {generalized, "18991231235959Z", "31/12/1899 23:59:59"},
+                {generalized, "20240131010203.75Z", "31/01/2024 01:02:03"},
+                {utc, "240230000000Z", ""},
+                {printable, "240131010203Z", ""}};
+    for (const auto& [tag, value, told] : rows) {
+        auto der = make(Raw{.validity = tlv(tag, value) + tlv(generalized, "99991231235959Z")});
+        const int expected = told.empty() ? ZVC_ERR_BAD_CERTIFICATE : ZVC_OK;
+        char from[24], to[24], both[44], name[2048];
+        EXPECT_EQ(kvGetCertDate(der.data(), der.size(), from, to), expected);
+        EXPECT_EQ(std::string(from) + to, told + (told.empty() ? "" : "31/12/9999 23:59:59")) << value;
+        EXPECT_EQ(GiveMeCertDate(der.data(), der.size(), both, sizeof both, name), expected);
+        EXPECT_EQ(both, told.empty() ? "" : told + " - " + to);
+        EXPECT_STREQ(name, told.empty() ? "" : "/CN=Titolare");
+    }
 }
 
 TEST(Fields, CodiceFiscale) {
@@ -100,37 +108,50 @@ TEST(Fields, CodiceFiscale) {
 }
 
 TEST(Fields, PoliciesAndTheFirstExplicitText) {
-    const auto der =
-        make({.extensions = "certificatePolicies = 1.3.76.16.6, @one, @two\n"
-                            "[one]\npolicyIdentifier = 1.2.840.99999.1\nuserNotice.1 = @first\n"
-                            "[two]\npolicyIdentifier = 0.4.0.194112.1.2\nuserNotice.1 = @second\n"
-                            "[first]\nexplicitText = UTF8:Certificato qualificato: età\n"
-                            "[second]\nexplicitText = UTF8:Altro"})
-            .der;
-    EXPECT_EQ(read(kvGetCertificatePolicies, der, 128), "1.3.76.16.6,1.2.840.99999.1,0.4.0.194112.1.2");
-    EXPECT_EQ(read(kvGetCertificatePolicies, der, 28, ZVC_ERR_CUT), "1.3.76.16.6,1.2.840.99999.1");
-    EXPECT_EQ(read(kvGetCertificatePolicies, der, 27, ZVC_ERR_CUT), "1.3.76.16.6");
-    EXPECT_EQ(read(kvGetExplicitText, der, 256), "Certificato qualificato: età");
+    const auto policy = [](const std::string& qualifiers, const char* number = "1.3.76.16.6") {
+        return tlv(sequence, oid(number) + tlv(sequence, qualifiers));
+    };
+    const auto notice = [](const std::string& content) {
+        return tlv(sequence, oid("id-qt-unotice") + tlv(sequence, content));
+    };
+    const auto elsewhere = notice(tlv(sequence, tlv(utf8, "Autorità") + tlv(sequence, tlv(2, "\1"))));
+    const auto cps = tlv(sequence, oid("id-qt-cps") + tlv(ia5, "https://example.it/cps"));
+    const std::pair<std::string, std::string> rows[] = {
+        {policy(cps + elsewhere) + policy(notice(tlv(utf8, "età")), "0.4.0.194112.1.2"), "età"},
+        {policy(elsewhere + notice(tlv(bmp, "\0e\0t\0\xE0"s))), "età"},
+        {policy(notice(tlv(visible, "uno")) + notice(tlv(visible, "due"))), "uno"},
+        {policy(notice(tlv(t61, "et\xE0"))), "età"}, // not one of the types that the standard allows
+        {tlv(sequence, oid("1.3.76.16.6")), ""}};
+    const auto certificate = [](const std::string& policies) {
+        return make(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies))});
+    };
+    for (const auto& [policies, text] : rows) {
+        EXPECT_EQ(read(kvGetExplicitText, certificate(policies)), text);
+        EXPECT_EQ(read(kvGetCertificatePolicies, certificate(policies)).substr(0, 11), "1.3.76.16.6");
+    }
+    const auto two = certificate(rows[0].first);
+    EXPECT_EQ(read(kvGetCertificatePolicies, two, 29), "1.3.76.16.6,0.4.0.194112.1.2");
+    EXPECT_EQ(read(kvGetCertificatePolicies, two, 28, ZVC_ERR_CUT), "1.3.76.16.6");
+    const auto once = extension("certificatePolicies", tlv(sequence, policy(cps)));
+    for (const auto& bad : {make(Raw{.extensions = once + once}), certificate("\x30\x04\x06\x02\x2A\x81"),
+                            certificate("\x05"s + '\0')})
+        read(kvGetCertificatePolicies, bad, 128, ZVC_ERR_BAD_CERTIFICATE);
 }
 
-TEST(Fields, AbsentFieldsAreEmptyBadCertificatesAreRefused) {
-    auto der = make({}).der;
-    const test::Bytes cut(der.begin(), der.end() - 1);
+TEST(Fields, AbsentFieldsAreEmptyMissingArgumentsAreRefused) {
+    auto der = make(Raw{});
+    der.insert(der.end(), 100, 0xFF); // as cards pad their files
+    EXPECT_EQ(read(kvGetSubjectDN, der) + subject(""), "/CN=Titolare");
     for (const Field field : {kvGetIUT, kvGetCodFisc, kvGetCertificatePolicies, kvGetExplicitText,
                               zv_X509V3_get_subject_key_identifier}) {
-        EXPECT_EQ(read(field, der), "");
-        EXPECT_EQ(test::lastError(), "");
-        EXPECT_EQ(read(field, {}, 64, ZVC_ERR_ARGUMENT), "");
-        EXPECT_EQ(read(field, test::Bytes(300, 0x30), 64, ZVC_ERR_BAD_CERTIFICATE), "");
-        EXPECT_EQ(read(field, cut, 64, ZVC_ERR_BAD_CERTIFICATE), "");
+        EXPECT_EQ(read(field, der, 1), "");
+        char text[2] = "x";
         EXPECT_EQ(field(der.data(), der.size(), nullptr, 10), ZVC_ERR_ARGUMENT);
-        char one = 'x';
-        EXPECT_EQ(field(der.data(), der.size(), &one, 0), ZVC_ERR_ARGUMENT);
-        EXPECT_EQ(one, 'x');
+        EXPECT_EQ(field(der.data(), der.size(), text, 0), ZVC_ERR_ARGUMENT);
+        EXPECT_EQ(text[0], 'x');
+        EXPECT_EQ(field(nullptr, 0, text, sizeof text), ZVC_ERR_ARGUMENT);
+        EXPECT_EQ(text[0], '\0');
     }
-    // Cards pad their files: what follows a certificate is not looked at.
-    der.insert(der.end(), 100, 0);
-    EXPECT_EQ(read(kvGetSubjectDN, der), "/CN=Titolare");
 }
 
 TEST(Fields, Sha1OfKnownTexts) {

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "der_reader.h"
+
+#include <optional>
+
+namespace zvcrypt {
+
+// A certificate taken apart: the parts as they stand in its bytes, which must outlive them. OpenSSL gives
+// nothing of a certificate with one wrong byte in a name or a needless one in front of its serial number, and
+// authorities issue such.
+struct CertificateParts {
+    der::Span serial; // content bytes
+    der::Span issuer; // these with their headers
+    der::Span notBefore;
+    der::Span notAfter;
+    der::Span subject;
+    der::Span extensions; // one after another
+    der::Span whole;
+};
+
+// ZVC_ERR_BAD_CERTIFICATE when the bytes do not begin with a certificate in DER.
+[[nodiscard]] CertificateParts takeApart(der::Span der);
+
+// What the extension of that kind holds; nothing without one. ZVC_ERR_BAD_CERTIFICATE for two of them.
+[[nodiscard]] std::optional<der::Span> extensionValue(const CertificateParts& certificate, int nid);
+
+} // namespace zvcrypt
