@@ -1,0 +1,172 @@
+// Lets every call of every flow fail in every way and judges what is left: fault_sweep all|FLOW [EVERY]. Writes the
+// tables of docs/faults.md; fails, and says of which case, when something is lost or the outcome has no name there.
+#include "tests/faults/bench.h"
+
+#include <array>
+#include <iostream>
+#include <numeric>
+#include <regex>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace zvtest;
+
+constexpr const char* DEEDS[] = {
+    "answer:0x5",  "answer:0x6",  "answer:0x30",        "answer:0x31",  "answer:0x32",        "answer:0x101",
+    "answer:0xE0", "answer:0xE1", "answer:0x80000001",  "take-out",     "do-and-answer:0x30", "kill-before",
+    "kill-after",  "absurd:text", "absurd:unavailable", "absurd:count", "absurd:length"};
+
+/// What becomes of a case. From BETWEEN on the rules leave the card worse, or the host uninformed.
+enum Kind { FINISHED, AGAIN, BETWEEN, KEEP, TWICE, HALF, REUSED, REFUSED, LESS, REST, MARKER, LOST, KINDS };
+constexpr char KIND_HEADS[] =
+    "| flow | calls | cases | done | second try | A | B | C | D | E | F | G | H | I | lost |";
+constexpr char TOLD_HEADS[] = "| flow | host | log: code | log: step | nobody | module open |";
+constexpr std::size_t CALLS = 0, CASES = 1, FIRST_KIND = 2, FIRST_TOLD = FIRST_KIND + KINDS;
+constexpr std::size_t OPEN = FIRST_TOLD + TOLD, WRONG = OPEN + 1, COLUMNS = WRONG + 1;
+using Row = std::array<unsigned, COLUMNS>;
+
+Objects less(const Objects& all, const Objects& without) {
+    Objects rest;
+    std::set_difference(all.begin(), all.end(), without.begin(), without.end(), std::back_inserter(rest));
+    return rest;
+}
+
+bool areAll(const Objects& objects, const std::string& pattern) {
+    const std::regex wanted(pattern);
+    return std::all_of(objects.begin(), objects.end(),
+                       [&](const std::string& object) { return std::regex_search(object, wanted); });
+}
+
+// What no rule deletes is there and works, and there is one pending pair at most.
+bool isWhole(const Bench& bench, const Objects& objects) {
+    const std::string pending = std::string("private key|") + bench.plan.pending + "|";
+    return areAll(less(bench.start, objects), bench.plan.deletes) &&
+           std::count_if(objects.begin(), objects.end(),
+                         [&](const std::string& object) { return object.starts_with(pending); }) <= 1;
+}
+
+// A case whose host was not told of any failure.
+Kind hiddenKind(const Bench& bench, const Trial& trial, const Objects& missing, const Objects& more) {
+    if (trial.first.data == std::hash<std::string>()(REFUSAL)) return REFUSED;
+    if (missing.empty() && more.empty()) return has(bench.plan.name, "request") ? REUSED : LESS;
+    if (areAll(missing, "pending_CNS_key") && areAll(more, "pending_CNS_key")) return MARKER;
+    return missing.empty() && areAll(more, bench.plan.deletes) ? REST : LOST;
+}
+
+Kind kindOf(const Bench& bench, const Trial& trial) {
+    const Trial& good = bench.undisturbed;
+    const auto isGood = [&](const Attempt& attempt, const Objects& objects) {
+        return attempt.result == 0 && attempt.data == good.first.data && objects == good.after;
+    };
+    if (!isWhole(bench, trial.between) || !isWhole(bench, trial.after)) return LOST;
+    const Objects lacking = less(good.after, trial.between);
+    if (!trial.killed && isGood(trial.first, trial.between)) return FINISHED;
+    if (!trial.killed && trial.first.result == 0)
+        return hiddenKind(bench, trial, lacking, less(trial.between, good.after));
+    if (isGood(trial.second, trial.after))
+        return lacking.empty() || less(bench.start, trial.between).empty() ? AGAIN : BETWEEN;
+    if (isGood(trial.remedy, trial.remedied)) return KEEP;
+    const Objects missing = less(good.after, trial.after), more = less(trial.after, good.after);
+    const std::string pair = std::string("\\|") + bench.plan.pending + "\\|";
+    if (trial.second.result != 0 || missing.size() + more.size() != 1) return LOST;
+    if (areAll(missing, "^$") && areAll(more, "certificate" + pair + ".*works")) return TWICE;
+    return areAll(more, "^$") && areAll(missing, "public key" + pair) ? HALF : LOST;
+}
+
+// What must not happen whatever becomes of the card; empty when nothing of it did.
+std::string wrongIn(const Bench& bench, const Trial& trial, const std::string& function,
+                    const std::string& deed) {
+    const bool noOpener =
+        function != "C_Initialize" && function != "C_Finalize" && function != "C_CloseSession";
+    const unsigned long more = deed == "answer:0x101" ? 1 : 0;
+    if (trial.crashed || trial.killed != deed.starts_with("kill")) return "the host crashed";
+    if (trial.leaked) return "memory, a file or the module was not released";
+    if (trial.stuck && noOpener) return "a session was left open";
+    if (trial.first.spentTry || trial.second.spentTry) return "a PIN try was spent";
+    if (trial.first.logins > bench.undisturbed.first.logins + more) return "the PIN was sent more often";
+    return "";
+}
+
+void report(const Bench& bench, const Trial& trial, const std::string& what) {
+    std::cerr << bench.plan.name << " " << what << "\n";
+    for (const Objects* objects : {&trial.between, &trial.after})
+        for (const std::string& object : *objects)
+            std::cerr << (objects == &trial.after ? "  after " : "  between ") << object << "\n";
+}
+
+void sweep(const FlowPlan& plan, std::size_t every, Row& row) {
+    Bench bench(plan);
+    row[CALLS] = static_cast<unsigned>(bench.functions.size());
+    for (std::size_t i = 0; i < bench.functions.size() * std::size(DEEDS); i += every) {
+        const std::string &function = bench.functions[i / std::size(DEEDS)],
+                          deed = DEEDS[i % std::size(DEEDS)];
+        const std::string rule = "*:" + std::to_string(i / std::size(DEEDS) + 1) + ":" + deed;
+        const std::size_t code = deed.find("answer:");
+        const Trial trial = bench.run(
+            rule, code == std::string::npos ? 0 : std::strtoul(deed.c_str() + code + 7, nullptr, 16));
+        const Kind kind = kindOf(bench, trial);
+        const std::string wrong = wrongIn(bench, trial, function, deed);
+        ++row[CASES], ++row[FIRST_KIND + kind];
+        if (!trial.killed && trial.first.result != 0) ++row[FIRST_TOLD + trial.first.told];
+        if (!trial.killed && trial.first.open) ++row[OPEN];
+        if (std::getenv("SWEEP_CASES") != nullptr)
+            std::cerr << plan.name << " " << function << " " << rule << " kind " << kind << " told "
+                      << trial.first.told << (trial.first.open ? " open\n" : "\n");
+        if (kind != LOST && wrong.empty()) continue;
+        ++row[WRONG];
+        report(bench, trial,
+               function + " " + rule + ": " + (wrong.empty() ? "an outcome without a name" : wrong));
+    }
+}
+
+void printTable(const std::string& heads, const std::vector<Row>& rows,
+                const std::vector<std::size_t>& columns) {
+    std::cout << heads << "\n" << std::regex_replace(heads, std::regex("[^|]+"), "---") << "\n";
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i][CASES] == 0) continue;
+        std::cout << "| " << (i < flowPlans().size() ? flowPlans()[i].title : "**all**") << " |";
+        for (const std::size_t column : columns)
+            std::cout << " " << rows[i][column] << " |";
+        std::cout << "\n";
+    }
+    std::cout << "\n";
+}
+
+std::vector<std::size_t> range(std::size_t first, std::size_t last) {
+    std::vector<std::size_t> columns(last - first);
+    std::iota(columns.begin(), columns.end(), first);
+    return columns;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string wanted = argc > 1 ? argv[1] : "all";
+    const std::size_t every = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 1;
+    ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
+    const std::size_t flows = flowPlans().size();
+    auto* rows = static_cast<Row*>(::mmap(nullptr, (flows + 1) * sizeof(Row), PROT_READ | PROT_WRITE,
+                                          MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    const auto lane = [&](bool requests) {
+        for (std::size_t i = 0; i < flows; ++i)
+            if (const FlowPlan& plan = flowPlans()[i];
+                has(plan.name, "request") == requests && (wanted == "all" || wanted == plan.name))
+                sweep(plan, every, rows[i]);
+        return 0;
+    };
+    // Requests go through files of fixed names: one process makes them all, beside another for the rest.
+    int ended = 1;
+    const pid_t other = ::fork();
+    if (other == 0) ::_exit(lane(true));
+    lane(false);
+    ::waitpid(other, &ended, 0);
+    for (std::size_t i = 0; i < flows * COLUMNS; ++i)
+        rows[flows][i % COLUMNS] += rows[i / COLUMNS][i % COLUMNS];
+    const std::vector<Row> all(rows, rows + flows + 1);
+    printTable(KIND_HEADS, all, range(CALLS, FIRST_TOLD));
+    printTable(TOLD_HEADS, all, range(FIRST_TOLD, WRONG));
+    return ended == 0 && all[flows][CASES] != 0 && all[flows][WRONG] == 0 ? 0 : 1;
+}
