@@ -1,6 +1,7 @@
 #include "simcard/virtual/options.h"
 
 #include "simcard/common/hexadecimal.h"
+#include "simcard/virtual/applet_iso.h"
 
 #include <algorithm>
 #include <array>
@@ -39,7 +40,7 @@ constexpr std::array known_options = {
     Option{"--atr", "HEX", "answer to reset of the card (3B80800101)", set_atr},
     Option{"--mute", nullptr, "the card gives no answer to a reset",
            [](Options& options, const std::string&) { options.mute = true; }},
-    Option{"--applet", "NAME", "what answers its commands: none (6D00 to each)",
+    Option{"--applet", "NAME", "what answers its commands: none (6D00 to each), iso (IsoApplet)",
            [](Options& options, const std::string& name) { options.applet = name; }},
     Option{"--help", nullptr, "this text", [](Options& options, const std::string&) { options.help = true; }},
 };
@@ -53,6 +54,8 @@ struct KnownApplet {
 constexpr std::array known_applets = {
     KnownApplet{"none",
                 [](const Options&) -> std::unique_ptr<Applet> { return std::make_unique<EmptyApplet>(); }},
+    KnownApplet{"iso",
+                [](const Options&) -> std::unique_ptr<Applet> { return std::make_unique<IsoApplet>(); }},
 };
 
 } // namespace
