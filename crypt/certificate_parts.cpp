@@ -33,15 +33,12 @@ der::Element outermost(der::Span der) {
 
 // What may follow the public key: unique identifiers, which nobody uses, and the extensions.
 der::Span extensionsIn(der::Reader body) {
-    constexpr unsigned char issuerId = 0x81, subjectId = 0x82, extensions = 0xA3;
-    der::Span list;
-    while (!body.atEnd()) {
-        const auto element = body.next();
-        if (element.tag == extensions)
-            list = der::Reader(element.content, unreadable).next(der::sequence).content;
-        else if (element.tag != issuerId && element.tag != subjectId)
-            body.complain();
-    }
+    for (const der::Tag identifier : {der::issuerUniqueId, der::subjectUniqueId})
+        if (body.nextIs(identifier)) (void)body.next();
+    if (body.atEnd()) return {};
+    der::Reader extensions = body.enter(der::context3);
+    const auto list = extensions.next(der::sequence).content;
+    if (!extensions.atEnd() || !body.atEnd()) body.complain();
     return list;
 }
 

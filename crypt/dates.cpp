@@ -53,9 +53,10 @@ int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int
         zvcrypt::requireArguments({der});
         const auto certificate = zvcrypt::takeApart({der, length});
         const auto [from, to] = zvcrypt::validity(certificate);
+        const std::string subject = zvcrypt::slashName(certificate.subject);
         // Both are written before either may fail for want of room.
         const bool whole = zvcrypt::copyText(from + " - " + to, dates);
-        zvcrypt::writeText(zvcrypt::slashName(certificate.subject), {description, ZVC_DESCRIPTION_SIZE});
+        zvcrypt::writeText(subject, {description, ZVC_DESCRIPTION_SIZE});
         if (!whole) throw zvcrypt::Failure(ZVC_ERR_CUT, "Le date del certificato sono state troncate");
     });
 }

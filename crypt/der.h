@@ -17,7 +17,10 @@ enum Tag : unsigned char {
     oid = 0x06,
     sequence = 0x30,
     set = 0x31,
+    issuerUniqueId = 0x81,
+    subjectUniqueId = 0x82,
     context0 = 0xA0,
+    context3 = 0xA3,
     context4 = 0xA4,
 };
 

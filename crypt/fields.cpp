@@ -45,7 +45,7 @@ std::vector<std::string> hexBytes(der::Span bytes) {
     return digits;
 }
 
-// The number that two's complement stands for, by its shortest bytes: no more zeros in front than one digit's.
+// The amount of the number in the fewest bytes, with its sign in front.
 std::vector<std::string> serialNumber(const CertificateParts& certificate) {
     Bytes number(certificate.serial.begin(), certificate.serial.end());
     const bool negative = number.front() >= 0x80;
