@@ -25,6 +25,11 @@ Reader look_at(const std::string& name) {
     std::array<char, ZVC_MODULE_NAME_SIZE> module{};
     const int code = kvGetPKCS11FromATR(writable.data(), module.data());
     if (code == ZVC_ERR_NO_CARD) return reader;
+    if (code == ZVC_ERR_MUTE_CARD) {
+        reader.card = true;
+        reader.problem = "a card that does not answer (is it the right way round?)";
+        return reader;
+    }
     if (code != ZVC_OK) {
         reader.problem = "cannot be looked at" + crypto_reason(code);
         return reader;

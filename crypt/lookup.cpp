@@ -16,12 +16,12 @@ std::string cardAtr(const std::string& name, const std::vector<SoftwareReader>& 
     const auto isNamed = [&](const auto& reader) { return reader.name == name; };
     if (const auto own = std::find_if(software.begin(), software.end(), isNamed); own != software.end())
         return own->atr;
-    const auto readers = pcscReaders();
-    const auto reader = std::find_if(readers.begin(), readers.end(), isNamed);
-    if (reader == readers.end()) throw Failure(ZVC_ERR_UNKNOWN_READER, "Lettore sconosciuto: " + name);
+    const auto reader = pcscReader(name);
+    if (!reader) throw Failure(ZVC_ERR_UNKNOWN_READER, "Lettore sconosciuto: " + name);
     if (!reader->hasCard) throw Failure(ZVC_ERR_NO_CARD, "Nessuna smart card nel lettore " + name);
     if (reader->atr.empty())
-        throw Failure(ZVC_ERR_NO_CARD, "La smart card nel lettore " + name + " non risponde");
+        throw Failure(ZVC_ERR_MUTE_CARD, "La smart card nel lettore " + name +
+                                             " non risponde: controllare che sia inserita dal lato giusto");
     return reader->atr;
 }
 

@@ -8,6 +8,8 @@
 namespace zvcrypt {
 namespace {
 
+constexpr char separator = '|';
+
 std::vector<PcscReader> pcscReadersUnless(bool others) {
     try {
         return pcscReaders();
@@ -17,17 +19,26 @@ std::vector<PcscReader> pcscReadersUnless(bool others) {
     }
 }
 
-// Each name once: those with a card first, then the others, then the software readers.
+// Each name once: those with a card first, then the others, then the software readers. The list cannot hold a
+// name with its separator in it; where that leaves none, it is told rather than taken for no reader.
 std::vector<std::string> readerNames() {
     const auto software = loadConfiguration().readers;
     auto readers = pcscReadersUnless(!software.empty());
     std::stable_partition(readers.begin(), readers.end(),
                           [](const PcscReader& reader) { return reader.hasCard; });
     std::vector<std::string> names;
+    std::string unlisted;
     for (const auto& reader : readers)
-        names.push_back(reader.name);
+        if (reader.name.find(separator) == std::string::npos)
+            names.push_back(reader.name);
+        else
+            unlisted = reader.name;
     for (const auto& reader : software)
         if (std::find(names.begin(), names.end(), reader.name) == names.end()) names.push_back(reader.name);
+    if (names.empty() && !unlisted.empty())
+        throw Failure(ZVC_ERR_READER, "Il lettore \"" + unlisted +
+                                          "\" ha nel nome il separatore '|' e non può "
+                                          "essere elencato");
     return names;
 }
 
@@ -41,7 +52,7 @@ int kvGetReader(char* list) {
         std::string text;
         for (const auto& name : zvcrypt::readerNames()) {
             if (text.size() + name.size() + 1 >= ZVC_READER_LIST_SIZE) break;
-            text += name + "|";
+            text += name + zvcrypt::separator;
         }
         std::memcpy(list, text.c_str(), text.size() + 1);
     });

@@ -54,10 +54,11 @@ enum zvCryptError {
     ZVC_ERR_ARGUMENT = 0x2000,        /* a null argument, or one that makes no sense */
     ZVC_ERR_INTERNAL = 0x2001,        /* memory is exhausted or OpenSSL failed */
     ZVC_ERR_CUT = 0x2002,             /* a text did not fit its buffer */
-    ZVC_ERR_NO_SERVICE = 0x2010,      /* no PC/SC service and no software reader */
+    ZVC_ERR_NO_SERVICE = 0x2010,      /* no PC/SC service that answers, and no software reader */
     ZVC_ERR_READER = 0x2011,          /* PC/SC failed on the readers */
     ZVC_ERR_UNKNOWN_READER = 0x2012,  /* nobody knows the reader */
-    ZVC_ERR_NO_CARD = 0x2013,         /* no card in the reader, or one that does not answer */
+    ZVC_ERR_NO_CARD = 0x2013,         /* no card in the reader */
+    ZVC_ERR_MUTE_CARD = 0x2014,       /* a card in the reader that does not answer, as one put in the wrong way */
     ZVC_ERR_CONFIG_FILE = 0x2018,     /* a configuration file or atr.ini cannot be read */
     ZVC_ERR_CONFIG = 0x2019,          /* a malformed line in one of them */
     ZVC_ERR_MODULE_LOAD = 0x2020,     /* the PKCS#11 module cannot be loaded */
@@ -110,7 +111,8 @@ typedef struct datiCert {
  * Lists the card readers: those of PC/SC with a card in them, those without, the configured software readers.
  *
  * @param[out] list  1024 bytes; each name followed by "|"; whole names only, as many as fit; empty without
- *                   readers
+ *                   readers. A name with a "|" in it is left out (its reader can be looked up all the same);
+ *                   where that leaves none, the result is ZVC_ERR_READER
  * @return 0; ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
  * After a failure: the list is empty. A PC/SC failure is none when there are software readers: they are
  * listed. Standard: PC/SC (SCardListReaders, SCardGetStatusChange).
@@ -123,8 +125,8 @@ ZVCRYPT_API int kvGetReader(char* list);
  *
  * @param[in]  reader  reader name, whole
  * @param[out] module  512 bytes; the module's file name, or empty for an unknown card
- * @return 0, also for an unknown card; ZVC_ERR_UNKNOWN_READER; ZVC_ERR_NO_CARD; ZVC_ERR_NO_SERVICE;
- *         ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
+ * @return 0, also for an unknown card; ZVC_ERR_UNKNOWN_READER; ZVC_ERR_NO_CARD; ZVC_ERR_MUTE_CARD;
+ *         ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
  * After a failure, and for an unknown card: module is empty, and no flag of a card looked up before stands.
  * Standard: ISO/IEC 7816-3 (answer to reset).
  */
