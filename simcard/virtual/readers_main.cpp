@@ -1,47 +1,70 @@
 #include "simcard/virtual/virtual_readers.h"
 
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
 enum ExitCode { done = 0, wrong_usage = 2, failed = 3 };
 
 constexpr const char* usage =
-    "zvvirtualreaders [--name NAME] COMMAND [ARGUMENT...]\n"
-    "Runs a command where the PC/SC service has two virtual readers, \"NAME 00 00\" and \"NAME 00 01\" "
-    "(\"Desk\n"
-    "Reader\" without a name), and nothing else: no other program sees them, and the command sees no other "
-    "reader.\n"
-    "zvvirtualcard puts a card into them.\n"
+    "zvvirtualreaders [--name NAME] [--card ATR]... COMMAND [ARGUMENT...]\n"
+    "Runs a command where the PC/SC service has two virtual readers and nothing else. No other program sees "
+    "them.\n"
+    "  --name NAME  they are called NAME with \" 00 00\" and \" 00 01\" behind it (Desk Reader)\n"
+    "  --card ATR   card in the first reader, given again in the second; it knows no command. The command "
+    "may put\n"
+    "               others in with zvvirtualcard\n"
     "Exit codes: the command's; 2 wrong usage, 3 failed, 127 the command cannot be started.\n";
 
-int run(std::vector<std::string> arguments) {
-    if (arguments.size() == 1 && arguments[0] == "--help") {
-        std::cout << usage;
-        return done;
-    }
+struct Order {
     std::string name = "Desk Reader";
-    if (arguments.size() >= 2 && arguments[0] == "--name") {
-        name = arguments[1];
-        arguments.erase(arguments.begin(), arguments.begin() + 2);
+    std::vector<std::string> cards;
+    std::vector<std::string> command;
+};
+
+/// @throws std::invalid_argument
+Order parse(const std::vector<std::string>& arguments) {
+    Order order;
+    auto at = arguments.begin();
+    for (; at != arguments.end() && at->starts_with("--"); ++at) {
+        const bool name = *at == "--name";
+        if ((!name && *at != "--card") || ++at == arguments.end()) throw std::invalid_argument("option");
+        if (name)
+            order.name = *at;
+        else
+            order.cards.push_back(*at);
     }
-    if (arguments.empty() || arguments[0].starts_with('-') || name.empty() ||
-        name.find_first_of("\"\n") != std::string::npos) {
-        std::cerr << usage;
-        return wrong_usage;
-    }
+    order.command.assign(at, arguments.end());
+    const bool writable = !order.name.empty() && order.name.find_first_of("\"\n") == std::string::npos;
+    if (!writable || order.command.empty() || order.cards.size() > simcard::VirtualReaders::count)
+        throw std::invalid_argument("order");
+    return order;
+}
+
+int run(const Order& order) {
     if (const std::string reason = simcard::VirtualReaders::missing(); !reason.empty())
         throw std::runtime_error(reason);
     simcard::VirtualReaders readers;
-    readers.start(name);
-    return simcard::Child(arguments).wait();
+    readers.start(order.name);
+    for (int reader = 0; const std::string& atr : order.cards)
+        readers.insert(reader++, {"--atr", atr});
+    return simcard::Child(order.command).wait();
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     try {
-        return run({argv + 1, argv + argc});
+        const std::vector<std::string> arguments(argv + 1, argv + argc);
+        if (arguments == std::vector<std::string>{"--help"}) {
+            std::cout << usage;
+            return done;
+        }
+        return run(parse(arguments));
+    } catch (const std::invalid_argument&) {
+        std::cerr << usage;
+        return wrong_usage;
     } catch (const std::exception& reason) {
         std::cerr << reason.what() << '\n';
         return failed;

@@ -15,7 +15,10 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-const fs::path service_folder = "/run/pcscd";
+constexpr const char* service_folder = "/run/pcscd";
+
+// A card for the first reader goes there, one for the second to the next port.
+constexpr int first_port = 0x9001;
 
 constexpr std::chrono::seconds patience{5};
 constexpr std::chrono::milliseconds between_looks{10};
@@ -28,11 +31,18 @@ bool comes_true(const std::function<bool()>& holds) {
     return true;
 }
 
+bool service_answers() {
+    SCARDCONTEXT context = 0;
+    if (::SCardEstablishContext(SCARD_SCOPE_SYSTEM, nullptr, nullptr, &context) != SCARD_S_SUCCESS)
+        return false;
+    (void)::SCardReleaseContext(context);
+    return true;
+}
+
 std::string configuration(const std::string& name) {
     if (name.empty()) return {};
-    return "FRIENDLYNAME \"" + name +
-           "\"\nDEVICENAME /dev/null:" + std::to_string(VirtualReaders::first_port) +
-           "\nLIBPATH " VPCD_DRIVER "\nCHANNELID " + std::to_string(VirtualReaders::first_port) + "\n";
+    return "FRIENDLYNAME \"" + name + "\"\nDEVICENAME /dev/null:" + std::to_string(first_port) +
+           "\nLIBPATH " VPCD_DRIVER "\nCHANNELID " + std::to_string(first_port) + "\n";
 }
 
 } // namespace
@@ -56,18 +66,18 @@ VirtualReaders::VirtualReaders() {
 }
 
 VirtualReaders::~VirtualReaders() {
+    cards_.clear();
     service_.reset();
     std::error_code error;
     fs::remove_all(folder_, error);
 }
 
 void VirtualReaders::start(const std::string& name) {
+    name_ = name;
     std::ofstream(folder_ / "conf/readers") << configuration(name);
     // It also ends by itself when nobody has asked it anything for a minute.
     service_.emplace(std::vector<std::string>{PCSCD, "-f", "-x", "-c", folder_ / "conf"}, folder_ / "log");
-    const bool up =
-        comes_true([&] { return fs::exists(service_folder / "pcscd.comm") || !service_->runs(); });
-    if (up && service_->runs()) return;
+    if (comes_true([&] { return service_answers() || !service_->runs(); }) && service_->runs()) return;
     std::ifstream log(folder_ / "log");
     throw std::runtime_error("The PC/SC service did not start. " +
                              std::string(std::istreambuf_iterator<char>(log), {}));
@@ -78,19 +88,37 @@ void VirtualReaders::stop() {
     fs::remove_all(service_folder);
 }
 
-void VirtualReaders::await_card(const std::string& reader, bool present) {
+void VirtualReaders::insert(int reader, const std::vector<std::string>& options) {
+    const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "zvvirtualcard";
+    std::vector<std::string> command = {program, "--port", std::to_string(first_port + reader)};
+    command.insert(command.end(), options.begin(), options.end());
+    cards_.emplace(reader, command);
+    await_card(reader, true);
+}
+
+void VirtualReaders::pull(int reader) {
+    const auto card = cards_.find(reader);
+    if (card == cards_.end()) throw std::runtime_error("There is no card in the reader");
+    if (card->second.end() != 0) throw std::runtime_error("The virtual card failed");
+    cards_.erase(card);
+    await_card(reader, false);
+}
+
+void VirtualReaders::await_card(int reader, bool present) const {
+    const std::string name = name_ + " 00 0" + std::to_string(reader);
     SCARDCONTEXT context = 0;
     (void)::SCardEstablishContext(SCARD_SCOPE_SYSTEM, nullptr, nullptr, &context);
-    const auto shown = [&] {
+    const bool seen = comes_true([&] {
         SCARD_READERSTATE state{};
-        state.szReader = reader.c_str();
+        state.szReader = name.c_str();
         const auto wanted = static_cast<DWORD>(present ? SCARD_STATE_PRESENT : SCARD_STATE_EMPTY);
         return ::SCardGetStatusChange(context, 0, &state, 1) == SCARD_S_SUCCESS &&
                (state.dwEventState & wanted) != 0;
-    };
-    const bool seen = comes_true(shown);
+    });
     (void)::SCardReleaseContext(context);
-    if (!seen) throw std::runtime_error("The PC/SC service does not show it: " + reader);
+    if (!seen)
+        throw std::runtime_error("The PC/SC service does not show " + std::string(present ? "the" : "no") +
+                                 " card in " + name);
 }
 
 } // namespace simcard

@@ -2,18 +2,19 @@
 
 #include "simcard/virtual/child.h"
 
-#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace simcard {
 
-/// A PC/SC service with two virtual readers that only this process and those it starts can see.
+/// A PC/SC service with two virtual readers that only this process and those it starts can see, and cards that
+/// are put into them. Everything ends with it.
 class VirtualReaders {
   public:
-    /// The port that a card for the first reader goes to; the second reader's is one more.
-    static constexpr std::uint16_t first_port = 0x9001;
+    static constexpr int count = 2;
 
     /// Why there can be none on this machine; empty when there can, and then this process has entered a
     /// machine of its own.
@@ -27,17 +28,25 @@ class VirtualReaders {
     /// Starts the service. The readers are called `name` with " 00 00" and " 00 01" behind it; the service
     /// cuts a name of more than 121 bytes. Without a name there are none.
     /// @throws std::runtime_error
-    void start(const std::string& name);
+    void start(const std::string& name = "Desk Reader");
     /// Ends the service at once, as if it had crashed.
     void stop();
 
-    /// Waits until the service shows a card in a reader, or none.
-    /// @throws std::runtime_error after five seconds
-    static void await_card(const std::string& reader, bool present);
+    /// Puts a card into reader 0 or 1 and waits until the service shows it.
+    /// @param options  of zvvirtualcard, which stands beside this program
+    /// @throws std::runtime_error when the service does not show it
+    void insert(int reader, const std::vector<std::string>& options);
+    /// Takes it out and waits until the service shows that.
+    /// @throws std::runtime_error
+    void pull(int reader);
 
   private:
+    void await_card(int reader, bool present) const;
+
     std::filesystem::path folder_;
+    std::string name_;
     std::optional<Child> service_;
+    std::map<int, Child> cards_;
 };
 
 } // namespace simcard
