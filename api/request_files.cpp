@@ -29,7 +29,17 @@ RequestFile::~RequestFile() {
 bool RequestFile::create(std::string_view text) {
     ::unlink(REQUEST_FILE);
     descriptor_ = ::open(REQUEST_FILE, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    keepOutOfReach();
     return descriptor_ >= 0 && writeAll(descriptor_, text);
+}
+
+// There are modules that go on using the number of a descriptor that they closed; the lowest free ones are such.
+void RequestFile::keepOutOfReach() {
+    constexpr int seldomReached = 100;
+    const int moved = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, seldomReached);
+    if (moved < 0) return;
+    ::close(descriptor_);
+    descriptor_ = moved;
 }
 
 bool RequestFile::isOurs() const {

@@ -29,6 +29,8 @@ class RequestFile {
     [[nodiscard]] bool isOurs() const;
 
   private:
+    void keepOutOfReach();
+
     int descriptor_ = -1;
 };
 

@@ -1,4 +1,5 @@
 // Requests: what goes to the card, what comes back, and what a failure leaves.
+#include "api/request_files.h"
 #include "store/renewal_state.h"
 #include "tests/flows/flow.h"
 
@@ -206,6 +207,16 @@ class PlantedFile : public Flow {
         std::filesystem::remove_all("/tmp/tmpReqFile", error);
     }
 };
+
+TEST(RequestFile, StaysOursWhenAModuleClosesADescriptorAgain) {
+    const int stale = ::dup(1);
+    ::close(stale);
+    zv::RequestFile file;
+    ASSERT_TRUE(file.create("request"));
+    ::close(stale);
+    EXPECT_TRUE(file.isOurs());
+    zv::removeRequestFiles();
+}
 
 TEST_F(PlantedFile, RequestFileIsOursOrTheRequestFails) {
     ASSERT_EQ(read().result, 0);
