@@ -2,18 +2,21 @@
 
 #include "certificate.h"
 #include "der.h"
+#include "preference.h"
 
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
 
 #include <algorithm>
 #include <array>
+#include <ctime>
+#include <optional>
 
 namespace zvcrypt {
 namespace {
 
 // Cards are slow: handles are fetched in batches, and each object's attributes in one call with room enough.
-constexpr std::size_t handlesPerCall = 16;
+constexpr std::size_t handlesPerCall = 64;
 constexpr std::size_t mostObjects = 256;
 constexpr std::size_t roomForId = 256;
 constexpr std::size_t roomForCertificate = 16384;
@@ -77,20 +80,30 @@ bool gaveSomething(CK_RV result) {
            result == CKR_BUFFER_TOO_SMALL;
 }
 
-std::vector<CardCertificate> cardCertificates(const Session& session) {
+// Every certificate of the card that can be read. One that cannot, such as an entry whose file is gone, does
+// not stand in the others' way; the first such failure is kept for the case that nothing else helps.
+struct CardCertificates {
+    std::vector<CardCertificate> all;
+    std::optional<Failure> failure;
+};
+
+CardCertificates cardCertificates(const Session& session) {
     static constexpr CK_OBJECT_CLASS certificateClass = CKO_CERTIFICATE;
     const auto handles =
         Search(session, {attributeOf(CKA_CLASS, &certificateClass, sizeof certificateClass)}).handles();
-    std::vector<CardCertificate> certificates;
+    CardCertificates certificates;
     for (const auto handle : handles) {
         Bytes id(roomForId);
         Bytes value(roomForCertificate);
         std::array attributes{attributeInto(CKA_ID, id), attributeInto(CKA_VALUE, value)};
         const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, handle, attributes.data(),
                                           static_cast<CK_ULONG>(attributes.size()));
-        if (!gaveSomething(result)) throw moduleFailure("C_GetAttributeValue", result);
+        if (!gaveSomething(result)) {
+            if (!certificates.failure) certificates.failure = moduleFailure("C_GetAttributeValue", result);
+            continue;
+        }
         auto certificate = readCertificate(valueOf(attributes[1], value), Trailing::ignored);
-        if (certificate) certificates.push_back({valueOf(attributes[0], id), std::move(certificate)});
+        if (certificate) certificates.all.push_back({valueOf(attributes[0], id), std::move(certificate)});
     }
     return certificates;
 }
@@ -106,6 +119,12 @@ std::vector<CK_OBJECT_HANDLE> privateKeys(const Session& session, std::string_vi
     if (keys.empty())
         throw Failure(ZVC_ERR_KEY, "Nessuna chiave privata \"" + std::string(keyId) + "\" sulla smart card");
     return keys;
+}
+
+// The card has the key, but it is no RSA key, or not one for signatures.
+bool refusesKey(CK_RV result) {
+    return result == CKR_KEY_TYPE_INCONSISTENT || result == CKR_KEY_FUNCTION_NOT_PERMITTED ||
+           result == CKR_KEY_SIZE_RANGE || result == CKR_MECHANISM_INVALID;
 }
 
 using BignumPtr = OpensslPtr<BIGNUM, BN_free>;
@@ -127,50 +146,77 @@ BignumPtr modulusOf(const Session& session, CK_OBJECT_HANDLE key) {
     return BignumPtr(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
 }
 
-// Which key goes with which certificate; the card is asked only when there is a choice.
-std::pair<CK_OBJECT_HANDLE, std::size_t> matchingPair(const Session& session,
-                                                      const std::vector<CK_OBJECT_HANDLE>& keys,
-                                                      const std::vector<CardCertificate>& certificates,
-                                                      const std::vector<std::size_t>& candidates) {
-    if (keys.size() == 1 && candidates.size() == 1) return {keys[0], candidates[0]};
-    for (const auto key : keys) {
-        const auto modulus = modulusOf(session, key);
-        for (const auto candidate : candidates) {
-            const auto other = modulusOf(*certificates[candidate].certificate);
-            if (modulus && other && BN_cmp(modulus.get(), other.get()) == 0) return {key, candidate};
-        }
+bool haveOneKey(const std::vector<CardCertificate>& certificates) {
+    const EVP_PKEY* first = X509_get0_pubkey(certificates.front().certificate.get());
+    return std::all_of(certificates.begin(), certificates.end(), [&](const auto& one) {
+        return EVP_PKEY_eq(X509_get0_pubkey(one.certificate.get()), first) == 1;
+    });
+}
+
+// The first certificate that is one of the keys', and that key; the card is asked only when there is a choice
+// of keys.
+std::pair<CK_OBJECT_HANDLE, std::size_t> firstPair(const Session& session,
+                                                   const std::vector<CK_OBJECT_HANDLE>& keys,
+                                                   const std::vector<CardCertificate>& certificates) {
+    if (keys.size() == 1 && haveOneKey(certificates)) return {keys[0], 0};
+    std::vector<BignumPtr> moduli;
+    for (const auto key : keys)
+        moduli.push_back(modulusOf(session, key));
+    for (std::size_t i = 0; i < certificates.size(); ++i) {
+        const auto wanted = modulusOf(*certificates[i].certificate);
+        for (std::size_t k = 0; k < keys.size(); ++k)
+            if (wanted && moduli[k] && BN_cmp(wanted.get(), moduli[k].get()) == 0) return {keys[k], i};
     }
     throw Failure(ZVC_ERR_CERTIFICATE, "Nessuno dei certificati con l'identificativo della chiave è il suo");
+}
+
+// Takes those with the identifier out of the card's certificates, the best first.
+std::vector<CardCertificate> takeOwn(std::vector<CardCertificate>& all, std::string_view keyId) {
+    const auto own = std::stable_partition(all.begin(), all.end(), [&](const auto& one) {
+        return std::string_view(reinterpret_cast<const char*>(one.id.data()), one.id.size()) != keyId;
+    });
+    std::vector<CardCertificate> taken(std::make_move_iterator(own), std::make_move_iterator(all.end()));
+    all.erase(own, all.end());
+    std::sort(taken.begin(), taken.end(), [now = std::time(nullptr)](const auto& one, const auto& other) {
+        return preferenceOf(*one.certificate, now) > preferenceOf(*other.certificate, now);
+    });
+    return taken;
+}
+
+// A second copy of a certificate that signed itself is not its issuer's.
+X509Ptr takeIssuer(X509& certificate, std::vector<CardCertificate>& others) {
+    for (auto& [id, other] : others)
+        if (other && X509_cmp(other.get(), &certificate) != 0 && isIssuedBy(certificate, *other))
+            return std::move(other);
+    return nullptr;
 }
 
 } // namespace
 
 CardSigner findSigner(const Session& session, std::string_view keyId) {
     const auto keys = privateKeys(session, keyId);
-    auto certificates = cardCertificates(session);
-    std::vector<std::size_t> candidates;
-    for (std::size_t i = 0; i < certificates.size(); ++i)
-        if (std::equal(certificates[i].id.begin(), certificates[i].id.end(), keyId.begin(), keyId.end(),
-                       [](unsigned char byte, char c) { return byte == static_cast<unsigned char>(c); }))
-            candidates.push_back(i);
-    if (candidates.empty())
+    auto [others, failure] = cardCertificates(session);
+    auto own = takeOwn(others, keyId);
+    if (own.empty() && failure) throw *failure;
+    if (own.empty())
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Nessun certificato \"" + std::string(keyId) + "\" sulla smart card");
-    const auto [key, chosen] = matchingPair(session, keys, certificates, candidates);
-    CardSigner signer{key, std::move(certificates[chosen].certificate), nullptr};
+    const auto [key, chosen] = firstPair(session, keys, own);
+    CardSigner signer{key, std::move(own[chosen].certificate), nullptr};
     if (!modulusOf(*signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Il certificato \"" + std::string(keyId) + "\" non è di una chiave RSA");
-    for (auto& [id, other] : certificates)
-        if (other && !signer.issuer && X509_cmp(other.get(), signer.certificate.get()) != 0 &&
-            isIssuedBy(*signer.certificate, *other))
-            signer.issuer = std::move(other);
+    signer.issuer = takeIssuer(*signer.certificate, others);
+    if (!signer.issuer) signer.issuer = takeIssuer(*signer.certificate, own);
     return signer;
 }
 
 Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo) {
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
-    check("C_SignInit", session.call(&CK_FUNCTION_LIST::C_SignInit, &mechanism, key));
+    const CK_RV begun = session.call(&CK_FUNCTION_LIST::C_SignInit, &mechanism, key);
+    if (refusesKey(begun))
+        throw Failure(ZVC_ERR_KEY, moduleReason("La chiave non può fare questa firma", "C_SignInit", begun));
+    check("C_SignInit", begun);
     Bytes data = digestInfo;
     Bytes signature(roomForRsa);
     CK_ULONG length = static_cast<CK_ULONG>(signature.size());

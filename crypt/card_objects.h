@@ -14,11 +14,11 @@ struct CardSigner {
     X509Ptr issuer;
 };
 
-// Finds the key and its certificate under that CKA_ID. Where several carry it, the pair that fits by its
-// modulus is taken. ZVC_ERR_KEY or ZVC_ERR_CERTIFICATE when there is none.
+// Finds the key and its certificate under that CKA_ID. Where several carry it, a pair that fits by its modulus
+// is taken, and of a key's certificates the preferred one. ZVC_ERR_KEY or ZVC_ERR_CERTIFICATE without one.
 [[nodiscard]] CardSigner findSigner(const Session& session, std::string_view keyId);
 
-// The card's RSA operation (CKM_RSA_PKCS).
+// The card's RSA operation (CKM_RSA_PKCS). ZVC_ERR_KEY when the key cannot do it.
 [[nodiscard]] Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo);
 
 } // namespace zvcrypt

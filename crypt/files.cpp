@@ -13,9 +13,25 @@ int openWithoutWaiting(const std::string& path, Links links) {
     return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | follow);
 }
 
+// Whether the name stands for that open file, and not for a link to it.
+bool names(const std::string& path, int descriptor) {
+    struct stat open {};
+    struct stat named {};
+    return ::fstat(descriptor, &open) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+// An administrator could remove one: /dev/null must survive being named as an output.
+bool isDevice(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
+}
+
 int createAnew(const std::string& path, const InputFile& input) {
     if (input.isAlso(path))
         throw Failure(ZVC_ERR_OUTPUT, "Il file da creare è lo stesso da leggere: " + path);
+    if (isDevice(path))
+        throw Failure(ZVC_ERR_OUTPUT, "Impossibile sostituire " + path + ": è un dispositivo");
     if (::unlink(path.c_str()) != 0 && errno != ENOENT)
         throw Failure(ZVC_ERR_OUTPUT, "Impossibile sostituire " + path + ": " + systemReason(errno));
     const int descriptor =
@@ -51,6 +67,11 @@ std::string systemReason(int error) {
         return "file troppo grande";
     case ENAMETOOLONG:
         return "nome troppo lungo";
+    case EIO:
+        return "errore del disco";
+    case EMFILE:
+    case ENFILE:
+        return "troppi file aperti";
     default:
         return "errore di sistema " + std::to_string(error);
     }
@@ -96,17 +117,18 @@ void InputFile::rewind() {
 }
 
 bool InputFile::isAlso(const std::string& path) const {
-    struct stat own {};
-    struct stat other {};
-    return ::fstat(descriptor_.get(), &own) == 0 && ::lstat(path.c_str(), &other) == 0 &&
-           own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+    return names(path, descriptor_.get());
 }
 
 OutputFile::OutputFile(std::string path, const InputFile& input)
     : path_(std::move(path)), descriptor_(createAnew(path_, input)) {}
 
 OutputFile::~OutputFile() {
-    if (!kept_) (void)::unlink(path_.c_str());
+    if (!kept_ && hasItsName()) (void)::unlink(path_.c_str());
+}
+
+bool OutputFile::hasItsName() const {
+    return names(path_, descriptor_.get());
 }
 
 void OutputFile::write(std::span<const unsigned char> bytes) {
@@ -120,9 +142,12 @@ void OutputFile::write(std::span<const unsigned char> bytes) {
 }
 
 void OutputFile::keep() {
-    if (descriptor_.close() != 0)
-        throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + systemReason(errno));
+    if (!hasItsName()) throw Failure(ZVC_ERR_OUTPUT, path_ + " è stato sostituito durante la scrittura");
     kept_ = true;
+    if (descriptor_.close() == 0) return;
+    const int error = errno;
+    (void)::unlink(path_.c_str());
+    throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + systemReason(error));
 }
 
 } // namespace zvcrypt

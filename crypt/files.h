@@ -50,16 +50,20 @@ class InputFile {
 // A file that is written from nothing, readable by its owner alone. Unless it is kept, it goes again.
 class OutputFile {
   public:
-    // What has the name is removed first (a link itself, never its target), but never the file that is read.
+    // What has the name is removed first (a link itself, never its target), but never the file that is read,
+    // a folder or a device.
     OutputFile(std::string path, const InputFile& input);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
     void write(std::span<const unsigned char> bytes);
+    // Fails when the name is another file's by now: that one stays.
     void keep();
 
   private:
+    [[nodiscard]] bool hasItsName() const;
+
     std::string path_;
     Descriptor descriptor_;
     bool kept_ = false;

@@ -3,6 +3,7 @@
 #include "failure.h"
 
 #include <array>
+#include <new>
 
 namespace zvcrypt {
 namespace {
@@ -25,7 +26,13 @@ const HashAlgorithm& hashAlgorithm(std::string_view name) {
     throw Failure(ZVC_ERR_HASH, "Algoritmo di impronta non ammesso: " + std::string(name));
 }
 
-Digest::Digest(const HashAlgorithm& algorithm) : context_(EVP_MD_CTX_new()) {
+MdContextPtr newDigestContext() {
+    MdContextPtr context(EVP_MD_CTX_new());
+    if (!context) throw std::bad_alloc();
+    return context;
+}
+
+Digest::Digest(const HashAlgorithm& algorithm) : context_(newDigestContext()) {
     require(EVP_DigestInit_ex2(context_.get(), algorithm.digest(), nullptr));
 }
 

@@ -17,6 +17,8 @@ struct HashAlgorithm {
 // ZVC_ERR_HASH for a name that is not supported.
 [[nodiscard]] const HashAlgorithm& hashAlgorithm(std::string_view name);
 
+[[nodiscard]] MdContextPtr newDigestContext();
+
 // A digest that is fed piece by piece.
 class Digest {
   public:

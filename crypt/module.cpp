@@ -22,12 +22,16 @@ CK_FUNCTION_LIST_PTR functionList(void* handle) {
 }
 
 Failure coded(zvCryptError code, const char* sentence, const char* function, CK_RV result) {
-    char text[192];
-    (void)std::snprintf(text, sizeof text, "%s (%s: 0x%lX)", sentence, function, result);
-    return {code, text};
+    return {code, moduleReason(sentence, function, result)};
 }
 
 } // namespace
+
+std::string moduleReason(const char* sentence, const char* function, CK_RV result) {
+    char text[192];
+    (void)std::snprintf(text, sizeof text, "%s (%s: 0x%lX)", sentence, function, result);
+    return text;
+}
 
 Module::Module(const std::string& path) : handle_(load(path)), list_(functionList(handle_)) {
     if (list_ != nullptr) return;

@@ -27,6 +27,9 @@ class Module {
     CK_FUNCTION_LIST_PTR list_ = nullptr;
 };
 
+// The sentence, with the function that failed and its result.
+[[nodiscard]] std::string moduleReason(const char* sentence, const char* function, CK_RV result);
+
 // The failure that a module's result stands for.
 [[nodiscard]] Failure moduleFailure(const char* function, CK_RV result);
 

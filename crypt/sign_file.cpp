@@ -35,8 +35,23 @@ Content readThrough(InputFile& file, const HashAlgorithm& hash,
     return content;
 }
 
+// Writes the content out. A file that changes meanwhile, even one that never ends, goes no further than it
+// was.
+void writeContent(OutputFile& output, InputFile& input, const HashAlgorithm& hash, const Content& content,
+                  const char* path) {
+    const Failure changed(ZVC_ERR_INPUT, std::string(path) + " è cambiato durante la firma");
+    input.rewind();
+    std::size_t left = content.length;
+    const Content written = readThrough(input, hash, [&](auto bytes) {
+        if (bytes.size() > left) throw changed;
+        left -= bytes.size();
+        output.write(bytes);
+    });
+    if (written.digest != content.digest) throw changed;
+}
+
 void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
-    const MdContextPtr context(EVP_MD_CTX_new());
+    const MdContextPtr context = newDigestContext();
     const bool valid = EVP_DigestVerifyInit(context.get(), nullptr, hash.digest(), nullptr,
                                             X509_get0_pubkey(&signer)) == 1 &&
                        EVP_DigestVerify(context.get(), signature.data(), signature.size(), attributes.data(),
@@ -68,11 +83,8 @@ void signFile(const Session& session, const char* keyId, const HashAlgorithm& ha
     requireValid(hash, attributes, signature, *signer.certificate);
     const auto [head, tail] = frameWithin(content.length, hash, attributes, signature, signer);
 
-    input.rewind();
     output.write(head);
-    const Content written = readThrough(input, hash, [&](auto bytes) { output.write(bytes); });
-    if (written.length != content.length || written.digest != content.digest)
-        throw Failure(ZVC_ERR_INPUT, std::string(inPath) + " è cambiato durante la firma");
+    writeContent(output, input, hash, content, inPath);
     output.write(tail);
     output.keep();
 }

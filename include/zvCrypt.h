@@ -11,9 +11,11 @@
  *  3. A null argument is ZVC_ERR_ARGUMENT and touches nothing else.
  *  4. Each operation forgets the reason of the failure before it and keeps its own for kvLastError, in
  *     Italian; kvLastError itself, kvIsCNSINCARD, kvIsTOUCHSIGN, Sha1Digest and writeBuff leave it as it is.
- *  5. Files are opened without following a link in their last component. An output file is created once the
- *     input is open: anew, with mode 0600, after a leftover of that name is removed (a link itself, never its
- *     target). A failure from then on leaves none; one before leaves what has the name.
+ *  5. Files are opened without following a link in their last component; what is no plain file is not read.
+ *     An output file is created once the input is open: anew, with mode 0600, after a leftover of that name is
+ *     removed (a link itself, never its target; no folder and no device). A failure from then on leaves none;
+ *     one before leaves what has the name, and so does one because another took the name meanwhile. Files go
+ *     through in pieces: a large one takes no more memory than a small one.
  *  6. The session, the flags of the last card and the last reason belong to the process; calls must not
  *     overlap.
  *  7. No text and no file ever holds the PIN, and no copy of it is kept.
@@ -201,14 +203,22 @@ ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, c
  * Signs a file with a key of the card: CMS SignedData in DER with the content in it (CAdES-BES), the signer's
  * certificate and its issuer's if the card holds it. The issuer's is left out where the result, in base64
  * lines of 64 characters, would pass 16383 characters. The card makes one RSA signature (CKM_RSA_PKCS), which
- * is verified with the certificate before anything is written.
+ * is verified with the certificate before anything is written. It takes ten calls to the module and one for
+ * each certificate of the card (while there are at most 64), and where several keys, or certificates of
+ * different keys, have keyId, one for each key.
+ *
+ * Where several certificates with keyId are the key's own, one that is valid now signs rather than one that
+ * is not; among equals the one that ends last, then the one that begins last. An expired one signs when there
+ * is no better: what that signature is worth is for its receiver to say.
  *
  * @param[in] keyId     CKA_ID of the private key; the signer's certificate has the same
  * @param[in] hashName  "SHA256", "SHA384" or "SHA512"
- * @param[in] inPath    file to sign
+ * @param[in] inPath    file to sign; what is signed is the file opened, even if it loses its name meanwhile
  * @param[in] outPath   result; not the input file
- * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_NOT_LOGGED_IN; ZVC_ERR_HASH; ZVC_ERR_INPUT; ZVC_ERR_OUTPUT;
- *         ZVC_ERR_KEY; ZVC_ERR_CERTIFICATE; ZVC_ERR_SIGNATURE; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
+ * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_NOT_LOGGED_IN; ZVC_ERR_HASH; ZVC_ERR_INPUT (also when the file
+ *         changed while it was signed); ZVC_ERR_OUTPUT; ZVC_ERR_KEY (none, or one that the card does not sign
+ *         with); ZVC_ERR_CERTIFICATE (none, of several none that is the key's, or not an RSA key's);
+ *         ZVC_ERR_SIGNATURE (the only certificate is another key's); ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
  *         ZVC_ERR_MODULE_ANSWER
  * After a failure: no result file is left (convention 5); the session stays as it is.
  * Standard: RFC 5652 (SignedData), RFC 5035 (signing-certificate-v2), ETSI EN 319 122-1, RFC 8017 (PKCS#1

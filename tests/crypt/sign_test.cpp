@@ -1,83 +1,64 @@
-#include "certificates.h"
 #include "scratch.h"
+#include "signed_file.h"
 #include "simcard/tool/card_objects.h"
 #include "simcard/tool/token_session.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/card.h"
 #include "tests/support/module.h"
 
-#include <openssl/cms.h>
+#include <openssl/ess.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
-#include <algorithm>
+#include <csignal>
 #include <ctime>
+#include <map>
+#include <thread>
 
 namespace {
 
-using test::Bytes;
+namespace fs = std::filesystem;
 using test::lastError;
 
-// A signed file, read back with OpenSSL, which trusts that authority alone. It must be whole and canonical.
-struct Signed {
-    Signed(const std::string& bytes, const test::Certificate& trusted) {
-        const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
-        const Bytes given(start, start + bytes.size());
-        cms.reset(d2i_CMS_ContentInfo(nullptr, &start, static_cast<long>(bytes.size())),
-                  CMS_ContentInfo_free);
-        if (!cms) throw std::runtime_error("no CMS");
-        EXPECT_EQ(test::encoded<CMS_ContentInfo>(i2d_CMS_ContentInfo, cms.get()), given)
-            << "trailing bytes, or no DER";
-        certificates.reset(CMS_get1_certs(cms.get()), [](auto* all) { sk_X509_pop_free(all, X509_free); });
-        signer = sk_CMS_SignerInfo_value(CMS_get0_SignerInfos(cms.get()), 0);
-        const std::shared_ptr<BIO> text(BIO_new(BIO_s_mem()), BIO_free);
-        const std::shared_ptr<X509_STORE> store(X509_STORE_new(), X509_STORE_free);
-        (void)X509_STORE_add_cert(store.get(), trusted.x509.get());
-        verifies =
-            CMS_verify(cms.get(), nullptr, store.get(), nullptr, text.get(), CMS_CADES | CMS_BINARY) == 1;
-        char* data = nullptr;
-        const long length = BIO_get_mem_data(text.get(), &data);
-        content.assign(data, static_cast<std::size_t>(length));
-    }
-
-    // A signed attribute's value; null unless it stands there once, with one value of that type.
-    template <class T> [[nodiscard]] T* attribute(int nid, int type) const {
-        constexpr int oneOnly = -3;
-        return static_cast<T*>(CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(nid), oneOnly, type));
-    }
-    [[nodiscard]] bool isBy(const test::Certificate& one) const {
-        return CMS_SignerInfo_cert_cmp(signer, one.x509.get()) == 0;
-    }
-    [[nodiscard]] bool holds(const test::Certificate& one) const {
-        bool held = false;
-        for (int i = 0; i < sk_X509_num(certificates.get()); ++i)
-            held = held || X509_cmp(sk_X509_value(certificates.get(), i), one.x509.get()) == 0;
-        return held;
-    }
-    [[nodiscard]] int certificateCount() const { return sk_X509_num(certificates.get()); }
-
-    std::shared_ptr<CMS_ContentInfo> cms;
-    std::shared_ptr<STACK_OF(X509)> certificates;
-    CMS_SignerInfo* signer = nullptr;
-    bool verifies = false;
-    std::string content;
-};
-
-Bytes digest(const char* name, const void* data, std::size_t size) {
-    Bytes value(EVP_MAX_MD_SIZE);
-    std::size_t length = 0;
-    (void)EVP_Q_digest(nullptr, name, nullptr, data, size, value.data(), &length);
-    value.resize(length);
+test::Bytes digest(const char* name, const std::string& data) {
+    test::Bytes value(static_cast<std::size_t>(EVP_MD_get_size(EVP_get_digestbyname(name))));
+    (void)EVP_Q_digest(nullptr, name, nullptr, data.data(), data.size(), value.data(), nullptr);
     return value;
 }
 
-Bytes bytesOf(const ASN1_STRING& text) {
-    return {ASN1_STRING_get0_data(&text), ASN1_STRING_get0_data(&text) + ASN1_STRING_length(&text)};
+// Key pairs made once: a line each, bits and PKCS#1 in base64.
+test::KeyPtr storedKey(int bits) {
+    std::ifstream file(SIGNING_KEYS);
+    std::string text;
+    for (int size = 0; size != bits && file >> size >> text;) {
+    }
+    test::Bytes der(text.size());
+    const auto* start = der.data();
+    const int length = EVP_DecodeBlock(der.data(), reinterpret_cast<unsigned char*>(text.data()),
+                                       static_cast<int>(text.size()));
+    return {d2i_AutoPrivateKey(nullptr, &start, length), EVP_PKEY_free};
 }
+
+// The most memory that this process ever had, in the system's unit.
+long peakMemory() {
+    struct rusage use {};
+#ifndef __SANITIZE_ADDRESS__ // which keeps what is freed
+    (void)::getrusage(RUSAGE_SELF, &use);
+#endif
+    return use.ru_maxrss;
+}
+
+// Two validators that share no code; the second takes an empty content for none.
+constexpr auto openssl =
+    "openssl cms -verify -cades -CAfile ca.pem -purpose any -inform DER -out content -in";
+constexpr auto gnutls = GNUTLS_CERTTOOL " --p7-verify --load-ca-certificate ca.pem --inder --infile";
 
 class Sign : public test::Scratch {
   protected:
     Sign() {
         hold(test::makeAuthority("Autorità di prova"), "omonima");
         hold(certificate, "DS0");
+        write("ca.pem", test::pem(authority.der));
     }
     ~Sign() override { (void)kvFinalize(); }
 
@@ -89,9 +70,10 @@ class Sign : public test::Scratch {
     }
     void hold(const test::Certificate& one, const char* id) {
         hold(simcard::certificate_object(*one.x509, id));
+        ++certificatesHeld;
     }
-    test::KeyPtr newKey(const char* id) {
-        test::KeyPtr key = keys.next();
+    test::KeyPtr newKey(const char* id, test::KeyPtr key = nullptr) {
+        if (!key) key = keys.next();
         hold(simcard::private_key_object(*key, id));
         return key;
     }
@@ -103,55 +85,75 @@ class Sign : public test::Scratch {
         open();
         ASSERT_EQ(kvLogin(zvtest::user_pin), ZVC_OK) << lastError();
     }
-    int signText(const std::string& text, const char* key = "DS0", const char* hash = "SHA256") {
-        return kvSignFile(key, hash, write("in", text).c_str(), path("out").c_str());
+    int signFrom(const std::string& in, const char* key = "DS0", const char* hash = "SHA256") {
+        return kvSignFile(key, hash, in.c_str(), path("out").c_str());
     }
-    Signed result() { return {content(path("out")), authority}; }
+    int signText(const std::string& text, const char* key = "DS0", const char* hash = "SHA256") {
+        return signFrom(write("in", text), key, hash);
+    }
+    test::Signed result() { return test::Signed(content(path("out"))); }
+
+    [[nodiscard]] bool accepts(const char* validator) const {
+        return std::system(("cd " + folder.string() + " && " + validator + " out >said 2>&1").c_str()) == 0;
+    }
 
     zvtest::EmptyCards cards;
     simcard::Card card = cards.add();
     simcard::KeySource keys = simcard::KeySource::from_file(ZV_TEST_KEYS);
     zvtest::Module module;
+    unsigned long certificatesHeld = 0;
     test::Certificate authority = test::makeAuthority("Autorità di prova");
     test::Certificate certificate = test::make({.issuer = &authority, .key = newKey("DS0")});
 };
 
 } // namespace
 
-TEST_F(Sign, MakesACanonicalCadesSignature) {
+TEST_F(Sign, MakesACanonicalCadesSignatureThatTwoValidatorsAccept) {
+    for (const auto& bytes :
+         {test::Bytes{0x31, 4, 5, 0, 2, 0}, {0x30, 0x81, 1, 5}, {0x30, 0x80, 0, 0}, {0x30, 1}})
+        EXPECT_FALSE(test::isDer(bytes));
     hold(authority, "CA");
     openAndLogin();
-    for (const auto& [size, hash] :
-         {std::pair{0U, "SHA256"}, {1U, "SHA384"}, {130U, "SHA512"}, {200000U, "SHA256"}}) {
-        const std::string text(size, '\r');
+    // The largest first: the peak of memory stays.
+    for (const auto& [bits, hash, size] : {std::tuple{2048, "SHA256", 8U << 20},
+                                           {1024, "SHA512", 0U},
+                                           {1030, "SHA384", 130U},
+                                           {4096, "SHA256", 65537U}}) {
+        const std::string key = std::to_string(bits);
+        const auto own = test::make({.issuer = &authority, .key = newKey(key.c_str(), storedKey(bits))});
+        hold(own, key.c_str());
+        fs::resize_file(write("in", ""), size);
         const std::time_t before = std::time(nullptr);
-        ASSERT_EQ(signText(text, "DS0", hash), ZVC_OK) << lastError();
+        const long memory = peakMemory();
+        module.reset();
+        ASSERT_EQ(signFrom(path("in"), key.c_str(), hash), ZVC_OK) << bits << ": " << lastError();
+        EXPECT_EQ(module.calls(), 10 + certificatesHeld);
+        ASSERT_EQ(kvFileToBase64(path("out").data(), path("text").data(), "e"), ZVC_OK);
+        EXPECT_LE(peakMemory(), memory + memory / 8) << "not loaded whole";
+        EXPECT_TRUE(accepts(openssl)) << bits << content(path("said"));
+        EXPECT_TRUE(size == 0 || accepts(gnutls)) << bits << content(path("said"));
         const auto it = result();
-        EXPECT_TRUE(it.verifies);
-        EXPECT_TRUE(it.isBy(certificate));
-        EXPECT_EQ(it.content, text);
-
+        EXPECT_TRUE(it.isBy(own));
+        EXPECT_TRUE(it.content == std::string(size, '\0'));
         EXPECT_EQ(CMS_signed_get_attr_count(it.signer), 4);
-        const auto* type = it.attribute<ASN1_OBJECT>(NID_pkcs9_contentType, V_ASN1_OBJECT);
-        EXPECT_EQ(OBJ_obj2nid(type), NID_pkcs7_data);
-        const auto* message = it.attribute<ASN1_STRING>(NID_pkcs9_messageDigest, V_ASN1_OCTET_STRING);
-        ASSERT_NE(message, nullptr);
-        EXPECT_EQ(bytesOf(*message), digest(hash, text.data(), text.size()));
+        EXPECT_LE(CMS_unsigned_get_attr_count(it.signer), 0);
+        EXPECT_EQ(OBJ_obj2nid(it.attribute<ASN1_OBJECT>(NID_pkcs9_contentType, V_ASN1_OBJECT)),
+                  NID_pkcs7_data);
+        EXPECT_EQ(it.attributeBytes(NID_pkcs9_messageDigest, V_ASN1_OCTET_STRING), digest(hash, it.content));
         const auto* time = it.attribute<ASN1_TIME>(NID_pkcs9_signingTime, V_ASN1_UTCTIME);
-        ASSERT_NE(time, nullptr);
-        EXPECT_GE(ASN1_TIME_cmp_time_t(time, before), 0);
+        ASSERT_TRUE(time != nullptr && ASN1_TIME_cmp_time_t(time, before) >= 0);
         EXPECT_LE(ASN1_TIME_cmp_time_t(time, std::time(nullptr)), 0);
-        const auto* ess = it.attribute<ASN1_STRING>(NID_id_smime_aa_signingCertificateV2, V_ASN1_SEQUENCE);
-        ASSERT_NE(ess, nullptr);
-        const Bytes value = bytesOf(*ess),
-                    own = digest("SHA256", certificate.der.data(), certificate.der.size());
-        EXPECT_NE(std::search(value.begin(), value.end(), own.begin(), own.end()), value.end());
-
-        if (size > 130) continue;
-        EXPECT_EQ(it.certificateCount(), 2);
-        EXPECT_TRUE(it.holds(certificate));
-        EXPECT_TRUE(it.holds(authority)) << "and not its namesake with another key";
+        // As OpenSSL makes it: SHA-256 of the certificate, its issuer and serial number.
+        const std::shared_ptr<ESS_SIGNING_CERT_V2> ess(
+            OSSL_ESS_signing_cert_v2_new_init(EVP_sha256(), own.x509.get(), nullptr, 1),
+            ESS_SIGNING_CERT_V2_free);
+        EXPECT_EQ(it.attributeBytes(NID_id_smime_aa_signingCertificateV2, V_ASN1_SEQUENCE),
+                  test::encoded<ESS_SIGNING_CERT_V2>(i2d_ESS_SIGNING_CERT_V2, ess.get()));
+        EXPECT_EQ(it.certificates.size(), size > 12000 ? 1U : 2U);
+        EXPECT_EQ(it.holds(authority), size <= 12000) << "and never its namesake with another key";
     }
+    write("out", content(path("out")).replace(fs::file_size(path("out")) / 2, 1, "x"));
+    EXPECT_FALSE(accepts(openssl) || accepts(gnutls));
 }
 
 TEST_F(Sign, TheIssuerGivesWayToTheRequestsLimit) {
@@ -159,25 +161,44 @@ TEST_F(Sign, TheIssuerGivesWayToTheRequestsLimit) {
     openAndLogin();
     constexpr std::size_t longest = 12096; // what gives 16380 characters in lines of 64; one more gives 16385
     ASSERT_EQ(signText(std::string(10000, 'x')), ZVC_OK) << lastError();
-    const std::size_t around = std::filesystem::file_size(path("out")) - 10000;
+    const std::size_t around = fs::file_size(path("out")) - 10000;
     ASSERT_EQ(signText(std::string(longest - around, 'x')), ZVC_OK);
-    EXPECT_EQ(std::filesystem::file_size(path("out")), longest);
-    EXPECT_EQ(result().certificateCount(), 2);
+    EXPECT_EQ(fs::file_size(path("out")), longest);
+    EXPECT_EQ(result().certificates.size(), 2U);
     ASSERT_EQ(signText(std::string(longest - around + 1, 'x')), ZVC_OK);
-    EXPECT_TRUE(result().verifies);
-    EXPECT_EQ(result().certificateCount(), 1);
-    EXPECT_TRUE(result().holds(certificate));
+    EXPECT_EQ(result().certificates, std::vector<test::Bytes>{certificate.der});
 }
 
-TEST_F(Sign, OfSeveralCertificatesTheKeysOwnIsTaken) {
-    const auto own = test::make({.subject = "CN=Giusto", .issuer = &authority, .key = newKey("DS3")});
-    hold(certificate, "DS3");
-    hold(own, "DS3");
+TEST_F(Sign, OfSeveralCertificatesTheBestOfTheKeysOwnIsTaken) {
+    enum Part { best, worse, anotherKeys };
+    std::map<std::string, test::KeyPtr> keyOf;
+    std::map<std::string, test::Certificate> bestOf;
+    for (const auto& [id, from, to, part] : {std::tuple{"vivi", "2020", "2021", worse}, // expired
+                                             {"vivi", "2090", "2190", worse},           // not yet valid
+                                             {"vivi", "2024", "2100", best},
+                                             {"vivi", "2023", "2100", worse},
+                                             {"scaduti", "1990", "2021", best},
+                                             {"scaduti", "2019", "2020", worse},
+                                             {"misti", "2024", "2049", best},
+                                             {"misti", "2024", "2100", anotherKeys}}) {
+        auto& key = keyOf[id];
+        if (!key) key = newKey(id);
+        const auto one = test::make({.serial = "0B" + std::to_string(10 + certificatesHeld),
+                                     .notBefore = from + std::string("0101000000Z"),
+                                     .notAfter = to + std::string("0101000000Z"),
+                                     .issuer = &authority,
+                                     .key = part == anotherKeys ? storedKey(1024) : key});
+        hold(one, id);
+        if (part == best) bestOf[id] = one;
+    }
     openAndLogin();
-    ASSERT_EQ(signText("testo", "DS3"), ZVC_OK) << lastError();
-    EXPECT_TRUE(result().verifies);
-    EXPECT_TRUE(result().isBy(own));
-    EXPECT_EQ(result().certificateCount(), 1) << "the card does not hold the issuer";
+    for (const auto& [id, one] : bestOf) {
+        module.reset();
+        ASSERT_EQ(signText("testo", id.c_str()), ZVC_OK) << id << lastError();
+        EXPECT_TRUE(result().isBy(one)) << id;
+        EXPECT_EQ(result().certificates.size(), 1U) << "the card does not hold the issuer";
+        EXPECT_EQ(module.calls(), 10 + certificatesHeld + (id == "misti" ? 1 : 0));
+    }
 }
 
 TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
@@ -194,31 +215,90 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
                                     {"senza", ZVC_ERR_CERTIFICATE},
                                     {"ellittica", ZVC_ERR_CERTIFICATE},
                                     {"altrui", ZVC_ERR_SIGNATURE}}) {
+        write("out", "of an earlier run");
         EXPECT_EQ(signText("testo", key), code) << key << ": " << lastError();
         EXPECT_NE(lastError(), "");
-        EXPECT_FALSE(std::filesystem::exists(path("out"))) << key;
+        EXPECT_FALSE(fs::exists(path("out"))) << key;
     }
-    // Counts and lengths beyond the buffers, and a card that goes in the middle.
+    // Counts and lengths beyond the buffers, keys that do not sign, and a card that goes in the middle.
     for (const auto& [rule, code] : {std::pair{"C_FindObjects:1:absurd:count", ZVC_ERR_MODULE_ANSWER},
                                      {"C_GetAttributeValue:*:absurd:length", ZVC_ERR_CERTIFICATE},
                                      {"C_GetAttributeValue:*:absurd:unavailable", ZVC_ERR_CERTIFICATE},
+                                     {"C_GetAttributeValue:*:answer:0x30", ZVC_ERR_MODULE},
+                                     {"C_GetAttributeValue:1:answer:0x30", ZVC_OK}, // another's is broken
+                                     {"C_SignInit:1:answer:0x63", ZVC_ERR_KEY},
                                      {"C_Sign:1:absurd:length", ZVC_ERR_MODULE_ANSWER},
                                      {"C_Sign:1:do-and-answer:0x101", ZVC_ERR_NOT_LOGGED_IN},
                                      {"C_Sign:1:take-out", ZVC_ERR_CARD_REMOVED}}) {
         module.reset();
         ASSERT_EQ(module.add_rules(rule), 0);
         EXPECT_EQ(signText("testo"), code) << rule << ": " << lastError();
-        EXPECT_FALSE(std::filesystem::exists(path("out"))) << rule;
+        EXPECT_EQ(fs::exists(path("out")), code == ZVC_OK) << rule;
     }
     ASSERT_EQ(module.put_back(), 0);
     openAndLogin();
     for (const char* hash : {"SHA1", "sha256", ""})
         EXPECT_EQ(signText("testo", "DS0", hash), ZVC_ERR_HASH);
-    const std::string in = write("in", "testo"), out = path("out");
-    EXPECT_EQ(kvSignFile("DS0", "SHA256", in.c_str(), in.c_str()), ZVC_ERR_OUTPUT);
-    EXPECT_EQ(content(in), "testo");
-    EXPECT_EQ(kvSignFile("DS0", "SHA256", path("missing").c_str(), out.c_str()), ZVC_ERR_INPUT);
-    EXPECT_EQ(kvSignFile("DS0", "SHA256", in.c_str(), path("no/out").c_str()), ZVC_ERR_OUTPUT);
-    EXPECT_EQ(kvSignFile("DS0", nullptr, in.c_str(), out.c_str()), ZVC_ERR_ARGUMENT);
+    EXPECT_EQ(kvSignFile("DS0", nullptr, path("in").c_str(), path("out").c_str()), ZVC_ERR_ARGUMENT);
     EXPECT_EQ(signText("testo"), ZVC_OK) << "the session goes on";
+}
+
+TEST_F(Sign, FilesThatCannotBeReadOrWrittenSpendNoSignature) {
+    openAndLogin();
+    const std::string in = write("in", "testo"), out = path("out"),
+                      device = ::mknod(path("device").c_str(), S_IFCHR | 0600, 0x103) == 0 ? "device" : ".";
+    module.reset();
+    // The last one is a plain file that opens and fails when it is read.
+    for (const auto& from : {path("missing"), path("."), in + "/in", std::string("/proc/self/mem")}) {
+        EXPECT_EQ(signFrom(from), ZVC_ERR_INPUT) << from;
+        EXPECT_NE(lastError().find(from), std::string::npos);
+        EXPECT_FALSE(fs::exists(out));
+    }
+    for (const auto& to : {in, path("no/out"), path(device)})
+        EXPECT_EQ(kvSignFile("DS0", "SHA256", in.c_str(), to.c_str()), ZVC_ERR_OUTPUT) << to;
+    EXPECT_EQ(content(in), "testo");
+    EXPECT_EQ(module.calls(), 0U);
+    struct rlimit limit {}; // a disk with room for a part of it
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const struct rlimit small { 100000, limit.rlim_max };
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    write("in", std::string(200000, 'x'));
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_EQ(signFrom(in), ZVC_ERR_OUTPUT);
+    EXPECT_FALSE(fs::exists(out));
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+}
+
+TEST_F(Sign, AFileThatChangesMeanwhileIsTold) {
+    openAndLogin();
+    const std::string in = path("in"), out = path("out");
+    const std::pair<std::function<void()>, int> changes[] = {
+        {[&] { std::ofstream(in, std::ios::app) << "!"; }, ZVC_ERR_INPUT},
+        {[&] { fs::resize_file(in, 2); }, ZVC_ERR_INPUT},
+        {[&] { write("in", "TESTO"); }, ZVC_ERR_INPUT},
+        {[&] { fs::remove(out), write("out", "altrui"); }, ZVC_ERR_OUTPUT},
+        {[&] { fs::remove(in); }, ZVC_OK},
+    };
+    for (const auto& [change, code] : changes) {
+        int result = -1;
+        // A change may come too early or too late.
+        for (int tries = 0; tries < 10 && result != code; ++tries) {
+            fs::remove(out);
+            module.reset();
+            ASSERT_EQ(module.add_rules("C_FindObjectsInit:1:delay:60000"), 0);
+            write("in", "testo");
+            std::thread other([&] {
+                while (!fs::exists(out))
+                    std::this_thread::yield();
+                std::this_thread::sleep_for(std::chrono::milliseconds(15));
+                change();
+            });
+            result = signFrom(in);
+            other.join();
+        }
+        EXPECT_EQ(result, code) << lastError();
+        EXPECT_EQ(fs::exists(out), code != ZVC_ERR_INPUT);
+        EXPECT_EQ(content(out) == "altrui", code == ZVC_ERR_OUTPUT) << "another's file stays";
+        EXPECT_TRUE(code != ZVC_OK || this->result().content == "testo");
+    }
 }

@@ -1,0 +1,27 @@
+#include "preference.h"
+
+#include "certificate.h"
+
+namespace zvcrypt {
+namespace {
+
+using GeneralizedTimePtr = OpensslPtr<ASN1_GENERALIZEDTIME, ASN1_GENERALIZEDTIME_free>;
+
+// "YYYYMMDDHHMMSSZ", which sorts as the dates do; empty for a malformed one.
+std::string sortable(const ASN1_TIME* time) {
+    const GeneralizedTimePtr full(time == nullptr ? nullptr : ASN1_TIME_to_generalizedtime(time, nullptr));
+    if (!full) return {};
+    return {reinterpret_cast<const char*>(ASN1_STRING_get0_data(full.get())),
+            static_cast<std::size_t>(ASN1_STRING_length(full.get()))};
+}
+
+} // namespace
+
+Preference preferenceOf(const X509& certificate, std::time_t time) {
+    const std::string now = sortable(TimePtr(ASN1_TIME_set(nullptr, time)).get());
+    const std::string from = sortable(X509_get0_notBefore(&certificate));
+    const std::string to = sortable(X509_get0_notAfter(&certificate));
+    return {from <= now && now <= to, to, from, certificateDer(certificate)};
+}
+
+} // namespace zvcrypt

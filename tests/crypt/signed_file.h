@@ -1,0 +1,80 @@
+#pragma once
+
+#include "certificates.h"
+
+#include <openssl/cms.h>
+
+#include <algorithm>
+#include <span>
+
+namespace test {
+
+// Lengths definite, of the shortest form and in bounds; what a SET holds, also under [0], in its order.
+inline bool isDer(std::span<const unsigned char> bytes, bool sorted = false) {
+    for (std::span<const unsigned char> before; !bytes.empty();) {
+        std::size_t header = 2, length = bytes.size() < 2 ? 0x80 : bytes[1];
+        if (length >= 0x80) {
+            header += length - 0x80;
+            if (header == 2 || header > 6 || bytes.size() < header) return false;
+            length = 0;
+            for (std::size_t i = 2; i < header; ++i)
+                length = length << 8 | bytes[i];
+            if (length < 0x80 || bytes[2] == 0) return false;
+        }
+        if (length > bytes.size() - header) return false;
+        const auto element = bytes.first(header + length), value = element.subspan(header);
+        if (sorted && std::ranges::lexicographical_compare(element, before)) return false;
+        if ((bytes[0] & 0x20) != 0 && !isDer(value, bytes[0] == 0x31 || bytes[0] == 0xA0)) return false;
+        before = element;
+        bytes = bytes.subspan(element.size());
+    }
+    return true;
+}
+
+// A signed file, read back with OpenSSL. It must be whole and canonical, and its one signature right.
+struct Signed {
+    explicit Signed(const std::string& bytes) {
+        const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
+        const Bytes given(start, start + bytes.size());
+        EXPECT_TRUE(isDer(given));
+        cms.reset(d2i_CMS_ContentInfo(nullptr, &start, static_cast<long>(bytes.size())),
+                  CMS_ContentInfo_free);
+        if (!cms) throw std::runtime_error("no CMS");
+        EXPECT_TRUE(encoded<CMS_ContentInfo>(i2d_CMS_ContentInfo, cms.get()) == given)
+            << "trailing bytes, or no DER";
+        EXPECT_EQ(
+            CMS_verify(cms.get(), nullptr, nullptr, nullptr, nullptr, CMS_NO_SIGNER_CERT_VERIFY | CMS_BINARY),
+            1);
+        const auto* text = *CMS_get0_content(cms.get());
+        content.assign(ASN1_STRING_get0_data(text), ASN1_STRING_get0_data(text) + ASN1_STRING_length(text));
+        const std::shared_ptr<STACK_OF(X509)> all(CMS_get1_certs(cms.get()),
+                                                  [](auto* stack) { sk_X509_pop_free(stack, X509_free); });
+        for (int i = 0; i < sk_X509_num(all.get()); ++i)
+            certificates.push_back(encoded<X509>(i2d_X509, sk_X509_value(all.get(), i)));
+        EXPECT_EQ(sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(cms.get())), 1);
+        signer = sk_CMS_SignerInfo_value(CMS_get0_SignerInfos(cms.get()), 0);
+    }
+
+    // A signed attribute's value; null unless it stands there once, with one value of that type.
+    template <class T> [[nodiscard]] T* attribute(int nid, int type) const {
+        return static_cast<T*>(CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(nid), -3, type));
+    }
+    [[nodiscard]] Bytes attributeBytes(int nid, int type) const {
+        const auto* text = attribute<ASN1_STRING>(nid, type);
+        if (text == nullptr) return {};
+        return {ASN1_STRING_get0_data(text), ASN1_STRING_get0_data(text) + ASN1_STRING_length(text)};
+    }
+    [[nodiscard]] bool isBy(const Certificate& one) const {
+        return CMS_SignerInfo_cert_cmp(signer, one.x509.get()) == 0 && holds(one);
+    }
+    [[nodiscard]] bool holds(const Certificate& one) const {
+        return std::count(certificates.begin(), certificates.end(), one.der) == 1;
+    }
+
+    std::shared_ptr<CMS_ContentInfo> cms;
+    std::vector<Bytes> certificates;
+    CMS_SignerInfo* signer = nullptr;
+    std::string content;
+};
+
+} // namespace test
