@@ -1,7 +1,9 @@
 #include "failure.h"
 
+#include "asn1_text.h"
 #include "text.h"
 
+#include <openssl/asn1.h>
 #include <openssl/err.h>
 
 #include <algorithm>
@@ -20,10 +22,12 @@ LastFailure& lastFailure() {
     return last;
 }
 
-int keep(zvCryptError code, const char* reason) noexcept {
+// A reason quotes files, labels and readers' names, which may be no text at all.
+int keep(zvCryptError code, std::string_view reason) noexcept {
     lastFailure().code = code;
     try {
-        lastFailure().reason = reason;
+        lastFailure().reason = displayText(
+            V_ASN1_UTF8STRING, {reinterpret_cast<const unsigned char*>(reason.data()), reason.size()});
     } catch (const std::bad_alloc&) {
         lastFailure().reason.clear();
     }
@@ -48,7 +52,7 @@ int runOperation(const std::function<void()>& body) noexcept {
         body();
         return ZVC_OK;
     } catch (const Failure& failure) {
-        return keep(failure.code(), failure.what());
+        return keep(failure.code(), failure.reason());
     } catch (const std::bad_alloc&) {
         return keep(ZVC_ERR_INTERNAL, "Memoria esaurita");
     } catch (const std::exception& error) {
