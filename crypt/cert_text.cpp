@@ -1,6 +1,7 @@
 #include "base64.h"
 #include "bundle.h"
 #include "certificate.h"
+#include "certificate_parts.h"
 #include "failure.h"
 #include "pem.h"
 #include "text.h"
@@ -56,6 +57,15 @@ std::vector<X509Ptr> certificatesIn(std::string_view text) {
     return certificates;
 }
 
+// A renewal deletes the old certificate before it takes this one's names apart for the card.
+void requireRoomOnCard(const Bytes& der) {
+    const auto parts = takeApart({der.data(), der.size()});
+    if (std::max(parts.subject.size(), parts.issuer.size()) > ZVC_CARD_NAME_SIZE)
+        throw Failure(ZVC_ERR_ROOM, "Il nome del titolare o dell'emittente supera i 512 byte");
+    if (parts.serial.size() > ZVC_CARD_SERIAL_SIZE)
+        throw Failure(ZVC_ERR_ROOM, "Il numero di serie del certificato supera i 256 byte");
+}
+
 void splitCertificate(const char* text, datiCert& out) {
     static constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     auto bounded = boundedText(text);
@@ -64,6 +74,7 @@ void splitCertificate(const char* text, datiCert& out) {
     const Bytes der = certificateDer(holderCertificate(certificatesIn(bounded)));
     // A bundle is read less strictly than what reads the certificate afterwards.
     (void)requireCertificate(der.data(), der.size());
+    requireRoomOnCard(der);
     if (der.size() > sizeof out.der) throw Failure(ZVC_ERR_ROOM, "Il certificato supera gli 8192 byte");
     std::copy(der.begin(), der.end(), out.der);
     out.derLength = der.size();

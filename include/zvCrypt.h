@@ -96,6 +96,8 @@ enum zvCryptError {
 #define ZVC_DESCRIPTION_SIZE 2048
 #define ZVC_CERT_TEXT_SIZE 8192
 #define ZVC_CERT_DER_SIZE 8192
+#define ZVC_CARD_NAME_SIZE 512   /* a subject or an issuer in DER, as it is stored on a card */
+#define ZVC_CARD_SERIAL_SIZE 256 /* a serial number's content bytes */
 #define ZVC_SHA1_SIZE 20
 
 /** A certificate read from text: 8709 bytes, without padding. */
@@ -364,7 +366,8 @@ ZVCRYPT_API void writeBuff(char* in, char* out);
  * @return 0; ZVC_ERR_TEXT_LENGTH; ZVC_ERR_TEXT_FORM (an empty text, PEM that lost its BEGIN or END or has
  *         headers or another label, a bundle that is none or has data behind it, no certificate);
  *         ZVC_ERR_BASE64 (a character that is none, or an end amid a group); ZVC_ERR_BAD_CERTIFICATE (malformed,
- *         or with data behind it); ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes)
+ *         or with data behind it); ZVC_ERR_NO_HOLDER; ZVC_ERR_TWO_HOLDERS; ZVC_ERR_ROOM (more than 8192 bytes,
+ *         or names or a serial number that ConvToDer could not give for a card)
  * Standard: RFC 7468 (labels CERTIFICATE, X509 CERTIFICATE, X.509 CERTIFICATE; PKCS7, CMS, CERTIFICATE CHAIN;
  * besides, OpenSSL's TRUSTED CERTIFICATE), RFC 5652.
  */

@@ -96,6 +96,9 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
                       begin = "-----BEGIN CERTIFICATE-----\n";
     const std::string end = "-----END CERTIFICATE-----";
     const Bytes chain = bundle({authority, holder});
+    std::string longName = "CN=Lungo";
+    for (int unit = 0; unit < 8; ++unit)
+        longName += "|OU=" + std::string(60, 'x');
     const struct {
         std::string text;
         int code;
@@ -127,6 +130,7 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
         {pem(bundle({}), "PKCS7"), ZVC_ERR_TEXT_FORM, "nessun certificato"},
         {pem(root.der), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
         {base64(bundle({authority, root})), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
+        {pem(test::make({.subject = longName, .issuer = &authority}).der), ZVC_ERR_ROOM, "512 byte"},
         {one + pem(another.der), ZVC_ERR_TWO_HOLDERS, "più titolari"},
         {pem(bundle({another, authority, holder}), "CMS"), ZVC_ERR_TWO_HOLDERS, "più titolari"},
     };
