@@ -38,11 +38,11 @@ std::vector<Bytes> corpus() {
     }
     const std::string other = extension("1.2.3.4", "none of ours"), large(12000, 'x');
     const std::string key = tlv(sequence, tlv(sequence, oid("ED25519")) + tlv(3, std::string(33, '\0')));
-    return {make(Raw{.serial = "\0\xF0\x01"s, .subject = holder, .extensions = known}),
-            make(Raw{.subject = "", .key = key, .extensions = other}),
-            make(Raw{.serial = "\x80", .subject = wide, .key = rsaKey(4096)}),
-            make(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies)) + other + other +
-                                   extension("1.2.3.4.5", large)}),
+    return {encode(Raw{.serial = "\0\xF0\x01"s, .subject = holder, .extensions = known}),
+            encode(Raw{.subject = "", .key = key, .extensions = other}),
+            encode(Raw{.serial = "\x80", .subject = wide, .key = rsaKey(4096)}),
+            encode(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies)) + other +
+                                     other + extension("1.2.3.4.5", large)}),
             make(Shape{}).der}; // an EC key
 }
 
@@ -57,7 +57,7 @@ void expectBad(const std::string& der, const char* reason) {
 } // namespace
 
 TEST(Certificates, EveryFieldIsCutAtACharacterAtAnySize) {
-    const auto escaped = make(Raw{.subject = rdn("O", utf8, "a\n\u202E")}); // an escape is one character
+    const auto escaped = encode(Raw{.subject = rdn("O", utf8, "a\n\u202E")}); // an escape is one character
     EXPECT_EQ(read(kvGetSubjectDN, escaped, 14, ZVC_ERR_CUT), R"(/O=a\x0A)");
     EXPECT_EQ(read(kvGetSubjectDN, escaped, 8, ZVC_ERR_CUT), "/O=a");
     for (const auto& der : corpus())
@@ -87,24 +87,24 @@ TEST(Certificates, EveryTruncationIsRefused) {
 }
 
 TEST(Certificates, WhatIsNoDerIsRefused) {
-    const std::string good = asText(make(Raw{}));
+    const std::string good = asText(encode(Raw{}));
     std::string nested = "x";
     for (int i = 0; i < 5000; ++i)
         nested = tlv(sequence, nested);
     const std::pair<std::string, const char*> rows[] = {
         {"\x30\x80" + good.substr(4) + "\0\0"s, "indefinite"},
-        {asText(make(Raw{.subject = "\x31\x80\0\0"s})), "indefinite"},
+        {asText(encode(Raw{.subject = "\x31\x80\0\0"s})), "indefinite"},
         {nested, "annidati"},
-        {asText(make(Raw{.key = nested})), "annidati"},
+        {asText(encode(Raw{.key = nested})), "annidati"},
         {"\x30\x84\xFF\xFF\xFF\xFF" + good.substr(4), "lunghezze errate"},
         {"\x3F" + good.substr(1), "non è leggibile"},
         {tlv(sequence, good.substr(4) + tlv(5, "")), "non è leggibile"}}; // more behind the signature
-    EXPECT_EQ(read(dates, make(Raw{.subject = tlv(5, "")}), 64, ZVC_ERR_BAD_CERTIFICATE),
+    EXPECT_EQ(read(dates, encode(Raw{.subject = tlv(5, "")}), 64, ZVC_ERR_BAD_CERTIFICATE),
               ""); // nor half of it
     for (const auto& [der, reason] : rows)
         expectBad(der, reason);
     char out[8];
-    EXPECT_EQ(kvGetIUT(make(Raw{}).data(), ~0UL, out, sizeof out), ZVC_ERR_BAD_CERTIFICATE);
+    EXPECT_EQ(kvGetIUT(encode(Raw{}).data(), ~0UL, out, sizeof out), ZVC_ERR_BAD_CERTIFICATE);
 }
 
 // Nothing is promised of a certificate changed at random, but a code, its reason, and buffers kept.

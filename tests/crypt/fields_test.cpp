@@ -5,7 +5,7 @@ using namespace test;
 namespace {
 
 std::string subject(const std::string& rdns) {
-    return read(kvGetSubjectDN, make(Raw{.subject = rdns}), 2048);
+    return read(kvGetSubjectDN, encode(Raw{.subject = rdns}), 2048);
 }
 
 std::string codFisc(const std::string& name) {
@@ -20,7 +20,7 @@ TEST(Fields, NamesKeepTheOrderAndOpensslsShortNames) {
     const auto der = make(holder).der;
     EXPECT_EQ(read(kvGetSubjectDN, der), "/C=IT/OU=Uno/CN=Mario Rossi/serialNumber=TINIT-X/GN=Mario/SN=Rossi"
                                          "/dnQualifier=2024123456/emailAddress=m@example.it/1.2.3.4.5=altro");
-    EXPECT_EQ(read(kvGetIssuerDN, make(Raw{})), "/C=IT/CN=Autorità");
+    EXPECT_EQ(read(kvGetIssuerDN, encode(Raw{})), "/C=IT/CN=Autorità");
     EXPECT_EQ(read(kvGetIUT, der, 32), "2024123456");
     const std::string one = rdn("GN", utf8, "Ada").substr(2), other = rdn("SN", utf8, "Rossi").substr(2);
     EXPECT_EQ(subject(tlv(set, one + other)), "/GN=Ada/SN=Rossi");
@@ -55,13 +55,13 @@ TEST(Fields, SerialsAndKeyIdentifiersAreUpperCaseHexadecimal) {
         {"\0"s, "00"},     {"\x0A\xBC", "0ABC"}, {"\0\x8A\x01"s, "8A01"}, {"\0\0\x8A\x01"s, "8A01"},
         {"\0\0\0"s, "00"}, {"\x80", "-80"},      {"\xFF\xFF\xFB", "-05"}, {"\xFF\0"s, "-0100"}};
     for (const auto& [bytes, told] : rows)
-        EXPECT_EQ(read(kvX509GetSerial, make(Raw{.serial = bytes}), 128), told);
-    const auto twenty = make(Raw{.serial = '\0' + std::string(20, '\xFE')});
+        EXPECT_EQ(read(kvX509GetSerial, encode(Raw{.serial = bytes}), 128), told);
+    const auto twenty = encode(Raw{.serial = '\0' + std::string(20, '\xFE')});
     EXPECT_EQ(read(kvX509GetSerial, twenty, 41), "FEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFE");
     EXPECT_EQ(read(kvX509GetSerial, twenty, 6, ZVC_ERR_CUT), "FEFE");
-    read(kvX509GetSerial, make(Raw{.serial = ""}), 128, ZVC_ERR_BAD_CERTIFICATE);
+    read(kvX509GetSerial, encode(Raw{.serial = ""}), 128, ZVC_ERR_BAD_CERTIFICATE);
     const auto keyId = [](const std::string& value, int expected) {
-        const auto der = make(Raw{.extensions = extension("subjectKeyIdentifier", value)});
+        const auto der = encode(Raw{.extensions = extension("subjectKeyIdentifier", value)});
         return read(zv_X509V3_get_subject_key_identifier, der, 256, expected);
     };
     EXPECT_EQ(keyId(tlv(4, "\xDE\xAD\x0B\xEF"), ZVC_OK), "DEAD0BEF");
@@ -83,7 +83,7 @@ TEST(Fields, DatesOfEveryFormAreUtc) {
                 {utc, "240230000000Z", ""},
                 {printable, "240131010203Z", ""}};
     for (const auto& [tag, value, told] : rows) {
-        auto der = make(Raw{.validity = tlv(tag, value) + tlv(generalized, "99991231235959Z")});
+        auto der = encode(Raw{.validity = tlv(tag, value) + tlv(generalized, "99991231235959Z")});
         const int expected = told.empty() ? ZVC_ERR_BAD_CERTIFICATE : ZVC_OK;
         char from[24], to[24], both[44], name[2048];
         EXPECT_EQ(kvGetCertDate(der.data(), der.size(), from, to), expected);
@@ -123,7 +123,7 @@ TEST(Fields, PoliciesAndTheFirstExplicitText) {
         {policy(notice(tlv(t61, "et\xE0"))), "età"}, // not one of the types that the standard allows
         {tlv(sequence, oid("1.3.76.16.6")), ""}};
     const auto certificate = [](const std::string& policies) {
-        return make(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies))});
+        return encode(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies))});
     };
     for (const auto& [policies, text] : rows) {
         EXPECT_EQ(read(kvGetExplicitText, certificate(policies)), text);
@@ -133,13 +133,13 @@ TEST(Fields, PoliciesAndTheFirstExplicitText) {
     EXPECT_EQ(read(kvGetCertificatePolicies, two, 29), "1.3.76.16.6,0.4.0.194112.1.2");
     EXPECT_EQ(read(kvGetCertificatePolicies, two, 28, ZVC_ERR_CUT), "1.3.76.16.6");
     const auto once = extension("certificatePolicies", tlv(sequence, policy(cps)));
-    for (const auto& bad : {make(Raw{.extensions = once + once}), certificate("\x30\x04\x06\x02\x2A\x81"),
+    for (const auto& bad : {encode(Raw{.extensions = once + once}), certificate("\x30\x04\x06\x02\x2A\x81"),
                             certificate("\x05"s + '\0')})
         read(kvGetCertificatePolicies, bad, 128, ZVC_ERR_BAD_CERTIFICATE);
 }
 
 TEST(Fields, AbsentFieldsAreEmptyMissingArgumentsAreRefused) {
-    auto der = make(Raw{});
+    auto der = encode(Raw{});
     der.insert(der.end(), 100, 0xFF); // as cards pad their files
     EXPECT_EQ(read(kvGetSubjectDN, der) + subject(""), "/CN=Titolare");
     for (const Field field : {kvGetIUT, kvGetCodFisc, kvGetCertificatePolicies, kvGetExplicitText,

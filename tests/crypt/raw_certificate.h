@@ -48,7 +48,7 @@ struct Raw {
     std::string extensions = "";
 };
 
-inline Bytes make(const Raw& raw) {
+inline Bytes encode(const Raw& raw) {
     const std::string algorithm = tlv(sequence, oid("RSA-SHA256") + tlv(5, ""));
     const std::string issuer = tlv(sequence, rdn("C", printable, "IT") + rdn("CN", t61, "Autorit\xE0"));
     const std::string body = tlv(0xA0, tlv(2, "\2")) + tlv(2, raw.serial) + algorithm + issuer +
