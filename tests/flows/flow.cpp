@@ -7,42 +7,17 @@
 
 #include <openssl/pem.h>
 
-#include <array>
 #include <regex>
 
 namespace zvtest {
 
 namespace {
 
-// The lists as a host gives them.
-struct HostList {
-    HostList() {
-        for (std::size_t i = 0; i < texts.size(); ++i)
-            entries[i] = texts[i].data();
-        texts[0][0] = '0';
-    }
-    [[nodiscard]] std::vector<std::string> records() const {
-        std::vector<std::string> all;
-        for (std::size_t i = 1; i <= std::strtoul(entries[0], nullptr, 10); ++i)
-            all.emplace_back(entries[i]);
-        return all;
-    }
-    void empty() { texts[0][0] = '\0'; }
-
-    std::array<std::array<char, ZV_LIST_ENTRY_SIZE>, ZV_LIST_ENTRIES> texts{};
-    std::array<char*, ZV_LIST_ENTRIES> entries{};
-};
-
 // The simulated card's module, or a copy of it under that name.
 std::filesystem::path moduleFile(const std::filesystem::path& folder, const char* name) {
     if (name == nullptr) return ZVSIMCARD_MODULE;
     std::filesystem::copy_file(ZVSIMCARD_MODULE, folder / name);
     return folder / name;
-}
-
-// The subject of the first record.
-std::string subjectOf(const std::vector<std::string>& records) {
-    return records.empty() ? "2.5.4.6=IT2.5.4.3=Nobody" : records[0].substr(0, records[0].find('#'));
 }
 
 } // namespace
@@ -68,19 +43,8 @@ Flow::~Flow() {
 }
 
 Reading Flow::read(std::string pin, const char* reader) {
-    Reading reading;
-    HostList cns, pra, aut;
-    pra.empty(), aut.empty();
-    std::string name = reader != nullptr ? reader : "";
-    char keyPRA[ZV_KEY_ID_SIZE] = "", keyAUT[ZV_KEY_ID_SIZE] = "";
-    reading.pendingPRA = reading.pendingAUT = reading.pendingCNS = 7;
-    reading.result = rinnovo_Card_readCerts(reader != nullptr ? name.data() : nullptr, pin.data(), 0,
-                                            cns.entries.data(), pra.entries.data(), aut.entries.data(),
-                                            &reading.pendingCNS, &reading.pendingPRA, &reading.pendingAUT,
-                                            keyPRA, keyAUT, nullptr, moduleDir().c_str());
-    reading.cns = cns.records(), reading.pra = pra.records(), reading.aut = aut.records();
-    reading.keyPRA = keyPRA, reading.keyAUT = keyAUT;
-    subject = subjectOf(reading.cns.empty() ? reading.pra : reading.cns);
+    Reading reading = readCard(reader, std::move(pin), moduleDir());
+    subject = reading.subject();
     return reading;
 }
 

@@ -3,6 +3,7 @@
 #include "card/session.h"
 #include "simcard/authority/authority.h"
 #include "tests/simcard_tool/test_cards.h"
+#include "tests/support/host.h"
 #include "tests/support/log_file.h"
 #include "tests/support/module.h"
 
@@ -12,14 +13,6 @@
 #include <vector>
 
 namespace zvtest {
-
-/// What a reading gives back.
-struct Reading {
-    int result = 0;
-    std::vector<std::string> cns, pra, aut;
-    int pendingCNS = 0, pendingPRA = 0, pendingAUT = 0;
-    std::string keyPRA, keyAUT;
-};
 
 /// A card in a software reader, the library's log, and the control of the module that the card goes through.
 class Flow : public testing::Test {
