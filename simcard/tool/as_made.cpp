@@ -4,6 +4,9 @@
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/card_plan.h"
 
+#include <fstream>
+#include <vector>
+
 namespace fs = std::filesystem;
 
 namespace simcard {
@@ -34,6 +37,16 @@ void remove_what_came_later(const fs::path& folder, const fs::path& as_made) {
     }
 }
 
+// SoftHSM removes an object's lock with the object, and fails to remove an object that has none.
+void make_missing_locks(const fs::path& folder) {
+    std::vector<fs::path> locks;
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (fs::path lock = entry.path(); lock.extension() == ".object")
+            locks.push_back(lock.replace_extension(".lock"));
+    for (const fs::path& lock : locks)
+        if (!fs::exists(lock)) std::ofstream{lock};
+}
+
 } // namespace
 
 void keep_as_made(const Card& card) {
@@ -53,6 +66,7 @@ void put_back_as_made(const fs::path& folder) {
             throw Refusal("The reader \"" + card.reader + "\" holds another card: take it out first.");
         remove_what_came_later(folder, as_made);
         copy_content(as_made, folder);
+        make_missing_locks(folder);
         const unsigned long insertions = card.insertions;
         card = load_card(as_made);
         card.folder = folder;

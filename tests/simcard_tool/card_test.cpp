@@ -187,6 +187,22 @@ TEST(CardTest, IsPutBackAsItWasMade) {
     EXPECT_EQ(back.insertions, 5U) << "what was open on the card before must be void";
 }
 
+TEST(CardTest, ObjectsOfACardThatWasPutBackCanBeDestroyed) {
+    TestCards cards;
+    const Card card = cards.make();
+    for (int time = 0; time < 2; ++time) {
+        const SoftHsm hsm(cards.path());
+        TokenSession token(hsm, card);
+        ASSERT_TRUE(token.login(default_pin));
+        CK_SESSION_HANDLE session = 0;
+        hsm->C_OpenSession(*hsm.slot_of(card.token), CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr,
+                           &session);
+        for (const CK_OBJECT_HANDLE object : token.objects())
+            EXPECT_EQ(hsm->C_DestroyObject(session, object), CKR_OK) << time;
+        put_back_as_made(card.folder);
+    }
+}
+
 TEST(CardTest, DoesNotTakeAReaderFromAnotherCard) {
     TestCards cards;
     const Card first = cards.make({.name = "first"});
