@@ -287,11 +287,11 @@ TEST_F(Sign, AFileThatChangesMeanwhileIsTold) {
             module.reset();
             ASSERT_EQ(module.add_rules("C_FindObjectsInit:1:delay:60000"), 0);
             write("in", "testo");
-            std::thread other([&] {
+            std::thread other([&, act = change] {
                 while (!fs::exists(out))
                     std::this_thread::yield();
                 std::this_thread::sleep_for(std::chrono::milliseconds(15));
-                change();
+                act();
             });
             result = signFrom(in);
             other.join();
