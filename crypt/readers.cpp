@@ -19,13 +19,18 @@ std::vector<PcscReader> pcscReadersUnless(bool others) {
     }
 }
 
+// A card that answers is more likely the one meant than one that does not.
+int rank(const PcscReader& reader) {
+    return !reader.atr.empty() ? 0 : reader.hasCard ? 1 : 2;
+}
+
 // Each name once: those with a card first, then the others, then the software readers. The list cannot hold a
 // name with its separator in it; where that leaves none, it is told rather than taken for no reader.
 std::vector<std::string> readerNames() {
     const auto software = loadConfiguration().readers;
     auto readers = pcscReadersUnless(!software.empty());
-    std::stable_partition(readers.begin(), readers.end(),
-                          [](const PcscReader& reader) { return reader.hasCard; });
+    std::stable_sort(readers.begin(), readers.end(),
+                     [](const PcscReader& a, const PcscReader& b) { return rank(a) < rank(b); });
     std::vector<std::string> names;
     std::string unlisted;
     for (const auto& reader : readers)

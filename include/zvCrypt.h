@@ -112,7 +112,8 @@ typedef struct datiCert {
 /* ---- Readers and cards ---- */
 
 /**
- * Lists the card readers: those of PC/SC with a card in them, those without, the configured software readers.
+ * Lists the card readers: those of PC/SC with a card that answers, with another, without a card, the configured
+ * software readers.
  *
  * @param[out] list  1024 bytes; each name followed by "|"; whole names only, as many as fit; empty without
  *                   readers. A name with a "|" in it is left out (its reader can be looked up all the same);

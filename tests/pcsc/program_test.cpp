@@ -18,8 +18,8 @@ TEST_F(PcscProgram, ListsReadersAndCards) {
     pcsc.insert(0, {"--mute"});
     pcsc.insert(1, {"--atr", "3B0201"});
     EXPECT_EQ(zvrenew("readers").out,
-              "Desk Reader 00 00: a card that does not answer (is it the right way round?)\n"
-              "Desk Reader 00 01: card 42 (\"card\"), module libzvsimcard.so\n");
+              "Desk Reader 00 01: card 42 (\"card\"), module libzvsimcard.so\n"
+              "Desk Reader 00 00: a card that does not answer (is it the right way round?)\n");
     EXPECT_EQ(with_pin("list").code, 0) << "of two cards the known one";
 }
 

@@ -75,6 +75,7 @@ TEST_F(Readers, CardsComeAndGo) {
     EXPECT_EQ(module(other), "opensc-pkcs11.so CNS") << "another program has the card to itself";
     ::SCardReleaseContext(context);
     pcsc.insert(0, {"--mute"});
+    EXPECT_EQ(list(), other + "|" + desk + "|") << "the one whose card answers first";
     EXPECT_EQ(module(desk), "20 La smart card nel lettore " + desk +
                                 " non risponde: controllare che sia inserita dal lato giusto");
     pcsc.pull(1);
@@ -92,8 +93,6 @@ TEST_F(Readers, TheTableSaysWhichModule) {
     set_ATRini_path(log.folder().c_str());
     EXPECT_EQ(detect(), Found(-1, "/nowhere/libhost.so"));
     EXPECT_TRUE(zv::isCNS);
-    set_ATRini_path("/nowhere");
-    EXPECT_EQ(detect(), Found(ZVC_ERR_CONFIG_FILE, ""));
 }
 
 TEST_F(Readers, NamesAreTakenAsTheyAre) {
@@ -105,9 +104,7 @@ TEST_F(Readers, NamesAreTakenAsTheyAre) {
         const std::string first = given.substr(0, 121) + " 00 00";
         EXPECT_EQ(list(), first + "|" + given.substr(0, 121) + " 00 01|");
         EXPECT_EQ(detect(), Found(ZVC_ERR_NO_CARD, ""));
-        EXPECT_EQ(zv::scReader, first);
         EXPECT_NE(log.raw().find(": " + first + "\n"), std::string::npos) << first;
-        EXPECT_TRUE(module(first).starts_with("19 Nessuna smart card nel lettore ")) << first;
         EXPECT_EQ(detect((first + " and more").c_str()),
                   Found(first.size() > 120 ? ZVC_ERR_NO_CARD : ZVC_ERR_UNKNOWN_READER, ""));
         pcsc.stop();

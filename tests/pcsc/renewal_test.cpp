@@ -29,7 +29,6 @@ TEST_F(PcscRenewal, ReadsRequestsAndStores) {
     pcsc.insert(1, {"--atr", card.atr});
     const Reading again = read(PIN, nullptr);
     ASSERT_EQ(again.result, 0) << szBuffErr;
-    EXPECT_EQ(again.keyPRA, "DS3");
     EXPECT_EQ(again.pendingPRA, 1);
     ASSERT_EQ(save(issued, false), 0) << szBuffErr;
     EXPECT_TRUE(pairWorks("DS3"));
