@@ -1,6 +1,7 @@
 #include "simcard/virtual/child.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -22,6 +23,7 @@ constexpr int by_signal = 128;
         ::dup2(file, STDERR_FILENO);
     }
     ::execvp(arguments[0], arguments.data());
+    std::perror(arguments[0]);
     ::_exit(not_started);
 }
 
