@@ -1,0 +1,243 @@
+// Everything a host calls, on a card whose module answers as it likes. Lines: the calls (R read, F free
+// identifiers, P and A requests, S and T storing, X single steps; k keep, c services card, 5 and 1 series of serial
+// numbers, l with a log); pending label; key; subject; certificate ("@": the card's); objects ("c|id|label|value")
+// up to an empty line. Bytes behind it spoil the card's answers.
+#include <dlfcn.h>
+#include <fstream>
+#include <iterator>
+#include <openssl/cms.h>
+#include <openssl/evp.h>
+#include <unistd.h>
+
+#include "api/state.h"
+#include "card/detection.h"
+#include "card/session.h"
+#include "fake_card.h"
+#include "inventory/certificates.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr char PIN[] = "PIN-9517";
+
+struct Call {
+    std::string flags, pendingLabel, key, subject, certificate;
+    bool has(char flag) const { return flags.find(flag) != std::string::npos; }
+};
+
+class List {
+  public:
+    List() {
+        for (fuzz::Room& room : rooms_)
+            entries_.push_back(room.get());
+    }
+    char** entries() { return entries_.data(); }
+    void clear() {
+        for (char* entry : entries_)
+            *entry = '\0';
+    }
+    bool empty() const {
+        return std::all_of(entries_.begin(), entries_.end(),
+                           [](const char* entry) { return *entry == '\0'; });
+    }
+    // The count, then as many records of ten or eleven fields, or one more.
+    long count() const {
+        const long count = std::strtol(std::string(rooms_[0].text()).c_str(), nullptr, 10);
+        HOLDS(count >= 0 && count < ZV_LIST_ENTRIES);
+        for (int i = 1; i < ZV_LIST_ENTRIES; ++i) {
+            const std::string_view record = rooms_[static_cast<std::size_t>(i)].text();
+            HOLDS(record.empty() == (i > count));
+            HOLDS(i > count || std::count(record.begin(), record.end(), '#') >= 9);
+        }
+        return count;
+    }
+
+  private:
+    std::vector<fuzz::Room> rooms_ = [] {
+        std::vector<fuzz::Room> rooms;
+        for (int i = 0; i < ZV_LIST_ENTRIES; ++i)
+            rooms.emplace_back(std::size_t{ZV_LIST_ENTRY_SIZE}, "");
+        return rooms;
+    }();
+    std::vector<char*> entries_;
+};
+
+void holdsKeys(const fuzz::Room& keyPRA, const fuzz::Room& keyAUT, int code) {
+    if (code == 0) HOLDS(keyPRA.text().size() < ZV_KEY_ID_SIZE && keyAUT.text().size() < ZV_KEY_ID_SIZE);
+}
+
+void readCard(char* reader, char* pin) {
+    static List cns, pra, aut;
+    for (List* list : {&cns, &pra, &aut})
+        list->clear();
+    fuzz::Room keyPRA(ZV_KEY_ID_SIZE), keyAUT(ZV_KEY_ID_SIZE);
+    int pending[3] = {7, 7, 7};
+    const int code =
+        rinnovo_Card_readCerts(reader, pin, 0, cns.entries(), pra.entries(), aut.entries(), &pending[0],
+                               &pending[1], &pending[2], keyPRA.get(), keyAUT.get(), nullptr, FUZZ_MODULES);
+    if (code != 0) HOLDS(cns.empty() && pra.empty() && aut.empty());
+    HOLDS(code != 0 || cns.count() + pra.count() + aut.count() <= 10);
+    for (const int flag : pending)
+        HOLDS(flag == 0 || flag == 1);
+    HOLDS(pending[1] + pending[2] < 2 && fuzz::card.refusedPins <= 1);
+    holdsKeys(keyPRA, keyAUT, code);
+}
+
+void findFree(char* reader, char* pin) {
+    fuzz::Room keyPRA(ZV_KEY_ID_SIZE), keyAUT(ZV_KEY_ID_SIZE);
+    holdsKeys(keyPRA, keyAUT, rinnovo_Card_findFreeCKAID(reader, pin, keyPRA.get(), keyAUT.get()));
+    HOLDS(fuzz::card.refusedPins <= 1);
+}
+
+// What comes out is a CMS file in base64, whole unless it fills its buffer.
+void request(const Call& call, char* pin, bool signature) {
+    fuzz::Room out(ZV_REQUEST_SIZE);
+    std::string key = call.key;
+    const auto create = signature ? rinnovo_Card_createCertRequestPRA : rinnovo_Card_createCertRequestAUT;
+    if (create(out.get(), call.pendingLabel.c_str(), pin, key.data(), call.subject.c_str(), !call.has('k')) !=
+        0) {
+        HOLDS(out.untouched());
+        return;
+    }
+    if (out.text().size() == ZV_REQUEST_SIZE - 1) return;
+    BIO* decoder = BIO_push(BIO_new(BIO_f_base64()), BIO_new_mem_buf(out.get(), -1));
+    CMS_ContentInfo* file = d2i_CMS_bio(decoder, nullptr);
+    HOLDS(file != nullptr);
+    CMS_ContentInfo_free(file);
+    BIO_free_all(decoder);
+}
+
+// A certificate that is said to be stored is on the card, under the pending label.
+void store(const Call& call, char* pin, bool signature) {
+    fuzz::Room label(64, call.key);
+    std::string pending = call.pendingLabel, text = call.certificate;
+    if (text == "@") {
+        const std::string& der = fuzz::ownCertificate();
+        text.assign(der.size() * 2, '\0');
+        text.resize(static_cast<std::size_t>(EVP_EncodeBlock(
+            reinterpret_cast<unsigned char*>(text.data()), reinterpret_cast<const unsigned char*>(der.data()),
+            static_cast<int>(der.size()))));
+    }
+    const auto save = signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
+    const int code = save(pin, label.get(), pending.data(), text.data(), call.has('k'));
+    HOLDS(label.text().size() < label.size() && fuzz::card.refusedPins <= 1);
+    if (code != 0 || call.certificate != "@") return;
+    const std::string stored = RTrim(pending.data());
+    HOLDS(std::any_of(fuzz::card.objects.begin(), fuzz::card.objects.end(),
+                      [&](const fuzz::FakeObject& object) {
+                          return object.objectClass == CKO_CERTIFICATE && object.id == stored &&
+                                 object.value == fuzz::ownCertificate();
+                      }));
+}
+
+// Routines that no entry point reaches, or not so.
+void singleSteps(const Call& call, char* pin) {
+    zv::copyText(zv::pendingLabel, call.pendingLabel);
+    std::string key = call.key;
+    if (__Initialize(3, pin, zv::Libreria) != CKR_OK) return;
+    fuzz::Room census(1536, "");
+    const int code = FindAllObjects(zv::hSession, census.get());
+    HOLDS(code >= 0 && code <= 4 && census.text().size() < census.size());
+    HOLDS(census.text().empty() || census.text().ends_with("\r\n"));
+    DataStore(zv::hSession, call.key.c_str(), call.subject.c_str(), nullptr, false, true);
+    DeleteDataPendingCNS(zv::hSession, key.data());
+    DeleteAllPending(nullptr);
+    DeleteCertCA(zv::hSession, key.data(), nullptr);
+    const auto certificate = std::make_unique<datiCert>();
+    certificate->derLength =
+        fuzz::ownCertificate().copy(reinterpret_cast<char*>(certificate->der), sizeof certificate->der);
+    InstallCACertificate(nullptr, certificate.get(), certificate->derLength, key.data());
+    RechangeValueObject(nullptr, call.key.c_str(), key.data());
+}
+
+fuzz::FakeObject objectFrom(const std::string& line) {
+    std::string parts[4];
+    std::size_t part = 0;
+    for (const char c : line)
+        if (c == '|' && part < 3)
+            ++part;
+        else
+            parts[part] += c;
+    static constexpr std::string_view CLASSES = "dcups"; // data, certificate, public, private, secret: 0 to 4
+    const std::size_t number = parts[0].empty() ? 0 : CLASSES.find(parts[0][0]);
+    return {number, parts[1], parts[2], parts[3] == "@" ? fuzz::ownCertificate() : parts[3]};
+}
+
+void reset() {
+    static fuzz::Input none(nullptr, 0);
+    fuzz::card.answers = &none;
+    finalizza();
+    kvFinalize();
+    zv::clear(zv::pendingLabel, zv::certificateLabel, zv::certAlias, szSockMsg, szBuffErr);
+    std::fill(std::begin(zv::vettoreSlotID), std::end(zv::vettoreSlotID), CK_SLOT_ID{0});
+    std::memset(zv::Certificati, 0, sizeof zv::Certificati);
+    zv::numCertificate = 0;
+    zv::cKeepKeys = '\0';
+    zv::dName = {};
+    zv::dNameRen = {};
+    zv::hPrivateKey = zv::hPublicKey = 0;
+    is1205SerialToken = false;
+    fuzz::card = {};
+}
+
+// The PIN is not in the log, and not in the block that went to the card machinery, unless another text holds it.
+void holdsNoPin(const std::string& log, bool inInput) {
+    std::ifstream file(log, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    HOLDS(inInput || text.find(PIN) == std::string::npos);
+    HOLDS(inInput || fuzz::fieldOf(zv::szBufferRichiesta).find(PIN) == std::string_view::npos);
+    getLogPath()[0] = '\0';
+    ::unlink(log.c_str());
+}
+
+void run(const Call& call) {
+    char pin[sizeof PIN];
+    std::string reader = fuzz::card.reader;
+    for (const char letter : call.flags.substr(0, 8)) {
+        fuzz::card.refusedPins = 0;
+        zv::copyText(pin, PIN);
+        if (letter == 'R') readCard(reader.data(), pin);
+        if (letter == 'F') findFree(reader.data(), pin);
+        if (letter == 'P' || letter == 'A') request(call, pin, letter == 'P');
+        if (letter == 'S' || letter == 'T') store(call, pin, letter == 'S');
+        if (letter == 'X') singleSteps(call, pin);
+        HOLDS(letter == 'X' || (zv::hSession == 0 && zv::hModule == nullptr));
+        HOLDS(fuzz::fieldOf(szBuffErr).size() < sizeof szBuffErr &&
+              fuzz::fieldOf(szSockMsg).size() < sizeof szSockMsg);
+        if (letter == 'X') finalizza();
+    }
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string log = fuzz::scratch() + "/zvRenew.log", configuration = [] {
+        const std::string path = fuzz::scratch() + "/zvcrypt.conf", module = "\nmodule = " FUZZ_MODULE "\n";
+        fuzz::writeFile(
+            path, "[card A]\natr = 3B01" + module + "[card B]\natr = 3B02" + module +
+                      "flags = cns touchsign\n[reader Carta]\natr = 3B01\n[reader Servizi]\natr = 3B02\n");
+        // Once loaded it stays, whatever the library does.
+        HOLDS(::dlopen(FUZZ_MODULES "/" FUZZ_MODULE, RTLD_NOW) != nullptr);
+        return path;
+    }();
+    ::setenv("ZVCRYPT_CONF", configuration.c_str(), 1);
+    fuzz::Input input(data, size);
+    const std::string_view all = input.bytes();
+    Call call;
+    for (std::string* text : {&call.flags, &call.pendingLabel, &call.key, &call.subject, &call.certificate})
+        *text = input.line();
+    for (std::string line = input.line(); !line.empty(); line = input.line())
+        fuzz::card.objects.push_back(objectFrom(line));
+    fuzz::card.answers = &input;
+    fuzz::card.reader = call.has('c') ? "Servizi" : "Carta";
+    fuzz::card.serial = call.has('5') ? "1205000000000001" : call.has('1') ? "1201000000000001" : "7";
+    if (call.has('l')) zv::copyText(getLogPath(), 512, log);
+    zv::copyText(zv::pwd, FUZZ_MODULES);
+    zv::copyText(zv::Libreria, FUZZ_MODULES "/" FUZZ_MODULE);
+    zv::slot = 3;
+    run(call);
+    reset();
+    holdsNoPin(log, all.find(PIN) != std::string_view::npos);
+    return 0;
+}
