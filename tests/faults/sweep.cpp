@@ -20,9 +20,9 @@ constexpr const char* DEEDS[] = {
     "kill-after",  "absurd:text", "absurd:unavailable", "absurd:count", "absurd:length"};
 
 /// What becomes of a case. From BETWEEN on the rules leave the card worse, or the host uninformed.
-enum Kind { FINISHED, AGAIN, BETWEEN, KEEP, TWICE, HALF, REUSED, REFUSED, LESS, REST, MARKER, LOST, KINDS };
+enum Kind { DONE, AGAIN, BETWEEN, KEEP, TWICE, HALF, REUSED, REFUSED, LESS, REST, MARKER, TWO, LOST, KINDS };
 constexpr char KIND_HEADS[] =
-    "| flow | calls | cases | done | second try | A | B | C | D | E | F | G | H | I | lost |";
+    "| flow | calls | cases | done | second try | A | B | C | D | E | F | G | H | I | J | lost |";
 constexpr char TOLD_HEADS[] = "| flow | host | log: code | log: step | nobody | module open |";
 constexpr std::size_t CALLS = 0, CASES = 1, FIRST_KIND = 2, FIRST_TOLD = FIRST_KIND + KINDS;
 constexpr std::size_t OPEN = FIRST_TOLD + TOLD, WRONG = OPEN + 1, COLUMNS = WRONG + 1;
@@ -40,12 +40,14 @@ bool areAll(const Objects& objects, const std::string& pattern) {
                        [&](const std::string& object) { return std::regex_search(object, wanted); });
 }
 
-// What no rule deletes is there and works, and there is one pending pair at most.
+// What no rule deletes is there and works.
 bool isWhole(const Bench& bench, const Objects& objects) {
-    const std::string pending = std::string("private key|") + bench.plan.pending + "|";
-    return areAll(less(bench.start, objects), bench.plan.deletes) &&
-           std::count_if(objects.begin(), objects.end(),
-                         [&](const std::string& object) { return object.starts_with(pending); }) <= 1;
+    return areAll(less(bench.start, objects), bench.plan.deletes);
+}
+
+bool hasTwoPairs(const Bench& bench, const Objects& objects) {
+    const std::string pending = std::string("private key|") + bench.plan.pending + "||";
+    return std::count(objects.begin(), objects.end(), pending) > 1;
 }
 
 // A case whose host was not told of any failure.
@@ -56,14 +58,16 @@ Kind hiddenKind(const Bench& bench, const Trial& trial, const Objects& missing, 
     return missing.empty() && areAll(more, bench.plan.deletes) ? REST : LOST;
 }
 
-Kind kindOf(const Bench& bench, const Trial& trial) {
+Kind kindOf(const Bench& bench, const Trial& trial, const std::string& deed) {
     const Trial& good = bench.undisturbed;
     const auto isGood = [&](const Attempt& attempt, const Objects& objects) {
         return attempt.result == 0 && attempt.data == good.first.data && objects == good.after;
     };
     if (!isWhole(bench, trial.between) || !isWhole(bench, trial.after)) return LOST;
+    if (hasTwoPairs(bench, trial.between) || hasTwoPairs(bench, trial.after))
+        return deed == "absurd:text" ? TWO : LOST;
     const Objects lacking = less(good.after, trial.between);
-    if (!trial.killed && isGood(trial.first, trial.between)) return FINISHED;
+    if (!trial.killed && isGood(trial.first, trial.between)) return DONE;
     if (!trial.killed && trial.first.result == 0)
         return hiddenKind(bench, trial, lacking, less(trial.between, good.after));
     if (isGood(trial.second, trial.after))
@@ -107,14 +111,11 @@ void sweep(const FlowPlan& plan, std::size_t every, Row& row) {
         const std::size_t code = deed.find("answer:");
         const Trial trial = bench.run(
             rule, code == std::string::npos ? 0 : std::strtoul(deed.c_str() + code + 7, nullptr, 16));
-        const Kind kind = kindOf(bench, trial);
+        const Kind kind = kindOf(bench, trial, deed);
         const std::string wrong = wrongIn(bench, trial, function, deed);
         ++row[CASES], ++row[FIRST_KIND + kind];
         if (!trial.killed && trial.first.result != 0) ++row[FIRST_TOLD + trial.first.told];
         if (!trial.killed && trial.first.open) ++row[OPEN];
-        if (std::getenv("SWEEP_CASES") != nullptr)
-            std::cerr << plan.name << " " << function << " " << rule << " kind " << kind << " told "
-                      << trial.first.told << (trial.first.open ? " open\n" : "\n");
         if (kind != LOST && wrong.empty()) continue;
         ++row[WRONG];
         report(bench, trial,

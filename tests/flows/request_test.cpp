@@ -40,7 +40,7 @@ std::string contentOf(const std::string& base64, const simcard::Authority& autho
     return {data, static_cast<std::size_t>(length)};
 }
 
-Pkcs10 parsed(const std::string& pem) {
+Pkcs10 parsedRequest(const std::string& pem) {
     const Bio text(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
     return Pkcs10(PEM_read_bio_X509_REQ(text.get(), nullptr, nullptr, nullptr));
 }
@@ -66,7 +66,7 @@ TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
     ASSERT_EQ(request(), 0) << szBuffErr;
     const std::string pem = contentOf(requestText, authority());
     EXPECT_EQ(pem.substr(0, 36), "-----BEGIN CERTIFICATE REQUEST-----\n");
-    const Pkcs10 pkcs10 = parsed(pem);
+    const Pkcs10 pkcs10 = parsedRequest(pem);
     ASSERT_NE(pkcs10, nullptr);
     EXPECT_EQ(X509_REQ_verify(pkcs10.get(), X509_REQ_get0_pubkey(pkcs10.get())), 1);
     EXPECT_EQ(X509_REQ_get_signature_nid(pkcs10.get()), NID_sha1WithRSAEncryption);

@@ -4,7 +4,6 @@
 namespace {
 
 using namespace zvtest;
-using Lines = std::vector<std::string>;
 
 class Storing : public PendingFlow {};
 
@@ -62,24 +61,6 @@ TEST_F(Storing, WithoutAPendingPairNothingIsWritten) {
             "certificare sulla smartcard (Operazione completata con successo)\n"));
     EXPECT_TRUE(has(log.text(), "CheckPendingKeys\nErrore = 0x100\n"));
     EXPECT_EQ(objects(), before);
-}
-
-TEST_F(Storing, AFailureAtAnyCallLeavesThePairThere) {
-    for (int call = 1; call < 200; ++call) {
-        module.reset();
-        module.add_rules("*:" + std::to_string(call) + ":answer:0x30");
-        const int result = save(certificate, true);
-        const bool met = module.rules_left() == 0;
-        module.reset();
-        if (result == 0 && !met) break;
-        Lines now = objects();
-        std::erase(now, "certificate DS3");
-        ASSERT_EQ(now, before) << "call " << call;
-        if (result == 0) break;
-    }
-    ASSERT_EQ(save(certificate, true), 0);
-    EXPECT_TRUE(pairWorks("DS3"));
-    EXPECT_TRUE(pairWorks("DS0"));
 }
 
 TEST_F(Storing, AModuleThatDoesNotReadKeysIsTrusted) {
