@@ -138,7 +138,8 @@ unsigned long SepRows(char* text) {
     char* out = text;
     const char* last = text + sizeof zv::buffer - 2;
     std::size_t column = 0;
-    for (const char* from = copy; *from != '\0' && out < last; ++from) {
+    const char* from = copy;
+    for (; *from != '\0' && out < last; ++from) {
         if (*from == '\n') {
             column = 0;
         } else if (column == LINE_LENGTH) {
@@ -149,5 +150,7 @@ unsigned long SepRows(char* text) {
         }
         *out++ = *from;
     }
+    // Behind a text that is cut, what it was before would still stand.
+    if (*from != '\0') *out = '\0';
     return static_cast<unsigned long>(out - text);
 }

@@ -169,7 +169,8 @@ void reset() {
     fuzz::card.answers = &none;
     finalizza();
     kvFinalize();
-    zv::clear(zv::pendingLabel, zv::certificateLabel, zv::certAlias, szSockMsg, szBuffErr);
+    zv::clear(zv::szBufferRichiesta, zv::pendingLabel, zv::certificateLabel, zv::certAlias, szSockMsg,
+              szBuffErr);
     std::fill(std::begin(zv::vettoreSlotID), std::end(zv::vettoreSlotID), CK_SLOT_ID{0});
     std::memset(zv::Certificati, 0, sizeof zv::Certificati);
     zv::numCertificate = 0;
