@@ -72,9 +72,7 @@ Exit run(const Invocation& invocation) {
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int start(int argc, char** argv) {
     int exit = 0;
     const std::optional<Invocation> invocation = read_command_line(argc, argv, exit);
     if (!invocation) return exit;
@@ -83,4 +81,18 @@ int main(int argc, char** argv) {
     exit = static_cast<int>(run(*invocation));
     if (std::fflush(stdout) != 0) return static_cast<int>(Exit::failed);
     return exit;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // What could not be reported as an answer, such as that standard output takes none.
+    try {
+        return start(argc, argv);
+    } catch (const std::exception& error) {
+        (void)std::fprintf(stderr, "zvrenew: %s\n", error.what());
+    } catch (...) {
+        (void)std::fputs("zvrenew: unknown failure\n", stderr);
+    }
+    return static_cast<int>(Exit::failed);
 }
