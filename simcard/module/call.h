@@ -3,6 +3,7 @@
 #include "simcard/module/function_table.h"
 
 #include <array>
+#include <bit>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -29,21 +30,22 @@ struct Call {
 
     /// An argument that is a pointer.
     template <class T> [[nodiscard]] T* pointer(std::size_t index) const {
-        return reinterpret_cast<T*>(arguments[index]);
+        return std::bit_cast<T*>(arguments[index]);
     }
 };
 
 template <class T> CK_ULONG to_number(T value) {
-    static_assert(sizeof(T) <= sizeof(CK_ULONG));
-    if constexpr (std::is_pointer_v<T>)
-        return reinterpret_cast<CK_ULONG>(value);
-    else
+    if constexpr (std::is_pointer_v<T>) {
+        return std::bit_cast<CK_ULONG>(value);
+    } else {
+        static_assert(sizeof(T) <= sizeof(CK_ULONG));
         return value;
+    }
 }
 
 template <class T> T from_number(CK_ULONG number) {
     if constexpr (std::is_pointer_v<T>)
-        return reinterpret_cast<T>(number);
+        return std::bit_cast<T>(number);
     else
         return static_cast<T>(number);
 }

@@ -3,6 +3,7 @@
 #include "pkcs11.h"
 
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -16,8 +17,9 @@ enum class Function : unsigned {
 #undef ZVSIMCARD_NAME
 };
 
-#define ZVSIMCARD_ONE(name, parameters, names) +1
-inline constexpr std::size_t function_count = 0 CK_EACH_FUNCTION(ZVSIMCARD_ONE);
+#define ZVSIMCARD_ONE(name, parameters, names) Function::name,
+inline constexpr std::size_t function_count =
+    std::initializer_list<Function>{CK_EACH_FUNCTION(ZVSIMCARD_ONE)}.size();
 #undef ZVSIMCARD_ONE
 
 inline constexpr std::size_t most_parameters = 8;
