@@ -40,7 +40,7 @@ bool holds(const std::string& path, const std::string& text) {
 /// Saves what is about to be replaced. A file that holds just that already will do.
 std::string save_backup(const InstallOptions& options, const InstallPlan& plan) {
     if (!plan.old) return {};
-    const std::string path = backup_name(options, *plan.old);
+    std::string path = backup_name(options, *plan.old);
     try {
         NewFile(path).save(plan.backup);
     } catch (const Stop& stop) {
@@ -99,12 +99,8 @@ bool is_left(const InstallPlan& plan, const CardView& view, const std::string& i
     return plan.kind == Kind::services ? view.certificates(id).size() > 1 : view.has(id);
 }
 
-// The library says nothing of an object that would not go.
-void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::string& backup) {
-    if (!now.view) return;
-    std::vector<std::string> left = plan.removed;
-    std::erase_if(left, [&](const std::string& id) { return !is_left(plan, *now.view, id); });
-    if (left.empty()) return;
+Stop because_left(const std::vector<std::string>& left, const InstallPlan& plan, const CardNow& now,
+                  const std::string& backup) {
     const std::string what = plan.kind == Kind::services
                                  ? fmt::format("another certificate {} is still there", plan.pair)
                                  : fmt::format("{} could not be removed whole", fmt::join(left, ", "));
@@ -114,7 +110,15 @@ void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::st
         fmt::format("Remove it with the card's own software.\nA copy of the old certificate: {}", backup));
     stop.card = now.words;
     stop.logged = true;
-    throw stop;
+    return stop;
+}
+
+// The library says nothing of an object that would not go.
+void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::string& backup) {
+    if (!now.view) return;
+    std::vector<std::string> left = plan.removed;
+    std::erase_if(left, [&](const std::string& id) { return !is_left(plan, *now.view, id); });
+    if (!left.empty()) throw because_left(left, plan, now, backup);
 }
 
 std::string old_in_words(const InstallPlan& plan) {

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
-#include <optional>
+#include <exception>
 
 namespace zvcrypt {
 namespace {
@@ -84,7 +84,7 @@ bool gaveSomething(CK_RV result) {
 // not stand in the others' way; the first such failure is kept for the case that nothing else helps.
 struct CardCertificates {
     std::vector<CardCertificate> all;
-    std::optional<Failure> failure;
+    std::exception_ptr failure;
 };
 
 CardCertificates cardCertificates(const Session& session) {
@@ -99,7 +99,8 @@ CardCertificates cardCertificates(const Session& session) {
         const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, handle, attributes.data(),
                                           static_cast<CK_ULONG>(attributes.size()));
         if (!gaveSomething(result)) {
-            if (!certificates.failure) certificates.failure = moduleFailure("C_GetAttributeValue", result);
+            if (!certificates.failure)
+                certificates.failure = std::make_exception_ptr(moduleFailure("C_GetAttributeValue", result));
             continue;
         }
         auto certificate = readCertificate(valueOf(attributes[1], value), Trailing::ignored);
@@ -160,6 +161,7 @@ std::pair<CK_OBJECT_HANDLE, std::size_t> firstPair(const Session& session,
                                                    const std::vector<CardCertificate>& certificates) {
     if (keys.size() == 1 && haveOneKey(certificates)) return {keys[0], 0};
     std::vector<BignumPtr> moduli;
+    moduli.reserve(keys.size());
     for (const auto key : keys)
         moduli.push_back(modulusOf(session, key));
     for (std::size_t i = 0; i < certificates.size(); ++i) {
@@ -197,7 +199,7 @@ CardSigner findSigner(const Session& session, std::string_view keyId) {
     const auto keys = privateKeys(session, keyId);
     auto [others, failure] = cardCertificates(session);
     auto own = takeOwn(others, keyId);
-    if (own.empty() && failure) throw *failure;
+    if (own.empty() && failure) std::rethrow_exception(failure);
     if (own.empty())
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Nessun certificato \"" + std::string(keyId) + "\" sulla smart card");

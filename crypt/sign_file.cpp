@@ -39,15 +39,17 @@ Content readThrough(InputFile& file, const HashAlgorithm& hash,
 // was.
 void writeContent(OutputFile& output, InputFile& input, const HashAlgorithm& hash, const Content& content,
                   const char* path) {
-    const Failure changed(ZVC_ERR_INPUT, std::string(path) + " è cambiato durante la firma");
+    const auto changed = [path] {
+        return Failure(ZVC_ERR_INPUT, std::string(path) + " è cambiato durante la firma");
+    };
     input.rewind();
     std::size_t left = content.length;
     const Content written = readThrough(input, hash, [&](auto bytes) {
-        if (bytes.size() > left) throw changed;
+        if (bytes.size() > left) throw changed();
         left -= bytes.size();
         output.write(bytes);
     });
-    if (written.digest != content.digest) throw changed;
+    if (written.digest != content.digest) throw changed();
 }
 
 void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
