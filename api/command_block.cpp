@@ -31,7 +31,7 @@ constexpr std::size_t orgUnitOffset(std::size_t index) {
     { key, orgUnitOffset(index), sizeof datiDN::orgUnit[0] }
 
 // Written in this order, and looked for in this order in every line.
-const BlockKey BLOCK[BLOCK_KEYS] = {
+constexpr BlockKey BLOCK[BLOCK_KEYS] = {
     ZV_KEY("slot:", slot),
     ZV_KEY("certificatelabel:", certificateLabel),
     ZV_KEY("szdll:", szDll),

@@ -21,7 +21,7 @@ using zv::reportSentence;
 using zv::rv;
 
 void formatMessage(const char* format, const char* text) {
-    std::snprintf(szSockMsg, sizeof szSockMsg, format, zv::orEmpty(text));
+    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, zv::orEmpty(text));
 }
 
 // The step and the sentence go to the log, the sentence to the user.
@@ -35,7 +35,7 @@ int failLoading() {
     static constexpr char FORMAT[] =
         "Errore nel caricamento della libreria di gestione della smartcard\n (error %s)";
     zv::Sentence sentence;
-    std::snprintf(sentence, sizeof sentence, FORMAT, zv::orEmpty(::dlerror()));
+    (void)std::snprintf(sentence, sizeof sentence, FORMAT, zv::orEmpty(::dlerror()));
     // The loader's text can be asked for once: the user's message has none.
     formatMessage(FORMAT, ::dlerror());
     WriteErr(FULL_TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);

@@ -172,7 +172,11 @@ std::string DistinguishedName::oid_form() const {
     std::string text;
     for (const auto& [name, value] : attributes_) {
         const AttributeType* type = by_name(name);
-        text += (type != nullptr ? std::string(type->oid) : name + "=") + value;
+        if (type != nullptr)
+            text.append(type->oid);
+        else
+            text.append(name).append("=");
+        text.append(value);
     }
     return text;
 }
@@ -193,8 +197,8 @@ std::string DistinguishedName::value(std::string_view name) const {
 std::string DistinguishedName::why_not_requestable() const {
     if (attributes_.empty()) return "it has no attribute that a request carries";
     for (const NameAttribute& attribute : attributes_) {
-        if (const std::string reason = why_not(attribute); !reason.empty()) return reason;
-        const std::string swallowed = exact_ ? "" : why_swallowed(attribute.value);
+        if (std::string reason = why_not(attribute); !reason.empty()) return reason;
+        std::string swallowed = exact_ ? "" : why_swallowed(attribute.value);
         if (!swallowed.empty()) return swallowed;
         const auto times =
             std::count_if(attributes_.begin(), attributes_.end(),

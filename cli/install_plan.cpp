@@ -26,6 +26,7 @@ struct Match {
 
 std::string ids(const std::vector<WaitingPair>& pairs) {
     std::vector<std::string> list;
+    list.reserve(pairs.size());
     for (const WaitingPair& pair : pairs)
         list.push_back(pair.id);
     return fmt::format("{}", fmt::join(list, ", "));

@@ -29,9 +29,9 @@ class CertificateList {
     void set_count_to_zero() { entries_[0][0] = '0'; }
 
     [[nodiscard]] std::vector<std::string> records() const {
-        const int count = std::clamp(std::atoi(entries_[0]), 0, ZV_LIST_ENTRIES - 1);
+        const long count = std::clamp(std::strtol(entries_[0], nullptr, 10), 0L, ZV_LIST_ENTRIES - 1L);
         std::vector<std::string> found;
-        for (int i = 1; i <= count; ++i) {
+        for (long i = 1; i <= count; ++i) {
             const char* entry = entries_[static_cast<std::size_t>(i)];
             found.emplace_back(entry, strnlen(entry, ZV_LIST_ENTRY_SIZE));
         }

@@ -17,7 +17,7 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t largest_file = 1024 * 1024;
+constexpr std::size_t largest_file = std::size_t{1024} * 1024;
 
 // What fits the library's command (8,000 characters), the card's fields and its keys.
 constexpr std::size_t longest_text = 7500;
@@ -74,7 +74,7 @@ std::string from_base64(const std::string& text) {
     EVP_DecodeInit(decoder.get());
     if (EVP_DecodeUpdate(decoder.get(), to, &body, from, static_cast<int>(text.size())) < 0) return {};
     if (EVP_DecodeFinal(decoder.get(), to + body, &rest) < 0) return {};
-    out.resize(static_cast<std::size_t>(body + rest));
+    out.resize(static_cast<std::size_t>(body) + static_cast<std::size_t>(rest));
     return out;
 }
 

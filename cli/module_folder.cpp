@@ -67,7 +67,7 @@ fs::path folder_of_module(const std::string& module, const std::string& given) {
     const std::vector<fs::path> folders = given.empty() ? module_folders() : std::vector<fs::path>{given};
     for (const fs::path& folder : folders) {
         if (!holds(folder, module)) continue;
-        const fs::path found = fs::absolute(folder).lexically_normal();
+        fs::path found = fs::absolute(folder).lexically_normal();
         if (found.native().size() > longest_folder)
             throw Stop(Exit::refused, "The module's folder has a path of more than 511 characters.");
         return found;

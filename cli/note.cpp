@@ -13,7 +13,7 @@ std::string printable(std::string text) {
 
 void note(const std::string& line) {
     fmt::print(stderr, "{}\n", printable(line));
-    std::fflush(stderr);
+    (void)std::fflush(stderr);
 }
 
 } // namespace cli

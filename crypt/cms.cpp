@@ -9,7 +9,9 @@ namespace {
 
 using der::tlv;
 
-const Bytes null{0x05, 0x00};
+Bytes null() {
+    return {0x05, 0x00};
+}
 
 Bytes versionOne() {
     return {der::integer, 0x01, 0x01};
@@ -57,7 +59,7 @@ Bytes retagged(Bytes attributes) {
 Bytes signerInfo(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
     return tlv(der::sequence, {versionOne(), tlv(der::sequence, {issuerName(signer), serialNumber(signer)}),
                                digestAlgorithm(hash), retagged(attributes),
-                               tlv(der::sequence, {der::objectIdentifier(NID_rsaEncryption), null}),
+                               tlv(der::sequence, {der::objectIdentifier(NID_rsaEncryption), null()}),
                                tlv(der::octetString, {signature})});
 }
 
@@ -72,7 +74,7 @@ Bytes signedAttributes(const Bytes& contentDigest, X509& signer, std::time_t sig
 }
 
 Bytes digestInfo(const HashAlgorithm& hash, const Bytes& digest) {
-    const Bytes algorithm = tlv(der::sequence, {der::objectIdentifier(hash.nid), null});
+    const Bytes algorithm = tlv(der::sequence, {der::objectIdentifier(hash.nid), null()});
     return tlv(der::sequence, {algorithm, tlv(der::octetString, {digest})});
 }
 

@@ -13,7 +13,7 @@
 namespace zvcrypt {
 namespace {
 
-constexpr off_t largestTable = 8 * 1024 * 1024;
+constexpr off_t largestTable = off_t{8} * 1024 * 1024;
 constexpr const char* systemConfiguration = "/etc/zvcrypt.conf";
 
 // The environment belongs to the caller, not to the owner of a set-user-id program.

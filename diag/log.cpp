@@ -31,6 +31,7 @@ File openPlain(const char* path, int flags, const char* mode) {
     return {file, &std::fclose};
 }
 
+// A log that cannot be opened or written stops nothing: there is nowhere to say so.
 File openLog() {
     return openPlain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
 }
@@ -49,17 +50,17 @@ void emptyLog(std::FILE* log, const char* prefix) {
     zv::appendText(companion, ".1");
     openPlain(companion, O_WRONLY | O_CREAT | O_TRUNC, "w");
     [[maybe_unused]] const int emptied = ::ftruncate(::fileno(log), 0);
-    std::fseek(log, 0, SEEK_END);
+    (void)std::fseek(log, 0, SEEK_END);
     for (const char* line :
          {"----------------------------------", "zvRenew", ZV_VERSION, "----------------------------------"})
-        std::fprintf(log, "%s%s\n", prefix, line);
+        (void)std::fprintf(log, "%s%s\n", prefix, line);
 }
 
 void writeDatum(std::FILE* log, const char* data, int length) {
     if (data == nullptr && length == 0) return;
-    if (length == 0) std::fputs(data, log);
-    if (length > 0 && data != nullptr) std::fwrite(data, 1, static_cast<std::size_t>(length), log);
-    std::fputc('\n', log);
+    if (length == 0) (void)std::fputs(data, log);
+    if (length > 0 && data != nullptr) (void)std::fwrite(data, 1, static_cast<std::size_t>(length), log);
+    (void)std::fputc('\n', log);
 }
 
 } // namespace
@@ -84,10 +85,10 @@ void scriviLog(const char* message) {
     formatTime(prefix, "[%d %b %Y %H:%M:%S]: ");
     const File log = openLog();
     if (log == nullptr) return;
-    std::fseek(log.get(), 0, SEEK_END);
+    (void)std::fseek(log.get(), 0, SEEK_END);
     if (std::ftell(log.get()) > SIZE_LIMIT) emptyLog(log.get(), prefix);
     const bool empty = message == nullptr || message[0] == '\0';
-    std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
+    (void)std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
 }
 
 void WriteLog(const char* title, const char* data1, int len1, const char* data2, int len2) {
@@ -95,7 +96,7 @@ void WriteLog(const char* title, const char* data1, int len1, const char* data2,
     formatTime(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
     const File log = openLog();
     if (log == nullptr) return;
-    std::fprintf(log.get(), "%s%s\n", prefix, zv::orEmpty(title));
+    (void)std::fprintf(log.get(), "%s%s\n", prefix, zv::orEmpty(title));
     writeDatum(log.get(), data1, len1);
     writeDatum(log.get(), data2, len2);
 }

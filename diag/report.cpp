@@ -32,7 +32,7 @@ void reportSentence(const char* sentence) {
 
 void reportSentence(const char* format, CK_RV code) {
     Sentence sentence;
-    std::snprintf(sentence, sizeof sentence, format, errorMessage(code));
+    (void)std::snprintf(sentence, sizeof sentence, format, errorMessage(code));
     reportSentence(sentence);
 }
 

@@ -201,6 +201,7 @@ typedef CK_FUNCTION_LIST_PTR* CK_FUNCTION_LIST_PTR_PTR;
 
 /* The prototypes, and for each function the type of a pointer to it (CK_C_Initialize, ...). */
 #define CK_DECLARE_FUNCTION(name, parameters, names)                                                         \
+    /* NOLINTNEXTLINE(bugprone-macro-parentheses): parameters come with their own */                         \
     typedef CK_RV(*CK_##name) parameters;                                                                    \
     CK_RV name parameters;
 CK_EACH_FUNCTION(CK_DECLARE_FUNCTION)

@@ -89,7 +89,7 @@ CK_RV createCertificate(const char* title, const datiCert& certificate, unsigned
 void LogInstallCertificate(unsigned long session, CK_ATTRIBUTE*, unsigned long count,
                            unsigned long* certificate) {
     char line[128];
-    std::snprintf(line, sizeof line, "hSession = <%lu> ulCount = <%lu> hCert = <%lu>", session, count,
-                  reinterpret_cast<unsigned long>(certificate));
+    (void)std::snprintf(line, sizeof line, "hSession = <%lu> ulCount = <%lu> hCert = <%lu>", session, count,
+                        reinterpret_cast<unsigned long>(certificate));
     zv::trace(" .... InstallCertificate FUN         .... ", line);
 }

@@ -69,9 +69,9 @@ int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char*
     parts.trimSerial();
     if (zv::createCertificate(USER_TITLE, *cert, derLength, label, parts) != CKR_OK) {
         zv::Sentence sentence;
-        std::snprintf(sentence, sizeof sentence,
-                      "Certificato non memorizzato correttamente sulla smartcard (%s)",
-                      zv::errorMessage(zv::rv));
+        (void)std::snprintf(sentence, sizeof sentence,
+                            "Certificato non memorizzato correttamente sulla smartcard (%s)",
+                            zv::errorMessage(zv::rv));
         return fail(label, pkcs11Library, sentence);
     }
     zv::trace(USER_TITLE, "F I N E");

@@ -73,7 +73,8 @@ unsigned short signAgain(const ADATA& info, const LoginData& login, Signature& s
     if (code == 0) return 0;
     reportCode(REQUEST_TITLE, "SignIt", code);
     Sentence sentence;
-    std::snprintf(sentence, sizeof sentence, "Firma sequenza di hash fallita (error 2 %lx)", CK_RV{code});
+    (void)std::snprintf(sentence, sizeof sentence, "Firma sequenza di hash fallita (error 2 %lx)",
+                        CK_RV{code});
     reportSentence(sentence);
     return failRequest(
         "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
@@ -109,7 +110,7 @@ bool PublicKey::isBlank(std::size_t bytes) const {
 }
 
 unsigned short failRequest(const char* format, CK_RV code) {
-    std::snprintf(szSockMsg, sizeof szSockMsg, format, code);
+    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, code);
     return REQUEST_FAILED;
 }
 

@@ -22,7 +22,7 @@ zv::Der digestInfo(const Digest& digest) {
 void traceDigest(const Digest& digest) {
     char text[2 * sizeof(Digest) + 1];
     for (std::size_t i = 0; i < digest.size(); ++i)
-        std::snprintf(text + 2 * i, 3, "%02X", unsigned{digest[i]});
+        (void)std::snprintf(text + 2 * i, 3, "%02X", unsigned{digest[i]});
     zv::trace(SIGN_TITLE, "C_Sign", text);
 }
 

@@ -27,7 +27,7 @@ char* joinPrefix(char (&buffer)[128], const char* prefix, std::string_view tail)
 
 char* joinHex(char (&buffer)[128], const char* prefix, const char* digits) {
     char tail[34];
-    std::snprintf(tail, sizeof tail, "0x%s", digits);
+    (void)std::snprintf(tail, sizeof tail, "0x%s", digits);
     return joinPrefix(buffer, prefix, tail);
 }
 
@@ -35,8 +35,8 @@ char* writeHex(char* destination, const char* prefix, const char* digits) {
     if (destination == nullptr) return nullptr;
     const char* start = zv::orEmpty(prefix);
     const std::size_t length = std::strlen(start);
-    std::memmove(destination, start, length);
-    std::memcpy(destination + length, "0x", 2);
+    std::memmove(destination, start, length + 1);
+    std::memcpy(destination + length, "0x", sizeof "0x");
     std::memcpy(destination + length + 2, digits, std::strlen(digits) + 1);
     return destination;
 }
@@ -44,12 +44,12 @@ char* writeHex(char* destination, const char* prefix, const char* digits) {
 } // namespace
 
 char* _itoa(int value, char* buffer, int) {
-    std::snprintf(buffer, 12, "%d", value);
+    (void)std::snprintf(buffer, 12, "%d", value);
     return buffer;
 }
 
 char* _ltoa(long value, char* buffer, int) {
-    std::snprintf(buffer, 21, "%ld", value);
+    (void)std::snprintf(buffer, 21, "%ld", value);
     return buffer;
 }
 

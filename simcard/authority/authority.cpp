@@ -17,7 +17,7 @@ constexpr const char* certificate_file = "certificate.pem";
 // Wide enough that every certificate of a card, also one made as long expired, lies within it.
 Validity authority_validity() {
     const std::time_t now = std::time(nullptr);
-    return {now - 10 * 365 * one_day, now + 20 * 365 * one_day};
+    return {now - 10 * one_year, now + 20 * one_year};
 }
 
 DistinguishedName authority_name() {

@@ -15,7 +15,8 @@ struct Validity {
     std::time_t to;
 };
 
-constexpr std::time_t one_day = 24 * 60 * 60;
+constexpr std::time_t one_day = std::time_t{24} * 60 * 60;
+constexpr std::time_t one_year = 365 * one_day;
 
 /// The longest that a certificate is issued for: less than the authority itself has left for a long while.
 constexpr int longest_days = 10 * 365;

@@ -13,7 +13,7 @@
 namespace simcard {
 namespace {
 
-constexpr std::size_t largest_file = 1024 * 1024;
+constexpr std::size_t largest_file = std::size_t{1024} * 1024;
 
 class Descriptor {
   public:

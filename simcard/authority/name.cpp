@@ -17,7 +17,7 @@ std::string sha1_in_base64(const std::string& text) {
     unsigned length = 0;
     if (EVP_Digest(text.data(), text.size(), digest.data(), &length, EVP_sha1(), nullptr) != 1)
         fail_with_openssl_reason("Computing a digest");
-    std::array<char, 2 * EVP_MAX_MD_SIZE> encoded{};
+    std::array<char, std::size_t{2} * EVP_MAX_MD_SIZE> encoded{};
     EVP_EncodeBlock(reinterpret_cast<unsigned char*>(encoded.data()), digest.data(),
                     static_cast<int>(length));
     return encoded.data();
@@ -73,7 +73,7 @@ std::string value_in_name(const X509_NAME& name, int nid) {
 }
 
 std::string person_in_name(const X509_NAME& name) {
-    if (const std::string number = value_in_name(name, NID_serialNumber); !number.empty()) return number;
+    if (std::string number = value_in_name(name, NID_serialNumber); !number.empty()) return number;
     const std::string common_name = value_in_name(name, NID_commonName);
     const auto slash = common_name.find('/');
     return slash == std::string::npos ? std::string() : common_name.substr(0, slash);

@@ -41,7 +41,7 @@ class Replacement {
     }
     ~Replacement() {
         if (descriptor_ >= 0) ::close(descriptor_);
-        if (!name_.empty()) std::remove(name_.c_str());
+        if (!name_.empty()) (void)std::remove(name_.c_str());
     }
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;

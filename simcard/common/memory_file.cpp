@@ -21,8 +21,8 @@ MemoryFile::~MemoryFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 #else
-MemoryFile::MemoryFile(const char* name) {
-    path_ = std::filesystem::temp_directory_path() / (std::string(name) + ".XXXXXX");
+MemoryFile::MemoryFile(const char* name)
+    : path_(std::filesystem::temp_directory_path() / (std::string(name) + ".XXXXXX")) {
     descriptor_ = ::mkstemp(path_.data());
 }
 

@@ -27,7 +27,7 @@ template <class D> const D* find(const std::vector<Deed>& deeds) {
 }
 
 [[noreturn]] void kill_this_process() {
-    std::raise(SIGKILL);
+    (void)std::raise(SIGKILL);
     std::abort();
 }
 

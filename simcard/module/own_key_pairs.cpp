@@ -111,7 +111,7 @@ std::optional<RsaKey> ready_made(const Session& session, CK_ULONG bits) {
     SideSession side(session);
     for (const RsaKey& key : read_keys(control().key_file()))
         if (key.bits() == bits && !side.holds(key.modulus())) return key;
-    const auto made = side.generate(bits);
+    auto made = side.generate(bits);
     if (made) append_key(control().key_file(), *made);
     return made;
 }

@@ -13,7 +13,7 @@ namespace {
 
 /// The folder of cards, made when it is not there: SoftHSM does not start without one.
 fs::path existing_home() {
-    const fs::path home = cards_home();
+    fs::path home = cards_home();
     std::error_code error;
     if (!fs::exists(home, error)) {
         fs::create_directories(home, error);

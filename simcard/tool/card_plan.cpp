@@ -47,7 +47,7 @@ std::string random_serial() {
 
 std::string free_reader(const std::filesystem::path& home) {
     for (char number = '0'; number <= '9'; ++number)
-        if (const std::string reader = std::string("Simulated Reader ") + number; !holds_a_card(home, reader))
+        if (std::string reader = std::string("Simulated Reader ") + number; !holds_a_card(home, reader))
             return reader;
     throw Refusal("The readers from \"Simulated Reader 0\" to 9 all hold a card: name another reader.");
 }

@@ -36,7 +36,8 @@ std::string text_or_hexadecimal(const std::string& bytes) {
 std::string day_of(const ASN1_TIME& time) {
     std::tm broken_down{};
     char text[16] = "";
-    if (ASN1_TIME_to_tm(&time, &broken_down) == 1) std::strftime(text, sizeof text, "%Y-%m-%d", &broken_down);
+    if (ASN1_TIME_to_tm(&time, &broken_down) == 1)
+        (void)std::strftime(text, sizeof text, "%Y-%m-%d", &broken_down);
     return text;
 }
 

@@ -11,7 +11,7 @@ constexpr std::size_t longest_field = 0xFF;
 
 std::string length_in_digits(std::string_view text, int digits) {
     std::array<char, 17> number{};
-    std::snprintf(number.data(), number.size(), "%0*zX", digits, text.size());
+    (void)std::snprintf(number.data(), number.size(), "%0*zX", digits, text.size());
     return number.data();
 }
 
@@ -24,7 +24,7 @@ std::string day_of(std::time_t time) {
     std::tm broken_down{};
     std::array<char, 9> text{};
     gmtime_r(&time, &broken_down);
-    std::strftime(text.data(), text.size(), "%d%m%Y", &broken_down);
+    (void)std::strftime(text.data(), text.size(), "%d%m%Y", &broken_down);
     return text.data();
 }
 

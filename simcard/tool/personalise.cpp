@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr std::time_t certificate_life = 3 * 365 * one_day;
+constexpr std::time_t certificate_life = 3 * one_year;
 
 Validity validity_ending_in(int days) {
     const std::time_t now = std::time(nullptr);

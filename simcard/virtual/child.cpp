@@ -31,6 +31,7 @@ constexpr int by_signal = 128;
 
 Child::Child(std::vector<std::string> command, const std::string& log) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& word : command)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -31,7 +31,7 @@ void hold_stop_signals() {
     ::pthread_sigmask(SIG_BLOCK, &held, &while_waiting);
     for (const int signal : stop_signals)
         sigdelset(&while_waiting, signal);
-    std::signal(SIGPIPE, SIG_IGN); // a reader that is gone is a failed write
+    (void)std::signal(SIGPIPE, SIG_IGN); // a reader that is gone is a failed write
 }
 
 Wait wait_readable(int descriptor, std::chrono::milliseconds limit) {

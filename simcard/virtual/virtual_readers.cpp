@@ -41,8 +41,9 @@ bool service_answers() {
 
 std::string configuration(const std::string& name) {
     if (name.empty()) return {};
-    return "FRIENDLYNAME \"" + name + "\"\nDEVICENAME /dev/null:" + std::to_string(first_port) +
-           "\nLIBPATH " VPCD_DRIVER "\nCHANNELID " + std::to_string(first_port) + "\n";
+    const std::string port = std::to_string(first_port);
+    return "FRIENDLYNAME \"" + name + "\"\nDEVICENAME /dev/null:" + port +
+           "\nLIBPATH " VPCD_DRIVER "\nCHANNELID " + port + "\n";
 }
 
 } // namespace
