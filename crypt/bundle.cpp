@@ -1,6 +1,7 @@
 #include "bundle.h"
 
 #include "certificate.h"
+#include "certificate_parts.h"
 #include "failure.h"
 
 #include <algorithm>
@@ -8,12 +9,13 @@
 namespace zvcrypt {
 namespace {
 
-// Null when the bytes do not start as a certificate.
-X509Ptr readOnlyCertificate(const Bytes& der) {
-    auto certificate = readCertificate(der, Trailing::refused);
-    if (!certificate && readCertificate(der, Trailing::ignored))
-        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati");
-    return certificate;
+bool startsAsCertificate(const Bytes& der) {
+    try {
+        (void)takeApart(der);
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
 }
 
 // Null when the bytes do not start as such a bundle.
@@ -34,8 +36,13 @@ void addCertificatesOf(CMS_ContentInfo& bundle, std::vector<X509Ptr>& certificat
     }
 }
 
-bool isAuthority(X509& certificate) {
-    return (X509_get_extension_flags(&certificate) & EXFLAG_CA) != 0;
+// One that stands alone must say, too, that it signs others: tools call what they make for a holder an
+// authority's.
+bool isAuthority(X509& certificate, bool alone) {
+    const auto flags = X509_get_extension_flags(&certificate);
+    const bool signsOthers =
+        (flags & EXFLAG_KUSAGE) != 0 && (X509_get_key_usage(&certificate) & KU_KEY_CERT_SIGN) != 0;
+    return (flags & EXFLAG_CA) != 0 && (signsOthers || !alone);
 }
 
 bool isSame(const X509Ptr& one, const X509Ptr& other) {
@@ -45,12 +52,9 @@ bool isSame(const X509Ptr& one, const X509Ptr& other) {
 } // namespace
 
 void addCertificate(const Bytes& der, std::vector<X509Ptr>& certificates) {
-    auto certificate = readOnlyCertificate(der);
-    if (!certificate) {
-        (void)requireCertificate(der.data(), der.size()); // has the reason, if there is one to tell
-        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile");
-    }
-    certificates.push_back(std::move(certificate));
+    if (takeApart(der).whole.size() != der.size())
+        throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati");
+    certificates.push_back(requireCertificate(der.data(), der.size()));
 }
 
 void addTrustedCertificate(const Bytes& der, std::vector<X509Ptr>& certificates) {
@@ -68,8 +72,8 @@ void addBundle(const Bytes& der, std::vector<X509Ptr>& certificates) {
 }
 
 void addCertificateOrBundle(const Bytes& der, std::vector<X509Ptr>& certificates) {
-    if (auto certificate = readOnlyCertificate(der))
-        certificates.push_back(std::move(certificate));
+    if (startsAsCertificate(der))
+        addCertificate(der, certificates);
     else if (const auto bundle = readOnlyBundle(der))
         addCertificatesOf(*bundle, certificates);
     else
@@ -84,7 +88,9 @@ const X509& holderCertificate(const std::vector<X509Ptr>& certificates) {
             std::any_of(certificates.begin(), certificates.end(), [&](const X509Ptr& other) {
                 return !isSame(one, other) && isIssuedBy(*other, *one);
             });
-        if (isAuthority(*one) || issuedAnother || (holder != nullptr && isSame(one, *holder))) continue;
+        if (isAuthority(*one, certificates.size() == 1) || issuedAnother ||
+            (holder != nullptr && isSame(one, *holder)))
+            continue;
         if (holder != nullptr)
             throw Failure(ZVC_ERR_TWO_HOLDERS, "Il testo contiene i certificati di più titolari");
         holder = &one;

@@ -103,7 +103,7 @@ CardCertificates cardCertificates(const Session& session) {
                 certificates.failure = std::make_exception_ptr(moduleFailure("C_GetAttributeValue", result));
             continue;
         }
-        auto certificate = readCertificate(valueOf(attributes[1], value), Trailing::ignored);
+        auto certificate = readCertificate(valueOf(attributes[1], value));
         if (certificate) certificates.all.push_back({valueOf(attributes[0], id), std::move(certificate)});
     }
     return certificates;

@@ -13,10 +13,9 @@ X509Ptr parsed(der::Span certificate) {
 
 } // namespace
 
-X509Ptr readCertificate(std::span<const unsigned char> der, Trailing trailing) {
+X509Ptr readCertificate(std::span<const unsigned char> der) {
     try {
-        const auto whole = takeApart(der).whole;
-        return trailing == Trailing::refused && whole.size() != der.size() ? nullptr : parsed(whole);
+        return parsed(takeApart(der).whole);
     } catch (const Failure&) {
         return nullptr;
     }

@@ -6,13 +6,11 @@
 
 namespace zvcrypt {
 
-// What may follow a certificate in its buffer: cards pad, a certificate on its way has nothing behind it.
-enum class Trailing { refused, ignored };
+// Null when the bytes are no certificate in DER, or one that OpenSSL does not take. What follows is ignored, as
+// cards pad.
+[[nodiscard]] X509Ptr readCertificate(std::span<const unsigned char> der);
 
-// Null when the bytes are no certificate in DER, or one that OpenSSL does not take.
-[[nodiscard]] X509Ptr readCertificate(std::span<const unsigned char> der, Trailing trailing);
-
-// The same for a caller that wants the reason: ZVC_ERR_BAD_CERTIFICATE. What follows is ignored.
+// The same for a caller that wants the reason: ZVC_ERR_BAD_CERTIFICATE.
 [[nodiscard]] X509Ptr requireCertificate(const unsigned char* der, unsigned long length);
 
 [[nodiscard]] Bytes certificateDer(const X509& certificate);

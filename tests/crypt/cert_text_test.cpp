@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using test::base64;
 using test::bundle;
 using test::Bytes;
@@ -80,7 +82,11 @@ TEST_F(CertText, AnAuthorityWithoutTheMarkIsKnownByWhatItIssued) {
     const auto issued = test::make({.issuer = &old});
     EXPECT_EQ(split(pem(old.der) + pem(issued.der)), ZVC_OK) << reason;
     EXPECT_EQ(found(), issued.der);
-    EXPECT_EQ(split(pem(old.der)), ZVC_OK) << "alone it is a certificate like any other";
+    const auto selfMade = test::make({.extensions = "basicConstraints = critical, CA:TRUE"});
+    for (const auto& alone : {old.der, selfMade.der})
+        EXPECT_EQ(split(pem(alone)), ZVC_OK) << "alone it is a certificate like any other";
+    EXPECT_EQ(split(pem(selfMade.der) + pem(issued.der)), ZVC_OK) << reason;
+    EXPECT_EQ(found(), issued.der);
 }
 
 TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
@@ -94,8 +100,10 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
     };
     const std::string one = pem(holder.der), body = base64(holder.der),
                       begin = "-----BEGIN CERTIFICATE-----\n";
-    const std::string end = "-----END CERTIFICATE-----";
+    const std::string end = "-----END CERTIFICATE-----", holderName = "Titolare";
     const Bytes chain = bundle({authority, holder});
+    Bytes badName = holder.der; // UTF-8 that is none
+    *std::search(badName.begin(), badName.end(), holderName.begin(), holderName.end()) = 0xFF;
     std::string longName = "CN=Lungo";
     for (int unit = 0; unit < 8; ++unit)
         longName += "|OU=" + std::string(60, 'x');
@@ -114,6 +122,7 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
         {base64(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(cut(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato"},
+        {base64(badName), ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile"},
         {base64(longer(chain)), ZVC_ERR_TEXT_FORM, "PKCS#7 dei certificati è seguita da altri dati"},
         {pem(longer(trusted(holder)), "TRUSTED CERTIFICATE"), ZVC_ERR_BAD_CERTIFICATE, "TRUSTED"},
         {pem(holder.der, "PKCS7"), ZVC_ERR_TEXT_FORM, "busta PKCS#7 dei certificati non è leggibile"},
