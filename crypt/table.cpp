@@ -72,12 +72,13 @@ void TableParser::noteAt(int line, std::string problem) {
 char* TableParser::feed(char* line, int room) {
     if (rest_.empty() || problemLine_ != 0) return nullptr;
     const auto end = std::min(rest_.find('\n'), rest_.size());
-    const auto content = trimmed(rest_.substr(0, end));
+    const auto whole = rest_.substr(0, end);
+    const auto content = trimmed(whole);
     rest_.remove_prefix(std::min(end + 1, rest_.size()));
     ++line_;
     if (content.size() >= static_cast<std::size_t>(room) - 2)
         note("riga di più di " + std::to_string(room - 3) + " caratteri");
-    else if (content.find('\0') != std::string_view::npos)
+    else if (whole.find('\0') != std::string_view::npos)
         note("non è una riga di testo");
     else if (content.starts_with('['))
         beginSection(content.substr(1));

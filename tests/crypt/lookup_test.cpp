@@ -150,6 +150,7 @@ TEST_F(Lookup, AMalformedLineIsNamed) {
         {"[reader a]\natr = 3B..\n", "riga 2: ATR"},
         {"[reader a]\nname = a|b\n", "riga 2: nome di lettore"},
         {"[reader a]\natr = 3B00\n[reader b]\nname = a\natr = 3B00\n", "riga 3: lettore ripetuto"},
+        {std::string(400, '\0'), "riga 1: non è una riga di testo"}, // what a power failure leaves
         {card + "# " + std::string(400, '-') + "\n", "riga 3: riga di più di"},
     };
     for (const auto& [text, reason] : cases) {
