@@ -35,8 +35,10 @@ std::string dottedNumber(der::Span identifier) {
 
 std::string shortName(der::Span identifier) {
     const auto object = objectOf(identifier);
+    // The host may have added the number to OpenSSL's table, and without a name.
     const int nid = OBJ_obj2nid(object.get());
-    return nid != NID_undef ? OBJ_nid2sn(nid) : numberOf(*object);
+    const char* name = nid == NID_undef ? nullptr : OBJ_nid2sn(nid);
+    return name == nullptr ? numberOf(*object) : name;
 }
 
 } // namespace zvcrypt

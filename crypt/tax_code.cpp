@@ -17,6 +17,12 @@ bool isTaxCode(std::string_view text) {
                       [](char c, char kind) { return isLetter(c) || (kind == 'D' && c >= '0' && c <= '9'); });
 }
 
+// What a person has before the final code: eleven digits.
+bool isProvisionalCode(std::string_view text) {
+    return text.size() == 11 &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 bool startsWithAnyCase(std::string_view text, std::string_view prefix) {
     return text.size() >= prefix.size() &&
            std::equal(prefix.begin(), prefix.end(), text.begin(), [](char a, char b) {
@@ -27,14 +33,17 @@ bool startsWithAnyCase(std::string_view text, std::string_view prefix) {
 } // namespace
 
 std::string taxCode(std::string_view serialNumber, std::string_view commonName) {
-    // Said to be one: whatever follows, a provisional code of eleven digits too.
+    // Said to be one: whatever follows.
     for (const std::string_view prefix : {"IT:", "TINIT-"})
-        if (startsWithAnyCase(serialNumber, prefix)) return std::string(serialNumber.substr(prefix.size()));
+        if (serialNumber.size() > prefix.size() && startsWithAnyCase(serialNumber, prefix))
+            return std::string(serialNumber.substr(prefix.size()));
     const auto separator = serialNumber.find_first_of("-:");
     const auto bare = separator == std::string_view::npos ? serialNumber : serialNumber.substr(separator + 1);
     if (isTaxCode(bare)) return std::string(bare);
-    const auto front = commonName.substr(0, commonName.find('/'));
-    return isTaxCode(front) ? std::string(front) : std::string();
+    const auto slash = commonName.find('/');
+    const auto front = commonName.substr(0, slash);
+    const bool found = isTaxCode(front) || (slash != std::string_view::npos && isProvisionalCode(front));
+    return found ? std::string(front) : std::string();
 }
 
 } // namespace zvcrypt

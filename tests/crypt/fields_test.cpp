@@ -27,6 +27,8 @@ TEST(Fields, NamesKeepTheOrderAndOpensslsShortNames) {
     const std::string number = "1.3.6.1.4.1.18446744073709551616.18446744073709551616.18446744073709551616."
                                "18446744073709551616.18446744073709551616.18446744073709551616.1844674407";
     EXPECT_EQ(subject(rdn(number, utf8, "x")), "/" + number + "=x");
+    (void)OBJ_create("1.2.3.4.99", nullptr, nullptr); // a host may number what it names itself
+    EXPECT_EQ(subject(rdn("1.2.3.4.99", utf8, "x")), "/1.2.3.4.99=x");
 }
 
 TEST(Fields, EveryStringTypeComesOutAsUtf8ThatIsSafeToShow) {
@@ -101,9 +103,10 @@ TEST(Fields, CodiceFiscale) {
     EXPECT_EQ(codFisc("serialNumber=TINIT-12345678901"), "12345678901");
     EXPECT_EQ(codFisc("CN=" + code + "/6120016612345678.abcDEF=="), code);
     EXPECT_EQ(codFisc("CN=RSSMRAULA0MH5L1U/1.x"), "RSSMRAULA0MH5L1U"); // letters in the place of digits
+    EXPECT_EQ(codFisc("serialNumber=TINIT-|CN=12345678901/1.x"), "12345678901");
     // Other numbers of a person are none, and what only resembles a code is no code.
-    for (const char* other :
-         {"serialNumber=IDCIT-CA12345AA", "serialNumber=VATIT-12345678901", "CN=RSSMRA80101H501U/x"})
+    for (const char* other : {"serialNumber=IDCIT-CA12345AA", "serialNumber=VATIT-12345678901",
+                              "CN=RSSMRA80101H501U/x", "CN=12345678901", "CN=123456789O1/x"})
         EXPECT_EQ(codFisc(other), "") << other;
 }
 
