@@ -13,9 +13,9 @@ void addTrustedCertificate(const Bytes& der, std::vector<X509Ptr>& certificates)
 void addBundle(const Bytes& der, std::vector<X509Ptr>& certificates);
 void addCertificateOrBundle(const Bytes& der, std::vector<X509Ptr>& certificates);
 
-// The one certificate that is no authority's and issued none of the others; one that stands alone is its holder's
-// unless it says that it signs others. ZVC_ERR_NO_HOLDER or
-// ZVC_ERR_TWO_HOLDERS when there is not exactly one, ZVC_ERR_TEXT_FORM without any certificate.
+// The one certificate that is no authority's and issued none of the others; one that stands alone is its
+// holder's unless it says that it signs others. ZVC_ERR_NO_HOLDER or ZVC_ERR_TWO_HOLDERS when there is not
+// exactly one, ZVC_ERR_TEXT_FORM without any certificate.
 [[nodiscard]] const X509& holderCertificate(const std::vector<X509Ptr>& certificates);
 
 } // namespace zvcrypt

@@ -6,8 +6,8 @@
 
 namespace zvcrypt {
 
-// Null when the bytes are no certificate in DER, or one that OpenSSL does not take. What follows is ignored, as
-// cards pad.
+// Null when the bytes are no certificate in DER, or one that OpenSSL does not take. What follows is ignored,
+// as cards pad.
 [[nodiscard]] X509Ptr readCertificate(std::span<const unsigned char> der);
 
 // The same for a caller that wants the reason: ZVC_ERR_BAD_CERTIFICATE.

@@ -355,11 +355,11 @@ ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* dige
 ZVCRYPT_API void writeBuff(char* in, char* out);
 
 /**
- * Reads the holder's certificate from a text: base64 of DER, PEM, or a PKCS#7 bundle in PEM or base64, on one
- * line or many, with a UTF-8 byte order mark or without. In PEM, several blocks may follow one another, and what
- * stands around them is passed over; blocks have no headers (RFC 1421). Of several certificates it takes the one
- * that is no authority's and issued none of the others, wherever it stands; one of several copies counts once. A
- * single one is taken unless it is an authority's that may sign others (keyCertSign).
+ * Reads the holder's certificate from a text: base64 of DER, PEM, or a PKCS#7 bundle in PEM or base64, on
+ * one line or many, with a UTF-8 byte order mark or without. In PEM, several blocks may follow one another,
+ * and what stands around them is passed over; blocks have no headers (RFC 1421). Of several certificates it
+ * takes the one that is no authority's and issued none of the others, wherever it stands; one of several
+ * copies counts once. A single one is taken unless it is an authority's that may sign others (keyCertSign).
  *
  * @param[in]  text     the text, 8191 characters at most
  * @param[out] out      the certificate; zeros after a failure
