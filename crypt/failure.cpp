@@ -45,7 +45,7 @@ class OpensslErrors {
 
 } // namespace
 
-int runOperation(const std::function<void()>& body) noexcept {
+int runBody(const std::function<void()>& body) noexcept {
     const OpensslErrors restored;
     lastFailure() = {};
     try {

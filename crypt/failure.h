@@ -23,9 +23,14 @@ class Failure : public std::exception {
     std::string reason_;
 };
 
+[[nodiscard]] int runBody(const std::function<void()>& body) noexcept;
+
 // Runs the body of an exported operation: forgets the last failure first, keeps a new one for kvLastError and
 // lets no exception out.
-[[nodiscard]] int runOperation(const std::function<void()>& body) noexcept;
+template <class Body> [[nodiscard]] int runOperation(const Body& body) noexcept {
+    // By reference: a copy of the body may want memory, before anything looks after its failure.
+    return runBody(std::cref(body));
+}
 
 // Fails with ZVC_ERR_ARGUMENT when one of the arguments is null.
 void requireArguments(std::initializer_list<const void*> pointers);
