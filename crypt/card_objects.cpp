@@ -202,7 +202,7 @@ CardSigner findSigner(const Session& session, std::string_view keyId) {
     if (own.empty() && failure) std::rethrow_exception(failure);
     if (own.empty())
         throw Failure(ZVC_ERR_CERTIFICATE,
-                      "Nessun certificato \"" + std::string(keyId) + "\" sulla smart card");
+                      "Nessun certificato \"" + std::string(keyId) + "\" leggibile sulla smart card");
     const auto [key, chosen] = firstPair(session, keys, own);
     CardSigner signer{key, std::move(own[chosen].certificate), nullptr};
     if (!modulusOf(*signer.certificate))
