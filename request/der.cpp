@@ -3,18 +3,21 @@
 #include <algorithm>
 #include <cstdlib>
 
+bool zv::pieceMissing = false;
+
 namespace {
 
 ADATA* newPiece(unsigned long length) {
-    auto* piece = static_cast<ADATA*>(std::calloc(1, sizeof(ADATA)));
-    if (piece == nullptr || length == 0) return piece;
-    piece->data = static_cast<unsigned char*>(std::calloc(length, 1));
-    if (piece->data == nullptr) {
-        std::free(piece);
-        return nullptr;
+    zv::Der piece(static_cast<ADATA*>(std::calloc(1, sizeof(ADATA))));
+    if (piece != nullptr && length != 0) {
+        piece->data = static_cast<unsigned char*>(std::calloc(length, 1));
+        if (piece->data != nullptr)
+            piece->length = length;
+        else
+            piece.reset();
     }
-    piece->length = length;
-    return piece;
+    zv::pieceMissing = zv::pieceMissing || piece == nullptr;
+    return piece.release();
 }
 
 unsigned char byteOf(unsigned long value, unsigned shift) {
@@ -94,7 +97,7 @@ ADATA* SEQUENCE(ADATA* first, ...) {
 
 ADATA* _INTEGER(unsigned char* bytes, unsigned long length) {
     ADATA* content = CreateADATA(bytes, length, length);
-    if ((bytes[0] & 0x80) == 0) return var_tlv(zv::TAG_INTEGER, content, zv::END);
+    if (bytes == nullptr || (bytes[0] & 0x80) == 0) return var_tlv(zv::TAG_INTEGER, content, zv::END);
     // A zero in front keeps the value positive.
     return var_tlv(zv::TAG_INTEGER, CreateADATA(nullptr, 1, 0), content, zv::END);
 }

@@ -15,6 +15,9 @@ constexpr unsigned char TAG_PRINTABLE_STRING = 0x13, TAG_IA5_STRING = 0x16, TAG_
                         TAG_SET = 0x31;
 constexpr unsigned char TAG_CONTEXT_0 = 0xA0;
 
+/** Set when there was no memory for a piece: what is built from it may lack parts. Never cleared here. */
+extern bool pieceMissing;
+
 /** Ends the lists of the variadic builders. */
 inline constexpr ADATA* END = nullptr;
 

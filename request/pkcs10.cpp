@@ -128,15 +128,18 @@ int reopenSession(const LoginData& login) {
 
 unsigned short completeRequest(const PublicKey& key, const SubjectTable& table, const LoginData& login,
                                char* pemOut) {
+    pieceMissing = false;
     ADATA* name = buildName(dName, table);
     if (name == nullptr) return REQUEST_FAILED;
     Der info(requestInfo(name, key));
-    if (info == nullptr) return REQUEST_FAILED;
+    if (info == nullptr || pieceMissing) return REQUEST_FAILED;
     Signature signature;
     if (sign(*info, login, signature) != 0) return REQUEST_FAILED;
     ADATA* bits = bitString(leaf(std::span(signature.bytes, signature.length)));
     const Der request(SEQUENCE(info.release(), algorithm(SHA1_WITH_RSA), bits, END));
-    return request != nullptr && writePem(*request, pemOut) ? 0 : REQUEST_FAILED;
+    // The subject or the signature would lack something, and the authority would certify that.
+    if (request == nullptr || pieceMissing) return REQUEST_FAILED;
+    return writePem(*request, pemOut) ? 0 : REQUEST_FAILED;
 }
 
 } // namespace zv
