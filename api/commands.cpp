@@ -39,6 +39,10 @@ int openFor(REQRENIN& record) {
     return result;
 }
 
+bool lacks(const REQRENIN* record, const char* out, const unsigned* outLen) {
+    return record == nullptr || out == nullptr || outLen == nullptr;
+}
+
 int giveResult(char* out, unsigned* outLen) {
     const std::size_t length = zv::boundedText(zv::buffer, sizeof zv::buffer).size();
     if (length >= *outLen) return ZV_NOT_SENT;
@@ -80,6 +84,7 @@ int run(const char* command, REQRENIN& record, char* out, unsigned* outLen) {
 } // namespace
 
 int miExecCmd(const char* command, char* block, long, char* out, long* outLen) {
+    if (out == nullptr || outLen == nullptr) return ZV_UNUSABLE;
     const std::unique_ptr<REQRENIN, WipeRecord> record(new (std::nothrow) REQRENIN{});
     if (record == nullptr) return ZV_UNUSABLE;
     const auto found = zv::parseBlock(zv::orEmpty(block), *record);
@@ -98,6 +103,7 @@ int miExecCmd(const char* command, char* block, long, char* out, long* outLen) {
 }
 
 int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
+    if (lacks(rec, out, outLen)) return ZV_UNUSABLE;
     zv::clear(zv::buffer);
     zv::trace("REQCERT_FUN", rec->szTipoCert);
     scriviLog("Eseguo la funzione RichiestaCertificato() ..");
@@ -110,6 +116,7 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
 }
 
 int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
+    if (lacks(rec, out, outLen)) return ZV_UNUSABLE;
     zv::clear(zv::buffer);
     const int result = MemorizzazioneCertificato(nullptr, rec->szCertChain, rec->szDll, rec->szPin);
     zv::trace("Dopo Memorizzazione", zv::buffer, CatItoAHex1("Ret Code = ", result));
@@ -117,6 +124,7 @@ int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* outLen) {
 }
 
 int Scarica(REQRENIN* rec, char* out, unsigned* outLen) {
+    if (lacks(rec, out, outLen)) return ZV_UNUSABLE;
     int result = openFor(*rec);
     if (result != 0) return result;
     result =
@@ -126,6 +134,7 @@ int Scarica(REQRENIN* rec, char* out, unsigned* outLen) {
 }
 
 int Rinnova(REQRENIN* rec, char* out, unsigned* outLen) {
+    if (lacks(rec, out, outLen)) return ZV_UNUSABLE;
     const int result = openFor(*rec);
     if (result != 0) return result;
     scriviLog("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
@@ -133,6 +142,7 @@ int Rinnova(REQRENIN* rec, char* out, unsigned* outLen) {
 }
 
 unsigned long SepRows(char* text) {
+    if (text == nullptr) return 0;
     char copy[sizeof zv::buffer + 1];
     zv::copyText(copy, text);
     char* out = text;

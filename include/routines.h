@@ -10,7 +10,8 @@
  *  2. Buffers belong to the caller; only UnEscape and the DER pieces (ADATA) are for the caller to free. A
  *     routine that returns a buffer of the process says so: its text is valid until the next routine that
  *     shares the buffer, and every routine that logs uses the "Cat" buffers.
- *  3. Null is taken only where it is stated. A `void*` first argument is not read.
+ *  3. Null means something only where it is stated. Elsewhere a routine that is given it fails, does nothing
+ *     or takes it as empty. A `void*` first argument is not read.
  *  4. Card routines work on the one session that __Initialize or inizializza opened; a `session` argument is
  *     a handle of the same module. Without a module each call to the card answers
  *     CKR_CRYPTOKI_NOT_INITIALIZED. "Pending label", "certificate label", "keep flag" and "subject" are those
@@ -883,7 +884,7 @@ ZV_API unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const ch
  * @return 0; 0xFFFFFFFF unknown command, no module or no memory; -10000 the text does not fit; else the
  *         command's result
  * After a failure, as after success: the session is closed and the module finalised (finalizza), but for a
- * record that found no memory: then nothing was done. out and outLen are untouched after a failure.
+ * record that found no memory and a null out or outLen: then nothing was done. out and outLen are untouched after a failure.
  */
 ZV_API int miExecCmd(const char* command, char* block, long blockLen, char* out, long* outLen);
 /**

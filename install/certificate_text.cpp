@@ -55,8 +55,8 @@ int CrtB64ToDer(char* pem, char* der) {
     zv::trace(TEXT_TITLE, "I N I Z I O");
     zv::trace(TEXT_TITLE, "Certificato =", pem);
     buildTable();
-    const char* text = cutBody(pem);
-    if (text == nullptr) return 0;
+    const char* text = pem != nullptr ? cutBody(pem) : nullptr;
+    if (text == nullptr || der == nullptr) return 0;
     int total = 0;
     for (int bytes = 3; bytes == 3;) {
         unsigned char group[4] = {};

@@ -66,6 +66,7 @@ int DescrToOid(char* dn, char* work) {
 }
 
 int ConvertiCertificato(char** dns) {
+    if (dns == nullptr) return 0;
     char work[TEXT_SIZE];
     int result = 0;
     for (int i = 0; i < NAMES; ++i)

@@ -46,7 +46,7 @@ CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long
                         unsigned long count) {
     zv::traceSession(title, "C_GetAttributeValue", session);
     std::array<CK_ULONG, MOST_ENTRIES> room{};
-    const std::size_t entries = std::min<std::size_t>(count, room.size());
+    const std::size_t entries = tmpl != nullptr ? std::min<std::size_t>(count, room.size()) : 0;
     for (std::size_t i = 0; i < entries; ++i)
         room[i] = tmpl[i].ulValueLen;
     CK_RV result = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, count);

@@ -44,11 +44,13 @@ char* writeHex(char* destination, const char* prefix, const char* digits) {
 } // namespace
 
 char* _itoa(int value, char* buffer, int) {
+    if (buffer == nullptr) return nullptr;
     (void)std::snprintf(buffer, 12, "%d", value);
     return buffer;
 }
 
 char* _ltoa(long value, char* buffer, int) {
+    if (buffer == nullptr) return nullptr;
     (void)std::snprintf(buffer, 21, "%ld", value);
     return buffer;
 }

@@ -32,6 +32,7 @@ char* strstrICase(const char* haystack, const char* needle) try {
 }
 
 int HexLen(char* buffer, int length) {
+    if (buffer == nullptr) return 0;
     while (length > 0 && buffer[length - 1] == '\0')
         --length;
     return length;
