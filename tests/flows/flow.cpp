@@ -43,7 +43,7 @@ Flow::~Flow() {
 }
 
 Reading Flow::read(std::string pin, const char* reader) {
-    Reading reading = readCard(reader, std::move(pin), moduleDir());
+    Reading reading = readCard(reader, pin.data(), moduleDir());
     subject = reading.subject();
     return reading;
 }

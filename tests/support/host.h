@@ -41,13 +41,13 @@ struct Reading {
 };
 
 /// Reads the card in that reader (null: the first) as a host does.
-inline Reading readCard(const char* reader, std::string pin, const std::string& moduleDir) {
+inline Reading readCard(const char* reader, char* pin, const std::string& moduleDir) {
     Reading reading;
     HostList cns, pra, aut;
     cns.texts[0][0] = '0';
     std::string name = reader != nullptr ? reader : "";
     char keyPRA[ZV_KEY_ID_SIZE] = "", keyAUT[ZV_KEY_ID_SIZE] = "";
-    reading.result = rinnovo_Card_readCerts(reader != nullptr ? name.data() : nullptr, pin.data(), 0,
+    reading.result = rinnovo_Card_readCerts(reader != nullptr ? name.data() : nullptr, pin, 0,
                                             cns.entries.data(), pra.entries.data(), aut.entries.data(),
                                             &reading.pendingCNS, &reading.pendingPRA, &reading.pendingAUT,
                                             keyPRA, keyAUT, nullptr, moduleDir.c_str());

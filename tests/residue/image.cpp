@@ -1,0 +1,43 @@
+// image FILE PROGRAM ARGUMENT...: runs a program and writes to the file all that it could be made to dump, arguments and
+// environment included, when it says so (SIGURG) and when it is about to end. Its exit code is the program's.
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+static void add(const std::string& process, std::ofstream& out) {
+    std::vector<char> piece(1 << 20);
+    std::ifstream maps(process + "/maps");
+    const int memory = ::open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
+    for (std::string line; std::getline(maps, line);) {
+        off_t at = 0, end = 0;
+        // The system's own pages cannot be read.
+        if (std::sscanf(line.c_str(), "%lx-%lx r", &at, &end) != 2) continue;
+        for (ssize_t got = 1; at < end && got > 0; at += got) {
+            got =
+                ::pread(memory, piece.data(), std::min(piece.size(), static_cast<std::size_t>(end - at)), at);
+            if (got > 0) out.write(piece.data(), got);
+        }
+    }
+    ::close(memory);
+    out << std::ifstream(process + "/cmdline").rdbuf() << std::ifstream(process + "/environ").rdbuf();
+}
+
+int main(int, char** argv) {
+    const pid_t child = ::fork();
+    if (child == 0)
+        return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 ? ::execvp(argv[2], argv + 2) : 127;
+    std::ofstream out(argv[1], std::ios::binary);
+    int status = 0;
+    while (::waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
+        const int signal = WSTOPSIG(status);
+        if (signal == SIGURG || status >> 16 == PTRACE_EVENT_EXIT) add("/proc/" + std::to_string(child), out);
+        ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACEEXIT | PTRACE_O_EXITKILL);
+        ::ptrace(PTRACE_CONT, child, nullptr, signal == SIGTRAP ? 0 : signal);
+    }
+    return WIFEXITED(status) && out.flush() ? WEXITSTATUS(status) : 126;
+}
