@@ -884,7 +884,8 @@ ZV_API unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const ch
  * @return 0; 0xFFFFFFFF unknown command, no module or no memory; -10000 the text does not fit; else the
  *         command's result
  * After a failure, as after success: the session is closed and the module finalised (finalizza), but for a
- * record that found no memory and a null out or outLen: then nothing was done. out and outLen are untouched after a failure.
+ * record that found no memory and a null out or outLen: then nothing was done. out and outLen are untouched
+ * after a failure.
  */
 ZV_API int miExecCmd(const char* command, char* block, long blockLen, char* out, long* outLen);
 /**
