@@ -7,20 +7,17 @@
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 static void add(const std::string& process, std::ofstream& out) {
-    std::vector<char> piece(1 << 20);
+    static char piece[1 << 20];
     std::ifstream maps(process + "/maps");
     const int memory = ::open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
     for (std::string line; std::getline(maps, line);) {
         off_t at = 0, end = 0;
-        // The system's own pages cannot be read.
-        if (std::sscanf(line.c_str(), "%lx-%lx r", &at, &end) != 2) continue;
-        for (ssize_t got = 1; at < end && got > 0; at += got) {
-            got =
-                ::pread(memory, piece.data(), std::min(piece.size(), static_cast<std::size_t>(end - at)), at);
-            if (got > 0) out.write(piece.data(), got);
+        if (std::sscanf(line.c_str(), "%lx-%lx", &at, &end) != 2 || line.find(" r") == line.npos) continue;
+        for (ssize_t got = 1; at < end && got > 0; at += got) { // the system's own pages cannot be read
+            got = ::pread(memory, piece, std::min<off_t>(sizeof piece, end - at), at);
+            if (got > 0) out.write(piece, got);
         }
     }
     ::close(memory);
