@@ -3,6 +3,7 @@
 // "-" comes from standard input: this host then keeps no copy of it.
 #include "tests/support/host.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <dlfcn.h>
