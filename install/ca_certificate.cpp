@@ -8,6 +8,7 @@ int InstallCACertificate(void*, datiCert* cert, unsigned long derLength, char* l
     static constexpr char TITLE[] = " .... InstallCACertificate FUN       .... ";
     constexpr int FAILED = 1;
     zv::trace(TITLE, "I N I Z I O");
+    if (cert == nullptr) return FAILED;
     derLength = std::min<unsigned long>(derLength, sizeof cert->der);
     zv::CertificateParts parts;
     if (parts.read(TITLE, *cert, derLength) != 0) {

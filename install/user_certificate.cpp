@@ -52,6 +52,7 @@ Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
 int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char* label, char* pkcs11Library) {
     zv::trace(USER_TITLE, "I N I Z I O");
     zv::traceSession(USER_TITLE, "C_GetAttributeValue", zv::hSession);
+    if (cert == nullptr) return USER_FAILED;
     derLength = std::min<unsigned long>(derLength, sizeof cert->der);
     switch (matchPendingKey(*cert, derLength)) {
     case Match::Yes:
