@@ -150,7 +150,7 @@ std::string Flow::maskedLog() const {
         text.replace(at, folder.size(), "MODULES");
     for (const auto& [pattern, mask] : masks)
         text = std::regex_replace(text, pattern, mask);
-    return text;
+    return std::regex_replace(text, std::regex(R"(\n(?!\*\* |\[\]: )(?=[\s\S]))"), "|");
 }
 
 std::vector<std::string> fields(const std::string& record) {

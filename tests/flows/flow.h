@@ -48,7 +48,7 @@ class Flow : public testing::Test {
     /// The module's path.
     [[nodiscard]] std::string path() const { return modulePath; }
     [[nodiscard]] std::string moduleDir() const { return modulePath.parent_path(); }
-    /// The log, everything that differs from run to run masked.
+    /// The log, an entry a line ("|" where the log breaks it), everything that differs from run to run masked.
     [[nodiscard]] std::string maskedLog() const;
 
     simcard::TestCards cards;
