@@ -1,12 +1,33 @@
 #pragma once
 
+#include "tests/support/card.h"
 #include "tests/support/module.h"
 
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-// Objects on a card, in few words.
+// A card and its objects, in few words.
 namespace zvtest {
+
+/// A card without objects, and a session that its user is logged in to.
+class EmptyCard : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(module_->C_Initialize(nullptr), CKR_OK);
+        session_ = module_.open();
+        ASSERT_EQ(module_.login(session_, user_pin), CKR_OK);
+    }
+    void restart() {
+        ASSERT_EQ(module_->C_Finalize(nullptr), CKR_OK);
+        SetUp();
+    }
+
+    EmptyCards cards_;
+    simcard::Card card_ = cards_.add();
+    Module module_;
+    CK_SESSION_HANDLE session_ = 0;
+};
 
 template <class T> CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, T& value) {
     return {type, &value, sizeof value};

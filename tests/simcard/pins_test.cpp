@@ -1,8 +1,5 @@
 #include "tests/simcard/objects.h"
-#include "tests/support/card.h"
 #include "tests/support/process.h"
-
-#include <gtest/gtest.h>
 
 using namespace zvtest;
 
@@ -20,86 +17,71 @@ CK_RV login_elsewhere(const char* pin) {
     return static_cast<CK_RV>(ending.code);
 }
 
-CK_FLAGS flags_elsewhere() {
-    Module module;
-    module->C_Initialize(nullptr);
-    return module.token_flags() & pin_flags;
-}
+class PinInOneProcess : public EmptyCard {
+  protected:
+    void SetUp() override {
+        EmptyCard::SetUp();
+        ASSERT_EQ(module_->C_Logout(session_), CKR_OK);
+    }
+};
 
 } // namespace
 
-TEST(Pin, LocksAfterThreeTriesInThreeProcesses) {
+TEST(Pin, IsCountedOverProcesses) {
     EmptyCards cards;
     cards.add();
-    EXPECT_EQ(flags_elsewhere(), 0U);
-    EXPECT_EQ(login_elsewhere("00000"), CKR_PIN_INCORRECT);
-    EXPECT_EQ(flags_elsewhere(), CKF_USER_PIN_COUNT_LOW);
-    EXPECT_EQ(login_elsewhere(""), CKR_PIN_INCORRECT);
-    EXPECT_EQ(flags_elsewhere(), CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY);
-    EXPECT_EQ(login_elsewhere("00000"), CKR_PIN_INCORRECT);
-    EXPECT_EQ(flags_elsewhere(), CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_LOCKED);
-    EXPECT_EQ(login_elsewhere(user_pin), CKR_PIN_LOCKED);
-    EXPECT_EQ(login_elsewhere("00000"), CKR_PIN_LOCKED);
+    constexpr CK_FLAGS low = CKF_USER_PIN_COUNT_LOW;
+    const struct {
+        const char* pin;
+        CK_RV answer;
+        CK_FLAGS flags;
+    } logins[] = {{"00000", CKR_PIN_INCORRECT, low},
+                  {"", CKR_PIN_INCORRECT, low | CKF_USER_PIN_FINAL_TRY},
+                  {user_pin, CKR_OK, 0},
+                  {"00000", CKR_PIN_INCORRECT, low},
+                  {"", CKR_PIN_INCORRECT, low | CKF_USER_PIN_FINAL_TRY},
+                  {"00000", CKR_PIN_INCORRECT, low | CKF_USER_PIN_LOCKED},
+                  {user_pin, CKR_PIN_LOCKED, low | CKF_USER_PIN_LOCKED},
+                  {"00000", CKR_PIN_LOCKED, low | CKF_USER_PIN_LOCKED}};
+    for (const auto& login : logins) {
+        SCOPED_TRACE(&login - logins);
+        EXPECT_EQ(login_elsewhere(login.pin), login.answer);
+        Module module;
+        module->C_Initialize(nullptr);
+        EXPECT_EQ(module.token_flags() & pin_flags, login.flags);
+    }
 }
 
-TEST(Pin, HasItsTriesBackAfterAGoodLogin) {
-    EmptyCards cards;
-    cards.add();
-    EXPECT_EQ(login_elsewhere("00000"), CKR_PIN_INCORRECT);
-    EXPECT_EQ(login_elsewhere("00000"), CKR_PIN_INCORRECT);
-    EXPECT_EQ(login_elsewhere(user_pin), CKR_OK);
-    EXPECT_EQ(flags_elsewhere(), 0U);
+TEST_F(PinInOneProcess, LosesNoTryWhereNothingIsCompared) {
+    EXPECT_EQ(module_->C_Login(session_, CKU_USER, nullptr, 0), CKR_ARGUMENTS_BAD);
+    EXPECT_EQ(module_.login(session_ + 1, "00000"), CKR_SESSION_HANDLE_INVALID);
+    EXPECT_EQ(module_.login(session_, "00000000", CKU_SO), CKR_PIN_INCORRECT);
+    EXPECT_EQ(module_.login(session_, user_pin), CKR_OK);
+    EXPECT_EQ(module_.login(session_, "00000"), CKR_USER_ALREADY_LOGGED_IN);
+    EXPECT_EQ(module_.token_flags() & pin_flags, 0U);
 }
 
-TEST(Pin, LosesNoTryWhereNothingIsCompared) {
-    EmptyCards cards;
-    cards.add();
-    Module module;
-    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
-    const auto session = module.open();
-    EXPECT_EQ(module->C_Login(session, CKU_USER, nullptr, 0), CKR_ARGUMENTS_BAD);
-    EXPECT_EQ(module.login(session + 1, "00000"), CKR_SESSION_HANDLE_INVALID);
-    EXPECT_EQ(module.login(session, "00000000", CKU_SO), CKR_PIN_INCORRECT);
-    EXPECT_EQ(module.login(session, user_pin), CKR_OK);
-    EXPECT_EQ(module.login(session, "00000"), CKR_USER_ALREADY_LOGGED_IN);
-    EXPECT_EQ(module.token_flags() & pin_flags, 0U);
-}
-
-TEST(Pin, IsCountedInChangesAndFreedByTheOfficer) {
-    EmptyCards cards;
-    cards.add();
-    Module module;
-    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
-    const auto session = module.open();
+TEST_F(PinInOneProcess, IsCountedInChangesAndFreedByTheOfficer) {
     CK_UTF8CHAR wrong[] = "00000";
     CK_UTF8CHAR fresh[] = "54321";
     for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(module->C_SetPIN(session, wrong, 5, fresh, 5), CKR_PIN_INCORRECT);
-    EXPECT_EQ(module->C_SetPIN(session, wrong, 5, fresh, 5), CKR_PIN_LOCKED);
-    EXPECT_EQ(module.login(session, user_pin), CKR_PIN_LOCKED);
+        EXPECT_EQ(module_->C_SetPIN(session_, wrong, 5, fresh, 5), CKR_PIN_INCORRECT);
+    EXPECT_EQ(module_->C_SetPIN(session_, wrong, 5, fresh, 5), CKR_PIN_LOCKED);
+    EXPECT_EQ(module_.login(session_, user_pin), CKR_PIN_LOCKED);
 
-    ASSERT_EQ(module.login(session, so_pin, CKU_SO), CKR_OK);
-    ASSERT_EQ(module->C_InitPIN(session, fresh, 5), CKR_OK);
-    ASSERT_EQ(module->C_Logout(session), CKR_OK);
-    EXPECT_EQ(module.token_flags() & pin_flags, 0U);
-    EXPECT_EQ(module.login(session, "54321"), CKR_OK);
+    ASSERT_EQ(module_.login(session_, so_pin, CKU_SO), CKR_OK);
+    ASSERT_EQ(module_->C_InitPIN(session_, fresh, 5), CKR_OK);
+    ASSERT_EQ(module_->C_Logout(session_), CKR_OK);
+    EXPECT_EQ(module_.token_flags() & pin_flags, 0U);
+    EXPECT_EQ(module_.login(session_, "54321"), CKR_OK);
 }
 
-TEST(Token, IsErasedByTheOfficer) {
-    EmptyCards cards;
-    const auto card = cards.add();
-    Module module;
-    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
-    const auto session = module.open();
-    EXPECT_EQ(module.login(session, "00000"), CKR_PIN_INCORRECT);
-    ASSERT_EQ(module.login(session, user_pin), CKR_OK);
-    ASSERT_NE(store(module, session, "old"), 0U);
-    ASSERT_EQ(module->C_CloseAllSessions(0), CKR_OK);
-    std::string officer = so_pin;
+TEST_F(EmptyCard, IsErasedByTheOfficer) {
+    ASSERT_NE(store(module_, session_, "old"), 0U);
+    ASSERT_EQ(module_->C_CloseAllSessions(0), CKR_OK);
+    CK_UTF8CHAR officer[] = "87654321";
     std::string label = "fresh" + std::string(27, ' ');
-    ASSERT_EQ(module->C_InitToken(0, reinterpret_cast<CK_UTF8CHAR*>(officer.data()), officer.size(),
-                                  reinterpret_cast<CK_UTF8CHAR*>(label.data())),
-              CKR_OK);
-    EXPECT_EQ(simcard::load_card(card.folder).label, "fresh");
-    EXPECT_EQ(labels(module, module.open()), "");
+    ASSERT_EQ(module_->C_InitToken(0, officer, 8, reinterpret_cast<CK_UTF8CHAR*>(label.data())), CKR_OK);
+    EXPECT_EQ(simcard::load_card(card_.folder).label, "fresh");
+    EXPECT_EQ(labels(module_, module_.open()), "");
 }

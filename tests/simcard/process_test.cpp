@@ -1,35 +1,7 @@
 #include "simcard/common/softhsm.h"
 #include "tests/simcard/objects.h"
-#include "tests/support/card.h"
-
-#include <cstring>
-#include <fstream>
-#include <gtest/gtest.h>
 
 using namespace zvtest;
-
-namespace {
-
-std::size_t open_files() {
-    const std::filesystem::directory_iterator files("/dev/fd");
-    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-}
-
-std::size_t loaded_files() {
-    std::ifstream maps("/proc/self/maps");
-    std::size_t lines = 0;
-    for (std::string line; std::getline(maps, line);)
-        lines += line.find("softhsm") != std::string::npos || line.find("zvsimcard") != std::string::npos;
-    return lines;
-}
-
-void use_once() {
-    Module module;
-    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
-    ASSERT_EQ(module.login(module.open(), user_pin), CKR_OK);
-}
-
-} // namespace
 
 TEST(FunctionList, HoldsTheExportedFunctionsInTheStandardsOrder) {
     Module module;
@@ -49,53 +21,36 @@ TEST(FunctionList, HoldsTheExportedFunctionsInTheStandardsOrder) {
 TEST(Process, KeepsItsEnvironment) {
     EmptyCards cards;
     cards.add();
-    ::setenv("SOFTHSM2_CONF", "/somewhere/else", 1);
-    use_once();
-    EXPECT_STREQ(std::getenv("SOFTHSM2_CONF"), "/somewhere/else");
+    for (const char* before : {static_cast<const char*>(nullptr), "/somewhere/else"}) {
+        if (before) ::setenv("SOFTHSM2_CONF", before, 1);
+        Module module;
+        ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+        ASSERT_EQ(module.login(module.open(), user_pin), CKR_OK);
+        EXPECT_STREQ(std::getenv("SOFTHSM2_CONF"), before);
+    }
     ::unsetenv("SOFTHSM2_CONF");
-    use_once();
-    EXPECT_EQ(std::getenv("SOFTHSM2_CONF"), nullptr);
 }
 
-TEST(Process, KeepsNothingOfAModuleThatIsUnloaded) {
-    EmptyCards cards;
-    cards.add();
-    use_once();
-    const std::size_t files = open_files();
-    for (int round = 0; round < 30; ++round)
-        use_once();
-    EXPECT_EQ(open_files(), files);
-    EXPECT_EQ(loaded_files(), 0U);
-}
-
-TEST(Process, SharesAModuleThatIsLoadedTwice) {
-    EmptyCards cards;
-    cards.add();
-    Module first;
-    ASSERT_EQ(first->C_Initialize(nullptr), CKR_OK);
+TEST_F(EmptyCard, IsSharedByAModuleThatIsLoadedTwice) {
     {
         Module second;
         EXPECT_EQ(second->C_Initialize(nullptr), CKR_CRYPTOKI_ALREADY_INITIALIZED);
-        EXPECT_EQ(second.list(), first.list());
+        EXPECT_EQ(second.list(), module_.list());
     }
-    EXPECT_EQ(first->C_Finalize(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
+    EXPECT_EQ(module_->C_Finalize(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
 }
 
-TEST(Process, HoldsCopiesUnderOtherNamesBesideEachOther) {
-    EmptyCards cards;
-    cards.add();
-    const auto path = cards.path() / "libcardos11.so";
+TEST_F(EmptyCard, IsSeenByCopiesOfTheModuleBesideEachOther) {
+    const auto path = cards_.path() / "libcardos11.so";
     std::filesystem::copy_file(ZVSIMCARD_MODULE, path);
-    const simcard::SoftHsm hosts_own(cards.path());
-    Module plain;
+    const simcard::SoftHsm hosts_own(cards_.path());
     Module copy(path);
-    ASSERT_EQ(plain.add_rules("C_Login:*:answer:0x5"), 0);
-    ASSERT_EQ(plain->C_Initialize(nullptr), CKR_OK);
+    ASSERT_EQ(module_.add_rules("C_Login:*:answer:0x5"), 0);
     ASSERT_EQ(copy->C_Initialize(nullptr), CKR_OK);
     const auto session = copy.open();
     EXPECT_EQ(copy.login(session, user_pin), CKR_OK);
-    EXPECT_EQ(plain.login(plain.open(), user_pin), CKR_GENERAL_ERROR);
-    ASSERT_EQ(plain->C_Finalize(nullptr), CKR_OK);
+    EXPECT_EQ(module_.login(session_, user_pin), CKR_GENERAL_ERROR);
+    ASSERT_EQ(module_->C_Finalize(nullptr), CKR_OK);
     EXPECT_NE(store(copy, session, "still there"), 0U);
 }
 

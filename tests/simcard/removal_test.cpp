@@ -1,31 +1,18 @@
 #include "tests/simcard/objects.h"
-#include "tests/support/card.h"
 #include "tests/support/process.h"
-
-#include <gtest/gtest.h>
 
 using namespace zvtest;
 
 namespace {
 
-class Removal : public testing::Test {
+class Removal : public EmptyCard {
   protected:
-    void SetUp() override {
-        card_ = cards_.add("A");
-        cards_.add("B");
-        ASSERT_EQ(module_->C_Initialize(nullptr), CKR_OK);
-        session_ = module_.open(0);
-        ASSERT_EQ(module_.login(session_, user_pin), CKR_OK);
-    }
     CK_RV ask(CK_SESSION_HANDLE session) {
         CK_SESSION_INFO info{};
         return module_->C_GetSessionInfo(session, &info);
     }
 
-    EmptyCards cards_;
-    simcard::Card card_;
-    Module module_;
-    CK_SESSION_HANDLE session_ = 0;
+    simcard::Card other_ = cards_.add("Other Reader");
 };
 
 } // namespace
@@ -64,13 +51,12 @@ TEST_F(Removal, IsNoticedByTheSlotCallsFirst) {
 }
 
 TEST_F(Removal, IsNoticedWhenTheCardIsBackAlready) {
-    const auto folder = card_.folder;
-    ASSERT_EQ(in_child([&] {
-                  simcard::take_out_card(folder);
-                  simcard::put_back_card(folder);
-                  return 0;
-              }).code,
-              0);
+    const Ending other_process = in_child([this] {
+        simcard::take_out_card(card_.folder);
+        simcard::put_back_card(card_.folder);
+        return 0;
+    });
+    ASSERT_EQ(other_process.code, 0);
     EXPECT_EQ(module_.login(session_, user_pin), CKR_DEVICE_REMOVED);
     EXPECT_EQ(module_.login(module_.open(0), user_pin), CKR_OK);
 }
