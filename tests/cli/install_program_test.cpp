@@ -18,18 +18,6 @@ class InstallProgramTest : public ProgramTest {
         const Outcome outcome = tool("issue " + request + " --out " + out + " " + options);
         ASSERT_EQ(outcome.code, 0) << outcome.err;
     }
-    // A certificate of another card's request.
-    void make_foreign_certificate() {
-        ASSERT_EQ(tool("create --name two --reader Two --days 5 --keys " ZV_TEST_KEYS " --config " +
-                       file("conf").string())
-                      .code,
-                  0);
-        const std::string before = ::getenv("ZVCRYPT_CONF");
-        ::setenv("ZVCRYPT_CONF", file("conf").c_str(), 1);
-        ASSERT_EQ(with_pin("request signature --reader Two --out foreign.request").code, 0);
-        ::setenv("ZVCRYPT_CONF", before.c_str(), 1);
-        issue("foreign.request", "foreign");
-    }
     std::vector<std::string> identifiers() {
         std::vector<std::string> ids;
         const auto list = json("list");
@@ -92,9 +80,15 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryForm) {
     EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
 }
 
-TEST_F(InstallProgramTest, RefusesACertificateOfAnotherKey) {
+TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
     prepare();
-    make_foreign_certificate();
+    ASSERT_EQ(tool("create --name two --reader Two --days 5 --keys " ZV_TEST_KEYS " --config " +
+                   file("conf").string())
+                  .code,
+              0);
+    const std::string elsewhere = "request signature --reader Two --out foreign.request --pin-file ";
+    ASSERT_EQ(shell("ZVCRYPT_CONF=conf " + command(elsewhere + pin_file().string())).code, 0);
+    issue("foreign.request", "foreign");
     Outcome outcome = with_pin("install foreign --request request");
     EXPECT_EQ(outcome.code, 2) << outcome.err;
     EXPECT_EQ(outcome.calls, "") << "the files tell";
@@ -105,6 +99,11 @@ TEST_F(InstallProgramTest, RefusesACertificateOfAnotherKey) {
     EXPECT_EQ(outcome.code, 2) << outcome.err;
     EXPECT_FALSE(outcome.changed_card());
     EXPECT_EQ(with_pin("install request").code, 2) << "no certificate at all";
+    simcard::write_file(file("mine"), "mine", simcard::Access::owner_only);
+    outcome = with_pin("install certificate --remove-old --backup mine");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_FALSE(outcome.changed_card());
+    EXPECT_EQ(simcard::read_file(file("mine")), "mine");
     EXPECT_EQ(with_pin("install certificate").code, 0);
 }
 
@@ -136,36 +135,21 @@ TEST_F(InstallProgramTest, SaysWhatIsLeftAndFinishesLater) {
     EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
 }
 
-TEST_F(InstallProgramTest, SaysSoWhenTheNewKeyDoesNotSign) {
-    prepare();
-    const Outcome outcome = with_pin("install certificate", "C_Sign:1:answer:0x6");
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_TRUE(outcome.says("The certificate was stored, but the new key could not be tried"))
-        << outcome.err;
-}
-
-TEST_F(InstallProgramTest, SaysSoWhenTheSignatureIsWrong) {
-    prepare();
-    const Outcome outcome = with_pin("install certificate", "C_Sign:1:absurd:length");
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_TRUE(outcome.says("a signature of the key DS3 does not verify")) << outcome.err;
-}
-
-TEST_F(InstallProgramTest, SaysSoWhenSomethingWouldNotGo) {
-    prepare();
-    const Outcome outcome = with_pin("install certificate --remove-old", "C_DestroyObject:1:answer:0x6");
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_TRUE(outcome.says("stored and verified, as DS3, but DS0 could not be removed whole"))
-        << outcome.err;
-}
-
-TEST_F(InstallProgramTest, OverwritesNoFileWithTheBackup) {
-    prepare();
-    simcard::write_file(file("mine"), "mine", simcard::Access::owner_only);
-    const Outcome outcome = with_pin("install certificate --remove-old --backup mine");
-    EXPECT_EQ(outcome.code, 2);
-    EXPECT_FALSE(outcome.changed_card());
-    EXPECT_EQ(simcard::read_file(file("mine")), "mine");
+TEST_F(InstallProgramTest, SaysSoWhenTheNewKeyOrTheOldOneIsNotRight) {
+    const struct {
+        const char *options, *rule, *sentence;
+    } cases[] = {
+        {"", "C_Sign:1:answer:0x6", "The certificate was stored, but the new key could not be tried"},
+        {"", "C_Sign:1:absurd:length", "a signature of the key DS3 does not verify"},
+        {"--remove-old", "C_DestroyObject:1:answer:0x6",
+         "stored and verified, as DS3, but DS0 could not be removed whole"}};
+    for (const auto& [options, rule, sentence] : cases) {
+        ASSERT_NO_FATAL_FAILURE(prepare());
+        const Outcome outcome = with_pin(std::string("install certificate ") + options, rule);
+        EXPECT_EQ(outcome.code, 1) << rule;
+        EXPECT_TRUE(outcome.says(sentence)) << outcome.err;
+        ASSERT_EQ(shell(ZVSIMCARD_TOOL " remove card && rm *").code, 0);
+    }
 }
 
 } // namespace

@@ -23,12 +23,8 @@ TEST_F(ListProgramTest, MarksWhatIsDue) {
     EXPECT_TRUE(list["waiting"].empty());
     EXPECT_EQ(json("list --days 5")["certificates"][0]["due"], false);
     EXPECT_TRUE(with_pin("list").says("zvrenew request signature"));
-}
 
-TEST_F(ListProgramTest, ShowsReadersWithoutAPin) {
-    make_card();
     const Outcome outcome = zvrenew("readers --json");
-    EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.count("C_Login"), 0U);
     const auto readers = nlohmann::json::parse(outcome.out)["readers"];
     ASSERT_EQ(readers.size(), 1U);
@@ -70,8 +66,15 @@ TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {
     EXPECT_EQ(with_pin("list --module-dir " + folder).code, 0);
 }
 
-TEST_F(ListProgramTest, WorksWithoutALogAndSaysSo) {
+TEST_F(ListProgramTest, WritesTheLogBelowItsOwnHomeOrWorksWithoutOne) {
     make_card();
+    ASSERT_EQ(with_pin("list").code, 0);
+    EXPECT_EQ(std::filesystem::status(home() / ".trevallo").permissions(), std::filesystem::perms::owner_all);
+    const std::string log = simcard::read_file(home() / ".trevallo" / "zvRenew.log");
+    EXPECT_NE(log.find("rinnovo_Card_readCerts"), std::string::npos);
+    EXPECT_EQ(log.find(simcard::default_pin), std::string::npos);
+
+    std::filesystem::remove_all(home() / ".trevallo");
     simcard::write_file(home() / ".trevallo", "", simcard::Access::owner_only);
     const Outcome outcome = with_pin("list");
     EXPECT_EQ(outcome.code, 0);
@@ -79,10 +82,8 @@ TEST_F(ListProgramTest, WorksWithoutALogAndSaysSo) {
 }
 
 TEST_F(ListProgramTest, TakesWrongUsageForARefusal) {
-    EXPECT_EQ(zvrenew("").code, 2);
-    EXPECT_EQ(zvrenew("request").code, 2);
-    EXPECT_EQ(zvrenew("request everything").code, 2);
-    EXPECT_EQ(zvrenew("list --pin 12345678").code, 2);
+    for (const char* arguments : {"", "request", "request everything", "list --pin 12345678"})
+        EXPECT_EQ(zvrenew(arguments).code, 2) << arguments;
     EXPECT_EQ(zvrenew("--help").code, 0);
 }
 

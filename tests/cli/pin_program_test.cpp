@@ -1,8 +1,6 @@
 // No PIN try is lost on the way to the card.
 #include "tests/cli/program.h"
 
-#include <sys/stat.h>
-
 namespace {
 
 using zvtest::Outcome;
@@ -23,7 +21,7 @@ TEST_F(PinProgramTest, RefusesAPinOfABadFormBeforeAnyCall) {
     EXPECT_EQ(zvrenew("list --pin-file " + file("none").string()).code, 2);
 }
 
-TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTaken) {
+TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTakenNorALockedOne) {
     make_card();
     give_pin("99999999");
     Outcome outcome = with_pin("request signature");
@@ -42,14 +40,11 @@ TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTaken) {
     give_pin(simcard::default_pin);
     EXPECT_EQ(with_pin("list --final-try").code, 0);
     EXPECT_FALSE(zvrenew("readers").says("tries"));
-}
 
-TEST_F(PinProgramTest, NeverTriesALockedPin) {
-    make_card();
     give_pin("99999999");
     for (const char* command : {"list", "list", "list --final-try"})
         EXPECT_EQ(with_pin(command).code, 1);
-    const Outcome outcome = with_pin("list --final-try");
+    outcome = with_pin("list --final-try");
     EXPECT_EQ(outcome.code, 2);
     EXPECT_EQ(outcome.count("C_Login"), 0U);
     EXPECT_TRUE(outcome.says("locked"));
@@ -70,17 +65,6 @@ TEST_F(PinProgramTest, AsksNothingOfACardItCannotBeSureOf) {
     EXPECT_EQ(outcome.count("C_Login"), 0U) << "the name of the other reader is part of this one's";
     EXPECT_EQ(with_pin("list --reader Simulated").code, 0);
     EXPECT_EQ(with_pin("list --reader Elsewhere").code, 2);
-}
-
-TEST_F(PinProgramTest, WritesTheLogBelowItsOwnHomeAndNoPinIntoIt) {
-    make_card();
-    ASSERT_EQ(with_pin("list").code, 0);
-    struct stat status {};
-    ASSERT_EQ(::stat((home() / ".trevallo").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    const std::string log = simcard::read_file(home() / ".trevallo" / "zvRenew.log");
-    EXPECT_NE(log.find("rinnovo_Card_readCerts"), std::string::npos);
-    EXPECT_EQ(log.find(simcard::default_pin), std::string::npos);
 }
 
 } // namespace

@@ -51,19 +51,9 @@ class ProgramTest : public testing::Test {
         give_pin(simcard::default_pin);
     }
 
-    /// A card whose signature certificate ends in so many days.
-    void make_card(int days = 12) {
-        simcard::CardPlan plan;
-        plan.signature_days = days;
-        cards_.make(plan);
-        cards_.configure();
-    }
-    /// A services card whose own certificate ends in so many days.
-    void make_services_card(int days = 12) {
-        simcard::CardPlan plan;
-        plan.profile = &simcard::profile_named("cns");
-        plan.cns_days = days;
-        cards_.make(plan);
+    /// A card whose signature certificate, or a services card's own, ends in so many days.
+    void make_card(int days = 12, const char* profile = "signature") {
+        cards_.make({.profile = &simcard::profile_named(profile), .signature_days = days, .cns_days = days});
         cards_.configure();
     }
     /// A card with signature pairs under these identifiers, certificates included.
@@ -73,9 +63,7 @@ class ProgramTest : public testing::Test {
         for (const char* id : ids)
             pairs.push_back({id, "signature", &simcard::CardPlan::signature_days});
         profile.pairs = pairs;
-        simcard::CardPlan plan;
-        plan.profile = &profile;
-        cards_.make(plan);
+        cards_.make({.profile = &profile});
         cards_.configure();
     }
 

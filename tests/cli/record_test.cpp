@@ -14,24 +14,17 @@ std::string signature_record(const std::string& notice) {
            std::string(dates) + "DS0#" + notice + "#ABCD#CLLDAA80A41Z999U";
 }
 
-TEST(RecordTest, TakesASignatureRecordApart) {
-    const auto record = parse_record(signature_record("Limiti d'uso"), Kind::signature, false);
+TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
+    const auto record = parse_record(signature_record("vale #1 e #2"), Kind::signature, false);
     ASSERT_TRUE(record);
     EXPECT_EQ(record->subject.readable(), "C=IT, CN=Ada 2, serialNumber=TINIT-X");
     EXPECT_EQ(record->issuer.value("O"), "Ente");
     EXPECT_EQ(record->serial, "0A0B");
     EXPECT_EQ(record->id, "DS0");
-    EXPECT_EQ(record->notice, "Limiti d'uso");
+    EXPECT_EQ(record->notice, "vale #1 e #2");
     EXPECT_EQ(record->key_identifier, "ABCD");
     EXPECT_EQ(record->fiscal_code, "CLLDAA80A41Z999U");
     EXPECT_EQ(day_of(record->ends), "2028-02-29");
-}
-
-TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
-    const auto noticed = parse_record(signature_record("vale #1 e #2"), Kind::signature, false);
-    ASSERT_TRUE(noticed);
-    EXPECT_EQ(noticed->notice, "vale #1 e #2");
-    EXPECT_EQ(noticed->fiscal_code, "CLLDAA80A41Z999U");
     const auto named =
         parse_record("2.5.4.3=Bar #1#2.5.4.10=Ente####" + std::string(dates + 1) + "AUTHCertificate0#ABCD#",
                      Kind::authentication, false);
@@ -39,13 +32,10 @@ TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
     EXPECT_EQ(named->subject.value("CN"), "Bar #1");
     EXPECT_EQ(named->issuer.value("O"), "Ente");
     EXPECT_EQ(named->id, "AUTHCertificate0");
-}
-
-TEST(RecordTest, LeavesThePendingMarkOut) {
-    const auto record = parse_record(signature_record("") + "#DS3", Kind::signature, true);
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->fiscal_code, "CLLDAA80A41Z999U");
-    EXPECT_EQ(record->notice, "");
+    const auto marked = parse_record(signature_record("") + "#DS3", Kind::signature, true);
+    ASSERT_TRUE(marked);
+    EXPECT_EQ(marked->fiscal_code, "CLLDAA80A41Z999U") << "the pending mark is left out";
+    EXPECT_EQ(marked->notice, "");
 }
 
 TEST(RecordTest, RefusesWhatIsNoRecord) {
@@ -69,15 +59,6 @@ TEST(RecordTest, CountsDaysDownAcrossTheEnd) {
     EXPECT_TRUE(ends_within(now + 90 * day, 90, now));
     EXPECT_FALSE(ends_within(now + 90 * day + 1, 90, now));
     EXPECT_TRUE(ends_within(now - day, 0, now));
-}
-
-TEST(RecordTest, TakesAKeyTextWithoutADigitForAFullSeries) {
-    EXPECT_TRUE(as_proposal("DS").none_free);
-    EXPECT_TRUE(as_proposal("AUTHCertificate").none_free);
-    EXPECT_EQ(as_proposal("DS3").id, "DS3");
-    EXPECT_FALSE(as_proposal("DS3").none_free);
-    EXPECT_FALSE(as_proposal("").none_free);
-    EXPECT_EQ(as_proposal("DS").id, "");
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "cli/key_material.h"
 #include "tests/cli/program.h"
 
 namespace {
@@ -10,7 +9,7 @@ class ServicesProgramTest : public ProgramTest {
   protected:
     // A card whose request is under way, the request in "request" and its certificate in "certificate".
     void prepare() {
-        make_services_card();
+        make_card(12, "cns");
         request_ = with_pin("request services --out request");
         ASSERT_EQ(request_.code, 0) << request_.err;
         ASSERT_EQ(tool("issue request --out certificate").code, 0);
@@ -64,7 +63,7 @@ TEST_F(ServicesProgramTest, TellsTheTwoThatAreKeptApart) {
 }
 
 TEST_F(ServicesProgramTest, RefusesWhatItsRequestCannotDo) {
-    make_services_card();
+    make_card(12, "cns");
     for (const char* options : {"--new-pair", "--subject /CN=Ada/title=Dott"}) {
         const Outcome outcome = with_pin(std::string("request services ") + options);
         EXPECT_EQ(outcome.code, 2) << outcome.err;
