@@ -27,13 +27,10 @@ TEST_F(RequestProgramTest, StopsWhenNothingIsDueUnlessForced) {
 
 TEST_F(RequestProgramTest, RefusesASubjectAndAFileBeforeAnyCall) {
     make_card();
-    std::string units;
-    for (int i = 0; i < 6; ++i)
-        units += "/OU=" + std::to_string(i);
     simcard::write_file(file("there"), "mine", simcard::Access::owner_only);
-    for (const std::string& options : {"--subject /C=IT" + units, std::string("--subject Ada"),
-                                       std::string("--out there"), std::string("--out no/such/folder")}) {
-        const Outcome outcome = with_pin("request signature " + options);
+    for (const char* options : {"--subject /OU=1/OU=2/OU=3/OU=4/OU=5/OU=6", "--subject Ada", "--out there",
+                                "--out no/such/folder"}) {
+        const Outcome outcome = with_pin(std::string("request signature ") + options);
         EXPECT_EQ(outcome.code, 2) << options;
         EXPECT_EQ(outcome.calls, "") << options;
     }

@@ -3,15 +3,9 @@
 
 using namespace zvtest;
 
-TEST(FunctionList, HoldsTheExportedFunctionsInTheStandardsOrder) {
+TEST(FunctionList, IsInTheStandardsOrder) {
     Module module;
     const auto* entries = reinterpret_cast<void* const*>(&module.list()->C_Initialize);
-    std::size_t place = 0;
-#define EXPECT_ENTRY(name, parameters, names)                                                                \
-    EXPECT_EQ(entries[place++], module.function<void*>(#name)) << #name;
-    CK_EACH_FUNCTION(EXPECT_ENTRY)
-#undef EXPECT_ENTRY
-    EXPECT_EQ(place, 68U);
     EXPECT_EQ(entries[18], module.function<void*>("C_Login"));
     EXPECT_EQ(entries[59], module.function<void*>("C_GenerateKeyPair"));
     EXPECT_EQ(entries[67], module.function<void*>("C_WaitForSlotEvent"));
@@ -55,9 +49,8 @@ TEST_F(EmptyCard, IsSeenByCopiesOfTheModuleBesideEachOther) {
 }
 
 TEST(Process, SurvivesAFolderThatSoftHsmCannotUse) {
-    const TemporaryFolder folder;
-    const auto odd = folder.path() / "a#b";
-    ::setenv("ZVSIMCARD_HOME", odd.c_str(), 1);
+    const EmptyCards cards;
+    ::setenv("ZVSIMCARD_HOME", (cards.path() / "a#b").c_str(), 1);
     {
         testing::internal::CaptureStderr();
         Module module;
@@ -65,13 +58,10 @@ TEST(Process, SurvivesAFolderThatSoftHsmCannotUse) {
         EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot use a folder of this name"),
                   std::string::npos);
     }
-    ::setenv("ZVSIMCARD_HOME", (folder.path() / "new").c_str(), 1);
-    {
-        Module module;
-        EXPECT_EQ(module->C_Initialize(nullptr), CKR_OK);
-        CK_ULONG count = 9;
-        EXPECT_EQ(module->C_GetSlotList(CK_FALSE, nullptr, &count), CKR_OK);
-        EXPECT_EQ(count, 0U);
-    }
-    ::unsetenv("ZVSIMCARD_HOME");
+    ::setenv("ZVSIMCARD_HOME", (cards.path() / "new").c_str(), 1);
+    Module module;
+    EXPECT_EQ(module->C_Initialize(nullptr), CKR_OK);
+    CK_ULONG count = 9;
+    EXPECT_EQ(module->C_GetSlotList(CK_FALSE, nullptr, &count), CKR_OK);
+    EXPECT_EQ(count, 0U);
 }
