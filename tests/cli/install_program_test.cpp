@@ -28,8 +28,19 @@ class InstallProgramTest : public ProgramTest {
     using Ids = std::vector<std::string>;
 };
 
-TEST_F(InstallProgramTest, RenewsAndKeepsTheOldOne) {
+TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOldOne) {
     prepare();
+    const cli::Bytes key = cli::modulus_of_request(simcard::read_file(file("request")));
+    for (const std::string form : {"", "--der", "--p7b", "--p7b --der"}) {
+        issue("request", "form", form);
+        const auto found = cli::certificates_in_file(file("form"));
+        EXPECT_EQ(found.size(), form.starts_with("--p7b") ? 2U : 1U) << form;
+        EXPECT_TRUE(cli::modulus_of(*found.front()) == key || cli::modulus_of(*found.back()) == key) << form;
+    }
+    const cli::Bytes der = cli::der_of(*cli::certificates_in_file(file("form")).front());
+    simcard::write_file(file("base64"), cli::base64_of(der), simcard::Access::owner_only);
+    EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
+
     const Outcome outcome = with_pin("install certificate --request request --backup old.pem");
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_TRUE(outcome.says("Signed with DS3 and verified with the new certificate"));
@@ -62,22 +73,6 @@ TEST_F(InstallProgramTest, RenewsTheAuthenticationCertificate) {
     const auto result = json("install certificate --remove-old");
     EXPECT_EQ(result["stored"], "AUTHCertificate3") << result;
     EXPECT_EQ(result["removed"], Ids{"AUTHCertificate0"}) << "the authority's stays";
-}
-
-TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryForm) {
-    prepare();
-    const cli::Bytes key = cli::modulus_of_request(simcard::read_file(file("request")));
-    for (const char* form : {"", "--der", "--p7b", "--p7b --der"}) {
-        issue("request", "form", form);
-        const auto found = cli::certificates_in_file(file("form"));
-        EXPECT_EQ(found.size(), std::string(form).find("p7b") == std::string::npos ? 1U : 2U) << form;
-        EXPECT_EQ(cli::modulus_of(*found.front()) == key || cli::modulus_of(*found.back()) == key, true)
-            << form;
-    }
-    simcard::write_file(file("base64"),
-                        cli::base64_of(cli::der_of(*cli::certificates_in_file(file("form")).front())),
-                        simcard::Access::owner_only);
-    EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
 }
 
 TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {

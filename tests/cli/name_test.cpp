@@ -33,12 +33,10 @@ TEST(NameTest, SaysWhatARequestWouldNotCarryWhole) {
     EXPECT_EQ(why_not("/C=IT/CN=" + longest + "/L=" + longest + longest.substr(1)), "");
     EXPECT_EQ(why_not("/OU=1/OU=2/OU=3/OU=4/OU=5/CN=a"), "");
     EXPECT_EQ(why_not("/CN=Città/emailAddress=a@b.it/serialNumber=TINIT-A:1"), "");
-    for (const std::string& text :
-         {"/CN=" + longest + "x", "/L=" + longest + longest, std::string("/C=ITA"),
-          std::string("/OU=1/OU=2/OU=3/OU=4/OU=5/OU=6"), std::string("/CN=a/CN=b"), std::string("/CN="),
-          std::string("/CN=a\nb"), std::string("/C=I_"), std::string("/serialNumber=è"),
-          std::string("/emailAddress=è@b.it"), std::string("/CN=a 2.5.4.8 b"), std::string("2.5.4.3=a/OU=b"),
-          std::string("2.5.4.10=Ditta/organizationIdentifier=VATIT-1")})
+    for (const std::string& text : std::initializer_list<std::string>{
+             "/CN=" + longest + "x", "/L=" + longest + longest, "/C=ITA", "/OU=1/OU=2/OU=3/OU=4/OU=5/OU=6",
+             "/CN=a/CN=b", "/CN=", "/CN=a\nb", "/C=I_", "/serialNumber=è", "/emailAddress=è@b.it",
+             "/CN=a 2.5.4.8 b", "2.5.4.3=a/OU=b", "2.5.4.10=Ditta/organizationIdentifier=VATIT-1"})
         EXPECT_NE(why_not(text), "") << text;
     EXPECT_NE(DistinguishedName().why_not_requestable(), "");
 }

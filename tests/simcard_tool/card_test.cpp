@@ -3,7 +3,6 @@
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/as_made.h"
 #include "simcard/tool/object_view.h"
-#include "simcard/tool/token_session.h"
 #include "tests/simcard/objects.h"
 #include "tests/simcard_tool/test_cards.h"
 
