@@ -55,17 +55,6 @@ TEST(Block, IsReadLineByLine) {
     EXPECT_EQ(parsed("BEGIN_STRING\nslot:12").slot, '1');
 }
 
-TEST(Block, ValuesAreCutToTheirFields) {
-    const std::string label(300, 'l');
-    const REQRENIN record =
-        parsed("BEGIN_STRING\ncertificatelabel:" + label + "\nszpin:" + std::string(40, '1') +
-               "\nszcertchain:" + std::string(9000, 'c') + "\nsztipocert:PRAX\n");
-    EXPECT_EQ(std::string(record.certificateLabel), std::string(255, 'l'));
-    EXPECT_EQ(std::string(record.szPin), std::string(31, '1'));
-    EXPECT_EQ(std::string(record.szCertChain).size(), 8191u);
-    EXPECT_STREQ(record.szTipoCert, "PRA");
-}
-
 TEST(Block, CommandsRunWhateverTheBlockHolds) {
     const zvtest::LogFile log;
     char block[] = "BEGIN_STRING\ncertificatelabel:DS0\npendinglabel:DS3\nckeepkeys:R\nsurname:S\n",

@@ -1,11 +1,8 @@
 #include "request/der.h"
 #include "request/pkcs10.h"
-#include "tests/support/log_file.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -63,36 +60,6 @@ TEST(Der, PiecesArePaddedAndJoined) {
     EXPECT_EQ(taken(CreateADATA(bytes, 5, 3)), (Bytes{1, 2, 3, 0, 0}));
     EXPECT_EQ(taken(ConcatenateADATA(nullptr, nullptr)), Bytes());
     EXPECT_EQ(taken(ConcatenateADATA(CreateADATA(bytes, 1, 1), CreateADATA(bytes, 2, 2))), (Bytes{1, 1, 2}));
-}
-
-TEST(Subject, RowsKeepTheirOrderAndTypes) {
-    datiDN name{};
-    std::strcpy(name.stateOrProvince, "RM");
-    std::strcpy(name.title, "Dr");
-    std::strcpy(name.country, "IT");
-    std::strcpy(name.email, "e@x");
-    const Bytes expected = {0x30, 0x3A, 0x31, 0x0B, 0x30, 0x09, 0x06, 0x03, 0x55, 0x04, 0x06, 0x13, 0x02,
-                            'I',  'T',  0x31, 0x12, 0x30, 0x10, 0x06, 0x09, 0x2A, 0x86, 0x48, 0x86, 0xF7,
-                            0x0D, 0x01, 0x09, 0x01, 0x16, 0x03, 'e',  '@',  'x',  0x31, 0x0B, 0x30, 0x09,
-                            0x06, 0x03, 0x55, 0x04, 0x0C, 0x0C, 0x02, 'D',  'r',  0x31, 0x0B, 0x30, 0x09,
-                            0x06, 0x03, 0x55, 0x04, 0x08, 0x0C, 0x02, 'R',  'M'};
-    Bytes got = taken(zv::buildName(name, zv::SUBJECT_TABLE));
-    EXPECT_EQ(got[1], got.size() - 2);
-    got[1] = expected[1];
-    EXPECT_EQ(got, expected);
-    EXPECT_EQ(taken(zv::buildName(name, zv::SUBJECT_TABLE_CNS)).size(), expected.size() - 13)
-        << "a services card's request has no title";
-}
-
-TEST(Subject, ValuesAreCutAt127AndRowsAtTheLimit) {
-    const zvtest::LogFile log;
-    datiDN name{};
-    EXPECT_EQ(zv::buildName(name, zv::SUBJECT_TABLE), nullptr);
-    std::memset(name.email, 'x', 128);
-    const Bytes der = taken(zv::buildName(name, zv::SUBJECT_TABLE));
-    EXPECT_EQ(std::count(der.begin(), der.end(), 'x'), 127);
-    std::strcpy(name.country, "IT");
-    EXPECT_EQ(zv::buildName(name, {zv::SUBJECT_TABLE.rows, 1}), nullptr);
 }
 
 TEST(Pem, IsOneLineThatMustFitWithItsBreaks) {

@@ -17,19 +17,14 @@ TEST(Log, OneFileTwoForms) {
     scriviLog(nullptr);
     WriteLog("titolo", "primo", 0, "", 0);
     WriteErr("titolo", nullptr, 0, "ab\0cd", 5);
+    WriteLog("t", "never", -1, nullptr, 0);
     const std::string raw("ab\0cd", 5);
     EXPECT_EQ(log.text(),
               "[]: riga\n[]: MESSAGGIO VUOTO!\n[]: MESSAGGIO VUOTO!\n** titolo\nprimo\n\n** titolo\n" + raw +
-                  "\n");
+                  "\n** t\n\n");
     struct stat status {};
     ASSERT_EQ(::stat(log.path().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
-}
-
-TEST(Log, NegativeLengthWritesAnEmptyLine) {
-    const LogFile log;
-    WriteLog("t", "never", -1, nullptr, 0);
-    EXPECT_EQ(log.text(), "** t\n\n");
 }
 
 TEST(Log, IsEmptiedPastOneMebibyteByTheShortFormAlone) {

@@ -112,12 +112,6 @@ TEST_F(OddModule, SlotIndicesBeyondListAndCacheAreRefused) {
     EXPECT_EQ(log.text().find("C_GetSlotList"), std::string::npos) << "the slot is known";
 }
 
-TEST_F(OddModule, ClosingNothingLeavesTwoTraces) {
-    finalizza();
-    EXPECT_EQ(log.text(), "**  .... Finalizza FUN                  .... \nhSession = 0x0\nhModule = 0x0\n"
-                          "** Funzione finalizza(): fine\nhSession = 0x0\nhModule = 0x0\n");
-}
-
 TEST(AtrDirectory, TakesAPathThatFits) {
     set_ATRini_path("/dir");
     EXPECT_STREQ(zv::g_ATRINI_dir, "/dir");
