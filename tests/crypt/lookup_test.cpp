@@ -106,29 +106,14 @@ TEST_F(Lookup, TheCardsOfTheDocumentedListAreFoundAsItSays) {
     EXPECT_GE(unknown, 10);
 }
 
-TEST_F(Lookup, AChangedFileIsReadAgainAndAnUnchangedOneIsNot) {
+TEST_F(Lookup, AChangedFileIsReadAgain) {
     const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
-    std::string many = deskReader;
-    for (int i = 10000; i < 20000; ++i)
-        many += "[card n]\natr = 3B19" + std::to_string(i) + "0\nmodule = libno.so\n";
-    const auto rewrite = [&](const std::string& module) {
-        configure(many + "[card z]\natr = 3BFF1800\nmodule = " + module + "\n");
+    for (const char* name : {"libuno.so", "libdue.so"}) {
+        configure(deskReader + "[card z]\natr = 3BFF1800\nmodule = " + name + "\n");
         std::filesystem::last_write_time(path("zvcrypt.conf"), longAgo);
-    };
-    const auto timed = [&](const std::string& expected) {
-        const auto begun = std::chrono::steady_clock::now();
-        EXPECT_EQ(module("Scrivania"), expected);
-        return std::chrono::steady_clock::now() - begun;
-    };
-    rewrite("libuno.so");
-    const auto first = timed("libuno.so");
-    auto later = timed("libuno.so");
-    for (int i = 0; i < 5; ++i)
-        later = std::min(later, timed("libuno.so"));
-    EXPECT_LT(later * 5, first) << "it is parsed once";
-    std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a clock tick at least
-    rewrite("libdue.so");
-    EXPECT_EQ(module("Scrivania"), "libdue.so") << "though name, size and date are the same";
+        EXPECT_EQ(module("Scrivania"), name) << "though path, size and date are the same";
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a clock tick at least
+    }
 }
 
 TEST_F(Lookup, AMalformedLineIsNamed) {
