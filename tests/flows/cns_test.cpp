@@ -206,16 +206,6 @@ TEST_F(ServicesCardWithSignature, IdentifiersDecideTheList) {
     EXPECT_EQ(reading.cns.size(), 1u);
 }
 
-TEST_F(ServicesCardWithSignature, NullArgumentsAreSkipped) {
-    std::string pin = PIN;
-    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                     nullptr, nullptr, nullptr, nullptr, moduleDir().c_str()),
-              0);
-    std::string library = path();
-    ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
-    EXPECT_EQ(Find_ALL_PendingCNS(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, false), 0);
-}
-
 TEST_F(ServicesCardWithSignature, SeriesNumbersDecide) {
     const Lines before = objects();
     const auto named = [this](const char* serial) {

@@ -83,14 +83,4 @@ TEST_F(Install, TracedCallsDifferInWhatAFailureLogs) {
     EXPECT_EQ(FindAnObject(zv::hSession, &byClass, 1, &object), CKR_GENERAL_ERROR);
 }
 
-TEST_F(Install, CryptoLibrarysSessionIsOpenedAndClosed) {
-    finalizza();
-    std::string library = path(), pin = PIN, wrong = "0";
-    EXPECT_EQ(DoInitialize(library.data(), wrong.data()), static_cast<int>(ZVC_ERR_PIN_INCORRECT));
-    EXPECT_EQ(DoInitialize(library.data(), pin.data()), 0);
-    EXPECT_EQ(DoFinalize(), 0);
-    EXPECT_EQ(DoFinalize(), 0) << "nothing open is no failure";
-    EXPECT_NE(DoInitialize(nullptr, nullptr), 0);
-}
-
 } // namespace

@@ -40,6 +40,9 @@ TEST_P(ModuleNames, DecideWhatIsSent) {
                                    "ulPublicKeyAttributeCount=" +
                                    (exponent.empty() ? "5 " : "6 ")))
         << module.recorded();
+    EXPECT_TRUE(has(module.recorded(),
+                    "pPrivateKeyTemplate={CKA_TOKEN 1 01, CKA_PRIVATE 1 01, CKA_SENSITIVE 1 01, CKA_LABEL 3 "
+                    "445333, CKA_ID 3 445333, CKA_DECRYPT 1 01, CKA_SIGN 1 01}"));
     const std::string certificate = issue();
     module.reset();
     module.record();

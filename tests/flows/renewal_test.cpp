@@ -26,19 +26,6 @@ TEST_F(Flow, RenewalReplacesTheOldPairAndItsLogIsTheGoldenOne) {
         EXPECT_FALSE(std::filesystem::exists(file)) << file;
 }
 
-TEST_F(Flow, RenewalMayKeepTheOldPair) {
-    ASSERT_EQ(read().result, 0);
-    ASSERT_EQ(request(), 0);
-    ASSERT_EQ(save(issue(), true), 0);
-    const Lines all = objects();
-    EXPECT_EQ(all.size(), 10u);
-    EXPECT_TRUE(pairWorks("DS0"));
-    EXPECT_TRUE(pairWorks("DS3"));
-    const Reading after = read();
-    EXPECT_EQ(after.pra.size(), 2u);
-    EXPECT_EQ(after.pendingPRA, 0);
-}
-
 TEST_F(Flow, AuthenticationCertificateIsRenewedToo) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(requestAuthentication("AUTHCertificate3", "AUTHCertificate0"), 0) << szBuffErr << szSockMsg;
