@@ -29,8 +29,9 @@ void rewriteDirect(const std::string& text) {
     for (const std::size_t size : {std::size_t{512}, std::size_t{2048}}) {
         fuzz::Room small(size, text);
         zv::rewriteName(small.get(), size);
-        HOLDS(!hasShortName(small.text()) &&
-              (small.text().size() + 1 == size || once.starts_with(small.text())));
+        HOLDS(!hasShortName(small.text()));
+        // "/O=" grows most, to three times its length; what may not fit is cut, and may shrink afterwards.
+        HOLDS(3 * text.size() >= size || small.text() == once);
     }
 }
 
