@@ -10,29 +10,6 @@ namespace {
 
 using namespace zvtest;
 
-TEST_F(Flow, RecordsHoldTheCertificatesFields) {
-    const Reading reading = read();
-    ASSERT_EQ(reading.result, 0);
-    ASSERT_EQ(reading.pra.size(), 1u);
-    ASSERT_EQ(reading.aut.size(), 1u);
-    EXPECT_TRUE(reading.cns.empty());
-    const auto pra = fields(reading.pra[0]), aut = fields(reading.aut[0]);
-    ASSERT_EQ(pra.size(), 11u);
-    ASSERT_EQ(aut.size(), 10u);
-    EXPECT_EQ(pra[0], "2.5.4.6=IT2.5.4.10=Non presente2.5.4.3=Ada Collaudo2.5.4.5=TINIT-CLLDAA80A41Z999U"
-                      "2.5.4.4=Collaudo2.5.4.42=Ada2.5.4.46=9000111122223333");
-    EXPECT_EQ(pra[1], "2.5.4.6=IT2.5.4.10=Korvalenta S.p.A.2.5.4.3=Korvalenta Firma Dig demo");
-    EXPECT_EQ(pra[2], "9000111122223333");
-    EXPECT_EQ(pra[7], "DS0");
-    EXPECT_TRUE(has(pra[8], "Certificato di firma dimostrativo")) << pra[8];
-    EXPECT_EQ(pra[9].size(), 40u);
-    EXPECT_EQ(pra[10], "CLLDAA80A41Z999U");
-    EXPECT_EQ(aut[7], "AUTHCertificate0");
-    EXPECT_EQ(aut[8].size(), 40u);
-    EXPECT_EQ(aut[9], "CLLDAA80A41Z999U");
-    EXPECT_EQ(std::string(zv::szSerialNumber), "9000111122223333");
-}
-
 TEST_F(Flow, NullArgumentsAreSkipped) {
     std::string pin = PIN;
     EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -107,16 +84,6 @@ TEST_F(Flow, AnUnknownCardIsNotSupported) {
     set_ATRini_path(log.folder().c_str());
     EXPECT_EQ(read(PIN, "R").result, -1) << "the host's table names a module, which has no such reader";
     set_ATRini_path(nullptr);
-}
-
-TEST_F(Flow, ACardPulledInTheMiddleFailsAndOpensAgain) {
-    module.add_rules("C_FindObjects:12:take-out");
-    EXPECT_NE(read().result, 0);
-    simcard::put_back_card(card.folder);
-    const Reading reading = read();
-    EXPECT_EQ(reading.result, 0);
-    EXPECT_EQ(reading.pra.size(), 1u);
-    EXPECT_EQ(objects().size(), 7u);
 }
 
 TEST_F(Flow, AModuleThatAnswersOddlyIsLivedWith) {

@@ -1,4 +1,5 @@
 // A signature certificate renewed from the first reading to the last, and the log of it.
+#include "card/detection.h"
 #include "tests/flows/flow.h"
 
 namespace {
@@ -11,6 +12,7 @@ TEST_F(Flow, RenewalReplacesTheOldPairAndItsLogIsTheGoldenOne) {
     ASSERT_EQ(reading.result, 0) << szBuffErr;
     EXPECT_EQ(reading.keyPRA, "DS3");
     EXPECT_EQ(reading.keyAUT, "AUTHCertificate3");
+    EXPECT_STREQ(zv::szSerialNumber, "9000111122223333");
     ASSERT_EQ(request(reading.keyPRA, "DS0"), 0) << szBuffErr << szSockMsg;
     ASSERT_EQ(save(issue(), false), 0) << szBuffErr << szSockMsg;
     expectGolden("renewal.log", maskedLog());

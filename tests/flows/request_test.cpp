@@ -1,59 +1,30 @@
 // Requests: what goes to the card, what comes back, and what a failure leaves.
 #include "api/request_files.h"
+#include "simcard/authority/request_encoding.h"
+#include "simcard/authority/signed_request.h"
 #include "store/renewal_state.h"
 #include "tests/flows/flow.h"
 
-#include <openssl/cms.h>
-#include <openssl/pem.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <memory>
 
 namespace {
 
 using namespace zvtest;
 using Lines = std::vector<std::string>;
 
-template <auto Free> struct Freed {
-    template <typename T> void operator()(T* object) const { Free(object); }
-};
-using Cms = std::unique_ptr<CMS_ContentInfo, Freed<CMS_ContentInfo_free>>;
-using Pkcs10 = std::unique_ptr<X509_REQ, Freed<X509_REQ_free>>;
-using Bio = std::unique_ptr<BIO, Freed<BIO_free_all>>;
-
-// The content of a request that the authority's own certificate vouches for.
-std::string contentOf(const std::string& base64, const simcard::Authority& authority) {
-    const Bio text(
-        BIO_push(BIO_new(BIO_f_base64()), BIO_new_mem_buf(base64.data(), static_cast<int>(base64.size()))));
-    const Cms cms(d2i_CMS_bio(text.get(), nullptr));
-    if (cms == nullptr) return "no CMS";
-    const std::unique_ptr<X509_STORE, Freed<X509_STORE_free>> store(X509_STORE_new());
-    X509_STORE_add_cert(store.get(), &authority.certificate());
-    X509_STORE_set_purpose(store.get(), X509_PURPOSE_ANY);
-    const Bio out(BIO_new(BIO_s_mem()));
-    if (CMS_verify(cms.get(), nullptr, store.get(), nullptr, out.get(), CMS_BINARY | CMS_CADES) != 1)
-        return "not verified";
-    char* data = nullptr;
-    const long length = BIO_get_mem_data(out.get(), &data);
-    return {data, static_cast<std::size_t>(length)};
-}
-
-Pkcs10 parsedRequest(const std::string& pem) {
-    const Bio text(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
-    return Pkcs10(PEM_read_bio_X509_REQ(text.get(), nullptr, nullptr, nullptr));
+// The authority verifies the old key's signature around the request and the new key's in it.
+simcard::CertificateRequest verified(const std::string& file, const simcard::Authority& authority) {
+    const auto decoded = simcard::decode_request(file);
+    return simcard::verify_signed_request(*std::get<simcard::CmsMessage>(decoded), authority.certificate())
+        .request;
 }
 
 TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
     ASSERT_EQ(read().result, 0);
     subject = "2.5.4.4=Rossi2.5.4.3=Ada Rossi/serialNumber=TINIT-X2.5.4.6=IT";
     ASSERT_EQ(request(), 0) << szBuffErr;
-    const std::string pem = contentOf(requestText, authority());
-    EXPECT_EQ(pem.substr(0, 36), "-----BEGIN CERTIFICATE REQUEST-----\n");
-    const Pkcs10 pkcs10 = parsedRequest(pem);
-    ASSERT_NE(pkcs10, nullptr);
-    EXPECT_EQ(X509_REQ_verify(pkcs10.get(), X509_REQ_get0_pubkey(pkcs10.get())), 1);
+    const auto pkcs10 = verified(requestText, authority());
     EXPECT_EQ(X509_REQ_get_signature_nid(pkcs10.get()), NID_sha1WithRSAEncryption);
     EXPECT_EQ(simcard::readable(*X509_REQ_get_subject_name(pkcs10.get())),
               "C=IT, CN=Ada Rossi, serialNumber=TINIT-X, SN=Rossi");
@@ -65,11 +36,12 @@ TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
 TEST_F(Flow, APendingPairIsUsedAgainAndDiscardedWhenAsked) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(request(), 0);
-    const std::string first = contentOf(requestText, authority());
+    const auto first = verified(requestText, authority());
     module.reset();
     ASSERT_EQ(request(), 0);
     EXPECT_EQ(module.calls("C_GenerateKeyPair"), 0u);
-    EXPECT_EQ(contentOf(requestText, authority()), first);
+    const auto again = verified(requestText, authority());
+    EXPECT_EQ(EVP_PKEY_eq(X509_REQ_get0_pubkey(first.get()), X509_REQ_get0_pubkey(again.get())), 1);
     module.use_keys(ZV_TEST_KEYS);
     log.clear();
     ASSERT_EQ(request("DS3", "DS0", true), 0);
@@ -160,14 +132,6 @@ TEST_F(Flow, FailuresOfTheSigningStep) {
     EXPECT_EQ(request(), 0);
 }
 
-class PlantedFile : public Flow {
-  protected:
-    ~PlantedFile() override {
-        std::error_code error;
-        std::filesystem::remove_all("/tmp/tmpReqFile", error);
-    }
-};
-
 TEST(RequestFile, StaysOursWhenAModuleClosesADescriptorAgain) {
     const int stale = ::dup(1);
     ::close(stale);
@@ -178,7 +142,7 @@ TEST(RequestFile, StaysOursWhenAModuleClosesADescriptorAgain) {
     zv::removeRequestFiles();
 }
 
-TEST_F(PlantedFile, RequestFileIsOursOrTheRequestFails) {
+TEST_F(Flow, RequestFileIsOursOrTheRequestFails) {
     namespace fs = std::filesystem;
     ASSERT_EQ(read().result, 0);
     const auto target = log.folder() / "target";
@@ -200,6 +164,7 @@ TEST_F(PlantedFile, RequestFileIsOursOrTheRequestFails) {
     EXPECT_STREQ(szBuffErr, "Primo File temporaneo non trovato");
     EXPECT_TRUE(has(log.text(), "[]: Primo File temporaneo non trovato\n[]: Funzione fopen() error!\n"));
     EXPECT_EQ(objects().size(), 9u) << "the pending pair stays";
+    fs::remove(zv::REQUEST_FILE);
 }
 
 } // namespace

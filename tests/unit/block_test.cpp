@@ -77,20 +77,4 @@ TEST(Block, CommandsRunWhateverTheBlockHolds) {
     EXPECT_EQ(length, 64);
 }
 
-std::string separated(const std::string& text) {
-    std::fill(std::begin(zv::buffer), std::end(zv::buffer), '\0');
-    std::strcpy(zv::buffer, text.c_str());
-    const unsigned long length = SepRows(zv::buffer);
-    EXPECT_EQ(length, std::strlen(zv::buffer));
-    return zv::buffer;
-}
-
-TEST(Block, RowsAreBrokenAt64) {
-    const std::string row(64, 'r');
-    EXPECT_EQ(separated(row + "\n"), row + "\n");
-    EXPECT_EQ(separated(row + row + "rr"), row + "\n" + row + "\nrr");
-    EXPECT_EQ(separated(row + "\n\n" + row), row + "\n\n" + row);
-    EXPECT_EQ(separated(std::string(8191, 'x')).size(), 8191u);
-}
-
 } // namespace
