@@ -1,6 +1,5 @@
 #include "certificates.h"
 
-#include <openssl/bn.h>
 #include <openssl/conf.h>
 #include <openssl/ec.h>
 #include <openssl/pkcs7.h>
@@ -26,13 +25,6 @@ void setSubject(X509_NAME* name, const std::string& subject, int form) {
     }
 }
 
-void setSerial(ASN1_INTEGER* serial, const std::string& hex) {
-    BIGNUM* number = nullptr;
-    require(BN_hex2bn(&number, hex.c_str()) > 0);
-    const std::shared_ptr<BIGNUM> owner(number, BN_free);
-    require(BN_to_ASN1_INTEGER(number, serial) != nullptr);
-}
-
 void addExtensions(X509* certificate, const std::string& lines, X509* issuer) {
     const std::string text = "[ext]\n" + lines + "\n";
     const std::shared_ptr<BIO> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
@@ -51,7 +43,9 @@ Certificate make(const Shape& shape) {
     if (!made.key) made.key = {EVP_EC_gen("P-256"), EVP_PKEY_free};
     X509* it = made.x509.get();
     require(X509_set_version(it, X509_VERSION_3) == 1 && X509_set_pubkey(it, made.key.get()) == 1);
-    setSerial(X509_get_serialNumber(it), shape.serial);
+    const std::shared_ptr<ASN1_INTEGER> serial(s2i_ASN1_INTEGER(nullptr, ("0x" + shape.serial).c_str()),
+                                               ASN1_INTEGER_free);
+    require(X509_set_serialNumber(it, serial.get()) == 1);
     require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.notBefore.c_str()) == 1);
     require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.notAfter.c_str()) == 1);
     setSubject(X509_get_subject_name(it), shape.subject, shape.form);

@@ -176,20 +176,14 @@ TEST_F(Store, FirstKeysAreNeverPending) {
     EXPECT_STREQ(aut, "AUTHCertificate3") << "the authority's certificate counts as the other kind";
 }
 
-TEST_F(Store, DumpListsAndCountsEveryObject) {
+TEST_F(Store, ADumpThatFailsHasNoCount) {
     finalizza();
     std::string out, pin = PIN, library = path();
-    ASSERT_EQ(renewDump(library.data(), pin.data(), 0, out), 0);
-    EXPECT_TRUE(out.starts_with("Dump Smart Card 9000111122223333\n\nCKO_PUBLIC_KEY,DS0,DS0,")) << out;
-    EXPECT_TRUE(has(out, "\nTrovati 7 oggetti\n\n"));
-    std::istringstream lines(out);
-    for (std::string line; std::getline(lines, line);)
-        EXPECT_TRUE(!line.starts_with("CKO_") || std::count(line.begin(), line.end(), ',') == 4) << line;
-    EXPECT_EQ(zv::hSession, 0u);
     module.add_rules("C_FindObjects:3:answer:0x30");
     EXPECT_EQ(renewDump(library.data(), pin.data(), 0, out), 0);
     EXPECT_FALSE(has(out, "Trovati"));
     EXPECT_EQ(renewDump(library.data(), pin.data(), 9, out), static_cast<int>(CKR_SLOT_ID_INVALID));
+    EXPECT_EQ(zv::hSession, 0u);
 }
 
 TEST_F(Store, FullOpenerIsStricterThanTheLightOne) {

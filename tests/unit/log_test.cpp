@@ -92,11 +92,4 @@ TEST(Messages, AreLookedUpWithinTheTable) {
     EXPECT_EQ(filled, 83);
 }
 
-TEST(Messages, FailuresNameStepCodeAndSentence) {
-    loadErrorCodes();
-    const LogFile log;
-    zv::reportFailure("t", "C_Login", CKR_PIN_INCORRECT, "Errore (%s)");
-    EXPECT_EQ(log.text(), "** t\nC_Login\nErrore = 0x160\n** Messaggio di Errore\nErrore (Pin errato)\n\n");
-}
-
 } // namespace

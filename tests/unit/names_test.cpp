@@ -81,30 +81,6 @@ TEST(InventoryNames, AServicesCardHasItsCommonNameLast) {
     EXPECT_EQ(std::string(longName), "2.5.4.6=IT2.5.4.3=" + value + "rest2.5.4.11=u");
 }
 
-std::string expiry(std::string data) {
-    char out[9] = "";
-    getDtScadenza(data.data(), out);
-    return out;
-}
-
-TEST(InventoryNames, ExpiryDateOfTheCard) {
-    const std::string filler(13, '.');
-    EXPECT_EQ(expiry("00000004abc" + filler + "20300131rest"), "20300131");
-    EXPECT_EQ(expiry("00000004xxx" + filler + "20300131"), "");
-    EXPECT_EQ(expiry("00000000abc" + filler + "20300131"), "");
-    EXPECT_EQ(expiry("00000004abc" + filler + "2030013"), "");
-    EXPECT_EQ(expiry("00000099......"), "");
-    EXPECT_EQ(expiry("short"), "");
-}
-
-TEST(InventoryNames, ShapeOfACodiceFiscale) {
-    char good[] = "ABCDEF12G34H567I", bad[] = "ABCDEF1XG34H567I", odd[] = "ABC", digit[] = "1BCDEF12G34H567I";
-    EXPECT_EQ(isCodFisc(good), 1);
-    EXPECT_EQ(isCodFisc(bad), 0);
-    EXPECT_EQ(isCodFisc(digit), 0);
-    EXPECT_EQ(isCodFisc(odd), 1);
-}
-
 std::string rewritten(const std::string& text, int rounds = 0) {
     char name[8216], work[8216];
     std::strcpy(name, text.c_str());
