@@ -12,14 +12,12 @@ using namespace zvtest;
 
 TEST_F(Flow, NullArgumentsAreSkipped) {
     std::string pin = PIN;
-    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                     nullptr, nullptr, nullptr, nullptr, moduleDir().c_str()),
-              0);
+    char *entries[ZV_LIST_ENTRIES] = {}, **none = nullptr;
+    for (char** list : {none, entries})
+        EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, list, list, list, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr, nullptr, moduleDir().c_str()),
+                  0);
     EXPECT_EQ(rinnovo_Card_findFreeCKAID(nullptr, pin.data(), nullptr, nullptr), 0);
-    char* entries[ZV_LIST_ENTRIES] = {};
-    EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, entries, entries, entries, nullptr, nullptr,
-                                     nullptr, nullptr, nullptr, nullptr, moduleDir().c_str()),
-              0);
     EXPECT_EQ(rinnovo_Card_readCerts(nullptr, nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
                                      nullptr, nullptr, nullptr, nullptr, nullptr),
               -1)

@@ -10,9 +10,7 @@ class Storing : public PendingFlow {};
 TEST_F(Storing, CertificateIsWrittenWithNineAttributes) {
     module.record();
     ASSERT_EQ(save(certificate, true), 0);
-    const std::string calls = module.recorded();
-    const std::size_t at = calls.find("C_CreateObject");
-    const std::string line = calls.substr(at, calls.find('\n', at) - at);
+    const std::string line = callsOf("C_CreateObject", module.recorded()).at(0);
     EXPECT_TRUE(has(line, "pTemplate={CKA_CLASS 8 0100000000000000, CKA_TOKEN 1 01, CKA_CERTIFICATE_TYPE 8 "
                           "0000000000000000, CKA_ID 3 445333, CKA_LABEL 3 445333, CKA_VALUE "))
         << line;
