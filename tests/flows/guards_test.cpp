@@ -74,4 +74,18 @@ TEST_F(Guards, FaithfulBlock) {
     EXPECT_EQ(request("DS4 "), 0) << "trailing blanks of a label do not matter";
 }
 
+TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
+    ASSERT_EQ(read().result, 0);
+    std::string label = "DS0", pending = "DS3";
+    RichiestaMinInfo(label.data(), PIN, "none", pending.data(), "PRA", "R");
+    const std::string whole = zv::szBufferRichiesta;
+    for (std::size_t size = 0; size < whole.size(); size += 11) {
+        std::string block = whole.substr(0, size);
+        char out[8000];
+        long room = sizeof out;
+        EXPECT_NE(miExecCmd(size % 2 == 0 ? "REQREN" : "REQSCA", block.data(), 0, out, &room), 0) << block;
+        EXPECT_EQ(zv::hSession, 0u) << block;
+    }
+}
+
 } // namespace
