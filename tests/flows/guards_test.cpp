@@ -74,6 +74,7 @@ TEST_F(Guards, FaithfulBlock) {
     EXPECT_EQ(request("DS4 "), 0) << "trailing blanks of a label do not matter";
 }
 
+// Without a name and a certificate no command comes to an end, whatever else is there.
 TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
     ASSERT_EQ(read().result, 0);
     std::string label = "DS0", pending = "DS3";
