@@ -78,6 +78,7 @@ TEST_F(Guards, FaithfulBlock) {
 TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
     ASSERT_EQ(read().result, 0);
     std::string label = "DS0", pending = "DS3";
+    ResettaDN();
     RichiestaMinInfo(label.data(), PIN, "none", pending.data(), "PRA", "R");
     const std::string whole = zv::szBufferRichiesta;
     for (std::size_t size = 0; size < whole.size(); size += 11) {
