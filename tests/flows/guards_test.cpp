@@ -1,6 +1,7 @@
 // Calls that are stopped before the card is touched.
 #include "api/state.h"
 #include "card/detection.h"
+#include "store/renewal_state.h"
 #include "tests/flows/flow.h"
 
 namespace {
@@ -78,7 +79,7 @@ TEST_F(Guards, FaithfulBlock) {
 TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
     ASSERT_EQ(read().result, 0);
     std::string label = "DS0", pending = "DS3";
-    ResettaDN();
+    ResettaDN(), zv::dName = {};
     RichiestaMinInfo(label.data(), PIN, "none", pending.data(), "PRA", "R");
     const std::string whole = zv::szBufferRichiesta;
     for (std::size_t size = 0; size < whole.size(); size += 11) {
