@@ -147,11 +147,16 @@ TEST_F(Flow, RequestFileIsOursOrTheRequestFails) {
     ASSERT_EQ(read().result, 0);
     const auto target = log.folder() / "target";
     std::ofstream(target) << "kept";
+    fs::create_directory_symlink(log.folder(), log.folder() / "link");
+    log.use(log.folder() / "link" / "other.log");
     for (const char* name : {zv::BASE64_FILE, zv::SIGNED_FILE, zv::REQUEST_FILE}) {
         fs::remove(name);
         fs::create_symlink(target, name);
         EXPECT_EQ(request(), 0) << "a link itself is removed: " << name;
         ASSERT_EQ(::mkfifo(name, 0600), 0);
+        EXPECT_EQ(request(), 0) << name;
+        std::ofstream(name) << "another user's";
+        ASSERT_TRUE(::geteuid() != 0 || ::chown(name, 65534, 65534) == 0);
         EXPECT_EQ(request(), 0) << name;
         fs::create_directory(name);
         EXPECT_NE(request(), 0) << name;
