@@ -1,13 +1,34 @@
+#include "openssl_ptr.h"
 #include "zvCrypt.h"
 
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <utility>
+
+namespace {
+
+using namespace zvcrypt;
+
+MdContextPtr newContext() noexcept {
+    MdContextPtr context(EVP_MD_CTX_new());
+    if (context != nullptr && EVP_DigestInit_ex2(context.get(), EVP_sha1(), nullptr) != 1) context.reset();
+    return context;
+}
+
+// Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros.
+MdContextPtr nextContext = newContext();
+
+} // namespace
 
 void Sha1Digest(int length, unsigned char* data, unsigned char* digest) {
     if (digest == nullptr) return;
     std::fill_n(digest, ZVC_SHA1_SIZE, static_cast<unsigned char>(0));
     const auto size = static_cast<std::size_t>(std::max(length, 0));
     if (data == nullptr && size > 0) return;
-    (void)EVP_Q_digest(nullptr, "SHA1", nullptr, data, size, digest, nullptr);
+    MdContextPtr context = std::exchange(nextContext, nullptr);
+    if (context == nullptr) context = newContext();
+    if (context != nullptr && EVP_DigestUpdate(context.get(), data, size) == 1)
+        (void)EVP_DigestFinal_ex(context.get(), digest, nullptr);
+    nextContext = newContext();
 }
