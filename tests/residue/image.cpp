@@ -16,7 +16,8 @@ static void add(const std::string& process, std::ofstream& out) {
         off_t at = 0, end = 0;
         if (std::sscanf(line.c_str(), "%lx-%lx", &at, &end) != 2 || line.find(" r") == line.npos) continue;
         for (ssize_t got = 1; at < end && got > 0; at += got) { // the system's own pages cannot be read
-            got = ::pread(memory, piece, std::min<off_t>(sizeof piece, end - at), at);
+            const off_t most = std::min<off_t>(sizeof piece, end - at);
+            got = ::pread(memory, piece, static_cast<std::size_t>(most), at);
             if (got > 0) out.write(piece, got);
         }
     }
