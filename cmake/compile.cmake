@@ -13,10 +13,10 @@ if(ZV_FUZZ)
   set(ZV_SANITIZE ON)
   target_compile_options(zv_compile INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-if(CMAKE_UNITY_BUILD)
-  # Files compiled together see each other's file-wide names.
-  target_compile_options(zv_compile INTERFACE -Wno-shadow $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
-endif()
+# Files compiled together see each other's file-wide names.
+set(together $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
+target_compile_options(zv_compile INTERFACE $<${together}:-Wno-shadow>
+  $<$<AND:${together},$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wno-subobject-linkage>)
 if(ZV_SANITIZE)
   target_compile_options(zv_compile INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)
