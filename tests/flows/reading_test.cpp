@@ -143,4 +143,12 @@ TEST_F(Flow, AFullSeriesHasNoFreeIdentifier) {
     EXPECT_EQ(reading.keyAUT, "");
 }
 
+TEST_F(Flow, AModuleThatIsStartedAlreadyIsStartedAnew) {
+    module.add_rules("C_Initialize:1:answer:0x191");
+    EXPECT_EQ(read().result, 0);
+    EXPECT_EQ(module.rules_left(), 0U);
+    module.add_rules("C_Initialize:1:answer:0x191;C_Initialize:2:answer:0x5");
+    EXPECT_EQ(read().result, -1) << "once";
+}
+
 } // namespace
