@@ -9,7 +9,8 @@ Json card_json(const OpenedCard& card) {
             {"module", card.place.module_path},
             {"label", card.state.label},
             {"serial", card.state.serial},
-            {"services_card", card.place.services}};
+            {"services_card", card.place.services},
+            {"pin", pin_state(card.state.flags)}};
 }
 
 Json waiting_json(const Inventory& inventory) {

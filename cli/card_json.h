@@ -7,8 +7,18 @@ namespace cli {
 
 // The same facts have the same names in what every command prints with --json.
 
-/// {"reader", "module", "label", "serial", "services_card"}
+/// {"reader", "module", "label", "serial", "services_card", "pin"}
 [[nodiscard]] Json card_json(const OpenedCard& card);
+
+/// Does what is done with an opened card; a Stop takes along which card that was.
+template <class Work> [[nodiscard]] Report about_card(const OpenedCard& card, Work work) {
+    try {
+        return work();
+    } catch (Stop& stop) {
+        stop.about(card_json(card));
+        throw;
+    }
+}
 
 /// An array of {"kind", "id"}.
 [[nodiscard]] Json waiting_json(const Inventory& inventory);

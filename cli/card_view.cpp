@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace cli {
 namespace {
@@ -52,11 +50,6 @@ bool is_first_key(const std::string& id) {
 // Cards pad what they hold.
 bool begins_with(const Bytes& stored, const Bytes& expected) {
     return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
-}
-
-const char* certificates_in_words(std::size_t count, bool private_key) {
-    if (count > 1) return private_key ? "several certificates and keys" : "several certificates alone";
-    return private_key ? "certificate and keys" : "certificate alone";
 }
 
 } // namespace
@@ -122,20 +115,12 @@ std::vector<std::string> CardView::waiting_pairs() const {
     return found;
 }
 
-std::string CardView::in_words() const {
-    std::vector<std::string> parts;
-    for (const std::string& id : identifiers()) {
-        const std::size_t count = certificates(id).size();
-        const bool public_key = find(CKO_PUBLIC_KEY, id) != nullptr;
-        const bool private_key = find(CKO_PRIVATE_KEY, id) != nullptr;
-        const char* what = count > 0                   ? certificates_in_words(count, private_key)
-                           : public_key && private_key ? "keys without a certificate"
-                           : private_key               ? "private key alone"
-                           : public_key                ? "public key alone"
-                                                       : "data";
-        parts.push_back(fmt::format("{} ({})", id, what));
-    }
-    return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
+OnCard CardView::contents() const {
+    OnCard contents;
+    for (const std::string& id : identifiers())
+        contents.held.push_back({id, certificates(id).size(), find(CKO_PUBLIC_KEY, id) != nullptr,
+                                 find(CKO_PRIVATE_KEY, id) != nullptr});
+    return contents;
 }
 
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
@@ -161,9 +146,9 @@ CardView view_card(OpenedCard& card) {
 CardNow card_now(OpenedCard& card) {
     try {
         const CardView view = view_card(card);
-        return {view, view.in_words()};
+        return {view, view.contents()};
     } catch (const Stop& stop) {
-        return {std::nullopt, "cannot be read. " + stop.sentence};
+        return {std::nullopt, {{}, stop.sentence}};
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/outcome.h"
 #include "cli/pin_gate.h"
 
 #include <functional>
@@ -44,8 +45,8 @@ class CardView {
     /// Identifiers of the pairs that wait for a certificate: both keys, no certificate, not a card's first
     /// keys (digits 0 to 2).
     [[nodiscard]] std::vector<std::string> waiting_pairs() const;
-    /// One line for a person: which certificates and keys there are.
-    [[nodiscard]] std::string in_words() const;
+    /// Which certificates and keys there are.
+    [[nodiscard]] OnCard contents() const;
     /// Identifiers, each once, in the card's order.
     [[nodiscard]] std::vector<std::string> identifiers() const;
 
@@ -65,7 +66,7 @@ void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
 /// What is on the card once it may have been changed.
 struct CardNow {
     std::optional<CardView> view; ///< none when the card cannot be read
-    std::string words;            ///< in_words() of the view, or why there is none
+    OnCard contents;              ///< of the view, or why there is none
 
     [[nodiscard]] bool waits(const std::string& pair) const;
 };

@@ -26,8 +26,9 @@ KeyTexts ask_library(OpenedCard& card) {
     const bool full = code == ZV_FAILED && (as_proposal(keys.signature.data()).none_free ||
                                             as_proposal(keys.authentication.data()).none_free);
     if (code != ZV_OK && !full)
-        throw library_stop("The identifiers could not be read", code,
-                           "Nothing on the card was changed. Leave the card in the reader and try again.");
+        throw library_stop(
+            "The identifiers could not be read", code,
+            Advice{"repeat", "Nothing on the card was changed. Leave the card in the reader and try again."});
     return keys;
 }
 
@@ -45,10 +46,7 @@ void add(Report& report, const Inventory& inventory, Kind kind, const std::strin
     report.text += fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(kind), words);
 }
 
-} // namespace
-
-Report run_free_id(const CommonOptions& options) {
-    OpenedCard card = open_card(options);
+Report show_free(OpenedCard& card) {
     // The reading also tells the library where the modules are.
     const Inventory inventory = read_inventory(card, view_card(card));
     const KeyTexts keys = ask_library(card);
@@ -57,6 +55,13 @@ Report run_free_id(const CommonOptions& options) {
     add(report, inventory, Kind::signature, keys.signature.data());
     add(report, inventory, Kind::authentication, keys.authentication.data());
     return report;
+}
+
+} // namespace
+
+Report run_free_id(const CommonOptions& options) {
+    OpenedCard card = open_card(options);
+    return about_card(card, [&] { return show_free(card); });
 }
 
 } // namespace cli

@@ -70,27 +70,35 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
 }
 
-std::string advice_after_failure(const InstallPlan& plan, const CardNow& now) {
-    if (!now.view) return "Put the card in the reader and run the same command again.";
+Advice say_backup(const std::string& backup) {
+    return {"backup", fmt::format("A copy of the old certificate: {}", backup), {{"file", backup}}};
+}
+
+Advice advice_after_failure(const InstallPlan& plan, const CardNow& now) {
+    if (!now.view) return {"repeat", "Put the card in the reader and run the same command again."};
     if (plan.kind == Kind::services && !plan.removed.empty() && now.view->certificates(plan.pair).empty())
-        return fmt::format(
-            "The old certificate {0} is gone, the keys {0} are on the card: run the command again "
-            "without --remove-old.",
-            plan.pair);
+        return {"without-remove-old",
+                fmt::format(
+                    "The old certificate {0} is gone, the keys {0} are on the card: run the command again "
+                    "without --remove-old.",
+                    plan.pair),
+                {{"pair", plan.pair}}};
     if (plan.kind == Kind::services && now.view->certificate(plan.pair, plan.certificate) == nullptr)
-        return "The keys are as they were: run the same command again.";
+        return {"repeat", "The keys are as they were: run the same command again.", {{"pair", plan.pair}}};
     if (now.waits(plan.pair))
-        return fmt::format("The pair {} still waits for the certificate: run the same command again.",
-                           plan.pair);
-    return "See what is on the card with: zvrenew list";
+        return {"repeat",
+                fmt::format("The pair {} still waits for the certificate: run the same command again.",
+                            plan.pair),
+                {{"pair", plan.pair}}};
+    return {"list", "See what is on the card with: zvrenew list"};
 }
 
 [[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
                               Stop stop) {
     const CardNow now = card_now(card);
-    stop.card = now.words;
-    stop.advice = advice_after_failure(plan, now);
-    if (!backup.empty()) stop.advice += fmt::format("\nA copy of the old certificate: {}", backup);
+    stop.card = now.contents;
+    stop.advice.push_back(advice_after_failure(plan, now));
+    if (!backup.empty()) stop.advice.push_back(say_backup(backup));
     throw stop;
 }
 
@@ -104,11 +112,11 @@ Stop because_left(const std::vector<std::string>& left, const InstallPlan& plan,
     const std::string what = plan.kind == Kind::services
                                  ? fmt::format("another certificate {} is still there", plan.pair)
                                  : fmt::format("{} could not be removed whole", fmt::join(left, ", "));
-    Stop stop(
-        Exit::failed,
-        fmt::format("The new certificate is stored and verified, as {}, but {}.", plan.pair, what),
-        fmt::format("Remove it with the card's own software.\nA copy of the old certificate: {}", backup));
-    stop.card = now.words;
+    Stop stop(Exit::failed,
+              fmt::format("The new certificate is stored and verified, as {}, but {}.", plan.pair, what),
+              Advice{"card-software", "Remove it with the card's own software.", {{"remove", left}}});
+    stop.advice.push_back(say_backup(backup));
+    stop.card = now.contents;
     stop.logged = true;
     return stop;
 }
@@ -145,20 +153,16 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["replaces"] = plan.old ? Json(plan.old->id) : Json();
     report.json["removed"] = plan.removed;
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
-    report.json["on_card"] = now.words;
+    report.json["on_card"] = now.contents.as_json();
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
                               kind_name(plan.kind), plan.pair, old_in_words(plan));
     if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
-    report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.words, log_path());
+    report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.contents.in_words(), log_path());
     return report;
 }
 
-} // namespace
-
-Report run_install(const InstallOptions& options) {
-    const IssuedFiles files = read_issued_files(options);
-    OpenedCard card = open_card(options, Use::changing);
+Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedFiles& files) {
     const CardView before = view_card(card);
     const Inventory inventory = read_inventory(card, before);
     const InstallPlan plan = plan_install(options, files, inventory, before);
@@ -171,6 +175,14 @@ Report run_install(const InstallOptions& options) {
         stop_failed(card, plan, backup,
                     {Exit::failed, fmt::format("The certificate was stored, but {}", reason)});
     return report_on(card, plan, backup);
+}
+
+} // namespace
+
+Report run_install(const InstallOptions& options) {
+    const IssuedFiles files = read_issued_files(options);
+    OpenedCard card = open_card(options, Use::changing);
+    return about_card(card, [&] { return install_on(card, options, files); });
 }
 
 } // namespace cli

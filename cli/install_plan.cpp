@@ -52,7 +52,7 @@ Match match_pair(const IssuedFiles& files, const Inventory& inventory, const Car
     const std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
     if (pairs.empty())
         throw Stop(Exit::refused, "No pair on the card waits for a certificate.",
-                   "See what is on the card with: zvrenew list");
+                   Advice{"list", "See what is on the card with: zvrenew list"});
     for (const WaitingPair& pair : pairs) {
         const Bytes key = view.modulus(pair.id);
         if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
@@ -61,7 +61,7 @@ Match match_pair(const IssuedFiles& files, const Inventory& inventory, const Car
     throw Stop(Exit::refused,
                fmt::format("The certificate is for another key than what can take one on the card ({}).",
                            ids(pairs)),
-               "Install it on the card whose request it answers.");
+               Advice{"other-card", "Install it on the card whose request it answers."});
 }
 
 std::optional<CertificateRecord> certificate_to_replace(const InstallOptions& options,
@@ -73,7 +73,7 @@ std::optional<CertificateRecord> certificate_to_replace(const InstallOptions& op
     if (const CertificateRecord* named = inventory.find(kind, options.replace)) return *named;
     throw Stop(Exit::refused,
                fmt::format("There is no {} certificate {} on the card.", kind_name(kind), options.replace),
-               "Give an identifier as zvrenew list shows it, whole.");
+               Advice{"whole-identifier", "Give an identifier as zvrenew list shows it, whole."});
 }
 
 // Keys are looked up, and objects removed, by whether their identifier contains a text.
@@ -90,7 +90,7 @@ void refuse_ambiguous(const InstallPlan& plan, const CardView& view, bool remove
         throw Stop(Exit::refused,
                    fmt::format("The identifier {} is part of {} on the card, which would be removed with it.",
                                plan.old->id, fmt::join(others, ", ")),
-                   "Install without --remove-old.");
+                   Advice{"without-remove-old", "Install without --remove-old."});
 }
 
 std::string pem_on_card(const CardView& view, const std::string& id) {

@@ -60,8 +60,9 @@ void read_with_library(OpenedCard& card, Reading& reading) {
         &reading.authentication_pending, reading.signature_key.data(), reading.authentication_key.data(),
         no_text, card.place.module_dir.c_str());
     if (code != ZV_OK)
-        throw library_stop("The card could not be read", code,
-                           "Nothing on the card was changed. Leave the card in the reader and try again.");
+        throw library_stop(
+            "The card could not be read", code,
+            Advice{"repeat", "Nothing on the card was changed. Leave the card in the reader and try again."});
 }
 
 void add_certificates(Inventory& inventory, const CertificateList& list, Kind kind, bool marked) {

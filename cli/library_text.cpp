@@ -75,9 +75,16 @@ std::string library_reason(int code) {
     return fmt::format(": {} ({}, \"{}\")", fmt::join(quotes, ", "), shown(code), meaning);
 }
 
-Stop library_stop(const std::string& sentence, int code, std::string advice) {
-    Stop stop(Exit::failed, sentence + library_reason(code) + ".", std::move(advice));
+Stop library_stop(const std::string& sentence, int code) {
+    Stop stop(Exit::failed, sentence + library_reason(code) + ".");
+    stop.facts["code"] = code;
     stop.logged = true;
+    return stop;
+}
+
+Stop library_stop(const std::string& sentence, int code, Advice advice) {
+    Stop stop = library_stop(sentence, code);
+    stop.advice.push_back(std::move(advice));
     return stop;
 }
 

@@ -18,7 +18,8 @@ void forget_library_texts();
 [[nodiscard]] std::string library_reason(int code);
 
 /// A failed call of the library, as a Stop: the sentence, ended by library_reason().
-[[nodiscard]] Stop library_stop(const std::string& sentence, int code, std::string advice = {});
+[[nodiscard]] Stop library_stop(const std::string& sentence, int code);
+[[nodiscard]] Stop library_stop(const std::string& sentence, int code, Advice advice);
 
 /// The crypto library's reason of its last failure, to end a sentence in the same way.
 [[nodiscard]] std::string crypto_reason(int code);

@@ -125,10 +125,7 @@ void say_what_waits(std::string& text, const Inventory& inventory) {
                 "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)";
 }
 
-} // namespace
-
-Report run_list(const ListOptions& options) {
-    OpenedCard card = open_card(options);
+Report list_card(OpenedCard& card, const ListOptions& options) {
     const Inventory inventory = read_inventory(card, view_card(card));
     Report report;
     report.text = heading(card);
@@ -143,6 +140,13 @@ Report run_list(const ListOptions& options) {
     say_what_is_due(report.text, report.json["certificates"], inventory);
     say_what_waits(report.text, inventory);
     return report;
+}
+
+} // namespace
+
+Report run_list(const ListOptions& options) {
+    OpenedCard card = open_card(options);
+    return about_card(card, [&] { return list_card(card, options); });
 }
 
 } // namespace cli

@@ -46,17 +46,28 @@ void print_report(const Invocation& invocation, const Report& report) {
     }
 }
 
+Json advice_json(const std::vector<Advice>& advice) {
+    Json list = Json::array();
+    for (const Advice& one : advice) {
+        list.push_back({{"key", one.key}, {"text", one.text}});
+        list.back().update(one.values);
+    }
+    return list;
+}
+
 Exit print_stop(const Invocation& invocation, const Stop& stop) {
     if (invocation.json) {
         Json facts = {{"message", stop.sentence}};
-        if (!stop.card.empty()) facts["on_card"] = stop.card;
-        if (!stop.advice.empty()) facts["advice"] = stop.advice;
+        facts.update(stop.facts);
+        if (stop.card) facts["on_card"] = stop.card->as_json();
+        facts["advice"] = advice_json(stop.advice);
         print_json(invocation.command, stop.exit, facts);
         return stop.exit;
     }
     note(stop.exit == Exit::nothing_due ? stop.sentence : "zvrenew: " + stop.sentence);
-    if (!stop.card.empty()) note("Now on the card: " + stop.card);
-    if (!stop.advice.empty()) note(stop.advice);
+    if (stop.card) note("Now on the card: " + stop.card->in_words());
+    for (const Advice& one : stop.advice)
+        note(one.text);
     if (stop.logged) note("The log has the details: " + log_path());
     return stop.exit;
 }

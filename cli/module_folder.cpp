@@ -74,7 +74,9 @@ fs::path folder_of_module(const std::string& module, const std::string& given) {
     }
     throw Stop(Exit::refused,
                fmt::format("The card needs the module {}, which is not in {}.", module, listed(folders)),
-               "Install the card maker's software, or say where the module is with --module-dir.");
+               Advice{"module-dir",
+                      "Install the card maker's software, or say where the module is with --module-dir.",
+                      {{"module", module}}});
 }
 
 } // namespace cli

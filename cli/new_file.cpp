@@ -24,7 +24,7 @@ NewFile::NewFile(std::string path) : path_(std::move(path)), file_(create(path_)
     if (file_) return;
     if (errno == EEXIST)
         throw Stop(Exit::refused, fmt::format("There is a file {} already.", path_),
-                   "Give another name, or move that file away.");
+                   Advice{"other-file", "Give another name, or move that file away.", {{"file", path_}}});
     throw Stop(Exit::refused, fmt::format("The file {} cannot be made ({}).", path_, std::strerror(errno)));
 }
 

@@ -1,15 +1,16 @@
 #pragma once
 
+#include "cli/on_card.h"
+
 #include <exception>
-#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace cli {
 
 /// Exit codes. `refused` promises that no PIN try was spent and nothing on the card was changed.
 enum class Exit : int { done = 0, failed = 1, refused = 2, nothing_due = 3 };
-
-using Json = nlohmann::ordered_json;
 
 /// What a command has to say when it reached its aim.
 struct Report {
@@ -18,16 +19,32 @@ struct Report {
     std::string payload; ///< what the command made, when it goes to no file
 };
 
-/// Ends a command before its aim. Every text is for a person; all but the sentence may be empty.
+/// Something that a person can do, or should know to do it. A program goes by the key and its values.
+struct Advice {
+    std::string key; ///< never changes its meaning; docs/json.md lists all
+    std::string text;
+    Json values = Json::object(); ///< such as {{"pair", "DS3"}}
+};
+
+/// Ends a command before its aim.
 struct Stop : std::exception {
-    Stop(Exit code, std::string what_happened, std::string what_to_do = {})
-        : exit(code), sentence(std::move(what_happened)), advice(std::move(what_to_do)) {}
+    Stop(Exit code, std::string what_happened) : exit(code), sentence(std::move(what_happened)) {}
+    Stop(Exit code, std::string what_happened, Advice what_to_do) : Stop(code, std::move(what_happened)) {
+        advice.push_back(std::move(what_to_do));
+    }
     [[nodiscard]] const char* what() const noexcept override { return sentence.c_str(); }
 
+    /// Adds facts for a program (reader, serial, ...); what was said nearer to the cause stays.
+    void about(const Json& more) {
+        for (const auto& [key, value] : more.items())
+            if (!facts.contains(key)) facts[key] = value;
+    }
+
     Exit exit;
-    std::string sentence;
-    std::string advice;
-    std::string card;    ///< what is on the card now
+    std::string sentence; ///< for a person
+    std::vector<Advice> advice;
+    std::optional<OnCard> card; ///< what is on the card now
+    Json facts = Json::object();
     bool logged = false; ///< whether the library's log tells more
 };
 

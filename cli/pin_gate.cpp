@@ -23,10 +23,11 @@ std::string trimmed(const unsigned char* field, std::size_t size) {
 
 void refuse_risky_try(const CardState& state, bool final_try) {
     if ((state.flags & CKF_USER_PIN_LOCKED) != 0)
-        throw Stop(Exit::refused, "The card's PIN is locked.", "Unlock it with the card's PUK first.");
+        throw Stop(Exit::refused, "The card's PIN is locked.",
+                   Advice{"unlock", "Unlock it with the card's PUK first."});
     if ((state.flags & CKF_USER_PIN_FINAL_TRY) != 0 && !final_try)
         throw Stop(Exit::refused, "Only one PIN try is left: a wrong PIN now locks the card.",
-                   "If you are sure of the PIN, give --final-try.");
+                   Advice{"final-try", "If you are sure of the PIN, give --final-try."});
 }
 
 std::string tries_now(const Place& place) {
@@ -54,7 +55,7 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
         throw Stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_now(place)),
-                   "Make sure of the PIN before the next try.");
+                   Advice{"check-pin", "Make sure of the PIN before the next try."});
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 
@@ -69,6 +70,12 @@ CardState card_state(const Place& place) {
     state.serial = trimmed(token.serialNumber, sizeof token.serialNumber);
     state.flags = token.flags;
     return state;
+}
+
+const char* pin_state(CK_FLAGS flags) {
+    if ((flags & CKF_USER_PIN_LOCKED) != 0) return "locked";
+    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "last try";
+    return (flags & CKF_USER_PIN_COUNT_LOW) != 0 ? "low" : "no warning";
 }
 
 std::string tries_text(CK_FLAGS flags) {

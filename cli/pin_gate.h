@@ -20,6 +20,10 @@ struct CardState {
 /// Asks a card for its state, without a login. @throws Stop
 [[nodiscard]] CardState card_state(const Place& place);
 
+/// How it stands with the PIN, in a word for a program: "locked", "last try", "low" (fewer tries than usual);
+/// "no warning" when the card says nothing of them.
+[[nodiscard]] const char* pin_state(CK_FLAGS flags);
+
 /// Says how it stands with the PIN's tries ("the PIN is locked"); empty when the card says nothing of them.
 [[nodiscard]] std::string tries_text(CK_FLAGS flags);
 

@@ -79,7 +79,8 @@ Pin typed(int terminal, const std::string& prompt) {
 Pin pin_from_terminal(const std::string& reader) {
     const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
-        throw Stop(Exit::refused, "There is no terminal to ask for the PIN on.", "Give --pin-file FILE.");
+        throw Stop(Exit::refused, "There is no terminal to ask for the PIN on.",
+                   Advice{"pin-file", "Give --pin-file FILE."});
     return typed(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
 }
 

@@ -48,12 +48,20 @@ std::string names(const std::vector<Reader>& readers) {
     return text;
 }
 
+Json list_of(const std::vector<Reader>& readers) {
+    Json list = Json::array();
+    for (const Reader& reader : readers)
+        list.push_back(reader.name);
+    return list;
+}
+
 const Reader& the_one_named(const std::vector<Reader>& readers, const std::string& name) {
     const auto found = std::find_if(readers.begin(), readers.end(),
                                     [&](const Reader& reader) { return reader.name == name; });
     if (found == readers.end())
-        throw Stop(Exit::refused,
-                   fmt::format("There is no reader \"{}\"; there are: {}.", name, names(readers)));
+        throw Stop(
+            Exit::refused, fmt::format("There is no reader \"{}\"; there are: {}.", name, names(readers)),
+            Advice{"reader", "Give the name of one of these, whole.", {{"readers", list_of(readers)}}});
     return *found;
 }
 
@@ -63,7 +71,7 @@ const Reader& the_only_one(const std::vector<Reader>& readers) {
                  [](const Reader& reader) { return !reader.module.empty(); });
     if (known.size() > 1)
         throw Stop(Exit::refused, fmt::format("More than one reader holds a card: {}.", names(known)),
-                   "Say which one with --reader NAME.");
+                   Advice{"reader", "Say which one with --reader NAME.", {{"readers", list_of(known)}}});
     if (known.size() == 1) return the_one_named(readers, known.front().name);
     const auto card = std::find_if(readers.begin(), readers.end(), [](const Reader& r) { return r.card; });
     return card != readers.end() ? *card : readers.front();
@@ -73,7 +81,7 @@ void require_known_card(const Reader& reader) {
     if (!reader.module.empty()) return;
     if (!reader.card && reader.problem.empty())
         throw Stop(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
-                   "Put the card in.");
+                   Advice{"insert-card", "Put the card in."});
     throw Stop(Exit::refused,
                fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
 }
@@ -99,7 +107,8 @@ std::vector<Reader> list_readers() {
 Place find_place(const CommonOptions& options) {
     const std::vector<Reader> readers = list_readers();
     if (readers.empty())
-        throw Stop(Exit::refused, "There is no card reader.", "Plug the reader in and put the card in it.");
+        throw Stop(Exit::refused, "There is no card reader.",
+                   Advice{"plug-reader", "Plug the reader in and put the card in it."});
     const Reader& reader =
         options.reader.empty() ? the_only_one(readers) : the_one_named(readers, options.reader);
     require_known_card(reader);
@@ -118,7 +127,7 @@ CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
     }
     if (matching.empty())
         throw Stop(Exit::failed, fmt::format("The card's module shows no card in \"{}\".", reader),
-                   "Put the card in, or take it out and in again.");
+                   Advice{"insert-card", "Put the card in, or take it out and in again."});
     const auto best = std::max_element(matching.begin(), matching.end(),
                                        [](const auto& a, const auto& b) { return a.second < b.second; });
     if (best->second > matching.front().second)
@@ -126,7 +135,7 @@ CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
                    fmt::format("The name of another reader that holds a card is part of \"{}\", so the PIN "
                                "would go to that card.",
                                reader),
-                   "Take the other card out.");
+                   Advice{"remove-other-card", "Take the other card out."});
     return matching.front().first;
 }
 

@@ -42,11 +42,14 @@ void say_what_comes(const RequestPlan& plan) {
 
 [[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
     const CardNow now = card_now(card);
-    stop.card = now.words;
-    stop.advice =
+    stop.card = now.contents;
+    stop.advice.push_back(
         now.waits(plan.pair)
-            ? fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair)
-            : "See that the card is in the reader and repeat the request.";
+            ? Advice{"repeat-with-pair",
+                     fmt::format("Repeat the request: it will use the pair {} that is on the card.",
+                                 plan.pair),
+                     {{"pair", plan.pair}}}
+            : Advice{"repeat", "See that the card is in the reader and repeat the request."});
     throw stop;
 }
 
@@ -110,13 +113,7 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
     return report;
 }
 
-} // namespace
-
-Report run_request(const RequestOptions& options) {
-    check_options(options);
-    std::optional<DistinguishedName> subject = given_subject(options);
-    if (!options.out.empty()) NewFile trial(options.out); // made and gone again: a bad name is told of now
-    OpenedCard card = open_card(options, Use::changing);
+Report request_on(OpenedCard& card, const RequestOptions& options, std::optional<DistinguishedName> subject) {
     const CardView view = view_card(card);
     const Inventory inventory = read_inventory(card, view);
     const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
@@ -136,6 +133,16 @@ Report run_request(const RequestOptions& options) {
         report.payload = text;
     }
     return report;
+}
+
+} // namespace
+
+Report run_request(const RequestOptions& options) {
+    check_options(options);
+    std::optional<DistinguishedName> subject = given_subject(options);
+    if (!options.out.empty()) NewFile trial(options.out); // made and gone again: a bad name is told of now
+    OpenedCard card = open_card(options, Use::changing);
+    return about_card(card, [&] { return request_on(card, options, std::move(subject)); });
 }
 
 } // namespace cli

@@ -13,7 +13,9 @@ namespace {
 // The crypto library gives names of up to this many bytes; a longer one comes cut.
 constexpr std::size_t longest_record_name = 511;
 
-constexpr const char* say_subject = "Give the subject of the request with --subject.";
+Advice say_subject() {
+    return {"subject", "Give the subject of the request with --subject."};
+}
 
 CertificateRecord certificate_to_renew(const RequestOptions& options, const Inventory& inventory) {
     const CertificateRecord* found = options.certificate.empty()
@@ -23,17 +25,19 @@ CertificateRecord certificate_to_renew(const RequestOptions& options, const Inve
     const std::string id = options.certificate.empty() ? "" : " " + options.certificate;
     throw Stop(Exit::refused,
                fmt::format("There is no {} certificate{} on the card.", kind_name(options.kind), id),
-               "See what there is with: zvrenew list");
+               Advice{"list", "See what there is with: zvrenew list"});
 }
 
 void stop_unless_due(const RequestOptions& options, const CertificateRecord& old) {
     const std::time_t now = std::time(nullptr);
     if (options.force || ends_within(old.ends, options.days, now)) return;
-    throw Stop(
-        Exit::nothing_due,
-        fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.", kind_name(options.kind),
-                    old.id, day_of(old.ends), days_until(old.ends, now)),
-        fmt::format("It is due {} days before. To renew it now all the same, give --force.", options.days));
+    throw Stop(Exit::nothing_due,
+               fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.",
+                           kind_name(options.kind), old.id, day_of(old.ends), days_until(old.ends, now)),
+               Advice{"force",
+                      fmt::format("It is due {} days before. To renew it now all the same, give --force.",
+                                  options.days),
+                      {{"due_in_days", days_until(old.ends, now) - options.days}}});
 }
 
 // A request for a services card's own certificate leaves these out.
@@ -49,7 +53,7 @@ DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* 
     if (reason.empty() && kind == Kind::services) reason = why_not_services(subject);
     if (!reason.empty())
         throw Stop(Exit::refused, fmt::format("{} cannot go into a request: {}.", whose, reason),
-                   say_subject);
+                   say_subject());
     return subject;
 }
 
@@ -58,7 +62,7 @@ DistinguishedName subject_of(const CertificateRecord& old) {
     const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
     const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
     if (!old.subject_exact && !whole)
-        throw Stop(Exit::refused, "The subject of the certificate cannot be read whole.", say_subject);
+        throw Stop(Exit::refused, "The subject of the certificate cannot be read whole.", say_subject());
     return requestable(old.subject, old.kind, "The subject of the certificate");
 }
 
@@ -67,7 +71,9 @@ DistinguishedName subject_of(const CertificateRecord& old) {
         Exit::refused,
         fmt::format("No identifier is free for a new {0} key: {1}3, {1}4 and {1}5 are taken.",
                     kind_name(kind), series),
-        "Remove a certificate that is no longer needed, with its keys, using the card's own software.");
+        Advice{
+            "free-identifier",
+            "Remove a certificate that is no longer needed, with its keys, using the card's own software."});
 }
 
 // The library calls an identifier free when no public key has it. A certificate or private key under it would
@@ -118,7 +124,7 @@ void refuse_ambiguous(const std::string& pair, const CardView& view) {
 void check_options(const RequestOptions& options) {
     if (options.kind == Kind::services && options.new_pair)
         throw Stop(Exit::refused, "A services card keeps its own keys: there is no new pair to make.",
-                   "Repeat the request without --new-pair.");
+                   Advice{"without-new-pair", "Repeat the request without --new-pair."});
 }
 
 std::optional<DistinguishedName> given_subject(const RequestOptions& options) {

@@ -38,6 +38,14 @@ struct Outcome {
     }
 };
 
+/// What "on_card" is when these identifiers have each a certificate and both keys.
+inline nlohmann::json whole(const std::vector<std::string>& ids) {
+    nlohmann::json list = nlohmann::json::array();
+    for (const std::string& id : ids)
+        list.push_back({{"id", id}, {"certificates", 1}, {"public_key", true}, {"private_key", true}});
+    return list;
+}
+
 /// zvrenew with a home, a working folder and simulated cards of the test's own.
 class ProgramTest : public testing::Test {
   protected:

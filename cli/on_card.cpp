@@ -1,0 +1,43 @@
+#include "cli/on_card.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+const char* certificates_in_words(std::size_t count, bool private_key) {
+    if (count > 1) return private_key ? "several certificates and keys" : "several certificates alone";
+    return private_key ? "certificate and keys" : "certificate alone";
+}
+
+const char* in_words(const Held& held) {
+    if (held.certificates > 0) return certificates_in_words(held.certificates, held.private_key);
+    if (held.public_key && held.private_key) return "keys without a certificate";
+    if (held.private_key) return "private key alone";
+    return held.public_key ? "public key alone" : "data";
+}
+
+} // namespace
+
+std::string OnCard::in_words() const {
+    if (!problem.empty()) return "cannot be read. " + problem;
+    std::vector<std::string> parts;
+    parts.reserve(held.size());
+    for (const Held& one : held)
+        parts.push_back(fmt::format("{} ({})", one.id, cli::in_words(one)));
+    return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
+}
+
+Json OnCard::as_json() const {
+    if (!problem.empty()) return nullptr;
+    Json list = Json::array();
+    for (const Held& one : held)
+        list.push_back({{"id", one.id},
+                        {"certificates", one.certificates},
+                        {"public_key", one.public_key},
+                        {"private_key", one.private_key}});
+    return list;
+}
+
+} // namespace cli

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+using Json = nlohmann::ordered_json;
+
+/// What a card holds under one identifier.
+struct Held {
+    std::string id;
+    std::size_t certificates = 0;
+    bool public_key = false;
+    bool private_key = false;
+};
+
+/// What is on a card, as read at one moment; for a person in words, for a program as data.
+struct OnCard {
+    std::vector<Held> held;
+    std::string problem; ///< why the card could not be read; empty when it was
+
+    /// "DS0 (certificate and keys), DS3 (keys without a certificate)"
+    [[nodiscard]] std::string in_words() const;
+    /// An array of {"id", "certificates", "public_key", "private_key"}; null when the card could not be read.
+    [[nodiscard]] Json as_json() const;
+};
+
+} // namespace cli
