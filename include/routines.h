@@ -454,8 +454,8 @@ ZV_API unsigned int DeleteDataPendingCNS(unsigned long session, char* label);
  * Lists the certificates of a card that is not a services card, its pending pair and free identifiers.
  *
  * Records, lists and marks are described at rinnovo_Card_readCerts (zvRenew.h). The first ten certificates
- * count, the authority's among them. An attribute that cannot be read keeps what an earlier inventory left in
- * its place. Null arguments are skipped.
+ * that are not the authority's are listed. An attribute that cannot be read keeps what an earlier inventory left
+ * in its place (of certificates behind the card's tenth: is empty). Null arguments are skipped.
  *
  * @param[in,out] praList, autList    11 pointers to texts of 4096 bytes each, empty before: entry 0 receives
  *                                    the count, entries 1 to n a record each
@@ -482,8 +482,8 @@ ZV_API int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praR
  *
  * The first pair with a public and a private key and no certificate under its CKA_ID is reported, as AUT when
  * that contains "AUTHCertificate", else as PRA; the card's first keys (digits 0 to 2) are not. A kind that
- * has a certificate on the card and no pending pair gets the first of 3, 4, 5 that no public key has. Ten
- * identifiers of each class count, 31 characters of each. Null arguments are skipped.
+ * has a certificate on the card and no pending pair gets the first of 3, 4, 5 that no public key has. The
+ * identifiers of all objects count, 31 characters of each. Null arguments are skipped.
  *
  * @param[in,out] pendingPRA, pendingAUT  set to 1 for a pending pair, never to 0; a kind whose flag is not 0
  *                                        gets no proposal
@@ -507,10 +507,11 @@ ZV_API int __DescrToOid(char* name, char* scratch);
  * Lists the certificates of a services card that have a private key, its pending pair, marker and expiry
  * date, and free identifiers.
  *
- * As NewFind_ALL_CertsKeysRenew, but: ten certificates and ten private keys count, identifiers compared over
- * 31 characters; praRecord has 4096 bytes; autRecord, autSubject and autId serve CNS and AUT; an identifier
- * that is neither "DS...", "CNS0..." nor an AUT one is listed as AUT under the identifier that autId holds
- * from before. Logs nothing; Find_ALL_PendingCNS does.
+ * As NewFind_ALL_CertsKeysRenew, but: all certificates are matched with all private keys, over 31 characters of
+ * their identifiers, and ten of the matched are listed ("CNS0" among them, in the tenth's place if need be);
+ * praRecord has 4096 bytes; autRecord, autSubject and autId serve CNS and AUT; an identifier that is neither
+ * "DS...", "CNS0..." nor an AUT one is listed as AUT under the identifier that autId holds from before. Logs
+ * nothing; Find_ALL_PendingCNS does.
  *
  * @param[in,out] cnsList        as the other lists
  * @param[in,out] autId          64 bytes
@@ -573,7 +574,7 @@ ZV_API void getDtScadenza(char* pdata, char* out);
  * @param[in]  unused          not read
  * @return 0; 1 a series is full: "DS" is left in keyPRA, with keyAUT a pending identifier or empty, or
  *         "AUTHCertificate" in keyAUT; -1 what Find_ALL_Pending calls 65535
- * After -1: both are empty, use2048Bit is false.
+ * After -1: both are empty, use2048Bit is false, force2048PraGen true.
  */
 ZV_API int findFreeCKAID(char* keyPRA, char* keyAUT, bool unused);
 /**

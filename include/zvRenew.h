@@ -129,21 +129,23 @@ ZV_API void set_ATRini_path(const char* dir);
  *
  * A certificate list is an array of 11 pointers (ZV_LIST_ENTRIES) to buffers of 4096 characters
  * (ZV_LIST_ENTRY_SIZE). Entry 0 receives the number of certificates in decimal, entries 1 to n one record
- * each, fields joined by "#" (a "#" inside a field is not marked), ten at most. Every entry must be an empty
- * text before every call, since counts and records are appended. listCNS is written for a services card only:
- * take an empty entry 0 as 0.
+ * each, fields joined by "#" (a "#" inside a field is not marked). The lists have ten records at most together;
+ * what is pending or free is answered from everything on the card. Every entry must be an empty text before
+ * every call, since counts and records are appended. listCNS is written for a services card only: take an empty
+ * entry 0 as 0.
  *
  * Records: subject, issuer (attributes as numeric OIDs, "2.5.4.6=IT2.5.4.10=..."), IUT (dnQualifier),
  * policies, serial number, start, end ("DD/MM/YYYY HH:MM:SS", UTC), identifier, then for PRA: notice text,
  * subject key identifier, codice fiscale; for AUT and CNS: subject key identifier, codice fiscale.
  *
  * Signature cards: PRA are the identifiers "DS" and a digit or "Sign_Keypair...", all others AUT; the
- * authority's certificate is left out, but counts among the ten. When there are PRA certificates and a PRA
- * pair is pending, the first PRA record and the first AUT record each get one more field: keyPRA and keyAUT.
+ * authority's certificate is left out. When there are PRA certificates and a PRA pair is pending, the first PRA
+ * record and the first AUT record each get one more field: keyPRA and keyAUT.
  *
  * Services cards: PRA are "DS...", CNS "CNS0...", AUT the rest (an identifier that is not an AUT one repeats
- * the last one known); certificates without a private key are left out. In names of a "CNS0" certificate the
- * common name comes last, and what followed it stays as it was within the first 62 characters behind "CN=".
+ * the last one known); certificates without a private key are left out; a "CNS0" behind ten others takes the
+ * tenth's place. In names of a "CNS0" certificate the common name comes last, and what followed it stays as it was
+ * within the first 62 characters behind "CN=".
  * The first record of each list gets one more field when a pair (or, for CNS, a request) of that kind is
  * pending: its identifier.
  *

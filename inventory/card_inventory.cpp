@@ -31,12 +31,12 @@ void tracePendingCall(const char* name, CK_RV result) {
     zv::trace(title, result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(result)));
 }
 
-bool listCertificates() {
+bool listCertificates(zv::FoundCertificates& found) {
     if (!zv::probeToken(traceCall)) return false;
-    const CK_RV started = zv::startClassSearch(CKO_CERTIFICATE);
+    const CK_RV started = zv::startCertificateSearch();
     traceCall("C_FindObjectsInit", started);
     if (started != CKR_OK) return false;
-    const bool whole = zv::readCertificates(traceCall);
+    const bool whole = found.read(traceCall);
     const CK_RV ended = zv::endSearch(zv::hSession);
     traceCall("C_FindObjectsFinal", ended);
     return whole && ended == CKR_OK;
@@ -60,13 +60,15 @@ int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praRecord, 
                                char* praSubject, long, char* autRecord, long autRecordSize, char* autSubject,
                                long, char* autId, char* praId, int* pendingPRA, int* pendingAUT,
                                char* ckaidPRA, char* ckaidAUT) {
-    if (!listCertificates()) return -1;
+    zv::FoundCertificates found;
+    if (!listCertificates(found)) return -1;
     zv::RecordList pra(praList, praRecord, praRecordSize);
     zv::RecordList aut(autList, autRecord, autRecordSize);
     zv::CertificateFields fields;
-    for (int i = 0; i < zv::numCertificate; ++i) {
-        zv::Certificate& certificate = zv::Certificati[i];
+    for (zv::Certificate* each : found) {
+        zv::Certificate& certificate = *each;
         if (isAuthority(certificate)) continue;
+        if (pra.count() + aut.count() == static_cast<int>(zv::MOST_CERTIFICATES)) break;
         fields.read(certificate, zv::rewriteName);
         const std::string_view id = zv::idOf(certificate.id);
         if (isSignature(id)) {
@@ -102,7 +104,7 @@ int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* cka
     zv::trace(title, "Loop sulle chiavi pubbliche: inizio");
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
     zv::trace(title, "Loop sulle chiavi pubbliche: fine");
-    if (tables.certificates.count == 0) return 0;
+    if (tables.certificates.empty()) return 0;
     const auto wanted = [](const int* pending) { return pending == nullptr || *pending == 0; };
     if (zv::anyCertificate(tables, marksSignature) && wanted(pendingPRA) &&
         !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, ckaidPRA))

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "util/text.h"
 
@@ -52,17 +53,30 @@ CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass) {
     return startSearch(hSession, &tmpl, 1);
 }
 
-bool readCertificates(CallTrace trace) {
-    for (numCertificate = 0;;) {
+CK_RV startCertificateSearch() {
+    numCertificate = 0;
+    return startClassSearch(CKO_CERTIFICATE);
+}
+
+Certificate& FoundCertificates::next() {
+    const bool inTable = all_.size() < MOST_CERTIFICATES;
+    all_.push_back(inTable ? &Certificati[numCertificate++] : &beyond_.emplace_back());
+    return *all_.back();
+}
+
+bool FoundCertificates::read(CallTrace trace) try {
+    for (;;) {
         CK_OBJECT_HANDLE object = 0;
         CK_ULONG count = 0;
         nextObject(hSession, object, count);
         trace("C_FindObjects", rv);
         if (rv != CKR_OK) return false;
         if (count != 1) return true;
-        if (numCertificate == static_cast<int>(MOST_CERTIFICATES)) continue;
-        readCertificate(object, Certificati[numCertificate++]);
+        readCertificate(object, next());
     }
+} catch (const std::bad_alloc&) {
+    rv = CKR_HOST_MEMORY;
+    return false;
 }
 
 void CertificateFields::read(Certificate& certificate, NameRewrite rewriteHolder) {

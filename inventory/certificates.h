@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <deque>
 #include <string_view>
+#include <vector>
 
 #include "inventory/identifiers.h"
 #include "inventory/names.h"
@@ -29,14 +31,29 @@ struct Certificate {
 extern Certificate Certificati[MOST_CERTIFICATES];
 extern int numCertificate;
 
+/** Every certificate of one search, in the card's order: the first ten stand in the table. */
+class FoundCertificates {
+  public:
+    /** Reads the certificates of the open search. */
+    [[nodiscard]] bool read(CallTrace trace);
+    auto begin() const { return all_.begin(); }
+    auto end() const { return all_.end(); }
+
+  private:
+    Certificate& next();
+
+    std::vector<Certificate*> all_;
+    std::deque<Certificate> beyond_;
+};
+
 /** Slot and token are there; each call is only checked for success. */
 [[nodiscard]] bool probeToken(CallTrace trace);
 
-/** Reads the certificates of the open search into the table; the first ten are kept. */
-[[nodiscard]] bool readCertificates(CallTrace trace);
-
-/** The template that finds the objects of one class. */
+/** Starts a search for the objects of one class. */
 CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass);
+
+/** Empties the table and starts the search for certificates. */
+CK_RV startCertificateSearch();
 
 /** What the crypto library says of one certificate. */
 struct CertificateFields {

@@ -1,4 +1,5 @@
 // The inventory of a services card; its calls leave no entries in the log.
+#include <algorithm>
 #include <array>
 
 #include "inventory/certificates.h"
@@ -23,32 +24,39 @@ bool readPrivateKeyIds(zv::IdentifierTable& keys) {
         if (count != 1) return true;
         char id[zv::ID_SIZE + 1];
         zv::readText(zv::hSession, object, CKA_ID, id);
-        keys.add(id);
+        if (!keys.add(id)) return false;
     }
 }
 
 using Matched = std::array<zv::Certificate*, zv::MOST_CERTIFICATES>;
 
-// Certificates without a private key are not listed. The identifiers of keys are kept up to 31 characters.
-void matchCertificates(const zv::IdentifierTable& keys, Matched& matched) {
-    int kept = 0;
-    for (int i = 0; i < zv::numCertificate; ++i) {
-        const std::string_view id = zv::idOf(zv::Certificati[i].id);
-        if (keys.contains(id.substr(0, sizeof ckaid::id - 1)))
-            matched[static_cast<std::size_t>(kept++)] = &zv::Certificati[i];
-    }
-    zv::numCertificate = kept;
+bool isOwn(const zv::Certificate* certificate) {
+    return zv::idOf(certificate->id) == zv::OWN_PAIR;
 }
 
-bool listCertificates(Matched& matched) {
+// Certificates without a private key are not listed. The card's own never stays behind ten others.
+void matchCertificates(const zv::FoundCertificates& found, const zv::IdentifierTable& keys,
+                       Matched& matched) {
+    std::size_t kept = 0;
+    for (zv::Certificate* certificate : found) {
+        if (!keys.contains(zv::idOf(certificate->id))) continue;
+        if (kept < matched.size())
+            matched[kept++] = certificate;
+        else if (isOwn(certificate) && std::none_of(matched.begin(), matched.end(), isOwn))
+            matched.back() = certificate;
+    }
+    zv::numCertificate = static_cast<int>(kept);
+}
+
+bool listCertificates(zv::FoundCertificates& found, Matched& matched) {
     if (!zv::probeToken(zv::noTrace)) return false;
-    if (zv::startClassSearch(CKO_CERTIFICATE) != CKR_OK) return false;
+    if (zv::startCertificateSearch() != CKR_OK) return false;
     zv::SearchGuard search(zv::hSession);
     zv::IdentifierTable keys;
-    if (!zv::readCertificates(zv::noTrace) || !startKeySearch() || !readPrivateKeyIds(keys)) return false;
+    if (!found.read(zv::noTrace) || !startKeySearch() || !readPrivateKeyIds(keys)) return false;
     search.dismiss();
     if (zv::endSearch(zv::hSession) != CKR_OK) return false;
-    matchCertificates(keys, matched);
+    matchCertificates(found, keys, matched);
     return true;
 }
 
@@ -63,8 +71,9 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** autList
                                   char* autSubject, long, char* autId, char* praId, int* pendingPRA,
                                   int* pendingAUT, int* pendingCNS, char* ckaidPRA, char* ckaidAUT,
                                   char* expiry, bool touchSign) {
+    zv::FoundCertificates found;
     Matched matched{};
-    if (!listCertificates(matched)) return -1;
+    if (!listCertificates(found, matched)) return -1;
     zv::RecordList cns(cnsList, autRecord, autRecordSize), aut(autList, autRecord, autRecordSize);
     zv::RecordList pra(praList, praRecord, PRA_RECORD_SIZE);
     zv::CertificateFields fields;

@@ -26,10 +26,8 @@ bool gather(zv::IdentifierTables& tables, int* pendingCNS, char* expiry) {
         char label[256];
         if (!identity.read(object) || !zv::isTolerated(zv::readText(zv::hSession, object, CKA_LABEL, label)))
             return false;
-        if (identity.objectClass != CKO_DATA) {
-            if (isFiled(identity.id)) tables.file(identity.objectClass, identity.id);
-            return true;
-        }
+        if (identity.objectClass != CKO_DATA)
+            return !isFiled(identity.id) || tables.file(identity.objectClass, identity.id);
         if (std::strcmp(label, "pending_CNS_key") == 0 && pendingCNS != nullptr) *pendingCNS = 1;
         return std::strcmp(label, "PDATA") != 0 || readExpiry(object, expiry);
     });
@@ -53,7 +51,7 @@ int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char*
     const bool pending = *pendingPRA == 1 && ckaidPRA[0] != '\0';
     const bool hasSignature = zv::readSignatureCertificates(tables, pending ? ckaidPRA : none);
     if (pending && ckaidPRA[0] == '\0') *pendingPRA = 0;
-    if (tables.certificates.count == 0) return 0;
+    if (tables.certificates.empty()) return 0;
     const bool hasAuthentication = zv::anyCertificate(
         tables, [](std::string_view id) { return id.starts_with(zv::AUTHENTICATION_SERIES); });
     if (hasSignature && *pendingPRA == 0 &&

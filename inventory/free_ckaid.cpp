@@ -33,6 +33,7 @@ int settle(char* keyPRA, char* keyAUT) {
 int findFreeCKAID(char* keyPRA, char* keyAUT, bool) {
     char foundPRA[ZV_KEY_ID_SIZE] = {}, foundAUT[ZV_KEY_ID_SIZE] = {};
     use2048Bit = false;
+    force2048PraGen = true;
     const int result = settle(foundPRA, foundAUT);
     zv::copyText(keyPRA, ZV_KEY_ID_SIZE, foundPRA);
     zv::copyText(keyAUT, ZV_KEY_ID_SIZE, foundAUT);

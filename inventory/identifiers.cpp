@@ -1,5 +1,7 @@
 #include "inventory/identifiers.h"
 
+#include <new>
+
 #include "util/text.h"
 
 bool presente(const ckaid* table, const char* id) {
@@ -11,15 +13,19 @@ bool presente(const ckaid* table, const char* id) {
 
 namespace zv {
 
-void IdentifierTable::add(std::string_view id) {
-    if (count < ZV_CKAIDS) copyText(records[count++].id, id);
+bool IdentifierTable::add(std::string_view id) try {
+    copyText(records_.emplace_back().id, id);
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool IdentifierTable::contains(std::string_view id) const {
-    return std::any_of(begin(), end(), [id](const ckaid& record) { return id == record.id; });
+    const std::string_view kept = id.substr(0, sizeof ckaid::id - 1);
+    return std::any_of(begin(), end(), [kept](const ckaid& record) { return kept == record.id; });
 }
 
-void IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
+bool IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
     switch (objectClass) {
     case CKO_PUBLIC_KEY:
         return publicKeys.add(id);
@@ -28,7 +34,7 @@ void IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
     case CKO_CERTIFICATE:
         return certificates.add(id);
     default:
-        return;
+        return true;
     }
 }
 
@@ -44,8 +50,7 @@ bool gatherIdentifiers(IdentifierTables& tables, CallTrace trace) {
         if (!identity.read(object)) return false;
         static char value[16384];
         if (!isTolerated(readText(hSession, object, CKA_VALUE, value))) return false;
-        tables.file(identity.objectClass, identity.id);
-        return true;
+        return tables.file(identity.objectClass, identity.id);
     });
 }
 
@@ -87,7 +92,7 @@ bool proposeFree(const IdentifierTable& publicKeys, std::string_view series, cha
         char id[ZV_KEY_ID_SIZE];
         copyText(id, series);
         appendText(id, ItoA(digit));
-        if (presente(publicKeys.records, id)) continue;
+        if (publicKeys.contains(id)) continue;
         copyText(out, ZV_KEY_ID_SIZE, id);
         return true;
     }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include "card/session.h"
 #include "store/objects.h"
@@ -20,22 +21,26 @@ inline constexpr std::string_view OWN_PAIR = "CNS0";
 inline constexpr std::string_view SIGNATURE_SERIES = "DS";
 inline constexpr std::string_view AUTHENTICATION_SERIES = "AUTHCertificate";
 
-/** Up to ten identifiers of one class; a surplus is dropped, an identifier is cut at 31 characters. */
-struct IdentifierTable {
-    ckaid records[ZV_CKAIDS] = {};
-    std::size_t count = 0;
-
-    void add(std::string_view id);
+/** The identifiers of every object of one class; each is cut at 31 characters. */
+class IdentifierTable {
+  public:
+    /** False when memory ran out: a table that lacks an object would call a taken identifier free. */
+    [[nodiscard]] bool add(std::string_view id);
+    /** Looks for an identifier of any length, cut as those of the table are. */
     [[nodiscard]] bool contains(std::string_view id) const;
-    const ckaid* begin() const { return records; }
-    const ckaid* end() const { return records + count; }
+    [[nodiscard]] bool empty() const { return records_.empty(); }
+    auto begin() const { return records_.begin(); }
+    auto end() const { return records_.end(); }
+
+  private:
+    std::vector<ckaid> records_;
 };
 
 struct IdentifierTables {
     IdentifierTable publicKeys, privateKeys, certificates;
 
-    /** Files an identifier by class; other classes are ignored. */
-    void file(CK_OBJECT_CLASS objectClass, std::string_view id);
+    /** Files an identifier by class; other classes are ignored. Returns false when memory ran out. */
+    [[nodiscard]] bool file(CK_OBJECT_CLASS objectClass, std::string_view id);
 };
 
 /** What every search for identifiers reads of an object first, an attribute a call: class, key type, CKA_ID.

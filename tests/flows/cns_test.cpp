@@ -182,6 +182,20 @@ TEST_F(ServicesCardWithSignature, IdentifiersDecideTheList) {
     EXPECT_EQ(reading.cns.size(), 1u);
 }
 
+TEST_F(ServicesCardWithSignature, OfMoreThanTenWithAKeyTenAreListedAndTheCardsOwn) {
+    Lines pairs(10, "DS1x"), certificates(11, "alone");
+    pairs.emplace_back("DS6");
+    certificates.emplace_back("DS6");
+    certificates.insert(certificates.end(), 9, "DS0");
+    relabel("CNS0", "DS2");
+    add(certificates, pairs);
+    add({"CNS0"}, {"CNS0"});
+    const Reading reading = read();
+    ASSERT_EQ(reading.pra.size(), 9u);
+    EXPECT_EQ(fields(reading.pra[2])[7], "DS6") << "found behind eleven keys and thirteen certificates";
+    ASSERT_EQ(reading.cns.size(), 1u) << "in the tenth's place";
+}
+
 TEST_F(ServicesCardWithSignature, SeriesNumbersDecide) {
     const Lines before = objects();
     const auto named = [this](const char* serial) {

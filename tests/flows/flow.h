@@ -42,6 +42,8 @@ class Flow : public testing::Test {
 
     /// The card's objects as pkcs11 users see them: "certificate DS0", ...; one a line, in the card's order.
     std::vector<std::string> objects();
+    /// Certificates that are nobody's, and pairs, as many as there are identifiers: put on the card behind the others.
+    void add(const std::vector<std::string>& certificates, const std::vector<std::string>& pairs = {});
     /// Signs with the private key of that identifier and verifies with its certificate.
     bool pairWorks(const std::string& id);
     [[nodiscard]] int triesLeft() const;

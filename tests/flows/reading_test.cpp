@@ -1,5 +1,6 @@
 // What a reading and a search for free identifiers give back, and what they do when card, PIN or module fail.
 #include "card/detection.h"
+#include "inventory/certificates.h"
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/personalise.h"
 #include "tests/flows/flow.h"
@@ -9,6 +10,7 @@
 namespace {
 
 using namespace zvtest;
+using Lines = std::vector<std::string>;
 
 TEST_F(Flow, NullArgumentsAreSkipped) {
     std::string pin = PIN;
@@ -97,6 +99,7 @@ TEST_F(Flow, AModuleThatAnswersOddlyIsLivedWith) {
         module.add_rules(rule);
         EXPECT_EQ(read().result, -1) << rule;
         EXPECT_TRUE(has(log.text(), "Errore = 0x48\n")) << rule;
+        EXPECT_EQ(zv::numCertificate == 0, has(rule, "Init")) << rule;
         EXPECT_TRUE(has(log.text(), "[]: Smart Card NON CNS: NewFind_ALL_CertsKeysRenew() error!\n")) << rule;
     }
 }
@@ -123,6 +126,26 @@ TEST_F(Flow, FreeIdentifiersFollowTheCard) {
     EXPECT_EQ(reading.keyPRA, "DS4");
     EXPECT_TRUE(reading.pra[0].ends_with("#DS4"));
     EXPECT_TRUE(reading.aut[0].ends_with("#AUTHCertificate3")) << reading.aut[0];
+}
+
+TEST_F(Flow, WhatStandsBehindTenOthersCounts) {
+    add(Lines(10, "Korvalenta Firma Dig"), Lines(10, "DS1x"));
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(request(), 0);
+    Reading reading = read();
+    EXPECT_EQ(reading.pendingPRA, 1) << "the twelfth public key waits";
+    EXPECT_EQ(reading.keyPRA, "DS3");
+    ASSERT_EQ(save(issue(), true), 0);
+    std::string pra, aut;
+    ASSERT_EQ(findFree(pra, aut), 0);
+    EXPECT_EQ(pra, "DS4") << "the pair DS3 neither waits nor is free";
+    EXPECT_TRUE(use2048Bit);
+    reading = read();
+    EXPECT_EQ(reading.pendingPRA, 0);
+    EXPECT_EQ(reading.keyPRA, "DS4");
+    EXPECT_EQ(fields(reading.pra.at(1))[7], "DS3");
+    add(Lines(12, "DS9"));
+    EXPECT_EQ((reading = read()).pra.size() + reading.aut.size(), 10u);
 }
 
 TEST_F(Flow, AFullSeriesHasNoFreeIdentifier) {

@@ -153,7 +153,9 @@ TEST_F(Store, BlankCardsHaveEveryIdentifierFree) {
     EXPECT_STREQ(aut, "AUTHCertificate3");
     module.add_rules("C_GetAttributeValue:1:answer:0x30");
     addData("note", "x");
+    force2048PraGen = false;
     EXPECT_EQ(findFreeCKAID(pra, aut, false), -1);
+    EXPECT_TRUE(force2048PraGen);
     EXPECT_STREQ(pra, "");
     ckaid table[ZV_CKAIDS] = {};
     std::strcpy(table[9].id, "DS3");
