@@ -13,6 +13,21 @@ Json card_json(const OpenedCard& card) {
             {"pin", pin_state(card.state.flags)}};
 }
 
+Report about_card(OpenedCard& card, const std::function<Report()>& work) {
+    const auto leave = [&](Stop stop) {
+        if (stop.exit == Exit::failed && !stop.card) stop.card = card_now(card).contents;
+        stop.about(card_json(card));
+        return stop;
+    };
+    try {
+        return work();
+    } catch (const Stop& stop) {
+        throw leave(stop);
+    } catch (const std::exception& error) {
+        throw leave({Exit::failed, error.what()});
+    }
+}
+
 Json waiting_json(const Inventory& inventory) {
     Json list = Json::array();
     for (const WaitingPair& pair : inventory.waiting)

@@ -3,6 +3,8 @@
 #include "cli/inventory.h"
 #include "cli/outcome.h"
 
+#include <functional>
+
 namespace cli {
 
 // The same facts have the same names in what every command prints with --json.
@@ -10,15 +12,9 @@ namespace cli {
 /// {"reader", "module", "label", "serial", "services_card", "pin"}
 [[nodiscard]] Json card_json(const OpenedCard& card);
 
-/// Does what is done with an opened card; a Stop takes along which card that was.
-template <class Work> [[nodiscard]] Report about_card(const OpenedCard& card, Work work) {
-    try {
-        return work();
-    } catch (Stop& stop) {
-        stop.about(card_json(card));
-        throw;
-    }
-}
+/// Does what is done with an opened card. A Stop takes along which card that was and, after a failure, what is
+/// on it then. @throws Stop
+[[nodiscard]] Report about_card(OpenedCard& card, const std::function<Report()>& work);
 
 /// An array of {"kind", "id"}.
 [[nodiscard]] Json waiting_json(const Inventory& inventory);

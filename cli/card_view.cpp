@@ -26,15 +26,26 @@ Bytes without_leading_zeros(Bytes number) {
     return number;
 }
 
+bool is_key(CK_OBJECT_CLASS type) {
+    return type == CKO_PUBLIC_KEY || type == CKO_PRIVATE_KEY;
+}
+
+// What is no certificate, key or data may refuse to tell anything of itself.
 CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
-    CardObject object{handle,
-                      class_of(session, handle),
-                      as_text(session.attribute(handle, CKA_ID)),
-                      as_text(session.attribute(handle, CKA_LABEL)),
-                      {}};
+    CardObject object;
+    object.handle = handle;
+    object.type = class_of(session, handle);
+    if (object.type != CKO_CERTIFICATE && !is_key(object.type)) {
+        object.id = as_text(session.attribute_if_given(handle, CKA_ID));
+        if (object.type == CKO_DATA) object.label = as_text(session.attribute(handle, CKA_LABEL));
+        return object;
+    }
+    object.id = as_text(session.attribute(handle, CKA_ID));
+    object.label = as_text(session.attribute(handle, CKA_LABEL));
     if (object.type == CKO_CERTIFICATE) object.value = session.attribute(handle, CKA_VALUE);
-    if (object.type == CKO_PUBLIC_KEY || object.type == CKO_PRIVATE_KEY)
-        object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
+    if (is_key(object.type)) object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
+    if (object.type == CKO_PUBLIC_KEY)
+        object.exponent = without_leading_zeros(session.attribute(handle, CKA_PUBLIC_EXPONENT));
     return object;
 }
 

@@ -19,10 +19,11 @@ struct CardObject {
     CK_OBJECT_CLASS type = 0;
     std::string id;
     std::string label;
-    Bytes value; ///< a certificate's DER, a key's modulus without leading zeros
+    Bytes value;    ///< a certificate's DER, a key's modulus without leading zeros
+    Bytes exponent; ///< a public key's, without leading zeros
 };
 
-/// What is on the card, as read at one moment by this program itself.
+/// What is on the card, as read at one moment by this program itself: whole, or not at all.
 class CardView {
   public:
     explicit CardView(std::vector<CardObject> objects) : objects_(std::move(objects)) {}

@@ -98,31 +98,48 @@ std::vector<CK_OBJECT_HANDLE> Session::objects() const {
     require(module_.call<&List::C_FindObjectsInit>(handle_, nullptr, CK_ULONG{0}), "Searching the card");
     std::vector<CK_OBJECT_HANDLE> found;
     CK_RV result = CKR_OK;
-    while (found.size() < most_objects) {
+    CK_ULONG count = 0;
+    do {
         std::array<CK_OBJECT_HANDLE, 16> some{};
-        CK_ULONG count = 0;
+        count = 0;
         result = module_.call<&List::C_FindObjects>(handle_, some.data(), CK_ULONG{some.size()}, &count);
-        if (result != CKR_OK || count == 0) break;
-        found.insert(found.end(), some.begin(),
-                     some.begin() +
-                         std::min<std::ptrdiff_t>(some.size(), static_cast<std::ptrdiff_t>(count)));
-    }
+        if (result == CKR_OK && (count > some.size() || found.size() > most_objects))
+            result = CKR_GENERAL_ERROR;
+        if (result == CKR_OK) found.insert(found.end(), some.begin(), some.begin() + count);
+    } while (result == CKR_OK && count != 0);
     const CK_RV closed = module_.call<&List::C_FindObjectsFinal>(handle_);
     require(result, "Searching the card");
     require(closed, "Searching the card");
     return found;
 }
 
-Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+CK_RV Session::read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Bytes& value) const {
     CK_ATTRIBUTE wanted{type, nullptr, 0};
-    if (module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1}) != CKR_OK) return {};
-    if (wanted.ulValueLen == 0 || wanted.ulValueLen > longest_attribute) return {};
-    Bytes value(wanted.ulValueLen);
-    wanted.pValue = value.data();
-    if (module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1}) != CKR_OK) return {};
-    if (wanted.ulValueLen > value.size()) return {};
+    const auto ask = [&] {
+        return module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1});
+    };
+    CK_RV result = ask();
+    if (result != CKR_OK || wanted.ulValueLen == 0) return result;
+    if (wanted.ulValueLen > longest_attribute) return CKR_GENERAL_ERROR;
     value.resize(wanted.ulValueLen);
+    wanted.pValue = value.data();
+    result = ask();
+    if (result == CKR_OK && wanted.ulValueLen > value.size()) result = CKR_GENERAL_ERROR;
+    value.resize(result == CKR_OK ? wanted.ulValueLen : 0);
+    return result;
+}
+
+Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+    Bytes value;
+    const CK_RV result = read(object, type, value);
+    if (result != CKR_ATTRIBUTE_SENSITIVE && result != CKR_ATTRIBUTE_TYPE_INVALID)
+        require(result, "Reading an object of the card");
     return value;
+}
+
+Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+    Bytes value;
+    return read(object, type, value) == CKR_OK ? value : Bytes();
 }
 
 Bytes Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info) const {

@@ -56,12 +56,17 @@ class Session {
     void log_in(Pin& pin);
     /// Every object of the card, as far as the login shows it. @throws Stop
     [[nodiscard]] std::vector<CK_OBJECT_HANDLE> objects() const;
-    /// An attribute; empty when the card does not give it.
+    /// An attribute; empty when the object has none or keeps it secret. @throws Stop when it cannot be read:
+    /// that is no absence.
     [[nodiscard]] Bytes attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
+    /// The same of an object that nothing depends on: empty also when it cannot be read.
+    [[nodiscard]] Bytes attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
     /// Signs a PKCS#1 v1.5 block (a DigestInfo) with a private key. @throws Stop
     [[nodiscard]] Bytes sign(CK_OBJECT_HANDLE key, Bytes digest_info) const;
 
   private:
+    [[nodiscard]] CK_RV read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Bytes& value) const;
+
     const Module& module_;
     CK_SESSION_HANDLE handle_ = 0;
 };

@@ -21,6 +21,7 @@ const char* in_words(const Held& held) {
 } // namespace
 
 std::string OnCard::in_words() const {
+    if (untouched) return "what was on it before: nothing was changed";
     if (!problem.empty()) return "cannot be read. " + problem;
     std::vector<std::string> parts;
     parts.reserve(held.size());
@@ -30,7 +31,7 @@ std::string OnCard::in_words() const {
 }
 
 Json OnCard::as_json() const {
-    if (!problem.empty()) return nullptr;
+    if (untouched || !problem.empty()) return nullptr;
     Json list = Json::array();
     for (const Held& one : held)
         list.push_back({{"id", one.id},

@@ -20,11 +20,12 @@ struct Held {
 /// What is on a card, as read at one moment; for a person in words, for a program as data.
 struct OnCard {
     std::vector<Held> held;
-    std::string problem; ///< why the card could not be read; empty when it was
+    std::string problem;    ///< why the card could not be read; empty when it was
+    bool untouched = false; ///< nobody looked: the command ended before it did anything to the card
 
     /// "DS0 (certificate and keys), DS3 (keys without a certificate)"
     [[nodiscard]] std::string in_words() const;
-    /// An array of {"id", "certificates", "public_key", "private_key"}; null when the card could not be read.
+    /// An array of {"id", "certificates", "public_key", "private_key"}; null when the card was not read.
     [[nodiscard]] Json as_json() const;
 };
 

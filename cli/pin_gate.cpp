@@ -59,6 +59,24 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 
+OpenedCard open_untouched(const CommonOptions& options, Use use) {
+    // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
+    const bool from_file = !options.pin_file.empty();
+    std::optional<Pin> early;
+    if (from_file) early.emplace(take_pin(options.pin_file, {}));
+    Place place = find_place(options);
+    Pin pin = from_file ? std::move(*early) : take_pin({}, place.reader);
+    CardState state = card_state(place);
+    if (use == Use::changing && state.slot > last_slot)
+        throw Stop(Exit::refused,
+                   fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
+                               "worked with.",
+                               state.slot));
+    refuse_risky_try(state, options.final_try);
+    prove_pin(place, state.slot, pin);
+    return {std::move(place), std::move(state), std::move(pin)};
+}
+
 } // namespace
 
 CardState card_state(const Place& place) {
@@ -86,21 +104,12 @@ std::string tries_text(CK_FLAGS flags) {
 }
 
 OpenedCard open_card(const CommonOptions& options, Use use) {
-    // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
-    const bool from_file = !options.pin_file.empty();
-    std::optional<Pin> early;
-    if (from_file) early.emplace(take_pin(options.pin_file, {}));
-    Place place = find_place(options);
-    Pin pin = from_file ? std::move(*early) : take_pin({}, place.reader);
-    CardState state = card_state(place);
-    if (use == Use::changing && state.slot > last_slot)
-        throw Stop(Exit::refused,
-                   fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
-                               "worked with.",
-                               state.slot));
-    refuse_risky_try(state, options.final_try);
-    prove_pin(place, state.slot, pin);
-    return {std::move(place), std::move(state), std::move(pin)};
+    try {
+        return open_untouched(options, use);
+    } catch (Stop& stop) {
+        if (stop.exit == Exit::failed && !stop.card) stop.card = OnCard{{}, {}, true};
+        throw;
+    }
 }
 
 } // namespace cli

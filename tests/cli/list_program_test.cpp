@@ -52,8 +52,12 @@ TEST_F(ListProgramTest, SaysInJsonToo) {
         EXPECT_FALSE(answer["message"].get<std::string>().empty());
     }
     EXPECT_EQ(json("request authentication")["result"], "nothing due");
-    const auto failed = nlohmann::json::parse(with_pin("list --json", "C_FindObjectsInit:1:answer:0x5").out);
+    auto failed = nlohmann::json::parse(with_pin("list --json", "C_FindObjectsInit:1:answer:0x5").out);
     EXPECT_EQ(failed["result"], "failed");
+    EXPECT_EQ(failed["on_card"].size(), 3U) << "looked at again";
+    for (const char* rule : {"C_GetAttributeValue:3:answer:0x30", "C_GetAttributeValue:7:absurd:unavailable"})
+        EXPECT_EQ(with_pin("list", rule).code, 1) << "not read is not absent: " << rule;
+    EXPECT_EQ(with_pin("list", "C_GetAttributeValue:5:answer:0x12").code, 0) << "it has no label";
 }
 
 TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {

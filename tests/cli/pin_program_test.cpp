@@ -29,6 +29,7 @@ TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTakenNorALockedOne) {
     EXPECT_EQ(outcome.count("C_Login"), 1U);
     EXPECT_TRUE(outcome.says("The PIN is wrong")) << outcome.err;
     EXPECT_TRUE(outcome.says("fewer tries")) << outcome.err;
+    EXPECT_TRUE(outcome.says("Now on the card: what was on it before: nothing was changed"));
     EXPECT_TRUE(with_pin("list").says("one try is left")) << "the second of three";
 
     outcome = with_pin("list");
