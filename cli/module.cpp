@@ -35,7 +35,7 @@ void Module::Unload::operator()(void* handle) const {
     dlclose(handle);
 }
 
-Module::Module(const std::string& path) : handle_(dlopen(path.c_str(), RTLD_NOW)) {
+Module::Module(const std::string& path) : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_NODELETE)) {
     if (!handle_)
         throw Stop(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, dlerror()));
     const auto get_list = reinterpret_cast<CK_C_GetFunctionList>(dlsym(handle_.get(), "C_GetFunctionList"));

@@ -12,8 +12,9 @@ namespace cli {
 
 using Bytes = std::vector<unsigned char>;
 
-/// A PKCS#11 module, loaded and initialised as long as this object lives. The library does the same on its
-/// own within each of its calls, so none of these may live across one.
+/// A PKCS#11 module, initialised as long as this object lives. The library does the same on its own within each
+/// of its calls, so none of these may live across one. What is loaded stays mapped until the program ends: there
+/// are modules that crash when a process loads them a second time.
 class Module {
   public:
     /// @throws Stop when the module cannot be used.

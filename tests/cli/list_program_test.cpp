@@ -68,6 +68,7 @@ TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {
     EXPECT_EQ(outcome.calls, "");
     const std::string folder = std::filesystem::path(ZVSIMCARD_MODULE).parent_path();
     EXPECT_EQ(with_pin("list --module-dir " + folder).code, 0);
+    EXPECT_EQ(with_pin("list --module-dir " LOADED_ONCE).code, 0) << "it does not bear being loaded twice";
 }
 
 TEST_F(ListProgramTest, WritesTheLogBelowItsOwnHomeOrWorksWithoutOne) {
