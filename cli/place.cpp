@@ -90,7 +90,40 @@ bool contains(const std::string& text, const std::string& part) {
     return !part.empty() && text.find(part) != std::string::npos;
 }
 
+/// Slots whose description is part of a reader's name, with the length of the description.
+using Matches = std::vector<std::pair<CK_SLOT_ID, std::size_t>>;
+
+// A module says no more than 64 characters of a reader's name. Slots of one card are no matter: modules show one
+// for each of its PINs, and the first is the one that everybody takes.
+void refuse_alike(const Module& module, const Matches& matching, std::size_t longest,
+                  const std::string& reader) {
+    std::vector<std::string> serials;
+    for (const auto& [slot, length] : matching)
+        if (length == longest) {
+            const CK_TOKEN_INFO token = module.token(slot);
+            serials.push_back(token_text(token.serialNumber, sizeof token.serialNumber));
+        }
+    const bool one_card = std::all_of(serials.begin(), serials.end(), [&](const std::string& serial) {
+        return !serial.empty() && serial == serials.front();
+    });
+    if (serials.size() > 1 && !one_card)
+        throw Stop(
+            Exit::refused,
+            fmt::format("Two readers that hold a card cannot be told apart by the first {} characters of "
+                        "the name \"{}\", so the PIN could go to the other card.",
+                        longest_description, reader),
+            Advice{"remove-other-card", "Take the other card out."});
+}
+
 } // namespace
+
+std::string token_text(const unsigned char* field, std::size_t size) {
+    std::string text(reinterpret_cast<const char*>(field), size);
+    text.resize(text.find('\0') == std::string::npos ? size : text.find('\0'));
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
 
 std::vector<Reader> list_readers() {
     std::array<char, ZVC_READER_LIST_SIZE> list{};
@@ -120,7 +153,7 @@ Place find_place(const CommonOptions& options) {
 }
 
 CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
-    std::vector<std::pair<CK_SLOT_ID, std::size_t>> matching;
+    Matches matching;
     for (const CK_SLOT_ID slot : module.slots()) {
         const std::string description = module.description(slot).substr(0, longest_description);
         if (contains(reader, description)) matching.emplace_back(slot, description.size());
@@ -130,6 +163,7 @@ CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
                    Advice{"insert-card", "Put the card in, or take it out and in again."});
     const auto best = std::max_element(matching.begin(), matching.end(),
                                        [](const auto& a, const auto& b) { return a.second < b.second; });
+    refuse_alike(module, matching, best->second, reader);
     if (best->second > matching.front().second)
         throw Stop(Exit::refused,
                    fmt::format("The name of another reader that holds a card is part of \"{}\", so the PIN "

@@ -20,6 +20,9 @@ struct Reader {
 /// The readers of this machine, in the crypto library's order. @throws Stop
 [[nodiscard]] std::vector<Reader> list_readers();
 
+/// A field of a token's information, without what pads it.
+[[nodiscard]] std::string token_text(const unsigned char* field, std::size_t size);
+
 /// Where the card to work with is.
 struct Place {
     std::string reader;

@@ -66,6 +66,14 @@ TEST_F(PinProgramTest, AsksNothingOfACardItCannotBeSureOf) {
     EXPECT_EQ(outcome.count("C_Login"), 0U) << "the name of the other reader is part of this one's";
     EXPECT_EQ(with_pin("list --reader Simulated").code, 0);
     EXPECT_EQ(with_pin("list --reader Elsewhere").code, 2);
+
+    ASSERT_EQ(shell("sed -i 's/^reader = .*/reader = Simulated Reader 0/' $ZVSIMCARD_HOME/two/card.ini && "
+                    "sed -i 's/^name = Simulated$/name = Simulated Reader 0 B/' conf")
+                  .code,
+              0);
+    outcome = with_pin("list --reader 'Simulated Reader 0 B'");
+    EXPECT_EQ(outcome.code, 2) << outcome.err;
+    EXPECT_EQ(outcome.count("C_Login"), 0U) << "the module cuts the names, so that they are one";
 }
 
 } // namespace
