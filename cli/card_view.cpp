@@ -1,6 +1,7 @@
 #include "cli/card_view.h"
 
 #include "cli/outcome.h"
+#include "zvCrypt.h"
 
 #include <algorithm>
 #include <cstring>
@@ -61,6 +62,14 @@ bool is_first_key(const std::string& id) {
 // Cards pad what they hold.
 bool begins_with(const Bytes& stored, const Bytes& expected) {
     return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
+}
+
+// The PIN is for the card that it was proved with.
+void require_same_card(const Module& module, const CardState& state) {
+    const CK_TOKEN_INFO token = module.token(state.slot);
+    if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
+        throw Stop(Exit::failed, "Another card is in the reader.",
+                   Advice{"insert-card", "Put the card back that the command began with."});
 }
 
 } // namespace
@@ -136,6 +145,7 @@ OnCard CardView::contents() const {
 
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
     const Module module(card.place.module_path);
+    require_same_card(module, card.state);
     Session session(module, card.state.slot);
     session.log_in(card.pin);
     work(session);
@@ -155,6 +165,8 @@ CardView view_card(OpenedCard& card) {
 }
 
 CardNow card_now(OpenedCard& card) {
+    // A session that a failed call left open would keep the module from being started.
+    kvFinalize();
     try {
         const CardView view = view_card(card);
         return {view, view.contents()};

@@ -13,14 +13,6 @@ namespace {
 
 constexpr CK_SLOT_ID last_slot = 9;
 
-std::string trimmed(const unsigned char* field, std::size_t size) {
-    std::string text(reinterpret_cast<const char*>(field), size);
-    text.resize(text.find('\0') == std::string::npos ? size : text.find('\0'));
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text;
-}
-
 void refuse_risky_try(const CardState& state, bool final_try) {
     if ((state.flags & CKF_USER_PIN_LOCKED) != 0)
         throw Stop(Exit::refused, "The card's PIN is locked.",
@@ -84,8 +76,8 @@ CardState card_state(const Place& place) {
     CardState state;
     state.slot = slot_of(module, place.reader);
     const CK_TOKEN_INFO token = module.token(state.slot);
-    state.label = trimmed(token.label, sizeof token.label);
-    state.serial = trimmed(token.serialNumber, sizeof token.serialNumber);
+    state.label = token_text(token.label, sizeof token.label);
+    state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
     state.flags = token.flags;
     return state;
 }

@@ -68,6 +68,9 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_TRUE(unsigned_one.says("DS3 (keys without a certificate)")) << unsigned_one.err;
     EXPECT_TRUE(unsigned_one.says("it will use the pair DS3"));
 
+    const Outcome open = with_pin("request signature --out r", "C_Sign:2:answer:0x30");
+    EXPECT_TRUE(open.says("DS3 (keys without a certificate)")) << "logged in still: " << open.err;
+
     const Outcome pulled = with_pin("request signature --out r", "C_SignInit:1:take-out");
     EXPECT_EQ(pulled.code, 1);
     EXPECT_TRUE(pulled.says("Now on the card: cannot be read")) << pulled.err;
