@@ -10,6 +10,9 @@ file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 
 set_target_properties(zvRenew min_zvCrypt PROPERTIES INSTALL_RPATH ${origin})
 set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
+# A path that is changed at installation is padded with empty elements until then, and the loader takes each for the
+# working folder.
+set_target_properties(zvRenew min_zvCrypt zvrenew zvsimcard zvsimcard-tool PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 
 install(TARGETS zvRenew min_zvCrypt EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
 install(TARGETS zvrenew COMPONENT runtime)

@@ -13,6 +13,7 @@ unset LD_LIBRARY_PATH DYLD_LIBRARY_PATH
 [ -z "$(find first -name '*simcard*')" ] || { echo "the simulated card is installed without being asked for"; exit 1; }
 "$cmake" --install "$build" --prefix "$work/first" --component simcard >>install.log
 mv first moved
+case $(uname) in Linux) sh "$here/search_path.sh" "$work/moved" ;; esac
 lib=$(dirname "$(find "$work/moved" -name 'libmin_zvCrypt.*')")
 moved/bin/zvrenew --version
 moved/bin/zvsimcard-tool --help >/dev/null
