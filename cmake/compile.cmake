@@ -1,7 +1,7 @@
 # Compiler settings that every target of ours takes by linking zv_compile; nothing is set globally.
 add_library(zv_compile INTERFACE)
 target_compile_options(zv_compile INTERFACE
-  -Wall -Wextra -Wshadow -Wconversion -Werror
+  -Wall -Wextra -Wshadow -Wconversion $<$<BOOL:${ZV_WERROR}>:-Werror>
   # g++ 12 warns falsely when a std::string takes a literal.
   $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>
   -fvisibility=hidden
@@ -22,7 +22,13 @@ if(ZV_SANITIZE)
     -fno-omit-frame-pointer)
   target_link_options(zv_compile INTERFACE -fsanitize=address,undefined)
 else()
-  target_compile_definitions(zv_compile INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  # Who builds may have a level of their own, and a compiler may have one built in. It needs an optimised build.
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" type)
+  string(FIND "${CMAKE_C_FLAGS} ${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${type}}" _FORTIFY_SOURCE own_level)
+  if(own_level EQUAL -1)
+    target_compile_options(zv_compile INTERFACE
+      "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:SHELL:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>")
+  endif()
   if(NOT APPLE)
     target_link_options(zv_compile INTERFACE -Wl,-z,defs)
   endif()
