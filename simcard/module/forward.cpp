@@ -95,6 +95,19 @@ bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
     return (*state().hsm)->C_GetAttributeValue(session, object, &entry, 1) == CKR_OK && token;
 }
 
+bool logged_in(CK_SESSION_HANDLE session) {
+    CK_SESSION_INFO info{};
+    if ((*state().hsm)->C_GetSessionInfo(session, &info) != CKR_OK) return false;
+    return info.state != CKS_RO_PUBLIC_SESSION && info.state != CKS_RW_PUBLIC_SESSION;
+}
+
+/// Whether a call is to change what the card holds. SoftHSM lets everybody change public objects, cards do not.
+bool changes_card(const Call& call, const Target& target) {
+    if (call.function == Function::C_DestroyObject || call.function == Function::C_SetAttributeValue)
+        return is_token_object(target.session, call.arguments[1]);
+    return makes_objects(call) && token_objects_asked(call) > 0;
+}
+
 /// Gives the objects that a call made handles of ours, and a place in the card's order.
 void take_in_objects(const Call& call, const Target& target) {
     const auto& parameters = call.parameters();
@@ -125,6 +138,7 @@ CK_RV forward(Call call) {
     Target target;
     const CK_RV reached = exchange(call, target);
     if (reached != CKR_OK) return reached;
+    if (changes_card(call, target) && !logged_in(target.session)) return CKR_USER_NOT_LOGGED_IN;
     const bool makes = makes_objects(call);
     if (makes && !has_room(target.slot->card(), call)) return CKR_DEVICE_MEMORY;
     if (target.slot) std::this_thread::sleep_for(std::chrono::microseconds(target.slot->card().latency_us));

@@ -137,8 +137,9 @@ TEST_F(Control, RecordsCallsButNoSecrets) {
     EXPECT_EQ(seed(), CKR_OK);
     EXPECT_EQ(
         module_.recorded(),
-        "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_TOKEN 1 01, CKA_LABEL 1 41} "
-        "ulCount=3 phObject=1001 -> 0x0\n"
+        "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_TOKEN 1 01, CKA_LABEL 1 41, "
+        "CKA_PRIVATE 1 00} "
+        "ulCount=4 phObject=1001 -> 0x0\n"
         "C_GetAttributeValue hSession=1 hObject=1001 pTemplate={CKA_ID 512>18446744073709551615} ulCount=1 "
         "-> 0x12\n"
         "C_GetAttributeValue hSession=1 hObject=1001 pTemplate={CKA_LABEL 512>1 41} ulCount=1 -> 0x0\n"
@@ -194,7 +195,7 @@ TEST(ControlOfAProgram, KillsItBeforeOrAfterACall) {
     std::ifstream file(trace);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
-    EXPECT_TRUE(text.ends_with("ulCount=3 -> killed\n"));
+    EXPECT_TRUE(text.ends_with("ulCount=4 -> killed\n"));
 
     Module module;
     ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);

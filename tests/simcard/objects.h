@@ -36,15 +36,15 @@ inline CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string& value) {
     return {type, value.data(), value.size()};
 }
 
-/// Stores a data object under a label; its handle, or 0.
+/// Stores a public data object under a label; its handle, or 0.
 inline CK_OBJECT_HANDLE store(Module& module, CK_SESSION_HANDLE session, std::string label,
                               CK_RV* result = nullptr) {
     CK_OBJECT_CLASS data = CKO_DATA;
-    CK_BBOOL yes = CK_TRUE;
+    CK_BBOOL yes = CK_TRUE, no = CK_FALSE;
     CK_ATTRIBUTE entries[] = {attribute(CKA_CLASS, data), attribute(CKA_TOKEN, yes),
-                              attribute(CKA_LABEL, label)};
+                              attribute(CKA_LABEL, label), attribute(CKA_PRIVATE, no)};
     CK_OBJECT_HANDLE handle = 0;
-    const CK_RV answer = module->C_CreateObject(session, entries, 3, &handle);
+    const CK_RV answer = module->C_CreateObject(session, entries, 4, &handle);
     if (result) *result = answer;
     return handle;
 }

@@ -27,6 +27,17 @@ TEST_F(Objects, AreListedInTheOrderInWhichTheyWereMade) {
     ASSERT_NE(store(module_, session_, "last"), 0U);
     restart();
     EXPECT_EQ(labels(module_, session_), "0 new 2 4 11 6 1 8 3 10 5 last ");
+
+    ASSERT_EQ(module_->C_Logout(session_), CKR_OK);
+    Pair pair;
+    CK_RV result = CKR_OK;
+    const auto still_seen = find_all(module_, session_);
+    for (const CK_OBJECT_HANDLE object : still_seen)
+        EXPECT_EQ(module_->C_DestroyObject(session_, object), CKR_USER_NOT_LOGGED_IN);
+    EXPECT_EQ(relabel(module_, session_, still_seen.at(0), "x"), CKR_USER_NOT_LOGGED_IN);
+    EXPECT_EQ(store(module_, session_, "x", &result), 0U);
+    EXPECT_EQ(result, CKR_USER_NOT_LOGGED_IN);
+    EXPECT_EQ(generate(module_, session_, "DS3", pair), CKR_USER_NOT_LOGGED_IN);
 }
 
 TEST_F(Objects, AreFoundWhileASearchIsOpenAsBySoftHsm) {
