@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
+#include <set>
 
 namespace {
 
@@ -101,6 +102,16 @@ TEST_F(AuthorityTest, AnswersARequestInEveryForm) {
         EXPECT_EQ(X509_get_key_usage(&issued), std::uint32_t{KU_NON_REPUDIATION});
         EXPECT_TRUE(renewal.request.notices.empty());
     }
+}
+
+TEST_F(AuthorityTest, GivesSerialsOfWhichSomeBeginWithAZeroByte) {
+    std::set<bool> seen;
+    for (int i = 0; i < 64 && seen.size() < 2; ++i) {
+        unsigned char der[32] = {}, *end = der;
+        i2d_ASN1_INTEGER(X509_get_serialNumber(certificate_from(authority, 30).get()), &end);
+        seen.insert(der[2] == 0);
+    }
+    EXPECT_EQ(seen.size(), 2U);
 }
 
 TEST_F(AuthorityTest, TakesABareRequestOnlyWhenAskedTo) {
