@@ -40,16 +40,38 @@ void say_what_comes(const RequestPlan& plan) {
     note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
 }
 
+// The card could not be read, or gave numbers or a signature that are none: it would do so again.
+bool key_failed() {
+    const std::string_view said = szSockMsg;
+    return said.starts_with("Errore nella lettura del modulo/esponente") ||
+           said.starts_with("Errore nella operazione di firma");
+}
+
+Advice advice_on(const RequestPlan& plan, const CardNow& now) {
+    const Json pair = {{"pair", plan.pair}};
+    if (key_failed() && plan.old.kind == Kind::services)
+        return {
+            "other-card",
+            "Repeat the request with the card in the reader. If that fails in the same way, the card's own "
+            "keys are of no use for a request: its issuer has to help.",
+            pair};
+    if (!now.waits(plan.pair))
+        return {"repeat", "See that the card is in the reader and repeat the request."};
+    if (key_failed())
+        return {"new-pair",
+                fmt::format("The card made no request of the pair {}. Make another pair: repeat the request "
+                            "with --new-pair, which discards {}{}.",
+                            plan.pair, plan.pair,
+                            plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
+                pair};
+    return {"repeat-with-pair",
+            fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair), pair};
+}
+
 [[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
-    stop.advice.push_back(
-        now.waits(plan.pair)
-            ? Advice{"repeat-with-pair",
-                     fmt::format("Repeat the request: it will use the pair {} that is on the card.",
-                                 plan.pair),
-                     {{"pair", plan.pair}}}
-            : Advice{"repeat", "See that the card is in the reader and repeat the request."});
+    stop.advice.push_back(advice_on(plan, now));
     throw stop;
 }
 

@@ -679,8 +679,10 @@ ZV_API unsigned short SignIt(void*, unsigned char* data, unsigned long dataLengt
  * Subject: the last command block's; country and serial number as PrintableString, e-mail address as
  * IA5String, the rest as UTF8String, 127 characters at most. Signature: sha1WithRSAEncryption. The module
  * chooses the exponent; one named libcardos11.dylib is told 65537. A code of C_GenerateKeyPair that is none
- * of the known failures is not one: reading the key back decides. When the card wants a login again, one that
- * succeeds ends this call with 1: the next one goes through.
+ * of the known failures is not one: reading the key back decides. A modulus or an exponent that is empty (or
+ * zero) counts as not read, a signature that has not the modulus's length as failed. When the card wants a login
+ * again, one that succeeds ends this call with 1: the next one goes through; after one that fails a second
+ * signature is asked of the same CKA_ID's key alone.
  *
  * @param[out] pemOut      8192 bytes: the request in PEM, its base64 in one line
  * @param[in]  pin         user PIN, for a new login; null is empty

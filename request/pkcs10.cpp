@@ -49,14 +49,30 @@ ADATA* requestInfo(ADATA* name, const PublicKey& key) {
                     END);
 }
 
-unsigned short signOnce(const ADATA& info, Signature& signature) {
+CK_RV reportOwn(const char* step, CK_RV code, const char* format) {
+    reportFailure(REQUEST_TITLE, step, code, format);
+    return rv = code;
+}
+
+std::size_t significant(const unsigned char* bytes, unsigned long length) {
+    const auto* first = std::find_if(bytes, bytes + length, [](unsigned char byte) { return byte != 0; });
+    return static_cast<std::size_t>(bytes + length - first);
+}
+
+unsigned short signOnce(const ADATA& info, const PublicKey& key, Signature& signature) {
     signature.length = sizeof signature.bytes;
-    return SignIt(nullptr, info.data, info.length, signature.bytes, &signature.length, hPrivateKey);
+    const unsigned short code =
+        SignIt(nullptr, info.data, info.length, signature.bytes, &signature.length, hPrivateKey);
+    if (code != 0 || signature.length == key.size()) return code;
+    // No authority would take the request.
+    reportOwn("C_Sign", CKR_SIGNATURE_LEN_RANGE, "Firma della sequenza di hash fallita (%s)");
+    return REQUEST_FAILED;
 }
 
 // The session is opened anew, the pair looked for and the signature tried once more. A login that succeeds
 // ends the request here, one that fails leads to the second try: deliberate.
-unsigned short signAgain(const ADATA& info, const LoginData& login, Signature& signature) {
+unsigned short signAgain(const ADATA& info, const PublicKey& key, const LoginData& login,
+                         Signature& signature) {
     if (reopenSession(login) == 0) {
         reportCode(REQUEST_TITLE, "C_Login", 0);
         reportSentence("Firma sequenza di hash fallita error inizializza (%s)", rv);
@@ -69,7 +85,7 @@ unsigned short signAgain(const ADATA& info, const LoginData& login, Signature& s
             "Errore nella ricerca delle chiavi pending generate sulla smartcard (per SignIt error %lx)",
             code);
     }
-    const unsigned short code = signOnce(info, signature);
+    const unsigned short code = signOnce(info, key, signature);
     if (code == 0) return 0;
     reportCode(REQUEST_TITLE, "SignIt", code);
     Sentence sentence;
@@ -82,10 +98,10 @@ unsigned short signAgain(const ADATA& info, const LoginData& login, Signature& s
         code);
 }
 
-unsigned short sign(const ADATA& info, const LoginData& login, Signature& signature) {
-    const unsigned short code = signOnce(info, signature);
+unsigned short sign(const ADATA& info, const PublicKey& key, const LoginData& login, Signature& signature) {
+    const unsigned short code = signOnce(info, key, signature);
     if (code == 0) return 0;
-    if (code == CKR_USER_NOT_LOGGED_IN) return signAgain(info, login, signature);
+    if (code == CKR_USER_NOT_LOGGED_IN) return signAgain(info, key, login, signature);
     reportCode(REQUEST_TITLE, "SignIt", code);
     return failRequest("Errore nella operazione di firma richiesta certificato con chiavi pending sulla "
                        "smartcard (error %lx)",
@@ -102,7 +118,13 @@ CK_RV PublicKey::read(CK_OBJECT_HANDLE privateKey, std::size_t modulusRoom, std:
     const CK_RV result = GetAttributeValue(nullptr, title, hSession, privateKey, tmpl, 2);
     modulusLength = tmpl[0].ulValueLen;
     exponentLength = tmpl[1].ulValueLen;
-    return result;
+    if (result != CKR_OK || (size() != 0 && significant(exponent, exponentLength) != 0)) return result;
+    return reportOwn("C_GetAttributeValue", CKR_ATTRIBUTE_VALUE_INVALID,
+                     "Errore nella lettura chiave sulla smartcard (%s)");
+}
+
+std::size_t PublicKey::size() const {
+    return significant(modulus, modulusLength);
 }
 
 bool PublicKey::isBlank(std::size_t bytes) const {
@@ -134,7 +156,7 @@ unsigned short completeRequest(const PublicKey& key, const SubjectTable& table, 
     Der info(requestInfo(name, key));
     if (info == nullptr || pieceMissing) return REQUEST_FAILED;
     Signature signature;
-    if (sign(*info, login, signature) != 0) return REQUEST_FAILED;
+    if (sign(*info, key, login, signature) != 0) return REQUEST_FAILED;
     ADATA* bits = bitString(leaf(std::span(signature.bytes, signature.length)));
     const Der request(SEQUENCE(info.release(), algorithm(SHA1_WITH_RSA), bits, END));
     // The subject or the signature would lack something, and the authority would certify that.

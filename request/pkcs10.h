@@ -23,8 +23,10 @@ struct PublicKey {
     unsigned long modulusLength = 0, exponentLength = 0;
 
     /** Reads both from a private key, each with the given room. Returns the PKCS#11 result, logged when it is
-     * a failure. */
+     * a failure; a number that is none is one. */
     CK_RV read(CK_OBJECT_HANDLE privateKey, std::size_t modulusRoom, std::size_t exponentRoom);
+    /** Bytes of the modulus, leading zeros not counted: those of a signature. */
+    [[nodiscard]] std::size_t size() const;
     /** True when the first bytes are all 0xFF, as a failed generation leaves them. */
     [[nodiscard]] bool isBlank(std::size_t bytes) const;
 };

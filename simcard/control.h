@@ -43,7 +43,8 @@ extern "C" {
  *                     answer:CODE         the call is not done; its result is CODE (decimal or 0x...)
  *                     do-and-answer:CODE  the call is done; its result is CODE all the same
  *                     absurd:KIND         the call is done; if it succeeded its answer is absurd: "count"
- *                                         (counts of 2147483647), "length" (lengths 4096 past the caller's
+ *                                         (counts of 2147483647), "brief" (the last attribute of a template is
+ *                                         empty, other lengths are one less), "length" (lengths 4096 past the caller's
  *                                         buffers), "unavailable" (lengths and counts
  *                                         CK_UNAVAILABLE_INFORMATION), "text" (texts and attributes fill
  *                                         their room with 'X', without an end). Nothing is written past the

@@ -34,6 +34,7 @@ void falsify_size(Absurdity kind, CK_ULONG& size, CK_ULONG room, bool is_count) 
     if (kind == Absurdity::count && is_count) size = huge_count;
     if (kind == Absurdity::length && !is_count) size = std::max(size, room) + past_the_end;
     if (kind == Absurdity::unavailable) size = CK_UNAVAILABLE_INFORMATION;
+    if (kind == Absurdity::brief && !is_count && size != 0) --size;
 }
 
 void falsify_attribute(Absurdity kind, CK_ATTRIBUTE& entry, CK_ULONG room) {
@@ -58,6 +59,7 @@ void falsify(Absurdity kind, const Call& call, const Rooms& rooms) {
             continue;
         for (CK_ULONG entry = 0; entry < call.arguments[i + 1]; ++entry)
             falsify_attribute(kind, call.pointer<CK_ATTRIBUTE>(i)[entry], rooms.lengths(i)[entry]);
+        if (kind == Absurdity::brief) call.pointer<CK_ATTRIBUTE>(i)[call.arguments[i + 1] - 1].ulValueLen = 0;
     }
 }
 

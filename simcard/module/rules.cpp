@@ -46,7 +46,8 @@ std::optional<Deed> absurdity(std::string_view kind) {
     constexpr std::pair<std::string_view, Absurdity> kinds[] = {{"count", Absurdity::count},
                                                                 {"length", Absurdity::length},
                                                                 {"unavailable", Absurdity::unavailable},
-                                                                {"text", Absurdity::text}};
+                                                                {"text", Absurdity::text},
+                                                                {"brief", Absurdity::brief}};
     for (const auto& [name, value] : kinds)
         if (name == kind) return value;
     return std::nullopt;

@@ -14,6 +14,7 @@ enum class Absurdity {
     length,      ///< lengths go past the caller's buffers
     unavailable, ///< lengths and counts are CK_UNAVAILABLE_INFORMATION
     text,        ///< texts fill their fields and buffers and have no end
+    brief,       ///< a byte is missing of what was made, all of the last attribute that was asked for
 };
 
 /// What a rule does to the call that it is for.

@@ -63,10 +63,13 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_TRUE(full.says("Now on the card: DS0 (certificate and keys)")) << full.err;
     EXPECT_FALSE(std::filesystem::exists(file("r")));
 
-    const Outcome unsigned_one = with_pin("request signature --out r", "C_Sign:1:answer:0x6");
+    const Outcome unsigned_one = with_pin("request signature --out r", "C_Sign:1:absurd:brief");
     EXPECT_EQ(unsigned_one.code, 1);
     EXPECT_TRUE(unsigned_one.says("DS3 (keys without a certificate)")) << unsigned_one.err;
-    EXPECT_TRUE(unsigned_one.says("it will use the pair DS3"));
+    EXPECT_TRUE(unsigned_one.says("repeat the request with --new-pair")) << unsigned_one.err;
+    EXPECT_EQ(with_pin("request signature --out new --new-pair").code, 0);
+    EXPECT_TRUE(
+        with_pin("request signature --out r", "C_Sign:1:answer:0x101").says("it will use the pair DS3"));
 
     const Outcome open = with_pin("request signature --out r", "C_Sign:2:answer:0x30");
     EXPECT_TRUE(open.says("DS3 (keys without a certificate)")) << "logged in still: " << open.err;

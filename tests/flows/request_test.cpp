@@ -1,5 +1,6 @@
 // Requests: what goes to the card, what comes back, and what a failure leaves.
 #include "api/request_files.h"
+#include "request/pkcs10.h"
 #include "simcard/authority/request_encoding.h"
 #include "simcard/authority/signed_request.h"
 #include "store/renewal_state.h"
@@ -94,6 +95,12 @@ TEST_F(Flow, NotLoggedInEndsTheRequestWhenTheNewLoginSucceeds) {
     EXPECT_EQ(triesLeft(), 3);
 }
 
+TEST(PublicKey, IsAsLongAsItsModulusWithoutLeadingZeros) {
+    zv::PublicKey key;
+    key.modulus[1] = 0x80, key.modulusLength = 129;
+    EXPECT_EQ(key.size(), 128u);
+}
+
 TEST_F(Flow, SignatureFailuresNameTheirCode) {
     ASSERT_EQ(read().result, 0);
     module.add_rules("C_SignInit:1:answer:0x60");
@@ -105,8 +112,18 @@ TEST_F(Flow, SignatureFailuresNameTheirCode) {
     EXPECT_STREQ(szSockMsg,
                  "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
                  "(error 1)");
-    module.add_rules("C_Sign:1:absurd:length");
-    EXPECT_EQ(request(), 1) << "a signature longer than its room is none";
+    for (const std::string kind : {"length", "unavailable", "brief"}) {
+        module.add_rules("C_Sign:1:absurd:" + kind);
+        EXPECT_EQ(request(), 1) << "a signature of another length than the modulus is none";
+        EXPECT_TRUE(std::string(szSockMsg).ends_with("pending sulla smartcard (error 1)")) << szSockMsg;
+        module.reset();
+        module.add_rules("C_GetAttributeValue:52:absurd:" +
+                         kind); // of the key, behind census and pending pair
+        EXPECT_EQ(request(), 1) << "no number is read, the exponent alone may lack";
+        EXPECT_TRUE(std::string(szSockMsg).starts_with("Errore nella lettura del modulo/esponente"))
+            << szSockMsg;
+    }
+    EXPECT_TRUE(has(log.text(), "C_Sign\nErrore = 0x193\n** Messaggio di Errore\nFirma della sequenza"));
     EXPECT_EQ(request(), 0) << "the pair is used again";
 }
 
