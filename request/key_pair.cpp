@@ -7,6 +7,7 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "util/text.h"
 
 namespace zv {
 
@@ -84,6 +85,7 @@ unsigned short generateAgain(const LoginData& login) {
 } // namespace
 
 unsigned short generateKeyPair(const LoginData& login) {
+    copyText(privateKeyId, pendingLabel);
     if (generateOnce(login.modulePath) == CKR_OK) return 0;
     reportCode(REQUEST_TITLE, STEP, rv);
     if (rv == CKR_USER_NOT_LOGGED_IN) return generateAgain(login);

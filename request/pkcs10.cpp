@@ -69,7 +69,8 @@ unsigned short signOnce(const ADATA& info, const PublicKey& key, Signature& sign
     return REQUEST_FAILED;
 }
 
-// The session is opened anew, the pair looked for and the signature tried once more. A login that succeeds
+// The session is opened anew, the key looked for and the signature tried once more: with the same key, since
+// another one's signature would not go with the public key in the request. A login that succeeds
 // ends the request here, one that fails leads to the second try: deliberate.
 unsigned short signAgain(const ADATA& info, const PublicKey& key, const LoginData& login,
                          Signature& signature) {
@@ -78,7 +79,7 @@ unsigned short signAgain(const ADATA& info, const PublicKey& key, const LoginDat
         reportSentence("Firma sequenza di hash fallita error inizializza (%s)", rv);
         return failRequest("Firma sequenza di hash fallita (error login %lx)", rv);
     }
-    if (const int missing = CheckPendingKeys(nullptr, true)) {
+    if (const int missing = checkSameKey()) {
         const auto code = static_cast<CK_RV>(missing);
         reportCode(REQUEST_TITLE, "CheckPendingKeys", code);
         return failRequest(

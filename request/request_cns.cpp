@@ -1,9 +1,11 @@
 // RequestCertificateCNS: the request of a services card, for the pair that it was made with.
 #include "card/session.h"
 #include "diag/log.h"
+#include "inventory/identifiers.h"
 #include "request/pkcs10.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "util/text.h"
 
 namespace {
 
@@ -12,7 +14,8 @@ constexpr std::size_t MODULUS_ROOM = 1024, EXPONENT_ROOM = 17, MODULUS_CHECKED =
 // When no key is found the handle keeps its value, and reading it decides.
 unsigned short findOwnKey() {
     const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
-    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, "CNS0")};
+    zv::copyText(zv::privateKeyId, zv::OWN_PAIR);
+    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, zv::OWN_PAIR)};
     CK_RV result = zv::startSearch(zv::hSession, tmpl, 2);
     if (result == CKR_OK) {
         zv::SearchGuard search(zv::hSession);

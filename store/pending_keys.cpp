@@ -5,6 +5,7 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "util/text.h"
 
 namespace {
 
@@ -17,9 +18,13 @@ int failRead(const char* format) {
     return PENDING_FAILED;
 }
 
-// Takes the object's handle when its identifier contains the pending one.
-int takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, const char* readError) {
-    char id[256];
+void reportNoKey() {
+    zv::reportSentence("Non esiste alcuna chiave privata da certificare sulla smartcard (%s)", zv::rv);
+}
+
+// Takes the object's handle when its identifier, which is read into id, contains the pending one.
+int takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
+                  const char* readError) {
     if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return failRead(readError);
     WriteLog(PENDING_TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
@@ -30,13 +35,15 @@ int examine(CK_OBJECT_HANDLE object) {
     CK_OBJECT_CLASS objectClass = 0;
     if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK)
         return failRead("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
+    char id[256];
     if (objectClass == CKO_PUBLIC_KEY)
-        return takeIfPending(object, zv::hPublicKey,
+        return takeIfPending(object, zv::hPublicKey, id,
                              "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
-    if (objectClass == CKO_PRIVATE_KEY)
-        return takeIfPending(object, zv::hPrivateKey,
-                             "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
-    return 0;
+    if (objectClass != CKO_PRIVATE_KEY) return 0;
+    const int result = takeIfPending(object, zv::hPrivateKey, id,
+                                     "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
+    if (zv::hPrivateKey == object) zv::copyText(zv::privateKeyId, id);
+    return result;
 }
 
 int examineAll() {
@@ -78,7 +85,15 @@ int CheckPendingKeys(void*, bool reportMissing) {
     zv::trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
     zv::trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
     if (found) return 0;
-    if (reportMissing)
-        zv::reportSentence("Non esiste alcuna chiave privata da certificare sulla smartcard (%s)", zv::rv);
+    if (reportMissing) reportNoKey();
+    return NO_PENDING_KEY;
+}
+
+int zv::checkSameKey() {
+    char wanted[sizeof privateKeyId];
+    copyText(wanted, privateKeyId);
+    const int result = CheckPendingKeys(nullptr, true);
+    if (result != 0 || std::strcmp(privateKeyId, wanted) == 0) return result;
+    reportNoKey();
     return NO_PENDING_KEY;
 }

@@ -12,5 +12,6 @@ datiDN dName;
 int slotUtente = 0;
 CK_OBJECT_HANDLE hPrivateKey = 0;
 CK_OBJECT_HANDLE hPublicKey = 0;
+char privateKeyId[256];
 
 } // namespace zv

@@ -17,6 +17,12 @@ extern datiDN dName;                 ///< subject of the request
 extern int slotUtente;               ///< slot index of the card, for a new login
 extern CK_OBJECT_HANDLE hPrivateKey; ///< pending private key; 0: none
 extern CK_OBJECT_HANDLE hPublicKey;  ///< pending public key; 0: none
+extern char privateKeyId[256];       ///< identifier of the private key that was looked for or made last
+
+/**
+ * CheckPendingKeys for a private key with exactly privateKeyId: with another one it ends as without any, 100.
+ */
+[[nodiscard]] int checkSameKey();
 
 } // namespace zv
 

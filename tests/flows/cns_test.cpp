@@ -267,15 +267,21 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
     ASSERT_EQ(read().result, 0);
     const Lines before = objects();
     const std::pair<const char*, const char*> failures[] = {
-        {"C_FindObjectsInit:2", "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
-        {"C_FindObjects:6", "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
-        {"C_FindObjectsFinal:2", "Generazione chiavi fallita (Ripetere l'operazione)"},
-        {"C_Sign:1",
+        {"C_Sign:1:absurd:brief",
+         "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
+         "(error 1)"},
+        {"C_GetAttributeValue:17:absurd:brief",
+         "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 13)"},
+        {"C_FindObjectsInit:2:answer:0x30",
+         "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
+        {"C_FindObjects:6:answer:0x30", "Errore nella lettura della chiave CNS0 sulla smartcard (error 30)"},
+        {"C_FindObjectsFinal:2:answer:0x30", "Generazione chiavi fallita (Ripetere l'operazione)"},
+        {"C_Sign:1:answer:0x30",
          "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
          "(error 1)"}};
     for (const auto& [call, sentence] : failures) {
         module.reset();
-        module.add_rules(std::string(call) + ":answer:0x30");
+        module.add_rules(call);
         EXPECT_EQ(requestOwn(), 1) << call;
         EXPECT_EQ(szSockMsg, std::string(sentence));
     }
@@ -302,6 +308,20 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
         << "neither title nor pseudonym";
     ASSERT_EQ(requestOwn(), 0) << "a marker that cannot be written again is no failure";
     EXPECT_EQ(objects(), marked);
+}
+
+TEST_F(ServicesCard, SecondSignatureIsThatOfTheSameKey) {
+    ASSERT_EQ(read().result, 0);
+    module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
+    EXPECT_EQ(requestOwn(), 0) << szSockMsg;
+    add({}, {"CNS0b"});
+    module.reset();
+    module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
+    EXPECT_EQ(requestOwn(), 1);
+    EXPECT_TRUE(std::string(szSockMsg).ends_with("generate sulla smartcard (per SignIt error 64)"))
+        << szSockMsg;
+    EXPECT_TRUE(has(log.text(), "** Messaggio di Errore\nNon esiste alcuna chiave privata da certificare"));
+    EXPECT_EQ(module.calls("C_Sign"), 1U);
 }
 
 TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {

@@ -43,6 +43,10 @@ TEST_F(PendingFlow, SecondSignatureNeedsThePairAgain) {
         << "without a login the private key is not seen";
     EXPECT_EQ(module.calls("C_Sign"), 1U);
     EXPECT_EQ(objects(), before);
+    for (const char* id : {"DS3", "DS4"}) { // a pair that was found, one that is made
+        module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
+        EXPECT_EQ(request(id), 0) << szSockMsg;
+    }
 }
 
 } // namespace
