@@ -5,12 +5,9 @@
 namespace cli {
 
 Json card_json(const OpenedCard& card) {
-    return {{"reader", card.place.reader},
-            {"module", card.place.module_path},
-            {"label", card.state.label},
-            {"serial", card.state.serial},
-            {"services_card", card.place.services},
-            {"pin", pin_state(card.state.flags)}};
+    Json facts = place_json(card.place);
+    facts.update(state_json(card.state));
+    return facts;
 }
 
 Report about_card(OpenedCard& card, const std::function<Report()>& work) {

@@ -3,7 +3,9 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
+#include <sstream>
 
 namespace cli {
 namespace {
@@ -71,7 +73,7 @@ Command<Options> add_command(CLI::App& app, Invocation& chosen, const char* name
     CLI::App* command = app.add_subcommand(name, text);
     command->footer(exits);
     command->callback([&chosen, options, name, run] {
-        chosen = {name, options->json, [options, run] { return run(*options); }};
+        chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
     return {*command, *options};
 }
@@ -152,6 +154,30 @@ void add_install(CLI::App& app, Invocation& chosen) {
     add_card(command, options);
 }
 
+// A mistake ends the reading before every option is known.
+bool wants_json(int argc, char** argv) {
+    return std::any_of(argv, argv + argc,
+                       [](const char* word) { return std::string_view(word) == "--json"; });
+}
+
+Report told(const std::string& text) {
+    Report report;
+    report.text = text;
+    report.json["text"] = text;
+    return report;
+}
+
+Invocation as_answer(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    const std::string command = commands.empty() ? "" : commands.front()->get_name();
+    std::ostringstream out, none;
+    if (app.exit(error, out, none) == 0)
+        return {command, true, false, [text = out.str()] { return told(text); }};
+    return {command, true, false, [sentence = std::string(error.what())]() -> Report {
+                throw Stop(Exit::refused, sentence, Advice{"help", "Run with --help for more information."});
+            }};
+}
+
 } // namespace
 
 std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
@@ -167,6 +193,7 @@ std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        if (wants_json(argc, argv)) return as_answer(app, error);
         exit = app.exit(error) == 0 ? static_cast<int>(Exit::done) : static_cast<int>(Exit::refused);
         return std::nullopt;
     }

@@ -1,3 +1,4 @@
+#include "cli/answer.h"
 #include "cli/command_line.h"
 #include "cli/library_text.h"
 #include "cli/log_folder.h"
@@ -29,7 +30,7 @@ const char* result_name(Exit exit) {
 
 // Cards may hold texts that are no UTF-8.
 void print_json(const std::string& command, Exit exit, const Json& facts) {
-    Json all = {{"command", command}, {"result", result_name(exit)}};
+    Json all = {{"command", command.empty() ? Json() : Json(command)}, {"result", result_name(exit)}};
     all.update(facts);
     all["log"] = log_path();
     fmt::print("{}\n", all.dump(2, ' ', false, Json::error_handler_t::replace));
@@ -37,36 +38,23 @@ void print_json(const std::string& command, Exit exit, const Json& facts) {
 
 void print_report(const Invocation& invocation, const Report& report) {
     if (invocation.json) {
-        print_json(invocation.command, Exit::done, report.json);
+        print_json(invocation.command, Exit::done, report_json(report));
     } else if (report.payload.empty()) {
-        fmt::print("{}\n", printable(report.text));
+        fmt::print("{}\n", printable(in_words(report)));
     } else {
         fmt::print("{}", report.payload);
-        note(report.text);
+        note(in_words(report));
     }
-}
-
-Json advice_json(const std::vector<Advice>& advice) {
-    Json list = Json::array();
-    for (const Advice& one : advice) {
-        list.push_back({{"key", one.key}, {"text", one.text}});
-        list.back().update(one.values);
-    }
-    return list;
 }
 
 Exit print_stop(const Invocation& invocation, const Stop& stop) {
     if (invocation.json) {
-        Json facts = {{"message", stop.sentence}};
-        facts.update(stop.facts);
-        if (stop.card) facts["on_card"] = stop.card->as_json();
-        facts["advice"] = advice_json(stop.advice);
-        print_json(invocation.command, stop.exit, facts);
+        print_json(invocation.command, stop.exit, stop_json(stop));
         return stop.exit;
     }
     note(stop.exit == Exit::nothing_due ? stop.sentence : "zvrenew: " + stop.sentence);
     if (stop.card) note("Now on the card: " + stop.card->in_words());
-    for (const Advice& one : stop.advice)
+    for (const Advice& one : advice_of(stop))
         note(one.text);
     if (stop.logged) note("The log has the details: " + log_path());
     return stop.exit;
@@ -87,7 +75,9 @@ int start(int argc, char** argv) {
     int exit = 0;
     const std::optional<Invocation> invocation = read_command_line(argc, argv, exit);
     if (!invocation) return exit;
-    if (const std::string problem = make_log_folder(); !problem.empty()) note(problem);
+    if (invocation->uses_library) {
+        if (const std::string problem = make_log_folder(); !problem.empty()) note(problem);
+    }
     loadErrorCodes();
     exit = static_cast<int>(run(*invocation));
     if (std::fflush(stdout) != 0) return static_cast<int>(Exit::failed);

@@ -12,18 +12,20 @@ namespace cli {
 /// Exit codes. `refused` promises that no PIN try was spent and nothing on the card was changed.
 enum class Exit : int { done = 0, failed = 1, refused = 2, nothing_due = 3 };
 
-/// What a command has to say when it reached its aim.
-struct Report {
-    std::string text; ///< for a person, without a final line feed
-    Json json = Json::object();
-    std::string payload; ///< what the command made, when it goes to no file
-};
-
 /// Something that a person can do, or should know to do it. A program goes by the key and its values.
 struct Advice {
     std::string key; ///< never changes its meaning; docs/json.md lists all
     std::string text;
     Json values = Json::object(); ///< such as {{"pair", "DS3"}}
+};
+
+/// What a command has to say when it reached its aim.
+struct Report {
+    std::string text; ///< for a person, without a final line feed
+    Json json = Json::object();
+    std::vector<Advice> advice; ///< what can be done next
+    bool logged = false;        ///< whether the log tells more
+    std::string payload;        ///< what the command made, when it goes to no file
 };
 
 /// Ends a command before its aim.

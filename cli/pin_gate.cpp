@@ -22,13 +22,20 @@ void refuse_risky_try(const CardState& state, bool final_try) {
                    Advice{"final-try", "If you are sure of the PIN, give --final-try."});
 }
 
-std::string tries_now(const Place& place) {
+Stop wrong_pin(const Place& place, const std::string& reason) {
+    std::string tries = "the card could not be asked how many tries are left";
+    Json pin;
     try {
-        const std::string text = tries_text(card_state(place).flags);
-        return text.empty() ? "the card does not say how many tries are left" : text;
-    } catch (const Stop&) {
-        return "the card could not be asked how many tries are left";
+        const CK_FLAGS flags = card_state(place).flags;
+        pin = pin_state(flags);
+        tries = tries_text(flags);
+        if (tries.empty()) tries = "the card does not say how many tries are left";
+    } catch (const Stop&) { // said in the sentence
     }
+    Stop stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries),
+              Advice{"check-pin", "Make sure of the PIN before the next try."});
+    stop.facts["pin"] = pin;
+    return stop;
 }
 
 // The crypto library's own session, opened and closed here.
@@ -45,20 +52,21 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     if (code == ZVC_OK) return;
     const std::string reason = crypto_reason(code);
     kvFinalize();
-    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
-        throw Stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_now(place)),
-                   Advice{"check-pin", "Make sure of the PIN before the next try."});
+    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED) throw wrong_pin(place, reason);
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 
-OpenedCard open_untouched(const CommonOptions& options, Use use) {
+// What is known of the card is added to `facts` as soon as it is.
+OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
     // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
     const bool from_file = !options.pin_file.empty();
     std::optional<Pin> early;
     if (from_file) early.emplace(take_pin(options.pin_file, {}));
     Place place = find_place(options);
+    facts = place_json(place);
     Pin pin = from_file ? std::move(*early) : take_pin({}, place.reader);
     CardState state = card_state(place);
+    facts.update(state_json(state));
     if (use == Use::changing && state.slot > last_slot)
         throw Stop(Exit::refused,
                    fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
@@ -82,6 +90,14 @@ CardState card_state(const Place& place) {
     return state;
 }
 
+Json place_json(const Place& place) {
+    return {{"reader", place.reader}, {"module", place.module_path}, {"services_card", place.services}};
+}
+
+Json state_json(const CardState& state) {
+    return {{"label", state.label}, {"serial", state.serial}, {"pin", pin_state(state.flags)}};
+}
+
 const char* pin_state(CK_FLAGS flags) {
     if ((flags & CKF_USER_PIN_LOCKED) != 0) return "locked";
     if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "last try";
@@ -96,9 +112,11 @@ std::string tries_text(CK_FLAGS flags) {
 }
 
 OpenedCard open_card(const CommonOptions& options, Use use) {
+    Json facts = Json::object();
     try {
-        return open_untouched(options, use);
+        return open_untouched(options, use, facts);
     } catch (Stop& stop) {
+        stop.about(facts);
         if (stop.exit == Exit::failed && !stop.card) stop.card = OnCard{{}, {}, true};
         throw;
     }

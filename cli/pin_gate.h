@@ -2,6 +2,7 @@
 
 #include "cli/module.h"
 #include "cli/options.h"
+#include "cli/outcome.h"
 #include "cli/pin.h"
 #include "cli/place.h"
 
@@ -19,6 +20,10 @@ struct CardState {
 
 /// Asks a card for its state, without a login. @throws Stop
 [[nodiscard]] CardState card_state(const Place& place);
+
+/// {"reader", "module", "services_card"} and {"label", "serial", "pin"}: what an answer says of a card.
+[[nodiscard]] Json place_json(const Place& place);
+[[nodiscard]] Json state_json(const CardState& state);
 
 /// How it stands with the PIN, in a word for a program: "locked", "last try", "low" (fewer tries than usual);
 /// "no warning" when the card says nothing of them.

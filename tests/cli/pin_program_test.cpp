@@ -30,7 +30,9 @@ TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTakenNorALockedOne) {
     EXPECT_TRUE(outcome.says("The PIN is wrong")) << outcome.err;
     EXPECT_TRUE(outcome.says("fewer tries")) << outcome.err;
     EXPECT_TRUE(outcome.says("Now on the card: what was on it before: nothing was changed"));
-    EXPECT_TRUE(with_pin("list").says("one try is left")) << "the second of three";
+    const auto second = json("list");
+    EXPECT_EQ(second["pin"], "last try") << "the second of three";
+    EXPECT_EQ(second["reader"], "Simulated Reader 0");
 
     outcome = with_pin("list");
     EXPECT_EQ(outcome.code, 2);

@@ -1,0 +1,61 @@
+#include "cli/advice.h"
+
+#include <fmt/format.h>
+
+namespace cli {
+
+std::vector<std::string> identifiers_of(Kind kind) {
+    const std::string series = kind == Kind::signature ? "DS" : "AUTHCertificate";
+    return {series + "3", series + "4", series + "5"};
+}
+
+Advice free_an_identifier(Kind kind) {
+    const std::vector<std::string> ids = identifiers_of(kind);
+    return {"free-identifier",
+            fmt::format(
+                "New {} keys go under {}, {} or {}, and none is free. Remove the certificate among them that "
+                "is no longer needed, with its keys, using the card's own software.",
+                kind_name(kind), ids[0], ids[1], ids[2]),
+            {{"kind", kind_name(kind)}, {"identifiers", ids}}};
+}
+
+Advice make_room() {
+    return {"make-room",
+            "The card is full. Remove a certificate that is no longer needed, with its keys, using the "
+            "card's own software; then run the same command again."};
+}
+
+Advice add_card() {
+    return {"add-card",
+            "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "
+            "/etc/zvcrypt.conf with the "
+            "file name of its maker's PKCS#11 module:\n"
+            "  [card NAME]\n"
+            "  atr = ATR\n"
+            "  module = MODULE.so",
+            {{"files", {"~/.config/zvcrypt.conf", "/etc/zvcrypt.conf"}}}};
+}
+
+Advice start_service() {
+    return {"start-service",
+            "Install and start the PC/SC service (Debian: apt install pcscd; systemctl start pcscd.socket), "
+            "and see "
+            "what it shows with: zvrenew readers",
+            {{"service", "pcscd"}}};
+}
+
+std::vector<Advice> explain_quotes(const std::string& text) {
+    std::vector<Advice> advice;
+    if (text.find("molvastra.ini") != std::string::npos)
+        advice.push_back(
+            {"quoted-file",
+             "The quoted text names molvastra.ini, a file that this program does not have: see instead what "
+             "the reader and the card say with: zvrenew readers"});
+    if (text.find("molvastra.exe") != std::string::npos)
+        advice.push_back(
+            {"quoted-program",
+             "By molvastra.exe the quoted text means this program: there is nothing else to restart."});
+    return advice;
+}
+
+} // namespace cli

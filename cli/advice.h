@@ -1,0 +1,31 @@
+#pragma once
+
+#include "cli/options.h"
+#include "cli/outcome.h"
+
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// Advice that more than one command gives.
+
+/// The identifiers that new keys of a kind can get.
+[[nodiscard]] std::vector<std::string> identifiers_of(Kind kind);
+
+/// What to do when none of them is free.
+[[nodiscard]] Advice free_an_identifier(Kind kind);
+
+/// What to do about a card that has no room for more.
+[[nodiscard]] Advice make_room();
+
+/// What to do about a card of an unknown kind.
+[[nodiscard]] Advice add_card();
+
+/// What to do without a service for card readers.
+[[nodiscard]] Advice start_service();
+
+/// What is true of a text of the library that names files of another program; nothing when it names none.
+[[nodiscard]] std::vector<Advice> explain_quotes(const std::string& text);
+
+} // namespace cli
