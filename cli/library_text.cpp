@@ -1,5 +1,7 @@
 #include "cli/library_text.h"
 
+#include "cli/advice.h"
+#include "pkcs11.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
@@ -51,6 +53,14 @@ const char* own_words(int code) {
     }
 }
 
+// Key generation tells its own result in the text alone.
+bool no_room(int code) {
+    constexpr int full = CKR_DEVICE_MEMORY;
+    const std::string text = one_line(szSockMsg, message_size);
+    return code == full || text.find("(error 31)") != std::string::npos ||
+           (!table_text(full).empty() && text.find(table_text(full)) != std::string::npos);
+}
+
 std::string shown(int code) {
     return code < 0 ? std::to_string(code) : fmt::format("{:#x}", code);
 }
@@ -79,6 +89,7 @@ Stop library_stop(const std::string& sentence, int code) {
     Stop stop(Exit::failed, sentence + library_reason(code) + ".");
     stop.facts["code"] = code;
     stop.logged = true;
+    if (no_room(code)) stop.advice.push_back(make_room());
     return stop;
 }
 

@@ -1,3 +1,4 @@
+#include "cli/advice.h"
 #include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/inventory.h"
@@ -85,10 +86,10 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
     for (const CertificateRecord& record : inventory.certificates) {
         const Due due = due_of(inventory, record, days, now);
         const long left = days_until(record.ends, now);
-        const bool under_way = record.kind == Kind::services && inventory.services_waiting;
+        const bool requested = record.kind == Kind::services && inventory.services_waiting;
         report.text += fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(record.kind),
                                    record.id, columns.id, holder(record), columns.name, day_of(record.ends),
-                                   left, mark(due, left, under_way));
+                                   left, mark(due, left, requested));
         report.json["certificates"].push_back(certificate_json(record, due, left));
     }
     if (inventory.certificates.empty()) report.text += "  (no certificates)\n";
@@ -96,33 +97,51 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
         report.text += fmt::format("  ({} more cannot be read)\n", inventory.unreadable);
 }
 
-void say_what_is_due(std::string& text, const Json& certificates, const Inventory& inventory) {
-    for (const Json& entry : certificates) {
-        const bool services = entry["kind"] == kind_name(Kind::services);
-        const bool waiting = services ? inventory.services_waiting : !inventory.waiting.empty();
-        if (entry["due"].get<bool>() && !waiting)
-            text += fmt::format("\nThe {0} certificate is due. Renew it:  zvrenew request {0} --out FILE",
-                                entry["kind"].get<std::string>());
-    }
+bool under_way(const Inventory& inventory, Kind kind) {
+    return kind == Kind::services ? inventory.services_waiting : inventory.waiting_pair(kind) != nullptr;
 }
 
-void say_what_waits(std::string& text, const Inventory& inventory) {
-    for (const WaitingPair& pair : inventory.waiting) {
-        text += fmt::format("\nThe new {} pair {} waits for its certificate.\n"
-                            "  When it has come:   zvrenew install CERTIFICATE",
-                            kind_name(pair.kind), pair.id);
-        if (inventory.current(pair.kind) != nullptr)
-            text +=
-                fmt::format("\n  To ask once more:   zvrenew request {} --out FILE   (the same pair is used)",
-                            kind_name(pair.kind));
-    }
-    if (!inventory.services_waiting) return;
+bool none_free(const Inventory& inventory, Kind kind) {
+    if (kind == Kind::services) return false;
+    return (kind == Kind::signature ? inventory.signature : inventory.authentication).none_free;
+}
+
+Advice advice_on_due(const Inventory& inventory, Kind kind) {
+    if (none_free(inventory, kind)) return free_an_identifier(kind);
+    return {
+        "request",
+        fmt::format("The {0} certificate is due. Renew it:  zvrenew request {0} --out FILE", kind_name(kind)),
+        {{"kind", kind_name(kind)}}};
+}
+
+void advise_on_waiting(Report& report, const Inventory& inventory, const WaitingPair& pair) {
+    const Json values = {{"kind", kind_name(pair.kind)}, {"pair", pair.id}};
+    report.advice.push_back({"install",
+                             fmt::format("The new {} pair {} waits for its certificate.\n"
+                                         "  When it has come:   zvrenew install CERTIFICATE",
+                                         kind_name(pair.kind), pair.id),
+                             values});
+    if (inventory.current(pair.kind) != nullptr)
+        report.advice.push_back(
+            {"request-again",
+             fmt::format("  To ask once more:   zvrenew request {} --out FILE   (the same pair is used)",
+                         kind_name(pair.kind)),
+             values});
+}
+
+void advise_on_services(Report& report, const Inventory& inventory) {
     const bool stored = inventory.current(Kind::services) != nullptr;
-    text += "\nA request for the services certificate is under way.\n"
-            "  When it has come:   zvrenew install CERTIFICATE";
+    const Json values = {{"kind", kind_name(Kind::services)}, {"pair", own_pair_id}, {"remove_old", stored}};
+    report.advice.push_back({"install",
+                             fmt::format("A request for the services certificate is under way.\n"
+                                         "  When it has come:   zvrenew install CERTIFICATE{}",
+                                         stored ? " --remove-old" : ""),
+                             values});
     if (stored)
-        text += " --remove-old\n"
-                "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)";
+        report.advice.push_back(
+            {"request-again",
+             "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)",
+             {{"kind", kind_name(Kind::services)}, {"pair", own_pair_id}}});
 }
 
 Report list_card(OpenedCard& card, const ListOptions& options) {
@@ -137,8 +156,13 @@ Report list_card(OpenedCard& card, const ListOptions& options) {
     report.json["services_waiting"] = inventory.services_waiting;
     report.json["next"] = {{"signature", proposal_json(inventory.signature)},
                            {"authentication", proposal_json(inventory.authentication)}};
-    say_what_is_due(report.text, report.json["certificates"], inventory);
-    say_what_waits(report.text, inventory);
+    for (const CertificateRecord& record : inventory.certificates)
+        if (due_of(inventory, record, options.days, std::time(nullptr)).due &&
+            !under_way(inventory, record.kind))
+            report.advice.push_back(advice_on_due(inventory, record.kind));
+    for (const WaitingPair& pair : inventory.waiting)
+        advise_on_waiting(report, inventory, pair);
+    if (inventory.services_waiting) advise_on_services(report, inventory);
     return report;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/place.h"
 
+#include "cli/advice.h"
 #include "cli/library_text.h"
 #include "cli/module_folder.h"
 #include "cli/outcome.h"
@@ -27,16 +28,19 @@ Reader look_at(const std::string& name) {
     if (code == ZVC_ERR_NO_CARD) return reader;
     if (code == ZVC_ERR_MUTE_CARD) {
         reader.card = true;
+        reader.state = "mute card";
         reader.problem = "a card that does not answer (is it the right way round?)";
         return reader;
     }
     if (code != ZVC_OK) {
+        reader.state = "unreachable";
         reader.problem = "cannot be looked at" + crypto_reason(code);
         return reader;
     }
     reader.card = true;
     reader.module = module.data();
     reader.services = kvIsCNSINCARD() != 0;
+    reader.state = reader.module.empty() ? "unknown card" : "known card";
     if (reader.module.empty()) reader.problem = "a card of an unknown kind";
     return reader;
 }
@@ -82,8 +86,13 @@ void require_known_card(const Reader& reader) {
     if (!reader.card && reader.problem.empty())
         throw Stop(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
                    Advice{"insert-card", "Put the card in."});
-    throw Stop(Exit::refused,
-               fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
+    Stop stop(Exit::refused,
+              fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
+    if (reader.state == "unknown card") stop.advice.push_back(add_card());
+    if (reader.state == "mute card")
+        stop.advice.push_back({"insert-card", "Take the card out and put it in the right way round."});
+    stop.about({{"reader", reader.name}});
+    throw stop;
 }
 
 bool contains(const std::string& text, const std::string& part) {
@@ -115,6 +124,13 @@ void refuse_alike(const Module& module, const Matches& matching, std::size_t lon
             Advice{"remove-other-card", "Take the other card out."});
 }
 
+Stop listing_stop(int code) {
+    Stop stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
+    if (code == ZVC_ERR_NO_SERVICE) stop.advice.push_back(start_service());
+    stop.facts["code"] = code;
+    return stop;
+}
+
 } // namespace
 
 std::string token_text(const unsigned char* field, std::size_t size) {
@@ -128,8 +144,7 @@ std::string token_text(const unsigned char* field, std::size_t size) {
 std::vector<Reader> list_readers() {
     std::array<char, ZVC_READER_LIST_SIZE> list{};
     const int code = kvGetReader(list.data());
-    if (code != ZVC_OK)
-        throw Stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
+    if (code != ZVC_OK) throw listing_stop(code);
     std::vector<Reader> readers;
     const std::string text = list.data();
     for (std::size_t at = 0, end = 0; (end = text.find('|', at)) != std::string::npos; at = end + 1)

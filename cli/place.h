@@ -14,7 +14,9 @@ struct Reader {
     bool card = false;
     std::string module;    ///< file name of the card's module; empty for an unknown card
     bool services = false; ///< a national services card
-    std::string problem;   ///< why nothing is known of the card; empty when there is nothing to say
+    std::string state =
+        "no card";       ///< "known card", "unknown card", "mute card", "unreachable", for a program
+    std::string problem; ///< why nothing is known of the card; empty when there is nothing to say
 };
 
 /// The readers of this machine, in the crypto library's order. @throws Stop

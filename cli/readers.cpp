@@ -1,15 +1,17 @@
+#include "cli/advice.h"
 #include "cli/commands.h"
 #include "cli/module_folder.h"
 #include "cli/pin_gate.h"
 #include "cli/place.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace cli {
 namespace {
 
-Json with_state(const Reader& reader, const std::string& module_dir) {
-    Json entry = {{"reader", reader.name}, {"card", reader.card}};
+Json with_state(const Reader& reader, const std::string& module_dir, std::string& tries) {
+    Json entry = {{"reader", reader.name}, {"card", reader.card}, {"state", reader.state}};
     if (!reader.problem.empty()) entry["problem"] = reader.problem;
     if (reader.module.empty()) return entry;
     entry["module"] = reader.module;
@@ -21,14 +23,15 @@ Json with_state(const Reader& reader, const std::string& module_dir) {
         entry["slot"] = state.slot;
         entry["label"] = state.label;
         entry["serial"] = state.serial;
-        entry["pin"] = tries_text(state.flags);
+        entry["pin"] = pin_state(state.flags);
+        tries = tries_text(state.flags);
     } catch (const Stop& stop) {
         entry["problem"] = stop.sentence;
     }
     return entry;
 }
 
-std::string in_words(const Json& entry) {
+std::string line_for(const Json& entry, const std::string& tries) {
     const auto text = [&](const char* key) { return entry.value(key, std::string()); };
     std::string line = fmt::format("{}: ", text("reader"));
     if (!entry["card"].get<bool>()) return line + (entry.contains("problem") ? text("problem") : "no card");
@@ -36,7 +39,7 @@ std::string in_words(const Json& entry) {
         line += fmt::format("card {} (\"{}\"), module {}", text("serial"), text("label"), text("module"));
     else
         line += text("problem");
-    if (!text("pin").empty()) line += "; " + text("pin");
+    if (!tries.empty()) line += "; " + tries;
     return line;
 }
 
@@ -45,12 +48,20 @@ std::string in_words(const Json& entry) {
 Report run_readers(const CommonOptions& options) {
     Report report;
     report.json["readers"] = Json::array();
-    for (const Reader& reader : list_readers()) {
-        const Json entry = with_state(reader, options.module_dir);
-        report.text += (report.text.empty() ? "" : "\n") + in_words(entry);
+    const std::vector<Reader> readers = list_readers();
+    for (const Reader& reader : readers) {
+        std::string tries;
+        const Json entry = with_state(reader, options.module_dir, tries);
+        report.text += (report.text.empty() ? "" : "\n") + line_for(entry, tries);
         report.json["readers"].push_back(entry);
     }
-    if (report.text.empty()) report.text = "There is no card reader.";
+    if (report.text.empty()) {
+        report.text = "There is no card reader.";
+        report.advice.push_back({"plug-reader", "Plug the reader in and put the card in it."});
+    }
+    if (std::any_of(readers.begin(), readers.end(),
+                    [](const Reader& one) { return one.state == "unknown card"; }))
+        report.advice.push_back(add_card());
     return report;
 }
 

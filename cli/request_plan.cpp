@@ -1,5 +1,6 @@
 #include "cli/request_plan.h"
 
+#include "cli/advice.h"
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
@@ -67,13 +68,10 @@ DistinguishedName subject_of(const CertificateRecord& old) {
 }
 
 [[noreturn]] void stop_none_free(Kind kind, const std::string& series) {
-    throw Stop(
-        Exit::refused,
-        fmt::format("No identifier is free for a new {0} key: {1}3, {1}4 and {1}5 are taken.",
-                    kind_name(kind), series),
-        Advice{
-            "free-identifier",
-            "Remove a certificate that is no longer needed, with its keys, using the card's own software."});
+    throw Stop(Exit::refused,
+               fmt::format("No identifier is free for a new {0} key: {1}3, {1}4 and {1}5 are taken.",
+                           kind_name(kind), series),
+               free_an_identifier(kind));
 }
 
 // The library calls an identifier free when no public key has it. A certificate or private key under it would

@@ -51,13 +51,50 @@ TEST_F(ListProgramTest, SaysInJsonToo) {
         EXPECT_EQ(answer["result"], "refused") << arguments;
         EXPECT_FALSE(answer["message"].get<std::string>().empty());
     }
+    for (const char* arguments : {"", "lost", "list --days x", "install"}) {
+        const auto answer = nlohmann::json::parse(zvrenew(std::string(arguments) + " --json").out);
+        EXPECT_EQ(answer["result"], "refused") << arguments;
+        EXPECT_EQ(answer["advice"][0]["key"], "help") << arguments;
+    }
+    EXPECT_EQ(nlohmann::json::parse(zvrenew("list --help --json").out)["result"], "done");
     EXPECT_EQ(json("request authentication")["result"], "nothing due");
-    auto failed = nlohmann::json::parse(with_pin("list --json", "C_FindObjectsInit:1:answer:0x5").out);
+    auto failed = nlohmann::json::parse(with_pin("list --json", "C_FindObjectsInit:1:answer:0x6").out);
     EXPECT_EQ(failed["result"], "failed");
+    EXPECT_EQ(failed["serial"], json("list")["serial"]);
+    EXPECT_EQ(failed["advice"][0]["key"], "quoted-program") << failed;
+    EXPECT_TRUE(
+        with_pin("list", "C_FindObjectsInit:1:answer:0x30").says("molvastra.ini, a file that this program"));
+    EXPECT_EQ(zvrenew("readers").code, 0) << "what the advice says";
     EXPECT_EQ(failed["on_card"].size(), 3U) << "looked at again";
     for (const char* rule : {"C_GetAttributeValue:3:answer:0x30", "C_GetAttributeValue:7:absurd:unavailable"})
         EXPECT_EQ(with_pin("list", rule).code, 1) << "not read is not absent: " << rule;
     EXPECT_EQ(with_pin("list", "C_GetAttributeValue:5:answer:0x12").code, 0) << "it has no label";
+}
+
+TEST_F(ListProgramTest, TellsHowToRenewOneKindWhileAnotherWaits) {
+    make_card();
+    ASSERT_EQ(with_pin("request signature --out s").code, 0);
+    const Outcome list = with_pin("list --days 1000");
+    EXPECT_TRUE(list.says("zvrenew request authentication --out FILE\n")) << list.out;
+    EXPECT_FALSE(list.says("The signature certificate is due"));
+    ASSERT_EQ(with_pin("request authentication --days 1000 --out a").code, 0);
+    for (const std::string name : {"a", "s"}) {
+        ASSERT_EQ(tool("issue " + name + " --out " + name + ".pem").code, 0);
+        EXPECT_EQ(with_pin("install " + name + ".pem").code, 0);
+    }
+}
+
+TEST_F(ListProgramTest, SaysThatACardIsFullAndWhatHelps) {
+    make_card();
+    ASSERT_EQ(shell("sed -i 's/^capacity.*/capacity = 7/' $ZVSIMCARD_HOME/card/card.ini").code, 0);
+    const auto answer = json("request signature --out r");
+    EXPECT_EQ(answer["advice"][0]["key"], "make-room") << answer;
+    ASSERT_EQ(shell("for t in cert pubkey privkey; do pkcs11-tool --module " ZVSIMCARD_MODULE
+                    " --login --pin 12345678"
+                    " --delete-object --type $t --id 41555448436572746966696361746530 || exit; done")
+                  .code,
+              0);
+    EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 
 TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {

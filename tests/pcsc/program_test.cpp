@@ -10,13 +10,18 @@ TEST_F(PcscProgram, ListsReadersAndCards) {
     simcard::TestCards cards;
     simcard::VirtualReaders pcsc;
     cards.make({.reader = "Desk Reader 00 01", .serial = "42"});
-    std::ofstream(file("conf")) << "[card simulated]\natr = 3B0201\nmodule = libzvsimcard.so\n";
+    std::ofstream(file("conf")) << "";
     ::setenv("ZVCRYPT_CONF", file("conf").c_str(), 1);
-    EXPECT_TRUE(zvrenew("readers").says("The readers cannot be listed: \"Il servizio PC/SC dei lettori"));
+    const Outcome alone = zvrenew("readers");
+    EXPECT_TRUE(alone.says("The readers cannot be listed: \"Il servizio PC/SC dei lettori")) << alone.err;
+    EXPECT_TRUE(alone.says("start the PC/SC service (Debian: apt install pcscd;")) << alone.err;
     pcsc.start();
     EXPECT_EQ(zvrenew("readers").out, "Desk Reader 00 00: no card\nDesk Reader 00 01: no card\n");
     pcsc.insert(0, {"--mute"});
     pcsc.insert(1, {"--atr", "3B0201"});
+    EXPECT_TRUE(with_pin("list --reader 'Desk Reader 00 01'")
+                    .says("  [card NAME]\n  atr = ATR\n  module = MODULE.so\n"));
+    std::ofstream(file("conf")) << "  [card NAME]\n  atr = 3B0201\n  module = libzvsimcard.so\n";
     EXPECT_EQ(zvrenew("readers").out,
               "Desk Reader 00 01: card 42 (\"card\"), module libzvsimcard.so\n"
               "Desk Reader 00 00: a card that does not answer (is it the right way round?)\n");
