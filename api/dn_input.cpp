@@ -1,7 +1,9 @@
 // The host's name text: brought to one attribute a line, then parsed into the request's name.
 #include <cstddef>
+#include <string>
 #include <string_view>
 
+#include "api/dn_input.h"
 #include "api/lines.h"
 #include "api/state.h"
 #include "routines.h"
@@ -51,7 +53,7 @@ constexpr NameField FIELDS[] = {
 
 #undef ZV_FIELD
 
-void loadLine(std::string_view line, int& orgUnits) {
+void loadLine(datiDN& name, std::string_view line, int& orgUnits) {
     for (const NameField& field : FIELDS) {
         std::string_view value;
         if (!zv::valueBehind(line, field.prefix, value)) continue;
@@ -60,10 +62,17 @@ void loadLine(std::string_view line, int& orgUnits) {
             if (orgUnits == ZV_ORG_UNITS) return;
             offset += static_cast<std::size_t>(orgUnits++) * field.width;
         }
-        zv::copyText(reinterpret_cast<char*>(&zv::dNameRen) + offset, field.width,
+        zv::copyText(reinterpret_cast<char*>(&name) + offset, field.width,
                      zv::cutAtCharacter(value, field.width - 1));
         return;
     }
+}
+
+void loadText(datiDN& name, std::string_view rest) {
+    std::string_view line;
+    int orgUnits = 0;
+    while (zv::nextLine(rest, line))
+        loadLine(name, line, orgUnits);
 }
 
 void replaceIn(char* dn, std::size_t size, const char* from, const char* to) {
@@ -90,8 +99,21 @@ class BoundedText {
     std::size_t length_ = 0;
 };
 
-BoundedText replaced(std::string_view rest, std::string_view from, std::string_view to) {
-    BoundedText result;
+// Takes whatever it is given.
+class WholeText {
+  public:
+    bool add(std::string_view part) {
+        text_ += part;
+        return true;
+    }
+    [[nodiscard]] const std::string& get() const { return text_; }
+
+  private:
+    std::string text_;
+};
+
+template <typename Text> Text replaced(std::string_view rest, std::string_view from, std::string_view to) {
+    Text result;
     for (std::size_t place = rest.find(from); place != std::string_view::npos; place = rest.find(from)) {
         if (!result.add(rest.substr(0, place))) return result;
         if (!result.add(to)) {
@@ -106,12 +128,23 @@ BoundedText replaced(std::string_view rest, std::string_view from, std::string_v
 
 } // namespace
 
+datiDN zv::wholeName(std::string_view dn) {
+    std::string text(dn);
+    for (const auto& [from, to] : NAMES)
+        text = replaced<WholeText>(text, from, to).get();
+    for (const char* prefix : LINE_STARTS)
+        text = replaced<WholeText>(text, prefix, std::string("\n") + prefix).get();
+    datiDN name{};
+    loadText(name, text);
+    return name;
+}
+
 void replace(char* text, char* from, char* to) {
     const std::string_view whole = zv::orEmpty(text), pattern = zv::orEmpty(from);
     if (pattern.empty() || whole.find(pattern) == std::string_view::npos)
         zv::copyText(zv::newstring, zv::cutAtCharacter(whole, MOST_TEXT));
     else
-        zv::copyText(zv::newstring, replaced(whole, pattern, zv::orEmpty(to)).get());
+        zv::copyText(zv::newstring, replaced<BoundedText>(whole, pattern, zv::orEmpty(to)).get());
 }
 
 void ResettaDN() {
@@ -119,10 +152,7 @@ void ResettaDN() {
 }
 
 void CaricaDN(char* text) {
-    std::string_view rest = zv::orEmpty(text), line;
-    int orgUnits = 0;
-    while (zv::nextLine(rest, line))
-        loadLine(line, orgUnits);
+    loadText(zv::dNameRen, zv::orEmpty(text));
 }
 
 void _RiempiDN(char* dn, unsigned int size) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "api/command_block.h"
+#include "api/dn_input.h"
 #include "api/lines.h"
 #include "api/state.h"
 #include "card/detection.h"
@@ -18,9 +19,7 @@ constexpr std::string_view OWN_PAIR = "CNS0";
 constexpr std::string_view SERVICES_CARD = "CNS";
 
 int stop(const char* reason, int outcome = ZV_NOT_SENT) {
-    char line[640] = "Operazione non inviata: ";
-    appendText(line, reason);
-    scriviLog(line);
+    reportNotSent(reason);
     return outcome;
 }
 
@@ -45,11 +44,11 @@ bool sameText(std::string_view given, std::string_view parsed, bool exact) {
     return exact ? given == parsed : trimRight(given) == trimRight(parsed);
 }
 
-bool sameName(const REQRENIN& parsed) {
-    REQRENIN given{};
-    given.dn = dNameRen;
+bool sameName(const datiDN& given, const REQRENIN& parsed) {
+    REQRENIN other{};
+    other.dn = given;
     for (std::size_t i = FIRST_NAME_KEY; i < BLOCK_KEYS; ++i)
-        if (!sameText(fieldText(given, BLOCK[i]), fieldText(parsed, BLOCK[i]), false)) return false;
+        if (!sameText(fieldText(other, BLOCK[i]), fieldText(parsed, BLOCK[i]), false)) return false;
     return true;
 }
 
@@ -65,6 +64,20 @@ int guardRequest(const RequestCall& call) {
     if (call.discardPending && call.pendingLabel == OWN_PAIR)
         return stop("la coppia di chiavi propria della carta CNS verrebbe cancellata");
     return ZV_OK;
+}
+
+int guardSubject(const RequestCall& call) {
+    REQRENIN whole{};
+    whole.dn = wholeName(call.subject);
+    if (sameName({}, whole)) return stop("il nome del titolare non ha alcun attributo noto");
+    // A request of a services card leaves these two out, lost or not.
+    if (call.kind == SERVICES_CARD) {
+        copyText(whole.dn.title, dNameRen.title);
+        copyText(whole.dn.pseudonym, dNameRen.pseudonym);
+    }
+    return sameName(dNameRen, whole)
+               ? ZV_OK
+               : stop("il nome del titolare e' troppo lungo: un attributo andrebbe perso");
 }
 
 int guardStoring(const StoringCall& call) {
@@ -98,7 +111,7 @@ int guardBlock(const BlockValues& values) {
         {KEY_PENDING_LABEL, values.pendingLabel},
         {KEY_CERTIFICATE, values.certificate},
     };
-    bool faithful = slot >= 0 && slot <= 9 && sameName(parsed);
+    bool faithful = slot >= 0 && slot <= 9 && sameName(dNameRen, parsed);
     for (const auto& [key, given] : pairs)
         faithful = faithful && sameText(given, fieldText(parsed, BLOCK[key]), key == KEY_PIN);
     wipe(&parsed, sizeof parsed);

@@ -13,7 +13,7 @@ namespace zv {
 
 /** What an entry point was called with, texts without trailing blanks. */
 struct RequestCall {
-    std::string_view pendingLabel, keyId, kind;
+    std::string_view pendingLabel, keyId, kind, subject;
     bool discardPending;
 };
 
@@ -25,6 +25,8 @@ struct StoringCall {
 
 /** Outcome of a guard: 0 to go on, else the code for the host. */
 [[nodiscard]] int guardRequest(const RequestCall& call);
+/** Stops a request for a name that dNameRen does not hold as the subject gives it, or for no name at all. */
+[[nodiscard]] int guardSubject(const RequestCall& call);
 [[nodiscard]] int guardStoring(const StoringCall& call);
 
 /** Stops when the command block in the request buffer, parsed back, does not give the values that went in. */

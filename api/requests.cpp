@@ -22,14 +22,16 @@ struct Request {
     char* pendingLabel;
     char* pin;
     char* keyId;
+    const char* subject;
     bool discardPending;
 };
 
 // The PKCS#10 request, made by the command, in szBufferDatiOut.
 int makeRequest(const Request& request) {
     const zv::RequestCall call = {zv::trimRight(request.pendingLabel), zv::trimRight(request.keyId),
-                                  request.kind, request.discardPending};
+                                  request.kind, request.subject, request.discardPending};
     int code = zv::guardRequest(call);
+    if (code == 0) code = zv::guardSubject(call);
     if (code == 0)
         code = zv::runCommand("REQREN", {request.keyId, request.pin, "", request.pendingLabel, request.kind,
                                          request.discardPending ? "D" : "K"});
@@ -80,13 +82,13 @@ int readBase64(char (&result)[ZV_REQUEST_SIZE]) {
     return 0;
 }
 
-int createRequest(const Request& request, const char* dn, char* requestOut) {
+int createRequest(const Request& request, char* requestOut) {
     zv::clear(szBuffErr, zv::szBufferRichiesta, zv::szBufferDatiOut);
     char result[ZV_REQUEST_SIZE] = {};
     zv::traceEntry(request.function, "': INIZIO");
     zv::traceModule("Libreria pkcs#11 selezionata: ");
     char name[DN_SIZE];
-    zv::copyText(name, dn);
+    zv::copyText(name, request.subject);
     _RiempiDN(name, sizeof name);
     if (const int code = makeRequest(request)) return code;
 
@@ -113,8 +115,9 @@ int create(const char* function, const char* kind, char* requestOut, const char*
     std::string label = zv::orEmpty(pendingLabel);
     char none[] = "";
     const Request request = {
-        function, kind, label.data(), pin != nullptr ? pin : none, keyId != nullptr ? keyId : none, keepFlag};
-    return createRequest(request, zv::orEmpty(dn), requestOut);
+        function,        kind,    label.data(), pin != nullptr ? pin : none, keyId != nullptr ? keyId : none,
+        zv::orEmpty(dn), keepFlag};
+    return createRequest(request, requestOut);
 } catch (const std::exception&) {
     return zv::failCommand(ZV_UNUSABLE);
 }

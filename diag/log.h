@@ -37,6 +37,9 @@ void reportSentence(const char* format, CK_RV code);
 /** reportCode, then reportSentence. */
 void reportFailure(const char* title, const char* step, CK_RV code, const char* format);
 
+/** Logs that a guard stopped what was asked for, and why. */
+void reportNotSent(const char* reason);
+
 } // namespace zv
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "diag/log.h"
 #include "diag/messages.h"
+#include "util/text.h"
 
 namespace zv {
 
@@ -39,6 +40,12 @@ void reportSentence(const char* format, CK_RV code) {
 void reportFailure(const char* title, const char* step, CK_RV code, const char* format) {
     reportCode(title, step, code);
     reportSentence(format, code);
+}
+
+void reportNotSent(const char* reason) {
+    char line[640] = "Operazione non inviata: ";
+    appendText(line, reason);
+    scriviLog(line);
 }
 
 } // namespace zv

@@ -306,6 +306,12 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
     EXPECT_TRUE(simcard::readable(*X509_get_subject_name(parsed(issue()).get()))
                     .ends_with("SN=Collaudo, GN=Ada, ST=RM"))
         << "neither title nor pseudonym";
+    subject = "2.5.4.6=IT2.5.4.3=" + std::string(990, 'n') + "2.5.4.12=Lost";
+    ASSERT_EQ(requestOwn(), 0) << "a title is left out anyway";
+    subject = "2.5.4.12=Dott.";
+    EXPECT_EQ(requestOwn(), 1);
+    EXPECT_TRUE(has(log.text(), "Errore\nDati per costruire il distinguished name non specificati\n"));
+    subject = "2.5.4.6=IT";
     ASSERT_EQ(requestOwn(), 0) << "a marker that cannot be written again is no failure";
     EXPECT_EQ(objects(), marked);
 }

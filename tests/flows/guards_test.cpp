@@ -49,6 +49,24 @@ TEST_F(Guards, OwnTargetAndOwnKey) {
         "manca l'identificativo");
 }
 
+TEST_F(Guards, WholeSubject) {
+    const std::string none = "il nome del titolare non ha alcun attributo noto";
+    for (const char* name : {"/CN=Ada", "", "2.5.4.6= "}) {
+        subject = name;
+        expectStopped(request("slot:DS4"), none);
+    }
+    expectStopped(request(""), "manca l'identificativo");
+    const std::string filled = "2.5.4.3=A2.5.4.13=" + std::string(1000, 'd');
+    for (const char* last : {"2.5.4.6=IT", "/serialNumber=1", "2.5.4.3=B"}) {
+        subject = filled + last;
+        expectStopped(request("DS4"), "il nome del titolare e' troppo lungo: un attributo andrebbe perso");
+    }
+    subject = filled;
+    EXPECT_EQ(request("DS4"), 0) << "a value is cut to its width";
+    subject = "/X=12.5.4.99=22.5.4.3=A2.5.4.11=12.5.4.11=22.5.4.11=32.5.4.11=42.5.4.11=52.5.4.11=6";
+    EXPECT_EQ(request("DS4"), 0) << "what requests do not carry may stand beside";
+}
+
 TEST_F(Guards, ReadableCertificateComesBeforeTheBlock) {
     expectStopped(save("junk", false), "il certificato non e' leggibile: ", ZV_FAILED);
     expectStopped(save(std::string(9000, 'A'), false), "il testo del certificato e' troppo lungo", ZV_FAILED);

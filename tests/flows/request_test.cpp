@@ -127,15 +127,6 @@ TEST_F(Flow, SignatureFailuresNameTheirCode) {
     EXPECT_EQ(request(), 0) << "the pair is used again";
 }
 
-TEST_F(Flow, WithoutASubjectNothingIsSaidToTheUser) {
-    ASSERT_EQ(read().result, 0);
-    subject = "/CN=Ada";
-    EXPECT_EQ(request(), 1);
-    EXPECT_STREQ(szSockMsg, "");
-    EXPECT_TRUE(has(log.text(),
-                    "** Messaggio di Errore\nDati per costruire il distinguished name non specificati\n"));
-}
-
 TEST_F(Flow, FailuresOfTheSigningStep) {
     ASSERT_EQ(read().result, 0);
     EXPECT_EQ(request("DS3", "DS9"), static_cast<int>(ZVC_ERR_KEY));
