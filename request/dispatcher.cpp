@@ -3,6 +3,7 @@
 
 #include "card/session.h"
 #include "diag/log.h"
+#include "store/objects.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 
@@ -18,6 +19,7 @@ namespace {
 constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 constexpr std::size_t CENSUS_SIZE = 1536;
 constexpr int CENSUS_FAILED = 1, PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
+constexpr int DELETION_FAILED = 1;
 
 int takeCensus() {
     char census[CENSUS_SIZE] = {};
@@ -26,8 +28,24 @@ int takeCensus() {
     return code;
 }
 
+// A waiting pair has no certificate: what has one is in use.
+const char* whyInUse() {
+    const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
+    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, certificate), zv::attribute(CKA_ID, zv::pendingLabel)};
+    CK_OBJECT_HANDLE object = 0;
+    bool none = false;
+    const bool found = zv::findOne(zv::hSession, tmpl, 2, &object, none) == CKR_OK;
+    if (none) return nullptr;
+    return found ? "la coppia di chiavi da scartare ha un certificato"
+                 : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";
+}
+
 void discardPending(char* modulePath, char* pin) {
-    const int result = DeleteAllPending32(modulePath, pin, static_cast<unsigned>(zv::slotUtente), nullptr);
+    const char* reason = whyInUse();
+    if (reason != nullptr) zv::reportNotSent(reason);
+    const auto slotIndex = static_cast<unsigned>(zv::slotUtente);
+    const int result =
+        reason == nullptr ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : DELETION_FAILED;
     if (result == 0) return;
     zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();

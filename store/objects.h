@@ -65,6 +65,13 @@ CK_RV readText(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_
 /** True for a result after which an object is still worth looking at: it lacks the attribute, or hides it. */
 [[nodiscard]] bool isTolerated(CK_RV result);
 
+/**
+ * FindAnObject, which gives all ones also when its search failed: none is true only after a search that worked
+ * and found nothing.
+ */
+[[nodiscard]] unsigned long findOne(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count,
+                                    CK_OBJECT_HANDLE* object, bool& none);
+
 /** A template entry over the caller's bytes, which a module only reads. */
 [[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);
 [[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text);

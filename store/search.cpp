@@ -55,8 +55,9 @@ CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long
     return reported(title, "C_GetAttributeValue", result, "Errore nella lettura chiave sulla smartcard (%s)");
 }
 
-unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
-                           unsigned long* object) {
+unsigned long zv::findOne(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count,
+                          CK_OBJECT_HANDLE* object, bool& none) {
+    none = false;
     static char title[] = " .... FindAnObject FUN               .... ";
     zv::traceSession(title, "C_FindObjectsInit", session);
     if (zv::startSearch(session, tmpl, count) != CKR_OK) {
@@ -65,11 +66,20 @@ unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned l
     }
     unsigned long found = 0;
     unsigned long result = FindObjects(nullptr, title, session, object, 1, &found);
-    if (result == CKR_OK && found == 0) result = NONE;
+    const bool nothing = result == CKR_OK && found == 0;
+    if (nothing) result = NONE;
     if (result == CKR_OK) {
         CK_OBJECT_CLASS objectClass = 0;
         CK_ATTRIBUTE entry = zv::attributeOf(CKA_CLASS, objectClass);
         result = GetAttributeValue(nullptr, title, session, *object, &entry, 1);
     }
-    return FindObjectsFinal(nullptr, title, session) == CKR_OK ? result : NONE;
+    if (FindObjectsFinal(nullptr, title, session) != CKR_OK) return NONE;
+    none = nothing;
+    return result;
+}
+
+unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
+                           unsigned long* object) {
+    bool none = false;
+    return zv::findOne(session, tmpl, count, object, none);
 }

@@ -330,6 +330,18 @@ TEST_F(ServicesCard, SecondSignatureIsThatOfTheSameKey) {
     EXPECT_EQ(module.calls("C_Sign"), 1U);
 }
 
+TEST_F(ServicesCardWithSignature, ALivePairIsNotTheOldPendingOne) {
+    ASSERT_EQ(read().result, 0);
+    const Lines before = objects();
+    std::string pin = PIN, key = "CNS0";
+    std::vector<char> out(ZV_REQUEST_SIZE);
+    EXPECT_EQ(
+        rinnovo_Card_createCertRequestAUT(out.data(), "DS0", pin.data(), key.data(), subject.c_str(), true),
+        1);
+    EXPECT_TRUE(has(log.text(), "Operazione non inviata: la coppia di chiavi da scartare ha un certificato"));
+    EXPECT_EQ(objects(), before);
+}
+
 TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(requestOwn(), 0);

@@ -93,6 +93,27 @@ TEST_F(Guards, FaithfulBlock) {
     EXPECT_EQ(request("DS4 "), 0) << "trailing blanks of a label do not matter";
 }
 
+// What the dispatcher stops fails as a deletion that did not come about.
+class Discarding : public PendingFlow {
+  protected:
+    void expectKept(int result, const std::string& reason) {
+        EXPECT_EQ(result, 1) << reason;
+        EXPECT_TRUE(has(log.text(), "[]: Operazione non inviata: " + reason)) << log.text();
+        EXPECT_TRUE(has(log.text(), "Cancellazione Oggetti\nErrore = 0x1\n")) << reason;
+        EXPECT_EQ(module.calls("C_DestroyObject") + module.calls("C_GenerateKeyPair"), 0u) << reason;
+        EXPECT_EQ(objects(), before);
+        module.reset(), log.clear();
+    }
+};
+
+TEST_F(Discarding, LeavesACertifiedPair) {
+    expectKept(request("AUTHCertificate0", "DS0", true), "la coppia di chiavi da scartare ha un certificato");
+    for (const char* rule : {"Init:2:answer:0x30", ":11:answer:0xFFFFFFFFFFFFFFFF", "Final:2:answer:0x30"}) {
+        module.add_rules(std::string("C_FindObjects") + rule);
+        expectKept(request("DS3", "DS0", true), "la ricerca del certificato");
+    }
+}
+
 // Without a name and a certificate no command comes to an end, whatever else is there.
 TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
     ASSERT_EQ(read().result, 0);
