@@ -90,6 +90,7 @@ int miExecCmd(const char* command, char* block, long, char* out, long* outLen) {
     const auto found = zv::parseBlock(zv::orEmpty(block), *record);
     zv::publish(*record, found);
     zv::slotUtente = slotOf(*record);
+    const zv::CommandSlot held(static_cast<CK_SLOT_ID>(static_cast<long>(zv::slotUtente)));
     // Handles of an earlier command died with its session.
     zv::hPrivateKey = 0;
     zv::hPublicKey = 0;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <optional>
 
 #include "card/session.h"
 #include "diag/log.h"
@@ -67,16 +68,27 @@ int loadModule(const char* path) {
     return 0;
 }
 
-CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot) {
+// Set while a command runs.
+std::optional<CK_SLOT_ID> commandSlot;
+
+bool staysOn(CK_SLOT_ID slot) {
+    return !commandSlot || *commandSlot == slot;
+}
+
+void traceList(const CK_SLOT_ID* slots, CK_ULONG count) {
+    char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots));
+    WriteLog(FULL_TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
+    zv::trace(FULL_TITLE, "C_GetSlotList FALSE");
+}
+
+CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot, bool traced) {
     CK_ULONG count = 0;
     CK_RV result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count);
     if (result != CKR_OK) return result;
     count = std::min(count, zv::MOST_SLOTS);
     const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[count + 1]());
     if (slots == nullptr) return CKR_HOST_MEMORY;
-    char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots.get()));
-    WriteLog(FULL_TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
-    zv::trace(FULL_TITLE, "C_GetSlotList FALSE");
+    if (traced) traceList(slots.get(), count);
     CK_ULONG listed = count;
     result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, slots.get(), &listed);
     if (result != CKR_OK) return result;
@@ -85,16 +97,29 @@ CK_RV listSlots(unsigned slotIndex, CK_SLOT_ID& slot) {
     return CKR_OK;
 }
 
-int findSlot(unsigned slotIndex) {
-    if (slotIndex < zv::CACHED_SLOTS && zv::vettoreSlotID[slotIndex] != 0) {
-        zv::slotID = zv::vettoreSlotID[slotIndex];
-        return 0;
+bool isCached(unsigned slotIndex) {
+    return slotIndex < zv::CACHED_SLOTS && zv::vettoreSlotID[slotIndex] != 0;
+}
+
+CK_RV lookUpSlot(unsigned slotIndex, CK_SLOT_ID& slot) {
+    if (isCached(slotIndex)) {
+        slot = zv::vettoreSlotID[slotIndex];
+        return CKR_OK;
     }
     zv::trace(FULL_TITLE, "C_GetSlotList FALSE", CatItoA("SlotNum = ", static_cast<int>(slotIndex)));
-    rv = slotIndex < zv::CACHED_SLOTS ? listSlots(slotIndex, zv::slotID) : CKR_SLOT_ID_INVALID;
-    if (rv != CKR_OK) return fail("C_GetSlotList", "Errore nella ricerca slots (%s)");
-    zv::vettoreSlotID[slotIndex] = zv::slotID;
-    return 0;
+    return rv = slotIndex < zv::CACHED_SLOTS ? listSlots(slotIndex, slot, true) : CKR_SLOT_ID_INVALID;
+}
+
+int findSlot(unsigned slotIndex) {
+    CK_SLOT_ID slot = 0;
+    CK_RV result = lookUpSlot(slotIndex, slot);
+    if (result == CKR_OK && !staysOn(slot)) result = rv = CKR_SLOT_ID_INVALID;
+    if (result == CKR_OK) {
+        zv::slotID = zv::vettoreSlotID[slotIndex] = slot;
+        return 0;
+    }
+    if (commandSlot && result == CKR_SLOT_ID_INVALID) zv::reportNotSent(zv::OTHER_SLOT);
+    return fail("C_GetSlotList", "Errore nella ricerca slots (%s)");
 }
 
 int open() {
@@ -120,6 +145,25 @@ int logIn(const char* pin, int userType) {
 }
 
 } // namespace
+
+namespace zv {
+
+CommandSlot::CommandSlot(CK_SLOT_ID slot) {
+    commandSlot = slot;
+}
+
+CommandSlot::~CommandSlot() {
+    commandSlot.reset();
+}
+
+bool loginStays(unsigned slotIndex) {
+    if (!commandSlot) return true;
+    if (isCached(slotIndex)) return staysOn(vettoreSlotID[slotIndex]);
+    CK_SLOT_ID slot = 0;
+    return slotIndex < CACHED_SLOTS && listSlots(slotIndex, slot, false) == CKR_OK && staysOn(slot);
+}
+
+} // namespace zv
 
 int inizializza(char* libPath, char* pin, unsigned int slotIndex, void*, int userType) {
     zv::trace(FULL_TITLE, "I N I Z I O");

@@ -49,6 +49,25 @@ template <auto Entry, typename... Arguments> CK_RV call(Arguments... arguments) 
 
 using Functions = CK_FUNCTION_LIST;
 
+/**
+ * While a command runs, the slot that its session is opened on. A login by slot index that would reach
+ * another one is refused: the PIN is for this card.
+ */
+class CommandSlot {
+  public:
+    explicit CommandSlot(CK_SLOT_ID slot);
+    CommandSlot(const CommandSlot&) = delete;
+    CommandSlot& operator=(const CommandSlot&) = delete;
+    ~CommandSlot();
+};
+
+/** Why a login that would leave the command's slot is refused, for the log. */
+inline constexpr char OTHER_SLOT[] = "il nuovo login non raggiungerebbe la stessa carta";
+
+/** False when inizializza with this slot index would not reach the command's slot; true when no command runs.
+ * Asks the module for its slots at most, and leaves zv::rv and the log alone. */
+[[nodiscard]] bool loginStays(unsigned slotIndex);
+
 /** Opens a read/write session on a slot into hSession. */
 [[nodiscard]] CK_RV openSession(CK_SLOT_ID slot);
 

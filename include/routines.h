@@ -263,8 +263,9 @@ ZV_API CK_RV __Initialize(int slot, char* pin, char* libPath);
  * Closes what is open, loads a module, opens a read/write session on a slot index and logs the user in.
  *
  * The identifier found for an index is kept for the process and not looked up again, unless it is 0;
- * miExecCmd puts that of its own session there. A module that is initialised already and a user who is logged
- * in already are failures here.
+ * miExecCmd puts that of its own session there. While it runs, an index that leads to another slot than that
+ * session's counts as one that is not in the list: no session is opened, nothing kept. A module that is
+ * initialised already and a user who is logged in already are failures here.
  *
  * @param[in] libPath    path of the module; null and empty never load
  * @param[in] pin        user PIN; null and empty open the session without a login
@@ -714,7 +715,9 @@ ZV_API unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsi
  * Takes the census, discards an old pending pair when asked to, makes the request and closes the session.
  *
  * The old pair is discarded (DeleteAllPending32) when the census finds a pending key and the keep flag is
- * 'D'. A census or a deletion that fails closes the session, and the request fails for want of one.
+ * 'D', unless a certificate has the pending label as its CKA_ID, or inside miExecCmd the new login would not
+ * reach the slot in use: both count as a deletion that failed. A census or a deletion that fails closes the
+ * session, and the request fails for want of one.
  *
  * @param[in,out] pemOut      8192 bytes, an empty text before; logged whatever the result
  * @param[in]     modulePath  path of the module
@@ -876,7 +879,8 @@ ZV_API unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const ch
  *
  * Labels, keep flag and subject that the block names become those of the library, and stay so when the
  * command fails. The handles of the pending pair are forgotten. The slot digit, 0 to 7, is the index for a
- * new login, which finds the slot of the opened session there (for 0, the module's first slot). A block
+ * new login, which finds the slot of the opened session there or is refused (0 is looked up as the module's
+ * first slot). A block
  * without "BEGIN_STRING" leaves the record empty, and the command runs all the same; one that was cut runs
  * with what is left of it, and without a keep flag of "R" it deletes. What guards against that stands at the
  * entry points.

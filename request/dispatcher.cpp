@@ -40,12 +40,18 @@ const char* whyInUse() {
                  : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";
 }
 
-void discardPending(char* modulePath, char* pin) {
+// Asked in front of a deletion, which cannot be taken back.
+bool mayDiscard(unsigned slotIndex) {
     const char* reason = whyInUse();
+    if (reason == nullptr && !zv::loginStays(slotIndex)) reason = zv::OTHER_SLOT;
     if (reason != nullptr) zv::reportNotSent(reason);
+    return reason == nullptr;
+}
+
+void discardPending(char* modulePath, char* pin) {
     const auto slotIndex = static_cast<unsigned>(zv::slotUtente);
     const int result =
-        reason == nullptr ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : DELETION_FAILED;
+        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : DELETION_FAILED;
     if (result == 0) return;
     zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();

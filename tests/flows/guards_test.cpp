@@ -114,6 +114,41 @@ TEST_F(Discarding, LeavesACertifiedPair) {
     }
 }
 
+TEST_F(Discarding, AndRetryingStayOnTheCard) {
+    CK_FUNCTION_LIST& list = *module.list();
+    static CK_C_OpenSession open;
+    open = list.C_OpenSession;
+    list.C_OpenSession = [](CK_SLOT_ID slot, CK_FLAGS flags, void* data, CK_NOTIFY notify,
+                            CK_SESSION_HANDLE_PTR session) {
+        return open(slot == 8 ? 0 : slot, flags, data, notify, session);
+    };
+    const std::string reason = "il nuovo login non raggiungerebbe la stessa carta";
+    zv::slot = 8;
+    expectKept(request("DS3", "DS0", true), reason);
+    zv::slot = 0;
+    list.C_GetSlotList = [](CK_BBOOL, CK_SLOT_ID_PTR slots, CK_ULONG_PTR count) {
+        if (slots != nullptr) slots[0] = 5, slots[1] = 0;
+        *count = 2;
+        return CK_RV{CKR_OK};
+    };
+    expectKept(request("DS3", "DS0", true), reason);
+    for (const char* refused : {"C_Sign", "C_GenerateKeyPair"}) {
+        module.add_rules(refused + std::string(":1:answer:0x101"));
+        EXPECT_EQ(request(refused[2] == 'S' ? "DS3" : "DS4"), 1);
+        EXPECT_TRUE(has(log.text(), reason + "\n** ")) << log.text();
+        EXPECT_TRUE(has(log.text(), "Errore nella ricerca slots (")) << refused;
+        EXPECT_EQ(module.calls("C_OpenSession"), 1u) << refused;
+        EXPECT_EQ(zv::vettoreSlotID[0], 0u);
+        module.reset(), log.clear();
+    }
+    EXPECT_EQ(objects(), before);
+    EXPECT_EQ(request("DS4", "DS0", true), 0) << "nothing to discard";
+    std::string pin = PIN, library = path();
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_EQ(zv::vettoreSlotID[0], 5u) << "a host's own login goes where it went";
+    EXPECT_FALSE(has(log.text(), reason));
+}
+
 // Without a name and a certificate no command comes to an end, whatever else is there.
 TEST_F(Flow, ACommandBlockThatEndsAnywhereIsRefusedAndLeavesNothingOpen) {
     ASSERT_EQ(read().result, 0);
