@@ -33,16 +33,21 @@
  *     pair whose old request is kept); a request whose pendingLabel is part of keyId; storing whose
  *     pendingLabel is a proper part of certLabel; whatever would delete "CNS0" (a request that discards a
  *     pending "CNS0", storing with deletion and a certLabel that is part of "CNS0"); storing with deletion
- *     and a certLabel that is part of pendingLabel; and values that would not come through the command block
- *     as they are: longer than their fields or than the block, with a line feed or a key of the block inside,
- *     a PIN of more than 31 characters or with trailing blanks, a slot above 9. Two more leave result and
- *     texts as they are without them: after a PIN that the first login of a reading was refused with, the
- *     second is left out; and no call goes to a module that is not loaded or gave no function list. See
- *     docs/guards.md.
+ *     and a certLabel that is part of pendingLabel; a request whose subject has no known attribute, or would
+ *     lose one for its length; and values that would not come through the command block as they are: longer
+ *     than their fields or than the block, with a line feed or a key of the block inside, a PIN of more than
+ *     31 characters or with trailing blanks, a slot above 9. Two stand in front of the deletion of an old
+ *     pending pair, with the same line and the result 1 of a deletion that failed: the pair has a
+ *     certificate, or the search for one failed; the login that follows the deletion would not reach the slot
+ *     in use (0 that is not the first of the module's list, 8, 9). A login anew within a call that would not
+ *     reach it is not made either. Two more leave result and texts as they are without them: after a PIN that
+ *     the first login of a reading was refused with, the second is left out; and no call goes to a module
+ *     that is not loaded or gave no function list. See docs/guards.md.
  * 11. The PIN: an empty one is sent to the card like any other and costs a try. Reading logs in twice (once
  *     for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
  *     login is left out, so that one typing error costs one try. A request logs in twice as well: for the
- *     pair, and for the signed wrapping.
+ *     pair, and for the signed wrapping; three times when it discards a pair, after which the session is
+ *     opened anew.
  */
 #ifndef ZV_RENEW_H
 #define ZV_RENEW_H
@@ -109,7 +114,8 @@ extern ZV_API bool is1205SerialToken;
 
 /**
  * Italian texts of the PKCS#11 results, indexed by result code (PKCS#11 section 11.1); empty until
- * loadErrorCodes. Codes of 512 and more have no text: check before indexing.
+ * loadErrorCodes. Only results from 0 to 511 are an index: ZV_UNUSABLE, ZV_NOT_SENT and any other negative
+ * result are none, nor are codes of 512 and more. Check before indexing.
  */
 extern ZV_API char errorMessages[512][512];
 
@@ -151,7 +157,9 @@ ZV_API void set_ATRini_path(const char* dir);
  *
  * @param[in]  reader        reader to use; null: the first that holds a card. The first slot whose
  *                           description is part of the reader's name is taken: of a reader "X" and one "X
- *                           01", "X" answers for both. A text containing ".dll" is taken as the module path
+ *                           01", "X" answers for both, and the PIN goes there. A description holds 64
+ *                           characters: of readers whose names agree in 64, the first slot with a card
+ *                           answers for all. A text containing ".dll" is taken as the module path
  *                           itself: no detection, slot 0, services card
  * @param[in]  pin           user PIN; see convention 11
  * @param[in]  reservedInt   not used
@@ -212,18 +220,27 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *                           be empty, nor a part of keyId
  * @param[in]  pin           user PIN, at most 31 characters, no trailing blank
  * @param[in]  keyId         identifier of the card's key that signs the wrapping (the certificate being
- *                           renewed). On a services card the identifier "CNS0" goes through
- *                           rinnovo_Card_createCertRequestAUT
- * @param[in]  dn            subject: attributes as OID and "=" ("2.5.4.6=IT2.5.4.3=NAME...", as the records
- *                           give them), or "/OU=", "/emailAddress=", "/gn=", "/serialNumber=", in these
- *                           letters; other names ("/CN=") are not known, and an OID inside a value starts a
- *                           new attribute. Values are cut to 64 bytes (country 2, description, e-mail and
- *                           locality 127), not within a character of UTF-8; the subject is worked on in a
- *                           text of 1023 bytes and loses what goes past it. A sixth organisational unit
- *                           is ignored. Without any attribute the request fails with 1 and leaves
- *                           szSockMsg alone
- * @param[in]  keepFlag      true *discards* an old pending pair named pendingLabel before the request: a
- *                           certificate issued for it can no longer be stored. False keeps and reuses it
+ *                           renewed), whole and without blanks behind it: with them the pair is made, and
+ *                           then no key is found to sign. On a services card the identifier "CNS0" goes
+ *                           through rinnovo_Card_createCertRequestAUT
+ * @param[in]  dn            subject: attributes as OID and "=", one directly behind the other
+ *                           ("2.5.4.6=IT2.5.4.3=NAME...", as the records give them), or "/OU=",
+ *                           "/emailAddress=", "/gn=", "/serialNumber=", in these letters. Other names
+ *                           ("/CN=") are not known, and an OID inside a value starts a new attribute. There
+ *                           is no separator: whatever stands between two attributes (", ", "/", an unknown
+ *                           one) belongs to the value in front of it, but for trailing blanks; in front of
+ *                           the first it is dropped. Values are cut to 64 bytes (country 2, description,
+ *                           e-mail and locality 127), never within a character of UTF-8. A sixth
+ *                           organisational unit is ignored; an attribute that comes again takes the place of
+ *                           the first. At most 1023 bytes, as given and with names written as OIDs and one
+ *                           byte more for each attribute: what is longer and would lose an attribute is
+ *                           stopped, as is a subject without any
+ * @param[in]  keepFlag      true *discards*, before the request, the old pending pair whose CKA_ID is exactly
+ *                           pendingLabel: a certificate issued for it can no longer be stored. It is looked
+ *                           for when a public key has the CKA_LABEL pendingLabel, as a request leaves it, or
+ *                           a private key one that begins "pending_"; else nothing is discarded. A pair that
+ *                           has a certificate stays, and the request fails. False keeps an old pair and uses
+ *                           it again
  *
  * @return 0; -10000 a guard, or a request too large; 1 the request machinery (szSockMsg may hold the reason);
  *         100 a temporary file; -1 no module (no reading before) or no memory; a PKCS#11 result of the
@@ -231,7 +248,8 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  * After a failure: the pair, if it was generated, stays on the card under pendingLabel, and the next call
  * with that label uses it again; with keepFlag true an old pair may be gone. When only half of it is there
  * the discarding fails, and with it the request. The temporary files (/tmp/tmpReqFile, /tmp/szP7MName,
- * /tmp/szP7MNameB64; no secrets) are left.
+ * /tmp/szP7MNameB64; no secrets) are left. With another maker's crypto library the card may stay logged in,
+ * to any PIN, when the wrapping failed: DoFinalize ends that.
  */
 ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
@@ -241,8 +259,9 @@ ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendi
  * own pair.
  *
  * For "CNS0" no pair is generated: the card's key is used, the subject has no title and no pseudonym, and a
- * marker object "pending_CNS_key" says that a request is under way. pendingLabel is then not used by the
- * request; storing wants "CNS0". Everything else as rinnovo_Card_createCertRequestPRA.
+ * marker object "pending_CNS_key" says that a request is under way. pendingLabel then names no pair of the
+ * request, but with keepFlag true the old pending pair of that name is discarded all the same; storing wants
+ * "CNS0". Everything else as rinnovo_Card_createCertRequestPRA.
  */
 ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
@@ -286,7 +305,9 @@ ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLab
  * For "CNS0" pendingLabel is "CNS0" too. As rinnovo_Card_saveCertPRA, but an empty certLabel becomes
  * "AUTHCertificate0" (room for 17 characters), and the authority's certificate is left alone. For "CNS0" with
  * keepOld false only the certificate with exactly that identifier is removed, first of all: after a failure a
- * second try with keepOld false fails because it is gone (result -1); repeat with keepOld true. The marker
+ * second try with keepOld false fails because it is gone (result -1); repeat with keepOld true. Over a "CNS0"
+ * that is still there, keepOld true leaves two certificates of that identifier, where the card takes a second
+ * (else 1); keepOld false then removes the first that the card gives, be it the new one. The marker
  * "pending_CNS_key" is removed once the certificate is stored.
  */
 ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLabel, char* certChain,
@@ -303,7 +324,10 @@ ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLab
  */
 ZV_API int DoInitialize(char* libPath, char* pin);
 
-/** Closes the crypto library's own session. Returns 0, or the crypto library's code. */
+/**
+ * Closes the crypto library's own session, also one that a failed request left. Returns 0, or the crypto
+ * library's code.
+ */
 ZV_API int DoFinalize(void);
 
 #ifdef __cplusplus
