@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <memory>
 
@@ -19,21 +20,37 @@ constexpr std::size_t PATH_LENGTH = 512;
 
 using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
 
-// A link is not followed, and whatever is not a plain file is left alone: a log must not be led elsewhere.
+// A link is not followed, and whatever is not a plain file of the user's own is left alone: a log must not be led
+// elsewhere.
 File openPlain(const char* path, int flags, const char* mode) {
     File none(nullptr, &std::fclose);
     const int descriptor = ::open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0) return none;
     struct stat status {};
     std::FILE* file = nullptr;
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) file = ::fdopen(descriptor, mode);
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid())
+        file = ::fdopen(descriptor, mode);
     if (file == nullptr) ::close(descriptor);
     return {file, &std::fclose};
 }
 
+// The log of an older version, or a copy, may be open to others. Once a path: a mode given later is the user's wish.
+void makePrivate(std::FILE* log) {
+    static char done[PATH_LENGTH + 1];
+    if (std::strcmp(done, getLogPath()) == 0) return;
+    zv::copyText(done, getLogPath());
+    [[maybe_unused]] const int made = ::fchmod(::fileno(log), 0600);
+}
+
+void empty(std::FILE* file) {
+    [[maybe_unused]] const int emptied = ::ftruncate(::fileno(file), 0);
+}
+
 // A log that cannot be opened or written stops nothing: there is nowhere to say so.
 File openLog() {
-    return openPlain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
+    File log = openPlain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
+    if (log != nullptr) makePrivate(log.get());
+    return log;
 }
 
 template <std::size_t N> void formatTime(char (&prefix)[N], const char* format) {
@@ -48,8 +65,9 @@ void emptyLog(std::FILE* log, const char* prefix) {
     char companion[PATH_LENGTH + 1] = {};
     zv::copyText(companion, PATH_LENGTH - 1, getLogPath());
     zv::appendText(companion, ".1");
-    openPlain(companion, O_WRONLY | O_CREAT | O_TRUNC, "w");
-    [[maybe_unused]] const int emptied = ::ftruncate(::fileno(log), 0);
+    const File beside = openPlain(companion, O_WRONLY | O_CREAT, "w");
+    if (beside != nullptr) empty(beside.get());
+    empty(log);
     (void)std::fseek(log, 0, SEEK_END);
     for (const char* line :
          {"----------------------------------", "zvRenew", ZV_VERSION, "----------------------------------"})

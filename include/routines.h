@@ -180,10 +180,11 @@ ZV_API char* getLogPath(void);
  *
  * A log of more than 1,048,576 bytes is emptied first: what it held is lost, a file with ".1" behind the
  * log's name is created empty, and the log begins with four lines that name the library. A missing log is
- * created with mode 0600, its directory is not.
+ * created with mode 0600, its directory is not; one that is there gets that mode once a process.
  *
  * @param[in] message  the text; null and empty become "MESSAGGIO VUOTO!"
- * After a failure (a log that cannot be opened, a link, no plain file): nothing is written, nobody is told.
+ * After a failure (a log that cannot be opened, a link, no plain file, another user's): nothing is written, nobody is
+ * told.
  */
 ZV_API void scriviLog(const char* message);
 /**
@@ -391,7 +392,8 @@ ZV_API unsigned int DeleteCertCA(unsigned long session, char* id, char* kind);
  * No caller inside the library. Each destroyed object is followed by a new search. A label that is hidden or
  * missing counts as empty.
  *
- * @return 0; 1 when a call failed, a label of more than 8192 bytes included
+ * @return 0; 1 when a call failed, a label of more than 8192 bytes included, or an object is found again after it
+ *         was destroyed
  * After a success: the last search is left open. After a failure: it is closed; what was destroyed is gone.
  */
 ZV_API int DeleteAllPending(void*);

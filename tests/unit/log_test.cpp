@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -57,6 +58,31 @@ TEST(Log, IsNeverLedElsewhere) {
     log.use(log.folder() / "pipe");
     ASSERT_EQ(::mkfifo(log.path().c_str(), 0600), 0);
     scriviLog("does not wait for a reader");
+    if (::geteuid() != 0) return;
+    const std::string companion = (log.folder() / "pipe.1").string();
+    for (const std::string& name : {log.path().string(), companion}) {
+        std::filesystem::remove(name);
+        std::ofstream(name) << "another user's";
+        ASSERT_EQ(::chown(name.c_str(), 65534, 65534), 0);
+    }
+    scriviLog("line");
+    EXPECT_EQ(log.raw(), "another user's");
+    std::filesystem::remove(log.path());
+    std::ofstream(log.path()) << std::string(1'048'577, 'x');
+    scriviLog("line");
+    EXPECT_EQ(std::filesystem::file_size(companion), 14u);
+}
+
+TEST(Log, IsMadePrivateOnce) {
+    const LogFile log;
+    std::ofstream(log.path()) << "of an older version\n";
+    const auto modeAfter = [&log](mode_t mode) {
+        ::chmod(log.path().c_str(), mode);
+        WriteLog("t", "", 0, "", 0);
+        return static_cast<unsigned>(std::filesystem::status(log.path()).permissions());
+    };
+    EXPECT_EQ(modeAfter(0644), 0600u);
+    EXPECT_EQ(modeAfter(0640), 0640u) << "the user's own wish";
 }
 
 TEST(Log, Records) {
