@@ -68,6 +68,12 @@ TEST_F(Store, PendingPrefixIsDeletedWithANewSearchEach) {
     EXPECT_EQ(module.calls("C_FindObjectsFinal"), 3u) << "the last search stays open";
     zv::endSearch(zv::hSession);
     EXPECT_TRUE(has(log.text(), "**  .... DeleteAllPending (Objects) FUN .... \nC_FindObjectsInit\n"));
+    addData("pending_a", "1");
+    addData("pending_b", "1");
+    module.reset();
+    module.add_rules("C_DestroyObject:2+:answer:0");
+    EXPECT_EQ(DeleteAllPending(nullptr), 1) << "one that stays is not destroyed without end";
+    EXPECT_EQ(module.calls("C_DestroyObject"), 2u);
 }
 
 TEST_F(Store, PrivateKeyDecidesWhetherAPairIsPending) {
