@@ -1,5 +1,6 @@
 #include "tests/flows/flow.h"
 
+#include "install/certificate_object.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/renewal.h"
 #include "simcard/common/card_folder.h"
@@ -117,21 +118,11 @@ std::vector<std::string> Flow::objects() {
 void Flow::add(const std::vector<std::string>& certificates, const std::vector<std::string>& pairs) {
     std::string pin = PIN, library = path();
     ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
-    CK_OBJECT_HANDLE made = 0;
-    for (std::string id : pairs) {
-        Pair pair;
+    Pair pair;
+    for (const std::string& id : pairs)
         ASSERT_EQ(generate(module, zv::hSession, id, pair), CKR_OK);
-    }
-    for (std::string id : certificates) {
-        CK_OBJECT_CLASS kind = CKO_CERTIFICATE;
-        CK_CERTIFICATE_TYPE type = CKC_X_509;
-        CK_BBOOL yes = CK_TRUE;
-        CK_ATTRIBUTE entries[] = {attribute(CKA_CLASS, kind), attribute(CKA_CERTIFICATE_TYPE, type),
-                                  attribute(CKA_TOKEN, yes),  attribute(CKA_ID, id),
-                                  attribute(CKA_LABEL, id),   attribute(CKA_SUBJECT, id),
-                                  attribute(CKA_VALUE, id)};
-        ASSERT_EQ(module->C_CreateObject(zv::hSession, entries, std::size(entries), &made), CKR_OK);
-    }
+    for (const std::string& id : certificates)
+        ASSERT_EQ(zv::createCertificate("", {}, 1, id.c_str(), {}), CKR_OK);
     finalizza();
 }
 

@@ -95,12 +95,6 @@ TEST_F(Flow, NotLoggedInEndsTheRequestWhenTheNewLoginSucceeds) {
     EXPECT_EQ(triesLeft(), 3);
 }
 
-TEST(PublicKey, IsAsLongAsItsModulusWithoutLeadingZeros) {
-    zv::PublicKey key;
-    key.modulus[1] = 0x80, key.modulusLength = 129;
-    EXPECT_EQ(key.size(), 128u);
-}
-
 TEST_F(Flow, SignatureFailuresNameTheirCode) {
     ASSERT_EQ(read().result, 0);
     module.add_rules("C_SignInit:1:answer:0x60");
@@ -115,16 +109,18 @@ TEST_F(Flow, SignatureFailuresNameTheirCode) {
     for (const std::string kind : {"length", "unavailable", "brief"}) {
         module.add_rules("C_Sign:1:absurd:" + kind);
         EXPECT_EQ(request(), 1) << "a signature of another length than the modulus is none";
-        EXPECT_TRUE(std::string(szSockMsg).ends_with("pending sulla smartcard (error 1)")) << szSockMsg;
+        EXPECT_TRUE(has(szSockMsg, "pending sulla smartcard (error 1)")) << szSockMsg;
         module.reset();
-        module.add_rules("C_GetAttributeValue:52:absurd:" +
-                         kind); // of the key, behind census and pending pair
+        // Of the key, behind census and pending pair.
+        module.add_rules("C_GetAttributeValue:52:absurd:" + kind);
         EXPECT_EQ(request(), 1) << "no number is read, the exponent alone may lack";
-        EXPECT_TRUE(std::string(szSockMsg).starts_with("Errore nella lettura del modulo/esponente"))
-            << szSockMsg;
+        EXPECT_TRUE(has(szSockMsg, "Errore nella lettura del modulo/esponente")) << szSockMsg;
     }
     EXPECT_TRUE(has(log.text(), "C_Sign\nErrore = 0x193\n** Messaggio di Errore\nFirma della sequenza"));
     EXPECT_EQ(request(), 0) << "the pair is used again";
+    zv::PublicKey key;
+    key.modulus[1] = 0x80, key.modulusLength = 129;
+    EXPECT_EQ(key.size(), 128u) << "a zero in front is no part of its length";
 }
 
 TEST_F(Flow, FailuresOfTheSigningStep) {
