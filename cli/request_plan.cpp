@@ -1,6 +1,7 @@
 #include "cli/request_plan.h"
 
 #include "cli/advice.h"
+#include "cli/card_json.h"
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
@@ -32,13 +33,16 @@ CertificateRecord certificate_to_renew(const RequestOptions& options, const Inve
 void stop_unless_due(const RequestOptions& options, const CertificateRecord& old) {
     const std::time_t now = std::time(nullptr);
     if (options.force || ends_within(old.ends, options.days, now)) return;
-    throw Stop(Exit::nothing_due,
-               fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.",
-                           kind_name(options.kind), old.id, day_of(old.ends), days_until(old.ends, now)),
-               Advice{"force",
-                      fmt::format("It is due {} days before. To renew it now all the same, give --force.",
-                                  options.days),
-                      {{"due_in_days", days_until(old.ends, now) - options.days}}});
+    Stop stop(Exit::nothing_due,
+              fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.",
+                          kind_name(options.kind), old.id, day_of(old.ends), days_until(old.ends, now)),
+              Advice{"force",
+                     fmt::format("It is due {} days before. To renew it now all the same, give --force.",
+                                 options.days),
+                     {{"due_in_days", days_until(old.ends, now) - options.days}}});
+    stop.facts = {
+        {"renews", old.id}, {"not_after", instant(old.ends)}, {"days_left", days_until(old.ends, now)}};
+    throw stop;
 }
 
 // A request for a services card's own certificate leaves these out.
