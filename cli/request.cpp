@@ -51,7 +51,7 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now) {
     const Json pair = {{"pair", plan.pair}};
     if (key_failed() && plan.old.kind == Kind::services)
         return {
-            "other-card",
+            "own-keys",
             "Repeat the request with the card in the reader. If that fails in the same way, the card's own "
             "keys are of no use for a request: its issuer has to help.",
             pair};

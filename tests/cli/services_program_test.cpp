@@ -69,6 +69,9 @@ TEST_F(ServicesProgramTest, RefusesWhatItsRequestCannotDo) {
         EXPECT_EQ(outcome.code, 2) << outcome.err;
         EXPECT_EQ(outcome.calls, "") << options;
     }
+    EXPECT_TRUE(
+        with_pin("request services", "C_Sign:1:absurd:brief").says("keys are of no use for a request"));
+    EXPECT_EQ(with_pin("request services").code, 0) << "as advised";
 }
 
 } // namespace
