@@ -28,8 +28,8 @@ TEST_F(RequestProgramTest, StopsWhenNothingIsDueUnlessForced) {
 TEST_F(RequestProgramTest, RefusesASubjectAndAFileBeforeAnyCall) {
     make_card();
     simcard::write_file(file("there"), "mine", simcard::Access::owner_only);
-    for (const char* options : {"--subject /OU=1/OU=2/OU=3/OU=4/OU=5/OU=6", "--subject Ada", "--out there",
-                                "--out no/such/folder"}) {
+    for (const char* options : {"--subject /OU=1/OU=2/OU=3/OU=4/OU=5/OU=6", "--subject Ada",
+                                "--subject 9.9=Ada", "--out there", "--out no/such/folder"}) {
         const Outcome outcome = with_pin(std::string("request signature ") + options);
         EXPECT_EQ(outcome.code, 2) << options;
         EXPECT_EQ(outcome.calls, "") << options;
