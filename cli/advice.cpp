@@ -25,7 +25,7 @@ Advice make_room() {
             "card's own software; then run the same command again."};
 }
 
-Advice add_card() {
+Advice enter_card() {
     return {"add-card",
             "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "
             "/etc/zvcrypt.conf with the "

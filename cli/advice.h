@@ -20,7 +20,7 @@ namespace cli {
 [[nodiscard]] Advice make_room();
 
 /// What to do about a card of an unknown kind.
-[[nodiscard]] Advice add_card();
+[[nodiscard]] Advice enter_card();
 
 /// What to do without a service for card readers.
 [[nodiscard]] Advice start_service();

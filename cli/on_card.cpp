@@ -11,7 +11,7 @@ const char* certificates_in_words(std::size_t count, bool private_key) {
     return private_key ? "certificate and keys" : "certificate alone";
 }
 
-const char* in_words(const Held& held) {
+const char* state_of(const Held& held) {
     if (held.certificates > 0) return certificates_in_words(held.certificates, held.private_key);
     if (held.public_key && held.private_key) return "keys without a certificate";
     if (held.private_key) return "private key alone";
@@ -26,7 +26,7 @@ std::string OnCard::in_words() const {
     std::vector<std::string> parts;
     parts.reserve(held.size());
     for (const Held& one : held)
-        parts.push_back(fmt::format("{} ({})", one.id, cli::in_words(one)));
+        parts.push_back(fmt::format("{} ({})", one.id, state_of(one)));
     return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
 }
 

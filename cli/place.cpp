@@ -88,7 +88,7 @@ void require_known_card(const Reader& reader) {
                    Advice{"insert-card", "Put the card in."});
     Stop stop(Exit::refused,
               fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
-    if (reader.state == "unknown card") stop.advice.push_back(add_card());
+    if (reader.state == "unknown card") stop.advice.push_back(enter_card());
     if (reader.state == "mute card")
         stop.advice.push_back({"insert-card", "Take the card out and put it in the right way round."});
     stop.about({{"reader", reader.name}});

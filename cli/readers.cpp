@@ -61,7 +61,7 @@ Report run_readers(const CommonOptions& options) {
     }
     if (std::any_of(readers.begin(), readers.end(),
                     [](const Reader& one) { return one.state == "unknown card"; }))
-        report.advice.push_back(add_card());
+        report.advice.push_back(enter_card());
     return report;
 }
 

@@ -5,7 +5,17 @@ namespace {
 using zvtest::Outcome;
 using zvtest::ProgramTest;
 
-class ListProgramTest : public ProgramTest {};
+class ListProgramTest : public ProgramTest {
+  protected:
+    /// Removes a certificate and its keys, as the advice says.
+    void remove_with_other_software(const std::string& hex) {
+        ASSERT_EQ(shell("for t in cert pubkey privkey; do pkcs11-tool --module " ZVSIMCARD_MODULE
+                        " --login --pin 12345678 --delete-object --type $t --id " +
+                        hex + " || exit; done")
+                      .code,
+                  0);
+    }
+};
 
 TEST_F(ListProgramTest, MarksWhatIsDue) {
     make_card(12);
@@ -42,6 +52,9 @@ TEST_F(ListProgramTest, AnswersThatNoIdentifierIsFree) {
     EXPECT_TRUE(outcome.says("DS3, DS4 and DS5 are taken"));
     EXPECT_FALSE(outcome.changed_card());
     EXPECT_FALSE(std::filesystem::exists(file("r")));
+    EXPECT_EQ(json("list --days 60")["advice"][0]["key"], "free-identifier");
+    remove_with_other_software("445334");
+    EXPECT_TRUE(with_pin("request signature --force --out r").says("the new pair DS4"));
 }
 
 TEST_F(ListProgramTest, SaysInJsonToo) {
@@ -89,11 +102,7 @@ TEST_F(ListProgramTest, SaysThatACardIsFullAndWhatHelps) {
     ASSERT_EQ(shell("sed -i 's/^capacity.*/capacity = 7/' $ZVSIMCARD_HOME/card/card.ini").code, 0);
     const auto answer = json("request signature --out r");
     EXPECT_EQ(answer["advice"][0]["key"], "make-room") << answer;
-    ASSERT_EQ(shell("for t in cert pubkey privkey; do pkcs11-tool --module " ZVSIMCARD_MODULE
-                    " --login --pin 12345678"
-                    " --delete-object --type $t --id 41555448436572746966696361746530 || exit; done")
-                  .code,
-              0);
+    remove_with_other_software("41555448436572746966696361746530");
     EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 
