@@ -154,6 +154,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["removed"] = plan.removed;
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
     report.json["on_card"] = now.contents.as_json();
+    report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
                               kind_name(plan.kind), plan.pair, old_in_words(plan));

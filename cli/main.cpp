@@ -4,11 +4,13 @@
 #include "cli/log_folder.h"
 #include "cli/note.h"
 #include "cli/outcome.h"
+#include "cli/output.h"
+#include "cli/signals.h"
 #include "zvRenew.h"
 
 #include <cstdio>
 #include <exception>
-#include <fmt/format.h>
+#include <iostream>
 
 namespace {
 
@@ -33,25 +35,21 @@ void print_json(const std::string& command, Exit exit, const Json& facts) {
     Json all = {{"command", command.empty() ? Json() : Json(command)}, {"result", result_name(exit)}};
     all.update(facts);
     all["log"] = log_path();
-    fmt::print("{}\n", all.dump(2, ' ', false, Json::error_handler_t::replace));
+    print_out(all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 void print_report(const Invocation& invocation, const Report& report) {
     if (invocation.json) {
         print_json(invocation.command, Exit::done, report_json(report));
     } else if (report.payload.empty()) {
-        fmt::print("{}\n", printable(in_words(report)));
+        print_out(printable(in_words(report)) + "\n");
     } else {
-        fmt::print("{}", report.payload);
         note(in_words(report));
+        print_out(report.payload);
     }
 }
 
-Exit print_stop(const Invocation& invocation, const Stop& stop) {
-    if (invocation.json) {
-        print_json(invocation.command, stop.exit, stop_json(stop));
-        return stop.exit;
-    }
+Exit tell_stop(const Stop& stop) {
     note(stop.exit == Exit::nothing_due ? stop.sentence : "zvrenew: " + stop.sentence);
     if (stop.card) note("Now on the card: " + stop.card->in_words());
     for (const Advice& one : advice_of(stop))
@@ -60,10 +58,29 @@ Exit print_stop(const Invocation& invocation, const Stop& stop) {
     return stop.exit;
 }
 
+Exit print_stop(const Invocation& invocation, const Stop& stop) {
+    if (invocation.json) {
+        print_json(invocation.command, stop.exit, stop_json(stop));
+        return stop.exit;
+    }
+    return tell_stop(stop);
+}
+
+// What cannot be printed is told on standard error.
+Exit answer(const Invocation& invocation, const Report& report) {
+    try {
+        print_report(invocation, report);
+        return Exit::done;
+    } catch (Stop& stop) {
+        stop.card = OnCard{{}, {}, true};
+        if (report.unsaid) report.unsaid(stop);
+        return tell_stop(stop);
+    }
+}
+
 Exit run(const Invocation& invocation) {
     try {
-        print_report(invocation, invocation.run());
-        return Exit::done;
+        return answer(invocation, invocation.run());
     } catch (const Stop& stop) {
         return print_stop(invocation, stop);
     } catch (const std::exception& error) {
@@ -72,16 +89,17 @@ Exit run(const Invocation& invocation) {
 }
 
 int start(int argc, char** argv) {
+    let_writes_fail();
+    if (!open_standard_descriptors())
+        return static_cast<int>(tell_stop({Exit::failed, "Standard output is closed."}));
     int exit = 0;
     const std::optional<Invocation> invocation = read_command_line(argc, argv, exit);
-    if (!invocation) return exit;
+    if (!invocation) return std::cout.flush() ? exit : static_cast<int>(Exit::failed);
     if (invocation->uses_library) {
         if (const std::string problem = make_log_folder(); !problem.empty()) note(problem);
     }
     loadErrorCodes();
-    exit = static_cast<int>(run(*invocation));
-    if (std::fflush(stdout) != 0) return static_cast<int>(Exit::failed);
-    return exit;
+    return static_cast<int>(run(*invocation));
 }
 
 } // namespace
@@ -90,6 +108,8 @@ int main(int argc, char** argv) {
     // What could not be reported as an answer, such as that standard output takes none.
     try {
         return start(argc, argv);
+    } catch (const Stop& stop) {
+        return static_cast<int>(tell_stop(stop));
     } catch (const std::exception& error) {
         (void)std::fprintf(stderr, "zvrenew: %s\n", error.what());
     } catch (...) {

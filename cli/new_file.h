@@ -1,32 +1,22 @@
 #pragma once
 
-#include "cli/scoped_fd.h"
-
 #include <string>
 #include <string_view>
 
 namespace cli {
 
-/**
- * A file that is created before the work whose result it takes, so that a result never finds no place.
- * Existing files are left alone. Without save() there is no file in the end.
- */
+/// A file that appears under its name whole or not at all, and never in another one's place. Nothing of it is kept
+/// open: there are modules that close descriptors that are not theirs.
 class NewFile {
   public:
-    /// @throws Stop when there is a file of that name, or none can be made.
+    /// Makes sure that the file can be made: nothing has its name, and its folder has room. @throws Stop
     explicit NewFile(std::string path);
-    ~NewFile();
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
 
-    /// Writes the file, to the disk. @throws Stop
-    void save(std::string_view text);
-    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Makes the file; it is on the disk, not on its way there, when this returns. @throws Stop
+    void save(std::string_view text) const;
 
   private:
     std::string path_;
-    ScopedFd file_;
-    bool saved_ = false;
 };
 
 } // namespace cli

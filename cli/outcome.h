@@ -3,6 +3,7 @@
 #include "cli/on_card.h"
 
 #include <exception>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,13 +20,16 @@ struct Advice {
     Json values = Json::object(); ///< such as {{"pair", "DS3"}}
 };
 
+struct Stop;
+
 /// What a command has to say when it reached its aim.
 struct Report {
     std::string text; ///< for a person, without a final line feed
     Json json = Json::object();
-    std::vector<Advice> advice; ///< what can be done next
-    bool logged = false;        ///< whether the log tells more
-    std::string payload;        ///< what the command made, when it goes to no file
+    std::vector<Advice> advice;        ///< what can be done next
+    bool logged = false;               ///< whether the log tells more
+    std::string payload;               ///< what the command made, when it goes to no file
+    std::function<void(Stop&)> unsaid; ///< says what is on the card in a Stop, should nobody get the report
 };
 
 /// Ends a command before its aim.

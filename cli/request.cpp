@@ -12,7 +12,9 @@
 
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fmt/format.h>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -64,14 +66,22 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now) {
                             plan.pair, plan.pair,
                             plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
                 pair};
+    if (plan.discard)
+        return {"without-new-pair",
+                fmt::format("Repeat the request without --new-pair: it will use the pair {}.", plan.pair),
+                pair};
     return {"repeat-with-pair",
             fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair), pair};
 }
 
-[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
+void explain(OpenedCard& card, const RequestPlan& plan, Stop& stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
     stop.advice.push_back(advice_on(plan, now));
+}
+
+[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
+    explain(card, plan, stop);
     throw stop;
 }
 
@@ -120,7 +130,8 @@ std::string next_steps(const RequestOptions& options) {
                        file, options.kind == Kind::services ? " --remove-old" : "", log_path());
 }
 
-Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options) {
+Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options,
+                 const char* saved_as) {
     Report report;
     report.json = card_json(card);
     report.json["kind"] = kind_name(options.kind);
@@ -128,33 +139,69 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
     report.json["pair"] = plan.pair;
     report.json["pair_reused"] = plan.reuse;
     report.json["subject"] = name_json(plan.subject);
-    const std::string saved = options.out.empty() ? "" : fmt::format("Saved as {}\n", options.out);
+    const std::string saved = options.out.empty() ? "" : fmt::format("{} {}\n", saved_as, options.out);
+    if (!options.out.empty()) report.json["file"] = options.out;
     report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}\n{}{}",
                               kind_name(options.kind), plan.old.id, which_pair(plan), plan.pair,
                               plan.subject.readable(), saved, next_steps(options));
     return report;
 }
 
-Report request_on(OpenedCard& card, const RequestOptions& options, std::optional<DistinguishedName> subject) {
-    const CardView view = view_card(card);
-    const Inventory inventory = read_inventory(card, view);
-    const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
+/// Where the request goes.
+struct Output {
+    std::optional<NewFile> file; ///< none for standard output, or when a request is there already
+    Bytes earlier;               ///< the key of that request
+};
+
+// A request whose file was made before the program ended, or was ended, is done when it is asked for again.
+Output prepare_output(const RequestOptions& options) {
+    Output output;
+    if (options.out.empty()) return output;
+    if (std::filesystem::is_regular_file(options.out) && options.subject.empty() && !options.new_pair)
+        output.earlier = modulus_of_request(read_file(options.out, "The file"));
+    if (output.earlier.empty()) output.file.emplace(options.out);
+    return output;
+}
+
+bool is_done(const Output& output, const RequestPlan& plan, const CardView& view) {
+    const bool under_way = plan.old.kind != Kind::services || view.marked_pending();
+    return plan.reuse && under_way && output.earlier == plan.waiting_key;
+}
+
+void deliver(const std::string& text, const Output& output, Report& report) {
+    if (output.file) return output.file->save(text);
+    report.json["request"] = text;
+    report.payload = text;
+}
+
+using SharedCard = std::shared_ptr<OpenedCard>;
+
+Report make_request(const SharedCard& card, const RequestPlan& plan, const RequestOptions& options,
+                    const Output& output) {
+    if (output.file) NewFile still_free(options.out);
     hold_signals();
-    std::optional<NewFile> out;
-    if (!options.out.empty()) out.emplace(options.out);
     say_what_comes(plan);
-    const std::string text = ask_library(card, plan, options.kind);
-    check_request(card, plan, text);
-    if (options.kind == Kind::services) check_mark(card);
-    Report report = report_on(card, plan, options);
-    if (out) {
-        out->save(text);
-        report.json["file"] = options.out;
-    } else {
-        report.json["request"] = text;
-        report.payload = text;
+    const std::string text = ask_library(*card, plan, options.kind);
+    check_request(*card, plan, text);
+    if (options.kind == Kind::services) check_mark(*card);
+    Report report = report_on(*card, plan, options, "Saved as");
+    report.unsaid = [card, plan](Stop& stop) { explain(*card, plan, stop); };
+    try {
+        deliver(text, output, report);
+    } catch (const Stop& stop) {
+        stop_failed(*card, plan, stop);
     }
     return report;
+}
+
+Report request_on(const SharedCard& card, const RequestOptions& options, const Output& output,
+                  std::optional<DistinguishedName> subject) {
+    const CardView view = view_card(*card);
+    const Inventory inventory = read_inventory(*card, view);
+    const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
+    if (output.earlier.empty()) return make_request(card, plan, options, output);
+    if (!is_done(output, plan, view)) NewFile refused(options.out);
+    return report_on(*card, plan, options, "It is there already, as");
 }
 
 } // namespace
@@ -162,9 +209,9 @@ Report request_on(OpenedCard& card, const RequestOptions& options, std::optional
 Report run_request(const RequestOptions& options) {
     check_options(options);
     std::optional<DistinguishedName> subject = given_subject(options);
-    if (!options.out.empty()) NewFile trial(options.out); // made and gone again: a bad name is told of now
-    OpenedCard card = open_card(options, Use::changing);
-    return about_card(card, [&] { return request_on(card, options, std::move(subject)); });
+    const Output output = prepare_output(options);
+    const auto card = std::make_shared<OpenedCard>(open_card(options, Use::changing));
+    return about_card(*card, [&] { return request_on(card, options, output, std::move(subject)); });
 }
 
 } // namespace cli

@@ -81,14 +81,60 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 
+TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
+    make_card();
+    const std::string slow = "C_GenerateKeyPair:1:delay:500000", pin = " --pin-file " + pin_file().string();
+    const auto once = [&](const char* call, const char* deed) {
+        return std::string("{ (timeout 20 sh -c 'until grep -sq ") + call + " " + trace().string() +
+               "; do sleep 0.02; done'; " + deed + ") & }; ";
+    };
+    Outcome outcome = shell("mkdir stick; " + once("C_Login", "rm -r stick") +
+                            command("request signature --out stick/r" + pin, slow));
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.says("DS3 (keys without a certificate)")) << outcome.err;
+    outcome = shell(once("C_DestroyObject", "echo mine >r") +
+                    command("request signature --new-pair --out r" + pin, slow));
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(simcard::read_file(file("r")), "mine\n");
+    EXPECT_TRUE(outcome.says("Repeat the request without --new-pair: it will use the pair DS3"))
+        << outcome.err;
+
+    for (const char* target : {" >/dev/full", " >&-", " --json >/dev/full"}) {
+        outcome = shell(command("request signature" + pin) + target);
+        EXPECT_EQ(outcome.code, 1) << target;
+        EXPECT_TRUE(outcome.says("Standard output")) << target << outcome.err;
+    }
+    EXPECT_EQ(shell(command("list" + pin) + " <&- 2>&-").code, 0);
+    EXPECT_EQ(shell("{ " + command("request signature" + pin) +
+                    "; echo $? >code; } | true; exit $(cat code)")
+                  .code,
+              1)
+        << "nobody reads";
+    outcome = shell("(" + command("request signature" + pin) + " 2>&1)");
+    EXPECT_FALSE(cli::modulus_of_request(outcome.out.substr(outcome.out.rfind(".log\n") + 5)).empty());
+
+    ASSERT_EQ(with_pin("request signature --out done").code, 0);
+    outcome = with_pin("request signature --out done");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.count("C_Sign"), 0U) << "the pair's request is there";
+    ASSERT_EQ(with_pin("request signature --new-pair --out other").code, 0);
+    EXPECT_EQ(with_pin("request signature --out done").code, 2) << "it is of an older pair";
+    for (const auto& entry : std::filesystem::directory_iterator(work()))
+        EXPECT_NE(entry.path().filename().string().front(), '.') << "a draft was left";
+}
+
 // A person who thinks that the program hangs presses Ctrl-C.
 TEST_F(RequestProgramTest, FinishesWhatItBeganOnTheCardWhenInterrupted) {
     make_card();
-    const std::string request = command("request signature --out r --pin-file " + pin_file().string(),
-                                        "C_GenerateKeyPair:1:delay:3000000");
-    const Outcome outcome = shell("timeout --preserve-status -s INT 1.5 " + request);
-    EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_FALSE(key_of("r").empty());
+    const std::string request =
+        command("request signature --new-pair --out r --pin-file " + pin_file().string(),
+                "C_GenerateKeyPair:1:delay:3000000");
+    for (const char* signal : {"INT", "QUIT"}) {
+        const Outcome outcome =
+            shell(std::string("rm -f r; timeout --preserve-status -s ") + signal + " 1.5 " + request);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_FALSE(key_of("r").empty());
+    }
 }
 
 TEST_F(RequestProgramTest, RefusesAnIdentifierThatIsPartOfALiveOne) {

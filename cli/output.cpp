@@ -1,0 +1,32 @@
+#include "cli/output.h"
+
+#include "cli/outcome.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace cli {
+
+bool open_standard_descriptors() {
+    const bool output = ::fcntl(STDOUT_FILENO, F_GETFD) != -1;
+    // The lowest free number is given. Not for writing: what would be lost is to fail.
+    int last = STDIN_FILENO;
+    while (last >= STDIN_FILENO && last <= STDERR_FILENO)
+        last = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (last > STDERR_FILENO) ::close(last);
+    return output;
+}
+
+void print_out(const std::string& text) {
+    errno = 0;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+    throw Stop(Exit::failed,
+               fmt::format("Standard output does not take the answer ({}).", std::strerror(errno)),
+               Advice{"other-output", "Have it written elsewhere."});
+}
+
+} // namespace cli
