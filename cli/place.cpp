@@ -81,18 +81,22 @@ const Reader& the_only_one(const std::vector<Reader>& readers) {
     return card != readers.end() ? *card : readers.front();
 }
 
-void require_known_card(const Reader& reader) {
-    if (!reader.module.empty()) return;
-    if (!reader.card && reader.problem.empty())
-        throw Stop(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
-                   Advice{"insert-card", "Put the card in."});
+Stop unusable(const Reader& reader) {
     Stop stop(Exit::refused,
               fmt::format("The card in \"{}\" cannot be used: {}.", reader.name, reader.problem));
     if (reader.state == "unknown card") stop.advice.push_back(enter_card());
     if (reader.state == "mute card")
         stop.advice.push_back({"insert-card", "Take the card out and put it in the right way round."});
     stop.about({{"reader", reader.name}});
-    throw stop;
+    return stop;
+}
+
+void require_known_card(const Reader& reader) {
+    if (!reader.module.empty()) return;
+    if (!reader.card && reader.problem.empty())
+        throw Stop(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
+                   Advice{"insert-card", "Put the card in."});
+    throw unusable(reader);
 }
 
 bool contains(const std::string& text, const std::string& part) {

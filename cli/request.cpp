@@ -77,7 +77,8 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now) {
 void explain(OpenedCard& card, const RequestPlan& plan, Stop& stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
-    stop.advice.push_back(advice_on(plan, now));
+    // A full card stays full.
+    if (stop.advice.empty()) stop.advice.push_back(advice_on(plan, now));
 }
 
 [[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {
@@ -122,12 +123,16 @@ const char* which_pair(const RequestPlan& plan) {
     return plan.reuse ? "waiting" : "new";
 }
 
-std::string next_steps(const RequestOptions& options) {
-    const std::string file = options.out.empty() ? "REQUEST" : options.out;
-    return fmt::format("Send it to the authority. When the certificate comes:\n"
-                       "  zvrenew install CERTIFICATE --request {}{}\n"
-                       "Log: {}",
-                       file, options.kind == Kind::services ? " --remove-old" : "", log_path());
+Advice next_step(const RequestPlan& plan, const RequestOptions& options) {
+    const bool remove_old = options.kind == Kind::services;
+    return {"install",
+            fmt::format("Send it to the authority. When the certificate comes:\n"
+                        "  zvrenew install CERTIFICATE --request {}{}",
+                        options.out.empty() ? "REQUEST" : options.out, remove_old ? " --remove-old" : ""),
+            {{"kind", kind_name(options.kind)},
+             {"pair", plan.pair},
+             {"request", options.out.empty() ? Json() : Json(options.out)},
+             {"remove_old", remove_old}}};
 }
 
 Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options,
@@ -139,11 +144,13 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
     report.json["pair"] = plan.pair;
     report.json["pair_reused"] = plan.reuse;
     report.json["subject"] = name_json(plan.subject);
-    const std::string saved = options.out.empty() ? "" : fmt::format("{} {}\n", saved_as, options.out);
+    const std::string saved = options.out.empty() ? "" : fmt::format("\n{} {}", saved_as, options.out);
     if (!options.out.empty()) report.json["file"] = options.out;
-    report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}\n{}{}",
+    report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}{}",
                               kind_name(options.kind), plan.old.id, which_pair(plan), plan.pair,
-                              plan.subject.readable(), saved, next_steps(options));
+                              plan.subject.readable(), saved);
+    report.advice.push_back(next_step(plan, options));
+    report.logged = true;
     return report;
 }
 

@@ -30,19 +30,22 @@ CertificateRecord certificate_to_renew(const RequestOptions& options, const Inve
                Advice{"list", "See what there is with: zvrenew list"});
 }
 
+Stop not_due(const CertificateRecord& old, int days) {
+    const long left = days_until(old.ends, std::time(nullptr));
+    Stop stop(
+        Exit::nothing_due,
+        fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.", kind_name(old.kind),
+                    old.id, day_of(old.ends), left),
+        Advice{"force",
+               fmt::format("It is due {} days before. To renew it now all the same, give --force.", days),
+               {{"due_in_days", left - days}}});
+    stop.facts = {{"renews", old.id}, {"not_after", instant(old.ends)}, {"days_left", left}};
+    return stop;
+}
+
 void stop_unless_due(const RequestOptions& options, const CertificateRecord& old) {
-    const std::time_t now = std::time(nullptr);
-    if (options.force || ends_within(old.ends, options.days, now)) return;
-    Stop stop(Exit::nothing_due,
-              fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.",
-                          kind_name(options.kind), old.id, day_of(old.ends), days_until(old.ends, now)),
-              Advice{"force",
-                     fmt::format("It is due {} days before. To renew it now all the same, give --force.",
-                                 options.days),
-                     {{"due_in_days", days_until(old.ends, now) - options.days}}});
-    stop.facts = {
-        {"renews", old.id}, {"not_after", instant(old.ends)}, {"days_left", days_until(old.ends, now)}};
-    throw stop;
+    if (!options.force && !ends_within(old.ends, options.days, std::time(nullptr)))
+        throw not_due(old, options.days);
 }
 
 // A request for a services card's own certificate leaves these out.
