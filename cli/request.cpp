@@ -14,6 +14,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -65,6 +66,9 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now) {
                             "with --new-pair, which discards {}{}.",
                             plan.pair, plan.pair,
                             plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
+                pair};
+    if (plan.discard && now.view->modulus(plan.pair) == plan.waiting_key)
+        return {"repeat", fmt::format("The pair {} is not discarded yet: repeat the request.", plan.pair),
                 pair};
     if (plan.discard)
         return {"without-new-pair",
@@ -135,6 +139,17 @@ Advice next_step(const RequestPlan& plan, const RequestOptions& options) {
              {"remove_old", remove_old}}};
 }
 
+// A discarding that was broken off leaves one key of the two, which no request and no installation uses.
+void advise_on_left(Report& report, const RequestPlan& plan) {
+    if (plan.left.empty()) return;
+    report.advice.push_back(
+        {"card-software",
+         fmt::format("Left on the card of a pair that is no longer whole: {}. The card's own "
+                     "software can remove it.",
+                     fmt::join(plan.left, ", ")),
+         {{"remove", plan.left}}});
+}
+
 Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options,
                  const char* saved_as) {
     Report report;
@@ -150,6 +165,7 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
                               kind_name(options.kind), plan.old.id, which_pair(plan), plan.pair,
                               plan.subject.readable(), saved);
     report.advice.push_back(next_step(plan, options));
+    advise_on_left(report, plan);
     report.logged = true;
     return report;
 }

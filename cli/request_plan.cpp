@@ -113,6 +113,14 @@ void take_new_pair(RequestPlan& plan, const RequestOptions& options, const Inven
     plan.waiting_key = view.modulus(plan.pair);
 }
 
+std::vector<std::string> single_keys(const CardView& view, const std::string& pair) {
+    std::vector<std::string> found;
+    for (const Held& held : view.contents().held)
+        if (held.certificates == 0 && held.public_key != held.private_key && held.id != pair)
+            found.push_back(held.id);
+    return found;
+}
+
 void refuse_ambiguous(const std::string& pair, const CardView& view) {
     if (pair.size() > ZV_PENDING_LABEL_MAX)
         throw Stop(Exit::refused, fmt::format("The identifier {} is too long to be worked with.", pair));
@@ -151,6 +159,7 @@ RequestPlan plan_request(const RequestOptions& options, const Inventory& invento
     else
         take_new_pair(plan, options, inventory, view);
     refuse_ambiguous(plan.pair, view);
+    plan.left = single_keys(view, plan.pair);
     return plan;
 }
 

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -17,6 +18,7 @@ struct RequestPlan {
     bool reuse = false;   ///< the pair is on the card already
     bool discard = false; ///< the pair is on the card, to be replaced by a new one under its identifier
     Bytes waiting_key;    ///< modulus of the pair that is on the card already
+    std::vector<std::string> left; ///< identifiers of single keys, left of other pairs
 };
 
 /// Refuses options that contradict each other. @throws Stop

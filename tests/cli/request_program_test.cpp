@@ -53,6 +53,10 @@ TEST_F(RequestProgramTest, UsesTheWaitingPairAgainOrDiscardsIt) {
     EXPECT_TRUE(fresh.says("Subject: C=IT, CN=Città\n")) << fresh.out;
     EXPECT_NE(key_of("three"), key_of("one"));
     EXPECT_EQ(json("list")["waiting"].size(), 1U);
+    EXPECT_TRUE(
+        with_pin("request signature --new-pair", "C_DestroyObject:1:answer:0x6").says("not discarded yet"));
+    (void)with_pin("request signature --new-pair", "C_DestroyObject:1:kill-after");
+    EXPECT_TRUE(with_pin("request signature").says("whole: DS3. The card's own software can remove it"));
 }
 
 TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
@@ -105,10 +109,9 @@ TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
         EXPECT_TRUE(outcome.says("Standard output")) << target << outcome.err;
     }
     EXPECT_EQ(shell(command("list" + pin) + " <&- 2>&-").code, 0);
-    EXPECT_EQ(shell("{ " + command("request signature" + pin) +
-                    "; echo $? >code; } | true; exit $(cat code)")
-                  .code,
-              1)
+    EXPECT_EQ(
+        shell("{ " + command("request signature" + pin) + "; echo $? >code; } | true; exit $(cat code)").code,
+        1)
         << "nobody reads";
     outcome = shell("(" + command("request signature" + pin) + " 2>&1)");
     EXPECT_FALSE(cli::modulus_of_request(outcome.out.substr(outcome.out.rfind(".log\n") + 5)).empty());
