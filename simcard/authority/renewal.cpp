@@ -21,19 +21,31 @@ void check_same_person(const X509_NAME& requested, const X509_NAME& signer) {
         throw Refusal("The request is for another person than the one who signed it.");
 }
 
+DistinguishedName subject_of(const VerifiedRequest& verified, const std::string& other_person) {
+    DistinguishedName subject =
+        made(DistinguishedName(X509_NAME_dup(X509_REQ_get_subject_name(verified.request.get()))));
+    if (other_person.empty()) return subject;
+    const int number = X509_NAME_get_index_by_NID(subject.get(), NID_serialNumber, -1);
+    if (number >= 0) X509_NAME_ENTRY_free(X509_NAME_delete_entry(subject.get(), number));
+    add_to_name(*subject, NID_serialNumber, "TINIT-" + other_person);
+    return subject;
+}
+
 } // namespace
 
 Renewal answer_request(const Authority& authority, std::string_view file, const RenewalTerms& terms) {
     VerifiedRequest verified = verify(decode_request(file), authority, terms);
-    const X509_NAME& subject = *X509_REQ_get_subject_name(verified.request.get());
-    if (verified.signer) check_same_person(subject, *X509_get_subject_name(verified.signer.get()));
+    const DistinguishedName subject = subject_of(verified, terms.other_person);
+    if (verified.signer)
+        check_same_person(*X509_REQ_get_subject_name(verified.request.get()),
+                          *X509_get_subject_name(verified.signer.get()));
     if (terms.kind == nullptr && !verified.signer)
         throw Refusal("A request that nobody signed needs a kind.");
     const CertificateKind& kind = terms.kind != nullptr ? *terms.kind : kind_of(*verified.signer);
 
-    const std::time_t now = std::time(nullptr);
+    const std::time_t start = std::time(nullptr) + terms.starts_in * one_day;
     EVP_PKEY& key = *X509_REQ_get0_pubkey(verified.request.get());
-    Certificate certificate = authority.issue(subject, key, kind, {now, now + terms.days * one_day});
+    Certificate certificate = authority.issue(*subject, key, kind, {start, start + terms.days * one_day});
     return {std::move(certificate), std::move(verified), kind};
 }
 

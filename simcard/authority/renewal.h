@@ -3,6 +3,7 @@
 #include "simcard/authority/authority.h"
 #include "simcard/authority/signed_request.h"
 
+#include <string>
 #include <string_view>
 
 namespace simcard {
@@ -11,6 +12,10 @@ struct RenewalTerms {
     /// The kind to issue; null: the kind of the certificate that signed the request.
     const CertificateKind* kind = nullptr;
     int days = 3 * 365;
+    /// From when on it holds, in days from now; negative for the past.
+    int starts_in = 0;
+    /// Issues it to somebody else: the codice fiscale; empty: whom the request names.
+    std::string other_person;
     /// Whether a request without a signed message around it is taken: nothing then says whose it is.
     bool bare_requests = false;
 };

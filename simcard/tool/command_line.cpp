@@ -79,6 +79,10 @@ void add_issue_command(CLI::App& program, const Home& home) {
                        "signature, authentication or cns (default: the kind of the certificate that signed)");
     command.add_option("--days", options->terms.days, "Days that the certificate holds")
         ->capture_default_str();
+    command.add_option("--starts-in", options->terms.starts_in,
+                       "Days until it begins; less than 0 for the past");
+    command.add_option("--other-person", options->terms.other_person,
+                       "Issue it to the person with this codice fiscale, not to the one who asks");
     command.add_flag("--bare", options->terms.bare_requests,
                      "Take a PKCS#10 request that nobody signed; needs --kind");
     command.add_option("--out", options->out, "File to write (default: standard output)");
