@@ -28,6 +28,7 @@ class CardView {
   public:
     explicit CardView(std::vector<CardObject> objects) : objects_(std::move(objects)) {}
 
+    [[nodiscard]] const std::vector<CardObject>& objects() const { return objects_; }
     /// The object of that class and identifier; null when there is none.
     [[nodiscard]] const CardObject* find(CK_OBJECT_CLASS type, const std::string& id) const;
     /// Every certificate with that identifier: a services card may hold two under its own pair's.

@@ -1,6 +1,10 @@
 #include "cli/certificate_facts.h"
 
+#include "zvCrypt.h"
+
 #include <array>
+#include <cstring>
+#include <openssl/x509v3.h>
 #include <utility>
 #include <vector>
 
@@ -22,10 +26,7 @@ std::string utf8_of(const ASN1_STRING* value) {
     return text;
 }
 
-} // namespace
-
-DistinguishedName subject_of(const X509& certificate) {
-    const X509_NAME* name = X509_get_subject_name(&certificate);
+DistinguishedName name_of(const X509_NAME* name) {
     std::vector<NameAttribute> attributes;
     for (int i = 0; i < X509_NAME_entry_count(name); ++i) {
         const X509_NAME_ENTRY* entry = X509_NAME_get_entry(name, i);
@@ -35,10 +36,41 @@ DistinguishedName subject_of(const X509& certificate) {
     return DistinguishedName::from_oids(std::move(attributes));
 }
 
-std::optional<std::time_t> end_of(const X509& certificate) {
+std::optional<std::time_t> time_of(const ASN1_TIME* time) {
     std::tm broken{};
-    if (ASN1_TIME_to_tm(X509_get0_notAfter(&certificate), &broken) != 1) return std::nullopt;
+    if (ASN1_TIME_to_tm(time, &broken) != 1) return std::nullopt;
     return timegm(&broken);
+}
+
+} // namespace
+
+DistinguishedName subject_of(const X509& certificate) {
+    return name_of(X509_get_subject_name(&certificate));
+}
+
+DistinguishedName issuer_of(const X509& certificate) {
+    return name_of(X509_get_issuer_name(&certificate));
+}
+
+std::optional<std::time_t> begin_of(const X509& certificate) {
+    return time_of(X509_get0_notBefore(&certificate));
+}
+
+std::optional<std::time_t> end_of(const X509& certificate) {
+    return time_of(X509_get0_notAfter(&certificate));
+}
+
+std::string serial_of(std::vector<unsigned char> der) {
+    std::array<char, 128> text{};
+    if (kvX509GetSerial(der.data(), der.size(), text.data(), static_cast<int>(text.size())) != ZVC_OK)
+        return {};
+    return {text.data(), strnlen(text.data(), text.size())};
+}
+
+std::string missing_usage(X509& certificate, Kind kind) {
+    const std::uint32_t usages = X509_get_key_usage(&certificate); // all bits without the extension
+    if (kind == Kind::signature) return (usages & KU_NON_REPUDIATION) != 0 ? "" : "nonRepudiation";
+    return (usages & KU_DIGITAL_SIGNATURE) != 0 ? "" : "digitalSignature";
 }
 
 } // namespace cli

@@ -29,7 +29,7 @@ constexpr const char* about_removal =
 new certificate is stored; with a signature certificate the authority's own certificate goes too, and nothing
 puts it back. A services card keeps its keys: only its certificate is removed, and without --remove-old it then
 holds two of the same identifier. What is replaced or removed is saved to the backup file first. At the end the
-new key signs and the new certificate verifies.
+new key signs and the new certificate verifies. The same command, given again, finishes what was broken off.
 
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
@@ -143,7 +143,8 @@ void add_install(CLI::App& app, Invocation& chosen) {
         ->type_name("FILE");
     command
         .add_option("--replace", options.replace,
-                    "Identifier of the certificate it replaces (else the one of its kind that ends last)")
+                    "Identifier of the certificate it replaces (else the one that signed the request, or "
+                    "the only one of its kind)")
         ->type_name("ID");
     command.add_flag("--remove-old", options.remove_old,
                      "Remove the old certificate and its keys from the card");

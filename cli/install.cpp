@@ -11,7 +11,6 @@
 #include "zvRenew.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -21,32 +20,24 @@ namespace {
 // Room for the default identifiers that the library may write.
 constexpr std::size_t label_room = 256;
 
-std::string backup_name(const InstallOptions& options, const CertificateRecord& old) {
-    if (!options.backup.empty()) return options.backup;
-    std::string name = fmt::format("{}-{}.pem", old.id, old.serial);
-    const auto odd = [](unsigned char c) { return std::isalnum(c) == 0 && c != '-' && c != '.'; };
-    std::replace_if(name.begin(), name.end(), odd, '_');
-    return name;
-}
+constexpr const char* mark_left = "The mark pending_CNS_key of the request is still on the card: the list "
+                                  "shows a request under way until the "
+                                  "next\ncertificate is installed, or the card's own software removes it.";
 
-bool holds(const std::string& path, const std::string& text) {
+/// Saves what is about to be replaced. A file that holds all of it already will do.
+std::string save_backup(const InstallPlan& plan) {
+    if (plan.backup.blocks.empty()) return plan.old ? plan.old->backup : std::string();
+    const std::string& file = plan.backup.file;
+    if (const auto there = read_backup(file); there && there->covers(plan.backup)) return file;
     try {
-        return read_file(path, "The file") == text;
-    } catch (const Stop&) {
-        return false;
+        NewFile(file).save(plan.backup.text());
+    } catch (Stop& stop) {
+        if (stop.exit == Exit::refused)
+            stop.advice = {
+                {"other-file", "Give the backup another name with --backup FILE.", {{"file", file}}}};
+        throw;
     }
-}
-
-/// Saves what is about to be replaced. A file that holds just that already will do.
-std::string save_backup(const InstallOptions& options, const InstallPlan& plan) {
-    if (!plan.old) return {};
-    std::string path = backup_name(options, *plan.old);
-    try {
-        NewFile(path).save(plan.backup);
-    } catch (const Stop& stop) {
-        if (stop.exit != Exit::refused || !holds(path, plan.backup)) throw;
-    }
-    return path;
+    return file;
 }
 
 void say_what_comes(const InstallPlan& plan) {
@@ -61,8 +52,8 @@ void say_what_comes(const InstallPlan& plan) {
 
 int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
-    // Without an old certificate nothing is removed, and the label only has to be one that is not empty.
-    std::string label = plan.old ? plan.old->id : plan.pair;
+    // Where nothing is removed the label only has to be one that is not empty.
+    std::string label = plan.removed.empty() ? plan.pair : plan.old->id;
     label.resize(std::max(label.size(), label_room), '\0');
     std::string pair = plan.pair;
     std::string text = base64_of(plan.certificate);
@@ -74,30 +65,51 @@ Advice say_backup(const std::string& backup) {
     return {"backup", fmt::format("A copy of the old certificate: {}", backup), {{"file", backup}}};
 }
 
-Advice advice_after_failure(const InstallPlan& plan, const CardNow& now) {
-    if (!now.view) return {"repeat", "Put the card in the reader and run the same command again."};
-    if (plan.kind == Kind::services && !plan.removed.empty() && now.view->certificates(plan.pair).empty())
-        return {"without-remove-old",
-                fmt::format(
-                    "The old certificate {0} is gone, the keys {0} are on the card: run the command again "
-                    "without --remove-old.",
-                    plan.pair),
-                {{"pair", plan.pair}}};
-    if (plan.kind == Kind::services && now.view->certificate(plan.pair, plan.certificate) == nullptr)
-        return {"repeat", "The keys are as they were: run the same command again.", {{"pair", plan.pair}}};
-    if (now.waits(plan.pair))
-        return {"repeat",
-                fmt::format("The pair {} still waits for the certificate: run the same command again.",
-                            plan.pair),
-                {{"pair", plan.pair}}};
-    return {"list", "See what is on the card with: zvrenew list"};
+Advice say_left(const std::vector<std::string>& left) {
+    return {
+        "card-software",
+        fmt::format(
+            "Left on the card of a certificate removed before: {}. The card's own software can remove it.",
+            fmt::join(left, ", ")),
+        {{"remove", left}}};
+}
+
+// What the card may have refused: it does not say why.
+void advise_on_room(std::vector<Advice>& advice, const InstallPlan& plan) {
+    if (plan.kind == Kind::services && plan.removed.empty() && plan.old && plan.old->on_card)
+        advice.push_back({"remove-old", "A card that takes one certificate of an identifier only needs "
+                                        "--remove-old beside that."});
+    else if (plan.removed.empty() && plan.old && plan.old->on_card)
+        advice.push_back({"remove-old",
+                          "If the card is full, the old certificate makes room: give --remove-old "
+                          "beside that."});
+    else if (plan.kind != Kind::services)
+        advice.push_back({"make-room",
+                          "If the card is full, remove something from it with the card's own software "
+                          "first."});
+}
+
+std::vector<Advice> advice_after_failure(const InstallPlan& plan, const CardNow& now) {
+    if (!now.view) return {{"repeat", "Put the card in the reader and run the same command again."}};
+    if (now.view->certificate(plan.pair, plan.certificate) != nullptr)
+        return {{"repeat", "To try the new key once more, run the same command again."}};
+    if (now.view->find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
+        return {{"list", "See what is on the card with: zvrenew list"}};
+    const char* keys = plan.kind == Kind::services
+                           ? "The keys {} are as they were: run the same command again."
+                           : "The pair {} still waits for the certificate: run the "
+                             "same command again.";
+    std::vector<Advice> advice{{"repeat", fmt::format(fmt::runtime(keys), plan.pair), {{"pair", plan.pair}}}};
+    advise_on_room(advice, plan);
+    return advice;
 }
 
 [[noreturn]] void stop_failed(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
                               Stop stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
-    stop.advice.push_back(advice_after_failure(plan, now));
+    for (Advice& advice : advice_after_failure(plan, now))
+        stop.advice.push_back(std::move(advice));
     if (!backup.empty()) stop.advice.push_back(say_backup(backup));
     throw stop;
 }
@@ -131,6 +143,7 @@ void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::st
 
 std::string old_in_words(const InstallPlan& plan) {
     if (!plan.old) return {};
+    if (plan.removed.empty() && !plan.old->on_card) return "\nThe old certificate is no longer on the card.";
     if (plan.kind == Kind::services)
         return plan.removed.empty()
                    ? fmt::format("\nThe old certificate is still on the card, under the same identifier {}: "
@@ -150,25 +163,54 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["kind"] = kind_name(plan.kind);
     report.json["stored"] = plan.pair;
     report.json["verified"] = true;
-    report.json["replaces"] = plan.old ? Json(plan.old->id) : Json();
+    report.json["replaces"] = plan.old && !plan.old->id.empty() ? Json(plan.old->id) : Json();
     report.json["removed"] = plan.removed;
+    report.json["left"] = plan.left;
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
     report.json["on_card"] = now.contents.as_json();
     report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
     report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
                               "Signed with {1} and verified with the new certificate.{2}",
                               kind_name(plan.kind), plan.pair, old_in_words(plan));
+    const bool marked = plan.kind == Kind::services && now.view && now.view->marked_pending();
+    report.json["mark_left"] = marked;
+    if (marked) report.advice.push_back({"mark", mark_left});
+    if (!plan.left.empty()) report.advice.push_back(say_left(plan.left));
     if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
     report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.contents.in_words(), log_path());
     return report;
 }
 
+// What a run before this one may have left, when it was broken off after storing.
+[[noreturn]] void stop_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
+                              const CardView& view, const std::string& id) {
+    std::string reason;
+    for (const Certificate& certificate : files.certificates)
+        if (const Bytes der = der_of(*certificate); view.certificate(id, der) != nullptr)
+            reason = prove_pair(card, id, der);
+    if (!reason.empty())
+        throw Stop(Exit::failed,
+                   fmt::format("The certificate is on the card already, as {}, but {}", id, reason));
+    Stop stop(Exit::refused,
+              fmt::format("The certificate is on the card already, as {}: a signature of its key "
+                          "verifies with it.",
+                          id));
+    std::vector<std::string> left;
+    for (const RetiredPair& pair : inventory.retired)
+        left.push_back(pair.id);
+    if (!left.empty()) stop.advice.push_back(say_left(left));
+    if (id == own_pair_id && view.marked_pending()) stop.advice.push_back({"mark", mark_left});
+    throw stop;
+}
+
 Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedFiles& files) {
     const CardView before = view_card(card);
-    const Inventory inventory = read_inventory(card, before);
-    const InstallPlan plan = plan_install(options, files, inventory, before);
+    const Inventory inventory = read_inventory(card, before, options.backup);
+    if (const std::string id = stored_already(files, before); !id.empty())
+        stop_stored(card, files, inventory, before, id);
+    const InstallPlan plan = plan_install(options, files, card, inventory, before);
     hold_signals();
-    const std::string backup = save_backup(options, plan);
+    const std::string backup = save_backup(plan);
     say_what_comes(plan);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
         stop_failed(card, plan, backup, library_stop("The certificate could not be stored", code));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/backup.h"
 #include "cli/card_view.h"
 #include "cli/inventory.h"
 #include "cli/key_material.h"
@@ -15,25 +16,42 @@ namespace cli {
 struct IssuedFiles {
     std::vector<Certificate> certificates; ///< all that the authority's file holds
     Bytes request_key;                     ///< modulus of the request's key; empty without a request
+    Bytes signer;                          ///< the certificate that signed the request; empty when unknown
 };
+
+/// A certificate that is replaced.
+struct OldCertificate {
+    std::string id; ///< empty when nothing of it is on the card
+    Bytes der;
+    bool on_card = false;
+    std::string backup; ///< a file that has it, when it is no longer on the card
+};
+
+/// Storing a signature certificate with removal takes this one away too, and nothing puts it back.
+inline constexpr const char* authority_id = "Korvalenta Firma Dig";
 
 /// What an installation is going to do to the card; made before anything is done.
 struct InstallPlan {
     Bytes certificate; ///< DER of the one to store
     std::string pair;  ///< identifier of the pair it belongs to
     Kind kind = Kind::signature;
-    std::optional<CertificateRecord> old; ///< the certificate that it replaces
-    std::vector<std::string> removed;     ///< identifiers that go, with --remove-old
-    std::string backup;                   ///< the certificates that go or are replaced, PEM
+    std::optional<OldCertificate> old;
+    std::vector<std::string> removed; ///< identifiers that go, with --remove-old
+    std::vector<std::string> left;    ///< identifiers of what a removal before this run left for good
+    Backup backup;                    ///< what goes or is replaced; nothing in it: none is needed
 };
 
 /// Reads the files, and refuses a certificate that is not for the request's key or that no card can store.
 /// Nothing is asked of the card. @throws Stop
 [[nodiscard]] IssuedFiles read_issued_files(const InstallOptions& options);
 
+/// The identifier under which a certificate of the files is on the card with its key; empty when none is.
+[[nodiscard]] std::string stored_already(const IssuedFiles& files, const CardView& view);
+
 /// Finds the pair of the certificate and what it replaces, all among whole identifiers read from the card,
 /// and refuses what would go wrong there. @throws Stop
 [[nodiscard]] InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files,
-                                       const Inventory& inventory, const CardView& view);
+                                       const OpenedCard& card, const Inventory& inventory,
+                                       const CardView& view);
 
 } // namespace cli

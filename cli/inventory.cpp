@@ -93,10 +93,29 @@ void add_waiting(Inventory& inventory, const std::string& id) {
     if (!known) inventory.waiting.push_back({kind_of_pair(id), id});
 }
 
+void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
+    for (const std::string& id : view.identifiers())
+        if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
+            backup != nullptr && id != own_pair_id)
+            inventory.retired.push_back({id, backup->file});
+    std::erase_if(inventory.waiting, [&](const WaitingPair& pair) {
+        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
+                           [&](const RetiredPair& retired) { return retired.id == pair.id; });
+    });
+}
+
 } // namespace
 
 Kind kind_of_pair(const std::string& id) {
     return id.find("AUTHCertificate") == std::string::npos ? Kind::signature : Kind::authentication;
+}
+
+Kind kind_of_certificate(const std::string& id, bool services_card) {
+    if (services_card && id.starts_with(own_pair_id)) return Kind::services;
+    const bool digit = id.size() > 2 && std::isdigit(static_cast<unsigned char>(id[2])) != 0;
+    const bool signature = id.starts_with("DS") && (services_card || digit);
+    return signature || (!services_card && id.starts_with("Sign_Keypair")) ? Kind::signature
+                                                                           : Kind::authentication;
 }
 
 Proposal as_proposal(const std::string& key_text) {
@@ -105,7 +124,7 @@ Proposal as_proposal(const std::string& key_text) {
     return digit ? Proposal{key_text, false} : Proposal{{}, !key_text.empty()};
 }
 
-Inventory read_inventory(OpenedCard& card, const CardView& view) {
+Inventory read_inventory(OpenedCard& card, const CardView& view, const std::string& given_backup) {
     Reading reading;
     read_with_library(card, reading);
     const bool pending = reading.signature_pending == 1;
@@ -134,6 +153,8 @@ Inventory read_inventory(OpenedCard& card, const CardView& view) {
         inventory.authentication = as_proposal(authentication_key);
     for (const std::string& id : view.waiting_pairs())
         add_waiting(inventory, id);
+    inventory.backups = backups_of(card.state.serial, given_backup);
+    take_retired(inventory, view, card.state.serial);
     return inventory;
 }
 

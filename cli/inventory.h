@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/backup.h"
 #include "cli/card_view.h"
 #include "cli/certificate_record.h"
 #include "cli/pin_gate.h"
@@ -22,11 +23,19 @@ struct Proposal {
     bool none_free = false; ///< the series is full
 };
 
+/// Keys that a removal left, known by the backup of their certificate: they wait for none.
+struct RetiredPair {
+    std::string id;
+    std::string backup; ///< its file
+};
+
 /// What the library's reading of a card gave.
 struct Inventory {
     std::vector<CertificateRecord> certificates;
     std::size_t unreadable = 0; ///< records that could not be taken apart
     std::vector<WaitingPair> waiting;
+    std::vector<RetiredPair> retired;
+    std::vector<Backup> backups;   ///< of this card, in the working folder or given by name
     bool own_pair = false;         ///< it is a services card whose own pair takes a new certificate
     bool services_waiting = false; ///< a request for that certificate is under way
     Proposal signature;
@@ -42,16 +51,21 @@ struct Inventory {
 /**
  * Reads the card with the library.
  *
- * The library reports at most one waiting pair; the view, read by this program itself, adds the others.
+ * The library reports at most one waiting pair; the view, read by this program itself, adds the others, and the
+ * backups tell what does not wait.
  *
  * @throws Stop
  */
-[[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view);
+[[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view,
+                                       const std::string& given_backup = {});
 
 /// Takes a key text of the library: one without a digit ("DS") means that the series is full.
 [[nodiscard]] Proposal as_proposal(const std::string& key_text);
 
 /// The kind of a pair, by its identifier.
 [[nodiscard]] Kind kind_of_pair(const std::string& id);
+
+/// The kind of a certificate, by its identifier, as the library sorts them on a services card and on others.
+[[nodiscard]] Kind kind_of_certificate(const std::string& id, bool services_card);
 
 } // namespace cli

@@ -41,29 +41,6 @@ std::string written(BIO& memory) {
     return length > 0 ? std::string(text, static_cast<std::size_t>(length)) : std::string();
 }
 
-/// One block of a file: what its frame calls it (empty without a frame) and its DER.
-struct Block {
-    std::string name;
-    std::string der;
-};
-
-std::vector<Block> pem_blocks(const std::string& text) {
-    std::vector<Block> blocks;
-    const Bio bio = reading(text);
-    char* name = nullptr;
-    char* header = nullptr;
-    unsigned char* data = nullptr;
-    long length = 0;
-    while (PEM_read_bio(bio.get(), &name, &header, &data, &length) == 1) {
-        blocks.push_back({name, {reinterpret_cast<char*>(data), static_cast<std::size_t>(length)}});
-        OPENSSL_free(name);
-        OPENSSL_free(header);
-        OPENSSL_free(data);
-    }
-    ERR_clear_error();
-    return blocks;
-}
-
 std::string from_base64(const std::string& text) {
     const std::unique_ptr<EVP_ENCODE_CTX, Freer<EVP_ENCODE_CTX_free>> decoder(EVP_ENCODE_CTX_new());
     std::string out(text.size() + 3, '\0');
@@ -178,6 +155,20 @@ Bytes modulus_of_request(const std::string& request) {
     return {};
 }
 
+Bytes signer_of_request(const std::string& request) {
+    for (const Block& block : blocks_of(request)) {
+        const Message message = message_in(block.der);
+        STACK_OF(CMS_SignerInfo)* signers = message ? CMS_get0_SignerInfos(message.get()) : nullptr;
+        std::vector<Certificate> held;
+        add_certificates(block, held);
+        for (const Certificate& one : held)
+            if (sk_CMS_SignerInfo_num(signers) > 0 &&
+                CMS_SignerInfo_cert_cmp(sk_CMS_SignerInfo_value(signers, 0), one.get()) == 0)
+                return der_of(*one);
+    }
+    return {};
+}
+
 Bytes modulus_of(X509& certificate) {
     return modulus_of_key(X509_get0_pubkey(&certificate));
 }
@@ -190,10 +181,39 @@ Bytes der_of(X509& certificate) {
     return der;
 }
 
-std::string pem_of(X509& certificate) {
+std::vector<Block> pem_blocks(const std::string& text) {
+    std::vector<Block> blocks;
+    const Bio bio = reading(text);
+    char* name = nullptr;
+    char* header = nullptr;
+    unsigned char* data = nullptr;
+    long length = 0;
+    while (PEM_read_bio(bio.get(), &name, &header, &data, &length) == 1) {
+        blocks.push_back({name, {reinterpret_cast<char*>(data), static_cast<std::size_t>(length)}});
+        OPENSSL_free(name);
+        OPENSSL_free(header);
+        OPENSSL_free(data);
+    }
+    ERR_clear_error();
+    return blocks;
+}
+
+std::string pem_of(const Block& block) {
     const Bio bio(BIO_new(BIO_s_mem()));
-    PEM_write_bio_X509(bio.get(), &certificate);
+    PEM_write_bio(bio.get(), block.name.c_str(), "", reinterpret_cast<const unsigned char*>(block.der.data()),
+                  static_cast<long>(block.der.size()));
     return written(*bio);
+}
+
+Bytes without_padding(const Bytes& stored) {
+    const unsigned char* at = stored.data();
+    long length = 0;
+    int tag = 0;
+    int type = 0;
+    const int head = ASN1_get_object(&at, &length, &tag, &type, static_cast<long>(stored.size()));
+    ERR_clear_error();
+    if (head != V_ASN1_CONSTRUCTED) return {};
+    return {stored.data(), at + length};
 }
 
 std::string base64_of(const Bytes& bytes) {

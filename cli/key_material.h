@@ -36,8 +36,23 @@ using Certificate = std::unique_ptr<X509, FreeX509>;
 /// The RSA modulus of a certificate's key without leading zeros; empty for another kind of key.
 [[nodiscard]] Bytes modulus_of(X509& certificate);
 
+/// The certificate of whoever signed what the request command saves, DER; empty when it is not in there.
+[[nodiscard]] Bytes signer_of_request(const std::string& request);
+
 [[nodiscard]] Bytes der_of(X509& certificate);
-[[nodiscard]] std::string pem_of(X509& certificate);
+
+/// One block of a file: what its frame calls it (empty without a frame) and its DER.
+struct Block {
+    std::string name;
+    std::string der;
+
+    [[nodiscard]] bool operator==(const Block&) const = default;
+};
+[[nodiscard]] std::vector<Block> pem_blocks(const std::string& text);
+[[nodiscard]] std::string pem_of(const Block& block);
+
+/// Cuts off what pads a stored certificate; empty when it is not even DER.
+[[nodiscard]] Bytes without_padding(const Bytes& stored);
 /// The whole of `bytes` in base64, without line breaks.
 [[nodiscard]] std::string base64_of(const Bytes& bytes);
 

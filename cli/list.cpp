@@ -129,6 +129,15 @@ void advise_on_waiting(Report& report, const Inventory& inventory, const Waiting
              values});
 }
 
+void advise_on_retired(Report& report, const RetiredPair& pair) {
+    report.advice.push_back(
+        {"card-software",
+         fmt::format("The keys {} are what is left of a certificate that was removed (a copy: {}).\n"
+                     "  The card's own software can remove them; nothing uses them.",
+                     pair.id, pair.backup),
+         {{"remove", Json::array({pair.id})}}});
+}
+
 void advise_on_services(Report& report, const Inventory& inventory) {
     const bool stored = inventory.current(Kind::services) != nullptr;
     const Json values = {{"kind", kind_name(Kind::services)}, {"pair", own_pair_id}, {"remove_old", stored}};
@@ -153,6 +162,9 @@ Report list_card(OpenedCard& card, const ListOptions& options) {
     add_certificates(report, inventory, options.days);
     report.json["unreadable"] = inventory.unreadable;
     report.json["waiting"] = waiting_json(inventory);
+    report.json["retired"] = Json::array();
+    for (const RetiredPair& pair : inventory.retired)
+        report.json["retired"].push_back({{"id", pair.id}, {"backup", pair.backup}});
     report.json["services_waiting"] = inventory.services_waiting;
     report.json["next"] = {{"signature", proposal_json(inventory.signature)},
                            {"authentication", proposal_json(inventory.authentication)}};
@@ -162,6 +174,8 @@ Report list_card(OpenedCard& card, const ListOptions& options) {
             report.advice.push_back(advice_on_due(inventory, record.kind));
     for (const WaitingPair& pair : inventory.waiting)
         advise_on_waiting(report, inventory, pair);
+    for (const RetiredPair& pair : inventory.retired)
+        advise_on_retired(report, pair);
     if (inventory.services_waiting) advise_on_services(report, inventory);
     return report;
 }

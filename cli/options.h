@@ -32,9 +32,9 @@ struct RequestOptions : CommonOptions {
 
 struct InstallOptions : CommonOptions {
     std::string certificate_file;
-    std::string request_file; ///< empty: the pairs that wait on the card are asked
-    std::string replace;      ///< identifier; empty: the certificate of that kind that ends last
-    std::string backup;       ///< empty: a name made from the identifier and the serial number
+    std::string request_file;        ///< empty: the pairs that wait on the card are asked
+    std::string replace;             ///< identifier; empty: the one that signed the request, or the only one
+    std::string backup;              ///< empty: a name made from the identifier and the serial number
     bool remove_old = false;
 };
 

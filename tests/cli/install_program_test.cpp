@@ -54,8 +54,10 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOl
     EXPECT_EQ(list["certificates"][0]["replaced"], true);
     EXPECT_EQ(list["certificates"][0]["due"], false);
     EXPECT_TRUE(list["waiting"].empty());
-    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 1U);
-    EXPECT_EQ(with_pin("install certificate").code, 2) << "it is there already";
+    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "what a removal would take";
+    const Outcome again = with_pin("install certificate");
+    EXPECT_EQ(again.code, 2) << "it is there already";
+    EXPECT_EQ(again.count("C_Sign"), 1U) << "its key is tried";
 }
 
 TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
@@ -68,6 +70,7 @@ TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
     EXPECT_EQ(result["on_card"], zvtest::whole({"AUTHCertificate0", "DS3"}));
     EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
     EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "the authority's goes too";
+    EXPECT_NE(simcard::read_file(file("old.pem")).find("BEGIN PUBLIC KEY"), std::string::npos);
 }
 
 TEST_F(InstallProgramTest, RenewsTheAuthenticationCertificate) {
@@ -103,7 +106,51 @@ TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
     EXPECT_EQ(outcome.code, 2) << outcome.err;
     EXPECT_FALSE(outcome.changed_card());
     EXPECT_EQ(simcard::read_file(file("mine")), "mine");
-    EXPECT_EQ(with_pin("install certificate").code, 0);
+    EXPECT_TRUE(outcome.says("another name with --backup"));
+    outcome = with_pin("install certificate --remove-old", "C_GetAttributeValue:9:answer:0x30");
+    EXPECT_EQ(outcome.code, 1) << "what is not read is in no backup: " << outcome.err;
+    EXPECT_FALSE(outcome.changed_card());
+    const std::string full = command("install certificate --remove-old --pin-file " + pin_file().string());
+    outcome = shell("(trap '' XFSZ; ulimit -f 4; " + full + " 2>&1) | cat");
+    EXPECT_TRUE(outcome.says("Now on the card: DS0 (certificate and keys)")) << outcome.out;
+    EXPECT_EQ(with_pin("install certificate --backup other").code, 0);
+}
+
+// Also when it ends in the middle, what was asked for and no more is gone in the end.
+TEST_F(InstallProgramTest, TakesTheSameCertificateWhenItIsRepeated) {
+    for (const std::string options : {"--replace DS0", "--request request"})
+        for (const char* rule : {"C_DestroyObject:1:kill-after", "C_DestroyObject:2:kill-after",
+                                 "C_DestroyObject:3:kill-after", "C_CreateObject:1:kill-before"}) {
+            make_card_with({"DS0", "DS1"});
+            ASSERT_EQ(with_pin("request signature --certificate DS0 --out request").code, 0);
+            issue("request", "certificate");
+            Outcome outcome = with_pin("install certificate --remove-old");
+            EXPECT_EQ(outcome.code, 2) << "either could be meant: " << outcome.err;
+            EXPECT_TRUE(outcome.says("--replace DS0 or --replace DS1")) << outcome.err;
+            const std::string install = "install certificate --remove-old " + options;
+            EXPECT_NE(with_pin(install, rule).code, 0);
+            outcome = with_pin(install);
+            EXPECT_EQ(outcome.code, 0) << options << rule << outcome.err;
+            EXPECT_TRUE(outcome.says("Now on the card: DS1 (certificate and keys), ")) << outcome.out;
+            EXPECT_TRUE(outcome.says("DS3 (certificate and keys)\n")) << options << rule << outcome.out;
+            ASSERT_EQ(shell(ZVSIMCARD_TOOL " remove card && rm *").code, 0);
+        }
+}
+
+TEST_F(InstallProgramTest, OffersNoKeysThatARemovalLeft) {
+    prepare("--days 40");
+    ASSERT_EQ(with_pin("install certificate --remove-old").code, 0);
+    ASSERT_EQ(with_pin("request signature --out second").code, 0);
+    issue("second", "certificate");
+    const Outcome stuck = with_pin("install certificate --remove-old",
+                                   "C_DestroyObject:1:answer:0x6;C_DestroyObject:2:answer:0x6");
+    EXPECT_EQ(stuck.code, 1);
+    EXPECT_TRUE(stuck.says("DS3 (keys without a certificate)")) << stuck.err;
+    const auto list = json("list");
+    EXPECT_TRUE(list["waiting"].empty()) << list;
+    EXPECT_EQ(list["retired"][0]["id"], "DS3");
+    EXPECT_TRUE(with_pin("request signature --force --out third").says("the new pair DS5"));
+    EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. The card's own software"));
 }
 
 TEST_F(InstallProgramTest, RefusesPartsOfIdentifiers) {

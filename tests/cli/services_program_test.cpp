@@ -37,21 +37,23 @@ TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
     EXPECT_EQ(renewed["key_identifier"], before["certificates"][0]["key_identifier"]) << "the same keys";
     EXPECT_NE(renewed["serial"], before["certificates"][0]["serial"]);
     EXPECT_EQ(after["services_waiting"], false);
-    EXPECT_EQ(with_pin("install old.pem --remove-old").code, 0) << "the old one can be put back";
+    EXPECT_EQ(with_pin("install old.pem --remove-old").code, 0) << "it can be put back";
 }
 
-TEST_F(ServicesProgramTest, OffersToKeepOnceTheOldOneIsGone) {
+TEST_F(ServicesProgramTest, FinishesOnceTheOldOneIsGone) {
     prepare();
     const Outcome full = with_pin("install certificate --remove-old", "C_CreateObject:1:answer:0x31");
     EXPECT_EQ(full.code, 1);
     EXPECT_TRUE(full.says("Now on the card: CNS0 (keys without a certificate)")) << full.err;
-    EXPECT_TRUE(full.says("run the command again without --remove-old")) << full.err;
-    EXPECT_EQ(with_pin("install certificate").code, 0);
+    EXPECT_TRUE(full.says("run the same command again")) << full.err;
+    EXPECT_EQ(with_pin("install certificate --remove-old").code, 0);
     EXPECT_EQ(json("list")["certificates"].size(), 1U);
 }
 
 TEST_F(ServicesProgramTest, TellsTheTwoThatAreKeptApart) {
     prepare();
+    const Outcome refused = with_pin("install certificate --backup old.pem", "C_CreateObject:1:answer:0x5");
+    EXPECT_TRUE(refused.says("needs --remove-old")) << "some take only one: " << refused.err;
     const Outcome kept = with_pin("install certificate --backup old.pem");
     EXPECT_EQ(kept.code, 0) << kept.err;
     EXPECT_TRUE(kept.says("still on the card, under the same identifier CNS0")) << kept.out;
