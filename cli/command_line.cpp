@@ -1,9 +1,12 @@
 #include "cli/command_line.h"
 
 #include "cli/commands.h"
+#include "cli/suitability.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <memory>
 #include <sstream>
 
@@ -30,6 +33,9 @@ new certificate is stored; with a signature certificate the authority's own cert
 puts it back. A services card keeps its keys: only its certificate is removed, and without --remove-old it then
 holds two of the same identifier. What is replaced or removed is saved to the backup file first. At the end the
 new key signs and the new certificate verifies. The same command, given again, finishes what was broken off.
+
+A certificate that has ended, is for another person or for another purpose is refused; with --remove-old also one
+that ends before the old one or begins later than now. --accept takes what it names all the same.
 
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
@@ -152,6 +158,13 @@ void add_install(CLI::App& app, Invocation& chosen) {
         .add_option("--backup", options.backup,
                     "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)")
         ->type_name("FILE");
+    command
+        .add_option("--accept", options.accept,
+                    "Take the certificate although: " +
+                        fmt::format("{}", fmt::join(accepted_reasons(), ", ")))
+        ->type_name("REASON,...")
+        ->delimiter(',')
+        ->check(CLI::IsMember(accepted_reasons()).description(""));
     add_card(command, options);
 }
 

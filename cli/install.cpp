@@ -8,9 +8,11 @@
 #include "cli/note.h"
 #include "cli/proof.h"
 #include "cli/signals.h"
+#include "cli/suitability.h"
 #include "zvRenew.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -41,6 +43,7 @@ std::string save_backup(const InstallPlan& plan) {
 }
 
 void say_what_comes(const InstallPlan& plan) {
+    if (const std::string issuer = new_issuer(plan); !issuer.empty()) note(issuer);
     if (plan.removed.empty()) return;
     if (plan.kind == Kind::services)
         return note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
@@ -166,6 +169,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["replaces"] = plan.old && !plan.old->id.empty() ? Json(plan.old->id) : Json();
     report.json["removed"] = plan.removed;
     report.json["left"] = plan.left;
+    report.json["other_issuer"] = !new_issuer(plan).empty();
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
     report.json["on_card"] = now.contents.as_json();
     report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
@@ -224,6 +228,9 @@ Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedF
 
 Report run_install(const InstallOptions& options) {
     const IssuedFiles files = read_issued_files(options);
+    // One that is there may be of a run that was broken off.
+    if (std::error_code error; !options.backup.empty() && !std::filesystem::exists(options.backup, error))
+        NewFile trial(options.backup);
     OpenedCard card = open_card(options, Use::changing);
     return about_card(card, [&] { return install_on(card, options, files); });
 }

@@ -3,6 +3,7 @@
 #include "cli/old_certificate.h"
 #include "cli/outcome.h"
 #include "cli/removal.h"
+#include "cli/suitability.h"
 #include "zvRenew.h"
 
 #include <algorithm>
@@ -113,6 +114,7 @@ InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files
         find_old({options, files, view, inventory.backups, card, plan.kind, plan.pair, plan.certificate});
     refuse_ambiguous(plan, view);
     if (plan.old) plan_removal(plan, options, card.state.serial, view);
+    refuse_worthless(options, plan, files, view);
     return plan;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -35,6 +36,7 @@ struct InstallOptions : CommonOptions {
     std::string request_file;        ///< empty: the pairs that wait on the card are asked
     std::string replace;             ///< identifier; empty: the one that signed the request, or the only one
     std::string backup;              ///< empty: a name made from the identifier and the serial number
+    std::vector<std::string> accept; ///< reasons for which a certificate is taken all the same
     bool remove_old = false;
 };
 

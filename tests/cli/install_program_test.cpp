@@ -112,8 +112,12 @@ TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
     EXPECT_FALSE(outcome.changed_card());
     const std::string full = command("install certificate --remove-old --pin-file " + pin_file().string());
     outcome = shell("(trap '' XFSZ; ulimit -f 4; " + full + " 2>&1) | cat");
-    EXPECT_TRUE(outcome.says("Now on the card: DS0 (certificate and keys)")) << outcome.out;
+    EXPECT_TRUE(outcome.says("Give the backup another name")) << "no room: " << outcome.out;
+    outcome = with_pin("install certificate --backup no/such/folder");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.calls, "") << "told before the PIN";
     EXPECT_EQ(with_pin("install certificate --backup other").code, 0);
+    EXPECT_EQ(identifiers(), (Ids{"DS0", "DS3", "AUTHCertificate0"}));
 }
 
 // Also when it ends in the middle, what was asked for and no more is gone in the end.
@@ -151,6 +155,28 @@ TEST_F(InstallProgramTest, OffersNoKeysThatARemovalLeft) {
     EXPECT_EQ(list["retired"][0]["id"], "DS3");
     EXPECT_TRUE(with_pin("request signature --force --out third").says("the new pair DS5"));
     EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. The card's own software"));
+}
+
+TEST_F(InstallProgramTest, RefusesACertificateThatIsWorthNothing) {
+    prepare();
+    const struct {
+        const char *issued, *options, *reasons;
+    } cases[] = {{"--starts-in -30 --days 20", "", "expired"},
+                 {"--other-person RSSMRA80A01H501U", "", "holder"},
+                 {"--kind authentication", "", "purpose"},
+                 {"--days 5", "--remove-old", "ends-earlier"},
+                 {"--starts-in 1", "--remove-old", "starts-later"},
+                 {"--starts-in -30 --days 20 --other-person X --kind cns", "--remove-old",
+                  "expired,ends-earlier,holder,purpose"}};
+    for (const auto& [issued, options, reasons] : cases) {
+        issue("request", "worthless", issued);
+        const Outcome outcome = with_pin(std::string("install worthless ") + options);
+        EXPECT_EQ(outcome.code, 2) << reasons;
+        EXPECT_TRUE(outcome.says(std::string("--accept ") + reasons + ".")) << outcome.err;
+        EXPECT_FALSE(outcome.changed_card()) << reasons;
+    }
+    EXPECT_EQ(with_pin("install worthless --remove-old --accept expired,ends-earlier,holder,purpose").code,
+              0);
 }
 
 TEST_F(InstallProgramTest, RefusesPartsOfIdentifiers) {

@@ -1,4 +1,5 @@
 #include "cli/distinguished_name.h"
+#include "cli/holder.h"
 #include "cli/outcome.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +69,15 @@ TEST(NameTest, KnowsToTheCharacterWhenTheTailWouldBeLost) {
     ASSERT_LE(left, 64U);
     EXPECT_EQ(why_not(text + "/ST=" + std::string(left, 's')), "");
     EXPECT_NE(why_not(text + "/ST=" + std::string(left + 1, 's')), "");
+}
+
+TEST(NameTest, KnowsAHolderAgain) {
+    EXPECT_EQ(plain_name("Nicolò D'Amìco"), plain_name("D\u2019AMICO  NICOLO'"));
+    EXPECT_EQ(plain_name("Jose\u0301 Šimić"), "JOSE SIMIC");
+    EXPECT_NE(plain_name("Ада"), plain_name("Ева"));
+    EXPECT_TRUE(same_holder({"", "A1", "ADA"}, {"", "A1", "EVA"})) << "the code tells";
+    EXPECT_FALSE(same_holder({"", "A1", "ADA"}, {"", "B2", "ADA"}));
+    EXPECT_FALSE(same_holder({"", "", "ADA"}, {"", "", "EVA"}));
 }
 
 } // namespace

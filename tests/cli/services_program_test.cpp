@@ -37,7 +37,7 @@ TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
     EXPECT_EQ(renewed["key_identifier"], before["certificates"][0]["key_identifier"]) << "the same keys";
     EXPECT_NE(renewed["serial"], before["certificates"][0]["serial"]);
     EXPECT_EQ(after["services_waiting"], false);
-    EXPECT_EQ(with_pin("install old.pem --remove-old").code, 0) << "it can be put back";
+    EXPECT_EQ(with_pin("install old.pem --remove-old --accept ends-earlier").code, 0) << "it can be put back";
 }
 
 TEST_F(ServicesProgramTest, FinishesOnceTheOldOneIsGone) {
