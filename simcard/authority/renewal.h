@@ -15,7 +15,7 @@ struct RenewalTerms {
     /// From when on it holds, in days from now; negative for the past.
     int starts_in = 0;
     /// Issues it to somebody else: the codice fiscale; empty: whom the request names.
-    std::string other_person;
+    std::string other_person = {};
     /// Whether a request without a signed message around it is taken: nothing then says whose it is.
     bool bare_requests = false;
 };
