@@ -5,6 +5,7 @@
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
+#include <algorithm>
 #include <ctime>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -19,7 +20,36 @@ Advice say_subject() {
     return {"subject", "Give the subject of the request with --subject."};
 }
 
-CertificateRecord certificate_to_renew(const RequestOptions& options, const Inventory& inventory) {
+bool is_listed(const Inventory& inventory, const std::string& id) {
+    const auto& records = inventory.certificates;
+    return std::any_of(records.begin(), records.end(), [&](const auto& record) { return record.id == id; });
+}
+
+// Other identifiers of a services card are in none of the library's lists.
+bool is_of_kind(const std::string& id, Kind kind, bool services_card) {
+    const bool known = id.starts_with("DS") || id.starts_with("AUTHCertificate") || id == own_pair_id;
+    return (known || !services_card) && kind_of_certificate(id, services_card) == kind;
+}
+
+// A certificate with its key that the library's lists lack though they have room: reading it failed.
+std::string unread_certificate(const RequestOptions& options, const Inventory& inventory,
+                               const CardView& view) {
+    if (inventory.certificates.size() + inventory.unreadable >= ZV_LIST_ENTRIES - 1) return {};
+    for (const std::string& id : view.identifiers())
+        if ((options.certificate.empty() || options.certificate == id) && !is_listed(inventory, id) &&
+            is_of_kind(id, options.kind, inventory.own_pair) && !view.certificates(id).empty() &&
+            view.find(CKO_PRIVATE_KEY, id) != nullptr)
+            return id;
+    return {};
+}
+
+CertificateRecord certificate_to_renew(const RequestOptions& options, const Inventory& inventory,
+                                       const CardView& view) {
+    if (const std::string id = unread_certificate(options, inventory, view); !id.empty())
+        throw Stop(Exit::failed, fmt::format("The certificate {} is on the card, but could not be read.", id),
+                   Advice{"repeat",
+                          "Leave the card in the reader and run the same command again, or name another "
+                          "certificate with --certificate ID."});
     const CertificateRecord* found = options.certificate.empty()
                                          ? inventory.current(options.kind)
                                          : inventory.find(options.kind, options.certificate);
@@ -148,7 +178,7 @@ std::optional<DistinguishedName> given_subject(const RequestOptions& options) {
 RequestPlan plan_request(const RequestOptions& options, const Inventory& inventory, const CardView& view,
                          std::optional<DistinguishedName> subject) {
     RequestPlan plan;
-    plan.old = certificate_to_renew(options, inventory);
+    plan.old = certificate_to_renew(options, inventory, view);
     stop_unless_due(options, plan.old);
     plan.subject = subject ? std::move(*subject) : subject_of(plan.old);
     if (view.find(CKO_PRIVATE_KEY, plan.old.id) == nullptr)

@@ -66,6 +66,11 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_TRUE(full.says("Errore nella generazione delle chiavi sulla smartcard (error 31)")) << full.err;
     EXPECT_TRUE(full.says("Now on the card: DS0 (certificate and keys)")) << full.err;
     EXPECT_FALSE(std::filesystem::exists(file("r")));
+    Outcome reading = with_pin("request signature --days 1 --out r");
+    reading.calls.resize(reading.calls.find("CKA_VALUE 16384"));
+    const std::string nth = std::to_string(reading.count("C_GetAttributeValue"));
+    EXPECT_TRUE(with_pin("request signature --out r", "C_GetAttributeValue:" + nth + ":answer:0x30")
+                    .says("DS0 is on the card, but could not be read"));
 
     const Outcome unsigned_one = with_pin("request signature --out r", "C_Sign:1:absurd:brief");
     EXPECT_EQ(unsigned_one.code, 1);
