@@ -93,15 +93,16 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
 TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     make_card();
     const std::string slow = "C_GenerateKeyPair:1:delay:500000", pin = " --pin-file " + pin_file().string();
-    const auto once = [&](const char* call, const char* deed) {
-        return std::string("{ (timeout 20 sh -c 'until grep -sq ") + call + " " + trace().string() +
-               "; do sleep 0.02; done'; " + deed + ") & }; ";
+    const auto once = [&](const char* calls, const char* call, const char* deed) {
+        return std::string("{ (timeout 20 sh -c 'until test $(grep -c ") + call + " " + trace().string() +
+               ") -ge " + calls + "; do sleep 0.02; done' 2>/dev/null; " + deed + ") & }; ";
     };
-    Outcome outcome = shell("mkdir stick; " + once("C_Login", "rm -r stick") +
+    // The fifth login is that of the library's request.
+    Outcome outcome = shell("mkdir stick; " + once("5", "C_Login", "rm -r stick") +
                             command("request signature --out stick/r" + pin, slow));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.says("DS3 (keys without a certificate)")) << outcome.err;
-    outcome = shell(once("C_DestroyObject", "echo mine >r") +
+    outcome = shell(once("1", "C_DestroyObject", "echo mine >r") +
                     command("request signature --new-pair --out r" + pin, slow));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(simcard::read_file(file("r")), "mine\n");
