@@ -186,15 +186,15 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
 }
 
 // What a run before this one may have left, when it was broken off after storing.
-[[noreturn]] void stop_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
-                              const CardView& view, const std::string& id) {
+Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
+                    const CardView& view, const std::string& id) {
     std::string reason;
     for (const Certificate& certificate : files.certificates)
         if (const Bytes der = der_of(*certificate); view.certificate(id, der) != nullptr)
             reason = prove_pair(card, id, der);
     if (!reason.empty())
-        throw Stop(Exit::failed,
-                   fmt::format("The certificate is on the card already, as {}, but {}", id, reason));
+        return {Exit::failed,
+                fmt::format("The certificate is on the card already, as {}, but {}", id, reason)};
     Stop stop(Exit::refused,
               fmt::format("The certificate is on the card already, as {}: a signature of its key "
                           "verifies with it.",
@@ -204,14 +204,14 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
         left.push_back(pair.id);
     if (!left.empty()) stop.advice.push_back(say_left(left));
     if (id == own_pair_id && view.marked_pending()) stop.advice.push_back({"mark", mark_left});
-    throw stop;
+    return stop;
 }
 
 Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedFiles& files) {
     const CardView before = view_card(card);
     const Inventory inventory = read_inventory(card, before, options.backup);
     if (const std::string id = stored_already(files, before); !id.empty())
-        stop_stored(card, files, inventory, before, id);
+        throw because_stored(card, files, inventory, before, id);
     const InstallPlan plan = plan_install(options, files, card, inventory, before);
     hold_signals();
     const std::string backup = save_backup(plan);
