@@ -101,6 +101,13 @@ bool CardView::marked_pending() const {
     });
 }
 
+std::size_t CardView::private_keys(const std::string& id) const {
+    const auto fits = [&](const CardObject& object) {
+        return object.type == CKO_PRIVATE_KEY && object.id == id;
+    };
+    return static_cast<std::size_t>(std::count_if(objects_.begin(), objects_.end(), fits));
+}
+
 bool CardView::has(const std::string& id) const {
     return std::any_of(objects_.begin(), objects_.end(), [&](const auto& object) { return object.id == id; });
 }
@@ -141,6 +148,18 @@ OnCard CardView::contents() const {
         contents.held.push_back({id, certificates(id).size(), find(CKO_PUBLIC_KEY, id) != nullptr,
                                  find(CKO_PRIVATE_KEY, id) != nullptr});
     return contents;
+}
+
+void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
+    for (const std::string& id : ids)
+        if (view.private_keys(id) > 1)
+            throw Stop(Exit::refused,
+                       "There are several private keys " + id +
+                           " on the card: which one is taken would be chance.",
+                       Advice{"doubled",
+                              "With the card's own software, remove the keys " + id +
+                                  " that no certificate is wanted for; then run the command again.",
+                              {{"remove", {id}}}});
 }
 
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {

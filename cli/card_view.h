@@ -37,6 +37,8 @@ class CardView {
     [[nodiscard]] const CardObject* certificate(const std::string& id, const Bytes& der) const;
     /// Whether the card bears the mark that a request for a services card's own certificate is under way.
     [[nodiscard]] bool marked_pending() const;
+    /// How many private keys have that identifier: there are cards that take any number.
+    [[nodiscard]] std::size_t private_keys(const std::string& id) const;
     /// Whether any object has that identifier.
     [[nodiscard]] bool has(const std::string& id) const;
     /// The modulus of the pair with that identifier; empty when the card does not give it.
@@ -55,6 +57,10 @@ class CardView {
   private:
     std::vector<CardObject> objects_;
 };
+
+/// Refuses identifiers that more than one private key has: which of them is used, or removed, would be chance.
+/// @throws Stop
+void refuse_doubled(const CardView& view, const std::vector<std::string>& ids);
 
 /// Opens a session of its own on the card, logs in, runs `work` and ends the session. @throws Stop
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work);

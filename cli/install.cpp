@@ -216,6 +216,7 @@ Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedF
     hold_signals();
     const std::string backup = save_backup(plan);
     say_what_comes(plan);
+    require_alone(card);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
         stop_failed(card, plan, backup, library_stop("The certificate could not be stored", code));
     if (const std::string reason = prove_pair(card, plan.pair, plan.certificate); !reason.empty())

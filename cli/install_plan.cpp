@@ -113,7 +113,9 @@ InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files
     plan.old =
         find_old({options, files, view, inventory.backups, card, plan.kind, plan.pair, plan.certificate});
     refuse_ambiguous(plan, view);
+    refuse_doubled(view, {plan.pair});
     if (plan.old) plan_removal(plan, options, card.state.serial, view);
+    refuse_doubled(view, plan.removed);
     refuse_worthless(options, plan, files, view);
     return plan;
 }

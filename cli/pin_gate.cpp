@@ -1,10 +1,13 @@
 #include "cli/pin_gate.h"
 
 #include "cli/library_text.h"
+#include "cli/note.h"
 #include "cli/outcome.h"
 #include "cli/pin_input.h"
 #include "zvCrypt.h"
 
+#include <cstdint>
+#include <filesystem>
 #include <fmt/format.h>
 #include <optional>
 
@@ -22,18 +25,20 @@ void refuse_risky_try(const CardState& state, bool final_try) {
                    Advice{"final-try", "If you are sure of the PIN, give --final-try."});
 }
 
-Stop wrong_pin(const Place& place, const std::string& reason) {
+Stop wrong_pin(const Place& place, const std::string& reason, bool locked) {
     std::string tries = "the card could not be asked how many tries are left";
     Json pin;
     try {
-        const CK_FLAGS flags = card_state(place).flags;
+        const CK_FLAGS flags = card_state(place).flags | (locked ? CKF_USER_PIN_LOCKED : CK_FLAGS{0});
+        locked = (flags & CKF_USER_PIN_LOCKED) != 0;
         pin = pin_state(flags);
         tries = tries_text(flags);
         if (tries.empty()) tries = "the card does not say how many tries are left";
     } catch (const Stop&) { // said in the sentence
     }
     Stop stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries),
-              Advice{"check-pin", "Make sure of the PIN before the next try."});
+              locked ? Advice{"unlock", "It takes the card's PUK to unlock the PIN."}
+                     : Advice{"check-pin", "Make sure of the PIN before the next try."});
     stop.facts["pin"] = pin;
     return stop;
 }
@@ -52,8 +57,31 @@ void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     if (code == ZVC_OK) return;
     const std::string reason = crypto_reason(code);
     kvFinalize();
-    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED) throw wrong_pin(place, reason);
+    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
+        throw wrong_pin(place, reason, code == ZVC_ERR_PIN_LOCKED);
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
+}
+
+// The same for every user, and for every way to the module. (FNV-1a: the name of a file is no secret.)
+std::string lock_of(const Place& place, const CardState& state) {
+    std::error_code none;
+    const std::string module = std::filesystem::weakly_canonical(place.module_path, none);
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const unsigned char c : fmt::format("{}\n{}\n{}", module, state.slot, state.serial))
+        hash = (hash ^ c) * 0x100000001B3;
+    return fmt::format("card-{:016x}", hash);
+}
+
+// People take their time: the card that gets the PIN is looked at again.
+Pin ask_pin(const Place& place, const CardState& state, bool final_try) {
+    if (const std::string tries = tries_text(state.flags); !tries.empty())
+        note(fmt::format("The card says that {}.", tries));
+    Pin pin = take_pin({}, place.reader);
+    const CardState now = card_state(place);
+    if (now.slot != state.slot || now.serial != state.serial)
+        throw Stop(Exit::refused, "Another card is in the reader than when the PIN was asked for.");
+    refuse_risky_try(now, final_try);
+    return pin;
 }
 
 // What is known of the card is added to `facts` as soon as it is.
@@ -64,7 +92,6 @@ OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
     if (from_file) early.emplace(take_pin(options.pin_file, {}));
     Place place = find_place(options);
     facts = place_json(place);
-    Pin pin = from_file ? std::move(*early) : take_pin({}, place.reader);
     CardState state = card_state(place);
     facts.update(state_json(state));
     if (use == Use::changing && state.slot > last_slot)
@@ -73,8 +100,11 @@ OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
                                "worked with.",
                                state.slot));
     refuse_risky_try(state, options.final_try);
+    std::optional<Lock> lock;
+    if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");
+    Pin pin = from_file ? std::move(*early) : ask_pin(place, state, options.final_try);
     prove_pin(place, state.slot, pin);
-    return {std::move(place), std::move(state), std::move(pin)};
+    return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
 }
 
 } // namespace
@@ -109,6 +139,13 @@ std::string tries_text(CK_FLAGS flags) {
     if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "one try is left, then the PIN is locked";
     if ((flags & CKF_USER_PIN_COUNT_LOW) != 0) return "fewer tries are left than usual";
     return {};
+}
+
+void require_alone(const OpenedCard& card) {
+    if (card.lock && !card.lock->holds())
+        throw Stop(Exit::refused,
+                   "Another program may be at work on this card by now: the file that keeps it away is gone.",
+                   Advice{"repeat", "Run the command again."});
 }
 
 OpenedCard open_card(const CommonOptions& options, Use use) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "cli/lock.h"
 #include "cli/module.h"
 #include "cli/options.h"
 #include "cli/outcome.h"
 #include "cli/pin.h"
 #include "cli/place.h"
 
+#include <optional>
 #include <string>
 
 namespace cli {
@@ -37,7 +39,11 @@ struct OpenedCard {
     Place place;
     CardState state;
     Pin pin;
+    std::optional<Lock> lock; ///< the card's, where it is going to be changed
 };
+
+/// Looks again, before the card is changed, whether no other program can be at work on it. @throws Stop
+void require_alone(const OpenedCard& card);
 
 /// What a card is opened for. Requests and storing work on slots 0 to 9 only.
 enum class Use { reading, changing };

@@ -7,6 +7,7 @@
 #include "cli/log_folder.h"
 #include "cli/new_file.h"
 #include "cli/note.h"
+#include "cli/request_files.h"
 #include "cli/signals.h"
 #include "zvRenew.h"
 
@@ -204,6 +205,7 @@ Report make_request(const SharedCard& card, const RequestPlan& plan, const Reque
     if (output.file) NewFile still_free(options.out);
     hold_signals();
     say_what_comes(plan);
+    require_alone(*card);
     const std::string text = ask_library(*card, plan, options.kind);
     check_request(*card, plan, text);
     if (options.kind == Kind::services) check_mark(*card);
@@ -233,6 +235,7 @@ Report run_request(const RequestOptions& options) {
     check_options(options);
     std::optional<DistinguishedName> subject = given_subject(options);
     const Output output = prepare_output(options);
+    const Lock files = hold_request_files();
     const auto card = std::make_shared<OpenedCard>(open_card(options, Use::changing));
     return about_card(*card, [&] { return request_on(card, options, output, std::move(subject)); });
 }

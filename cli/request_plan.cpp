@@ -189,6 +189,7 @@ RequestPlan plan_request(const RequestOptions& options, const Inventory& invento
     else
         take_new_pair(plan, options, inventory, view);
     refuse_ambiguous(plan.pair, view);
+    refuse_doubled(view, {plan.pair, plan.old.id});
     plan.left = single_keys(view, plan.pair);
     return plan;
 }

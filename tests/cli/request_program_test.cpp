@@ -93,16 +93,15 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
 TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     make_card();
     const std::string slow = "C_GenerateKeyPair:1:delay:500000", pin = " --pin-file " + pin_file().string();
-    const auto once = [&](const char* calls, const char* call, const char* deed) {
-        return std::string("{ (timeout 20 sh -c 'until test $(grep -c ") + call + " " + trace().string() +
-               ") -ge " + calls + "; do sleep 0.02; done' 2>/dev/null; " + deed + ") & }; ";
+    const auto once = [&](const char* call, const char* deed) {
+        return std::string("{ (timeout 20 sh -c 'until grep -sq ") + call + " " + trace().string() +
+               "; do sleep 0.02; done'; " + deed + ") & }; ";
     };
-    // The fifth login is that of the library's request.
-    Outcome outcome = shell("mkdir stick; " + once("5", "C_Login", "rm -r stick") +
-                            command("request signature --out stick/r" + pin, slow));
+    Outcome outcome = shell("mkdir stick; " + once("C_GenerateKeyPair", "rm -r stick") +
+                            command("request signature --out stick/r" + pin, "C_Sign:1:delay:500000"));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.says("DS3 (keys without a certificate)")) << outcome.err;
-    outcome = shell(once("1", "C_DestroyObject", "echo mine >r") +
+    outcome = shell(once("C_DestroyObject", "echo mine >r") +
                     command("request signature --new-pair --out r" + pin, slow));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(simcard::read_file(file("r")), "mine\n");
@@ -130,6 +129,57 @@ TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     EXPECT_EQ(with_pin("request signature --out done").code, 2) << "it is of an older pair";
     for (const auto& entry : std::filesystem::directory_iterator(work()))
         EXPECT_NE(entry.path().filename().string().front(), '.') << "a draft was left";
+}
+
+TEST_F(RequestProgramTest, WorksOnACardAlone) {
+    make_card();
+    ASSERT_EQ(with_pin("request signature --out r").code, 0);
+    ASSERT_EQ(tool("issue r --out certificate").code, 0);
+    const std::string pin = " --pin-file " + pin_file().string(),
+                      busy = "until grep -sq C_Destroy " + trace().string() + "; do sleep 0.02; done";
+    for (const char* second : {"request authentication --force", "install certificate --remove-old"}) {
+        const Outcome outcome = shell(
+            "({ " +
+            command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:1000000") +
+            " 2>first & }; timeout 20 sh -c '" + busy + "'; " + command(second + pin) +
+            "; code=$?; wait; rm other; exit $code)");
+        EXPECT_EQ(outcome.code, 2) << second << outcome.err;
+        EXPECT_TRUE(outcome.says("Another program (process ")) << outcome.err;
+        EXPECT_EQ(outcome.count("C_GenerateKeyPair"), 1U);
+    }
+}
+
+TEST_F(RequestProgramTest, FindsWhatIsInTheLibrarysWayBeforeThePin) {
+    make_card();
+    std::filesystem::create_directory("/tmp/szP7MName");
+    Outcome outcome = with_pin("request signature --out r");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(outcome.says("/tmp/szP7MName is in the way: a folder of ")) << outcome.err;
+    EXPECT_EQ(outcome.calls, "");
+    std::filesystem::remove("/tmp/szP7MName");
+    if (::geteuid() != 0) return;
+    outcome =
+        shell("touch /tmp/tmpReqFile; setpriv --reuid=65534 --clear-groups " + command("request signature"));
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(outcome.says("/tmp/tmpReqFile is in the way: a file of ")) << outcome.err;
+    EXPECT_EQ(with_pin("request signature --out r").code, 0) << "one's own leftovers do no harm";
+}
+
+TEST_F(RequestProgramTest, RefusesAnIdentifierOfTwoKeys) {
+    make_card();
+    ASSERT_EQ(with_pin("request signature --out r").code, 0);
+    ASSERT_EQ(tool("issue r --out c").code, 0);
+    const std::string other = "pkcs11-tool --module " ZVSIMCARD_MODULE " -l --pin 12345678 --id 445333 ";
+    ASSERT_EQ(shell(other + "--keypairgen --key-type rsa:2048").code, 0);
+    for (const char* command : {"request signature", "request signature --new-pair", "install c"}) {
+        const Outcome outcome = with_pin(command);
+        EXPECT_EQ(outcome.code, 2) << command;
+        EXPECT_TRUE(outcome.says("several private keys DS3")) << outcome.err;
+    }
+    ASSERT_EQ(
+        shell(other + "--delete-object --type privkey && " + other + "--delete-object --type pubkey").code,
+        0);
+    EXPECT_EQ(with_pin("request signature").code, 0);
 }
 
 // A person who thinks that the program hangs presses Ctrl-C.

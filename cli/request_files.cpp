@@ -1,0 +1,48 @@
+#include "cli/request_files.h"
+
+#include "cli/new_file.h"
+#include "cli/outcome.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace cli {
+namespace {
+
+// Leftovers of a call that failed are replaced by the library, if they are plain files or links and the user's own.
+void refuse_obstacle(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return;
+    const bool ours = status.st_uid == ::geteuid() || ::geteuid() == 0;
+    const bool replaced = S_ISREG(status.st_mode) || S_ISLNK(status.st_mode);
+    if (ours && replaced) return;
+    const std::string owner = owner_of(status.st_uid);
+    throw Stop(Exit::refused,
+               fmt::format("{} is in the way: a {} of {}.", path, S_ISDIR(status.st_mode) ? "folder" : "file",
+                           owner),
+               Advice{"remove-file",
+                      fmt::format("Have {} remove {}, or an administrator.", owner, path),
+                      {{"file", path}, {"owner", owner}}});
+}
+
+void require_room() {
+    try {
+        NewFile trial(fmt::format("/tmp/zvrenew-{}.trial", ::getpid()));
+    } catch (const Stop& stop) {
+        throw Stop(Exit::refused, "The library's temporary files cannot be made. " + stop.sentence,
+                   Advice{"free-tmp", "Make room in /tmp.", {{"file", "/tmp"}}});
+    }
+}
+
+} // namespace
+
+Lock hold_request_files() {
+    Lock lock("request", "is making a request, and two would get into each other's temporary files");
+    for (const char* path : {"/tmp/tmpReqFile", "/tmp/szP7MName", "/tmp/szP7MNameB64"})
+        refuse_obstacle(path);
+    require_room();
+    return lock;
+}
+
+} // namespace cli

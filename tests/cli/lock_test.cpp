@@ -1,0 +1,36 @@
+#include "cli/lock.h"
+
+#include "cli/outcome.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <unistd.h>
+
+namespace {
+
+using namespace cli;
+
+TEST(LockTest, LetsOneInAndSaysWho) {
+    const std::string name = "test-" + std::to_string(::getpid()), path = "/tmp/zvrenew-" + name + ".lock";
+    std::optional<Lock> first(std::in_place, name, "is here");
+    EXPECT_NE(::fcntl(100, F_GETFD), -1) << "modules close the lowest descriptors";
+    try {
+        const Lock second(name, "is here");
+        ADD_FAILURE();
+    } catch (const Stop& stop) {
+        EXPECT_EQ(stop.exit, Exit::refused);
+#ifndef __APPLE__
+        EXPECT_EQ(stop.sentence, "Another program (process " + std::to_string(::getpid()) + ") is here.");
+#endif
+    }
+    EXPECT_TRUE(first->holds());
+    ::unlink(path.c_str());
+    EXPECT_FALSE(first->holds()) << "another could get in";
+    const Lock third(name, "is here");
+    first.reset();
+    EXPECT_TRUE(third.holds()) << "the first left what is not its own";
+    ::close(100);
+}
+
+} // namespace
