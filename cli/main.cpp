@@ -1,5 +1,6 @@
 #include "cli/answer.h"
 #include "cli/command_line.h"
+#include "cli/dumps.h"
 #include "cli/library_text.h"
 #include "cli/log_folder.h"
 #include "cli/note.h"
@@ -89,6 +90,10 @@ Exit run(const Invocation& invocation) {
 }
 
 int start(int argc, char** argv) {
+    forbid_cores();
+#ifndef ZV_DUMPABLE
+    forbid_reading();
+#endif
     let_writes_fail();
     if (!open_standard_descriptors())
         return static_cast<int>(tell_stop({Exit::failed, "Standard output is closed."}));

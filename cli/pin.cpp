@@ -3,31 +3,50 @@
 #include "cli/outcome.h"
 
 #include <algorithm>
+#include <new>
 #include <openssl/crypto.h>
+#include <sys/mman.h>
 
 namespace cli {
+namespace {
 
-Pin::Pin(Pin&& other) noexcept : text_(other.text_), length_(other.length_), dropped_(other.dropped_) {
-    other.wipe();
+constexpr std::size_t page_size = 4096; // at least: the system gives whole pages
+
+} // namespace
+
+Pin::Pin() {
+    void* memory = ::mmap(nullptr, page_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) throw std::bad_alloc();
+    // Where a user may lock nothing, the PIN is worth having all the same.
+    (void)::mlock(memory, page_size);
+#ifdef MADV_DONTDUMP
+    (void)::madvise(memory, page_size, MADV_DONTDUMP);
+#endif
+    page_.reset(new (memory) Page);
+}
+
+void Pin::Release::operator()(Page* page) const {
+    OPENSSL_cleanse(page, sizeof *page);
+    ::munmap(page, page_size);
 }
 
 void Pin::add(char c) {
     if (full())
-        ++dropped_;
+        ++page_->dropped;
     else
-        text_[length_++] = c;
+        page_->text[page_->length++] = c;
 }
 
 void Pin::remove_last() {
-    if (dropped_ > 0)
-        --dropped_;
-    else if (length_ > 0)
-        text_[--length_] = '\0';
+    if (page_->dropped > 0)
+        --page_->dropped;
+    else if (page_->length > 0)
+        page_->text[--page_->length] = '\0';
 }
 
 void Pin::wipe() {
-    OPENSSL_cleanse(text_.data(), text_.size());
-    length_ = dropped_ = 0;
+    OPENSSL_cleanse(page_->text.data(), page_->text.size());
+    page_->length = page_->dropped = 0;
 }
 
 void check_pin_form(const Pin& pin) {

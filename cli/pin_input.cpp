@@ -4,10 +4,13 @@
 #include "cli/outcome.h"
 #include "cli/scoped_fd.h"
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/select.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -19,6 +22,7 @@ constexpr char end_of_text = 3;  // Ctrl-C
 constexpr char end_of_input = 4; // Ctrl-D
 constexpr char backspace = 8;
 constexpr char kill_line = 21; // Ctrl-U
+constexpr char quit = 28;      // Ctrl and a backslash
 constexpr char del = 127;
 
 // One byte at a time: no buffer of the C library keeps a copy of the PIN.
@@ -56,13 +60,62 @@ void say(int terminal, const std::string& text) {
     [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
 }
 
+volatile std::sig_atomic_t told_to_end = 0;
+
+/// While it lives, what would end the program is noticed instead: the terminal has to get its echo back.
+class EndingSignals {
+  public:
+    EndingSignals() {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int signal : signals)
+            sigaddset(&held, signal);
+        pthread_sigmask(SIG_BLOCK, &held, &mask_before_);
+        struct sigaction noticing {};
+        noticing.sa_handler = [](int) { told_to_end = 1; };
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            sigaction(signals[i], &noticing, &before_[i]);
+            if (before_[i].sa_handler == SIG_IGN) sigaction(signals[i], &before_[i], nullptr);
+        }
+    }
+    ~EndingSignals() {
+        for (std::size_t i = 0; i < signals.size(); ++i)
+            sigaction(signals[i], &before_[i], nullptr);
+        pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);
+    }
+    EndingSignals(const EndingSignals&) = delete;
+    EndingSignals& operator=(const EndingSignals&) = delete;
+
+    /// Waits until there is something to read; false when there is a signal instead.
+    [[nodiscard]] bool input(int fd) const {
+        fd_set wanted;
+        int ready = 0;
+        do {
+            FD_ZERO(&wanted);
+            FD_SET(fd, &wanted);
+            ready = pselect(fd + 1, &wanted, nullptr, nullptr, nullptr, &mask_before_);
+        } while (ready < 0 && errno == EINTR && told_to_end == 0);
+        return ready > 0 && told_to_end == 0;
+    }
+
+  private:
+    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    std::array<struct sigaction, signals.size()> before_{};
+    sigset_t mask_before_{};
+};
+
+bool ends(char c) {
+    return c == '\n' || c == '\r' || c == end_of_input || c == end_of_text || c == quit;
+}
+
 // The prompt comes once the terminal is quiet: what is typed after it is neither shown nor thrown away.
 Pin typed(int terminal, const std::string& prompt) {
+    const EndingSignals signals;
     const QuietTerminal quiet(terminal);
     say(terminal, prompt);
     Pin pin;
     char c = 0;
-    while (read_char(terminal, c) && c != '\n' && c != '\r' && c != end_of_input && c != end_of_text) {
+    while (signals.input(terminal) && read_char(terminal, c) && !ends(c)) {
         if (c == backspace || c == del)
             pin.remove_last();
         else if (c == kill_line)
@@ -71,8 +124,7 @@ Pin typed(int terminal, const std::string& prompt) {
             pin.add(c);
     }
     say(terminal, "\n");
-    if (c == end_of_text) throw Stop(Exit::refused, "Stopped at the PIN.");
-    c = '\0';
+    if (c != '\n' && c != '\r') throw Stop(Exit::refused, "Stopped at the PIN.");
     return pin;
 }
 

@@ -46,7 +46,8 @@ TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTakenNorALockedOne) {
 
     give_pin("99999999");
     for (const char* command : {"list", "list", "list --final-try"})
-        EXPECT_EQ(with_pin(command).code, 1);
+        EXPECT_EQ((outcome = with_pin(command)).code, 1);
+    EXPECT_TRUE(outcome.says("PUK")) << outcome.err;
     outcome = with_pin("list --final-try");
     EXPECT_EQ(outcome.code, 2);
     EXPECT_EQ(outcome.count("C_Login"), 0U);

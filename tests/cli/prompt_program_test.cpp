@@ -1,6 +1,10 @@
 // The PIN typed at a terminal.
 #include "tests/cli/program.h"
 
+#include <csignal>
+#include <sys/stat.h>
+#include <termios.h>
+
 #ifdef __APPLE__
 #include <util.h>
 #else
@@ -16,11 +20,12 @@ class PromptProgramTest : public ProgramTest {
     struct Dialogue {
         int code;
         std::string screen;
+        bool echo = false; // the terminal's afterwards
     };
 
-    // Types `keys` once the prompt is there; gives all that the terminal showed.
-    Dialogue type(const std::string& keys) {
-        const std::string shell_command = command("list");
+    // Types `keys` once the prompt is there, or sends a signal; gives all that the terminal showed.
+    Dialogue type(const std::string& keys, int signal = 0) {
+        const std::string shell_command = "ulimit -S -c $(ulimit -H -c); exec " + command("list");
         int terminal = -1;
         const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
         if (child == 0) {
@@ -35,13 +40,30 @@ class PromptProgramTest : public ProgramTest {
             dialogue.screen.append(piece.data(), static_cast<std::size_t>(got));
             if (typed || dialogue.screen.find("\": ") == std::string::npos) continue;
             typed = true;
+            EXPECT_TRUE(is_closed(child));
+            if (signal != 0) ::kill(child, signal);
             EXPECT_EQ(::write(terminal, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
         }
         int status = 0;
         ::waitpid(child, &status, 0);
+        termios settings{};
+        dialogue.echo = ::tcgetattr(terminal, &settings) == 0 && (settings.c_lflag & ECHO) != 0;
         ::close(terminal);
         if (WIFEXITED(status)) dialogue.code = WEXITSTATUS(status);
         return dialogue;
+    }
+    // Whether nobody can read a process's memory, and no core is written of it.
+    static bool is_closed(pid_t process) {
+#ifdef __linux__
+        const std::string folder = "/proc/" + std::to_string(process);
+        struct stat environment {};
+        std::string limits = simcard::read_file(folder + "/limits");
+        limits = limits.substr(limits.find("Max core file size") + 18);
+        return ::stat((folder + "/environ").c_str(), &environment) == 0 && environment.st_uid == 0 &&
+               std::stol(limits) == 0;
+#else
+        return process > 0;
+#endif
     }
 };
 
@@ -56,12 +78,31 @@ TEST_F(PromptProgramTest, TakesAPinWithoutShowingIt) {
     EXPECT_EQ(dialogue.screen.find("nonsense"), std::string::npos) << dialogue.screen;
 }
 
-TEST_F(PromptProgramTest, RefusesAnEmptyPinAndStopsWhenToldTo) {
+TEST_F(PromptProgramTest, StopsWhenToldToAndLeavesTheTerminalAsItWas) {
     make_card();
-    for (const char* keys : {"\n", "\x04", "1234\x03", "12345678 \r"}) {
-        EXPECT_EQ(type(keys).code, 2);
-        EXPECT_FALSE(std::filesystem::exists(trace())) << "the card's module was called";
+    const auto stops = [&](const Dialogue& dialogue) {
+        EXPECT_EQ(dialogue.code, 2) << dialogue.screen;
+        EXPECT_TRUE(dialogue.echo);
+        EXPECT_EQ(simcard::read_file(trace()).find("C_Login"), std::string::npos);
+    };
+    for (const char* keys : {"\n", "\x04", "12345678\x04", "1234\x03", "1234\x1C", "12345678 \r"})
+        stops(type(keys));
+    for (const int signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT})
+        stops(type("1234", signal));
+}
+
+TEST_F(PromptProgramTest, SaysHowItStandsWithThePinBeforeItAsks) {
+    make_card();
+    EXPECT_EQ(type("99999999\n").code, 1);
+    const std::string screen = type("12345678\n").screen;
+    EXPECT_LT(screen.find("fewer tries are left"), screen.find("PIN of the card")) << screen;
+    for (const char* command : {"list", "list", "list --final-try"}) {
+        give_pin("99999999");
+        EXPECT_EQ(with_pin(command).code, 1);
     }
+    const Dialogue locked = type("12345678\n");
+    EXPECT_EQ(locked.code, 2);
+    EXPECT_EQ(locked.screen.find("PIN of the card"), std::string::npos) << locked.screen;
 }
 
 } // namespace
