@@ -19,7 +19,7 @@ namespace {
 constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 constexpr std::size_t CENSUS_SIZE = 1536;
 constexpr int CENSUS_FAILED = 1, PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
-constexpr int DELETION_FAILED = 1;
+constexpr int NOT_DISCARDED = 1;
 
 int takeCensus() {
     char census[CENSUS_SIZE] = {};
@@ -51,7 +51,7 @@ bool mayDiscard(unsigned slotIndex) {
 void discardPending(char* modulePath, char* pin) {
     const auto slotIndex = static_cast<unsigned>(zv::slotUtente);
     const int result =
-        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : DELETION_FAILED;
+        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : NOT_DISCARDED;
     if (result == 0) return;
     zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();
