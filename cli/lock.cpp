@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <pwd.h>
+#include <sstream>
 #include <sys/file.h>
 #include <sys/stat.h>
 #ifndef __APPLE__
@@ -53,9 +54,11 @@ int holder_of(int fd) {
         fmt::format(" {:02x}:{:02x}:{} ", major(status.st_dev), minor(status.st_dev), status.st_ino);
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);) {
+        std::istringstream words(line);
+        std::string number, kind, way, access;
         int process = 0;
-        if (line.find(file) != std::string::npos &&
-            std::sscanf(line.c_str(), "%*d: FLOCK ADVISORY WRITE %d", &process) == 1)
+        if (line.find(file) != std::string::npos && words >> number >> kind >> way >> access >> process &&
+            kind == "FLOCK")
             return process;
     }
 #endif

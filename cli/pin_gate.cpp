@@ -67,8 +67,8 @@ std::string lock_of(const Place& place, const CardState& state) {
     std::error_code none;
     const std::string module = std::filesystem::weakly_canonical(place.module_path, none);
     std::uint64_t hash = 0xCBF29CE484222325;
-    for (const unsigned char c : fmt::format("{}\n{}\n{}", module, state.slot, state.serial))
-        hash = (hash ^ c) * 0x100000001B3;
+    for (const char c : fmt::format("{}\n{}\n{}", module, state.slot, state.serial))
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
     return fmt::format("card-{:016x}", hash);
 }
 
