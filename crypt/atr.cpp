@@ -50,6 +50,7 @@ PackedAtr::PackedAtr(std::string_view digits) noexcept {
 }
 
 bool PackedAtr::matches(const PackedAtr& atr) const noexcept {
+    if (mask_.back() == 0) return false;
     for (std::size_t i = 0; i < digits_.size(); ++i)
         if (((digits_[i] ^ atr.digits_[i]) & mask_[i]) != 0) return false;
     return true;

@@ -22,7 +22,7 @@ class PackedAtr {
     PackedAtr() noexcept = default; // matches no ATR
     explicit PackedAtr(std::string_view digits) noexcept;
 
-    // Whether the pattern has the ATR's length and, but for its wildcards, its digits.
+    // Whether the pattern has the ATR's length and, but for its wildcards, its digits. One without digits is none.
     [[nodiscard]] bool matches(const PackedAtr& atr) const noexcept;
 
   private:

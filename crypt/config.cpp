@@ -1,6 +1,7 @@
 #include "config.h"
 
 #include "built_in_cards.h"
+#include "failure.h"
 #include "files.h"
 
 #include <cstdlib>
@@ -102,19 +103,20 @@ std::optional<std::string> configurationPath() {
 } // namespace
 
 const Table& loadConfiguration() {
-    static const Table none;
-    static TableFile file(SoftwareReaders::allowed);
+    static const auto& none = undying<Table>();
+    static auto& file = undying<TableFile>(SoftwareReaders::allowed);
     const auto path = configurationPath();
     return path ? file.load(*path) : none;
 }
 
 const Table& loadHostTable(const std::string& folder) {
-    static TableFile file(SoftwareReaders::refused);
+    static auto& file = undying<TableFile>(SoftwareReaders::refused);
     return file.load(folder + "/atr.ini");
 }
 
 const Table& builtInTable() {
-    static const Table table = parseTable(builtInCards, "cards.ini", SoftwareReaders::refused);
+    static const auto& table =
+        undying<Table>(parseTable(builtInCards, "cards.ini", SoftwareReaders::refused));
     return table;
 }
 

@@ -1,3 +1,4 @@
+#include "failure.h"
 #include "openssl_ptr.h"
 #include "zvCrypt.h"
 
@@ -17,7 +18,7 @@ MdContextPtr newContext() noexcept {
 }
 
 // Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros.
-MdContextPtr nextContext = newContext();
+MdContextPtr& nextContext = undying<MdContextPtr>(newContext());
 
 } // namespace
 

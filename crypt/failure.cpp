@@ -18,7 +18,7 @@ struct LastFailure {
 };
 
 LastFailure& lastFailure() {
-    static LastFailure last;
+    static auto& last = undying<LastFailure>();
     return last;
 }
 

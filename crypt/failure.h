@@ -6,6 +6,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 namespace zvcrypt {
 
@@ -22,6 +23,12 @@ class Failure : public std::exception {
     zvCryptError code_;
     std::string reason_;
 };
+
+// An object of that type that lives as long as the process: hosts close the card from an exit handler, when the
+// destructors of this library may have run.
+template <class T, class... Arguments> [[nodiscard]] T& undying(Arguments&&... arguments) {
+    return *new T(std::forward<Arguments>(arguments)...);
+}
 
 [[nodiscard]] int runBody(const std::function<void()>& body) noexcept;
 

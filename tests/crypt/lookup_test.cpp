@@ -1,4 +1,5 @@
 #include "certificates.h"
+#include "crypt/atr.h"
 #include "scratch.h"
 
 #include <chrono>
@@ -68,6 +69,25 @@ TEST_F(Lookup, TheFirstPatternThatMatchesWinsAndItsFlagsStandUntilTheNextLookup)
     EXPECT_EQ(module("altro", nullptr, ZVC_ERR_NO_SERVICE), "");
     EXPECT_EQ(kvIsCNSINCARD(), 0);
     EXPECT_EQ(kvIsTOUCHSIGN(), 0);
+}
+
+TEST(Atr, APatternWithoutDigitsMatchesNothing) {
+    const zvcrypt::PackedAtr none, atr("3BFF1800");
+    EXPECT_FALSE(none.matches(atr) || none.matches(none) || atr.matches(none));
+    EXPECT_TRUE(zvcrypt::PackedAtr("3B..1800").matches(atr));
+}
+
+// Hosts close the card from exit handlers, when what a library made later is destroyed already.
+TEST_F(Lookup, AnExitHandlerMayCallAsBefore) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    configure(deskReader + "[card z]\natr = 3BFF1800\nmodule = un-modulo-dal-nome-piuttosto-lungo.so\n");
+    static const auto call = [] {
+        char reader[] = "Scrivania", module[ZVC_MODULE_NAME_SIZE], missing[] = "/non/esiste/questo-modulo.so";
+        if (kvGetPKCS11FromATR(reader, module) != ZVC_OK || kvInitialize(missing, 0) != ZVC_ERR_MODULE_LOAD ||
+            lastError().find(missing) == std::string::npos || kvFinalize() != ZVC_OK)
+            ::_exit(3);
+    };
+    EXPECT_EXIT((std::atexit(call), call(), std::exit(0)), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Lookup, HostTableThenConfigurationThenBuiltInTable) {
