@@ -152,4 +152,15 @@ std::string displayText(int tag, Span value) {
     return text;
 }
 
+std::string plainText(std::string_view field) {
+    std::string text;
+    Span value(reinterpret_cast<const unsigned char*>(field.data()), field.size());
+    for (Step step; !value.empty(); value = value.subspan(step.length)) {
+        step = utf8(value);
+        const bool shown = step.character && (*step.character == '\\' || !isEscaped(*step.character));
+        text += shown ? encoded(*step.character) : "?";
+    }
+    return text;
+}
+
 } // namespace zvcrypt

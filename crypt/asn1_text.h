@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace zvcrypt {
 
@@ -11,5 +12,9 @@ namespace zvcrypt {
 //  - a control character and a backslash come as \xNN, a C1 control and what would reorder or break a line as
 //    \UNNNN, bytes that are no character of the type each as \xNN.
 [[nodiscard]] std::string displayText(int tag, std::span<const unsigned char> value);
+
+// A card's text as UTF-8 of the same length: a '?' stands for a byte that is no character and for what displayText
+// would escape, but for a backslash.
+[[nodiscard]] std::string plainText(std::string_view text);
 
 } // namespace zvcrypt

@@ -1,6 +1,7 @@
 #include "base64.h"
 #include "failure.h"
 #include "files.h"
+#include "session.h"
 
 #include <string_view>
 
@@ -32,7 +33,7 @@ void decode(InputFile& input, OutputFile& output) {
 } // namespace zvcrypt
 
 int kvFileToBase64(char* inPath, char* outPath, const char* mode) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({inPath, outPath, mode});
         const std::string_view wanted = mode;
         if (wanted != "e" && wanted != "d")

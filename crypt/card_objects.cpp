@@ -3,6 +3,7 @@
 #include "certificate.h"
 #include "der.h"
 #include "preference.h"
+#include "signature_pin.h"
 
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
@@ -214,11 +215,14 @@ CardSigner findSigner(const Session& session, std::string_view keyId) {
 }
 
 Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo) {
+    const bool asks = asksForPin(session, key);
+    if (asks) requireSignaturePin(session);
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
     const CK_RV begun = session.call(&CK_FUNCTION_LIST::C_SignInit, &mechanism, key);
     if (refusesKey(begun))
         throw Failure(ZVC_ERR_KEY, moduleReason("La chiave non può fare questa firma", "C_SignInit", begun));
     check("C_SignInit", begun);
+    if (asks) giveSignaturePin(session);
     Bytes data = digestInfo;
     Bytes signature(roomForRsa);
     CK_ULONG length = static_cast<CK_ULONG>(signature.size());

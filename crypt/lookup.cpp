@@ -2,6 +2,7 @@
 #include "config.h"
 #include "failure.h"
 #include "pcsc.h"
+#include "session.h"
 #include "text.h"
 
 #include <algorithm>
@@ -10,7 +11,10 @@ namespace zvcrypt {
 namespace {
 
 // What the flags asked for afterwards are answered from.
-CardEntry lastCard;
+CardEntry& lastCard() {
+    static auto& last = undying<CardEntry>();
+    return last;
+}
 
 std::string cardAtr(const std::string& name, const std::vector<SoftwareReader>& software) {
     const auto isNamed = [&](const auto& reader) { return reader.name == name; };
@@ -36,37 +40,37 @@ CardEntry findCard(const std::string& atr, const std::vector<const Table*>& tabl
 
 void lookUp(const char* reader, char* module, const char* iniDir) {
     module[0] = '\0';
-    lastCard = {};
+    lastCard() = {};
     std::vector<const Table*> tables;
     if (iniDir != nullptr) tables.push_back(&loadHostTable(iniDir));
     const Table& configuration = loadConfiguration();
     tables.insert(tables.end(), {&configuration, &builtInTable()});
     CardEntry card = findCard(cardAtr(reader, configuration.readers), tables);
     writeText(card.module, {module, ZVC_MODULE_NAME_SIZE});
-    lastCard = std::move(card);
+    lastCard() = std::move(card);
 }
 
 } // namespace
 } // namespace zvcrypt
 
 int kvGetPKCS11FromATR(char* reader, char* module) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({reader, module});
         zvcrypt::lookUp(reader, module, nullptr);
     });
 }
 
 int kvGetPKCS11FromATRLite(char* reader, char* module, const char* iniDir) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({reader, module, iniDir});
         zvcrypt::lookUp(reader, module, iniDir);
     });
 }
 
 int kvIsCNSINCARD() {
-    return zvcrypt::lastCard.cns ? 1 : 0;
+    return zvcrypt::lastCard().cns ? 1 : 0;
 }
 
 int kvIsTOUCHSIGN() {
-    return zvcrypt::lastCard.touchSign ? 1 : 0;
+    return zvcrypt::lastCard().touchSign ? 1 : 0;
 }

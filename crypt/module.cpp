@@ -60,7 +60,8 @@ Failure moduleFailure(const char* function, CK_RV result) {
         return coded(ZVC_ERR_PIN_INCORRECT, "PIN errato", function, result);
     case CKR_PIN_INVALID:
     case CKR_PIN_LEN_RANGE:
-        return coded(ZVC_ERR_PIN_INCORRECT, "PIN errato: lunghezza o caratteri non ammessi", function,
+        return coded(ZVC_ERR_PIN_FORM,
+                     "Il PIN ha una lunghezza o dei caratteri che la smart card non ammette", function,
                      result);
     case CKR_PIN_LOCKED:
         return coded(ZVC_ERR_PIN_LOCKED, "PIN bloccato", function, result);

@@ -1,6 +1,7 @@
 #include "config.h"
 #include "failure.h"
 #include "pcsc.h"
+#include "session.h"
 
 #include <algorithm>
 #include <cstring>
@@ -51,7 +52,7 @@ std::vector<std::string> readerNames() {
 } // namespace zvcrypt
 
 int kvGetReader(char* list) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({list});
         list[0] = '\0';
         std::string text;

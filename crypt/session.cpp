@@ -1,5 +1,6 @@
 #include "session.h"
 
+#include "asn1_text.h"
 #include "text.h"
 
 #include <memory>
@@ -7,9 +8,8 @@
 namespace zvcrypt {
 namespace {
 
-// Never destroyed: at the end of the process the module may be gone before this library is.
 std::unique_ptr<Session>& current() {
-    static auto& session = *new std::unique_ptr<Session>;
+    static auto& session = undying<std::unique_ptr<Session>>();
     return session;
 }
 
@@ -28,9 +28,9 @@ bool isGone(CK_RV result) {
 }
 
 // A module's text of fixed size, which it may have left without padding.
-template <std::size_t size> std::string_view fixedText(const CK_UTF8CHAR (&field)[size]) {
+template <std::size_t size> std::string fixedText(const CK_UTF8CHAR (&field)[size]) {
     const std::string_view text{reinterpret_cast<const char*>(field), size};
-    return trimmed(text.substr(0, text.find('\0')));
+    return plainText(trimmed(text.substr(0, text.find('\0'))));
 }
 
 } // namespace
@@ -60,7 +60,10 @@ void Session::openSession() {
 
 Session::Outcome Session::close() noexcept {
     Outcome outcome{nullptr, CKR_OK};
+    pin_.wipe();
     if (handle_ != CK_INVALID_HANDLE) {
+        // Other sessions of the process would keep the card open; where it was open before, it stays so.
+        if (loggedInHere_) (void)call(&CK_FUNCTION_LIST::C_Logout);
         const CK_RV closed = call(&CK_FUNCTION_LIST::C_CloseSession);
         if (closed != CKR_OK && !isGone(closed)) outcome = {"C_CloseSession", closed};
     }
@@ -70,27 +73,35 @@ Session::Outcome Session::close() noexcept {
             outcome = {"C_Finalize", finalised};
     }
     handle_ = CK_INVALID_HANDLE;
-    initialisedHere_ = loggedIn_ = false;
+    initialisedHere_ = loggedIn_ = loggedInHere_ = false;
     return outcome;
+}
+
+CK_RV Session::callLogin(CK_USER_TYPE user, std::span<unsigned char> pin) const {
+    return call(&CK_FUNCTION_LIST::C_Login, user, pin.data(), static_cast<CK_ULONG>(pin.size()));
 }
 
 void Session::login(std::string_view pin) {
     // The standard's type is not const, but a PIN is only read.
-    const auto bytes = reinterpret_cast<CK_UTF8CHAR_PTR>(const_cast<char*>(pin.data()));
-    const CK_RV result =
-        call(&CK_FUNCTION_LIST::C_Login, CK_USER_TYPE{CKU_USER}, bytes, static_cast<CK_ULONG>(pin.size()));
+    auto* bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(pin.data()));
+    const CK_RV result = callLogin(CKU_USER, {bytes, pin.size()});
     loggedIn_ = result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN;
+    if (result == CKR_OK) {
+        loggedInHere_ = true;
+        pin_.keep(pin);
+    }
     if (loggedIn_) return;
+    pin_.wipe();
     const Failure failure = moduleFailure("C_Login", result);
+    throw Failure(failure.code(), failure.reason() + (result == CKR_PIN_INCORRECT ? triesWarning() : ""));
+}
+
+std::string Session::triesWarning() const {
     CK_TOKEN_INFO info{};
-    const bool told = result == CKR_PIN_INCORRECT &&
-                      module_.call(&CK_FUNCTION_LIST::C_GetTokenInfo, slot_, &info) == CKR_OK;
-    std::string warning;
-    if (told && (info.flags & CKF_USER_PIN_LOCKED) != 0)
-        warning = ". Il PIN ora è bloccato";
-    else if (told && (info.flags & CKF_USER_PIN_FINAL_TRY) != 0)
-        warning = ". Resta un solo tentativo prima del blocco";
-    throw Failure(failure.code(), failure.reason() + warning);
+    if (module_.call(&CK_FUNCTION_LIST::C_GetTokenInfo, slot_, &info) != CKR_OK) return {};
+    if ((info.flags & CKF_USER_PIN_LOCKED) != 0) return ". Il PIN ora è bloccato";
+    if ((info.flags & CKF_USER_PIN_FINAL_TRY) != 0) return ". Resta un solo tentativo prima del blocco";
+    return {};
 }
 
 CK_TOKEN_INFO Session::tokenInfo() const {
@@ -104,10 +115,14 @@ Session& currentSession() {
     return *current();
 }
 
+void closeAfterFailure() noexcept {
+    if (current() && current()->loggedIn()) current().reset();
+}
+
 } // namespace zvcrypt
 
 int kvInitialize(char* libPath, int slot) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({libPath});
         zvcrypt::current().reset();
         zvcrypt::current() = std::make_unique<zvcrypt::Session>(libPath, static_cast<unsigned>(slot));
@@ -128,7 +143,7 @@ int kvFinalize() {
 }
 
 int kvCheckSmartCard(char* label, char* manufacturer, char* model, char* serial) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({label, manufacturer, model, serial});
         *label = *manufacturer = *model = *serial = '\0';
         const CK_TOKEN_INFO info = zvcrypt::currentSession().tokenInfo();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kept_pin.h"
 #include "module.h"
 
 #include <string>
@@ -24,6 +25,11 @@ class Session {
 
     void login(std::string_view pin);
     [[nodiscard]] bool loggedIn() const noexcept { return loggedIn_; }
+    // Of this session's own login; empty when the card was open already.
+    [[nodiscard]] std::span<unsigned char> keptPin() const noexcept { return pin_.bytes(); }
+    [[nodiscard]] CK_RV callLogin(CK_USER_TYPE user, std::span<unsigned char> pin) const;
+    // What a reason says behind a refused PIN when the card tells that few tries are left.
+    [[nodiscard]] std::string triesWarning() const;
     [[nodiscard]] CK_TOKEN_INFO tokenInfo() const;
 
     // Calls a function that takes the session handle first.
@@ -40,9 +46,21 @@ class Session {
     CK_SESSION_HANDLE handle_ = CK_INVALID_HANDLE;
     bool initialisedHere_ = false;
     bool loggedIn_ = false;
+    bool loggedInHere_ = false;
+    KeptPin pin_;
 };
 
 // The session that kvInitialize opened; ZVC_ERR_NO_SESSION without one.
 [[nodiscard]] Session& currentSession();
+
+void closeAfterFailure() noexcept;
+
+// Runs an operation on readers, cards or files. One that fails while the session is logged in ends it as kvFinalize
+// would: an open card takes any PIN for the right one.
+template <class Body> [[nodiscard]] int runCardOperation(const Body& body) noexcept {
+    const int code = runOperation(body);
+    if (code != ZVC_OK) closeAfterFailure();
+    return code;
+}
 
 } // namespace zvcrypt

@@ -95,7 +95,7 @@ void signFile(const Session& session, const char* keyId, const HashAlgorithm& ha
 } // namespace zvcrypt
 
 int kvSignFile(const char* keyId, const char* hashName, const char* inPath, const char* outPath) {
-    return zvcrypt::runOperation([&] {
+    return zvcrypt::runCardOperation([&] {
         zvcrypt::requireArguments({keyId, hashName, inPath, outPath});
         const auto& hash = zvcrypt::hashAlgorithm(hashName);
         zvcrypt::signFile(zvcrypt::currentSession(), keyId, hash, inPath, outPath);

@@ -8,7 +8,7 @@
  *  2. Texts are NUL-terminated; those that come out are UTF-8. Every output text is terminated, whatever the
  *     result, and nothing is written past the size stated or given. Where a text does not fit, it ends after
  *     the last whole character that does, and the result is ZVC_ERR_CUT.
- *  3. A null argument is ZVC_ERR_ARGUMENT and touches nothing else.
+ *  3. A null argument is ZVC_ERR_ARGUMENT and touches nothing else (but see 8).
  *  4. Each operation forgets the reason of the failure before it and keeps its own for kvLastError, in
  *     Italian; kvLastError itself, kvIsCNSINCARD, kvIsTOUCHSIGN, Sha1Digest and writeBuff leave it as it is.
  *  5. Files are opened without following a link in their last component; what is no plain file is not read.
@@ -18,7 +18,13 @@
  *     through in pieces: a large one takes no more memory than a small one.
  *  6. The session, the flags of the last card and the last reason belong to the process; calls must not
  *     overlap.
- *  7. No text and no file ever holds the PIN, and no copy of it is kept.
+ *  7. No text and no file ever holds the PIN. One copy of it is kept: from a login that the card answered with
+ *     CKR_OK until its session ends, in memory that is locked, not dumped and wiped. It is given again only for a
+ *     key that asks for it at each signature (kvSignFile).
+ *  8. An operation on readers, cards or files that fails while the session is logged in ends that session as
+ *     kvFinalize does, with the reason kept: an open card would take any PIN for the right one. A refused kvLogin
+ *     leaves the session; so do the operations on certificates and texts.
+ *  9. Every operation may be called until the process ends, from exit handlers and destructors too.
  */
 
 // clang-format off
@@ -73,6 +79,9 @@ enum zvCryptError {
     ZVC_ERR_PIN_INCORRECT = 0x2029,   /* a wrong PIN: one try is spent */
     ZVC_ERR_PIN_LOCKED = 0x202A,      /* the PIN is locked */
     ZVC_ERR_PIN_EXPIRED = 0x202B,     /* the PIN has expired */
+    ZVC_ERR_PIN_FORM = 0x202C,        /* a length or characters that the card's PIN cannot have */
+    ZVC_ERR_KEY_PIN = 0x202D,         /* refused to a key that wants it at each signature */
+    ZVC_ERR_PIN_UNSENT = 0x202E,      /* not sent for a key that wants it at each signature */
     ZVC_ERR_KEY = 0x2030,             /* no private key with that identifier, or one of no use here */
     ZVC_ERR_CERTIFICATE = 0x2031,     /* no certificate on the card for the key */
     ZVC_ERR_HASH = 0x2032,            /* a hash name that is not supported */
@@ -171,31 +180,35 @@ ZVCRYPT_API int kvInitialize(char* libPath, int slot);
  *
  * @param[in] pin  user PIN
  * @return 0; ZVC_ERR_PIN_EMPTY (the card is not asked); ZVC_ERR_PIN_INCORRECT; ZVC_ERR_PIN_LOCKED;
- *         ZVC_ERR_PIN_EXPIRED; ZVC_ERR_NO_SESSION; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE
- * After ZVC_ERR_PIN_INCORRECT: one try is spent; the reason says so when the card tells that few are left.
+ *         ZVC_ERR_PIN_EXPIRED; ZVC_ERR_PIN_FORM (CKR_PIN_INVALID, CKR_PIN_LEN_RANGE: whether a try is spent is not
+ *         known); ZVC_ERR_NO_SESSION; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE
+ * After ZVC_ERR_PIN_INCORRECT: one try is spent; the reason says so when the card tells that few are left. The
+ * session stays in every case.
  * Standard: PKCS#11 (C_Login, CKU_USER).
  */
 ZVCRYPT_API int kvLogin(const char* pin);
 
 /**
- * Closes the session and unloads the module; finalises the module if kvInitialize initialised it. With
- * nothing open it is success, and so when the module was finalised or the card taken out meanwhile.
+ * Logs out what kvLogin logged in, closes the session and unloads the module; finalises the module if
+ * kvInitialize initialised it. With nothing open it is success, and so when the module was finalised or the card
+ * taken out meanwhile.
  *
  * @return 0; ZVC_ERR_MODULE
  * After a failure: nothing is open all the same.
- * Standard: PKCS#11 (C_CloseSession, C_Finalize).
+ * Standard: PKCS#11 (C_Logout, C_CloseSession, C_Finalize).
  */
 ZVCRYPT_API int kvFinalize(void);
 
 /**
- * Reads what the card in the session's slot says of itself; blanks around each text are removed.
+ * Reads what the card in the session's slot says of itself; blanks around each text are removed, and a '?' stands for
+ * each byte that is no UTF-8 and each control character or mark of direction.
  *
  * @param[out] label         80 bytes; the token's label
  * @param[out] manufacturer  48 bytes; its manufacturer
  * @param[out] model         32 bytes; its model
  * @param[out] serial        32 bytes; its serial number, 16 characters at most
  * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE
- * After a failure: all four are empty; the session stays as it is.
+ * After a failure: all four are empty; a session that is not logged in stays as it is (convention 8).
  * Standard: PKCS#11 (C_GetTokenInfo).
  */
 ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, char* serial);
@@ -206,9 +219,14 @@ ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, c
  * Signs a file with a key of the card: CMS SignedData in DER with the content in it (CAdES-BES), the signer's
  * certificate and its issuer's if the card holds it. The issuer's is left out where the result, in base64
  * lines of 64 characters, would pass 16383 characters. The card makes one RSA signature (CKM_RSA_PKCS), which
- * is verified with the certificate before anything is written. It takes ten calls to the module and one for
+ * is verified with the certificate before anything is written. It takes eleven calls to the module and one for
  * each certificate of the card (while there are at most 64), and where several keys, or certificates of
  * different keys, have keyId, one for each key.
+ *
+ * A key with CKA_ALWAYS_AUTHENTICATE wants the PIN between C_SignInit and C_Sign. It is given the one that kvLogin
+ * kept, once a signature (two calls more). It is not sent (ZVC_ERR_PIN_UNSENT) when none is kept (the card
+ * was open before kvLogin, or memory cannot be locked), when the token's flags say that one try or none is left, and
+ * after any refusal in this process (ZVC_ERR_KEY_PIN): the key may have a PIN of its own.
  *
  * Where several certificates with keyId are the key's own, one that is valid now signs rather than one that
  * is not; among equals the one that ends last, then the one that begins last. An expired one signs when there
@@ -221,9 +239,9 @@ ZVCRYPT_API int kvCheckSmartCard(char* label, char* manufacturer, char* model, c
  * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_NOT_LOGGED_IN; ZVC_ERR_HASH; ZVC_ERR_INPUT (also when the file
  *         changed while it was signed); ZVC_ERR_OUTPUT; ZVC_ERR_KEY (none, or one that the card does not sign
  *         with); ZVC_ERR_CERTIFICATE (none, of several none that is the key's, or not an RSA key's);
- *         ZVC_ERR_SIGNATURE (the only certificate is another key's); ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE;
- *         ZVC_ERR_MODULE_ANSWER
- * After a failure: no result file is left (convention 5); the session stays as it is.
+ *         ZVC_ERR_SIGNATURE (the only certificate is another key's); ZVC_ERR_KEY_PIN;
+ *         ZVC_ERR_PIN_UNSENT; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE; ZVC_ERR_MODULE_ANSWER
+ * After a failure: no result file is left (convention 5); a session that was logged in is closed (convention 8).
  * Standard: RFC 5652 (SignedData), RFC 5035 (signing-certificate-v2), ETSI EN 319 122-1, RFC 8017 (PKCS#1
  * v1.5).
  */

@@ -124,7 +124,7 @@ TEST_F(Sign, MakesACanonicalCadesSignatureThatTwoValidatorsAccept) {
         const long memory = peakMemory();
         module.reset();
         ASSERT_EQ(signFrom(path("in"), key.c_str(), hash), ZVC_OK) << bits << ": " << lastError();
-        EXPECT_EQ(module.calls(), 10 + certificatesHeld);
+        EXPECT_EQ(module.calls(), 11 + certificatesHeld);
         ASSERT_EQ(kvFileToBase64(path("out").data(), path("text").data(), "e"), ZVC_OK);
         EXPECT_LE(peakMemory(), memory + memory / 8) << "not loaded whole";
         EXPECT_TRUE(accepts(openssl)) << bits << content(path("said"));
@@ -194,7 +194,7 @@ TEST_F(Sign, OfSeveralCertificatesTheBestOfTheKeysOwnIsTaken) {
         ASSERT_EQ(signText("testo", id.c_str()), ZVC_OK) << id << lastError();
         EXPECT_TRUE(result().isBy(one)) << id;
         EXPECT_EQ(result().certificates.size(), 1U) << "the card does not hold the issuer";
-        EXPECT_EQ(module.calls(), 10 + certificatesHeld + (id == "misti" ? 1 : 0));
+        EXPECT_EQ(module.calls(), 11 + certificatesHeld + (id == "misti" ? 1 : 0));
     }
 }
 
@@ -206,13 +206,13 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
     EXPECT_EQ(signText("testo"), ZVC_ERR_NO_SESSION);
     open();
     EXPECT_EQ(signText("testo"), ZVC_ERR_NOT_LOGGED_IN);
-    ASSERT_EQ(kvLogin(zvtest::user_pin), ZVC_OK);
     for (const auto& [key, code] : {std::pair{"DS", ZVC_ERR_KEY},
                                     {"", ZVC_ERR_KEY},
                                     {"senza", ZVC_ERR_CERTIFICATE},
                                     {"ellittica", ZVC_ERR_CERTIFICATE},
                                     {"altrui", ZVC_ERR_SIGNATURE}}) {
         write("out", "of an earlier run");
+        openAndLogin();
         EXPECT_EQ(signText("testo", key), code) << key << ": " << lastError();
         EXPECT_NE(lastError(), "");
         EXPECT_FALSE(fs::exists(path("out"))) << key;
@@ -228,33 +228,55 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
                                      {"C_Sign:1:do-and-answer:0x101", ZVC_ERR_NOT_LOGGED_IN},
                                      {"C_Sign:1:take-out", ZVC_ERR_CARD_REMOVED}}) {
         module.reset();
+        openAndLogin();
         ASSERT_EQ(module.add_rules(rule), 0);
         EXPECT_EQ(signText("testo"), code) << rule << ": " << lastError();
         EXPECT_EQ(fs::exists(path("out")), code == ZVC_OK) << rule;
     }
     ASSERT_EQ(module.put_back(), 0);
-    openAndLogin();
-    for (const char* hash : {"SHA1", "sha256", ""})
-        EXPECT_EQ(signText("testo", "DS0", hash), ZVC_ERR_HASH);
-    EXPECT_EQ(kvSignFile("DS0", nullptr, path("in").c_str(), path("out").c_str()), ZVC_ERR_ARGUMENT);
-    EXPECT_EQ(signText("testo"), ZVC_OK) << "the session goes on";
+    CK_INFO info;
+    for (const char* hash : {"SHA1", "sha256", "", static_cast<const char*>(nullptr)}) {
+        openAndLogin();
+        EXPECT_EQ(kvLogin("777777"), ZVC_OK) << "an open card takes any PIN";
+        EXPECT_EQ(signText("testo", "DS0", hash), hash == nullptr ? ZVC_ERR_ARGUMENT : ZVC_ERR_HASH);
+        EXPECT_EQ(module->C_GetInfo(&info), CKR_CRYPTOKI_NOT_INITIALIZED) << "and so is not left open";
+        EXPECT_NE(lastError(), "");
+        open();
+        EXPECT_EQ(kvLogin("777777"), ZVC_ERR_PIN_INCORRECT);
+        EXPECT_EQ(kvLogin(zvtest::user_pin), ZVC_OK) << "a refused login leaves the session";
+    }
+    EXPECT_EQ(signText("testo"), ZVC_OK);
+    // Where the host's own session would keep the card open, it is logged out; what the host opened stays open.
+    const bool ours[] = {true, false};
+    for (const bool own : ours) {
+        ASSERT_EQ(kvFinalize(), ZVC_OK);
+        ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+        const auto session = module.open();
+        ASSERT_EQ(own ? CKR_OK : module.login(session, zvtest::user_pin), CKR_OK);
+        openAndLogin();
+        EXPECT_EQ(signText("testo", "DS"), ZVC_ERR_KEY);
+        EXPECT_EQ(module.login(session, zvtest::user_pin), own ? CKR_OK : CKR_USER_ALREADY_LOGGED_IN);
+        ASSERT_EQ(module->C_Finalize(nullptr), CKR_OK);
+    }
 }
 
 TEST_F(Sign, FilesThatCannotBeReadOrWrittenSpendNoSignature) {
-    openAndLogin();
     const std::string in = write("in", "testo"), out = path("out"),
                       device = ::mknod(path("device").c_str(), S_IFCHR | 0600, 0x103) == 0 ? "device" : ".";
-    module.reset();
     // The last one is a plain file that opens and fails when it is read.
     for (const auto& from : {path("missing"), path("."), in + "/in", std::string("/proc/self/mem")}) {
+        openAndLogin();
         EXPECT_EQ(signFrom(from), ZVC_ERR_INPUT) << from;
         EXPECT_NE(lastError().find(from), std::string::npos);
         EXPECT_FALSE(fs::exists(out));
     }
-    for (const auto& to : {in, path("no/out"), path(device)})
+    for (const auto& to : {in, path("no/out"), path(device)}) {
+        openAndLogin();
         EXPECT_EQ(kvSignFile("DS0", "SHA256", in.c_str(), to.c_str()), ZVC_ERR_OUTPUT) << to;
+    }
     EXPECT_EQ(content(in), "testo");
-    EXPECT_EQ(module.calls(), 0U);
+    EXPECT_EQ(module.calls("C_FindObjectsInit"), 0U);
+    openAndLogin();
     struct rlimit limit {}; // a disk with room for a part of it
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
     const struct rlimit small { 100000, limit.rlim_max };
@@ -267,7 +289,6 @@ TEST_F(Sign, FilesThatCannotBeReadOrWrittenSpendNoSignature) {
 }
 
 TEST_F(Sign, AFileThatChangesMeanwhileIsTold) {
-    openAndLogin();
     const std::string in = path("in"), out = path("out");
     const std::pair<std::function<void()>, int> changes[] = {
         {[&] { std::ofstream(in, std::ios::app) << "!"; }, ZVC_ERR_INPUT},
@@ -282,6 +303,7 @@ TEST_F(Sign, AFileThatChangesMeanwhileIsTold) {
         for (int tries = 0; tries < 10 && result != code; ++tries) {
             fs::remove(out);
             module.reset();
+            openAndLogin();
             ASSERT_EQ(module.add_rules("C_FindObjectsInit:1:delay:60000"), 0);
             write("in", "testo");
             std::thread other([&, act = change] {
