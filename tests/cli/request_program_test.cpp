@@ -147,6 +147,11 @@ TEST_F(RequestProgramTest, WorksOnACardAlone) {
         EXPECT_TRUE(outcome.says("Another program (process ")) << outcome.err;
         EXPECT_EQ(outcome.count("C_GenerateKeyPair"), 1U);
     }
+    const Outcome outcome = shell("{ (timeout 20 sh -c 'until grep -sq C_Login " + trace().string() +
+                                  "; do sleep 0.02; done'; rm /tmp/zvrenew-card-*) & }; " +
+                                  command("request signature" + pin, "C_FindObjectsInit:1:delay:500000"));
+    EXPECT_EQ(outcome.code, 2) << "another could have come in";
+    EXPECT_FALSE(outcome.changed_card());
 }
 
 TEST_F(RequestProgramTest, FindsWhatIsInTheLibrarysWayBeforeThePin) {
