@@ -35,6 +35,7 @@ const Field fields[] = {
     {"insertions", &Card::insertions},
     {"latency_us", &Card::latency_us},
     {"capacity", &Card::capacity},
+    {"pin_each_signature", TextField{&Card::pin_each_signature, unbounded}},
 };
 
 std::string_view trimmed(std::string_view text) {

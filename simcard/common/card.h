@@ -26,6 +26,8 @@ struct Card {
     unsigned long insertions = 0; ///< grows each time the card is put in: what was open before is void
     unsigned long latency_us = 0; ///< how long the card takes for every call, in microseconds
     unsigned long capacity = 0;   ///< how many objects fit; 0 is no limit
+    /// Private keys whose CKA_ID begins so want the PIN before each signature; empty for none.
+    std::string pin_each_signature;
     /// Lines under other names, kept as they are.
     std::vector<std::pair<std::string, std::string>> others;
 };

@@ -1,3 +1,4 @@
+#include "simcard/common/card_folder.h"
 #include "simcard/module/control.h"
 #include "simcard/module/forward.h"
 #include "simcard/module/key_file.h"
@@ -162,6 +163,21 @@ CK_RV write_pair(CK_SESSION_HANDLE session, const RsaKey& key, Creation& open, C
     return result;
 }
 
+/// The template of a private key, with what the card makes of it: such a key may want the PIN before each signature.
+std::vector<CK_ATTRIBUTE> as_the_card_makes_it(const Session& session, const CK_ATTRIBUTE* attributes,
+                                               CK_ULONG count) {
+    static CK_BBOOL yes = CK_TRUE;
+    std::vector<CK_ATTRIBUTE> entries(attributes, attributes + count);
+    const std::string asking = load_card(folder_of(session)).pin_each_signature;
+    const auto asks = [&](const CK_ATTRIBUTE& entry) {
+        return entry.type == CKA_ID && !asking.empty() && entry.ulValueLen >= asking.size() &&
+               std::equal(asking.begin(), asking.end(), static_cast<const char*>(entry.pValue));
+    };
+    if (std::any_of(attributes, attributes + count, asks))
+        entries.push_back(entry_for(CKA_ALWAYS_AUTHENTICATE, yes));
+    return entries;
+}
+
 } // namespace
 
 CK_RV generate_key_pair(CK_SESSION_HANDLE session, CK_MECHANISM_PTR mechanism,
@@ -171,16 +187,20 @@ CK_RV generate_key_pair(CK_SESSION_HANDLE session, CK_MECHANISM_PTR mechanism,
     const CK_RV reached = state().reach_session(session);
     if (reached != CKR_OK) return reached;
     const bool complete = public_attributes && private_attributes && public_key && private_key;
+    std::vector<CK_ATTRIBUTE> secret_entries;
+    if (private_attributes)
+        secret_entries = as_the_card_makes_it(*state().session(session), private_attributes, private_count);
     const auto bits = complete && !control().key_file().empty()
                           ? size_asked(mechanism, public_attributes, public_count)
                           : std::nullopt;
     const auto key = bits ? ready_made(*state().session(session), *bits) : std::nullopt;
     if (!key)
-        return forward<Function::C_GenerateKeyPair>(session, mechanism, public_attributes, public_count,
-                                                    private_attributes, private_count, public_key,
-                                                    private_key);
+        return forward<Function::C_GenerateKeyPair>(
+            session, mechanism, public_attributes, public_count,
+            private_attributes ? secret_entries.data() : nullptr,
+            private_attributes ? CK_ULONG{secret_entries.size()} : private_count, public_key, private_key);
     Creation open(public_attributes, public_count, CKO_PUBLIC_KEY, false);
-    Creation secret(private_attributes, private_count, CKO_PRIVATE_KEY, true);
+    Creation secret(secret_entries.data(), CK_ULONG{secret_entries.size()}, CKO_PRIVATE_KEY, true);
     return write_pair(session, *key, open, public_key, secret, private_key);
 }
 

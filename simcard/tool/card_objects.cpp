@@ -67,13 +67,14 @@ Attributes public_key_object(const EVP_PKEY& key, std::string_view id) {
     return object;
 }
 
-Attributes private_key_object(const EVP_PKEY& key, std::string_view id) {
+Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool asks) {
     Attributes object = token_object(CKO_PRIVATE_KEY, true, id);
     object.add(CKA_ID, id)
         .add_number(CKA_KEY_TYPE, CKK_RSA)
         .add_flag(CKA_SENSITIVE, true)
         .add_flag(CKA_EXTRACTABLE, false);
     object.add_flag(CKA_SIGN, true).add_flag(CKA_DECRYPT, true);
+    if (asks) object.add_flag(CKA_ALWAYS_AUTHENTICATE, true);
     add_key_numbers(object, key, public_numbers);
     add_key_numbers(object, key, private_numbers);
     return object;

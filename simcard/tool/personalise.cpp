@@ -37,6 +37,7 @@ Card settings(const CardPlan& plan) {
     card.serial = plan.serial;
     card.profile = plan.profile->name;
     card.label = plan.name;
+    card.pin_each_signature = plan.profile->pin_each_signature;
     return card;
 }
 
@@ -46,7 +47,9 @@ void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair,
         authority.issue(*pair.subject(plan.holder, plan.serial), key, kind_named(pair.kind),
                         validity_ending_in(plan.*pair.days));
     token.create(public_key_object(key, pair.id));
-    token.create(private_key_object(key, pair.id));
+    const std::string_view asking = plan.profile->pin_each_signature;
+    token.create(
+        private_key_object(key, pair.id, !asking.empty() && std::string_view(pair.id).starts_with(asking)));
     token.create(certificate_object(*certificate, pair.id));
 }
 

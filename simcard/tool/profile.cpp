@@ -20,11 +20,12 @@ constexpr std::array<PairPlan, 2> services_pairs{{
 }};
 
 // The ATRs offer T=1 alone and carry the profile's name as historical bytes ("ZVSIMSIG", "ZVSIMCNS",
-// "ZVSIMCSG").
-constexpr std::array<Profile, 3> all{{
+// "ZVSIMCSG", "ZVSIMSGP").
+constexpr std::array<Profile, 4> all{{
     {"signature", "3B8880015A5653494D5349470F", "", signature_pairs, "Korvalenta Firma Dig"},
     {"cns", "3B8880015A5653494D434E530C", "cns", std::span(services_pairs).first<1>(), nullptr, true},
     {"cns-signature", "3B8880015A5653494D43534705", "cns", services_pairs, nullptr, true},
+    {"signature-pin", "3B8880015A5653494D53475016", "", signature_pairs, "Korvalenta Firma Dig", false, "DS"},
 }};
 
 } // namespace

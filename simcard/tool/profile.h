@@ -32,6 +32,8 @@ struct Profile {
     const char* authority_id;
     /// Whether it holds a services card's data object "PDATA": see personal_data.h.
     bool has_personal_data = false;
+    /// What its `card.ini` says under that name.
+    const char* pin_each_signature = "";
 };
 
 [[nodiscard]] std::span<const Profile> profiles();

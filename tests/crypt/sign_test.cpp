@@ -260,6 +260,42 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
     }
 }
 
+// At the end nothing is given any more in this process.
+TEST_F(Sign, AKeyThatWantsThePinAtEachSignatureGetsItOnceAndNeverAfterARefusal) {
+    const auto own = test::make({.key = keys.next()});
+    hold(simcard::private_key_object(*own.key, "chiede", true));
+    hold(own, "chiede");
+    openAndLogin();
+    for (const unsigned long logins : {2U, 3U}) {
+        EXPECT_EQ(signText("testo", "chiede"), ZVC_OK) << lastError();
+        EXPECT_TRUE(result().isBy(own));
+        EXPECT_EQ(module.calls("C_Login"), logins);
+    }
+    const auto expect = [&](int code, const char* reason, unsigned long logins) {
+        EXPECT_EQ(signText("testo", "chiede"), code);
+        EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
+        EXPECT_EQ(module.calls("C_Login"), logins) << reason;
+        (void)kvFinalize();
+        module.reset();
+    };
+    simcard::update_card(card.folder, [](simcard::Card& it) { it.pin_tries_left = 1; });
+    expect(ZVC_ERR_PIN_UNSENT, "tentativo", 3);
+    simcard::update_card(card.folder, [](simcard::Card& it) { it.pin_tries_left = 3; });
+    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+    const auto session = module.open();
+    ASSERT_EQ(module.login(session, zvtest::user_pin), CKR_OK);
+    openAndLogin();
+    expect(ZVC_ERR_PIN_UNSENT, "conserva", 2); // whatever it was, the card took it
+    ASSERT_EQ(module->C_Finalize(nullptr), CKR_OK);
+    openAndLogin();
+    ASSERT_EQ(module.add_rules("C_Login:1:answer:0xA0"), 0);
+    expect(ZVC_ERR_KEY_PIN, "diverso", 2);
+    openAndLogin();
+    expect(ZVC_ERR_PIN_UNSENT, "rifiutato", 1);
+    openAndLogin();
+    EXPECT_EQ(signText("testo"), ZVC_OK) << "another key";
+}
+
 TEST_F(Sign, FilesThatCannotBeReadOrWrittenSpendNoSignature) {
     const std::string in = write("in", "testo"), out = path("out"),
                       device = ::mknod(path("device").c_str(), S_IFCHR | 0600, 0x103) == 0 ? "device" : ".";
