@@ -25,6 +25,16 @@ Advice make_room() {
             "card's own software; then run the same command again."};
 }
 
+Advice leave_to_card_software(const std::string& pair) {
+    return {
+        "pin-each-signature",
+        fmt::format("The key {0} wants the PIN before each signature, and the library does not give it for a "
+                    "pair's own signature of its request. Ask the card's issuer: the card's own software can "
+                    "request a certificate for {0}, or remove it where no certificate is wanted for it.",
+                    pair),
+        {{"pair", pair}}};
+}
+
 Advice enter_card() {
     return {"add-card",
             "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "

@@ -19,6 +19,9 @@ namespace cli {
 /// What to do about a card that has no room for more.
 [[nodiscard]] Advice make_room();
 
+/// What to do about a pair that wants the PIN before each signature.
+[[nodiscard]] Advice leave_to_card_software(const std::string& pair);
+
 /// What to do about a card of an unknown kind.
 [[nodiscard]] Advice enter_card();
 

@@ -45,6 +45,10 @@ CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
     object.label = as_text(session.attribute(handle, CKA_LABEL));
     if (object.type == CKO_CERTIFICATE) object.value = session.attribute(handle, CKA_VALUE);
     if (is_key(object.type)) object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
+    if (object.type == CKO_PRIVATE_KEY) {
+        const Bytes always = session.attribute_if_given(handle, CKA_ALWAYS_AUTHENTICATE);
+        object.wants_pin = !always.empty() && always.front() != 0;
+    }
     if (object.type == CKO_PUBLIC_KEY)
         object.exponent = without_leading_zeros(session.attribute(handle, CKA_PUBLIC_EXPONENT));
     return object;

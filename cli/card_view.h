@@ -19,8 +19,9 @@ struct CardObject {
     CK_OBJECT_CLASS type = 0;
     std::string id;
     std::string label;
-    Bytes value;    ///< a certificate's DER, a key's modulus without leading zeros
-    Bytes exponent; ///< a public key's, without leading zeros
+    Bytes value;            ///< a certificate's DER, a key's modulus without leading zeros
+    Bytes exponent;         ///< a public key's, without leading zeros
+    bool wants_pin = false; ///< a private key that wants the PIN before each signature
 };
 
 /// What is on the card, as read at one moment by this program itself: whole, or not at all.

@@ -1,5 +1,6 @@
 #include "cli/proof.h"
 
+#include "cli/note.h"
 #include "cli/outcome.h"
 
 #include <algorithm>
@@ -48,11 +49,18 @@ std::string prove(const Session& session, const std::string& id, const Bytes& ex
     if (view.certificates(id).empty()) return fmt::format("there is no certificate {} on the card.", id);
     if (key == nullptr) return fmt::format("there is no private key {} on the card.", id);
     if (stored == nullptr) return fmt::format("the certificate {} on the card is another one.", id);
+    const Certificate certificate = certificate_from(stored->value);
+    if (certificate && key->wants_pin && key->value == modulus_of(*certificate)) {
+        note(fmt::format(
+            "The key {} wants the PIN before each signature: it was compared with its certificate, not "
+            "tried.",
+            id));
+        return {};
+    }
     Challenge message{};
     if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
         return "no random text could be made.";
     const Bytes signature = session.sign(key->handle, digest_info(message));
-    const Certificate certificate = certificate_from(stored->value);
     if (!certificate || !verifies(*certificate, message, signature))
         return fmt::format("a signature of the key {} does not verify with its certificate.", id);
     return {};

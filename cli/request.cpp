@@ -1,5 +1,6 @@
 #include "cli/request_plan.h"
 
+#include "cli/advice.h"
 #include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/key_material.h"
@@ -41,6 +42,11 @@ void say_what_comes(const RequestPlan& plan) {
             fmt::format("The pair {} that waits on the card is discarded: a certificate for it can no longer "
                         "be installed.",
                         plan.pair));
+    if (!plan.wants_pin.empty())
+        note(fmt::format(
+            "The key {} wants the PIN before each signature. If the card makes the new pair {} so, too, "
+            "that pair cannot sign its request and stays on the card without one.",
+            plan.wants_pin, plan.pair));
     note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
 }
 
@@ -53,6 +59,9 @@ bool key_failed() {
 
 Advice advice_on(const RequestPlan& plan, const CardNow& now) {
     const Json pair = {{"pair", plan.pair}};
+    if (const CardObject* key = now.view ? now.view->find(CKO_PRIVATE_KEY, plan.pair) : nullptr;
+        key != nullptr && key->wants_pin)
+        return leave_to_card_software(plan.pair);
     if (key_failed() && plan.old.kind == Kind::services)
         return {
             "own-keys",

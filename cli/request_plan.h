@@ -18,6 +18,8 @@ struct RequestPlan {
     bool reuse = false;   ///< the pair is on the card already
     bool discard = false; ///< the pair is on the card, to be replaced by a new one under its identifier
     Bytes waiting_key;    ///< modulus of the pair that is on the card already
+    std::string
+        wants_pin; ///< a certified key of the kind that wants the PIN before each signature; empty for none
     std::vector<std::string> left; ///< identifiers of single keys, left of other pairs
 };
 

@@ -90,6 +90,28 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 
+TEST_F(RequestProgramTest, SaysWhatComesOfKeysThatWantThePinEachTime) {
+    make_card(12, "signature-pin");
+    const Outcome made = with_pin("request signature --out r");
+    EXPECT_EQ(made.code, 1);
+    EXPECT_LT(made.err.find("The key DS0 wants the PIN before each"), made.err.find("is generating"))
+        << made.err;
+    EXPECT_TRUE(made.says("DS3 (keys without a certificate)")) << made.err;
+    for (const char* command : {"request signature", "request signature --new-pair"}) {
+        const Outcome again = with_pin(command);
+        EXPECT_EQ(again.code, 2) << command;
+        EXPECT_TRUE(again.says("DS3 cannot sign its request")) << again.err;
+        EXPECT_FALSE(again.changed_card());
+    }
+    // Where only the old key is so, it is given the PIN and signs.
+    ASSERT_EQ(shell(ZVSIMCARD_TOOL " reset card && sed -i /^pin_each/d $ZVSIMCARD_HOME/card/card.ini").code,
+              0);
+    const Outcome outcome = with_pin("request signature --out r");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    ASSERT_EQ(tool("issue r --out c").code, 0);
+    EXPECT_EQ(with_pin("install c --request r").code, 0);
+}
+
 TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     make_card();
     const std::string slow = "C_GenerateKeyPair:1:delay:500000", pin = " --pin-file " + pin_file().string();
