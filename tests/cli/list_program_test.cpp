@@ -9,11 +9,8 @@ class ListProgramTest : public ProgramTest {
   protected:
     /// Removes a certificate and its keys, as the advice says.
     void remove_with_other_software(const std::string& hex) {
-        ASSERT_EQ(shell("for t in cert pubkey privkey; do pkcs11-tool --module " ZVSIMCARD_MODULE
-                        " --login --pin 12345678 --delete-object --type $t --id " +
-                        hex + " || exit; done")
-                      .code,
-                  0);
+        const std::string one = other_program("--delete-object --type $t --id " + hex);
+        ASSERT_EQ(shell("for t in cert pubkey privkey; do " + one + " || exit; done").code, 0);
     }
 };
 

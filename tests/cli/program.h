@@ -14,6 +14,14 @@ namespace zvtest {
 
 namespace fs = std::filesystem;
 
+// A sanitizer in the card's module wants to be loaded before all else.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr const char* with_sanitizer =
+    "LD_PRELOAD=$(g++ -print-file-name=libasan.so) ASAN_OPTIONS=detect_leaks=0 ";
+#else
+inline constexpr const char* with_sanitizer = "";
+#endif
+
 /// What a run of the program gave.
 struct Outcome {
     int code = -1;
@@ -114,6 +122,11 @@ class ProgramTest : public testing::Test {
         return outcome;
     }
 
+    /// What the shell is told to look at the card with another program, logged in.
+    static std::string other_program(const std::string& arguments) {
+        return with_sanitizer + std::string("pkcs11-tool --module " ZVSIMCARD_MODULE " -l --pin 12345678 ") +
+               arguments;
+    }
     Outcome tool(const std::string& arguments) { return shell(ZVSIMCARD_TOOL " " + arguments); }
 
     [[nodiscard]] fs::path home() const { return folder_.path() / "home"; }

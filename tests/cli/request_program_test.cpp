@@ -196,7 +196,7 @@ TEST_F(RequestProgramTest, RefusesAnIdentifierOfTwoKeys) {
     make_card();
     ASSERT_EQ(with_pin("request signature --out r").code, 0);
     ASSERT_EQ(tool("issue r --out c").code, 0);
-    const std::string other = "pkcs11-tool --module " ZVSIMCARD_MODULE " -l --pin 12345678 --id 445333 ";
+    const std::string other = other_program("--id 445333 ");
     ASSERT_EQ(shell(other + "--keypairgen --key-type rsa:2048").code, 0);
     for (const char* command : {"request signature", "request signature --new-pair", "install c"}) {
         const Outcome outcome = with_pin(command);
