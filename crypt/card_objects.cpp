@@ -1,6 +1,5 @@
 #include "card_objects.h"
 
-#include "certificate.h"
 #include "der.h"
 #include "preference.h"
 #include "signature_pin.h"
@@ -25,7 +24,7 @@ constexpr std::size_t roomForRsa = 1024;
 
 struct CardCertificate {
     Bytes id;
-    X509Ptr certificate;
+    Certificate certificate;
 };
 
 CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t size) {
@@ -131,9 +130,9 @@ bool refusesKey(CK_RV result) {
 
 using BignumPtr = OpensslPtr<BIGNUM, BN_free>;
 
-BignumPtr modulusOf(X509& certificate) {
+BignumPtr modulusOf(const Certificate& certificate) {
     BIGNUM* modulus = nullptr;
-    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+    const EVP_PKEY* key = certificate.key();
     if (key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA)
         (void)EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_N, &modulus);
     return BignumPtr(modulus);
@@ -149,10 +148,9 @@ BignumPtr modulusOf(const Session& session, CK_OBJECT_HANDLE key) {
 }
 
 bool haveOneKey(const std::vector<CardCertificate>& certificates) {
-    const EVP_PKEY* first = X509_get0_pubkey(certificates.front().certificate.get());
-    return std::all_of(certificates.begin(), certificates.end(), [&](const auto& one) {
-        return EVP_PKEY_eq(X509_get0_pubkey(one.certificate.get()), first) == 1;
-    });
+    const EVP_PKEY* first = certificates.front().certificate.key();
+    return std::all_of(certificates.begin(), certificates.end(),
+                       [&](const auto& one) { return EVP_PKEY_eq(one.certificate.key(), first) == 1; });
 }
 
 // The first certificate that is one of the keys', and that key; the card is asked only when there is a choice
@@ -166,7 +164,7 @@ std::pair<CK_OBJECT_HANDLE, std::size_t> firstPair(const Session& session,
     for (const auto key : keys)
         moduli.push_back(modulusOf(session, key));
     for (std::size_t i = 0; i < certificates.size(); ++i) {
-        const auto wanted = modulusOf(*certificates[i].certificate);
+        const auto wanted = modulusOf(certificates[i].certificate);
         for (std::size_t k = 0; k < keys.size(); ++k)
             if (wanted && moduli[k] && BN_cmp(wanted.get(), moduli[k].get()) == 0) return {keys[k], i};
     }
@@ -181,17 +179,16 @@ std::vector<CardCertificate> takeOwn(std::vector<CardCertificate>& all, std::str
     std::vector<CardCertificate> taken(std::make_move_iterator(own), std::make_move_iterator(all.end()));
     all.erase(own, all.end());
     std::sort(taken.begin(), taken.end(), [now = std::time(nullptr)](const auto& one, const auto& other) {
-        return preferenceOf(*one.certificate, now) > preferenceOf(*other.certificate, now);
+        return preferenceOf(one.certificate, now) > preferenceOf(other.certificate, now);
     });
     return taken;
 }
 
 // A second copy of a certificate that signed itself is not its issuer's.
-X509Ptr takeIssuer(X509& certificate, std::vector<CardCertificate>& others) {
+Certificate takeIssuer(const Certificate& certificate, std::vector<CardCertificate>& others) {
     for (auto& [id, other] : others)
-        if (other && X509_cmp(other.get(), &certificate) != 0 && isIssuedBy(certificate, *other))
-            return std::move(other);
-    return nullptr;
+        if (other && other.der != certificate.der && isIssuedBy(certificate, other)) return std::move(other);
+    return {};
 }
 
 } // namespace
@@ -205,12 +202,12 @@ CardSigner findSigner(const Session& session, std::string_view keyId) {
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Nessun certificato \"" + std::string(keyId) + "\" leggibile sulla smart card");
     const auto [key, chosen] = firstPair(session, keys, own);
-    CardSigner signer{key, std::move(own[chosen].certificate), nullptr};
-    if (!modulusOf(*signer.certificate))
+    CardSigner signer{key, std::move(own[chosen].certificate), {}};
+    if (!modulusOf(signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Il certificato \"" + std::string(keyId) + "\" non è di una chiave RSA");
-    signer.issuer = takeIssuer(*signer.certificate, others);
-    if (!signer.issuer) signer.issuer = takeIssuer(*signer.certificate, own);
+    signer.issuer = takeIssuer(signer.certificate, others);
+    if (!signer.issuer) signer.issuer = takeIssuer(signer.certificate, own);
     return signer;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "certificate.h"
 #include "session.h"
 
 #include <string_view>
@@ -10,8 +10,8 @@ namespace zvcrypt {
 // A private key of the card that signs, its certificate, and that certificate's issuer if the card holds it.
 struct CardSigner {
     CK_OBJECT_HANDLE key = CK_INVALID_HANDLE;
-    X509Ptr certificate;
-    X509Ptr issuer;
+    Certificate certificate;
+    Certificate issuer; // empty when the card does not hold it
 };
 
 // Finds the key and its certificate under that CKA_ID. Where several carry it, a pair that fits by its modulus

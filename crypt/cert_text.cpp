@@ -23,7 +23,7 @@ std::string_view boundedText(const char* text) {
     return bounded;
 }
 
-using Reader = void (*)(const Bytes& der, std::vector<X509Ptr>& certificates);
+using Reader = void (*)(const Bytes& der, std::vector<Certificate>& certificates);
 
 struct Label {
     std::string_view text;
@@ -48,9 +48,9 @@ Reader readerOf(const std::string& label) {
     return known->read;
 }
 
-std::vector<X509Ptr> certificatesIn(std::string_view text) {
+std::vector<Certificate> certificatesIn(std::string_view text) {
     const auto blocks = pemBlocks(text);
-    std::vector<X509Ptr> certificates;
+    std::vector<Certificate> certificates;
     if (blocks.empty()) addCertificateOrBundle(decodeBase64(text), certificates);
     for (const auto& block : blocks)
         readerOf(block.label)(pemContent(block), certificates);
@@ -71,9 +71,8 @@ void splitCertificate(const char* text, datiCert& out) {
     auto bounded = boundedText(text);
     if (bounded.starts_with(byteOrderMark)) bounded.remove_prefix(byteOrderMark.size());
     if (trimmed(bounded).empty()) throw Failure(ZVC_ERR_TEXT_FORM, "Il testo del certificato è vuoto");
-    const Bytes der = certificateDer(holderCertificate(certificatesIn(bounded)));
-    // A bundle is read less strictly than what reads the certificate afterwards.
-    (void)requireCertificate(der.data(), der.size());
+    const auto certificates = certificatesIn(bounded);
+    const Bytes& der = holderCertificate(certificates).der;
     requireRoomOnCard(der);
     if (der.size() > sizeof out.der) throw Failure(ZVC_ERR_ROOM, "Il certificato supera gli 8192 byte");
     std::copy(der.begin(), der.end(), out.der);

@@ -1,39 +1,53 @@
 #include "certificate.h"
 
-#include "certificate_parts.h"
 #include "failure.h"
+#include "lenient/mended.h"
 
 namespace zvcrypt {
 namespace {
 
-X509Ptr parsed(der::Span certificate) {
-    const unsigned char* end = certificate.data();
-    return X509Ptr(d2i_X509(nullptr, &end, static_cast<long>(certificate.size())));
+using AnyPtr = OpensslPtr<ASN1_TYPE, ASN1_TYPE_free>;
+
+Certificate parsed(der::Span whole) {
+    const Bytes readable = lenient::mended(whole);
+    const unsigned char* end = readable.data();
+    return {Bytes(whole.begin(), whole.end()),
+            X509Ptr(d2i_X509(nullptr, &end, static_cast<long>(readable.size())))};
+}
+
+// What is signed is the bytes that were issued.
+bool isSignedBy(const Certificate& certificate, EVP_PKEY* key) {
+    const auto body = certificate.parts().body;
+    const unsigned char* end = body.data();
+    const AnyPtr whole(d2i_ASN1_TYPE(nullptr, &end, static_cast<long>(body.size())));
+    const ASN1_BIT_STRING* signature = nullptr;
+    const X509_ALGOR* algorithm = nullptr;
+    X509_get0_signature(&signature, &algorithm, certificate.x509.get());
+    return whole != nullptr && key != nullptr &&
+           X509_ALGOR_cmp(algorithm, X509_get0_tbs_sigalg(certificate.x509.get())) == 0 &&
+           ASN1_item_verify(ASN1_ITEM_rptr(ASN1_ANY), algorithm, signature, whole.get(), key) == 1;
 }
 
 } // namespace
 
-X509Ptr readCertificate(std::span<const unsigned char> der) {
+Certificate readCertificate(std::span<const unsigned char> der) {
     try {
         return parsed(takeApart(der).whole);
     } catch (const Failure&) {
-        return nullptr;
+        return {};
     }
 }
 
-X509Ptr requireCertificate(const unsigned char* der, unsigned long length) {
-    auto certificate = parsed(takeApart({der, length}).whole);
+Certificate requireCertificate(std::span<const unsigned char> der) {
+    auto certificate = parsed(takeApart(der).whole);
     if (!certificate) throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile");
     return certificate;
 }
 
-Bytes certificateDer(const X509& certificate) {
-    return der::encoded(i2d_X509, &certificate);
-}
-
-bool isIssuedBy(X509& certificate, X509& issuer) {
-    return X509_NAME_cmp(X509_get_issuer_name(&certificate), X509_get_subject_name(&issuer)) == 0 &&
-           X509_verify(&certificate, X509_get0_pubkey(&issuer)) == 1;
+bool isIssuedBy(const Certificate& certificate, const Certificate& issuer) {
+    return X509_NAME_cmp(X509_get_issuer_name(certificate.x509.get()),
+                         X509_get_subject_name(issuer.x509.get())) == 0 &&
+           isSignedBy(certificate, issuer.key());
 }
 
 } // namespace zvcrypt

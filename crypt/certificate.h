@@ -1,21 +1,30 @@
 #pragma once
 
+#include "certificate_parts.h"
 #include "openssl_ptr.h"
 
 #include <span>
 
 namespace zvcrypt {
 
-// Null when the bytes are no certificate in DER, or one that OpenSSL does not take. What follows is ignored,
-// as cards pad.
-[[nodiscard]] X509Ptr readCertificate(std::span<const unsigned char> der);
+// A certificate as it was issued, and what OpenSSL makes of it. Names and serial number are taken from the bytes: of
+// those that OpenSSL refuses it has others.
+struct Certificate {
+    Bytes der;
+    X509Ptr x509; // null for none
+
+    [[nodiscard]] explicit operator bool() const noexcept { return x509 != nullptr; }
+    [[nodiscard]] CertificateParts parts() const { return takeApart(der); }
+    [[nodiscard]] EVP_PKEY* key() const noexcept { return X509_get0_pubkey(x509.get()); }
+};
+
+// None when the bytes are no certificate in DER. What follows is ignored, as cards pad.
+[[nodiscard]] Certificate readCertificate(std::span<const unsigned char> der);
 
 // The same for a caller that wants the reason: ZVC_ERR_BAD_CERTIFICATE.
-[[nodiscard]] X509Ptr requireCertificate(const unsigned char* der, unsigned long length);
-
-[[nodiscard]] Bytes certificateDer(const X509& certificate);
+[[nodiscard]] Certificate requireCertificate(std::span<const unsigned char> der);
 
 // Whether the one carries the other's subject as issuer and its key made the signature.
-[[nodiscard]] bool isIssuedBy(X509& certificate, X509& issuer);
+[[nodiscard]] bool isIssuedBy(const Certificate& certificate, const Certificate& issuer);
 
 } // namespace zvcrypt

@@ -48,10 +48,14 @@ CertificateParts takeApart(der::Span der) {
     CertificateParts parts;
     const auto outer = outermost(der);
     der::Reader certificate(outer.content, unreadable);
-    der::Reader body = certificate.enter(der::sequence);
+    const auto signedPart = certificate.next(der::sequence);
+    der::Reader body(signedPart.content, unreadable);
+    parts.body = signedPart.whole;
     parts.whole = outer.whole;
     if (body.nextIs(der::context0)) (void)body.next(); // version
-    parts.serial = body.next(der::integer).content;
+    const auto serial = body.next(der::integer);
+    parts.serial = serial.content;
+    parts.serialNumber = serial.whole;
     if (parts.serial.empty()) body.complain();
     (void)body.next(der::sequence); // algorithm of the signature
     parts.issuer = body.next(der::sequence).whole;

@@ -11,7 +11,9 @@ namespace zvcrypt {
 // authorities issue such.
 struct CertificateParts {
     der::Span serial; // content bytes
-    der::Span issuer; // these with their headers
+    der::Span body;   // this and the following with their headers: what is signed
+    der::Span serialNumber;
+    der::Span issuer;
     der::Span notBefore;
     der::Span notAfter;
     der::Span subject;

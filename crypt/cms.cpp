@@ -1,6 +1,5 @@
 #include "cms.h"
 
-#include "certificate.h"
 #include "der.h"
 #include "failure.h"
 
@@ -26,14 +25,6 @@ Bytes digestAlgorithm(const HashAlgorithm& hash) {
     return tlv(der::sequence, {der::objectIdentifier(hash.nid)});
 }
 
-Bytes issuerName(X509& certificate) {
-    return der::encoded(i2d_X509_NAME, static_cast<const X509_NAME*>(X509_get_issuer_name(&certificate)));
-}
-
-Bytes serialNumber(X509& certificate) {
-    return der::encoded(i2d_ASN1_INTEGER, X509_get0_serialNumber(&certificate));
-}
-
 // UTCTime up to 2049, GeneralizedTime from then on: RFC 5652, section 11.3.
 Bytes timeValue(std::time_t time) {
     const TimePtr encodedTime(ASN1_TIME_set(nullptr, time));
@@ -42,10 +33,11 @@ Bytes timeValue(std::time_t time) {
 }
 
 // RFC 5035. The digest is SHA-256, the default, which DER leaves unsaid.
-Bytes signingCertificate(X509& signer) {
-    const Bytes digest = digestOf(hashAlgorithm("SHA256"), certificateDer(signer));
-    const Bytes issuer = tlv(der::sequence, {tlv(der::context4, {issuerName(signer)})});
-    const Bytes issuerSerial = tlv(der::sequence, {issuer, serialNumber(signer)});
+Bytes signingCertificate(const Certificate& signer) {
+    const Bytes digest = digestOf(hashAlgorithm("SHA256"), signer.der);
+    const auto parts = signer.parts();
+    const Bytes issuer = tlv(der::sequence, {tlv(der::context4, {parts.issuer})});
+    const Bytes issuerSerial = tlv(der::sequence, {issuer, parts.serialNumber});
     const Bytes certificateId = tlv(der::sequence, {tlv(der::octetString, {digest}), issuerSerial});
     return tlv(der::sequence, {tlv(der::sequence, {certificateId})});
 }
@@ -56,16 +48,18 @@ Bytes retagged(Bytes attributes) {
     return attributes;
 }
 
-Bytes signerInfo(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
-    return tlv(der::sequence, {versionOne(), tlv(der::sequence, {issuerName(signer), serialNumber(signer)}),
-                               digestAlgorithm(hash), retagged(attributes),
-                               tlv(der::sequence, {der::objectIdentifier(NID_rsaEncryption), null()}),
-                               tlv(der::octetString, {signature})});
+Bytes signerInfo(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature,
+                 const Certificate& signer) {
+    const auto parts = signer.parts();
+    return tlv(der::sequence,
+               {versionOne(), tlv(der::sequence, {parts.issuer, parts.serialNumber}), digestAlgorithm(hash),
+                retagged(attributes), tlv(der::sequence, {der::objectIdentifier(NID_rsaEncryption), null()}),
+                tlv(der::octetString, {signature})});
 }
 
 } // namespace
 
-Bytes signedAttributes(const Bytes& contentDigest, X509& signer, std::time_t signingTime) {
+Bytes signedAttributes(const Bytes& contentDigest, const Certificate& signer, std::time_t signingTime) {
     return der::setOf(der::set,
                       {attribute(NID_pkcs9_contentType, der::objectIdentifier(NID_pkcs7_data)),
                        attribute(NID_pkcs9_messageDigest, tlv(der::octetString, {contentDigest})),
@@ -79,9 +73,10 @@ Bytes digestInfo(const HashAlgorithm& hash, const Bytes& digest) {
 }
 
 SignedDataFrame signedDataFrame(std::size_t contentLength, const HashAlgorithm& hash, const Bytes& attributes,
-                                const Bytes& signature, X509& signer, X509* issuer) {
-    std::vector<Bytes> certificates{certificateDer(signer)};
-    if (issuer != nullptr) certificates.push_back(certificateDer(*issuer));
+                                const Bytes& signature, const Certificate& signer,
+                                const Certificate* issuer) {
+    std::vector<Bytes> certificates{signer.der};
+    if (issuer != nullptr) certificates.push_back(issuer->der);
     const Bytes tail = der::joined({der::setOf(der::context0, certificates),
                                     tlv(der::set, {signerInfo(hash, attributes, signature, signer)})});
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "certificate.h"
 #include "hash.h"
 
 #include <ctime>
@@ -10,7 +11,8 @@ namespace zvcrypt {
 // number.
 
 // Content type, message digest, signing time and signing-certificate-v2, as the SET that is signed.
-[[nodiscard]] Bytes signedAttributes(const Bytes& contentDigest, X509& signer, std::time_t signingTime);
+[[nodiscard]] Bytes signedAttributes(const Bytes& contentDigest, const Certificate& signer,
+                                     std::time_t signingTime);
 
 // PKCS#1 DigestInfo: what the card's RSA operation pads and signs.
 [[nodiscard]] Bytes digestInfo(const HashAlgorithm& hash, const Bytes& digest);
@@ -22,7 +24,7 @@ struct SignedDataFrame {
 };
 
 [[nodiscard]] SignedDataFrame signedDataFrame(std::size_t contentLength, const HashAlgorithm& hash,
-                                              const Bytes& attributes, const Bytes& signature, X509& signer,
-                                              X509* issuer);
+                                              const Bytes& attributes, const Bytes& signature,
+                                              const Certificate& signer, const Certificate* issuer);
 
 } // namespace zvcrypt

@@ -1,7 +1,5 @@
 #include "preference.h"
 
-#include "certificate.h"
-
 namespace zvcrypt {
 namespace {
 
@@ -17,11 +15,11 @@ std::string sortable(const ASN1_TIME* time) {
 
 } // namespace
 
-Preference preferenceOf(const X509& certificate, std::time_t time) {
+Preference preferenceOf(const Certificate& certificate, std::time_t time) {
     const std::string now = sortable(TimePtr(ASN1_TIME_set(nullptr, time)).get());
-    const std::string from = sortable(X509_get0_notBefore(&certificate));
-    const std::string to = sortable(X509_get0_notAfter(&certificate));
-    return {from <= now && now <= to, to, from, certificateDer(certificate)};
+    const std::string from = sortable(X509_get0_notBefore(certificate.x509.get()));
+    const std::string to = sortable(X509_get0_notAfter(certificate.x509.get()));
+    return {from <= now && now <= to, to, from, certificate.der};
 }
 
 } // namespace zvcrypt

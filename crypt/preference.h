@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "certificate.h"
 
 #include <ctime>
 #include <string>
@@ -13,6 +13,6 @@ namespace zvcrypt {
 // greatest wins.
 using Preference = std::tuple<bool, std::string, std::string, Bytes>;
 
-[[nodiscard]] Preference preferenceOf(const X509& certificate, std::time_t time);
+[[nodiscard]] Preference preferenceOf(const Certificate& certificate, std::time_t time);
 
 } // namespace zvcrypt

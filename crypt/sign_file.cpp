@@ -1,6 +1,5 @@
 #include "base64.h"
 #include "card_objects.h"
-#include "certificate.h"
 #include "cms.h"
 #include "files.h"
 
@@ -52,12 +51,13 @@ void writeContent(OutputFile& output, InputFile& input, const HashAlgorithm& has
     if (written.digest != content.digest) throw changed();
 }
 
-void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature, X509& signer) {
+void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature,
+                  const Certificate& signer) {
     const MdContextPtr context = newDigestContext();
-    const bool valid = EVP_DigestVerifyInit(context.get(), nullptr, hash.digest(), nullptr,
-                                            X509_get0_pubkey(&signer)) == 1 &&
-                       EVP_DigestVerify(context.get(), signature.data(), signature.size(), attributes.data(),
-                                        attributes.size()) == 1;
+    const bool valid =
+        EVP_DigestVerifyInit(context.get(), nullptr, hash.digest(), nullptr, signer.key()) == 1 &&
+        EVP_DigestVerify(context.get(), signature.data(), signature.size(), attributes.data(),
+                         attributes.size()) == 1;
     if (!valid)
         throw Failure(ZVC_ERR_SIGNATURE,
                       "La firma della smart card non corrisponde al certificato della chiave");
@@ -65,10 +65,10 @@ void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Byte
 
 SignedDataFrame frameWithin(std::size_t contentLength, const HashAlgorithm& hash, const Bytes& attributes,
                             const Bytes& signature, const CardSigner& signer) {
-    const auto frame = [&](X509* issuer) {
-        return signedDataFrame(contentLength, hash, attributes, signature, *signer.certificate, issuer);
+    const auto frame = [&](const Certificate* issuer) {
+        return signedDataFrame(contentLength, hash, attributes, signature, signer.certificate, issuer);
     };
-    const SignedDataFrame whole = frame(signer.issuer.get());
+    const SignedDataFrame whole = frame(signer.issuer ? &signer.issuer : nullptr);
     const std::size_t size = whole.head.size() + contentLength + whole.tail.size();
     return base64Length(size) > longestBase64 ? frame(nullptr) : whole;
 }
@@ -80,9 +80,9 @@ void signFile(const Session& session, const char* keyId, const HashAlgorithm& ha
     const Content content = readThrough(input, hash, [](auto) {});
 
     const CardSigner signer = findSigner(session, keyId);
-    const Bytes attributes = signedAttributes(content.digest, *signer.certificate, std::time(nullptr));
+    const Bytes attributes = signedAttributes(content.digest, signer.certificate, std::time(nullptr));
     const Bytes signature = signOnCard(session, signer.key, digestInfo(hash, digestOf(hash, attributes)));
-    requireValid(hash, attributes, signature, *signer.certificate);
+    requireValid(hash, attributes, signature, signer.certificate);
     const auto [head, tail] = frameWithin(content.length, hash, attributes, signature, signer);
 
     output.write(head);

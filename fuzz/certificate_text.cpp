@@ -41,10 +41,10 @@ Split split(std::string text) {
 
 // The certificate alone, in one line of base64 and as PEM, gives itself again.
 void roundTrip(const datiCert& certificate) {
-    const unsigned char* end = certificate.der;
-    X509* read = d2i_X509(nullptr, &end, static_cast<long>(certificate.derLength));
-    HOLDS(read != nullptr && end == certificate.der + certificate.derLength);
-    X509_free(read);
+    fuzz::Room name(ZVC_DESCRIPTION_SIZE);
+    datiCert read = certificate;
+    const int named = kvGetSubjectDN(read.der, read.derLength, name.get(), ZVC_DESCRIPTION_SIZE);
+    HOLDS(named == 0 || named == ZVC_ERR_CUT || named == ZVC_ERR_BAD_CERTIFICATE);
     std::string base64(certificate.derLength / 3 * 4 + 8, '\0');
     const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(base64.data()), certificate.der,
                                        static_cast<int>(certificate.derLength));

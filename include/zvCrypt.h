@@ -273,7 +273,8 @@ ZVCRYPT_API int kvLastError(char* buffer, int size);
  *
  * Each takes the certificate in DER (bytes after its end are ignored, as cards pad) and gives one text. What
  * is asked for is read as it was issued: a wrong character in a name or a needless byte in front of the serial
- * number is no failure, and neither signature nor validity are looked at.
+ * number is no failure, and neither signature nor validity are looked at. kvSignFile and SplitCert take such
+ * certificates as well; their bytes are carried as they are.
  *
  * Texts of the certificate come as UTF-8: a BMPString is read as UTF-16, T61String and the other types of one
  * byte a character as Latin-1. A control character and a backslash come as \xNN, a mark of direction, a line

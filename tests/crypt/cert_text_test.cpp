@@ -77,6 +77,21 @@ TEST_F(CertText, EveryFormGivesTheHoldersCertificate) {
     }
 }
 
+// OpenSSL reads none of it.
+TEST_F(CertText, WhatAuthoritiesIssueComesOutByteByByte) {
+    const auto tame =
+        test::make({.subject = test::wildSubject, .serial = test::wildSerial, .issuer = &authority});
+    const Bytes odd = test::wild(tame.der);
+    const unsigned char* end = odd.data();
+    ASSERT_EQ(d2i_X509(nullptr, &end, static_cast<long>(odd.size())), nullptr);
+    for (const std::string& form :
+         {base64(odd), pem(odd) + pem(authority.der), pem(test::wild(trusted(tame)), "TRUSTED CERTIFICATE"),
+          pem(test::wild(bundle({authority, tame})), "PKCS7"), base64(test::wild(bundle({tame, root})))}) {
+        EXPECT_EQ(split(form), ZVC_OK) << reason << '\n' << form;
+        EXPECT_EQ(found(), odd);
+    }
+}
+
 TEST_F(CertText, AnAuthorityWithoutTheMarkIsKnownByWhatItIssued) {
     const auto old = test::make({.subject = "CN=Vecchia autorità", .extensions = ""});
     const auto issued = test::make({.issuer = &old});
@@ -100,10 +115,10 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
     };
     const std::string one = pem(holder.der), body = base64(holder.der),
                       begin = "-----BEGIN CERTIFICATE-----\n";
-    const std::string end = "-----END CERTIFICATE-----", holderName = "Titolare";
+    const std::string end = "-----END CERTIFICATE-----", date = "240131010203Z";
     const Bytes chain = bundle({authority, holder});
-    Bytes badName = holder.der; // UTF-8 that is none
-    *std::search(badName.begin(), badName.end(), holderName.begin(), holderName.end()) = 0xFF;
+    Bytes badDate = holder.der; // of another type
+    *(std::search(badDate.begin(), badDate.end(), date.begin(), date.end()) - 2) = 0x04;
     std::string longName = "CN=Lungo";
     for (int unit = 0; unit < 8; ++unit)
         longName += "|OU=" + std::string(60, 'x');
@@ -122,7 +137,7 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
         {base64(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(cut(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato"},
-        {base64(badName), ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile"},
+        {base64(badDate), ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile"},
         {base64(longer(chain)), ZVC_ERR_TEXT_FORM, "PKCS#7 dei certificati è seguita da altri dati"},
         {pem(longer(trusted(holder)), "TRUSTED CERTIFICATE"), ZVC_ERR_BAD_CERTIFICATE, "TRUSTED"},
         {pem(holder.der, "PKCS7"), ZVC_ERR_TEXT_FORM, "busta PKCS#7 dei certificati non è leggibile"},

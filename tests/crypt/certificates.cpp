@@ -1,10 +1,11 @@
-#include "certificates.h"
+#include "raw_certificate.h"
 
 #include <openssl/conf.h>
 #include <openssl/ec.h>
 #include <openssl/pkcs7.h>
 #include <openssl/x509v3.h>
 
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -63,6 +64,37 @@ Certificate makeAuthority(const std::string& name, const Certificate* issuer) {
                  .extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign",
                  .serial = "01",
                  .issuer = issuer});
+}
+
+Bytes wild(Bytes der) {
+    const std::pair<std::string, std::string> changes[] = {
+        {"\014\003abc", "\036\003abc"}, {"Titolare", "Titolar\xE8"}, {"\x0F\x0F", {"\0\0", 2}}};
+    for (const auto& [from, to] : changes)
+        std::copy(to.begin(), to.end(), std::search(der.begin(), der.end(), from.begin(), from.end()));
+    return der;
+}
+
+Bytes wild(const Certificate& certificate, const Certificate& issuer) {
+    const Bytes der = wild(certificate.der);
+    const unsigned char* at = der.data();
+    const auto next = [&at](bool enter) {
+        const unsigned char *start = at, *content = at;
+        long length = 0;
+        int tag = 0, type = 0;
+        (void)ASN1_get_object(&content, &length, &tag, &type, 65536);
+        at = enter ? content : content + length;
+        return std::string(start, at);
+    };
+    (void)next(true);
+    const std::string body = next(false), algorithm = next(false);
+    const std::shared_ptr<EVP_MD_CTX> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    std::string signature(512, '\0');
+    std::size_t length = signature.size();
+    (void)EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, issuer.key.get());
+    (void)EVP_DigestSign(context.get(), reinterpret_cast<unsigned char*>(signature.data()), &length,
+                         reinterpret_cast<const unsigned char*>(body.data()), body.size());
+    const std::string whole = tlv(sequence, body + algorithm + tlv(3, '\0' + signature.substr(0, length)));
+    return {whole.begin(), whole.end()};
 }
 
 std::string base64(const Bytes& bytes) {

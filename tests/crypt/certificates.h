@@ -36,6 +36,13 @@ struct Shape {
 
 [[nodiscard]] Certificate make(const Shape& shape);
 [[nodiscard]] Certificate makeAuthority(const std::string& name, const Certificate* issuer = nullptr);
+// Puts what authorities issue into one that make() made with these: a BMPString of odd length, a Latin-1 byte in a
+// UTF8String, a serial number with a needless byte.
+inline constexpr const char* wildSubject = "O=abc|CN=Titolare";
+inline constexpr const char* wildSerial = "0F0F8A01";
+[[nodiscard]] Bytes wild(Bytes der);
+// The same, signed once more by the issuer.
+[[nodiscard]] Bytes wild(const Certificate& certificate, const Certificate& issuer);
 [[nodiscard]] std::string base64(const Bytes& bytes);
 [[nodiscard]] std::string pem(const Bytes& bytes, const std::string& label = "CERTIFICATE");
 [[nodiscard]] Bytes bundle(const std::vector<Certificate>& certificates);

@@ -1,3 +1,4 @@
+#include "raw_certificate.h"
 #include "scratch.h"
 #include "signed_file.h"
 #include "simcard/tool/card_objects.h"
@@ -258,6 +259,28 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
         EXPECT_EQ(module.login(session, zvtest::user_pin), own ? CKR_OK : CKR_USER_ALREADY_LOGGED_IN);
         ASSERT_EQ(module->C_Finalize(nullptr), CKR_OK);
     }
+}
+
+TEST_F(Sign, WhatAuthoritiesIssueSignsByteByByte) {
+    const auto tame = test::make({.subject = test::wildSubject,
+                                  .serial = test::wildSerial,
+                                  .issuer = &authority,
+                                  .key = newKey("strano")});
+    const std::string odd = test::asText(test::wild(tame, authority));
+    simcard::Attributes object;
+    object.add_number(CKA_CLASS, CKO_CERTIFICATE).add_flag(CKA_TOKEN, true).add_flag(CKA_PRIVATE, false);
+    object.add_number(CKA_CERTIFICATE_TYPE, CKC_X_509).add(CKA_ID, "strano").add(CKA_SUBJECT, "0");
+    hold(std::move(object.add(CKA_VALUE, odd + std::string(9, '\0'))));
+    hold(authority, "CA");
+    openAndLogin();
+    ASSERT_EQ(signText("testo", "strano"), ZVC_OK) << lastError();
+    const std::string text = content(path("out"));
+    EXPECT_NE(text.find(odd), std::string::npos);
+    EXPECT_NE(text.find(test::asText(authority.der)), std::string::npos) << "its issuer";
+    const std::string serial("\x02\x04\0\0\x8A\x01", 6),
+        issuer = test::asText(
+            test::encoded<X509_NAME>(i2d_X509_NAME, X509_get_subject_name(authority.x509.get())));
+    EXPECT_NE(text.rfind(issuer + serial), std::string::npos) << "the signer's";
 }
 
 // At the end nothing is given any more in this process.

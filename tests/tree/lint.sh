@@ -4,7 +4,7 @@
 set -eu
 cd "$1"
 build=$2
-folders="util diag card store inventory request install api crypt cli simcard"
+folders="util diag card store inventory request install api lenient crypt cli simcard"
 for tool in clang-tidy cppcheck; do
     command -v $tool >/dev/null || { echo "$tool is not installed"; exit 77; }
 done
