@@ -23,6 +23,7 @@ std::string utf8_of(const ASN1_STRING* value) {
     if (length < 0) return {};
     std::string text(reinterpret_cast<const char*>(data), static_cast<std::size_t>(length));
     OPENSSL_free(data);
+    std::erase(text, '\0'); // what is left of a BMPString that was none
     return text;
 }
 

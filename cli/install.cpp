@@ -190,8 +190,8 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
                     const CardView& view, const std::string& id) {
     std::string reason;
     for (const Certificate& certificate : files.certificates)
-        if (const Bytes der = der_of(*certificate); view.certificate(id, der) != nullptr)
-            reason = prove_pair(card, id, der);
+        if (view.certificate(id, certificate.der()) != nullptr)
+            reason = prove_pair(card, id, certificate.der());
     if (!reason.empty())
         return {Exit::failed,
                 fmt::format("The certificate is on the card already, as {}, but {}", id, reason)};

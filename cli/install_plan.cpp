@@ -13,15 +13,15 @@
 namespace cli {
 namespace {
 
-X509* certificate_with(const std::vector<Certificate>& certificates, const Bytes& modulus) {
+const Certificate* certificate_with(const std::vector<Certificate>& certificates, const Bytes& modulus) {
     const auto found = std::find_if(certificates.begin(), certificates.end(),
                                     [&](const Certificate& one) { return modulus_of(*one) == modulus; });
-    return found == certificates.end() ? nullptr : found->get();
+    return found == certificates.end() ? nullptr : &*found;
 }
 
 struct Match {
     WaitingPair pair;
-    X509* certificate;
+    const Certificate* certificate;
 };
 
 std::string ids(const std::vector<WaitingPair>& pairs) {
@@ -52,7 +52,8 @@ Match match_pair(const IssuedFiles& files, const Inventory& inventory, const Car
     for (const WaitingPair& pair : pairs_to_try(inventory, view)) {
         const Bytes key = view.modulus(pair.id);
         if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
-        if (X509* certificate = certificate_with(files.certificates, key)) return {pair, certificate};
+        if (const Certificate* certificate = certificate_with(files.certificates, key))
+            return {pair, certificate};
     }
     const std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
     if (pairs.empty())
@@ -96,7 +97,7 @@ std::string stored_already(const IssuedFiles& files, const CardView& view) {
     for (const Certificate& certificate : files.certificates)
         for (const std::string& id : view.identifiers())
             if (view.find(CKO_PRIVATE_KEY, id) != nullptr &&
-                view.certificate(id, der_of(*certificate)) != nullptr)
+                view.certificate(id, certificate.der()) != nullptr)
                 return id;
     return {};
 }
@@ -107,7 +108,7 @@ InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files
     if (const std::string reason = why_not_storable(*match.certificate); !reason.empty())
         throw Stop(Exit::refused, fmt::format("The certificate cannot be stored: {}.", reason));
     InstallPlan plan;
-    plan.certificate = der_of(*match.certificate);
+    plan.certificate = match.certificate->der();
     plan.pair = match.pair.id;
     plan.kind = match.pair.kind;
     plan.old =

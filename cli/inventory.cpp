@@ -76,7 +76,8 @@ void add_certificates(Inventory& inventory, const CertificateList& list, Kind ki
     }
 }
 
-// The record of a services card's own certificate has what follows the common name inside it.
+// The record of a services card's own certificate has what follows the common name inside it; bytes that are no
+// character stand escaped in any.
 void take_subject(CertificateRecord& record, const CardView& view) {
     for (const CardObject* object : view.certificates(record.id)) {
         const Certificate certificate = certificate_from(object->value);
@@ -138,7 +139,8 @@ Inventory read_inventory(OpenedCard& card, const CardView& view, const std::stri
     add_certificates(inventory, reading.authentication, Kind::authentication, mark_authentication);
     add_certificates(inventory, reading.services, Kind::services, reading.services_pending == 1);
     for (CertificateRecord& record : inventory.certificates)
-        if (record.kind == Kind::services) take_subject(record, view);
+        if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
+            take_subject(record, view);
     inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, own_pair_id) != nullptr;
     inventory.services_waiting = reading.services_pending == 1;
     const std::string signature_key = reading.signature_key.data();

@@ -1,7 +1,9 @@
 #include "cli/key_material.h"
 
 #include "cli/outcome.h"
+#include "lenient/mended.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fmt/format.h>
@@ -65,30 +67,38 @@ std::vector<Block> blocks_of(const std::string& text) {
     return {{{}, text}};
 }
 
-Certificate whole_certificate(const std::string& der) {
-    const auto* at = reinterpret_cast<const unsigned char*>(der.data());
-    Certificate certificate(d2i_X509(nullptr, &at, static_cast<long>(der.size())));
-    ERR_clear_error();
-    return certificate;
-}
-
 Message message_in(const std::string& der) {
-    const Bio bio = reading(der);
+    const Bytes readable = lenient::mended({reinterpret_cast<const unsigned char*>(der.data()), der.size()});
+    const Bio bio(BIO_new_mem_buf(readable.data(), static_cast<int>(readable.size())));
     Message message(d2i_CMS_bio(bio.get(), nullptr));
     ERR_clear_error();
     return message;
 }
 
+/// Where the bytes of a certificate out of a message stand in it; what OpenSSL has is a copy of the readable ones.
+Certificate original(X509& copy, const std::string& message) {
+    unsigned char* data = nullptr;
+    const int length = i2d_X509(&copy, &data);
+    const Bytes bytes(data, data + std::max(length, 0));
+    OPENSSL_free(data);
+    const Bytes whole(message.begin(), message.end());
+    const Bytes readable = lenient::mended(whole);
+    const auto found = std::search(readable.begin(), readable.end(), bytes.begin(), bytes.end());
+    const auto at = whole.begin() + (found - readable.begin());
+    if (found == readable.end()) return whole == readable ? certificate_from(bytes) : Certificate();
+    return certificate_from({at, at + static_cast<std::ptrdiff_t>(bytes.size())});
+}
+
 void add_certificates(const Block& block, std::vector<Certificate>& found) {
-    if (Certificate single = whole_certificate(block.der)) {
+    if (Certificate single = certificate_from({block.der.begin(), block.der.end()})) {
         found.push_back(std::move(single));
         return;
     }
     const Message message = message_in(block.der);
     STACK_OF(X509)* bundle = message ? CMS_get1_certs(message.get()) : nullptr;
     for (int i = 0; i < sk_X509_num(bundle); ++i)
-        found.emplace_back(sk_X509_value(bundle, i));
-    sk_X509_free(bundle); // the certificates have new owners
+        if (Certificate one = original(*sk_X509_value(bundle, i), block.der)) found.push_back(std::move(one));
+    sk_X509_pop_free(bundle, X509_free);
     ERR_clear_error();
 }
 
@@ -143,7 +153,12 @@ std::vector<Certificate> certificates_in_file(const std::string& path) {
 }
 
 Certificate certificate_from(const Bytes& der) {
-    return whole_certificate({der.begin(), der.end()});
+    Bytes whole = without_padding(der);
+    const Bytes readable = lenient::mended(whole);
+    const unsigned char* at = readable.data();
+    X509* read = readable.empty() ? nullptr : d2i_X509(nullptr, &at, static_cast<long>(readable.size()));
+    ERR_clear_error();
+    return {std::move(whole), read};
 }
 
 Bytes modulus_of_request(const std::string& request) {
@@ -164,21 +179,13 @@ Bytes signer_of_request(const std::string& request) {
         for (const Certificate& one : held)
             if (sk_CMS_SignerInfo_num(signers) > 0 &&
                 CMS_SignerInfo_cert_cmp(sk_CMS_SignerInfo_value(signers, 0), one.get()) == 0)
-                return der_of(*one);
+                return one.der();
     }
     return {};
 }
 
 Bytes modulus_of(X509& certificate) {
     return modulus_of_key(X509_get0_pubkey(&certificate));
-}
-
-Bytes der_of(X509& certificate) {
-    unsigned char* data = nullptr;
-    const int length = i2d_X509(&certificate, &data);
-    Bytes der(data, data + std::max(length, 0));
-    OPENSSL_free(data);
-    return der;
 }
 
 std::vector<Block> pem_blocks(const std::string& text) {
@@ -224,14 +231,15 @@ std::string base64_of(const Bytes& bytes) {
     return text;
 }
 
-std::string why_not_storable(X509& certificate) {
-    const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+std::string why_not_storable(const Certificate& certificate) {
+    const EVP_PKEY* key = X509_get0_pubkey(certificate.get());
     if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return "its key is not an RSA key";
     if (EVP_PKEY_get_bits(key) > largest_key) return "its key has more than 2048 bits";
-    for (X509_NAME* name : {X509_get_subject_name(&certificate), X509_get_issuer_name(&certificate)})
+    for (X509_NAME* name :
+         {X509_get_subject_name(certificate.get()), X509_get_issuer_name(certificate.get())})
         if (i2d_X509_NAME(name, nullptr) > longest_name)
             return "its subject or issuer has more than 512 bytes";
-    if (base64_of(der_of(certificate)).size() > longest_text) return "it is too large";
+    if (base64_of(certificate.der()).size() > longest_text) return "it is too large";
     return {};
 }
 

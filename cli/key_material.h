@@ -5,14 +5,30 @@
 #include <memory>
 #include <openssl/x509.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace cli {
 
-struct FreeX509 {
-    void operator()(X509* certificate) const { X509_free(certificate); }
+/// A certificate as it was issued, and what OpenSSL reads of it: of one that OpenSSL would refuse (see lenient/), a
+/// copy with other bytes in a name or serial number.
+class Certificate {
+  public:
+    Certificate() = default; ///< none
+    Certificate(Bytes der, X509* read) : der_(std::move(der)), read_(read) {}
+
+    explicit operator bool() const { return read_ != nullptr; }
+    [[nodiscard]] const Bytes& der() const { return der_; }
+    [[nodiscard]] X509* get() const { return read_.get(); }
+    [[nodiscard]] X509& operator*() const { return *read_; }
+
+  private:
+    struct Free {
+        void operator()(X509* certificate) const { X509_free(certificate); }
+    };
+    Bytes der_;
+    std::unique_ptr<X509, Free> read_;
 };
-using Certificate = std::unique_ptr<X509, FreeX509>;
 
 /**
  * Reads every certificate of a file: PEM (certificates, PKCS#7 bundles), DER of either, or base64 of that DER
@@ -22,7 +38,7 @@ using Certificate = std::unique_ptr<X509, FreeX509>;
  */
 [[nodiscard]] std::vector<Certificate> certificates_in_file(const std::string& path);
 
-/// Reads one certificate from DER; null when it is none.
+/// Reads one certificate from DER, which may be padded; none when it is no certificate.
 [[nodiscard]] Certificate certificate_from(const Bytes& der);
 
 /**
@@ -38,8 +54,6 @@ using Certificate = std::unique_ptr<X509, FreeX509>;
 
 /// The certificate of whoever signed what the request command saves, DER; empty when it is not in there.
 [[nodiscard]] Bytes signer_of_request(const std::string& request);
-
-[[nodiscard]] Bytes der_of(X509& certificate);
 
 /// One block of a file: what its frame calls it (empty without a frame) and its DER.
 struct Block {
@@ -57,7 +71,7 @@ struct Block {
 [[nodiscard]] std::string base64_of(const Bytes& bytes);
 
 /// Says why a card cannot store a certificate; empty when it can.
-[[nodiscard]] std::string why_not_storable(X509& certificate);
+[[nodiscard]] std::string why_not_storable(const Certificate& certificate);
 
 /// Reads a file of at most 1 MiB. @throws Stop
 [[nodiscard]] std::string read_file(const std::string& path, const char* what);

@@ -98,7 +98,7 @@ void refuse_worthless(const InstallOptions& options, const InstallPlan& plan, co
 
 std::string new_issuer(const InstallPlan& plan) {
     const Certificate now = certificate_from(plan.certificate);
-    const Certificate before = plan.old ? certificate_from(plan.old->der) : nullptr;
+    const Certificate before = plan.old ? certificate_from(plan.old->der) : Certificate();
     if (!now || !before ||
         X509_NAME_cmp(X509_get_issuer_name(now.get()), X509_get_issuer_name(before.get())) == 0)
         return {};

@@ -41,7 +41,7 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOl
         EXPECT_EQ(std::count_if(found.begin(), found.end(), is_the_holders), 1) << form;
         EXPECT_EQ(simcard::read_file(file("form")).starts_with("-----BEGIN"), !form.ends_with("--der"));
     }
-    const cli::Bytes der = cli::der_of(*cli::certificates_in_file(file("form")).front());
+    const cli::Bytes der = cli::certificates_in_file(file("form")).front().der();
     simcard::write_file(file("base64"), cli::base64_of(der), simcard::Access::owner_only);
     EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
 
@@ -58,6 +58,22 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOl
     const Outcome again = with_pin("install certificate");
     EXPECT_EQ(again.code, 2) << "it is there already";
     EXPECT_EQ(again.count("C_Sign"), 1U) << "its key is tried";
+}
+
+// A Latin-1 letter in a UTF8String: OpenSSL does not read it.
+TEST_F(InstallProgramTest, TakesWhatAuthoritiesIssue) {
+    prepare("--der");
+    std::string odd = simcard::read_file(file("certificate"));
+    for (std::size_t at = 0; (at = odd.find("Collaudo", at)) != std::string::npos;)
+        odd[at + 7] = '\xF2';
+    simcard::write_file(file("odd"), odd, simcard::Access::owner_only);
+    const Outcome outcome = with_pin("install odd --request request --remove-old --backup old.pem");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(with_pin("install odd").code, 2) << "it is there already";
+    const Outcome request = with_pin("request signature --certificate DS3 --force --out again");
+    EXPECT_EQ(request.code, 0) << request.err;
+    EXPECT_TRUE(request.says("CN=Ada Collaudò")) << request.out;
+    EXPECT_EQ(cli::signer_of_request(simcard::read_file(file("again"))), cli::Bytes(odd.begin(), odd.end()));
 }
 
 TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
