@@ -3,7 +3,9 @@
 #include "asn1_text.h"
 #include "text.h"
 
+#include <cstdlib>
 #include <memory>
+#include <unistd.h>
 
 namespace zvcrypt {
 namespace {
@@ -18,6 +20,11 @@ void closeCurrent() {
     const auto outcome = current()->close();
     current().reset();
     if (outcome.result != CKR_OK) throw moduleFailure(outcome.function, outcome.result);
+}
+
+// A module ends before the exit handlers that were set up before it was loaded: those would call what is no more.
+void closeAtExit() noexcept {
+    if (current() && current()->isOfThisProcess()) current().reset();
 }
 
 // The module or the card ended the session already.
@@ -35,7 +42,8 @@ template <std::size_t size> std::string fixedText(const CK_UTF8CHAR (&field)[siz
 
 } // namespace
 
-Session::Session(const std::string& modulePath, CK_SLOT_ID slot) : module_(modulePath), slot_(slot) {
+Session::Session(const std::string& modulePath, CK_SLOT_ID slot)
+    : module_(modulePath), slot_(slot), opener_(::getpid()) {
     const CK_RV initialised = module_.call(&CK_FUNCTION_LIST::C_Initialize, nullptr);
     initialisedHere_ = initialised == CKR_OK;
     if (initialised != CKR_CRYPTOKI_ALREADY_INITIALIZED) check("C_Initialize", initialised);
@@ -49,6 +57,11 @@ Session::Session(const std::string& modulePath, CK_SLOT_ID slot) : module_(modul
 
 Session::~Session() {
     (void)close();
+}
+
+// A child of the process that opened it would log its parent out.
+bool Session::isOfThisProcess() const noexcept {
+    return opener_ == ::getpid();
 }
 
 void Session::openSession() {
@@ -85,12 +98,14 @@ void Session::login(std::string_view pin) {
     // The standard's type is not const, but a PIN is only read.
     auto* bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(pin.data()));
     const CK_RV result = callLogin(CKU_USER, {bytes, pin.size()});
-    loggedIn_ = result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN;
     if (result == CKR_OK) {
         loggedInHere_ = true;
         pin_.keep(pin);
     }
-    if (loggedIn_) return;
+    if (result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN) {
+        loggedIn_ = true;
+        return;
+    }
     pin_.wipe();
     const Failure failure = moduleFailure("C_Login", result);
     throw Failure(failure.code(), failure.reason() + (result == CKR_PIN_INCORRECT ? triesWarning() : ""));
@@ -126,6 +141,7 @@ int kvInitialize(char* libPath, int slot) {
         zvcrypt::requireArguments({libPath});
         zvcrypt::current().reset();
         zvcrypt::current() = std::make_unique<zvcrypt::Session>(libPath, static_cast<unsigned>(slot));
+        (void)std::atexit(zvcrypt::closeAtExit);
     });
 }
 

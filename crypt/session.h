@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace zvcrypt {
 
@@ -24,6 +25,7 @@ class Session {
     [[nodiscard]] Outcome close() noexcept;
 
     void login(std::string_view pin);
+    // Also after a later login that failed: the card is open all the same.
     [[nodiscard]] bool loggedIn() const noexcept { return loggedIn_; }
     // Of this session's own login; empty when the card was open already.
     [[nodiscard]] std::span<unsigned char> keptPin() const noexcept { return pin_.bytes(); }
@@ -31,6 +33,7 @@ class Session {
     // What a reason says behind a refused PIN when the card tells that few tries are left.
     [[nodiscard]] std::string triesWarning() const;
     [[nodiscard]] CK_TOKEN_INFO tokenInfo() const;
+    [[nodiscard]] bool isOfThisProcess() const noexcept;
 
     // Calls a function that takes the session handle first.
     template <class Entry, class... Arguments>
@@ -43,6 +46,7 @@ class Session {
 
     Module module_;
     CK_SLOT_ID slot_;
+    pid_t opener_;
     CK_SESSION_HANDLE handle_ = CK_INVALID_HANDLE;
     bool initialisedHere_ = false;
     bool loggedIn_ = false;

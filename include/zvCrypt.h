@@ -24,7 +24,8 @@
  *  8. An operation on readers, cards or files that fails while the session is logged in ends that session as
  *     kvFinalize does, with the reason kept: an open card would take any PIN for the right one. A refused kvLogin
  *     leaves the session; so do the operations on certificates and texts.
- *  9. Every operation may be called until the process ends, from exit handlers and destructors too.
+ *  9. Every operation may be called until the process ends, from exit handlers and destructors too. To those set up
+ *     before kvInitialize the session is closed already: its module ends before they run.
  */
 
 // clang-format off

@@ -106,3 +106,10 @@ TEST_F(Session, ACardThatIsTakenOutIsToldAndClosesWithoutFailure) {
     ASSERT_EQ(module.put_back(), 0);
     EXPECT_EQ(initialize(ZVSIMCARD_MODULE), ZVC_OK);
 }
+
+TEST_F(Session, AnExitHandlerOfBeforeFindsTheCardClosed) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto close = [] { ::_exit(kvFinalize() == ZVC_OK ? 0 : 3); };
+    EXPECT_EXIT((std::atexit(close), (void)initialize(ODD_MODULE, 7), std::exit(4)),
+                testing::ExitedWithCode(0), "");
+}

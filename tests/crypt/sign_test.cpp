@@ -247,6 +247,11 @@ TEST_F(Sign, FailuresHaveTheirCodeAndLeaveNoFile) {
         EXPECT_EQ(kvLogin(zvtest::user_pin), ZVC_OK) << "a refused login leaves the session";
     }
     EXPECT_EQ(signText("testo"), ZVC_OK);
+    module.reset();
+    ASSERT_EQ(module.add_rules("C_Login:1:answer:0x30"), 0);
+    EXPECT_EQ(kvLogin(zvtest::user_pin), ZVC_ERR_MODULE);
+    EXPECT_EQ(signText("testo", "DS"), ZVC_ERR_KEY) << "the card is open all the same";
+    EXPECT_EQ(module->C_GetInfo(&info), CKR_CRYPTOKI_NOT_INITIALIZED);
     // Where the host's own session would keep the card open, it is logged out; what the host opened stays open.
     const bool ours[] = {true, false};
     for (const bool own : ours) {
