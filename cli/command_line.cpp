@@ -176,25 +176,26 @@ bool wants_json(int argc, char** argv) {
 
 Report told(const std::string& text) {
     Report report;
-    report.text = text;
+    report.text = text.substr(0, text.find_last_not_of('\n') + 1);
     report.json["text"] = text;
     return report;
 }
 
-Invocation as_answer(const CLI::App& app, const CLI::ParseError& error) {
+// Help, the version, or what is wrong with the command line.
+Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool json) {
     const auto commands = app.get_subcommands();
     const std::string command = commands.empty() ? "" : commands.front()->get_name();
     std::ostringstream out, none;
     if (app.exit(error, out, none) == 0)
-        return {command, true, false, [text = out.str()] { return told(text); }};
-    return {command, true, false, [sentence = std::string(error.what())]() -> Report {
+        return {command, json, false, [text = out.str()] { return told(text); }};
+    return {command, json, false, [sentence = std::string(error.what())]() -> Report {
                 throw Stop(Exit::refused, sentence, Advice{"help", "Run with --help for more information."});
             }};
 }
 
 } // namespace
 
-std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
+Invocation read_command_line(int argc, char** argv) {
     CLI::App app(about, "zvrenew");
     Invocation chosen;
     app.set_version_flag("--version", ZV_VERSION);
@@ -207,9 +208,7 @@ std::optional<Invocation> read_command_line(int argc, char** argv, int& exit) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (wants_json(argc, argv)) return as_answer(app, error);
-        exit = app.exit(error) == 0 ? static_cast<int>(Exit::done) : static_cast<int>(Exit::refused);
-        return std::nullopt;
+        return as_answer(app, error, wants_json(argc, argv));
     }
     return chosen;
 }

@@ -3,7 +3,6 @@
 #include "cli/outcome.h"
 
 #include <functional>
-#include <optional>
 
 namespace cli {
 
@@ -15,13 +14,7 @@ struct Invocation {
     std::function<Report()> run;
 };
 
-/**
- * Reads the command line. Prints help, the version or what is wrong with it by itself, unless --json is given:
- * then running it answers with that.
- *
- * @param[out] exit  the exit code, when there is nothing to run
- * @return none when there is nothing to run
- */
-[[nodiscard]] std::optional<Invocation> read_command_line(int argc, char** argv, int& exit);
+/// Reads the command line. Help, the version or what is wrong with it is the answer of what is returned.
+[[nodiscard]] Invocation read_command_line(int argc, char** argv);
 
 } // namespace cli

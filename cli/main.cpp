@@ -11,7 +11,6 @@
 
 #include <cstdio>
 #include <exception>
-#include <iostream>
 
 namespace {
 
@@ -67,13 +66,17 @@ Exit print_stop(const Invocation& invocation, const Stop& stop) {
     return tell_stop(stop);
 }
 
+OnCard as_before() {
+    return {{}, {}, true};
+}
+
 // What cannot be printed is told on standard error.
 Exit answer(const Invocation& invocation, const Report& report) {
     try {
         print_report(invocation, report);
         return Exit::done;
     } catch (Stop& stop) {
-        stop.card = OnCard{{}, {}, true};
+        stop.card = as_before();
         if (report.unsaid) report.unsaid(stop);
         return tell_stop(stop);
     }
@@ -95,16 +98,17 @@ int start(int argc, char** argv) {
     forbid_reading();
 #endif
     let_writes_fail();
-    if (!open_standard_descriptors())
-        return static_cast<int>(tell_stop({Exit::failed, "Standard output is closed."}));
-    int exit = 0;
-    const std::optional<Invocation> invocation = read_command_line(argc, argv, exit);
-    if (!invocation) return std::cout.flush() ? exit : static_cast<int>(Exit::failed);
-    if (invocation->uses_library) {
+    if (!open_standard_descriptors()) {
+        Stop closed(Exit::failed, "Standard output is closed.");
+        closed.card = as_before();
+        return static_cast<int>(tell_stop(closed));
+    }
+    const Invocation invocation = read_command_line(argc, argv);
+    if (invocation.uses_library) {
         if (const std::string problem = make_log_folder(); !problem.empty()) note(problem);
     }
     loadErrorCodes();
-    return static_cast<int>(run(*invocation));
+    return static_cast<int>(run(invocation));
 }
 
 } // namespace

@@ -133,8 +133,9 @@ TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     for (const char* target : {" >/dev/full", " >&-", " --json >/dev/full"}) {
         outcome = shell(command("request signature" + pin) + target);
         EXPECT_EQ(outcome.code, 1) << target;
-        EXPECT_TRUE(outcome.says("Standard output")) << target << outcome.err;
+        EXPECT_TRUE(outcome.says("Standard output") && outcome.says("Now on the card")) << outcome.err;
     }
+    EXPECT_TRUE(zvrenew("--help >/dev/full").says("Standard output does not take"));
     EXPECT_EQ(shell(command("list" + pin) + " <&- 2>&-").code, 0);
     EXPECT_EQ(
         shell("{ " + command("request signature" + pin) + "; echo $? >code; } | true; exit $(cat code)").code,
