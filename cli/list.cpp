@@ -114,14 +114,18 @@ Advice advice_on_due(const Inventory& inventory, Kind kind) {
         {{"kind", kind_name(kind)}}};
 }
 
-void advise_on_waiting(Report& report, const Inventory& inventory, const WaitingPair& pair) {
+void advise_on_waiting(Report& report, const Inventory& inventory, const CardView& view,
+                       const WaitingPair& pair) {
     const Json values = {{"kind", kind_name(pair.kind)}, {"pair", pair.id}};
     report.advice.push_back({"install",
                              fmt::format("The new {} pair {} waits for its certificate.\n"
                                          "  When it has come:   zvrenew install CERTIFICATE",
                                          kind_name(pair.kind), pair.id),
                              values});
-    if (inventory.current(pair.kind) != nullptr)
+    const CardObject* key = view.find(CKO_PRIVATE_KEY, pair.id);
+    if (key != nullptr && key->wants_pin)
+        report.advice.push_back(leave_to_card_software(pair.id));
+    else if (inventory.current(pair.kind) != nullptr)
         report.advice.push_back(
             {"request-again",
              fmt::format("  To ask once more:   zvrenew request {} --out FILE   (the same pair is used)",
@@ -154,7 +158,8 @@ void advise_on_services(Report& report, const Inventory& inventory) {
 }
 
 Report list_card(OpenedCard& card, const ListOptions& options) {
-    const Inventory inventory = read_inventory(card, view_card(card));
+    const CardView view = view_card(card);
+    const Inventory inventory = read_inventory(card, view);
     Report report;
     report.text = heading(card);
     report.json = card_json(card);
@@ -173,7 +178,7 @@ Report list_card(OpenedCard& card, const ListOptions& options) {
             !under_way(inventory, record.kind))
             report.advice.push_back(advice_on_due(inventory, record.kind));
     for (const WaitingPair& pair : inventory.waiting)
-        advise_on_waiting(report, inventory, pair);
+        advise_on_waiting(report, inventory, view, pair);
     for (const RetiredPair& pair : inventory.retired)
         advise_on_retired(report, pair);
     if (inventory.services_waiting) advise_on_services(report, inventory);

@@ -103,6 +103,7 @@ TEST_F(RequestProgramTest, SaysWhatComesOfKeysThatWantThePinEachTime) {
         EXPECT_TRUE(again.says("DS3 cannot sign its request")) << again.err;
         EXPECT_FALSE(again.changed_card());
     }
+    EXPECT_EQ(json("list")["advice"][1]["key"], "pin-each-signature");
     // Where only the old key is so, it is given the PIN and signs.
     ASSERT_EQ(shell(ZVSIMCARD_TOOL " reset card && sed -i /^pin_each/d $ZVSIMCARD_HOME/card/card.ini").code,
               0);
