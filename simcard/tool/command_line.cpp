@@ -32,7 +32,8 @@ void add_create_command(CLI::App& program, const Home& home) {
     command.add_option("--name", plan.name, "Name of the card's folder")->capture_default_str();
     command
         .add_option("--profile", options->profile,
-                    "signature, cns, or cns-signature (cns with a signature pair)")
+                    "signature, signature-pin (its keys want the PIN before each signature), cns, or "
+                    "cns-signature (cns with a signature pair)")
         ->capture_default_str();
     command.add_option("--reader", plan.reader,
                        "Reader that holds it (default: the first free \"Simulated Reader\")");
