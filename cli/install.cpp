@@ -83,9 +83,12 @@ void advise_on_room(std::vector<Advice>& advice, const InstallPlan& plan) {
         advice.push_back({"remove-old", "A card that takes one certificate of an identifier only needs "
                                         "--remove-old beside that."});
     else if (plan.removed.empty() && plan.old && plan.old->on_card)
-        advice.push_back({"remove-old",
-                          "If the card is full, the old certificate makes room: give --remove-old "
-                          "beside that."});
+        advice.push_back(
+            {"remove-old",
+             fmt::format("If the card is full, the old certificate makes room: give --remove-old "
+                         "--replace {} beside that.",
+                         plan.old->id),
+             {{"replace", plan.old->id}}});
     else if (plan.kind != Kind::services)
         advice.push_back({"make-room",
                           "If the card is full, remove something from it with the card's own software "
@@ -199,6 +202,7 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
               fmt::format("The certificate is on the card already, as {}: a signature of its key "
                           "verifies with it.",
                           id));
+    stop.facts = {{"stored", id}, {"verified", true}};
     std::vector<std::string> left;
     for (const RetiredPair& pair : inventory.retired)
         left.push_back(pair.id);
@@ -210,7 +214,7 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
 Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedFiles& files) {
     const CardView before = view_card(card);
     const Inventory inventory = read_inventory(card, before, options.backup);
-    if (const std::string id = stored_already(files, before); !id.empty())
+    if (const std::string id = stored_already(files, inventory, before); !id.empty())
         throw because_stored(card, files, inventory, before, id);
     const InstallPlan plan = plan_install(options, files, card, inventory, before);
     hold_signals();

@@ -1,5 +1,6 @@
 #include "cli/install_plan.h"
 
+#include "cli/certificate_facts.h"
 #include "cli/old_certificate.h"
 #include "cli/outcome.h"
 #include "cli/removal.h"
@@ -13,10 +14,16 @@
 namespace cli {
 namespace {
 
+bool ends_later(const Certificate& one, const Certificate* other) {
+    return other == nullptr || end_of(*one) > end_of(**other);
+}
+
+// A services card's old and new certificate have one key.
 const Certificate* certificate_with(const std::vector<Certificate>& certificates, const Bytes& modulus) {
-    const auto found = std::find_if(certificates.begin(), certificates.end(),
-                                    [&](const Certificate& one) { return modulus_of(*one) == modulus; });
-    return found == certificates.end() ? nullptr : &*found;
+    const Certificate* found = nullptr;
+    for (const Certificate& one : certificates)
+        if (modulus_of(*one) == modulus && ends_later(one, found)) found = &one;
+    return found;
 }
 
 struct Match {
@@ -48,13 +55,20 @@ std::vector<WaitingPair> pairs_to_try(const Inventory& inventory, const CardView
     return pairs;
 }
 
-Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
-    for (const WaitingPair& pair : pairs_to_try(inventory, view)) {
+std::optional<Match> match_one(const std::vector<WaitingPair>& pairs, const IssuedFiles& files,
+                               const CardView& view) {
+    for (const WaitingPair& pair : pairs) {
         const Bytes key = view.modulus(pair.id);
         if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
-        if (const Certificate* certificate = certificate_with(files.certificates, key))
-            return {pair, certificate};
+        const Certificate* certificate = certificate_with(files.certificates, key);
+        if (certificate != nullptr && view.certificate(pair.id, certificate->der()) == nullptr)
+            return Match{pair, certificate};
     }
+    return std::nullopt;
+}
+
+Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
+    if (const auto match = match_one(pairs_to_try(inventory, view), files, view)) return *match;
     const std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
     if (pairs.empty())
         throw Stop(Exit::refused, "No pair on the card waits for a certificate.",
@@ -79,6 +93,9 @@ void refuse_ambiguous(const InstallPlan& plan, const CardView& view) {
 } // namespace
 
 IssuedFiles read_issued_files(const InstallOptions& options) {
+    if (is_request(read_file(options.certificate_file, "The file")))
+        throw Stop(Exit::refused, fmt::format("{} is a request, not the certificate that answers it.",
+                                              options.certificate_file));
     IssuedFiles files{certificates_in_file(options.certificate_file), {}, {}};
     if (options.request_file.empty()) return files;
     const std::string request = read_file(options.request_file, "The request");
@@ -93,13 +110,18 @@ IssuedFiles read_issued_files(const InstallOptions& options) {
     return files;
 }
 
-std::string stored_already(const IssuedFiles& files, const CardView& view) {
+std::string stored_already(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
+    if (match_one(pairs_to_serve(inventory), files, view)) return {};
+    std::string found;
+    const Certificate* last = nullptr;
     for (const Certificate& certificate : files.certificates)
         for (const std::string& id : view.identifiers())
-            if (view.find(CKO_PRIVATE_KEY, id) != nullptr &&
-                view.certificate(id, certificate.der()) != nullptr)
-                return id;
-    return {};
+            if (ends_later(certificate, last) && view.find(CKO_PRIVATE_KEY, id) != nullptr &&
+                view.certificate(id, certificate.der()) != nullptr) {
+                last = &certificate;
+                found = id;
+            }
+    return found;
 }
 
 InstallPlan plan_install(const InstallOptions& options, const IssuedFiles& files, const OpenedCard& card,

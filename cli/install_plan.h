@@ -45,8 +45,10 @@ struct InstallPlan {
 /// Nothing is asked of the card. @throws Stop
 [[nodiscard]] IssuedFiles read_issued_files(const InstallOptions& options);
 
-/// The identifier under which a certificate of the files is on the card with its key; empty when none is.
-[[nodiscard]] std::string stored_already(const IssuedFiles& files, const CardView& view);
+/// The identifier under which the certificate that is meant is on the card with its key; empty when it is not.
+/// Where a file holds several, what a pair still waits for is meant, else the one that ends last.
+[[nodiscard]] std::string stored_already(const IssuedFiles& files, const Inventory& inventory,
+                                         const CardView& view);
 
 /// Finds the pair of the certificate and what it replaces, all among whole identifiers read from the card,
 /// and refuses what would go wrong there. @throws Stop

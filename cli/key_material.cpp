@@ -170,6 +170,10 @@ Bytes modulus_of_request(const std::string& request) {
     return {};
 }
 
+bool is_request(const std::string& text) {
+    return pem_blocks(text).size() < 2 && !modulus_of_request(text).empty();
+}
+
 Bytes signer_of_request(const std::string& request) {
     for (const Block& block : blocks_of(request)) {
         const Message message = message_in(block.der);

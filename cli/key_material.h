@@ -49,6 +49,9 @@ class Certificate {
  */
 [[nodiscard]] Bytes modulus_of_request(const std::string& request);
 
+/// Whether a file is what the request command saves. It holds the certificate that signed it.
+[[nodiscard]] bool is_request(const std::string& text);
+
 /// The RSA modulus of a certificate's key without leading zeros; empty for another kind of key.
 [[nodiscard]] Bytes modulus_of(X509& certificate);
 

@@ -73,9 +73,9 @@ std::optional<OldCertificate> last_of(const Objects& found) {
     if (ids.size() == 1)
         throw Stop(Exit::refused, sentence,
                    Advice{"without-remove-old",
-                          fmt::format("All have the identifier {}: install without --remove-old, "
-                                      "or give the request with --request, which names the one "
-                                      "that signed it.",
+                          fmt::format("All have the identifier {}: install without --remove-old, or first "
+                                      "remove the ones that are no longer needed with the card's own "
+                                      "software.",
                                       ids.front())});
     throw Stop(Exit::refused, sentence,
                Advice{"replace",

@@ -54,14 +54,19 @@ TEST_F(ServicesProgramTest, TellsTheTwoThatAreKeptApart) {
     prepare();
     const Outcome refused = with_pin("install certificate --backup old.pem", "C_CreateObject:1:answer:0x5");
     EXPECT_TRUE(refused.says("needs --remove-old")) << "some take only one: " << refused.err;
-    const Outcome kept = with_pin("install certificate --backup old.pem");
+    ASSERT_EQ(shell("cat old.pem certificate >both").code, 0);
+    const Outcome kept = with_pin("install both --backup old.pem");
     EXPECT_EQ(kept.code, 0) << kept.err;
     EXPECT_TRUE(kept.says("still on the card, under the same identifier CNS0")) << kept.out;
     const auto list = json("list");
     ASSERT_EQ(list["certificates"].size(), 2U);
     EXPECT_EQ(list["certificates"][0]["replaced"], true);
     EXPECT_EQ(list["certificates"][1]["replaced"], false);
-    EXPECT_EQ(with_pin("install certificate").code, 2) << "it is there already";
+    EXPECT_EQ(json("install both")["verified"], true) << "it is there already";
+    ASSERT_EQ(with_pin("request services --force --out third").code, 0);
+    ASSERT_EQ(tool("issue third --out last").code, 0);
+    EXPECT_TRUE(with_pin("install last --remove-old").says("All have the identifier CNS0: install without"));
+    EXPECT_EQ(with_pin("install last").code, 0);
 }
 
 TEST_F(ServicesProgramTest, RefusesWhatItsRequestCannotDo) {
