@@ -13,6 +13,8 @@ Json card_json(const OpenedCard& card) {
 Report about_card(OpenedCard& card, const std::function<Report()>& work) {
     const auto leave = [&](Stop stop) {
         if (stop.exit == Exit::failed && !stop.card) stop.card = card_now(card).contents;
+        if (stop.exit == Exit::failed && stop.advice.empty())
+            stop.advice.push_back({"repeat", "Leave the card in the reader and run the same command again."});
         stop.about(card_json(card));
         return stop;
     };

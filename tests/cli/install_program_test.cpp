@@ -130,6 +130,7 @@ TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
     EXPECT_TRUE(outcome.says("another name with --backup"));
     outcome = with_pin("install certificate --remove-old", "C_GetAttributeValue:9:answer:0x30");
     EXPECT_EQ(outcome.code, 1) << "what is not read is in no backup: " << outcome.err;
+    EXPECT_TRUE(outcome.says("reader and run the same command again")) << outcome.err;
     EXPECT_FALSE(outcome.changed_card());
     const std::string full = command("install certificate --remove-old --pin-file " + pin_file().string());
     outcome = shell("(trap '' XFSZ; ulimit -f 4; " + full + " 2>&1) | cat");
