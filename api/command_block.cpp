@@ -17,52 +17,35 @@ namespace {
 constexpr std::string_view BEGIN = "BEGIN_STRING";
 constexpr std::string_view LAST_LINE = "END_STRING";
 
-constexpr std::size_t orgUnitOffset(std::size_t index) {
-    return offsetof(REQRENIN, dn.orgUnit) + index * sizeof datiDN::orgUnit[0];
+#define ZV_KEY(key, field)                                                                                   \
+    BlockKey {                                                                                               \
+        key, offsetof(REQRENIN, field), sizeof REQRENIN::field                                               \
+    }
+
+constexpr auto blockKeys() {
+    std::array<BlockKey, BLOCK_KEYS> keys = {
+        ZV_KEY("slot:", slot),
+        ZV_KEY("certificatelabel:", certificateLabel),
+        ZV_KEY("szdll:", szDll),
+        ZV_KEY("szpin:", szPin),
+        ZV_KEY("sztipocert:", szTipoCert),
+        ZV_KEY("ckeepkeys:", cKeepKeys),
+        ZV_KEY("pendinglabel:", pendingLabel),
+        ZV_KEY("szcertchain:", szCertChain),
+    };
+    std::transform(std::begin(forms::BLOCK), std::end(forms::BLOCK), keys.begin() + FIRST_NAME_KEY,
+                   [](const NameSpelling& spelling) {
+                       const auto& [key, place] = spelling;
+                       return BlockKey{key, offsetof(REQRENIN, dn) + place.offset(), place.width()};
+                   });
+    return keys;
 }
+
+#undef ZV_KEY
 
 } // namespace
 
-#define ZV_KEY(key, field)                                                                                   \
-    { key, offsetof(REQRENIN, field), sizeof REQRENIN::field }
-#define ZV_NAME_KEY(key, field)                                                                              \
-    { key, offsetof(REQRENIN, dn.field), sizeof datiDN::field }
-#define ZV_UNIT_KEY(key, index)                                                                              \
-    { key, orgUnitOffset(index), sizeof datiDN::orgUnit[0] }
-
-// Written in this order, and looked for in this order in every line.
-constexpr BlockKey BLOCK[BLOCK_KEYS] = {
-    ZV_KEY("slot:", slot),
-    ZV_KEY("certificatelabel:", certificateLabel),
-    ZV_KEY("szdll:", szDll),
-    ZV_KEY("szpin:", szPin),
-    ZV_KEY("sztipocert:", szTipoCert),
-    ZV_KEY("ckeepkeys:", cKeepKeys),
-    ZV_KEY("pendinglabel:", pendingLabel),
-    ZV_KEY("szcertchain:", szCertChain),
-    ZV_NAME_KEY("commonname:", commonName),
-    ZV_NAME_KEY("country:", country),
-    ZV_NAME_KEY("description:", description),
-    ZV_NAME_KEY("dnqualifier:", dnQualifier),
-    ZV_NAME_KEY("email:", email),
-    ZV_NAME_KEY("givenname:", givenName),
-    ZV_NAME_KEY("organization:", organization),
-    ZV_UNIT_KEY("orgunit0:", 0),
-    ZV_UNIT_KEY("orgunit1:", 1),
-    ZV_UNIT_KEY("orgunit2:", 2),
-    ZV_UNIT_KEY("orgunit3:", 3),
-    ZV_UNIT_KEY("orgunit4:", 4),
-    ZV_NAME_KEY("sernum:", serialNumber),
-    ZV_NAME_KEY("surname:", surname),
-    ZV_NAME_KEY("locality:", locality),
-    ZV_NAME_KEY("title:", title),
-    ZV_NAME_KEY("pseudonym:", pseudonym),
-    ZV_NAME_KEY("stateOrProvince:", stateOrProvince),
-};
-
-#undef ZV_KEY
-#undef ZV_NAME_KEY
-#undef ZV_UNIT_KEY
+constexpr std::array<BlockKey, BLOCK_KEYS> BLOCK = blockKeys();
 
 namespace {
 
@@ -110,8 +93,8 @@ void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found) {
         if (offset == offsetof(REQRENIN, pendingLabel)) copyText(pendingLabel, record.pendingLabel);
         if (offset == offsetof(REQRENIN, cKeepKeys)) cKeepKeys = record.cKeepKeys;
         if (i < FIRST_NAME_KEY) continue;
-        char* field = reinterpret_cast<char*>(&dName) + (offset - offsetof(REQRENIN, dn));
-        copyText(field, BLOCK[i].width, fieldText(record, BLOCK[i]));
+        const NamePlace& place = forms::BLOCK[i - FIRST_NAME_KEY].place;
+        setNameText(dName, place, nameText(record.dn, place));
     }
 }
 
@@ -156,10 +139,8 @@ unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* cer
         .add(zv::orEmpty(pendingLabel))
         .add("\nszcertchain:")
         .add(zv::orEmpty(certChain));
-    REQRENIN values{};
-    values.dn = zv::dNameRen;
-    for (std::size_t i = zv::FIRST_NAME_KEY; i < zv::BLOCK_KEYS; ++i)
-        writer.add("\n").add(zv::BLOCK[i].key).add(zv::fieldText(values, zv::BLOCK[i]));
+    for (const auto& [key, place] : zv::forms::BLOCK)
+        writer.add("\n").add(key).add(zv::nameText(zv::dNameRen, place));
     const unsigned long length = writer.length();
     writer.add("\nEND_STRING\n");
     if (writer.fits()) return length;

@@ -1,11 +1,13 @@
 #ifndef ZV_API_COMMAND_BLOCK_H
 #define ZV_API_COMMAND_BLOCK_H
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <string_view>
 
 #include "records.h"
+#include "util/name_forms.h"
 
 /** The text block that carries one command: its keys, and the record that they fill. */
 namespace zv {
@@ -16,8 +18,6 @@ struct BlockKey {
     std::size_t offset;
     std::size_t width;
 };
-
-constexpr std::size_t BLOCK_KEYS = 26;
 
 /** Places of the keys in the block; the distinguished name's follow. */
 enum BlockIndex : std::size_t {
@@ -32,7 +32,10 @@ enum BlockIndex : std::size_t {
     FIRST_NAME_KEY
 };
 
-extern const BlockKey BLOCK[BLOCK_KEYS];
+constexpr std::size_t BLOCK_KEYS = FIRST_NAME_KEY + std::size(forms::BLOCK);
+
+/** Written in this order, and looked for in this order in every line. */
+extern const std::array<BlockKey, BLOCK_KEYS> BLOCK;
 
 /** What a block is written from, beside slot, module and name. */
 struct BlockValues {

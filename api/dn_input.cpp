@@ -1,5 +1,4 @@
 // The host's name text: brought to one attribute a line, then parsed into the request's name.
-#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -7,75 +6,35 @@
 #include "api/lines.h"
 #include "api/state.h"
 #include "routines.h"
+#include "util/name_forms.h"
 #include "util/text.h"
 
 namespace {
 
 constexpr std::size_t MOST_TEXT = sizeof zv::newstring - 1;
 
-struct Substitution {
-    char from[30];
-    char to[30];
-};
-
-constexpr Substitution NAMES[] = {
-    {"/OU=", "2.5.4.11="},
-    {"/emailAddress=", "1.2.840.113549.1.9.1="},
-    {"/gn=", "2.5.4.42="},
-    {"/serialNumber=", "2.5.4.5="},
-};
-
-// The last three have no "=": the line breaks in front of the bare OID.
-constexpr char LINE_STARTS[][30] = {
-    "2.5.4.6=", "2.5.4.10=", "2.5.4.11=", "2.5.4.3=", "2.5.4.13=", "2.5.4.46=", "1.2.840.113549.1.9.1=",
-    "2.5.4.5=", "2.5.4.42=", "2.5.4.4=",  "2.5.4.7=", "2.5.4.12",  "2.5.4.65",  "2.5.4.8",
-};
-
-struct NameField {
-    std::string_view prefix;
-    std::size_t offset;
-    std::size_t width;
-};
-
-#define ZV_FIELD(prefix, field)                                                                              \
-    { prefix, offsetof(datiDN, field), sizeof datiDN::field }
-
-// The first prefix found in a line, in this order, wins.
-constexpr NameField FIELDS[] = {
-    ZV_FIELD("2.5.4.3=", commonName),   ZV_FIELD("2.5.4.6=", country),
-    ZV_FIELD("2.5.4.7=", locality),     ZV_FIELD("2.5.4.13=", description),
-    ZV_FIELD("2.5.4.46=", dnQualifier), ZV_FIELD("1.2.840.113549.1.9.1=", email),
-    ZV_FIELD("2.5.4.42=", givenName),   ZV_FIELD("2.5.4.10=", organization),
-    ZV_FIELD("2.5.4.11=", orgUnit[0]),  ZV_FIELD("2.5.4.5=", serialNumber),
-    ZV_FIELD("2.5.4.4=", surname),      ZV_FIELD("2.5.4.12=", title),
-    ZV_FIELD("2.5.4.65=", pseudonym),   ZV_FIELD("2.5.4.8=", stateOrProvince),
-};
-
-#undef ZV_FIELD
-
-void loadLine(datiDN& name, std::string_view line, int& orgUnits) {
-    for (const NameField& field : FIELDS) {
+void loadLine(datiDN& name, std::string_view line, std::size_t& orgUnits) {
+    for (const zv::NameAttribute attribute : zv::forms::HOST_LINE) {
         std::string_view value;
-        if (!zv::valueBehind(line, field.prefix, value)) continue;
-        std::size_t offset = field.offset;
-        if (offset == offsetof(datiDN, orgUnit)) {
+        if (!zv::valueBehind(line, zv::nameAttribute(attribute).oid, value)) continue;
+        zv::NamePlace place = attribute;
+        if (attribute == zv::NameAttribute::orgUnit) {
             if (orgUnits == ZV_ORG_UNITS) return;
-            offset += static_cast<std::size_t>(orgUnits++) * field.width;
+            place.unit = orgUnits++;
         }
-        zv::copyText(reinterpret_cast<char*>(&name) + offset, field.width,
-                     zv::cutAtCharacter(value, field.width - 1));
+        zv::setNameText(name, place, zv::cutAtCharacter(value, place.width() - 1));
         return;
     }
 }
 
 void loadText(datiDN& name, std::string_view rest) {
     std::string_view line;
-    int orgUnits = 0;
+    std::size_t orgUnits = 0;
     while (zv::nextLine(rest, line))
         loadLine(name, line, orgUnits);
 }
 
-void replaceIn(char* dn, std::size_t size, const char* from, const char* to) {
+void replaceIn(char* dn, std::size_t size, std::string_view from, std::string_view to) {
     char pattern[32], replacement[32];
     zv::copyText(pattern, from);
     zv::copyText(replacement, to);
@@ -130,10 +89,10 @@ template <typename Text> Text replaced(std::string_view rest, std::string_view f
 
 datiDN zv::wholeName(std::string_view dn) {
     std::string text(dn);
-    for (const auto& [from, to] : NAMES)
-        text = replaced<WholeText>(text, from, to).get();
-    for (const char* prefix : LINE_STARTS)
-        text = replaced<WholeText>(text, prefix, std::string("\n") + prefix).get();
+    for (const auto& [from, place] : zv::forms::HOST_NAMES)
+        text = replaced<WholeText>(text, from, nameAttribute(place.attribute).oid).get();
+    for (const std::string_view start : zv::forms::HOST_LINE_STARTS)
+        text = replaced<WholeText>(text, start, std::string("\n").append(start)).get();
     datiDN name{};
     loadText(name, text);
     return name;
@@ -156,12 +115,12 @@ void CaricaDN(char* text) {
 }
 
 void _RiempiDN(char* dn, unsigned int size) {
-    for (const auto& [from, to] : NAMES)
-        replaceIn(dn, size, from, to);
-    for (const char* prefix : LINE_STARTS) {
+    for (const auto& [from, place] : zv::forms::HOST_NAMES)
+        replaceIn(dn, size, from, zv::nameAttribute(place.attribute).oid);
+    for (const std::string_view start : zv::forms::HOST_LINE_STARTS) {
         char broken[32] = "\n";
-        zv::appendText(broken, prefix);
-        replaceIn(dn, size, prefix, broken);
+        zv::appendText(broken, start);
+        replaceIn(dn, size, start, broken);
     }
     ResettaDN();
     CaricaDN(zv::newstring);

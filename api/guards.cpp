@@ -1,5 +1,6 @@
 #include "api/guards.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "api/command_block.h"
@@ -44,12 +45,10 @@ bool sameText(std::string_view given, std::string_view parsed, bool exact) {
     return exact ? given == parsed : trimRight(given) == trimRight(parsed);
 }
 
-bool sameName(const datiDN& given, const REQRENIN& parsed) {
-    REQRENIN other{};
-    other.dn = given;
-    for (std::size_t i = FIRST_NAME_KEY; i < BLOCK_KEYS; ++i)
-        if (!sameText(fieldText(other, BLOCK[i]), fieldText(parsed, BLOCK[i]), false)) return false;
-    return true;
+bool sameName(const datiDN& given, const datiDN& parsed) {
+    return std::all_of(std::begin(forms::BLOCK), std::end(forms::BLOCK), [&](const NameSpelling& spelling) {
+        return sameText(nameText(given, spelling.place), nameText(parsed, spelling.place), false);
+    });
 }
 
 } // namespace
@@ -67,14 +66,12 @@ int guardRequest(const RequestCall& call) {
 }
 
 int guardSubject(const RequestCall& call) {
-    REQRENIN whole{};
-    whole.dn = wholeName(call.subject);
+    datiDN whole = wholeName(call.subject);
     if (sameName({}, whole)) return stop("il nome del titolare non ha alcun attributo noto");
-    // A request of a services card leaves these two out, lost or not.
-    if (call.kind == SERVICES_CARD) {
-        copyText(whole.dn.title, dNameRen.title);
-        copyText(whole.dn.pseudonym, dNameRen.pseudonym);
-    }
+    // Lost or not, the request does not carry them.
+    if (call.kind == SERVICES_CARD)
+        for (const NameAttribute left : forms::NOT_ON_SERVICES_CARD)
+            setNameText(whole, left, nameText(dNameRen, left));
     return sameName(dNameRen, whole)
                ? ZV_OK
                : stop("il nome del titolare e' troppo lungo: un attributo andrebbe perso");
@@ -111,7 +108,7 @@ int guardBlock(const BlockValues& values) {
         {KEY_PENDING_LABEL, values.pendingLabel},
         {KEY_CERTIFICATE, values.certificate},
     };
-    bool faithful = slot >= 0 && slot <= 9 && sameName(dNameRen, parsed);
+    bool faithful = slot >= 0 && slot <= 9 && sameName(dNameRen, parsed.dn);
     for (const auto& [key, given] : pairs)
         faithful = faithful && sameText(given, fieldText(parsed, BLOCK[key]), key == KEY_PIN);
     wipe(&parsed, sizeof parsed);

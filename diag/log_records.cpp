@@ -3,25 +3,13 @@
 #include <string>
 
 #include "diag/log.h"
-#include "util/text.h"
+#include "util/name_forms.h"
 
 void LogDN(datiDN* dn) try {
     if (dn == nullptr) return;
     std::string text;
-    const auto add = [&text](const std::string& label, const auto& field) {
-        text.append(label).append(zv::boundedText(field, sizeof field)).append("\n");
-    };
-    add("DN_country = ", dn->country);
-    add("DN_organization = ", dn->organization);
-    for (int unit = 0; unit < ZV_ORG_UNITS; ++unit)
-        add("DN_orgUnit[" + std::to_string(unit) + "] = ", dn->orgUnit[unit]);
-    add("DN_commonName = ", dn->commonName);
-    add("DN_description = ", dn->description);
-    add("DN_dnQualifier = ", dn->dnQualifier);
-    add("DN_SerNum = ", dn->serialNumber);
-    add("DN_givenName = ", dn->givenName);
-    add("DN_surname = ", dn->surname);
-    add("DN_eMail = ", dn->email);
+    for (const auto& [label, place] : zv::forms::LOG)
+        text.append(label).append(zv::nameText(*dn, place)).append("\n");
     WriteLog("LOG_DN", "Dati DN", 0, text.c_str(), 0);
 } catch (const std::bad_alloc&) {
 }

@@ -1,29 +1,33 @@
 // Distinguished names written with short names, rewritten to numeric OIDs.
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "routines.h"
+#include "util/name_forms.h"
 #include "util/text.h"
 
 namespace zv {
 
 struct NamePair {
     const char* pattern;
-    const char* replacement;
+    char replacement[24];
 };
 
-NamePair DescrOid[] = {
-    {" dnQualifier=", "2.5.4.46="},
-    {"/dnQualifier=", ",2.5.4.46="},
-    {"/Email=", ",1.2.840.113549.1.9.1="},
-    {" D=", "2.5.4.13="},
-    {" SN=", "2.5.4.5="},
-    {" CN=", "2.5.4.3="},
-    {" OU=", "2.5.4.11="},
-    {" O=", "2.5.4.10="},
-    {" S=", "2.5.4.4="},
-    {" G=", "2.5.4.42="},
-    {" C=", "2.5.4.6="},
-};
+constexpr auto namePairs() noexcept {
+    std::array<NamePair, std::size(forms::COMMA_SEPARATED)> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        const auto& [pattern, place] = forms::COMMA_SEPARATED[i];
+        pairs[i].pattern = pattern;
+        char* end = pairs[i].replacement;
+        // Behind a blank the comma is there already.
+        if (*pattern == '/') *end++ = ',';
+        std::ranges::copy(forms::oid(place.attribute), end);
+    }
+    return pairs;
+}
+
+constinit std::array DescrOid = namePairs();
 
 } // namespace zv
 

@@ -10,9 +10,7 @@
 namespace zv {
 
 constexpr unsigned char TAG_INTEGER = 0x02, TAG_BIT_STRING = 0x03, TAG_OCTET_STRING = 0x04,
-                        TAG_UTF8_STRING = 0x0C;
-constexpr unsigned char TAG_PRINTABLE_STRING = 0x13, TAG_IA5_STRING = 0x16, TAG_SEQUENCE = 0x30,
-                        TAG_SET = 0x31;
+                        TAG_SEQUENCE = 0x30, TAG_SET = 0x31;
 constexpr unsigned char TAG_CONTEXT_0 = 0xA0;
 
 /** Set when there was no memory for a piece: what is built from it may lack parts. Never cleared here. */

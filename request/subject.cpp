@@ -8,21 +8,20 @@ namespace zv {
 
 namespace {
 
-constexpr std::size_t MOST_VALUE = 127;
-
-ADATA* buildRdn(const SubjectRow& row, std::string_view text) {
+ADATA* buildRdn(const NameAttributeRow& row, std::string_view text) {
     const std::span value(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-    return SET(SEQUENCE(leaf(row.oid), var_tlv(row.stringType, leaf(value), END), END), END);
+    return SET(
+        SEQUENCE(leaf(row.der()), var_tlv(static_cast<unsigned char>(row.type), leaf(value), END), END), END);
 }
 
 } // namespace
 
-ADATA* buildName(const datiDN& subject, const SubjectTable& table) {
+ADATA* buildName(const datiDN& subject, SubjectTable table) {
     ADATA* rdns = nullptr;
     std::size_t count = 0;
-    for (const SubjectRow& row : table.rows) {
-        const char* field = reinterpret_cast<const char*>(&subject) + row.offset;
-        const std::string_view value = cutAtCharacter(boundedText(field, MOST_VALUE + 1), MOST_VALUE);
+    for (const NamePlace& place : table) {
+        const NameAttributeRow& row = nameAttribute(place.attribute);
+        const std::string_view value = cutAtCharacter(nameText(subject, place), row.longest());
         if (value.empty()) continue;
         rdns = ConcatenateADATA(rdns, buildRdn(row, value));
         ++count;
@@ -32,7 +31,7 @@ ADATA* buildName(const datiDN& subject, const SubjectTable& table) {
         return nullptr;
     }
     Der owned(rdns);
-    if (count > table.limit) {
+    if (count > table.size()) {
         reportSentence("Specificati troppi dati per costruire il distinguished name");
         return nullptr;
     }
