@@ -7,7 +7,6 @@
 #include "input.h"
 #include "inventory/names.h"
 #include "inventory/oid_names.h"
-#include "request/der.h"
 #include "request/subject.h"
 #include "util/text.h"
 
@@ -88,11 +87,11 @@ void readSubject(const std::string& text) {
     take(dn.country), take(dn.organization), take(dn.commonName), take(dn.description), take(dn.dnQualifier);
     take(dn.serialNumber), take(dn.givenName), take(dn.surname), take(dn.email), take(dn.locality);
     take(dn.stateOrProvince);
-    const zv::Der own(zv::buildName(dn, zv::SUBJECT_TABLE_CNS));
-    HOLDS((own != nullptr) == (filled > 0));
+    const zv::der::Bytes own = zv::buildName(dn, zv::SUBJECT_TABLE_CNS);
+    HOLDS(own.empty() == (filled == 0));
     take(dn.title), take(dn.pseudonym);
-    const zv::Der der(zv::buildName(dn, zv::SUBJECT_TABLE));
-    HOLDS((der != nullptr) == (filled > 0) && (der == nullptr || der->data[0] == zv::TAG_SEQUENCE));
+    const zv::der::Bytes der = zv::buildName(dn, zv::SUBJECT_TABLE);
+    HOLDS(der.empty() == (filled == 0) && (der.empty() || der[0] == zv::der::TAG_SEQUENCE));
     // Units fill their places in turn.
     for (int i = 0; i + 1 < ZV_ORG_UNITS; ++i)
         HOLDS(dn.orgUnit[i + 1][0] == '\0' || text.find("2.5.4.11=") != text.rfind("2.5.4.11=") ||

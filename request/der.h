@@ -1,36 +1,36 @@
 #ifndef ZV_REQUEST_DER_H
 #define ZV_REQUEST_DER_H
 
-#include <memory>
+#include <cstddef>
+#include <initializer_list>
 #include <span>
+#include <vector>
 
-#include "routines.h"
-
-/** Pieces for the DER builder (X.690) and the owner of a finished one. */
-namespace zv {
+/** DER (X.690) as values: each function gives the bytes of what it encodes, and throws without memory. */
+namespace zv::der {
 
 constexpr unsigned char TAG_INTEGER = 0x02, TAG_BIT_STRING = 0x03, TAG_OCTET_STRING = 0x04,
-                        TAG_SEQUENCE = 0x30, TAG_SET = 0x31;
-constexpr unsigned char TAG_CONTEXT_0 = 0xA0;
+                        TAG_SEQUENCE = 0x30, TAG_SET = 0x31, TAG_CONTEXT_0 = 0xA0;
 
-/** Set when there was no memory for a piece: what is built from it may lack parts. Never cleared here. */
-extern bool pieceMissing;
+using Bytes = std::vector<unsigned char>;
+using View = std::span<const unsigned char>;
 
-/** Ends the lists of the variadic builders. */
-inline constexpr ADATA* END = nullptr;
+/** Tag and length of a content. One of 65,536 bytes and more gets no length: a request never comes near it. */
+[[nodiscard]] Bytes header(unsigned char tag, std::size_t length);
 
-/** A ready-made piece: a copy of the bytes, which the builder only reads. */
-ADATA* leaf(std::span<const unsigned char> bytes);
+[[nodiscard]] Bytes joined(std::initializer_list<View> parts);
 
-/** NULL (05 00), the parameters of the algorithms used here. */
-ADATA* nullParameters();
+[[nodiscard]] Bytes tlv(unsigned char tag, std::initializer_list<View> parts);
 
-struct Release {
-    void operator()(ADATA* piece) const;
-};
+/** A positive number: a zero goes in front when the top bit is set, zeros that lead stay. */
+[[nodiscard]] Bytes integer(View number);
 
-using Der = std::unique_ptr<ADATA, Release>;
+/** A BIT STRING whose bytes are all used. */
+[[nodiscard]] Bytes bitString(View content);
 
-} // namespace zv
+/** AlgorithmIdentifier without parameters (NULL), from an encoded OID. */
+[[nodiscard]] Bytes algorithm(View oid);
+
+} // namespace zv::der
 
 #endif

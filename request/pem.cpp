@@ -11,12 +11,12 @@ constexpr std::string_view FOOTER = "\n-----END CERTIFICATE REQUEST-----\n";
 // The text is broken into lines of 64 characters later, in the same buffer.
 constexpr std::size_t LINE_LENGTH = 64;
 
-char* encode(const ADATA& bytes, char* out) {
+char* encode(der::View bytes, char* out) {
     static constexpr char ALPHABET[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    for (unsigned long i = 0; i < bytes.length; i += 3) {
-        const unsigned long given = bytes.length - i;
-        const auto byteAt = [&](unsigned long offset) {
-            return offset < given ? unsigned{bytes.data[i + offset]} : 0U;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const std::size_t given = bytes.size() - i;
+        const auto byteAt = [&](std::size_t offset) {
+            return offset < given ? unsigned{bytes[i + offset]} : 0U;
         };
         const unsigned group = byteAt(0) << 16 | byteAt(1) << 8 | byteAt(2);
         *out++ = ALPHABET[group >> 18];
@@ -29,8 +29,8 @@ char* encode(const ADATA& bytes, char* out) {
 
 } // namespace
 
-bool writePem(const ADATA& request, char* pemOut) {
-    const std::size_t body = (request.length + 2) / 3 * 4;
+bool writePem(der::View request, char* pemOut) {
+    const std::size_t body = (request.size() + 2) / 3 * 4;
     const std::size_t length = HEADER.size() + body + FOOTER.size();
     if (length + body / LINE_LENGTH >= PEM_SIZE) return false;
     char* end = HEADER.copy(pemOut, HEADER.size()) + pemOut;

@@ -5,7 +5,6 @@
 
 #include "card/session.h"
 #include "diag/log.h"
-#include "request/der.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 
@@ -23,30 +22,17 @@ struct Signature {
     unsigned long length = sizeof bytes;
 };
 
-ADATA* algorithm(std::span<const unsigned char> oid) {
-    return SEQUENCE(leaf(oid), nullParameters(), END);
+der::Bytes publicKeyInfo(const PublicKey& key) {
+    const der::Bytes modulus = der::integer({key.modulus, key.modulusLength});
+    const der::Bytes exponent = der::integer({key.exponent, key.exponentLength});
+    const der::Bytes numbers = der::tlv(der::TAG_SEQUENCE, {modulus, exponent});
+    return der::tlv(der::TAG_SEQUENCE, {der::algorithm(RSA_ENCRYPTION), der::bitString(numbers)});
 }
 
-// A BIT STRING whose bytes are all used.
-ADATA* bitString(ADATA* content) {
-    static constexpr unsigned char noUnusedBits[] = {0x00};
-    return var_tlv(TAG_BIT_STRING, leaf(noUnusedBits), content, END);
-}
-
-ADATA* integer(const unsigned char* bytes, unsigned long length) {
-    return _INTEGER(const_cast<unsigned char*>(bytes), length);
-}
-
-ADATA* publicKeyInfo(const PublicKey& key) {
-    ADATA* numbers =
-        SEQUENCE(integer(key.modulus, key.modulusLength), integer(key.exponent, key.exponentLength), END);
-    return SEQUENCE(algorithm(RSA_ENCRYPTION), bitString(numbers), END);
-}
-
-ADATA* requestInfo(ADATA* name, const PublicKey& key) {
-    static constexpr unsigned char version[] = {0x00};
-    return SEQUENCE(integer(version, sizeof version), name, publicKeyInfo(key), var_tlv(TAG_CONTEXT_0, END),
-                    END);
+der::Bytes requestInfo(const der::Bytes& name, const PublicKey& key) {
+    static constexpr unsigned char VERSION[] = {0x00};
+    return der::tlv(der::TAG_SEQUENCE,
+                    {der::integer(VERSION), name, publicKeyInfo(key), der::tlv(der::TAG_CONTEXT_0, {})});
 }
 
 CK_RV reportOwn(const char* step, CK_RV code, const char* format) {
@@ -59,10 +45,10 @@ std::size_t significant(const unsigned char* bytes, unsigned long length) {
     return static_cast<std::size_t>(bytes + length - first);
 }
 
-unsigned short signOnce(const ADATA& info, const PublicKey& key, Signature& signature) {
+unsigned short signOnce(der::Bytes& info, const PublicKey& key, Signature& signature) {
     signature.length = sizeof signature.bytes;
     const unsigned short code =
-        SignIt(nullptr, info.data, info.length, signature.bytes, &signature.length, hPrivateKey);
+        SignIt(nullptr, info.data(), info.size(), signature.bytes, &signature.length, hPrivateKey);
     if (code != 0 || signature.length == key.size()) return code;
     // No authority would take the request.
     reportOwn("C_Sign", CKR_SIGNATURE_LEN_RANGE, "Firma della sequenza di hash fallita (%s)");
@@ -72,7 +58,7 @@ unsigned short signOnce(const ADATA& info, const PublicKey& key, Signature& sign
 // The session is opened anew, the key looked for and the signature tried once more: with the same key, since
 // another one's signature would not go with the public key in the request. A login that succeeds
 // ends the request here, one that fails leads to the second try: deliberate.
-unsigned short signAgain(const ADATA& info, const PublicKey& key, const LoginData& login,
+unsigned short signAgain(der::Bytes& info, const PublicKey& key, const LoginData& login,
                          Signature& signature) {
     if (reopenSession(login) == 0) {
         reportCode(REQUEST_TITLE, "C_Login", 0);
@@ -99,7 +85,7 @@ unsigned short signAgain(const ADATA& info, const PublicKey& key, const LoginDat
         code);
 }
 
-unsigned short sign(const ADATA& info, const PublicKey& key, const LoginData& login, Signature& signature) {
+unsigned short sign(der::Bytes& info, const PublicKey& key, const LoginData& login, Signature& signature) {
     const unsigned short code = signOnce(info, key, signature);
     if (code == 0) return 0;
     if (code == CKR_USER_NOT_LOGGED_IN) return signAgain(info, key, login, signature);
@@ -151,18 +137,14 @@ int reopenSession(const LoginData& login) {
 
 unsigned short completeRequest(const PublicKey& key, const SubjectTable& table, const LoginData& login,
                                char* pemOut) {
-    pieceMissing = false;
-    ADATA* name = buildName(dName, table);
-    if (name == nullptr) return REQUEST_FAILED;
-    Der info(requestInfo(name, key));
-    if (info == nullptr || pieceMissing) return REQUEST_FAILED;
+    const der::Bytes name = buildName(dName, table);
+    if (name.empty()) return REQUEST_FAILED;
+    der::Bytes info = requestInfo(name, key);
     Signature signature;
-    if (sign(*info, key, login, signature) != 0) return REQUEST_FAILED;
-    ADATA* bits = bitString(leaf(std::span(signature.bytes, signature.length)));
-    const Der request(SEQUENCE(info.release(), algorithm(SHA1_WITH_RSA), bits, END));
-    // The subject or the signature would lack something, and the authority would certify that.
-    if (request == nullptr || pieceMissing) return REQUEST_FAILED;
-    return writePem(*request, pemOut) ? 0 : REQUEST_FAILED;
+    if (sign(info, key, login, signature) != 0) return REQUEST_FAILED;
+    const der::Bytes bits = der::bitString({signature.bytes, signature.length});
+    const der::Bytes request = der::tlv(der::TAG_SEQUENCE, {info, der::algorithm(SHA1_WITH_RSA), bits});
+    return writePem(request, pemOut) ? 0 : REQUEST_FAILED;
 }
 
 } // namespace zv

@@ -55,7 +55,7 @@ int reopenSession(const LoginData& login);
 
 /** Writes DER as PEM with one base64 line. False, nothing written, when it does not fit PEM_SIZE with its
  * lines broken. */
-[[nodiscard]] bool writePem(const ADATA& request, char* pemOut);
+[[nodiscard]] bool writePem(der::View request, char* pemOut);
 
 } // namespace zv
 

@@ -2,6 +2,7 @@
 #include "diag/log.h"
 #include "request/key_pair.h"
 #include "store/renewal_state.h"
+#include "util/guarded.h"
 
 namespace {
 
@@ -29,6 +30,13 @@ unsigned short readBack(zv::PublicKey& key) {
     return zv::failGeneration();
 }
 
+unsigned short buildRequest(const zv::LoginData& login, char* pemOut) {
+    zv::PublicKey key;
+    unsigned short status = preparePair(login);
+    if (status == 0) status = readBack(key);
+    return status == 0 ? zv::completeRequest(key, zv::SUBJECT_TABLE, login, pemOut) : status;
+}
+
 } // namespace
 
 unsigned short RequestCertificate(void*, char* pemOut, char* pin, unsigned short, char* modulePath, char*) {
@@ -36,10 +44,8 @@ unsigned short RequestCertificate(void*, char* pemOut, char* pin, unsigned short
     zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
     char none[] = "";
     const zv::LoginData login = {modulePath != nullptr ? modulePath : none, pin};
-    zv::PublicKey key;
-    unsigned short status = preparePair(login);
-    if (status == 0) status = readBack(key);
-    if (status == 0) status = zv::completeRequest(key, zv::SUBJECT_TABLE, login, pemOut);
+    const unsigned short status =
+        zv::guarded(zv::REQUEST_FAILED, [&] { return buildRequest(login, pemOut); });
     if (status == 0) zv::trace(zv::REQUEST_TITLE, "F I N E");
     return status;
 }

@@ -5,6 +5,7 @@
 #include "request/pkcs10.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -45,15 +46,21 @@ unsigned short readOwnKey(zv::PublicKey& key) {
     return zv::failGeneration();
 }
 
+unsigned short buildOwnRequest(const zv::LoginData& login, char* pemOut) {
+    zv::PublicKey key;
+    unsigned short status = findOwnKey();
+    if (status == 0) status = readOwnKey(key);
+    return status == 0 ? zv::completeRequest(key, zv::SUBJECT_TABLE_CNS, login, pemOut) : status;
+}
+
 } // namespace
 
 unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
                                      char*) {
     zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
-    zv::PublicKey key;
-    unsigned short status = findOwnKey();
-    if (status == 0) status = readOwnKey(key);
-    if (status == 0) status = zv::completeRequest(key, zv::SUBJECT_TABLE_CNS, {modulePath, pin}, pemOut);
+    const unsigned short status = zv::guarded(zv::REQUEST_FAILED, [&] {
+        return buildOwnRequest({modulePath, pin}, pemOut);
+    });
     if (status != 0) return status;
     zv::rv = DataStore(zv::hSession, "pending_CNS_key", "1", "", false, true);
     zv::trace(zv::REQUEST_TITLE, "F I N E");

@@ -5,6 +5,8 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "request/der.h"
+#include "routines.h"
+#include "util/guarded.h"
 
 namespace {
 
@@ -14,9 +16,9 @@ constexpr unsigned char OID_SHA1[] = {0x06, 0x05, 0x2B, 0x0E, 0x03, 0x02, 0x1A};
 
 using Digest = std::array<unsigned char, 20>;
 
-zv::Der digestInfo(const Digest& digest) {
-    ADATA* algorithm = SEQUENCE(zv::leaf(OID_SHA1), zv::nullParameters(), zv::END);
-    return zv::Der(SEQUENCE(algorithm, var_tlv(zv::TAG_OCTET_STRING, zv::leaf(digest), zv::END), zv::END));
+zv::der::Bytes digestInfo(const Digest& digest) {
+    namespace der = zv::der;
+    return der::tlv(der::TAG_SEQUENCE, {der::algorithm(OID_SHA1), der::tlv(der::TAG_OCTET_STRING, {digest})});
 }
 
 void traceDigest(const Digest& digest) {
@@ -26,17 +28,8 @@ void traceDigest(const Digest& digest) {
     zv::trace(SIGN_TITLE, "C_Sign", text);
 }
 
-} // namespace
-
-unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsigned char* signature,
-                      unsigned long* signatureLength, unsigned long privateKey) {
-    zv::traceSession(SIGN_TITLE, "I N I Z I O", zv::hSession);
-    zv::trace(SIGN_TITLE, "fndgstSha1");
-    Digest digest{};
-    Sha1Digest(static_cast<int>(dataLength), data, digest.data());
-    const zv::Der info = digestInfo(digest);
-    if (info == nullptr) return SIGN_FAILED;
-
+unsigned short signInfo(zv::der::Bytes info, unsigned char* signature, unsigned long* signatureLength,
+                        CK_OBJECT_HANDLE privateKey, const Digest& digest) {
     zv::traceSession(SIGN_TITLE, "C_SignInit", zv::hSession);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS, nullptr, 0};
     zv::rv = zv::call<&zv::Functions::C_SignInit>(zv::hSession, &mechanism, privateKey);
@@ -48,8 +41,8 @@ unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsi
     traceDigest(digest);
     zv::trace(SIGN_TITLE, "C_Sign");
     const unsigned long room = *signatureLength;
-    zv::rv =
-        zv::call<&zv::Functions::C_Sign>(zv::hSession, info->data, info->length, signature, signatureLength);
+    zv::rv = zv::call<&zv::Functions::C_Sign>(zv::hSession, info.data(), CK_ULONG{info.size()}, signature,
+                                              signatureLength);
     if (zv::rv == CKR_OK && *signatureLength > room) zv::rv = CKR_BUFFER_TOO_SMALL;
     if (zv::rv == CKR_OK) {
         zv::trace(SIGN_TITLE, "F I N E");
@@ -60,4 +53,17 @@ unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsi
     if (zv::rv == CKR_USER_NOT_LOGGED_IN) return static_cast<unsigned short>(zv::rv);
     zv::reportSentence("Firma della sequenza di hash fallita (%s)", zv::rv);
     return SIGN_FAILED;
+}
+
+} // namespace
+
+unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsigned char* signature,
+                      unsigned long* signatureLength, unsigned long privateKey) {
+    zv::traceSession(SIGN_TITLE, "I N I Z I O", zv::hSession);
+    zv::trace(SIGN_TITLE, "fndgstSha1");
+    Digest digest{};
+    Sha1Digest(static_cast<int>(dataLength), data, digest.data());
+    return zv::guarded(SIGN_FAILED, [&] {
+        return signInfo(digestInfo(digest), signature, signatureLength, privateKey, digest);
+    });
 }

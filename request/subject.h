@@ -4,7 +4,7 @@
 #include <span>
 
 #include "records.h"
-#include "routines.h"
+#include "request/der.h"
 #include "util/name_forms.h"
 
 /** The subject of a request: which attributes it has, in which order, and its DER. */
@@ -19,10 +19,10 @@ inline constexpr SubjectTable SUBJECT_TABLE = forms::REQUEST;
 inline constexpr SubjectTable SUBJECT_TABLE_CNS = forms::SERVICES_CARD_REQUEST;
 
 /**
- * Name (RFC 2986): one RDN of one attribute for each row with a value. Null, the reason logged, when there is
+ * Name (RFC 2986): one RDN of one attribute for each row with a value. Empty, the reason logged, when there is
  * none, or more than rows.
  */
-[[nodiscard]] ADATA* buildName(const datiDN& subject, SubjectTable table);
+[[nodiscard]] der::Bytes buildName(const datiDN& subject, SubjectTable table);
 
 } // namespace zv
 
