@@ -8,6 +8,7 @@
 #include "inventory/names.h"
 #include "inventory/oid_names.h"
 #include "request/subject.h"
+#include "routines.h"
 #include "util/text.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/walk.h"
 #include "util/text.h"
 
 namespace {
@@ -17,9 +18,21 @@ CK_RV changeKey(const char* name, CK_OBJECT_HANDLE key, std::string_view text) {
     return zv::relabelObject(zv::hSession, key, text);
 }
 
-int failRechange(const char* step, const char* format) {
-    zv::reportFailure(RECHANGE_TITLE, step, zv::rv, format);
-    return RELABEL_FAILED;
+zv::Visit relabel(CK_OBJECT_HANDLE object, std::string_view text) {
+    if (zv::relabelObject(zv::hSession, object, text) == CKR_OK) return zv::Visit::GoOn;
+    zv::reportFailure(RECHANGE_TITLE, "C_SetAttributeValue", zv::rv,
+                      "Errore modifica LABEL/ID oggetti presenti su scheda (%s)");
+    return zv::Visit::GiveUp;
+}
+
+void reportRechange(const zv::SearchCall& call) {
+    if (call.result == CKR_OK) return;
+    const char* sentence = "Errore nella della ricerca degli oggetti sulla scheda (%s)";
+    if (call.step == zv::SearchStep::Start)
+        sentence = "Errore nella inizializzazione della ricerca degli oggetti sulla scheda (%s)";
+    if (call.step == zv::SearchStep::End)
+        sentence = "Errore nella chiusura della ricerca degli oggetti sulla scheda (%s)";
+    zv::reportFailure(RECHANGE_TITLE, call.name, call.result, sentence);
 }
 
 } // namespace
@@ -42,24 +55,15 @@ int RechangeValueObject(void*, const char* currentLabel, char* newText) {
     const std::string_view text = zv::boundedText(newText, MOST_LABEL);
     zv::trace(RECHANGE_TITLE, "I N I Z I O", CatSZtoSZ("Label = ", newText));
     CK_ATTRIBUTE tmpl = zv::attribute(CKA_LABEL, zv::orEmpty(currentLabel));
-    if (zv::startSearch(zv::hSession, &tmpl, 1) != CKR_OK)
-        return failRechange("C_FindObjectsInit",
-                            "Errore nella inizializzazione della ricerca degli oggetti sulla scheda (%s)");
-    for (;;) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        // Neither failure ends the search.
-        if (zv::nextObject(zv::hSession, object, count) != CKR_OK)
-            return failRechange("C_FindObjects",
-                                "Errore nella della ricerca degli oggetti sulla scheda (%s)");
-        if (count != 1) break;
-        if (zv::relabelObject(zv::hSession, object, text) != CKR_OK)
-            return failRechange("C_SetAttributeValue",
-                                "Errore modifica LABEL/ID oggetti presenti su scheda (%s)");
-    }
-    if (zv::endSearch(zv::hSession) != CKR_OK)
-        return failRechange("C_FindObjectsFinal",
-                            "Errore nella chiusura della ricerca degli oggetti sulla scheda (%s)");
+    // Neither a failed call nor a failed change ends the search.
+    const zv::Search search = {
+        .session = zv::hSession,
+        .tmpl = {&tmpl, 1},
+        .log = {.after = reportRechange},
+        .exits = {.whenFindFails = zv::Exit::LeftOpen, .whenGivenUp = zv::Exit::LeftOpen}};
+    const zv::Walked walked =
+        zv::walk(search, [text](CK_OBJECT_HANDLE object) { return relabel(object, text); });
+    if (!walked.whole()) return RELABEL_FAILED;
     zv::trace(RECHANGE_TITLE, "F I N E", CatSZtoSZ("Label = ", newText));
     return 0;
 }

@@ -4,13 +4,14 @@
 #include "diag/log.h"
 #include "inventory/certificates.h"
 #include "store/renewal_state.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
 
 constexpr std::size_t AUTHORITY_LABEL_LENGTH = 20;
 
-void traceCall(const char* name, CK_RV result) {
+void logCall(const char* name, CK_RV result) {
     if (result == CKR_OK) return zv::trace(name, "OK");
     static constexpr struct {
         const char* call;
@@ -25,21 +26,18 @@ void traceCall(const char* name, CK_RV result) {
             WriteErr(name, text, 0, CatItoAHex1("Errore = ", static_cast<int>(result)), 0);
 }
 
-void tracePendingCall(const char* name, CK_RV result) {
+constexpr zv::SearchLog INVENTORY_LOG = {
+    .after = [](const zv::SearchCall& call) { logCall(call.name, call.result); }};
+
+constexpr zv::SearchLog PENDING_LOG = {.after = [](const zv::SearchCall& call) {
     char title[64] = "Find_ALL_Pending: ";
-    zv::appendText(title, name);
-    zv::trace(title, result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(result)));
-}
+    zv::appendText(title, call.name);
+    zv::trace(title, call.result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(call.result)));
+}};
 
 bool listCertificates(zv::FoundCertificates& found) {
-    if (!zv::probeToken(traceCall)) return false;
-    const CK_RV started = zv::startCertificateSearch();
-    traceCall("C_FindObjectsInit", started);
-    if (started != CKR_OK) return false;
-    const bool whole = found.read(traceCall);
-    const CK_RV ended = zv::endSearch(zv::hSession);
-    traceCall("C_FindObjectsFinal", ended);
-    return whole && ended == CKR_OK;
+    return zv::guarded(
+        false, [&] { return zv::probeToken(logCall) && found.read(INVENTORY_LOG, zv::ALWAYS_ENDED); });
 }
 
 bool isAuthority(const zv::Certificate& certificate) {
@@ -100,7 +98,8 @@ int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, char* cka
     zv::copyText(ckaidPRA, ZV_KEY_ID_SIZE, "");
     zv::copyText(ckaidAUT, ZV_KEY_ID_SIZE, "");
     zv::IdentifierTables tables;
-    if (!zv::gatherIdentifiers(tables, tracePendingCall)) return zv::SEARCH_FAILED;
+    if (!zv::guarded(false, [&] { return zv::gatherIdentifiers(tables, PENDING_LOG); }))
+        return zv::SEARCH_FAILED;
     zv::trace(title, "Loop sulle chiavi pubbliche: inizio");
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
     zv::trace(title, "Loop sulle chiavi pubbliche: fine");

@@ -6,12 +6,12 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/traced.h"
 #include "util/text.h"
 
 namespace {
 
-// Mutable, since the traced calls take it so.
-char TITLE[] = " .... FindAllObjects FUN             .... ";
+constexpr char TITLE[] = " .... FindAllObjects FUN             .... ";
 constexpr int FAILED = 1;
 constexpr std::size_t TEXT_SIZE = 1536;
 
@@ -119,35 +119,39 @@ int summary(int objects, unsigned short pendingKeys) {
     return objects > 0 ? 2 : 0;
 }
 
-int takeCensus(char* text) {
-    zv::SearchGuard search(zv::hSession);
-    unsigned short pendingKeys = 0;
-    for (int round = 1;; ++round) {
-        zv::trace(TITLE, CatItoA("Volta = ", round));
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG found = 0;
-        if (FindObjects(nullptr, TITLE, zv::hSession, &object, 1, &found) != CKR_OK) return FAILED;
-        zv::trace(TITLE, CatLtoA("found = ", static_cast<long>(found)));
-        if (found != 1) {
-            search.dismiss();
-            if (FindObjectsFinal(nullptr, TITLE, zv::hSession) != CKR_OK) return FAILED;
-            const int code = summary(round - 1, pendingKeys);
-            zv::trace(TITLE, "F I N E", CatItoAHex1("Ret Code = ", code));
-            return code;
-        }
-        CensusObject seen;
-        if (!seen.read(object)) return FAILED;
-        if (seen.isPendingKey()) ++pendingKeys;
-        addLine(text, seen.describe());
-    }
-}
+constexpr zv::SearchLog CENSUS_LOG = {
+    .before =
+        [](const zv::SearchCall& call) {
+            if (call.step == zv::SearchStep::Next) zv::trace(TITLE, CatItoA("Volta = ", call.round));
+            zv::traceCall(call);
+        },
+    .after =
+        [](const zv::SearchCall& call) {
+            zv::reportCall(call);
+            if (call.step == zv::SearchStep::Next && call.result == CKR_OK)
+                zv::trace(TITLE, CatLtoA("found = ", static_cast<long>(call.found)));
+        },
+};
 
 } // namespace
 
 int FindAllObjects(unsigned long, char* text) {
     zv::trace(TITLE, "I N I Z I O");
-    if (FindObjectsInit(nullptr, TITLE, zv::hSession, nullptr, 0) != CKR_OK) return FAILED;
-    return takeCensus(text);
+    int objects = 0;
+    unsigned short pendingKeys = 0;
+    const zv::Walked walked =
+        zv::walk({.session = zv::hSession, .log = CENSUS_LOG, .title = TITLE}, [&](CK_OBJECT_HANDLE object) {
+            CensusObject seen;
+            if (!seen.read(object)) return zv::Visit::GiveUp;
+            ++objects;
+            if (seen.isPendingKey()) ++pendingKeys;
+            addLine(text, seen.describe());
+            return zv::Visit::GoOn;
+        });
+    if (!walked.whole()) return FAILED;
+    const int code = summary(objects, pendingKeys);
+    zv::trace(TITLE, "F I N E", CatItoAHex1("Ret Code = ", code));
+    return code;
 }
 
 int isCodFisc(char* text) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "util/text.h"
 
@@ -16,7 +15,7 @@ namespace {
 // A failed read leaves the field as it is.
 template <typename Field>
 bool readField(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Field& field, std::size_t& length) {
-    static unsigned char buffer[sizeof(Certificate::value)];
+    unsigned char buffer[sizeof(Certificate::value)];
     if (readAttribute(hSession, object, type, buffer, sizeof field, length) != CKR_OK) return false;
     std::memcpy(field, buffer, sizeof field);
     std::memset(reinterpret_cast<char*>(field) + length, 0, sizeof field - length);
@@ -48,35 +47,21 @@ bool probeToken(CallTrace trace) {
     return rv == CKR_OK;
 }
 
-CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass) {
-    CK_ATTRIBUTE tmpl = attributeOf(CKA_CLASS, objectClass);
-    return startSearch(hSession, &tmpl, 1);
-}
-
-CK_RV startCertificateSearch() {
-    numCertificate = 0;
-    return startClassSearch(CKO_CERTIFICATE);
-}
-
 Certificate& FoundCertificates::next() {
     const bool inTable = all_.size() < MOST_CERTIFICATES;
     all_.push_back(inTable ? &Certificati[numCertificate++] : &beyond_.emplace_back());
     return *all_.back();
 }
 
-bool FoundCertificates::read(CallTrace trace) try {
-    for (;;) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        nextObject(hSession, object, count);
-        trace("C_FindObjects", rv);
-        if (rv != CKR_OK) return false;
-        if (count != 1) return true;
+bool FoundCertificates::read(const SearchLog& log, const Exits& exits) {
+    numCertificate = 0;
+    const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
+    CK_ATTRIBUTE tmpl = attributeOf(CKA_CLASS, certificate);
+    const auto take = [this](CK_OBJECT_HANDLE object) {
         readCertificate(object, next());
-    }
-} catch (const std::bad_alloc&) {
-    rv = CKR_HOST_MEMORY;
-    return false;
+        return Visit::GoOn;
+    };
+    return walk({.session = hSession, .tmpl = {&tmpl, 1}, .log = log, .exits = exits}, take).whole();
 }
 
 void CertificateFields::read(Certificate& certificate, NameRewrite rewriteHolder) {

@@ -34,8 +34,8 @@ extern int numCertificate;
 /** Every certificate of one search, in the card's order: the first ten stand in the table. */
 class FoundCertificates {
   public:
-    /** Reads the certificates of the open search. */
-    [[nodiscard]] bool read(CallTrace trace);
+    /** Empties the table and reads the card's certificates. */
+    [[nodiscard]] bool read(const SearchLog& log, const Exits& exits);
     auto begin() const { return all_.begin(); }
     auto end() const { return all_.end(); }
 
@@ -46,14 +46,13 @@ class FoundCertificates {
     std::deque<Certificate> beyond_;
 };
 
+/** Told about a call, with its result. */
+using CallTrace = void (*)(const char* call, CK_RV result);
+
+inline void noTrace(const char*, CK_RV) {}
+
 /** Slot and token are there; each call is only checked for success. */
 [[nodiscard]] bool probeToken(CallTrace trace);
-
-/** Starts a search for the objects of one class. */
-CK_RV startClassSearch(const CK_OBJECT_CLASS& objectClass);
-
-/** Empties the table and starts the search for certificates. */
-CK_RV startCertificateSearch();
 
 /** What the crypto library says of one certificate. */
 struct CertificateFields {

@@ -3,29 +3,33 @@
 #include <array>
 
 #include "inventory/certificates.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
 
 constexpr long PRA_RECORD_SIZE = 4096;
 
-// The search for private keys starts while that for certificates is open; a module that allows one search at
-// a time has the first one closed.
-bool startKeySearch() {
-    if (zv::startClassSearch(CKO_PRIVATE_KEY) != CKR_OPERATION_ACTIVE) return zv::rv == CKR_OK;
-    return zv::endSearch(zv::hSession) == CKR_OK && zv::startClassSearch(CKO_PRIVATE_KEY) == CKR_OK;
-}
-
+// Starts its search while that for certificates is open; a module that allows one search at a time has the first one
+// closed.
 bool readPrivateKeyIds(zv::IdentifierTable& keys) {
-    for (;;) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        if (zv::nextObject(zv::hSession, object, count) != CKR_OK) return false;
-        if (count != 1) return true;
+    const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
+    CK_ATTRIBUTE tmpl = zv::attributeOf(CKA_CLASS, privateKey);
+    const zv::Search search = {.session = zv::hSession, .tmpl = {&tmpl, 1}};
+    const auto take = [&keys](CK_OBJECT_HANDLE object) {
         char id[zv::ID_SIZE + 1];
         zv::readText(zv::hSession, object, CKA_ID, id);
-        if (!keys.add(id)) return false;
-    }
+        keys.add(id);
+        return zv::Visit::GoOn;
+    };
+    const auto notStarted = [](const zv::Walked& walked) {
+        return walked.how == zv::Walked::End::NotStarted;
+    };
+    zv::Walked walked = zv::walk(search, take);
+    if (notStarted(walked) && walked.code == CKR_OPERATION_ACTIVE && zv::endSearch(search) == CKR_OK)
+        walked = zv::walk(search, take);
+    if (notStarted(walked)) zv::closeSearch(zv::hSession);
+    return walked.whole();
 }
 
 using Matched = std::array<zv::Certificate*, zv::MOST_CERTIFICATES>;
@@ -50,12 +54,8 @@ void matchCertificates(const zv::FoundCertificates& found, const zv::IdentifierT
 
 bool listCertificates(zv::FoundCertificates& found, Matched& matched) {
     if (!zv::probeToken(zv::noTrace)) return false;
-    if (zv::startCertificateSearch() != CKR_OK) return false;
-    zv::SearchGuard search(zv::hSession);
     zv::IdentifierTable keys;
-    if (!found.read(zv::noTrace) || !startKeySearch() || !readPrivateKeyIds(keys)) return false;
-    search.dismiss();
-    if (zv::endSearch(zv::hSession) != CKR_OK) return false;
+    if (!found.read({}, {.atEnd = zv::Exit::LeftOpen}) || !readPrivateKeyIds(keys)) return false;
     matchCertificates(found, keys, matched);
     return true;
 }
@@ -73,7 +73,7 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** autList
                                   char* expiry, bool touchSign) {
     zv::FoundCertificates found;
     Matched matched{};
-    if (!listCertificates(found, matched)) return -1;
+    if (!zv::guarded(false, [&] { return listCertificates(found, matched); })) return -1;
     zv::RecordList cns(cnsList, autRecord, autRecordSize), aut(autList, autRecord, autRecordSize);
     zv::RecordList pra(praList, praRecord, PRA_RECORD_SIZE);
     zv::CertificateFields fields;

@@ -4,6 +4,7 @@
 
 #include "diag/log.h"
 #include "inventory/identifiers.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -13,7 +14,7 @@ bool isFiled(std::string_view id) {
 }
 
 bool readExpiry(CK_OBJECT_HANDLE object, char* expiry) {
-    static char value[16384];
+    char value[16384];
     if (zv::readText(zv::hSession, object, CKA_VALUE, value) != CKR_OK) return false;
     WriteLog("Find_ALL_PendingCNS", "DATAFIELD_PDATA_CNS", 0, value, 0);
     getDtScadenza(value, expiry);
@@ -21,13 +22,13 @@ bool readExpiry(CK_OBJECT_HANDLE object, char* expiry) {
 }
 
 bool gather(zv::IdentifierTables& tables, int* pendingCNS, char* expiry) {
-    return zv::walkObjects(zv::noTrace, [&](CK_OBJECT_HANDLE object) {
-        zv::ObjectIdentity identity;
+    return zv::walkIdentities({}, [&](CK_OBJECT_HANDLE object, const zv::ObjectIdentity& identity) {
         char label[256];
-        if (!identity.read(object) || !zv::isTolerated(zv::readText(zv::hSession, object, CKA_LABEL, label)))
-            return false;
-        if (identity.objectClass != CKO_DATA)
-            return !isFiled(identity.id) || tables.file(identity.objectClass, identity.id);
+        if (!zv::isTolerated(zv::readText(zv::hSession, object, CKA_LABEL, label))) return false;
+        if (identity.objectClass != CKO_DATA) {
+            if (isFiled(identity.id)) tables.file(identity.objectClass, identity.id);
+            return true;
+        }
         if (std::strcmp(label, "pending_CNS_key") == 0 && pendingCNS != nullptr) *pendingCNS = 1;
         return std::strcmp(label, "PDATA") != 0 || readExpiry(object, expiry);
     });
@@ -46,7 +47,7 @@ int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS, char*
     ckaidPRA[0] = '\0';
     ckaidAUT[0] = '\0';
     zv::IdentifierTables tables;
-    if (!gather(tables, pendingCNS, expiry)) return zv::SEARCH_FAILED;
+    if (!zv::guarded(false, [&] { return gather(tables, pendingCNS, expiry); })) return zv::SEARCH_FAILED;
     zv::takeFirstPending(tables, pendingPRA, pendingAUT, ckaidPRA, ckaidAUT);
     const bool pending = *pendingPRA == 1 && ckaidPRA[0] != '\0';
     const bool hasSignature = zv::readSignatureCertificates(tables, pending ? ckaidPRA : none);

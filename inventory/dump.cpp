@@ -1,11 +1,12 @@
 // renewDump: every object of the card as a line of text, in a session of its own.
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <string_view>
 
 #include "card/session.h"
 #include "store/objects.h"
+#include "store/walk.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -23,6 +24,7 @@ class Dump {
     void write(std::string& out);
 
   private:
+    void addLine(CK_OBJECT_HANDLE object, std::string& out);
     void describe(CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass);
     void describeKey(CK_OBJECT_HANDLE object, CK_ULONG entries);
     void describeCertificate(CK_OBJECT_HANDLE object);
@@ -100,37 +102,37 @@ void Dump::write(std::string& out) {
     if (zv::rv != CKR_OK) return;
     const char* serial = reinterpret_cast<const char*>(token.serialNumber);
     out.assign("Dump Smart Card ").append(zv::boundedText(serial, sizeof token.serialNumber)).append("\n\n");
-    if (zv::startSearch(zv::hSession) != CKR_OK) return;
-    // The search is not ended: the session is, right after.
-    for (int objects = 0;; ++objects) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        if (zv::nextObject(zv::hSession, object, count) != CKR_OK) return;
-        if (count == 0) {
-            out.append("\nTrovati ").append(ItoA(objects)).append(" oggetti\n\n");
-            return;
-        }
-        CK_OBJECT_CLASS objectClass = 0;
-        if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK ||
-            objectClass > CKO_PRIVATE_KEY)
-            continue;
-        describe(object, objectClass);
-        out.append(name_).append(",").append(idText_).append(",").append(labelText_).append(",");
-        out.append(modulusText_).append(",").append(serial_).append("\n");
-    }
+    int objects = 0;
+    // The search is never ended: the session is, right after.
+    const zv::Walked walked = zv::walk({.session = zv::hSession, .exits = zv::ALWAYS_LEFT_OPEN},
+                                       [this, &out, &objects](CK_OBJECT_HANDLE object) {
+                                           ++objects;
+                                           addLine(object, out);
+                                           return zv::Visit::GoOn;
+                                       });
+    if (walked.whole()) out.append("\nTrovati ").append(ItoA(objects)).append(" oggetti\n\n");
+}
+
+void Dump::addLine(CK_OBJECT_HANDLE object, std::string& out) {
+    CK_OBJECT_CLASS objectClass = 0;
+    if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK ||
+        objectClass > CKO_PRIVATE_KEY)
+        return;
+    describe(object, objectClass);
+    out.append(name_).append(",").append(idText_).append(",").append(labelText_).append(",");
+    out.append(modulusText_).append(",").append(serial_).append("\n");
 }
 
 } // namespace
 
 int renewDump(char* libPath, char* pin, int slot, std::string& out) {
     int result = 0;
-    try {
+    // A dump that stops early is what it is: the reading goes on.
+    zv::guarded([&] {
         const auto dump = std::make_unique<Dump>();
         result = static_cast<int>(__Initialize(slot, pin, libPath));
         if (result == 0) dump->write(out);
-    } catch (const std::exception&) {
-        // A dump that stops early is what it is: the reading goes on.
-    }
+    });
     finalizza();
     return result;
 }

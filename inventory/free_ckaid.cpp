@@ -1,5 +1,6 @@
 // findFreeCKAID: which identifier a new signature key and a new authentication key should carry.
 #include "inventory/identifiers.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 bool use2048Bit = false;
@@ -18,7 +19,7 @@ void takePending(const zv::IdentifierTables& tables, char* keyPRA, char* keyAUT)
 
 int settle(char* keyPRA, char* keyAUT) {
     zv::IdentifierTables tables;
-    if (!zv::gatherIdentifiers(tables, zv::noTrace)) return -1;
+    if (!zv::gatherIdentifiers(tables)) return -1;
     takePending(tables, keyPRA, keyAUT);
     zv::readSignatureCertificates(tables, keyPRA);
     if (keyPRA[0] == '\0' && !zv::proposeFree(tables.publicKeys, zv::SIGNATURE_SERIES, keyPRA))
@@ -34,7 +35,7 @@ int findFreeCKAID(char* keyPRA, char* keyAUT, bool) {
     char foundPRA[ZV_KEY_ID_SIZE] = {}, foundAUT[ZV_KEY_ID_SIZE] = {};
     use2048Bit = false;
     force2048PraGen = true;
-    const int result = settle(foundPRA, foundAUT);
+    const int result = zv::guarded(-1, [&] { return settle(foundPRA, foundAUT); });
     zv::copyText(keyPRA, ZV_KEY_ID_SIZE, foundPRA);
     zv::copyText(keyAUT, ZV_KEY_ID_SIZE, foundAUT);
     return result;

@@ -1,7 +1,5 @@
 #include "inventory/identifiers.h"
 
-#include <new>
-
 #include "util/text.h"
 
 bool presente(const ckaid* table, const char* id) {
@@ -13,11 +11,8 @@ bool presente(const ckaid* table, const char* id) {
 
 namespace zv {
 
-bool IdentifierTable::add(std::string_view id) try {
+void IdentifierTable::add(std::string_view id) {
     copyText(records_.emplace_back().id, id);
-    return true;
-} catch (const std::bad_alloc&) {
-    return false;
 }
 
 bool IdentifierTable::contains(std::string_view id) const {
@@ -25,7 +20,7 @@ bool IdentifierTable::contains(std::string_view id) const {
     return std::any_of(begin(), end(), [kept](const ckaid& record) { return kept == record.id; });
 }
 
-bool IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
+void IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
     switch (objectClass) {
     case CKO_PUBLIC_KEY:
         return publicKeys.add(id);
@@ -34,7 +29,7 @@ bool IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
     case CKO_CERTIFICATE:
         return certificates.add(id);
     default:
-        return true;
+        return;
     }
 }
 
@@ -44,13 +39,12 @@ bool ObjectIdentity::read(CK_OBJECT_HANDLE object) {
            isTolerated(readText(hSession, object, CKA_ID, id));
 }
 
-bool gatherIdentifiers(IdentifierTables& tables, CallTrace trace) {
-    return walkObjects(trace, [&tables](CK_OBJECT_HANDLE object) {
-        ObjectIdentity identity;
-        if (!identity.read(object)) return false;
-        static char value[16384];
+bool gatherIdentifiers(IdentifierTables& tables, const SearchLog& log) {
+    return walkIdentities(log, [&tables](CK_OBJECT_HANDLE object, const ObjectIdentity& identity) {
+        char value[16384];
         if (!isTolerated(readText(hSession, object, CKA_VALUE, value))) return false;
-        return tables.file(identity.objectClass, identity.id);
+        tables.file(identity.objectClass, identity.id);
+        return true;
     });
 }
 

@@ -8,6 +8,7 @@
 
 #include "card/session.h"
 #include "store/objects.h"
+#include "store/walk.h"
 
 /** The identifiers on a card and what they mean: pending pairs, first keys, free places in a series. */
 namespace zv {
@@ -24,8 +25,8 @@ inline constexpr std::string_view AUTHENTICATION_SERIES = "AUTHCertificate";
 /** The identifiers of every object of one class; each is cut at 31 characters. */
 class IdentifierTable {
   public:
-    /** False when memory ran out: a table that lacks an object would call a taken identifier free. */
-    [[nodiscard]] bool add(std::string_view id);
+    /** Throws without memory: a table that lacks an object would call a taken identifier free. */
+    void add(std::string_view id);
     /** Looks for an identifier of any length, cut as those of the table are. */
     [[nodiscard]] bool contains(std::string_view id) const;
     [[nodiscard]] bool empty() const { return records_.empty(); }
@@ -39,8 +40,8 @@ class IdentifierTable {
 struct IdentifierTables {
     IdentifierTable publicKeys, privateKeys, certificates;
 
-    /** Files an identifier by class; other classes are ignored. Returns false when memory ran out. */
-    [[nodiscard]] bool file(CK_OBJECT_CLASS objectClass, std::string_view id);
+    /** Files an identifier by class; other classes are ignored. */
+    void file(CK_OBJECT_CLASS objectClass, std::string_view id);
 };
 
 /** What every search for identifiers reads of an object first, an attribute a call: class, key type, CKA_ID.
@@ -54,33 +55,21 @@ struct ObjectIdentity {
     [[nodiscard]] bool read(CK_OBJECT_HANDLE object);
 };
 
-/** Told about each call of a walk, with its result. */
-using CallTrace = void (*)(const char* call, CK_RV result);
-
-inline void noTrace(const char*, CK_RV) {}
-
 /**
- * Walks over every object of the card. examine(handle) returns false to give up; the search is then closed, as
- * after a failure. Returns false on both.
+ * Reads the identity of every object on the card, which examine then says of whether to go on. False when a call failed
+ * or examine gave up; the search is ended, and the log told so, in any case.
  */
-template <typename Examine> [[nodiscard]] bool walkObjects(CallTrace trace, Examine examine) {
-    const auto done = [trace](const char* name, CK_RV result) {
-        trace(name, result);
-        return result == CKR_OK;
-    };
-    if (!done("C_FindObjectsInit", startSearch(hSession))) return false;
-    bool whole = true;
-    CK_ULONG count = 1;
-    while (whole && count == 1) {
-        CK_OBJECT_HANDLE object = 0;
-        whole = done("C_FindObjects", nextObject(hSession, object, count));
-        if (whole && count == 1) whole = examine(object);
-    }
-    return done("C_FindObjectsFinal", endSearch(hSession)) && whole;
+template <typename Examine> [[nodiscard]] bool walkIdentities(const SearchLog& log, Examine examine) {
+    return walk({.session = hSession, .log = log, .exits = ALWAYS_ENDED},
+                [&examine](CK_OBJECT_HANDLE object) {
+                    ObjectIdentity identity;
+                    return identity.read(object) && examine(object, identity) ? Visit::GoOn : Visit::GiveUp;
+                })
+        .whole();
 }
 
-/** walkObjects that files every key and certificate; each object's value is read too. */
-[[nodiscard]] bool gatherIdentifiers(IdentifierTables& tables, CallTrace trace);
+/** Files every key and certificate; each object's value is read too. */
+[[nodiscard]] bool gatherIdentifiers(IdentifierTables& tables, const SearchLog& log = {});
 
 inline bool isAuthentication(std::string_view id) {
     return id.find(AUTHENTICATION_SERIES) != std::string_view::npos;

@@ -5,6 +5,7 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/traced.h"
 #include "util/text.h"
 
 namespace zv {
@@ -34,7 +35,7 @@ const char* whyInUse() {
     CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, certificate), zv::attribute(CKA_ID, zv::pendingLabel)};
     CK_OBJECT_HANDLE object = 0;
     bool none = false;
-    const bool found = zv::findOne(zv::hSession, tmpl, 2, &object, none) == CKR_OK;
+    const bool found = zv::findOne(zv::hSession, tmpl, object, none) == CKR_OK;
     if (none) return nullptr;
     return found ? "la coppia di chiavi da scartare ha un certificato"
                  : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";

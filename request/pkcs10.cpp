@@ -6,6 +6,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/renewal_state.h"
+#include "store/traced.h"
 #include "util/text.h"
 
 namespace zv {
@@ -100,9 +101,7 @@ unsigned short sign(der::Bytes& info, const PublicKey& key, const LoginData& log
 CK_RV PublicKey::read(CK_OBJECT_HANDLE privateKey, std::size_t modulusRoom, std::size_t exponentRoom) {
     CK_ATTRIBUTE tmpl[] = {{CKA_MODULUS, modulus, modulusRoom},
                            {CKA_PUBLIC_EXPONENT, exponent, exponentRoom}};
-    char title[sizeof REQUEST_TITLE];
-    std::copy_n(REQUEST_TITLE, sizeof title, title);
-    const CK_RV result = GetAttributeValue(nullptr, title, hSession, privateKey, tmpl, 2);
+    const CK_RV result = readTraced(REQUEST_TITLE, hSession, privateKey, tmpl);
     modulusLength = tmpl[0].ulValueLen;
     exponentLength = tmpl[1].ulValueLen;
     if (result != CKR_OK || (size() != 0 && significant(exponent, exponentLength) != 0)) return result;

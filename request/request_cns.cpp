@@ -5,6 +5,7 @@
 #include "request/pkcs10.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/walk.h"
 #include "util/guarded.h"
 #include "util/text.h"
 
@@ -17,15 +18,18 @@ unsigned short findOwnKey() {
     const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
     zv::copyText(zv::privateKeyId, zv::OWN_PAIR);
     CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, zv::OWN_PAIR)};
-    CK_RV result = zv::startSearch(zv::hSession, tmpl, 2);
-    if (result == CKR_OK) {
-        zv::SearchGuard search(zv::hSession);
-        CK_ULONG count = 0;
-        result = zv::nextObject(zv::hSession, zv::hPrivateKey, count);
-        if (result == CKR_OK) search.dismiss();
-    }
-    if (result == CKR_OK) return 0;
-    return zv::failRequest("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", result);
+    const auto take = [](CK_OBJECT_HANDLE key) {
+        zv::hPrivateKey = key;
+        return zv::Visit::Stop;
+    };
+    // Left open for readOwnKey.
+    const zv::Walked walked = zv::walk({.session = zv::hSession,
+                                        .tmpl = tmpl,
+                                        .most = zv::FIRST_OBJECT,
+                                        .exits = {.atEnd = zv::Exit::LeftOpen}},
+                                       take);
+    if (walked.whole()) return 0;
+    return zv::failRequest("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", walked.code);
 }
 
 // Reads the key inside the search that found it, which is closed on every way out.
@@ -33,15 +37,15 @@ unsigned short readOwnKey(zv::PublicKey& key) {
     const CK_RV result = key.read(zv::hPrivateKey, MODULUS_ROOM, EXPONENT_ROOM);
     if (result != CKR_OK) {
         zv::failRequest(zv::KEY_READ_ERROR, result);
-        zv::endSearch(zv::hSession);
+        zv::endSearch({zv::hSession});
         return zv::REQUEST_FAILED;
     }
     if (key.isBlank(MODULUS_CHECKED)) {
         zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", 0);
-        zv::endSearch(zv::hSession);
+        zv::endSearch({zv::hSession});
         return zv::failGeneration();
     }
-    if (zv::endSearch(zv::hSession) == CKR_OK) return 0;
+    if (zv::endSearch({zv::hSession}) == CKR_OK) return 0;
     zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", zv::rv);
     return zv::failGeneration();
 }

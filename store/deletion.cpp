@@ -5,6 +5,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
+#include "store/traced.h"
 #include "util/text.h"
 
 namespace {
@@ -13,11 +14,6 @@ constexpr char DELETION_TITLE[] = "DeleteObjectByLabel";
 
 void traceDeletion(const char* title, CK_SESSION_HANDLE session) {
     zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
-}
-
-int failDeletion(const char* text) {
-    WriteErr(DELETION_TITLE, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
-    return 1;
 }
 
 // The words of the log for one class. Objects of no known class have their class as the entry's length.
@@ -68,6 +64,34 @@ void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS
     WriteErr(DELETION_TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
 }
 
+void reportNotDeleted(const char* title, const char* text) {
+    WriteErr(title, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
+}
+
+void logFound(const zv::SearchCall& call) {
+    if (call.step != zv::SearchStep::Next) return;
+    if (call.result != CKR_OK)
+        zv::reportCode(DELETION_TITLE, call.name, call.result);
+    else
+        zv::traceFound(DELETION_TITLE, call.object, call.found);
+}
+
+// Data that cannot be read is passed over; a key or certificate ends the deletion.
+zv::Visit deleteIfNamed(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, const char* wanted) {
+    static constexpr char step[] = "C_GetAttributeValue";
+    char id[257] = {};
+    CK_OBJECT_CLASS objectClass = 0;
+    CK_ATTRIBUTE tmpl[] = {{CKA_ID, id, sizeof id - 1}, {CKA_CLASS, &objectClass, sizeof objectClass}};
+    zv::traceSession(DELETION_TITLE, step, session);
+    zv::rv = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, CK_ULONG{2});
+    if (zv::rv != CKR_OK) {
+        zv::reportCode(DELETION_TITLE, step, zv::rv);
+        return objectClass == CKO_DATA ? zv::Visit::GoOn : zv::Visit::GiveUp;
+    }
+    if (std::strstr(id, wanted) != nullptr) destroy(session, object, objectClass, wanted);
+    return zv::Visit::GoOn;
+}
+
 } // namespace
 
 unsigned int DeleteAnObject(unsigned long session, unsigned long objClass, char* id) {
@@ -75,7 +99,8 @@ unsigned int DeleteAnObject(unsigned long session, unsigned long objClass, char*
     traceDeletion(title, session);
     CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, objClass), zv::attribute(CKA_ID, zv::orEmpty(id))};
     CK_OBJECT_HANDLE object = 0;
-    CK_RV result = FindAnObject(session, tmpl, 2, &object);
+    bool none = false;
+    CK_RV result = zv::findOne(session, tmpl, object, none);
     if (result == CKR_OK) {
         zv::trace(title, "Trovato Oggetto");
         result = zv::destroyObject(session, object);
@@ -83,38 +108,18 @@ unsigned int DeleteAnObject(unsigned long session, unsigned long objClass, char*
     if (result == CKR_OK)
         zv::trace(title, "Cancellazione effettuata");
     else
-        WriteErr(title, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", id), 0);
+        reportNotDeleted(title, id);
     return static_cast<unsigned int>(result);
 }
 
 int DeleteObjectByLabel(unsigned long session, char* text) {
     const char* wanted = zv::orEmpty(text);
-    if (zv::startSearch(session) != CKR_OK) return failDeletion(wanted);
-    zv::SearchGuard search(session);
-    CK_OBJECT_HANDLE object = 0;
-    for (;;) {
-        CK_ULONG count = 0;
-        if (zv::nextObject(session, object, count) != CKR_OK) {
-            zv::reportCode(DELETION_TITLE, "C_FindObjects", zv::rv);
-            return 1;
-        }
-        zv::traceFound(DELETION_TITLE, object, count);
-        if (count != 1) break;
-
-        char id[257] = {};
-        CK_OBJECT_CLASS objectClass = 0;
-        CK_ATTRIBUTE tmpl[] = {{CKA_ID, id, sizeof id - 1}, {CKA_CLASS, &objectClass, sizeof objectClass}};
-        zv::traceSession(DELETION_TITLE, "C_GetAttributeValue", session);
-        zv::rv = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, CK_ULONG{2});
-        if (zv::rv != CKR_OK) {
-            zv::reportCode(DELETION_TITLE, "C_GetAttributeValue", zv::rv);
-            if (objectClass != CKO_DATA) return 1;
-        } else if (std::strstr(id, wanted) != nullptr) {
-            destroy(session, object, objectClass, wanted);
-        }
-    }
-    search.dismiss();
-    return zv::endSearch(session) == CKR_OK ? 0 : failDeletion(wanted);
+    const zv::Walked walked = zv::walk(
+        {.session = session, .log = {.after = logFound}},
+        [session, wanted](CK_OBJECT_HANDLE object) { return deleteIfNamed(session, object, wanted); });
+    if (walked.how == zv::Walked::End::NotStarted || walked.how == zv::Walked::End::NotEnded)
+        reportNotDeleted(DELETION_TITLE, wanted);
+    return walked.whole() ? 0 : 1;
 }
 
 int DeleteCertAndKeys(unsigned long session, char* text, char*) {

@@ -5,6 +5,7 @@
 
 #include "card/session.h"
 #include "store/objects.h"
+#include "store/walk.h"
 #include "util/text.h"
 
 namespace {
@@ -14,15 +15,22 @@ constexpr std::size_t MOST_LABEL = 64;
 constexpr std::size_t MOST_VALUE = 2048;
 
 // The first object that matches; 0 when none does.
-CK_RV findFirst(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG entries, CK_OBJECT_HANDLE& object) {
+CK_RV findFirst(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object) {
     object = 0;
-    if (zv::startSearch(session, tmpl, entries) != CKR_OK) return zv::rv;
-    zv::SearchGuard search(session);
-    CK_ULONG count = 0;
-    if (zv::nextObject(session, object, count) != CKR_OK) return zv::rv;
-    if (count != 1) object = 0;
-    search.dismiss();
-    return zv::endSearch(session);
+    return zv::walk({.session = session, .tmpl = tmpl, .most = zv::FIRST_OBJECT},
+                    [&object](CK_OBJECT_HANDLE first) {
+                        object = first;
+                        return zv::Visit::Stop;
+                    })
+        .code;
+}
+
+zv::Visit destroyIfData(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
+    CK_OBJECT_CLASS objectClass = 0;
+    if (zv::readNumber(session, object, CKA_CLASS, objectClass) != CKR_OK) return zv::Visit::Stop;
+    if (objectClass != CKO_DATA) return zv::Visit::GoOn;
+    zv::destroyObject(session, object);
+    return zv::Visit::Stop;
 }
 
 } // namespace
@@ -39,7 +47,8 @@ unsigned int DataStore(unsigned long session, const char* label, const char* val
         zv::attributeOf(CKA_TOKEN, onToken),  zv::attribute(CKA_VALUE, text),
     };
     CK_OBJECT_HANDLE object = 0;
-    if (findFirst(session, tmpl, 5, object) != CKR_OK) return static_cast<unsigned int>(zv::rv);
+    if (findFirst(session, std::span(tmpl).first(5), object) != CKR_OK)
+        return static_cast<unsigned int>(zv::rv);
     if (object != 0)
         zv::rv = zv::call<&zv::Functions::C_SetAttributeValue>(session, object, &tmpl[5], CK_ULONG{1});
     else
@@ -51,18 +60,8 @@ unsigned int DeleteDataPendingCNS(unsigned long session, char* label) {
     const std::string_view name = zv::orEmpty(label);
     if (name.size() > MOST_LABEL) return REFUSED;
     CK_ATTRIBUTE tmpl = zv::attribute(CKA_LABEL, name);
-    if (zv::startSearch(session, &tmpl, 1) != CKR_OK) return static_cast<unsigned int>(zv::rv);
-    for (;;) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG count = 0;
-        // A search that fails is left open.
-        if (zv::nextObject(session, object, count) != CKR_OK) return static_cast<unsigned int>(zv::rv);
-        CK_OBJECT_CLASS objectClass = 0;
-        if (count != 1 || zv::readNumber(session, object, CKA_CLASS, objectClass) != CKR_OK) break;
-        if (objectClass == CKO_DATA) {
-            zv::destroyObject(session, object);
-            break;
-        }
-    }
-    return static_cast<unsigned int>(zv::endSearch(session));
+    const zv::Walked walked =
+        zv::walk({.session = session, .tmpl = {&tmpl, 1}, .exits = {.whenFindFails = zv::Exit::LeftOpen}},
+                 [session](CK_OBJECT_HANDLE object) { return destroyIfData(session, object); });
+    return static_cast<unsigned int>(walked.code);
 }

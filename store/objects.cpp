@@ -9,43 +9,6 @@ namespace zv {
 
 namespace {
 
-// Above any number of objects that a card has room for; a search that gives more is a module's error.
-constexpr CK_ULONG MOST_OBJECTS = 4096;
-// Objects that the search started last has given.
-CK_ULONG objectsGiven = 0;
-
-} // namespace
-
-CK_RV startSearch(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count) {
-    objectsGiven = 0;
-    return rv = call<&Functions::C_FindObjectsInit>(session, tmpl, count);
-}
-
-CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& count) {
-    count = 0;
-    rv = call<&Functions::C_FindObjects>(session, &object, CK_ULONG{1}, &count);
-    if (rv == CKR_OK) rv = checkFound(count, 1);
-    if (rv != CKR_OK) count = 0;
-    return rv;
-}
-
-CK_RV endSearch(CK_SESSION_HANDLE session) {
-    return rv = call<&Functions::C_FindObjectsFinal>(session);
-}
-
-CK_RV checkFound(CK_ULONG found, CK_ULONG asked) {
-    // Nothing that a module says which gives more than was asked for can be built on.
-    if (found > asked) return CKR_GENERAL_ERROR;
-    objectsGiven += found;
-    return objectsGiven <= MOST_OBJECTS ? CKR_OK : CKR_GENERAL_ERROR;
-}
-
-SearchGuard::~SearchGuard() {
-    if (armed_) call<&Functions::C_FindObjectsFinal>(session_);
-}
-
-namespace {
-
 // Gives the length as the module says it.
 CK_RV readOne(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
               std::size_t size, CK_ULONG& length) {

@@ -12,32 +12,6 @@
  */
 namespace zv {
 
-inline constexpr char SEARCH_ERROR[] = "Errore nella ricerca degli oggetti presenti sulla smartcard (%s)";
-
-CK_RV startSearch(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl = nullptr, CK_ULONG count = 0);
-
-/** Asks for one object; count is 1, or 0 when none is left. */
-CK_RV nextObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE& object, CK_ULONG& count);
-
-CK_RV endSearch(CK_SESSION_HANDLE session);
-
-/** Looks at what a call of the open search found: more than it asked for, or objects without end, is CKR_GENERAL_ERROR. */
-[[nodiscard]] CK_RV checkFound(CK_ULONG found, CK_ULONG asked);
-
-/** Ends an open search when left, unless it was ended or is to stay open. Leaves zv::rv alone. */
-class SearchGuard {
-  public:
-    explicit SearchGuard(CK_SESSION_HANDLE session) : session_(session) {}
-    SearchGuard(const SearchGuard&) = delete;
-    SearchGuard& operator=(const SearchGuard&) = delete;
-    ~SearchGuard();
-    void dismiss() { armed_ = false; }
-
-  private:
-    CK_SESSION_HANDLE session_;
-    bool armed_ = true;
-};
-
 /**
  * Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and
  * 0 after a failure.
@@ -64,13 +38,6 @@ CK_RV readText(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_
 
 /** True for a result after which an object is still worth looking at: it lacks the attribute, or hides it. */
 [[nodiscard]] bool isTolerated(CK_RV result);
-
-/**
- * FindAnObject, which gives all ones also when its search failed: none is true only after a search that worked
- * and found nothing.
- */
-[[nodiscard]] unsigned long findOne(CK_SESSION_HANDLE session, CK_ATTRIBUTE* tmpl, CK_ULONG count,
-                                    CK_OBJECT_HANDLE* object, bool& none);
 
 /** A template entry over the caller's bytes, which a module only reads. */
 [[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);

@@ -1,54 +1,55 @@
 // Removal of what an unfinished request left behind.
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/traced.h"
+#include "util/guarded.h"
 
 namespace {
 
 constexpr int DELETION_FAILED = 1;
 
-// Destroys the next object of the open search that carries the pending prefix and adds it to those that are gone. One
-// that is found among them was not destroyed, whatever the module said, and would be found without end.
-CK_RV destroyNextPending(char* title, std::vector<CK_OBJECT_HANDLE>& gone) {
-    for (;;) {
-        CK_OBJECT_HANDLE object = 0;
-        CK_ULONG found = 0;
-        if (FindObjects(nullptr, title, zv::hSession, &object, 1, &found) != CKR_OK) return zv::rv;
-        if (found == 0) return CKR_OK;
-        char label[8193] = {};
-        CK_ATTRIBUTE entry = {CKA_LABEL, label, sizeof label - 1};
-        if (!zv::isTolerated(GetAttributeValue(nullptr, title, zv::hSession, object, &entry, 1)))
-            return zv::rv;
-        if (std::strncmp(label, zv::szPendingLabel, std::strlen(zv::szPendingLabel)) != 0) continue;
-        if (std::find(gone.begin(), gone.end(), object) != gone.end()) return CKR_GENERAL_ERROR;
-        gone.push_back(object);
-        return zv::destroyObject(zv::hSession, object);
+bool isPending(const char* label) {
+    return std::strncmp(label, zv::szPendingLabel, std::strlen(zv::szPendingLabel)) == 0;
+}
+
+// Destroys an object with the pending prefix and adds it to those that are gone. One that is found among them was not
+// destroyed, whatever the module said, and would be found without end.
+zv::Visit destroyIfPending(const char* title, CK_OBJECT_HANDLE object, std::vector<CK_OBJECT_HANDLE>& gone) {
+    char label[8193] = {};
+    CK_ATTRIBUTE entry = {CKA_LABEL, label, sizeof label - 1};
+    if (!zv::isTolerated(zv::readTraced(title, zv::hSession, object, {&entry, 1}))) return zv::Visit::GiveUp;
+    if (!isPending(label)) return zv::Visit::GoOn;
+    if (std::find(gone.begin(), gone.end(), object) != gone.end()) return zv::Visit::GiveUp;
+    gone.push_back(object);
+    return zv::destroyObject(zv::hSession, object) == CKR_OK ? zv::Visit::Stop : zv::Visit::GiveUp;
+}
+
+int deleteAllPending() {
+    static constexpr char title[] = " .... DeleteAllPending (Objects) FUN .... ";
+    // The last search stays open.
+    const zv::Search search = {
+        .session = zv::hSession, .log = zv::TRACED, .exits = {.atEnd = zv::Exit::LeftOpen}, .title = title};
+    for (std::vector<CK_OBJECT_HANDLE> gone;;) {
+        const std::size_t before = gone.size();
+        const zv::Walked walked = zv::walk(
+            search, [&gone](CK_OBJECT_HANDLE object) { return destroyIfPending(title, object, gone); });
+        if (!walked.whole()) return DELETION_FAILED;
+        if (gone.size() == before) return 0;
+        // A destroyed object may disturb the search that found it: a new one goes on.
+        if (zv::endSearch(search) != CKR_OK) return DELETION_FAILED;
     }
 }
 
 } // namespace
 
-int DeleteAllPending(void*) try {
-    static char title[] = " .... DeleteAllPending (Objects) FUN .... ";
-    for (std::vector<CK_OBJECT_HANDLE> gone;;) {
-        if (FindObjectsInit(nullptr, title, zv::hSession, nullptr, 0) != CKR_OK) return DELETION_FAILED;
-        zv::SearchGuard search(zv::hSession);
-        const std::size_t before = gone.size();
-        if (destroyNextPending(title, gone) != CKR_OK) return DELETION_FAILED;
-        search.dismiss();
-        // The last search stays open.
-        if (gone.size() == before) return 0;
-        // A destroyed object may disturb the search that found it: a new one goes on.
-        if (FindObjectsFinal(nullptr, title, zv::hSession) != CKR_OK) return DELETION_FAILED;
-    }
-} catch (const std::bad_alloc&) {
-    return DELETION_FAILED;
+int DeleteAllPending(void*) {
+    return zv::guarded(DELETION_FAILED, deleteAllPending);
 }
 
 int DeleteAllPending32(char* library, char* pin, unsigned int slotIndex, void*) {

@@ -5,6 +5,7 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/walk.h"
 #include "util/text.h"
 
 namespace {
@@ -13,9 +14,9 @@ constexpr char PENDING_TITLE[] = " .... CheckPendingKeys FUN           .... ";
 constexpr int PENDING_FAILED = 1;
 constexpr int NO_PENDING_KEY = 100;
 
-int failRead(const char* format) {
+zv::Visit failRead(const char* format) {
     zv::reportFailure(PENDING_TITLE, "C_GetAttributeValue", zv::rv, format);
-    return PENDING_FAILED;
+    return zv::Visit::GiveUp;
 }
 
 void reportNoKey() {
@@ -23,15 +24,15 @@ void reportNoKey() {
 }
 
 // Takes the object's handle when its identifier, which is read into id, contains the pending one.
-int takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
-                  const char* readError) {
+zv::Visit takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
+                        const char* readError) {
     if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return failRead(readError);
     WriteLog(PENDING_TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
-    return 0;
+    return zv::Visit::GoOn;
 }
 
-int examine(CK_OBJECT_HANDLE object) {
+zv::Visit examine(CK_OBJECT_HANDLE object) {
     CK_OBJECT_CLASS objectClass = 0;
     if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK)
         return failRead("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
@@ -39,33 +40,28 @@ int examine(CK_OBJECT_HANDLE object) {
     if (objectClass == CKO_PUBLIC_KEY)
         return takeIfPending(object, zv::hPublicKey, id,
                              "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
-    if (objectClass != CKO_PRIVATE_KEY) return 0;
-    const int result = takeIfPending(object, zv::hPrivateKey, id,
-                                     "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
+    if (objectClass != CKO_PRIVATE_KEY) return zv::Visit::GoOn;
+    const zv::Visit said = takeIfPending(object, zv::hPrivateKey, id,
+                                         "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
     if (zv::hPrivateKey == object) zv::copyText(zv::privateKeyId, id);
-    return result;
+    return said;
 }
 
-int examineAll() {
-    zv::SearchGuard search(zv::hSession);
-    CK_OBJECT_HANDLE object = 0;
-    for (int round = 1;; ++round) {
-        zv::trace(PENDING_TITLE, "C_FindObjects", CatItoA("Volta = ", round));
-        CK_ULONG count = 0;
-        if (zv::nextObject(zv::hSession, object, count) != CKR_OK) {
-            zv::reportFailure(PENDING_TITLE, "C_FindObjects", zv::rv, zv::SEARCH_ERROR);
-            search.dismiss();
-            return PENDING_FAILED;
-        }
-        zv::traceFound(PENDING_TITLE, object, count);
-        if (count != 1) break;
-        if (examine(object) != 0) return PENDING_FAILED;
+void traceStep(const zv::SearchCall& call) {
+    switch (call.step) {
+    case zv::SearchStep::Start:
+        return zv::traceSession(PENDING_TITLE, call.name, call.session);
+    case zv::SearchStep::Next:
+        return zv::trace(PENDING_TITLE, call.name, CatItoA("Volta = ", call.round));
+    case zv::SearchStep::End:
+        return zv::trace(PENDING_TITLE, call.name);
     }
-    search.dismiss();
-    zv::trace(PENDING_TITLE, "C_FindObjectsFinal");
-    if (zv::endSearch(zv::hSession) == CKR_OK) return 0;
-    zv::reportFailure(PENDING_TITLE, "C_FindObjectsFinal", zv::rv, zv::SEARCH_ERROR);
-    return PENDING_FAILED;
+}
+
+void reportStep(const zv::SearchCall& call) {
+    if (call.result != CKR_OK)
+        return zv::reportFailure(PENDING_TITLE, call.name, call.result, zv::SEARCH_ERROR);
+    if (call.step == zv::SearchStep::Next) zv::traceFound(PENDING_TITLE, call.object, call.found);
 }
 
 } // namespace
@@ -74,12 +70,11 @@ int CheckPendingKeys(void*, bool reportMissing) {
     zv::hPrivateKey = 0;
     zv::hPublicKey = 0;
     zv::trace(PENDING_TITLE, "I N I Z I O");
-    zv::traceSession(PENDING_TITLE, "C_FindObjectsInit", zv::hSession);
-    if (zv::startSearch(zv::hSession) != CKR_OK) {
-        zv::reportFailure(PENDING_TITLE, "C_FindObjectsInit", zv::rv, zv::SEARCH_ERROR);
-        return PENDING_FAILED;
-    }
-    if (examineAll() != 0) return PENDING_FAILED;
+    const zv::Walked walked = zv::walk({.session = zv::hSession,
+                                        .log = {traceStep, reportStep},
+                                        .exits = {.whenFindFails = zv::Exit::LeftOpen}},
+                                       examine);
+    if (!walked.whole()) return PENDING_FAILED;
     // The private key alone decides.
     const bool found = zv::hPrivateKey != 0;
     zv::trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));

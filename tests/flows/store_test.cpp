@@ -1,6 +1,6 @@
 // Token objects: searching, deleting, relabelling, markers, censuses and dumps, in a session of the test's own.
-#include "store/objects.h"
 #include "store/renewal_state.h"
+#include "store/walk.h"
 #include "tests/flows/flow.h"
 
 namespace {
@@ -66,7 +66,7 @@ TEST_F(Store, PendingPrefixIsDeletedWithANewSearchEach) {
     EXPECT_EQ(module.calls("C_DestroyObject"), 3u);
     EXPECT_EQ(module.calls("C_FindObjectsInit"), 4u);
     EXPECT_EQ(module.calls("C_FindObjectsFinal"), 3u) << "the last search stays open";
-    zv::endSearch(zv::hSession);
+    zv::endSearch({zv::hSession});
     EXPECT_TRUE(has(log.text(), "**  .... DeleteAllPending (Objects) FUN .... \nC_FindObjectsInit\n"));
     addData("pending_a", "1");
     addData("pending_b", "1");
@@ -93,7 +93,7 @@ TEST_F(Store, PrivateKeyDecidesWhetherAPairIsPending) {
          {"C_FindObjectsInit", "C_FindObjects", "C_GetAttributeValue", "C_FindObjectsFinal"}) {
         module.add_rules(std::string(rule) + ":1:answer:0x30");
         EXPECT_EQ(CheckPendingKeys(nullptr, true), 1) << rule;
-        zv::endSearch(zv::hSession);
+        zv::endSearch({zv::hSession});
     }
 }
 

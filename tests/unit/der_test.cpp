@@ -1,5 +1,6 @@
 #include "request/der.h"
 #include "request/pkcs10.h"
+#include "routines.h"
 
 #include <gtest/gtest.h>
 

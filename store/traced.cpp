@@ -1,0 +1,122 @@
+#include "store/traced.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "card/session.h"
+#include "diag/log.h"
+#include "store/objects.h"
+
+namespace zv {
+
+namespace {
+
+constexpr unsigned long NONE = ~0UL;
+// Most entries of a template whose lengths are checked after a read.
+constexpr std::size_t MOST_ENTRIES = 16;
+
+bool isLonger(const CK_ATTRIBUTE& read, const CK_ULONG& room) {
+    return read.pValue != nullptr && read.ulValueLen > room;
+}
+
+CK_RV readBounded(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::span<CK_ATTRIBUTE> tmpl) {
+    std::array<CK_ULONG, MOST_ENTRIES> room{};
+    const auto checked = tmpl.first(tmpl.data() != nullptr ? std::min(tmpl.size(), room.size()) : 0);
+    std::ranges::transform(checked, room.begin(), &CK_ATTRIBUTE::ulValueLen);
+    const CK_RV result =
+        call<&Functions::C_GetAttributeValue>(session, object, tmpl.data(), CK_ULONG{tmpl.size()});
+    if (result != CKR_OK) return result;
+    for (std::size_t i = 0; i < checked.size(); ++i)
+        if (isLonger(checked[i], room[i])) return CKR_BUFFER_TOO_SMALL;
+    return CKR_OK;
+}
+
+} // namespace
+
+void traceCall(const SearchCall& call) {
+    // The start alone shows the session as an int.
+    if (call.step == SearchStep::Start)
+        trace(call.title, call.name, CatItoAHex1("hSession = ", static_cast<int>(call.session)));
+    else
+        traceSession(call.title, call.name, call.session);
+}
+
+void reportCall(const SearchCall& call) {
+    if (call.result == CKR_OK) return;
+    // A failed start has no entry with the step and the code, unlike the calls behind it.
+    if (call.step != SearchStep::Start) reportCode(call.title, call.name, call.result);
+    reportSentence(SEARCH_ERROR, call.result);
+}
+
+CK_RV readTraced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
+                 std::span<CK_ATTRIBUTE> tmpl) {
+    static constexpr char STEP[] = "C_GetAttributeValue";
+    traceSession(title, STEP, session);
+    rv = readBounded(session, object, tmpl);
+    if (rv != CKR_OK) reportFailure(title, STEP, rv, "Errore nella lettura chiave sulla smartcard (%s)");
+    return rv;
+}
+
+unsigned long findOne(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object,
+                      bool& none) {
+    static constexpr char TITLE[] = " .... FindAnObject FUN               .... ";
+    static constexpr auto traceLong = [](const SearchCall& call) {
+        traceSession(call.title, call.name, call.session);
+    };
+    unsigned long result = NONE;
+    const Search search = {.session = session,
+                           .tmpl = tmpl,
+                           .most = FIRST_OBJECT,
+                           .log = {traceLong, reportCall},
+                           .exits = ALWAYS_ENDED,
+                           .title = TITLE};
+    bool found = false;
+    const Walked walked = walk(search, [&](CK_OBJECT_HANDLE first) {
+        found = true;
+        object = first;
+        CK_OBJECT_CLASS objectClass = 0;
+        CK_ATTRIBUTE entry = attributeOf(CKA_CLASS, objectClass);
+        result = readTraced(TITLE, session, first, {&entry, 1});
+        return Visit::Stop;
+    });
+    none = walked.whole() && !found;
+    // A search that cannot be closed found nothing.
+    if (walked.how == Walked::End::NotEnded) return NONE;
+    return walked.whole() ? result : walked.code;
+}
+
+} // namespace zv
+
+CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count) {
+    return zv::startSearch({.session = session, .tmpl = {tmpl, count}, .log = zv::TRACED, .title = title});
+}
+
+CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long maxCount,
+                  unsigned long* found) {
+    zv::SearchCall made = {zv::SearchStep::Next, "C_FindObjects", title, session, 1};
+    zv::traceCall(made);
+    zv::rv = zv::call<&zv::Functions::C_FindObjects>(session, handles, maxCount, found);
+    if (zv::rv == CKR_OK) zv::rv = zv::checkFound(*found, maxCount);
+    made.result = zv::rv;
+    zv::reportCall(made);
+    return zv::rv;
+}
+
+CK_RV FindObjectsFinal(void*, char* title, unsigned long session) {
+    return zv::endSearch({.session = session, .log = zv::TRACED, .title = title});
+}
+
+CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object, CK_ATTRIBUTE* tmpl,
+                        unsigned long count) {
+    return zv::readTraced(title, session, object, {tmpl, count});
+}
+
+unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
+                           unsigned long* object) {
+    bool none = false;
+    CK_OBJECT_HANDLE first = 0;
+    const unsigned long result = zv::findOne(session, {tmpl, count}, first, none);
+    if (object != nullptr && first != 0) *object = first;
+    return result;
+}

@@ -1,0 +1,117 @@
+#ifndef ZV_STORE_WALK_H
+#define ZV_STORE_WALK_H
+
+#include <span>
+
+#include "pkcs11.h"
+
+/**
+ * The one walk over the card's objects. Which objects, what the log is told and which ends leave the search open
+ * stand in its Search; what is read of an object and what a failed read does, in the function that visits it.
+ */
+namespace zv {
+
+inline constexpr char SEARCH_ERROR[] = "Errore nella ricerca degli oggetti presenti sulla smartcard (%s)";
+
+enum class SearchStep { Start, Next, End };
+
+/** A call of a search, as the log is told of it. */
+struct SearchCall {
+    SearchStep step;
+    const char* name; ///< of the PKCS#11 function
+    const char* title;
+    CK_SESSION_HANDLE session;
+    int round;                   ///< which call of its step, from 1
+    CK_RV result = CKR_OK;       ///< known afterwards, as all below
+    CK_OBJECT_HANDLE object = 0; ///< the last one, when none was found
+    CK_ULONG found = 0;
+};
+
+/** What a routine logs before each call of its search, and afterwards. */
+struct SearchLog {
+    using Hook = void (*)(const SearchCall&);
+    Hook before = [](const SearchCall&) {};
+    Hook after = [](const SearchCall&) {};
+};
+
+/** What becomes of a search: ended with a call of its own, logged and checked as the others; closed in silence, with
+ * zv::rv left alone; left open. */
+enum class Exit { Ended, Closed, LeftOpen };
+
+struct Exits {
+    Exit whenFindFails = Exit::Closed;
+    Exit whenGivenUp = Exit::Closed; ///< also when the visit throws
+    Exit atEnd = Exit::Ended;
+};
+
+inline constexpr Exits ALWAYS_ENDED = {Exit::Ended, Exit::Ended, Exit::Ended};
+inline constexpr Exits ALWAYS_LEFT_OPEN = {Exit::LeftOpen, Exit::LeftOpen, Exit::LeftOpen};
+
+constexpr CK_ULONG EVERY_OBJECT = ~0UL;
+constexpr CK_ULONG FIRST_OBJECT = 1;
+
+struct Search {
+    CK_SESSION_HANDLE session;
+    std::span<CK_ATTRIBUTE> tmpl = {}; ///< none: all objects of the card
+    CK_ULONG most = EVERY_OBJECT;      ///< no more than so many are asked for
+    SearchLog log = {};                ///< nothing, by default
+    Exits exits = {};
+    const char* title = ""; ///< for the log
+};
+
+/** How a walk ended, and the result of the call that ended it. zv::rv is that of the last call but a closing one. */
+struct Walked {
+    enum class End { Whole, NotStarted, FindFailed, GivenUp, NotEnded } how = End::Whole;
+    CK_RV code = CKR_OK;
+    [[nodiscard]] bool whole() const { return how == End::Whole; }
+};
+
+/** Looks at what a call found: more than it asked for is CKR_GENERAL_ERROR. */
+[[nodiscard]] CK_RV checkFound(CK_ULONG found, CK_ULONG asked);
+
+/** The calls of one search; walk drives them. */
+class OpenSearch {
+  public:
+    explicit OpenSearch(const Search& search);
+    OpenSearch(const OpenSearch&) = delete;
+    OpenSearch& operator=(const OpenSearch&) = delete;
+    ~OpenSearch();
+
+    /** Asks for the object behind the last one; false when none is left, enough were given or a call failed. */
+    [[nodiscard]] bool next(CK_OBJECT_HANDLE& object);
+    Walked giveUp();
+    Walked end();
+
+  private:
+    void leave(Exit exit);
+
+    const Search& search_;
+    bool open_;
+    int given_ = 0;
+    Walked walked_;
+};
+
+/** What a visit says of the walk: Stop ends it as the last object does. */
+enum class Visit { GoOn, Stop, GiveUp };
+
+/** Visits the objects that a search finds, one after the other. */
+template <typename Visitor> Walked walk(const Search& search, Visitor visit) {
+    OpenSearch open(search);
+    for (CK_OBJECT_HANDLE object = 0; open.next(object);) {
+        const Visit said = visit(object);
+        if (said == Visit::GiveUp) return open.giveUp();
+        if (said == Visit::Stop) break;
+    }
+    return open.end();
+}
+
+/** Starts a search, without a walk; endSearch ends it. Both are logged, leave their result in zv::rv and return it. */
+CK_RV startSearch(const Search& search);
+CK_RV endSearch(const Search& search);
+
+/** Ends whatever search is open, in silence; leaves zv::rv alone. */
+void closeSearch(CK_SESSION_HANDLE session);
+
+} // namespace zv
+
+#endif
