@@ -17,25 +17,19 @@ void traceModule(const char* prefix) {
     clear(szBuffErr);
 }
 
-int fail(const char* line, int code) {
-    scriviLog(szBuffErr);
-    scriviLog(line);
-    return code;
-}
-
-int failWith(const char* text, const char* line, int code) {
-    copyText(szBuffErr, text);
-    return fail(line, code);
-}
-
 void fetchReason() {
     kvLastError(szBuffErr, sizeof szBuffErr);
     szBuffErr[sizeof szBuffErr - 1] = '\0';
 }
 
-int failWithReason(const char* line, int code) {
-    fetchReason();
-    return fail(line, code);
+int fail(const char* line, int code, const char* text) {
+    if (text != nullptr)
+        copyText(szBuffErr, text);
+    else
+        fetchReason();
+    scriviLog(szBuffErr);
+    scriviLog(line);
+    return code;
 }
 
 void traceEntry(const char* function, const char* after) {
@@ -60,7 +54,11 @@ int runCommand(const char* command, const BlockValues& values) {
 }
 
 int failCommand(int code) {
-    return failWith("Errore nella mininfo", "Funzione miExecCmd() error!", code);
+    return fail("Funzione miExecCmd() error!", code, "Errore nella mininfo");
+}
+
+int commandWithoutMemory() {
+    return failCommand(ZV_UNUSABLE);
 }
 
 } // namespace zv

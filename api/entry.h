@@ -10,17 +10,11 @@ namespace zv {
 /** Formats the selected module's path after prefix, logs it and clears szBuffErr again. */
 void traceModule(const char* prefix);
 
-/** Logs szBuffErr, then the line. Returns code. */
-int fail(const char* line, int code);
-
 /** Puts the crypto library's last reason into szBuffErr. */
 void fetchReason();
 
-/** Puts a text into szBuffErr, then as fail. */
-int failWith(const char* text, const char* line, int code);
-
-/** fetchReason, then fail. */
-int failWithReason(const char* line, int code);
+/** Puts a text into szBuffErr, the crypto library's last reason when none is given; logs it, then the line. Returns code. */
+int fail(const char* line, int code, const char* text = nullptr);
 
 /** Logs "Funzione '", the entry point's name and after. */
 void traceEntry(const char* function, const char* after);
@@ -33,6 +27,9 @@ void traceEntry(const char* function, const char* after);
 
 /** Ends a call whose command was not sent or failed. Returns code. */
 int failCommand(int code);
+
+/** failCommand for one that there was no memory for. */
+int commandWithoutMemory();
 
 } // namespace zv
 

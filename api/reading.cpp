@@ -8,6 +8,7 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -80,14 +81,14 @@ int readInventory(const Reading& reading, char* pin, const char* card, const cha
     };
     int code = openSession(reading, pin);
     if (code != 0) {
-        zv::failWithReason(line("(int)__Initialize()", " error!").data(), code);
+        zv::fail(line("(int)__Initialize()", " error!").data(), code);
         finalizza();
         return code;
     }
     scriviLog(line("(int)__Initialize()", " completata con successo!").data());
     code = inventory();
     finalizza();
-    if (code != 0) return zv::failWithReason(line(routine, " error!").data(), code);
+    if (code != 0) return zv::fail(line(routine, " error!").data(), code);
     scriviLog(line(routine, " completata con successo").data());
     return 0;
 }
@@ -164,28 +165,47 @@ int read(Reading& reading, char* reader, char* pin) {
     return readServicesCard(reading, pin);
 }
 
+int closeUnusable() {
+    finalizza();
+    return ZV_UNUSABLE;
+}
+
+int readAll(Reading& reading, char* reader, char* pin, const char* moduleDir) {
+    for (int* flag : {reading.pendingCNS, reading.pendingPRA, reading.pendingAUT})
+        *flag = 0;
+    clearState();
+    for (const char* line : {"zvRenew", ZV_VERSION, DASHES_34, "Funzione 'rinnovo_Card_readCerts': INIZIO"})
+        scriviLog(line);
+    zv::copyText(zv::pwd, zv::orEmpty(moduleDir));
+    scriviLog(zv::pwd);
+    if (const int code = read(reading, reader, pin)) return code;
+    traceSummary(reading);
+    scriviLog("Funzione 'rinnovo_Card_readCerts' correttamente Eseguita!");
+    return 0;
+}
+
 int findFree(char* reader, char* pin, char* keyPRA, char* keyAUT) {
     static constexpr char DETECTION_FAILED[] = "Funzione CheckSmartCard() error!";
     bool touchSign = false;
     int code = CheckSmartCard(touchSign, reader);
-    if (code == ZV_UNSUPPORTED) return zv::failWith(NOT_SUPPORTED, DETECTION_FAILED, code);
-    if (code != 0) return zv::failWithReason(DETECTION_FAILED, code);
+    if (code == ZV_UNSUPPORTED) return zv::fail(DETECTION_FAILED, code, NOT_SUPPORTED);
+    if (code != 0) return zv::fail(DETECTION_FAILED, code);
     code = static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));
     if (code != 0) {
-        zv::failWithReason("Funzione (int)__Initialize() error!", code);
+        zv::fail("Funzione (int)__Initialize() error!", code);
         finalizza();
         return code;
     }
     code = findFreeCKAID(keyPRA, keyAUT, touchSign);
     finalizza();
-    return code == 0 ? 0 : zv::failWithReason("Funzione findFreeCKAID() error!", code);
+    return code == 0 ? 0 : zv::fail("Funzione findFreeCKAID() error!", code);
 }
 
 } // namespace
 
 int rinnovo_Card_readCerts(char* reader, char* pin, int, char** listCNS, char** listPRA, char** listAUT,
                            int* pendingCNS, int* pendingPRA, int* pendingAUT, char* keyPRA, char* keyAUT,
-                           char*, const char* moduleDir) try {
+                           char*, const char* moduleDir) {
     int flags[3] = {};
     char keys[2][ZV_KEY_ID_SIZE] = {}, noPin[] = "";
     Reading reading = {listCNS,
@@ -196,20 +216,8 @@ int rinnovo_Card_readCerts(char* reader, char* pin, int, char** listCNS, char** 
                        pendingAUT != nullptr ? pendingAUT : &flags[2],
                        keyPRA != nullptr ? keyPRA : keys[0],
                        keyAUT != nullptr ? keyAUT : keys[1]};
-    for (int* flag : {reading.pendingCNS, reading.pendingPRA, reading.pendingAUT})
-        *flag = 0;
-    clearState();
-    for (const char* line : {"zvRenew", ZV_VERSION, DASHES_34, "Funzione 'rinnovo_Card_readCerts': INIZIO"})
-        scriviLog(line);
-    zv::copyText(zv::pwd, zv::orEmpty(moduleDir));
-    scriviLog(zv::pwd);
-    if (const int code = read(reading, reader, pin != nullptr ? pin : noPin)) return code;
-    traceSummary(reading);
-    scriviLog("Funzione 'rinnovo_Card_readCerts' correttamente Eseguita!");
-    return 0;
-} catch (const std::exception&) {
-    finalizza();
-    return ZV_UNUSABLE;
+    return zv::guarded(closeUnusable,
+                       [&] { return readAll(reading, reader, pin != nullptr ? pin : noPin, moduleDir); });
 }
 
 int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, char* keyAUT) {

@@ -10,6 +10,7 @@
 #include "api/request_files.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -41,8 +42,8 @@ int makeRequest(const Request& request) {
     return 0;
 }
 
-int failRequestFile() {
-    return zv::failWith("Primo File temporaneo non trovato", "Funzione fopen() error!", ZV_UNSUPPORTED);
+int lostRequestFile() {
+    return zv::fail("Funzione fopen() error!", ZV_UNSUPPORTED, "Primo File temporaneo non trovato");
 }
 
 // The crypto library's own session signs the file with the key in use.
@@ -50,20 +51,20 @@ int signRequest(const Request& request, const zv::RequestFile& file) {
     kvFinalize();
     int code = kvInitialize(zv::Libreria, zv::slot);
     if (code == 0) code = kvLogin(request.pin);
-    if (code != 0) return zv::failWithReason("Funzione DoInitialize() error!", code);
+    if (code != 0) return zv::fail("Funzione DoInitialize() error!", code);
     char line[320] = "Richiesta firma con chiave CKA_ID: ";
     zv::appendText(line, request.keyId);
     scriviLog(line);
     const bool oursBefore = file.isOurs();
     code = oursBefore ? kvSignFile(request.keyId, "SHA256", zv::REQUEST_FILE, zv::SIGNED_FILE) : 0;
-    if (code != 0) return zv::failWithReason("Funzione kvSignFile() error!", code);
+    if (code != 0) return zv::fail("Funzione kvSignFile() error!", code);
     if (!oursBefore || !file.isOurs()) {
         kvFinalize();
-        return failRequestFile();
+        return lostRequestFile();
     }
     scriviLog("Funzione 'kvSignFile()' completata con successo");
     code = kvFinalize();
-    return code == 0 ? 0 : zv::failWithReason("Funzione DoFinalize() error!", code);
+    return code == 0 ? 0 : zv::fail("Funzione DoFinalize() error!", code);
 }
 
 int readBase64(char (&result)[ZV_REQUEST_SIZE]) {
@@ -71,14 +72,14 @@ int readBase64(char (&result)[ZV_REQUEST_SIZE]) {
     zv::copyText(from, zv::SIGNED_FILE);
     zv::copyText(to, zv::BASE64_FILE);
     if (const int code = kvFileToBase64(from, to, "e"))
-        return zv::failWithReason("Funzione kvFileToBase64() error!", code);
+        return zv::fail("Funzione kvFileToBase64() error!", code);
     const int descriptor = zv::openBase64();
     if (descriptor < 0)
-        return zv::failWith("File appoggio B64 non trovato", "Funzione fopen() error!", ZV_UNSUPPORTED);
+        return zv::fail("Funzione fopen() error!", ZV_UNSUPPORTED, "File appoggio B64 non trovato");
     const std::size_t length = zv::readAll(descriptor, result, sizeof result - 1);
     ::close(descriptor);
     if (length == 0)
-        return zv::failWith("Errore nella lettura file B64", "Funzione fread() error!", ZV_UNSUPPORTED);
+        return zv::fail("Funzione fread() error!", ZV_UNSUPPORTED, "Errore nella lettura file B64");
     return 0;
 }
 
@@ -93,11 +94,11 @@ int createRequest(const Request& request, char* requestOut) {
     if (const int code = makeRequest(request)) return code;
 
     zv::RequestFile file;
-    if (!file.create(zv::szBufferDatiOut)) return failRequestFile();
+    if (!file.create(zv::szBufferDatiOut)) return lostRequestFile();
     if (const int code = signRequest(request, file)) return code;
     if (const int code = readBase64(result)) return code;
     // The signed file is ours only if nobody took the request's name since.
-    if (!file.isOurs()) return failRequestFile();
+    if (!file.isOurs()) return lostRequestFile();
     char line[128] = "OUTPUT dalla funzione '";
     zv::appendText(line, request.function);
     zv::appendText(line, "':");
@@ -111,15 +112,19 @@ int createRequest(const Request& request, char* requestOut) {
 }
 
 int create(const char* function, const char* kind, char* requestOut, const char* pendingLabel, char* pin,
-           char* keyId, const char* dn, bool keepFlag) try {
-    std::string label = zv::orEmpty(pendingLabel);
-    char none[] = "";
-    const Request request = {
-        function,        kind,    label.data(), pin != nullptr ? pin : none, keyId != nullptr ? keyId : none,
-        zv::orEmpty(dn), keepFlag};
-    return createRequest(request, requestOut);
-} catch (const std::exception&) {
-    return zv::failCommand(ZV_UNUSABLE);
+           char* keyId, const char* dn, bool keepFlag) {
+    return zv::guarded(zv::commandWithoutMemory, [&] {
+        std::string label = zv::orEmpty(pendingLabel);
+        char none[] = "";
+        const Request request = {function,
+                                 kind,
+                                 label.data(),
+                                 pin != nullptr ? pin : none,
+                                 keyId != nullptr ? keyId : none,
+                                 zv::orEmpty(dn),
+                                 keepFlag};
+        return createRequest(request, requestOut);
+    });
 }
 
 } // namespace

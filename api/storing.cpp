@@ -6,6 +6,7 @@
 #include "api/guards.h"
 #include "api/lines.h"
 #include "api/state.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 namespace {
@@ -57,14 +58,14 @@ void settleLabel(char* certLabel, const char* first) {
     if (certLabel[0] == '\0') std::strcpy(certLabel, first);
 }
 
-int save(Storing&& storing, const char* firstLabel, bool mayBeCNS, const char* certChain) try {
-    begin(storing);
-    settleLabel(storing.certLabel, firstLabel);
-    if (mayBeCNS && std::strcmp(storing.certLabel, "CNS0") == 0) storing.kind = "CNS";
-    storing.certificate = withoutLineBreaks(certChain);
-    return finish(storing, store(storing));
-} catch (const std::exception&) {
-    return zv::failCommand(ZV_UNUSABLE);
+int save(Storing&& storing, const char* firstLabel, bool mayBeCNS, const char* certChain) {
+    return zv::guarded(zv::commandWithoutMemory, [&] {
+        begin(storing);
+        settleLabel(storing.certLabel, firstLabel);
+        if (mayBeCNS && std::strcmp(storing.certLabel, "CNS0") == 0) storing.kind = "CNS";
+        storing.certificate = withoutLineBreaks(certChain);
+        return finish(storing, store(storing));
+    });
 }
 
 } // namespace

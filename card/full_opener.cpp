@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "diag/messages.h"
 #include "util/text.h"
@@ -15,56 +16,44 @@
 namespace {
 
 constexpr char FULL_TITLE[] = " .... Inizializza FUN                .... ";
-constexpr int FAILED = 1;
 constexpr int WRONG_PIN = 2;
 
-using zv::reportSentence;
 using zv::rv;
 
-void formatMessage(const char* format, const char* text) {
-    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, zv::orEmpty(text));
+int failed(const char* step, const char* format) {
+    return zv::Failure(FULL_TITLE).step(step, rv).sentence(format, rv).user(format, zv::errorMessage(rv));
 }
 
-// The step and the sentence go to the log, the sentence to the user.
-int fail(const char* step, const char* format) {
-    zv::reportFailure(FULL_TITLE, step, rv, format);
-    formatMessage(format, zv::errorMessage(rv));
-    return FAILED;
-}
-
-int failLoading() {
+int loadingFailed() {
     static constexpr char FORMAT[] =
         "Errore nel caricamento della libreria di gestione della smartcard\n (error %s)";
     zv::Sentence sentence;
     (void)std::snprintf(sentence, sizeof sentence, FORMAT, zv::orEmpty(::dlerror()));
-    // The loader's text can be asked for once: the user's message has none.
-    formatMessage(FORMAT, ::dlerror());
     WriteErr(FULL_TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);
-    reportSentence(sentence);
-    return FAILED;
+    // The loader's text can be asked for once: the user's message has none.
+    return zv::Failure(FULL_TITLE).user(FORMAT, ::dlerror()).sentence(sentence);
 }
 
-int failFunctions() {
+int noFunctions() {
     if (::dlsym(zv::hModule, "C_GetFunctionList") != nullptr)
-        return fail("pC_GetFunctionList",
-                    "Errore nella lista delle funzioni dalla libreria di gestione della smartcard (%s)");
+        return failed("pC_GetFunctionList",
+                      "Errore nella lista delle funzioni dalla libreria di gestione della smartcard (%s)");
     // Nothing is logged for a missing function, and its reason is used up before the user's message is made.
     ::dlerror();
-    formatMessage(
-        "Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
-        ::dlerror());
-    return FAILED;
+    return zv::Failure(FULL_TITLE)
+        .user("Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error %s)",
+              ::dlerror());
 }
 
 int loadModule(const char* path) {
     zv::hModule = zv::openModule(path);
-    if (zv::hModule == nullptr) return failLoading();
-    if (!zv::takeFunctionList()) return failFunctions();
+    if (zv::hModule == nullptr) return loadingFailed();
+    if (!zv::takeFunctionList()) return noFunctions();
     zv::trace(FULL_TITLE, "C_Initialize");
     rv = zv::call<&zv::Functions::C_Initialize>(nullptr);
     if (rv != CKR_OK)
-        return fail("C_Initialize",
-                    "Errore nella inizializzazione della libreria di gestione della smartcard (%s)");
+        return failed("C_Initialize",
+                      "Errore nella inizializzazione della libreria di gestione della smartcard (%s)");
     return 0;
 }
 
@@ -119,7 +108,7 @@ int findSlot(unsigned slotIndex) {
         return 0;
     }
     if (commandSlot && result == CKR_SLOT_ID_INVALID) zv::reportNotSent(zv::OTHER_SLOT);
-    return fail("C_GetSlotList", "Errore nella ricerca slots (%s)");
+    return failed("C_GetSlotList", "Errore nella ricerca slots (%s)");
 }
 
 int open() {
@@ -127,12 +116,12 @@ int open() {
     zv::trace(FULL_TITLE, "C_OpenSession", CatItoA("SlotID = ", static_cast<int>(zv::slotID)));
     rv = zv::openSession(zv::slotID);
     if (rv == CKR_OK) return 0;
-    if (rv != CKR_TOKEN_NOT_PRESENT) return fail("C_OpenSession", FORMAT);
-    zv::reportCode(FULL_TITLE, "C_OpenSession", rv);
-    reportSentence("Errore aprendo la sessione con la smartcard.\r\n"
-                   "Introdurre correttamente la smartcard nel lettore e riprovare");
-    formatMessage(FORMAT, zv::errorMessage(rv));
-    return FAILED;
+    if (rv != CKR_TOKEN_NOT_PRESENT) return failed("C_OpenSession", FORMAT);
+    return zv::Failure(FULL_TITLE)
+        .step("C_OpenSession", rv)
+        .sentence("Errore aprendo la sessione con la smartcard.\r\n"
+                  "Introdurre correttamente la smartcard nel lettore e riprovare")
+        .user(FORMAT, zv::errorMessage(rv));
 }
 
 int logIn(const char* pin, int userType) {
@@ -141,7 +130,7 @@ int logIn(const char* pin, int userType) {
     rv = zv::login(static_cast<CK_USER_TYPE>(userType), pin);
     // Worded by the caller.
     if (rv == CKR_PIN_INCORRECT) return WRONG_PIN;
-    return rv == CKR_OK ? 0 : fail("C_Login", "Errore nel login alla smartcard (%s)");
+    return rv == CKR_OK ? 0 : failed("C_Login", "Errore nel login alla smartcard (%s)");
 }
 
 } // namespace

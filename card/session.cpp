@@ -6,8 +6,6 @@
 
 #include "diag/log.h"
 
-char szSockMsg[512];
-
 namespace zv {
 
 void* hModule = nullptr;

@@ -1,5 +1,6 @@
 // Identifier and label of the pending pair: the final ones on storing, the pending ones back after a failure.
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
@@ -8,7 +9,6 @@
 
 namespace {
 
-constexpr int RELABEL_FAILED = 1;
 constexpr std::size_t MOST_LABEL = 255;
 constexpr char CHANGE_TITLE[] = " .... ChangeValueObject FUN          .... ";
 constexpr char RECHANGE_TITLE[] = " .... RechangeValueObject FUN        .... ";
@@ -46,9 +46,9 @@ int ChangeValueObject(void*, char* newId) {
         zv::trace(CHANGE_TITLE, "F I N E");
         return 0;
     }
-    zv::reportFailure(CHANGE_TITLE, "C_SetAttributeValue", result,
-                      "Errore modifica LABEL/ID oggetti presenti su smartcard (%s)");
-    return RELABEL_FAILED;
+    return zv::Failure(CHANGE_TITLE)
+        .step("C_SetAttributeValue", result)
+        .sentence("Errore modifica LABEL/ID oggetti presenti su smartcard (%s)", result);
 }
 
 int RechangeValueObject(void*, const char* currentLabel, char* newText) {
@@ -63,7 +63,7 @@ int RechangeValueObject(void*, const char* currentLabel, char* newText) {
         .exits = {.whenFindFails = zv::Exit::LeftOpen, .whenGivenUp = zv::Exit::LeftOpen}};
     const zv::Walked walked =
         zv::walk(search, [text](CK_OBJECT_HANDLE object) { return relabel(object, text); });
-    if (!walked.whole()) return RELABEL_FAILED;
+    if (!walked.whole()) return ZV_FAILED;
     zv::trace(RECHANGE_TITLE, "F I N E", CatSZtoSZ("Label = ", newText));
     return 0;
 }

@@ -1,4 +1,5 @@
 // MemorizzazioneCertificato: from the issued certificate's text to the certificate on the card.
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "install/modules.h"
 #include "store/renewal_state.h"
@@ -7,16 +8,10 @@
 namespace {
 
 constexpr char STORE_TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
-constexpr int STORE_FAILED = 1;
 constexpr int EXPLANATION_SIZE = 512;
 
 // Modules that do not let a key be relabelled.
 constexpr const char* NOT_RELABELLED[] = {"incryptoki2", "bit4ipki", "bit4hipki", "cnspkcs11"};
-
-int failStep(const char* step, int code) {
-    zv::reportCode(STORE_TITLE, step, static_cast<CK_RV>(code));
-    return STORE_FAILED;
-}
 
 int readCertificate(char* certText, datiCert& certificate) {
     char text[ZVC_CERT_TEXT_SIZE] = {};
@@ -27,9 +22,9 @@ int readCertificate(char* certText, datiCert& certificate) {
     const int code = SplitCert(text, &certificate, explanation, EXPLANATION_SIZE);
     if (code == 0) return 0;
     zv::trace(explanation, CatLtoAHex1("Errore = ", code));
-    failStep("SplitCert", code);
-    zv::reportSentence("Errore nella scansione del certificato da memorizzare sulla smartcard");
-    return STORE_FAILED;
+    return zv::Failure(STORE_TITLE)
+        .step("SplitCert", code)
+        .sentence("Errore nella scansione del certificato da memorizzare sulla smartcard");
 }
 
 } // namespace
@@ -37,19 +32,20 @@ int readCertificate(char* certText, datiCert& certificate) {
 int MemorizzazioneCertificato(void*, char* certText, char* pkcs11Library, char*) {
     zv::trace(STORE_TITLE, "I N I Z I O");
     datiCert certificate{};
-    if (readCertificate(certText, certificate) != 0) return STORE_FAILED;
+    if (readCertificate(certText, certificate) != 0) return ZV_FAILED;
 
     zv::trace(STORE_TITLE, "CheckPendingKeys");
-    if (const int missing = CheckPendingKeys(nullptr, true)) return failStep("CheckPendingKeys", missing);
+    if (const int missing = CheckPendingKeys(nullptr, true))
+        return zv::Failure(STORE_TITLE).step("CheckPendingKeys", missing);
 
     zv::trace(STORE_TITLE, "ChangeValueObject");
     if (!zv::moduleNamed(pkcs11Library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)
-        return failStep("ChangeValueObject", STORE_FAILED);
+        return zv::Failure(STORE_TITLE).step("ChangeValueObject", ZV_FAILED);
 
     zv::trace(STORE_TITLE, "InstallUserCertificate");
     if (InstallUserCertificate(nullptr, &certificate, certificate.derLength, zv::certAlias, pkcs11Library) !=
         0)
-        return failStep("InstallUserCertificate", STORE_FAILED);
+        return zv::Failure(STORE_TITLE).step("InstallUserCertificate", ZV_FAILED);
     zv::trace(STORE_TITLE, "F I N E");
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "diag/messages.h"
 #include "install/certificate_object.h"
@@ -13,16 +14,15 @@
 namespace {
 
 constexpr char USER_TITLE[] = " .... InstallUserCertificate FUN     .... ";
-constexpr int USER_FAILED = 1;
 constexpr std::size_t MODULUS_SIZE = 256;
 
 // Modules whose keys were never relabelled, or must not be again.
 constexpr const char* KEPT_LABELS[] = {"incryptoki2", "libbit4xpki.dylib", "cnspkcs11"};
 
-int fail(char* label, char* module, const char* sentence) {
+// The pair gets its pending identifier back.
+int undone(char* label, char* module, const char* sentence) {
     if (!zv::moduleNamed(module, KEPT_LABELS)) RechangeValueObject(nullptr, label, zv::pendingLabel);
-    zv::reportSentence(sentence);
-    return USER_FAILED;
+    return zv::Failure(USER_TITLE).sentence(sentence);
 }
 
 // One pass without going back: a byte that differs starts the count anew and is not tried as a start itself.
@@ -52,28 +52,28 @@ Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
 int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char* label, char* pkcs11Library) {
     zv::trace(USER_TITLE, "I N I Z I O");
     zv::traceSession(USER_TITLE, "C_GetAttributeValue", zv::hSession);
-    if (cert == nullptr) return USER_FAILED;
+    if (cert == nullptr) return ZV_FAILED;
     derLength = std::min<unsigned long>(derLength, sizeof cert->der);
     switch (matchPendingKey(*cert, derLength)) {
     case Match::Yes:
         break;
     case Match::Unreadable:
-        return fail(label, pkcs11Library, "");
+        return undone(label, pkcs11Library, "");
     case Match::No:
         WriteErr(USER_TITLE, "C_CreateObject", 0,
                  "Certificato non corrispondente alle chiavi presenti sulla smartcard", 0);
-        return fail(label, pkcs11Library,
-                    "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
+        return undone(label, pkcs11Library,
+                      "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }
     zv::CertificateParts parts;
-    if (parts.read(USER_TITLE, *cert, derLength) != 0) return fail(label, pkcs11Library, "");
+    if (parts.read(USER_TITLE, *cert, derLength) != 0) return undone(label, pkcs11Library, "");
     parts.trimSerial();
     if (zv::createCertificate(USER_TITLE, *cert, derLength, label, parts) != CKR_OK) {
         zv::Sentence sentence;
         (void)std::snprintf(sentence, sizeof sentence,
                             "Certificato non memorizzato correttamente sulla smartcard (%s)",
                             zv::errorMessage(zv::rv));
-        return fail(label, pkcs11Library, sentence);
+        return undone(label, pkcs11Library, sentence);
     }
     zv::trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.

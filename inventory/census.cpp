@@ -12,7 +12,6 @@
 namespace {
 
 constexpr char TITLE[] = " .... FindAllObjects FUN             .... ";
-constexpr int FAILED = 1;
 constexpr std::size_t TEXT_SIZE = 1536;
 
 struct Description {
@@ -148,7 +147,7 @@ int FindAllObjects(unsigned long, char* text) {
             addLine(text, seen.describe());
             return zv::Visit::GoOn;
         });
-    if (!walked.whole()) return FAILED;
+    if (!walked.whole()) return ZV_FAILED;
     const int code = summary(objects, pendingKeys);
     zv::trace(TITLE, "F I N E", CatItoAHex1("Ret Code = ", code));
     return code;

@@ -19,8 +19,7 @@ namespace {
 
 constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 constexpr std::size_t CENSUS_SIZE = 1536;
-constexpr int CENSUS_FAILED = 1, PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
-constexpr int NOT_DISCARDED = 1;
+constexpr int PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
 
 int takeCensus() {
     char census[CENSUS_SIZE] = {};
@@ -52,7 +51,7 @@ bool mayDiscard(unsigned slotIndex) {
 void discardPending(char* modulePath, char* pin) {
     const auto slotIndex = static_cast<unsigned>(zv::slotUtente);
     const int result =
-        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : NOT_DISCARDED;
+        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : ZV_FAILED;
     if (result == 0) return;
     zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();
@@ -60,7 +59,7 @@ void discardPending(char* modulePath, char* pin) {
 
 // Whatever becomes of it, the request goes on; without a session the builder fails and says so.
 void actOnCensus(int code, char* modulePath, char* pin) {
-    if (code == CENSUS_FAILED) {
+    if (code == ZV_FAILED) {
         finalizza();
         zv::reportCode(DISPATCH_TITLE, "FindObjects", static_cast<CK_RV>(code));
     } else if ((code == PENDING_AND_FEW || code == PENDING_AND_MORE) && zv::cKeepKeys == 'D') {

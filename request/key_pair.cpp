@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
@@ -72,14 +73,16 @@ CK_RV generateOnce(const char* modulePath) {
 // A login that succeeds ends the request, one that fails leads to the second try: deliberate.
 unsigned short generateAgain(const LoginData& login) {
     rv = static_cast<CK_RV>(reopenSession(login));
-    if (rv == 0) {
-        reportFailure(REQUEST_TITLE, "C_Login", rv, "Generazione chiavi fallita error inizializza (%s)");
-        return failRequest("Errore nella generazione delle chiavi sulla smartcard (error inizializza %lx)",
-                           rv);
-    }
+    if (rv == 0)
+        return Failure(REQUEST_TITLE)
+            .step("C_Login", rv)
+            .sentence("Generazione chiavi fallita error inizializza (%s)", rv)
+            .user("Errore nella generazione delle chiavi sulla smartcard (error inizializza %lx)", rv);
     if (generateOnce(login.modulePath) == CKR_OK) return 0;
-    reportFailure(REQUEST_TITLE, STEP, rv, "Generazione chiavi fallita (%s)");
-    return failRequest(GENERATION_ERROR, rv);
+    return Failure(REQUEST_TITLE)
+        .step(STEP, rv)
+        .sentence("Generazione chiavi fallita (%s)", rv)
+        .user(GENERATION_ERROR, rv);
 }
 
 } // namespace
@@ -89,11 +92,8 @@ unsigned short generateKeyPair(const LoginData& login) {
     if (generateOnce(login.modulePath) == CKR_OK) return 0;
     reportCode(REQUEST_TITLE, STEP, rv);
     if (rv == CKR_USER_NOT_LOGGED_IN) return generateAgain(login);
-    for (const auto& [code, sentence] : REFUSALS) {
-        if (rv != code) continue;
-        reportSentence(sentence);
-        return failRequest(GENERATION_ERROR, rv);
-    }
+    for (const auto& [code, sentence] : REFUSALS)
+        if (rv == code) return Failure(REQUEST_TITLE).sentence(sentence).user(GENERATION_ERROR, rv);
     return 0;
 }
 

@@ -10,7 +10,7 @@ extern unsigned long keySize;
 
 /**
  * Has the card generate a pair under the pending label; hPublicKey and hPrivateKey are its handles. Returns
- * 0, also after a code that is not known to mean failure (reading the key back decides), or REQUEST_FAILED
+ * 0, also after a code that is not known to mean failure (reading the key back decides), or ZV_FAILED
  * with szSockMsg set.
  */
 [[nodiscard]] unsigned short generateKeyPair(const LoginData& login);

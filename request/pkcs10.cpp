@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
@@ -36,11 +37,6 @@ der::Bytes requestInfo(const der::Bytes& name, const PublicKey& key) {
                     {der::integer(VERSION), name, publicKeyInfo(key), der::tlv(der::TAG_CONTEXT_0, {})});
 }
 
-CK_RV reportOwn(const char* step, CK_RV code, const char* format) {
-    reportFailure(REQUEST_TITLE, step, code, format);
-    return rv = code;
-}
-
 std::size_t significant(const unsigned char* bytes, unsigned long length) {
     const auto* first = std::find_if(bytes, bytes + length, [](unsigned char byte) { return byte != 0; });
     return static_cast<std::size_t>(bytes + length - first);
@@ -52,8 +48,10 @@ unsigned short signOnce(der::Bytes& info, const PublicKey& key, Signature& signa
         SignIt(nullptr, info.data(), info.size(), signature.bytes, &signature.length, hPrivateKey);
     if (code != 0 || signature.length == key.size()) return code;
     // No authority would take the request.
-    reportOwn("C_Sign", CKR_SIGNATURE_LEN_RANGE, "Firma della sequenza di hash fallita (%s)");
-    return REQUEST_FAILED;
+    rv = CKR_SIGNATURE_LEN_RANGE;
+    return Failure(REQUEST_TITLE)
+        .step("C_Sign", rv)
+        .sentence("Firma della sequenza di hash fallita (%s)", rv);
 }
 
 // The session is opened anew, the key looked for and the signature tried once more: with the same key, since
@@ -62,38 +60,39 @@ unsigned short signOnce(der::Bytes& info, const PublicKey& key, Signature& signa
 unsigned short signAgain(der::Bytes& info, const PublicKey& key, const LoginData& login,
                          Signature& signature) {
     if (reopenSession(login) == 0) {
-        reportCode(REQUEST_TITLE, "C_Login", 0);
-        reportSentence("Firma sequenza di hash fallita error inizializza (%s)", rv);
-        return failRequest("Firma sequenza di hash fallita (error login %lx)", rv);
+        return Failure(REQUEST_TITLE)
+            .step("C_Login", CKR_OK)
+            .sentence("Firma sequenza di hash fallita error inizializza (%s)", rv)
+            .user("Firma sequenza di hash fallita (error login %lx)", rv);
     }
     if (const int missing = checkSameKey()) {
         const auto code = static_cast<CK_RV>(missing);
-        reportCode(REQUEST_TITLE, "CheckPendingKeys", code);
-        return failRequest(
-            "Errore nella ricerca delle chiavi pending generate sulla smartcard (per SignIt error %lx)",
-            code);
+        return Failure(REQUEST_TITLE)
+            .step("CheckPendingKeys", code)
+            .user("Errore nella ricerca delle chiavi pending generate sulla smartcard (per SignIt error %lx)",
+                  code);
     }
-    const unsigned short code = signOnce(info, key, signature);
+    const CK_RV code = signOnce(info, key, signature);
     if (code == 0) return 0;
-    reportCode(REQUEST_TITLE, "SignIt", code);
     Sentence sentence;
-    (void)std::snprintf(sentence, sizeof sentence, "Firma sequenza di hash fallita (error 2 %lx)",
-                        CK_RV{code});
-    reportSentence(sentence);
-    return failRequest(
-        "Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
-        "(error 2 %lx)",
-        code);
+    (void)std::snprintf(sentence, sizeof sentence, "Firma sequenza di hash fallita (error 2 %lx)", code);
+    return Failure(REQUEST_TITLE)
+        .step("SignIt", code)
+        .sentence(sentence)
+        .user("Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
+              "(error 2 %lx)",
+              code);
 }
 
 unsigned short sign(der::Bytes& info, const PublicKey& key, const LoginData& login, Signature& signature) {
-    const unsigned short code = signOnce(info, key, signature);
+    const CK_RV code = signOnce(info, key, signature);
     if (code == 0) return 0;
     if (code == CKR_USER_NOT_LOGGED_IN) return signAgain(info, key, login, signature);
-    reportCode(REQUEST_TITLE, "SignIt", code);
-    return failRequest("Errore nella operazione di firma richiesta certificato con chiavi pending sulla "
-                       "smartcard (error %lx)",
-                       code);
+    return Failure(REQUEST_TITLE)
+        .step("SignIt", code)
+        .user("Errore nella operazione di firma richiesta certificato con chiavi pending sulla smartcard "
+              "(error %lx)",
+              code);
 }
 
 } // namespace
@@ -105,8 +104,9 @@ CK_RV PublicKey::read(CK_OBJECT_HANDLE privateKey, std::size_t modulusRoom, std:
     modulusLength = tmpl[0].ulValueLen;
     exponentLength = tmpl[1].ulValueLen;
     if (result != CKR_OK || (size() != 0 && significant(exponent, exponentLength) != 0)) return result;
-    return reportOwn("C_GetAttributeValue", CKR_ATTRIBUTE_VALUE_INVALID,
-                     "Errore nella lettura chiave sulla smartcard (%s)");
+    rv = CKR_ATTRIBUTE_VALUE_INVALID;
+    reportFailure(REQUEST_TITLE, "C_GetAttributeValue", rv, READ_ERROR);
+    return rv;
 }
 
 std::size_t PublicKey::size() const {
@@ -117,18 +117,6 @@ bool PublicKey::isBlank(std::size_t bytes) const {
     return std::all_of(modulus, modulus + bytes, [](unsigned char byte) { return byte == 0xFF; });
 }
 
-unsigned short failRequest(const char* format, CK_RV code) {
-    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, code);
-    return REQUEST_FAILED;
-}
-
-unsigned short failGeneration() {
-    static constexpr char sentence[] = "Generazione chiavi fallita (Ripetere l'operazione)";
-    reportSentence(sentence);
-    copyText(szSockMsg, sentence);
-    return REQUEST_FAILED;
-}
-
 int reopenSession(const LoginData& login) {
     finalizza();
     return inizializza(login.modulePath, login.pin, static_cast<unsigned>(slotUtente), nullptr, CKU_USER);
@@ -137,13 +125,13 @@ int reopenSession(const LoginData& login) {
 unsigned short completeRequest(const PublicKey& key, const SubjectTable& table, const LoginData& login,
                                char* pemOut) {
     const der::Bytes name = buildName(dName, table);
-    if (name.empty()) return REQUEST_FAILED;
+    if (name.empty()) return ZV_FAILED;
     der::Bytes info = requestInfo(name, key);
     Signature signature;
-    if (sign(info, key, login, signature) != 0) return REQUEST_FAILED;
+    if (sign(info, key, login, signature) != 0) return ZV_FAILED;
     const der::Bytes bits = der::bitString({signature.bytes, signature.length});
     const der::Bytes request = der::tlv(der::TAG_SEQUENCE, {info, der::algorithm(SHA1_WITH_RSA), bits});
-    return writePem(request, pemOut) ? 0 : REQUEST_FAILED;
+    return writePem(request, pemOut) ? 0 : ZV_FAILED;
 }
 
 } // namespace zv

@@ -11,7 +11,6 @@
 namespace zv {
 
 inline constexpr char REQUEST_TITLE[] = " .... RequestCertificate FUN         .... ";
-constexpr unsigned short REQUEST_FAILED = 1;
 /** Bytes of the buffer that receives the PEM text. */
 constexpr std::size_t PEM_SIZE = 8192;
 
@@ -34,11 +33,7 @@ struct PublicKey {
 inline constexpr char KEY_READ_ERROR[] =
     "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error %lx)";
 
-/** Puts a text with a code ("%lx") into szSockMsg. Returns REQUEST_FAILED. */
-unsigned short failRequest(const char* format, CK_RV code);
-
-/** Logs that the generation failed, tells the user to repeat it. Returns REQUEST_FAILED. */
-unsigned short failGeneration();
+inline constexpr char REPEAT_GENERATION[] = "Generazione chiavi fallita (Ripetere l'operazione)";
 
 /** Who to log in again when the card says that nobody is. */
 struct LoginData {
@@ -49,7 +44,7 @@ struct LoginData {
 /** Closes everything and opens the session anew; the result of inizializza. */
 int reopenSession(const LoginData& login);
 
-/** Builds the request for a key, has the card sign it and writes it as PEM. Returns 0 or REQUEST_FAILED. */
+/** Builds the request for a key, has the card sign it and writes it as PEM. Returns 0 or ZV_FAILED. */
 [[nodiscard]] unsigned short completeRequest(const PublicKey& key, const SubjectTable& table,
                                              const LoginData& login, char* pemOut);
 

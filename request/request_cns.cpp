@@ -1,5 +1,6 @@
 // RequestCertificateCNS: the request of a services card, for the pair that it was made with.
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "inventory/identifiers.h"
 #include "request/pkcs10.h"
@@ -29,25 +30,21 @@ unsigned short findOwnKey() {
                                         .exits = {.atEnd = zv::Exit::LeftOpen}},
                                        take);
     if (walked.whole()) return 0;
-    return zv::failRequest("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", walked.code);
+    return zv::Failure(zv::REQUEST_TITLE)
+        .user("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", walked.code);
 }
 
 // Reads the key inside the search that found it, which is closed on every way out.
 unsigned short readOwnKey(zv::PublicKey& key) {
+    const zv::Failure failure(zv::REQUEST_TITLE);
     const CK_RV result = key.read(zv::hPrivateKey, MODULUS_ROOM, EXPONENT_ROOM);
-    if (result != CKR_OK) {
-        zv::failRequest(zv::KEY_READ_ERROR, result);
-        zv::endSearch({zv::hSession});
-        return zv::REQUEST_FAILED;
-    }
-    if (key.isBlank(MODULUS_CHECKED)) {
-        zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", 0);
-        zv::endSearch({zv::hSession});
-        return zv::failGeneration();
-    }
-    if (zv::endSearch({zv::hSession}) == CKR_OK) return 0;
-    zv::reportCode(zv::REQUEST_TITLE, "ErrAttributeValue", zv::rv);
-    return zv::failGeneration();
+    const bool blank = result == CKR_OK && key.isBlank(MODULUS_CHECKED);
+    if (blank) failure.step("ErrAttributeValue", CKR_OK);
+    const CK_RV ended = zv::endSearch({zv::hSession});
+    if (result != CKR_OK) return failure.user(zv::KEY_READ_ERROR, result);
+    if (!blank && ended == CKR_OK) return 0;
+    if (!blank) failure.step("ErrAttributeValue", ended);
+    return failure.sentence(zv::REPEAT_GENERATION).user(zv::REPEAT_GENERATION);
 }
 
 unsigned short buildOwnRequest(const zv::LoginData& login, char* pemOut) {
@@ -62,7 +59,7 @@ unsigned short buildOwnRequest(const zv::LoginData& login, char* pemOut) {
 unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
                                      char*) {
     zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
-    const unsigned short status = zv::guarded(zv::REQUEST_FAILED, [&] {
+    const unsigned short status = zv::guarded<unsigned short>(ZV_FAILED, [&] {
         return buildOwnRequest({modulePath, pin}, pemOut);
     });
     if (status != 0) return status;

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "card/session.h"
+#include "diag/failure.h"
 #include "diag/log.h"
 #include "request/der.h"
 #include "routines.h"
@@ -11,7 +12,6 @@
 namespace {
 
 constexpr char SIGN_TITLE[] = " .... SignIt FUN                     .... ";
-constexpr unsigned short SIGN_FAILED = 1;
 constexpr unsigned char OID_SHA1[] = {0x06, 0x05, 0x2B, 0x0E, 0x03, 0x02, 0x1A};
 
 using Digest = std::array<unsigned char, 20>;
@@ -33,11 +33,10 @@ unsigned short signInfo(zv::der::Bytes info, unsigned char* signature, unsigned 
     zv::traceSession(SIGN_TITLE, "C_SignInit", zv::hSession);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS, nullptr, 0};
     zv::rv = zv::call<&zv::Functions::C_SignInit>(zv::hSession, &mechanism, privateKey);
-    if (zv::rv != CKR_OK) {
-        zv::reportFailure(SIGN_TITLE, "C_SignInit", zv::rv,
-                          "Inizializzazione firma della sequenza di hash fallita (%s)");
-        return SIGN_FAILED;
-    }
+    if (zv::rv != CKR_OK)
+        return zv::Failure(SIGN_TITLE)
+            .step("C_SignInit", zv::rv)
+            .sentence("Inizializzazione firma della sequenza di hash fallita (%s)", zv::rv);
     traceDigest(digest);
     zv::trace(SIGN_TITLE, "C_Sign");
     const unsigned long room = *signatureLength;
@@ -48,11 +47,10 @@ unsigned short signInfo(zv::der::Bytes info, unsigned char* signature, unsigned 
         zv::trace(SIGN_TITLE, "F I N E");
         return 0;
     }
-    zv::reportCode(SIGN_TITLE, "C_Sign", zv::rv);
+    zv::Failure(SIGN_TITLE).step("C_Sign", zv::rv);
     // The caller logs in again and says what came of it.
     if (zv::rv == CKR_USER_NOT_LOGGED_IN) return static_cast<unsigned short>(zv::rv);
-    zv::reportSentence("Firma della sequenza di hash fallita (%s)", zv::rv);
-    return SIGN_FAILED;
+    return zv::Failure(SIGN_TITLE).sentence("Firma della sequenza di hash fallita (%s)", zv::rv);
 }
 
 } // namespace
@@ -63,7 +61,7 @@ unsigned short SignIt(void*, unsigned char* data, unsigned long dataLength, unsi
     zv::trace(SIGN_TITLE, "fndgstSha1");
     Digest digest{};
     Sha1Digest(static_cast<int>(dataLength), data, digest.data());
-    return zv::guarded(SIGN_FAILED, [&] {
+    return zv::guarded<unsigned short>(ZV_FAILED, [&] {
         return signInfo(digestInfo(digest), signature, signatureLength, privateKey, digest);
     });
 }

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int DELETION_FAILED = 1;
-
 bool isPending(const char* label) {
     return std::strncmp(label, zv::szPendingLabel, std::strlen(zv::szPendingLabel)) == 0;
 }
@@ -39,26 +37,26 @@ int deleteAllPending() {
         const std::size_t before = gone.size();
         const zv::Walked walked = zv::walk(
             search, [&gone](CK_OBJECT_HANDLE object) { return destroyIfPending(title, object, gone); });
-        if (!walked.whole()) return DELETION_FAILED;
+        if (!walked.whole()) return ZV_FAILED;
         if (gone.size() == before) return 0;
         // A destroyed object may disturb the search that found it: a new one goes on.
-        if (zv::endSearch(search) != CKR_OK) return DELETION_FAILED;
+        if (zv::endSearch(search) != CKR_OK) return ZV_FAILED;
     }
 }
 
 } // namespace
 
 int DeleteAllPending(void*) {
-    return zv::guarded(DELETION_FAILED, deleteAllPending);
+    return zv::guarded(ZV_FAILED, deleteAllPending);
 }
 
 int DeleteAllPending32(char* library, char* pin, unsigned int slotIndex, void*) {
     static constexpr char title[] = "DeleteAllPending32";
     zv::trace(title, "I N I Z I O");
-    if (DeleteAnObject(zv::hSession, CKO_PUBLIC_KEY, zv::pendingLabel) != 0) return DELETION_FAILED;
-    if (DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, zv::pendingLabel) != 0) return DELETION_FAILED;
+    if (DeleteAnObject(zv::hSession, CKO_PUBLIC_KEY, zv::pendingLabel) != 0) return ZV_FAILED;
+    if (DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, zv::pendingLabel) != 0) return ZV_FAILED;
     finalizza();
-    if (inizializza(library, pin, slotIndex, nullptr, CKU_USER) != 0) return DELETION_FAILED;
+    if (inizializza(library, pin, slotIndex, nullptr, CKU_USER) != 0) return ZV_FAILED;
     zv::trace(title, "F I N E");
     return 0;
 }

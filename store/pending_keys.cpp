@@ -11,10 +11,8 @@
 namespace {
 
 constexpr char PENDING_TITLE[] = " .... CheckPendingKeys FUN           .... ";
-constexpr int PENDING_FAILED = 1;
-constexpr int NO_PENDING_KEY = 100;
 
-zv::Visit failRead(const char* format) {
+zv::Visit unreadable(const char* format) {
     zv::reportFailure(PENDING_TITLE, "C_GetAttributeValue", zv::rv, format);
     return zv::Visit::GiveUp;
 }
@@ -26,7 +24,7 @@ void reportNoKey() {
 // Takes the object's handle when its identifier, which is read into id, contains the pending one.
 zv::Visit takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
                         const char* readError) {
-    if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return failRead(readError);
+    if (zv::readText(zv::hSession, object, CKA_ID, id) != CKR_OK) return unreadable(readError);
     WriteLog(PENDING_TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
     return zv::Visit::GoOn;
@@ -35,7 +33,7 @@ zv::Visit takeIfPending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char
 zv::Visit examine(CK_OBJECT_HANDLE object) {
     CK_OBJECT_CLASS objectClass = 0;
     if (zv::readNumber(zv::hSession, object, CKA_CLASS, objectClass) != CKR_OK)
-        return failRead("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
+        return unreadable("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
     char id[256];
     if (objectClass == CKO_PUBLIC_KEY)
         return takeIfPending(object, zv::hPublicKey, id,
@@ -74,14 +72,14 @@ int CheckPendingKeys(void*, bool reportMissing) {
                                         .log = {traceStep, reportStep},
                                         .exits = {.whenFindFails = zv::Exit::LeftOpen}},
                                        examine);
-    if (!walked.whole()) return PENDING_FAILED;
+    if (!walked.whole()) return ZV_FAILED;
     // The private key alone decides.
     const bool found = zv::hPrivateKey != 0;
     zv::trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
     zv::trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
     if (found) return 0;
     if (reportMissing) reportNoKey();
-    return NO_PENDING_KEY;
+    return zv::NO_PENDING_KEY;
 }
 
 int zv::checkSameKey() {

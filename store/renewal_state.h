@@ -19,8 +19,11 @@ extern CK_OBJECT_HANDLE hPrivateKey; ///< pending private key; 0: none
 extern CK_OBJECT_HANDLE hPublicKey;  ///< pending public key; 0: none
 extern char privateKeyId[256];       ///< identifier of the private key that was looked for or made last
 
+/** Result of CheckPendingKeys when there is no private key. */
+constexpr int NO_PENDING_KEY = 100;
+
 /**
- * CheckPendingKeys for a private key with exactly privateKeyId: with another one it ends as without any, 100.
+ * CheckPendingKeys for a private key with exactly privateKeyId: with another one it ends as without any.
  */
 [[nodiscard]] int checkSameKey();
 

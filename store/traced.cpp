@@ -54,7 +54,7 @@ CK_RV readTraced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE 
     static constexpr char STEP[] = "C_GetAttributeValue";
     traceSession(title, STEP, session);
     rv = readBounded(session, object, tmpl);
-    if (rv != CKR_OK) reportFailure(title, STEP, rv, "Errore nella lettura chiave sulla smartcard (%s)");
+    if (rv != CKR_OK) reportFailure(title, STEP, rv, READ_ERROR);
     return rv;
 }
 

@@ -11,6 +11,8 @@ void reportCall(const SearchCall& call);
 
 inline constexpr SearchLog TRACED = {traceCall, reportCall};
 
+inline constexpr char READ_ERROR[] = "Errore nella lettura chiave sulla smartcard (%s)";
+
 /** Reads attributes; a length above its room is CKR_BUFFER_TOO_SMALL. */
 CK_RV readTraced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
                  std::span<CK_ATTRIBUTE> tmpl);

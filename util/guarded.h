@@ -2,16 +2,23 @@
 #define ZV_UTIL_GUARDED_H
 
 #include <exception>
+#include <type_traits>
 
 /** Where exceptions end: none leaves the library. */
 namespace zv {
 
-/** What body returns; fallback when it throws. */
-template <typename Result, typename Body> Result guarded(Result fallback, Body&& body) {
+/** What body returns; when it throws, fallback, or what it returns if it is a function. */
+template <typename Fallback, typename Body> auto guarded(Fallback fallback, Body&& body) {
     try {
-        return body();
+        if constexpr (std::is_invocable_v<Fallback>)
+            return static_cast<std::invoke_result_t<Fallback>>(body());
+        else
+            return static_cast<Fallback>(body());
     } catch (const std::exception&) {
-        return fallback;
+        if constexpr (std::is_invocable_v<Fallback>)
+            return fallback();
+        else
+            return fallback;
     }
 }
 

@@ -1,8 +1,8 @@
 // Joining, searching and measuring texts.
-#include <new>
 #include <string>
 
 #include "routines.h"
+#include "util/guarded.h"
 #include "util/text.h"
 
 char CatSZtoSZbuff[256];
@@ -23,12 +23,11 @@ char* CatSZtoSZ(const char* first, const char* second) {
     return CatSZtoSZbuff;
 }
 
-char* strstrICase(const char* haystack, const char* needle) try {
+char* strstrICase(const char* haystack, const char* needle) {
     if (haystack == nullptr || needle == nullptr) return nullptr;
-    const std::size_t place = upperCased(haystack).find(upperCased(needle));
+    const std::size_t place =
+        zv::guarded(std::string::npos, [=] { return upperCased(haystack).find(upperCased(needle)); });
     return place == std::string::npos ? nullptr : const_cast<char*>(haystack) + place;
-} catch (const std::bad_alloc&) {
-    return nullptr;
 }
 
 int HexLen(char* buffer, int length) {
