@@ -57,10 +57,7 @@ bool FoundCertificates::read(const SearchLog& log, const Exits& exits) {
     numCertificate = 0;
     const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
     CK_ATTRIBUTE tmpl = attributeOf(CKA_CLASS, certificate);
-    const auto take = [this](CK_OBJECT_HANDLE object) {
-        readCertificate(object, next());
-        return Visit::GoOn;
-    };
+    const auto take = [this](CK_OBJECT_HANDLE object) { readCertificate(object, next()); };
     return walk({.session = hSession, .tmpl = {&tmpl, 1}, .log = log, .exits = exits}, take).whole();
 }
 

@@ -20,7 +20,6 @@ bool readPrivateKeyIds(zv::IdentifierTable& keys) {
         char id[zv::ID_SIZE + 1];
         zv::readText(zv::hSession, object, CKA_ID, id);
         keys.add(id);
-        return zv::Visit::GoOn;
     };
     const auto notStarted = [](const zv::Walked& walked) {
         return walked.how == zv::Walked::End::NotStarted;

@@ -104,12 +104,12 @@ void Dump::write(std::string& out) {
     out.assign("Dump Smart Card ").append(zv::boundedText(serial, sizeof token.serialNumber)).append("\n\n");
     int objects = 0;
     // The search is never ended: the session is, right after.
-    const zv::Walked walked = zv::walk({.session = zv::hSession, .exits = zv::ALWAYS_LEFT_OPEN},
-                                       [this, &out, &objects](CK_OBJECT_HANDLE object) {
-                                           ++objects;
-                                           addLine(object, out);
-                                           return zv::Visit::GoOn;
-                                       });
+    const auto describeNext = [this, &out, &objects](CK_OBJECT_HANDLE object) {
+        ++objects;
+        addLine(object, out);
+    };
+    const zv::Walked walked =
+        zv::walk({.session = zv::hSession, .exits = zv::ALWAYS_LEFT_OPEN}, describeNext);
     if (walked.whole()) out.append("\nTrovati ").append(ItoA(objects)).append(" oggetti\n\n");
 }
 

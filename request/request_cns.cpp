@@ -19,10 +19,7 @@ unsigned short findOwnKey() {
     const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
     zv::copyText(zv::privateKeyId, zv::OWN_PAIR);
     CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, zv::OWN_PAIR)};
-    const auto take = [](CK_OBJECT_HANDLE key) {
-        zv::hPrivateKey = key;
-        return zv::Visit::Stop;
-    };
+    const auto take = [](CK_OBJECT_HANDLE key) { zv::hPrivateKey = key; };
     // Left open for readOwnKey.
     const zv::Walked walked = zv::walk({.session = zv::hSession,
                                         .tmpl = tmpl,

@@ -17,12 +17,8 @@ constexpr std::size_t MOST_VALUE = 2048;
 // The first object that matches; 0 when none does.
 CK_RV findFirst(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object) {
     object = 0;
-    return zv::walk({.session = session, .tmpl = tmpl, .most = zv::FIRST_OBJECT},
-                    [&object](CK_OBJECT_HANDLE first) {
-                        object = first;
-                        return zv::Visit::Stop;
-                    })
-        .code;
+    const auto take = [&object](CK_OBJECT_HANDLE first) { object = first; };
+    return zv::walk({.session = session, .tmpl = tmpl, .most = zv::FIRST_OBJECT}, take).code;
 }
 
 zv::Visit destroyIfData(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {

@@ -78,7 +78,6 @@ unsigned long findOne(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, C
         CK_OBJECT_CLASS objectClass = 0;
         CK_ATTRIBUTE entry = attributeOf(CKA_CLASS, objectClass);
         result = readTraced(TITLE, session, first, {&entry, 1});
-        return Visit::Stop;
     });
     none = walked.whole() && !found;
     // A search that cannot be closed found nothing.

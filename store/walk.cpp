@@ -9,16 +9,9 @@ namespace {
 // Above any number of objects that a card has room for; a search that gives more is a module's error.
 constexpr int MOST_OBJECTS = 4096;
 
-SearchCall startOf(const Search& search) {
-    return {SearchStep::Start, "C_FindObjectsInit", search.title, search.session, 1};
-}
-
-SearchCall nextOf(const Search& search, int round, CK_OBJECT_HANDLE last) {
-    return {SearchStep::Next, "C_FindObjects", search.title, search.session, round, CKR_OK, last};
-}
-
-SearchCall endOf(const Search& search) {
-    return {SearchStep::End, "C_FindObjectsFinal", search.title, search.session, 1};
+SearchCall callOf(const Search& search, SearchStep step, int round = 1, CK_OBJECT_HANDLE last = 0) {
+    static constexpr const char* NAMES[] = {"C_FindObjectsInit", "C_FindObjects", "C_FindObjectsFinal"};
+    return {step, NAMES[static_cast<int>(step)], search.title, search.session, round, CKR_OK, last};
 }
 
 template <typename Make> CK_RV logged(const SearchLog& log, SearchCall& made, Make make) {
@@ -43,7 +36,7 @@ CK_RV checkFound(CK_ULONG found, CK_ULONG asked) {
 }
 
 CK_RV startSearch(const Search& search) {
-    SearchCall made = startOf(search);
+    SearchCall made = callOf(search, SearchStep::Start);
     return logged(search.log, made, [&search] {
         return call<&Functions::C_FindObjectsInit>(search.session, search.tmpl.data(),
                                                    CK_ULONG{search.tmpl.size()});
@@ -51,7 +44,7 @@ CK_RV startSearch(const Search& search) {
 }
 
 CK_RV endSearch(const Search& search) {
-    SearchCall made = endOf(search);
+    SearchCall made = callOf(search, SearchStep::End);
     return logged(search.log, made,
                   [&search] { return call<&Functions::C_FindObjectsFinal>(search.session); });
 }
@@ -66,7 +59,7 @@ OpenSearch::OpenSearch(const Search& search) : search_(search), open_(startSearc
 
 bool OpenSearch::next(CK_OBJECT_HANDLE& object) {
     if (!open_ || static_cast<CK_ULONG>(given_) == search_.most) return false;
-    SearchCall made = nextOf(search_, ++given_, object);
+    SearchCall made = callOf(search_, SearchStep::Next, ++given_, object);
     if (logged(search_.log, made, [&made] { return findNext(made); }) != CKR_OK) {
         walked_ = {Walked::End::FindFailed, made.result};
         leave(search_.exits.whenFindFails);

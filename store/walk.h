@@ -2,6 +2,7 @@
 #define ZV_STORE_WALK_H
 
 #include <span>
+#include <type_traits>
 
 #include "pkcs11.h"
 
@@ -94,13 +95,17 @@ class OpenSearch {
 /** What a visit says of the walk: Stop ends it as the last object does. */
 enum class Visit { GoOn, Stop, GiveUp };
 
-/** Visits the objects that a search finds, one after the other. */
+/** Visits the objects that a search finds, one after the other; a visit that says nothing goes on. */
 template <typename Visitor> Walked walk(const Search& search, Visitor visit) {
     OpenSearch open(search);
     for (CK_OBJECT_HANDLE object = 0; open.next(object);) {
-        const Visit said = visit(object);
-        if (said == Visit::GiveUp) return open.giveUp();
-        if (said == Visit::Stop) break;
+        if constexpr (std::is_void_v<decltype(visit(object))>) {
+            visit(object);
+        } else {
+            const Visit said = visit(object);
+            if (said == Visit::GiveUp) return open.giveUp();
+            if (said == Visit::Stop) break;
+        }
     }
     return open.end();
 }
