@@ -36,6 +36,7 @@ const Field fields[] = {
     {"latency_us", &Card::latency_us},
     {"capacity", &Card::capacity},
     {"pin_each_signature", TextField{&Card::pin_each_signature, unbounded}},
+    {"signature_pin", TextField{&Card::signature_pin, unbounded}},
 };
 
 std::string_view trimmed(std::string_view text) {

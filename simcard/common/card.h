@@ -28,6 +28,7 @@ struct Card {
     unsigned long capacity = 0;   ///< how many objects fit; 0 is no limit
     /// Private keys whose CKA_ID begins so want the PIN before each signature; empty for none.
     std::string pin_each_signature;
+    std::string signature_pin; ///< what those keys want; empty for the user's PIN
     /// Lines under other names, kept as they are.
     std::vector<std::pair<std::string, std::string>> others;
 };

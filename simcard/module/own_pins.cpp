@@ -36,13 +36,31 @@ CK_RV counted(const std::filesystem::path& folder, const std::function<CK_RV()>&
     return result;
 }
 
+/// The PIN that a key wants before a signature, where it has one of its own. SoftHSM then gets the user's, or for a
+/// wrong one a wrong one.
+CK_RV compare_signature_pin(CK_SESSION_HANDLE session, std::string_view pin, const std::string& wanted) {
+    std::string text = state().user_pins[state().session(session)->slot];
+    if (pin != wanted) text += '?';
+    return forward<Function::C_Login>(session, CK_USER_TYPE{CKU_CONTEXT_SPECIFIC},
+                                      reinterpret_cast<CK_UTF8CHAR_PTR>(text.data()), CK_ULONG{text.size()});
+}
+
 } // namespace
 
 CK_RV login(CK_SESSION_HANDLE session, CK_USER_TYPE user, CK_UTF8CHAR_PTR pin, CK_ULONG length) {
     const auto compare = [=] { return forward<Function::C_Login>(session, user, pin, length); };
     const CK_RV reached = state().reach_session(session);
     if (reached != CKR_OK) return reached;
-    return user == CKU_SO ? compare() : counted(folder_of(*state().session(session)), compare);
+    if (user == CKU_SO) return compare();
+    const Session& found = *state().session(session);
+    const std::string wanted = load_card(folder_of(found)).signature_pin;
+    if (wanted.empty() || !pin) return counted(folder_of(found), compare);
+    const std::string given(reinterpret_cast<const char*>(pin), length);
+    if (user == CKU_CONTEXT_SPECIFIC)
+        return counted(folder_of(found), [&] { return compare_signature_pin(session, given, wanted); });
+    const CK_RV result = counted(folder_of(found), compare);
+    if (result == CKR_OK) state().user_pins[found.slot] = given;
+    return result;
 }
 
 CK_RV set_pin(CK_SESSION_HANDLE session, CK_UTF8CHAR_PTR old_pin, CK_ULONG old_length,

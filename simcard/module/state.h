@@ -37,6 +37,8 @@ struct State {
     SoftHsm* hsm = nullptr;
     std::vector<Slot> slots;
     std::map<CK_SESSION_HANDLE, Session> sessions;
+    /// The user's PIN by slot, of cards alone whose keys want another: SoftHSM knows none but the user's.
+    std::map<CK_SLOT_ID, std::string> user_pins;
     std::map<CK_OBJECT_HANDLE, Object> objects;
     std::map<CK_OBJECT_HANDLE, CK_OBJECT_HANDLE> handle_of_hidden;
     CK_SESSION_HANDLE next_session = 1;

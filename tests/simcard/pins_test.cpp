@@ -76,6 +76,40 @@ TEST_F(PinInOneProcess, IsCountedInChangesAndFreedByTheOfficer) {
     EXPECT_EQ(module_.login(session_, "54321"), CKR_OK);
 }
 
+// Also of keys that are made on the card, and where the PIN that they want is not the user's.
+TEST_F(EmptyCard, HasKeysThatWantAPinForEachSignature) {
+    const auto sign = [&](CK_OBJECT_HANDLE key, const char* pin, CK_RV* login = nullptr) {
+        CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
+        CK_BYTE text[] = "text", signature[128];
+        CK_ULONG length = sizeof signature;
+        EXPECT_EQ(module_->C_SignInit(session_, &mechanism, key), CKR_OK);
+        const CK_RV answer = pin ? module_.login(session_, pin, CKU_CONTEXT_SPECIFIC) : CK_RV{CKR_OK};
+        if (login) *login = answer;
+        return module_->C_Sign(session_, text, sizeof text, signature, &length);
+    };
+    Pair asks, other;
+    for (const char* own : {"", "2468"}) {
+        simcard::update_card(card_.folder, [own](simcard::Card& card) {
+            card.pin_each_signature = "DS";
+            card.signature_pin = own;
+        });
+        restart();
+        ASSERT_EQ(generate(module_, session_, "DS3", asks), CKR_OK);
+        ASSERT_EQ(generate(module_, session_, "AUTHCertificate3", other), CKR_OK);
+        EXPECT_EQ(read(module_, session_, asks.secret, CKA_ALWAYS_AUTHENTICATE), std::string(1, CK_TRUE));
+        const char* right = *own ? own : user_pin;
+        CK_RV login = 0;
+        EXPECT_EQ(sign(other.secret, nullptr), CKR_OK);
+        EXPECT_EQ(sign(asks.secret, nullptr), CKR_USER_NOT_LOGGED_IN) << own;
+        EXPECT_EQ(sign(asks.secret, right), CKR_OK) << own;
+        EXPECT_EQ(sign(asks.secret, nullptr), CKR_USER_NOT_LOGGED_IN) << own << ": for one signature";
+        EXPECT_EQ(sign(asks.secret, *own ? user_pin : "2468", &login), CKR_USER_NOT_LOGGED_IN) << own;
+        EXPECT_EQ(login, CKR_PIN_INCORRECT);
+        EXPECT_EQ(simcard::load_card(card_.folder).pin_tries_left, 2U);
+        EXPECT_EQ(sign(asks.secret, right), CKR_OK) << own;
+    }
+}
+
 TEST_F(EmptyCard, IsErasedByTheOfficer) {
     ASSERT_NE(store(module_, session_, "old"), 0U);
     ASSERT_EQ(module_->C_CloseAllSessions(0), CKR_OK);
