@@ -35,6 +35,17 @@ Advice leave_to_card_software(const std::string& pair) {
         {{"pair", pair}}};
 }
 
+Advice give_key_the_pin(const std::string& key) {
+    return {"signature-pin",
+            fmt::format(
+                "Do not run the same command again as it is: the key {} wants a PIN before each signature, "
+                "has the card's alone been offered, and may count a try each time. If that key has a PIN of "
+                "its own, make it the card's with the card's own software, then run the command again; if "
+                "the card does not allow that, ask its issuer.",
+                key),
+            {{"key", key}}};
+}
+
 Advice enter_card() {
     return {"add-card",
             "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "

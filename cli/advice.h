@@ -22,6 +22,9 @@ namespace cli {
 /// What to do about a pair that wants the PIN before each signature.
 [[nodiscard]] Advice leave_to_card_software(const std::string& pair);
 
+/// What to do about a key that wants a PIN before each signature and did not get one that it takes.
+[[nodiscard]] Advice give_key_the_pin(const std::string& key);
+
 /// What to do about a card of an unknown kind.
 [[nodiscard]] Advice enter_card();
 

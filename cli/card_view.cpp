@@ -105,6 +105,11 @@ bool CardView::marked_pending() const {
     });
 }
 
+bool CardView::wants_pin(const std::string& id) const {
+    const CardObject* key = find(CKO_PRIVATE_KEY, id);
+    return key != nullptr && key->wants_pin;
+}
+
 std::size_t CardView::private_keys(const std::string& id) const {
     const auto fits = [&](const CardObject& object) {
         return object.type == CKO_PRIVATE_KEY && object.id == id;

@@ -38,6 +38,8 @@ class CardView {
     [[nodiscard]] const CardObject* certificate(const std::string& id, const Bytes& der) const;
     /// Whether the card bears the mark that a request for a services card's own certificate is under way.
     [[nodiscard]] bool marked_pending() const;
+    /// Whether a private key with that identifier wants the PIN before each signature.
+    [[nodiscard]] bool wants_pin(const std::string& id) const;
     /// How many private keys have that identifier: there are cards that take any number.
     [[nodiscard]] std::size_t private_keys(const std::string& id) const;
     /// Whether any object has that identifier.

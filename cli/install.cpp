@@ -114,8 +114,9 @@ std::vector<Advice> advice_after_failure(const InstallPlan& plan, const CardNow&
                               Stop stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
-    for (Advice& advice : advice_after_failure(plan, now))
-        stop.advice.push_back(std::move(advice));
+    if (stop.advice.empty() || stop.advice.front().key != "signature-pin")
+        for (Advice& advice : advice_after_failure(plan, now))
+            stop.advice.push_back(std::move(advice));
     if (!backup.empty()) stop.advice.push_back(say_backup(backup));
     throw stop;
 }
@@ -161,14 +162,14 @@ std::string old_in_words(const InstallPlan& plan) {
     return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
 }
 
-Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup) {
+Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup, const Proof& proof) {
     const CardNow now = card_now(card);
     refuse_leftovers(plan, now, backup);
     Report report;
     report.json = card_json(card);
     report.json["kind"] = kind_name(plan.kind);
     report.json["stored"] = plan.pair;
-    report.json["verified"] = true;
+    report.json["verified"] = proof.signed_with;
     report.json["replaces"] = plan.old && !plan.old->id.empty() ? Json(plan.old->id) : Json();
     report.json["removed"] = plan.removed;
     report.json["left"] = plan.left;
@@ -176,9 +177,10 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     report.json["backup"] = backup.empty() ? Json() : Json(backup);
     report.json["on_card"] = now.contents.as_json();
     report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
-    report.text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
-                              "Signed with {1} and verified with the new certificate.{2}",
-                              kind_name(plan.kind), plan.pair, old_in_words(plan));
+    report.text =
+        fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
+                    "{2}{3}",
+                    kind_name(plan.kind), plan.pair, in_words(proof, plan.pair), old_in_words(plan));
     const bool marked = plan.kind == Kind::services && now.view && now.view->marked_pending();
     report.json["mark_left"] = marked;
     if (marked) report.advice.push_back({"mark", mark_left});
@@ -191,23 +193,30 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
 // What a run before this one may have left, when it was broken off after storing.
 Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
                     const CardView& view, const std::string& id) {
-    std::string reason;
+    Proof proof;
     for (const Certificate& certificate : files.certificates)
         if (view.certificate(id, certificate.der()) != nullptr)
-            reason = prove_pair(card, id, certificate.der());
-    if (!reason.empty())
+            proof = prove_pair(card, id, certificate.der(), KeyPin::kept);
+    if (!proof.reason.empty())
         return {Exit::failed,
-                fmt::format("The certificate is on the card already, as {}, but {}", id, reason)};
+                fmt::format("The certificate is on the card already, as {}, but {}", id, proof.reason)};
     Stop stop(Exit::refused,
-              fmt::format("The certificate is on the card already, as {}: a signature of its key "
-                          "verifies with it.",
-                          id));
-    stop.facts = {{"stored", id}, {"verified", true}};
+              fmt::format("The certificate is on the card already, as {}: {}.", id,
+                          proof.signed_with
+                              ? "a signature of its key verifies with it"
+                              : "its key, which wants a PIN before each signature, is the right one"));
+    stop.facts = {{"stored", id}, {"verified", proof.signed_with}};
     std::vector<std::string> left;
     for (const RetiredPair& pair : inventory.retired)
         left.push_back(pair.id);
     if (!left.empty()) stop.advice.push_back(say_left(left));
     if (id == own_pair_id && view.marked_pending()) stop.advice.push_back({"mark", mark_left});
+    return stop;
+}
+
+Stop because_unproved(const Proof& proof) {
+    Stop stop(Exit::failed, fmt::format("The certificate was stored, but {}", proof.reason));
+    if (proof.advice) stop.advice.push_back(*proof.advice);
     return stop;
 }
 
@@ -223,10 +232,9 @@ Report install_on(OpenedCard& card, const InstallOptions& options, const IssuedF
     require_alone(card);
     if (const int code = store(card, plan, plan.removed.empty()); code != ZV_OK)
         stop_failed(card, plan, backup, library_stop("The certificate could not be stored", code));
-    if (const std::string reason = prove_pair(card, plan.pair, plan.certificate); !reason.empty())
-        stop_failed(card, plan, backup,
-                    {Exit::failed, fmt::format("The certificate was stored, but {}", reason)});
-    return report_on(card, plan, backup);
+    const Proof proof = prove_pair(card, plan.pair, plan.certificate, KeyPin::given);
+    if (!proof.reason.empty()) stop_failed(card, plan, backup, because_unproved(proof));
+    return report_on(card, plan, backup, proof);
 }
 
 } // namespace

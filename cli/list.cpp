@@ -122,8 +122,7 @@ void advise_on_waiting(Report& report, const Inventory& inventory, const CardVie
                                          "  When it has come:   zvrenew install CERTIFICATE",
                                          kind_name(pair.kind), pair.id),
                              values});
-    const CardObject* key = view.find(CKO_PRIVATE_KEY, pair.id);
-    if (key != nullptr && key->wants_pin)
+    if (view.wants_pin(pair.id))
         report.advice.push_back(leave_to_card_software(pair.id));
     else if (inventory.current(pair.kind) != nullptr)
         report.advice.push_back(

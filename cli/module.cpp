@@ -77,7 +77,7 @@ CK_TOKEN_INFO Module::token(CK_SLOT_ID slot) const {
     return info;
 }
 
-Session::Session(const Module& module, CK_SLOT_ID slot) : module_(module) {
+Session::Session(const Module& module, CK_SLOT_ID slot) : module_(module), slot_(slot) {
     require(module_.call<&List::C_OpenSession>(slot, CKF_SERIAL_SESSION, nullptr, nullptr, &handle_),
             "Opening a session with the card");
 }
@@ -142,9 +142,27 @@ Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE typ
     return read(object, type, value) == CKR_OK ? value : Bytes();
 }
 
-Bytes Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info) const {
+bool Session::last_try() const {
+    return (module_.token(slot_).flags & (CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED)) != 0;
+}
+
+bool Session::takes(Pin& pin) const {
+    auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
+    const CK_RV result = module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_CONTEXT_SPECIFIC}, text,
+                                                      CK_ULONG{pin.view().size()});
+    for (const CK_RV refusal :
+         {CKR_PIN_INCORRECT, CKR_PIN_INVALID, CKR_PIN_LEN_RANGE, CKR_PIN_EXPIRED, CKR_PIN_LOCKED})
+        if (result == refusal) return false;
+    // The key wants nothing more, or its module knows no such login.
+    if (result != CKR_USER_ALREADY_LOGGED_IN && result != CKR_USER_TYPE_INVALID)
+        require(result, "The login for a signature");
+    return true;
+}
+
+std::optional<Bytes> Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info, Pin* pin) const {
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
     require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "Starting a signature");
+    if (pin != nullptr && !takes(*pin)) return std::nullopt;
     Bytes signature(longest_signature);
     CK_ULONG length = signature.size();
     require(module_.call<&List::C_Sign>(handle_, digest_info.data(), CK_ULONG{digest_info.size()},

@@ -4,6 +4,7 @@
 #include "pkcs11.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -62,13 +63,19 @@ class Session {
     [[nodiscard]] Bytes attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
     /// The same of an object that nothing depends on: empty also when it cannot be read.
     [[nodiscard]] Bytes attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
-    /// Signs a PKCS#1 v1.5 block (a DigestInfo) with a private key. @throws Stop
-    [[nodiscard]] Bytes sign(CK_OBJECT_HANDLE key, Bytes digest_info) const;
+    /// Signs a PKCS#1 v1.5 block (a DigestInfo) with a private key. One that wants the PIN for that gets `pin`,
+    /// once; nothing when it refuses it. @throws Stop
+    [[nodiscard]] std::optional<Bytes> sign(CK_OBJECT_HANDLE key, Bytes digest_info,
+                                            Pin* pin = nullptr) const;
+    /// Whether a wrong PIN would be the last one, or there is none left. @throws Stop
+    [[nodiscard]] bool last_try() const;
 
   private:
     [[nodiscard]] CK_RV read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Bytes& value) const;
+    [[nodiscard]] bool takes(Pin& pin) const;
 
     const Module& module_;
+    CK_SLOT_ID slot_;
     CK_SESSION_HANDLE handle_ = 0;
 };
 

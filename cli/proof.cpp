@@ -1,6 +1,6 @@
 #include "cli/proof.h"
 
-#include "cli/note.h"
+#include "cli/advice.h"
 #include "cli/outcome.h"
 
 #include <algorithm>
@@ -42,40 +42,73 @@ bool verifies(X509& certificate, const Challenge& message, const Bytes& signatur
     return right;
 }
 
-std::string prove(const Session& session, const std::string& id, const Bytes& expected_certificate) {
+Proof failed(std::string reason) {
+    return {std::move(reason), false, std::nullopt};
+}
+
+/// A private key and the certificate that it is to fit.
+struct Tried {
+    const CardObject& key;
+    X509& certificate;
+};
+
+Proof compare(const Tried& tried, KeyPin key_pin) {
+    const std::string& id = tried.key.id;
+    if (!tried.key.value.empty() && tried.key.value == modulus_of(tried.certificate)) return {{}, false, {}};
+    Proof proof = failed(fmt::format("the key {} wants a PIN before each signature and was not tried; nor is "
+                                     "its modulus the certificate's.",
+                                     id));
+    if (key_pin == KeyPin::given) proof.advice = give_key_the_pin(id);
+    return proof;
+}
+
+Proof try_key(const Session& session, const Tried& tried, OpenedCard& card, KeyPin key_pin) {
+    const bool wants_pin = tried.key.wants_pin;
+    if (wants_pin && (key_pin == KeyPin::kept || session.last_try())) return compare(tried, KeyPin::kept);
+    Challenge message{};
+    if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
+        return failed("no random text could be made.");
+    const auto signature =
+        session.sign(tried.key.handle, digest_info(message), wants_pin ? &card.pin : nullptr);
+    if (!signature) return compare(tried, KeyPin::given);
+    if (!verifies(tried.certificate, message, *signature))
+        return failed(
+            fmt::format("a signature of the key {} does not verify with its certificate.", tried.key.id));
+    return {};
+}
+
+Proof prove(const Session& session, const std::string& id, const Bytes& expected_certificate,
+            OpenedCard& card, KeyPin key_pin) {
     const CardView view = view_in(session);
     const CardObject* stored = view.certificate(id, expected_certificate);
     const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
-    if (view.certificates(id).empty()) return fmt::format("there is no certificate {} on the card.", id);
-    if (key == nullptr) return fmt::format("there is no private key {} on the card.", id);
-    if (stored == nullptr) return fmt::format("the certificate {} on the card is another one.", id);
-    const Certificate certificate = certificate_from(stored->value);
-    if (certificate && key->wants_pin && key->value == modulus_of(*certificate)) {
-        note(fmt::format(
-            "The key {} wants the PIN before each signature: it was compared with its certificate, not "
-            "tried.",
-            id));
-        return {};
-    }
-    Challenge message{};
-    if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
-        return "no random text could be made.";
-    const Bytes signature = session.sign(key->handle, digest_info(message));
-    if (!certificate || !verifies(*certificate, message, signature))
-        return fmt::format("a signature of the key {} does not verify with its certificate.", id);
-    return {};
+    if (view.certificates(id).empty())
+        return failed(fmt::format("there is no certificate {} on the card.", id));
+    if (key == nullptr) return failed(fmt::format("there is no private key {} on the card.", id));
+    const Certificate certificate = stored == nullptr ? Certificate() : certificate_from(stored->value);
+    if (!certificate) return failed(fmt::format("the certificate {} on the card is another one.", id));
+    return try_key(session, {*key, *certificate}, card, key_pin);
 }
 
 } // namespace
 
-std::string prove_pair(OpenedCard& card, const std::string& id, const Bytes& expected_certificate) {
+std::string in_words(const Proof& proof, const std::string& id) {
+    if (proof.signed_with) return fmt::format("Signed with {} and verified with the new certificate.", id);
+    return fmt::format(
+        "The key {} wants a PIN before each signature. The card's was refused, or not sent on its last "
+        "try:\nthe key was compared with the new certificate instead. It may have a PIN of its own.",
+        id);
+}
+
+Proof prove_pair(OpenedCard& card, const std::string& id, const Bytes& expected_certificate, KeyPin key_pin) {
     try {
-        std::string reason;
-        with_session(card,
-                     [&](const Session& session) { reason = prove(session, id, expected_certificate); });
-        return reason;
+        Proof proof;
+        with_session(card, [&](const Session& session) {
+            proof = prove(session, id, expected_certificate, card, key_pin);
+        });
+        return proof;
     } catch (const Stop& stop) {
-        return fmt::format("the new key could not be tried. {}", stop.sentence);
+        return failed(fmt::format("the new key could not be tried. {}", stop.sentence));
     }
 }
 

@@ -10,6 +10,7 @@
 #include "cli/note.h"
 #include "cli/request_files.h"
 #include "cli/signals.h"
+#include "zvCrypt.h"
 #include "zvRenew.h"
 
 #include <cstring>
@@ -33,6 +34,11 @@ void say_what_comes(const RequestPlan& plan) {
         note(fmt::format("The card's own keys {} stay and sign the request.", plan.pair));
         return;
     }
+    if (plan.signer_wants_pin)
+        note(fmt::format(
+            "The key {} signs the request and wants the PIN for that: it is given the card's. If it "
+            "has a PIN of its own, that fails and costs one of its tries.",
+            plan.old.id));
     if (plan.reuse) {
         note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
         return;
@@ -57,11 +63,16 @@ bool key_failed() {
            said.starts_with("Errore nella operazione di firma");
 }
 
-Advice advice_on(const RequestPlan& plan, const CardNow& now) {
+// Another crypto library may mean something else by these codes.
+bool signer_failed(const RequestPlan& plan, const Stop& stop) {
+    const Json code = stop.facts.value("code", Json(0));
+    return plan.signer_wants_pin && (code == int{ZVC_ERR_KEY_PIN} || code == int{ZVC_ERR_PIN_UNSENT});
+}
+
+Advice advice_on(const RequestPlan& plan, const CardNow& now, const Stop& stop) {
     const Json pair = {{"pair", plan.pair}};
-    if (const CardObject* key = now.view ? now.view->find(CKO_PRIVATE_KEY, plan.pair) : nullptr;
-        key != nullptr && key->wants_pin)
-        return leave_to_card_software(plan.pair);
+    if (now.view && now.view->wants_pin(plan.pair)) return leave_to_card_software(plan.pair);
+    if (signer_failed(plan, stop)) return give_key_the_pin(plan.old.id);
     if (key_failed() && plan.old.kind == Kind::services)
         return {
             "own-keys",
@@ -92,7 +103,7 @@ void explain(OpenedCard& card, const RequestPlan& plan, Stop& stop) {
     const CardNow now = card_now(card);
     stop.card = now.contents;
     // A full card stays full.
-    if (stop.advice.empty()) stop.advice.push_back(advice_on(plan, now));
+    if (stop.advice.empty()) stop.advice.push_back(advice_on(plan, now, stop));
 }
 
 [[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Stop stop) {

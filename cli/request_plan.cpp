@@ -151,24 +151,19 @@ std::vector<std::string> single_keys(const CardView& view, const std::string& pa
     return found;
 }
 
-bool wants_pin(const CardView& view, const std::string& id) {
-    const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
-    return key != nullptr && key->wants_pin;
-}
-
 // A new pair is likely to be as those that are there.
 std::string certified_that_wants_pin(const RequestOptions& options, const Inventory& inventory,
                                      const CardView& view) {
     for (const std::string& id : view.identifiers())
         if (is_of_kind(id, options.kind, inventory.own_pair) && !view.certificates(id).empty() &&
-            wants_pin(view, id))
+            view.wants_pin(id))
             return id;
     return {};
 }
 
 // The pair that is there would fail to sign its request, and one made in its place as well.
 void refuse_unable(const RequestPlan& plan, const CardView& view) {
-    if (wants_pin(view, plan.pair))
+    if (view.wants_pin(plan.pair))
         throw Stop(Exit::refused, fmt::format("The pair {} cannot sign its request.", plan.pair),
                    leave_to_card_software(plan.pair));
 }
@@ -214,6 +209,7 @@ RequestPlan plan_request(const RequestOptions& options, const Inventory& invento
     refuse_doubled(view, {plan.pair, plan.old.id});
     refuse_unable(plan, view);
     plan.left = single_keys(view, plan.pair);
+    plan.signer_wants_pin = view.wants_pin(plan.old.id);
     plan.wants_pin = certified_that_wants_pin(options, inventory, view);
     return plan;
 }

@@ -20,6 +20,7 @@ struct RequestPlan {
     Bytes waiting_key;    ///< modulus of the pair that is on the card already
     std::string
         wants_pin; ///< a certified key of the kind that wants the PIN before each signature; empty for none
+    bool signer_wants_pin = false; ///< the old certificate's key, which signs the request, is such a one
     std::vector<std::string> left; ///< identifiers of single keys, left of other pairs
 };
 

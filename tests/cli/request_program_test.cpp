@@ -92,6 +92,7 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
 
 TEST_F(RequestProgramTest, SaysWhatComesOfKeysThatWantThePinEachTime) {
     make_card(12, "signature-pin");
+    ::setenv("ZVSIMCARD_KEYS", file("keys").c_str(), 1); // its first key is DS3 each time
     const Outcome made = with_pin("request signature --out r");
     EXPECT_EQ(made.code, 1);
     EXPECT_LT(made.err.find("The key DS0 wants the PIN before each"), made.err.find("is generating"))
@@ -104,13 +105,39 @@ TEST_F(RequestProgramTest, SaysWhatComesOfKeysThatWantThePinEachTime) {
         EXPECT_FALSE(again.changed_card());
     }
     EXPECT_EQ(json("list")["advice"][1]["key"], "pin-each-signature");
-    // Where only the old key is so, it is given the PIN and signs.
-    ASSERT_EQ(shell(ZVSIMCARD_TOOL " reset card && sed -i /^pin_each/d $ZVSIMCARD_HOME/card/card.ini").code,
-              0);
-    const Outcome outcome = with_pin("request signature --out r");
+    // Where only the old key is so, it is given the PIN and signs, once that is the one it wants.
+    const auto set = [&](const std::string& lines) {
+        ASSERT_EQ(shell("sed -i '/^pin_each\\|^signature_pin/d' $ZVSIMCARD_HOME/card/card.ini && printf '" +
+                        lines + "' >>$ZVSIMCARD_HOME/card/card.ini")
+                      .code,
+                  0);
+    };
+    ASSERT_EQ(tool("reset card").code, 0);
+    set("signature_pin = 2468\n");
+    const Outcome refused = with_pin("request signature --out r");
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_LT(refused.err.find("costs one of its tries"), refused.err.find("is generating")) << refused.err;
+    EXPECT_TRUE(refused.says("Do not run the same command again as it is: the key DS0")) << refused.err;
+    set("");
+    Outcome outcome = with_pin("request signature --out r");
     EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.count("C_GenerateKeyPair"), 0U);
     ASSERT_EQ(tool("issue r --out c").code, 0);
-    EXPECT_EQ(with_pin("install c --request r").code, 0);
+    // The same pair, wanting the PIN: an installation gives it once, and does with a comparison where it is refused.
+    for (const std::string own : {"", "signature_pin = 2468\n"}) {
+        ASSERT_EQ(tool("reset card").code, 0);
+        set("pin_each_signature = DS\n" + own);
+        ASSERT_EQ(with_pin("request signature").code, 1);
+        outcome = with_pin("install c --request r --backup b" + std::to_string(own.size()));
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.count("C_Login hSession=1 userType=2"), 1U) << outcome.calls;
+        EXPECT_EQ(outcome.says("Signed with DS3"), own.empty()) << outcome.out;
+        EXPECT_EQ(outcome.says("was compared with the new certificate"), !own.empty()) << outcome.out;
+        outcome = with_pin("install c --request r");
+        EXPECT_EQ(outcome.code, 2) << outcome.err;
+        EXPECT_EQ(outcome.count("C_Login hSession=1 userType=2"), 0U) << "no try is spent";
+    }
+    ::unsetenv("ZVSIMCARD_KEYS");
 }
 
 TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
