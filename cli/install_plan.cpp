@@ -14,8 +14,9 @@
 namespace cli {
 namespace {
 
+// Of two that end in the same second the later one in the file.
 bool ends_later(const Certificate& one, const Certificate* other) {
-    return other == nullptr || end_of(*one) > end_of(**other);
+    return other == nullptr || end_of(*one) >= end_of(**other);
 }
 
 // A services card's old and new certificate have one key.
