@@ -11,6 +11,7 @@
 #include <array>
 #include <ctime>
 #include <exception>
+#include <utility>
 
 namespace zvcrypt {
 namespace {
@@ -187,7 +188,8 @@ std::vector<CardCertificate> takeOwn(std::vector<CardCertificate>& all, std::str
 // A second copy of a certificate that signed itself is not its issuer's.
 Certificate takeIssuer(const Certificate& certificate, std::vector<CardCertificate>& others) {
     for (auto& [id, other] : others)
-        if (other && other.der != certificate.der && isIssuedBy(certificate, other)) return std::move(other);
+        if (other && other.der != certificate.der && isIssuedBy(certificate, other))
+            return std::exchange(other, {});
     return {};
 }
 

@@ -1,4 +1,3 @@
-#include "failure.h"
 #include "openssl_ptr.h"
 #include "zvCrypt.h"
 
@@ -17,8 +16,9 @@ MdContextPtr newContext() noexcept {
     return context;
 }
 
-// Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros.
-MdContextPtr& nextContext = undying<MdContextPtr>(newContext());
+// Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros. It lives as
+// long as the process.
+EVP_MD_CTX* nextContext = newContext().release();
 
 } // namespace
 
@@ -27,9 +27,9 @@ void Sha1Digest(int length, unsigned char* data, unsigned char* digest) {
     std::fill_n(digest, ZVC_SHA1_SIZE, static_cast<unsigned char>(0));
     const auto size = static_cast<std::size_t>(std::max(length, 0));
     if (data == nullptr && size > 0) return;
-    MdContextPtr context = std::exchange(nextContext, nullptr);
+    MdContextPtr context(std::exchange(nextContext, nullptr));
     if (context == nullptr) context = newContext();
     if (context != nullptr && EVP_DigestUpdate(context.get(), data, size) == 1)
         (void)EVP_DigestFinal_ex(context.get(), digest, nullptr);
-    nextContext = newContext();
+    nextContext = newContext().release();
 }

@@ -42,10 +42,9 @@ void requireSignaturePin(const Session& session) {
 void giveSignaturePin(const Session& session) {
     const CK_RV result = session.callLogin(CKU_CONTEXT_SPECIFIC, session.keptPin());
     if (result == CKR_OK || needsNone(result)) return;
-    const Failure failure = moduleFailure("C_Login", result);
     // Whatever else it was may have cost a try as well.
-    if (failure.code() != ZVC_ERR_CARD_REMOVED) wasRefused = true;
-    if (!isRefusal(result)) throw failure;
+    if (moduleFailure("C_Login", result).code() != ZVC_ERR_CARD_REMOVED) wasRefused = true;
+    if (!isRefusal(result)) throw moduleFailure("C_Login", result);
     throw Failure(ZVC_ERR_KEY_PIN,
                   moduleReason("PIN di firma rifiutato: può essere diverso dal PIN della smart card",
                                "C_Login", result) +
