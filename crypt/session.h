@@ -27,7 +27,7 @@ class Session {
     void login(std::string_view pin);
     // Also after a later login that failed: the card is open all the same.
     [[nodiscard]] bool loggedIn() const noexcept { return loggedIn_; }
-    // Of this session's own login; empty when the card was open already.
+    // Of the session's own login; empty when the card was open already.
     [[nodiscard]] std::span<unsigned char> keptPin() const noexcept { return pin_.bytes(); }
     [[nodiscard]] CK_RV callLogin(CK_USER_TYPE user, std::span<unsigned char> pin) const;
     // What a reason says behind a refused PIN when the card tells that few tries are left.
