@@ -29,7 +29,7 @@ bool asksForPin(const Session& session, CK_OBJECT_HANDLE key) {
     CK_BBOOL always = CK_FALSE;
     CK_ATTRIBUTE attribute{CKA_ALWAYS_AUTHENTICATE, &always, sizeof always};
     return session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, key, &attribute, CK_ULONG{1}) == CKR_OK &&
-           attribute.ulValueLen == sizeof always && always != CK_FALSE;
+           attribute.ulValueLen == sizeof always && always == CK_TRUE;
 }
 
 void requireSignaturePin(const Session& session) {
