@@ -289,6 +289,22 @@ TEST_F(Sign, WhatAuthoritiesIssueSignsByteByByte) {
 }
 
 // At the end nothing is given any more in this process.
+TEST_F(Sign, AModuleThatAnswersNonsenseGetsNoPin) {
+    const auto own = test::make({.key = keys.next()});
+    hold(simcard::private_key_object(*own.key, "firma", false));
+    hold(own, "firma");
+    for (int read = 1; read <= 12; ++read) {
+        openAndLogin();
+        module.reset();
+        ASSERT_EQ(module.add_rules(("C_GetAttributeValue:" + std::to_string(read) + ":absurd:text").c_str()),
+                  0);
+        (void)signText("testo", "firma");
+        EXPECT_EQ(module.calls("C_Login"), 0U) << read;
+        (void)kvFinalize();
+        module.reset();
+    }
+}
+
 TEST_F(Sign, AKeyThatWantsThePinAtEachSignatureGetsItOnceAndNeverAfterARefusal) {
     const auto own = test::make({.key = keys.next()});
     hold(simcard::private_key_object(*own.key, "chiede", true));
