@@ -47,7 +47,7 @@ CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
     if (is_key(object.type)) object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
     if (object.type == CKO_PRIVATE_KEY) {
         const Bytes always = session.attribute_if_given(handle, CKA_ALWAYS_AUTHENTICATE);
-        object.wants_pin = !always.empty() && always.front() != 0;
+        object.wants_pin = always.size() == 1 && always.front() == CK_TRUE;
     }
     if (object.type == CKO_PUBLIC_KEY)
         object.exponent = without_leading_zeros(session.attribute(handle, CKA_PUBLIC_EXPONENT));
