@@ -17,9 +17,9 @@ class Surroundings : public PendingFlow {
   protected:
     // 0, 1 for a failure that the host is told of, 2 for any other.
     int told(int result) { return result == 0 ? 0 : szBuffErr[0] != '\0' ? 1 : 2; }
+    // A reading that fails tells by its code alone: another process may take away what it has just found.
     int readAndRequest(const std::string& pending, const char* reader = READER) {
-        if (read(PIN, reader).result != 0) return told(2);
-        const int code = told(request(pending));
+        const int code = read(PIN, reader).result != 0 ? 1 : told(request(pending));
         std::ofstream(log.folder() / pending) << (code == 0 ? requestText : "");
         return code;
     }
