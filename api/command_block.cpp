@@ -1,14 +1,14 @@
 #include "api/command_block.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "api/lines.h"
 #include "api/state.h"
 #include "card/detection.h"
 #include "routines.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace zv {
 
@@ -22,7 +22,7 @@ constexpr std::string_view LAST_LINE = "END_STRING";
         key, offsetof(REQRENIN, field), sizeof REQRENIN::field                                               \
     }
 
-constexpr auto blockKeys() {
+constexpr auto block_keys() {
     std::array<BlockKey, BLOCK_KEYS> keys = {
         ZV_KEY("slot:", slot),
         ZV_KEY("certificatelabel:", certificateLabel),
@@ -33,7 +33,7 @@ constexpr auto blockKeys() {
         ZV_KEY("pendinglabel:", pendingLabel),
         ZV_KEY("szcertchain:", szCertChain),
     };
-    std::transform(std::begin(forms::BLOCK), std::end(forms::BLOCK), keys.begin() + FIRST_NAME_KEY,
+    std::transform(std::begin(forms::BLOCK), std::end(forms::BLOCK), keys.begin() + first_name_key,
                    [](const NameSpelling& spelling) {
                        const auto& [key, place] = spelling;
                        return BlockKey{key, offsetof(REQRENIN, dn) + place.offset(), place.width()};
@@ -45,38 +45,38 @@ constexpr auto blockKeys() {
 
 } // namespace
 
-constexpr std::array<BlockKey, BLOCK_KEYS> BLOCK = blockKeys();
+constexpr std::array<BlockKey, BLOCK_KEYS> BLOCK = block_keys();
 
 namespace {
 
-char* fieldOf(REQRENIN& record, const BlockKey& key) {
+char* field_of(REQRENIN& record, const BlockKey& key) {
     return reinterpret_cast<char*>(&record) + key.offset;
 }
 
 // A field of one character has no terminator.
-void setField(REQRENIN& record, const BlockKey& key, std::string_view value) {
-    char* field = fieldOf(record, key);
+void set_field(REQRENIN& record, const BlockKey& key, std::string_view value) {
+    char* field = field_of(record, key);
     if (key.width == 1)
         *field = value.empty() ? '\0' : value.front();
     else
-        copyText(field, key.width, value);
+        copy_text(field, key.width, value);
 }
 
 } // namespace
 
-std::string_view fieldText(const REQRENIN& record, const BlockKey& key) {
-    return boundedText(fieldOf(const_cast<REQRENIN&>(record), key), key.width);
+std::string_view field_text(const REQRENIN& record, const BlockKey& key) {
+    return bounded_text(field_of(const_cast<REQRENIN&>(record), key), key.width);
 }
 
-std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record) {
+std::bitset<BLOCK_KEYS> parse_block(std::string_view block, REQRENIN& record) {
     std::bitset<BLOCK_KEYS> found;
     if (!block.starts_with(BEGIN)) return found;
     block.remove_prefix(BEGIN.size());
     std::string_view line, value;
-    while (nextLine(block, line) && line.find(LAST_LINE) == std::string_view::npos) {
+    while (next_line(block, line) && line.find(LAST_LINE) == std::string_view::npos) {
         for (std::size_t i = 0; i < BLOCK_KEYS; ++i) {
-            if (!valueBehind(line, BLOCK[i].key, value)) continue;
-            setField(record, BLOCK[i], value);
+            if (!value_behind(line, BLOCK[i].key, value)) continue;
+            set_field(record, BLOCK[i], value);
             found.set(i);
             break;
         }
@@ -89,12 +89,12 @@ void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found) {
         if (!found[i]) continue;
         const std::size_t offset = BLOCK[i].offset;
         if (offset == offsetof(REQRENIN, certificateLabel))
-            copyText(certificateLabel, record.certificateLabel);
-        if (offset == offsetof(REQRENIN, pendingLabel)) copyText(pendingLabel, record.pendingLabel);
+            copy_text(certificateLabel, record.certificateLabel);
+        if (offset == offsetof(REQRENIN, pendingLabel)) copy_text(pendingLabel, record.pendingLabel);
         if (offset == offsetof(REQRENIN, cKeepKeys)) cKeepKeys = record.cKeepKeys;
-        if (i < FIRST_NAME_KEY) continue;
-        const NamePlace& place = forms::BLOCK[i - FIRST_NAME_KEY].place;
-        setNameText(dName, place, nameText(record.dn, place));
+        if (i < first_name_key) continue;
+        const NamePlace& place = forms::BLOCK[i - first_name_key].place;
+        set_name_text(dName, place, name_text(record.dn, place));
     }
 }
 
@@ -107,7 +107,7 @@ class BlockWriter {
   public:
     BlockWriter() { zv::szBufferRichiesta[0] = '\0'; }
     BlockWriter& add(std::string_view text) {
-        fits_ = zv::appendText(zv::szBufferRichiesta, text) && fits_;
+        fits_ = zv::append_text(zv::szBufferRichiesta, text) && fits_;
         return *this;
     }
     [[nodiscard]] bool fits() const { return fits_; }
@@ -119,28 +119,28 @@ class BlockWriter {
 };
 
 // Where the PIN stands in the request buffer.
-std::size_t pinStart = 0, pinLength = 0;
+std::size_t pin_start = 0, pin_length = 0;
 
 } // namespace
 
-unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* certChain, char* pendingLabel,
-                               const char* certKind, const char* keepFlag) {
+unsigned long RichiestaMinInfo(char* cert_label, const char* pin, const char* cert_chain, char* pending_label,
+                               const char* cert_kind, const char* keep_flag) {
     BlockWriter writer;
     writer.add("BEGIN_STRING\nslot:")
         .add(ItoA(zv::slot))
         .add("\ncertificatelabel:")
-        .add(zv::orEmpty(certLabel));
+        .add(zv::or_empty(cert_label));
     writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:");
-    pinStart = writer.length();
-    writer.add(zv::orEmpty(pin));
-    pinLength = writer.length() - pinStart;
-    writer.add("\nsztipocert:").add(zv::orEmpty(certKind)).add("\nckeepkeys:").add(zv::orEmpty(keepFlag));
+    pin_start = writer.length();
+    writer.add(zv::or_empty(pin));
+    pin_length = writer.length() - pin_start;
+    writer.add("\nsztipocert:").add(zv::or_empty(cert_kind)).add("\nckeepkeys:").add(zv::or_empty(keep_flag));
     writer.add("\npendinglabel:")
-        .add(zv::orEmpty(pendingLabel))
+        .add(zv::or_empty(pending_label))
         .add("\nszcertchain:")
-        .add(zv::orEmpty(certChain));
+        .add(zv::or_empty(cert_chain));
     for (const auto& [key, place] : zv::forms::BLOCK)
-        writer.add("\n").add(key).add(zv::nameText(zv::dNameRen, place));
+        writer.add("\n").add(key).add(zv::name_text(zv::dNameRen, place));
     const unsigned long length = writer.length();
     writer.add("\nEND_STRING\n");
     if (writer.fits()) return length;
@@ -148,8 +148,8 @@ unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const char* cer
     return 0;
 }
 
-void zv::wipePin() {
-    std::fill_n(szBufferRichiesta + pinStart, std::min(pinLength, std::strlen(szBufferRichiesta + pinStart)),
-                '*');
-    pinLength = 0;
+void zv::wipe_pin() {
+    std::fill_n(szBufferRichiesta + pin_start,
+                std::min(pin_length, std::strlen(szBufferRichiesta + pin_start)), '*');
+    pin_length = 0;
 }

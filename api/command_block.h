@@ -1,64 +1,61 @@
-#ifndef ZV_API_COMMAND_BLOCK_H
-#define ZV_API_COMMAND_BLOCK_H
+#pragma once
+
+#include "records.h"
+#include "util/name_forms.h"
 
 #include <array>
 #include <bitset>
 #include <cstddef>
 #include <string_view>
 
-#include "records.h"
-#include "util/name_forms.h"
-
-/** The text block that carries one command: its keys, and the record that they fill. */
+// The text block that carries one command: its keys, and the record that they fill.
 namespace zv {
 
-/** A key and the field that takes its value. */
+// A key and the field that takes its value.
 struct BlockKey {
     const char* key;
     std::size_t offset;
     std::size_t width;
 };
 
-/** Places of the keys in the block; the distinguished name's follow. */
+// Places of the keys in the block; the distinguished name's follow.
 enum BlockIndex : std::size_t {
-    KEY_SLOT,
-    KEY_CERTIFICATE_LABEL,
-    KEY_MODULE,
-    KEY_PIN,
-    KEY_KIND,
-    KEY_KEEP_FLAG,
-    KEY_PENDING_LABEL,
-    KEY_CERTIFICATE,
-    FIRST_NAME_KEY
+    key_slot,
+    key_certificate_label,
+    key_module,
+    key_pin,
+    key_kind,
+    key_keep_flag,
+    key_pending_label,
+    key_certificate,
+    first_name_key
 };
 
-constexpr std::size_t BLOCK_KEYS = FIRST_NAME_KEY + std::size(forms::BLOCK);
+constexpr std::size_t BLOCK_KEYS = first_name_key + std::size(forms::BLOCK);
 
-/** Written in this order, and looked for in this order in every line. */
+// Written in this order, and looked for in this order in every line.
 extern const std::array<BlockKey, BLOCK_KEYS> BLOCK;
 
-/** What a block is written from, beside slot, module and name. */
+// What a block is written from, beside slot, module and name.
 struct BlockValues {
-    const char* certLabel;
+    const char* cert_label;
     const char* pin;
     const char* certificate;
-    const char* pendingLabel;
+    const char* pending_label;
     const char* kind;
-    const char* keepFlag;
+    const char* keep_flag;
 };
 
-/** Parses a block into a zeroed record. Returns which keys were found. */
-std::bitset<BLOCK_KEYS> parseBlock(std::string_view block, REQRENIN& record);
+// Parses a block into a zeroed record. Returns which keys were found.
+std::bitset<BLOCK_KEYS> parse_block(std::string_view block, REQRENIN& record);
 
-/** Copies what was found to where the lower layers read it. */
+// Copies what was found to where the lower layers read it.
 void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found);
 
-/** The text of a field. */
-[[nodiscard]] std::string_view fieldText(const REQRENIN& record, const BlockKey& key);
+// The text of a field.
+[[nodiscard]] std::string_view field_text(const REQRENIN& record, const BlockKey& key);
 
-/** Overwrites the PIN in the request buffer, where the writer put it last. */
-void wipePin();
+// Overwrites the PIN in the request buffer, where the writer put it last.
+void wipe_pin();
 
 } // namespace zv
-
-#endif

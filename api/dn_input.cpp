@@ -1,45 +1,46 @@
 // The host's name text: brought to one attribute a line, then parsed into the request's name.
-#include <string>
-#include <string_view>
-
 #include "api/dn_input.h"
+
 #include "api/lines.h"
 #include "api/state.h"
 #include "routines.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 
+#include <string>
+#include <string_view>
+
 namespace {
 
 constexpr std::size_t MOST_TEXT = sizeof zv::newstring - 1;
 
-void loadLine(datiDN& name, std::string_view line, std::size_t& orgUnits) {
+void load_line(datiDN& name, std::string_view line, std::size_t& org_units) {
     for (const zv::NameAttribute attribute : zv::forms::HOST_LINE) {
         std::string_view value;
-        if (!zv::valueBehind(line, zv::nameAttribute(attribute).oid, value)) continue;
+        if (!zv::value_behind(line, zv::nameAttribute(attribute).oid, value)) continue;
         zv::NamePlace place = attribute;
         if (attribute == zv::NameAttribute::orgUnit) {
-            if (orgUnits == ZV_ORG_UNITS) return;
-            place.unit = orgUnits++;
+            if (org_units == ZV_ORG_UNITS) return;
+            place.unit = org_units++;
         }
-        zv::setNameText(name, place, zv::cutAtCharacter(value, place.width() - 1));
+        zv::set_name_text(name, place, zv::cut_at_character(value, place.width() - 1));
         return;
     }
 }
 
-void loadText(datiDN& name, std::string_view rest) {
+void load_text(datiDN& name, std::string_view rest) {
     std::string_view line;
-    std::size_t orgUnits = 0;
-    while (zv::nextLine(rest, line))
-        loadLine(name, line, orgUnits);
+    std::size_t org_units = 0;
+    while (zv::next_line(rest, line))
+        load_line(name, line, org_units);
 }
 
-void replaceIn(char* dn, std::size_t size, std::string_view from, std::string_view to) {
+void replace_in(char* dn, std::size_t size, std::string_view from, std::string_view to) {
     char pattern[32], replacement[32];
-    zv::copyText(pattern, from);
-    zv::copyText(replacement, to);
+    zv::copy_text(pattern, from);
+    zv::copy_text(replacement, to);
     replace(dn, pattern, replacement);
-    zv::copyText(dn, size, zv::newstring);
+    zv::copy_text(dn, size, zv::newstring);
 }
 
 // Grows a text of at most MOST_TEXT characters; what would not fit is refused whole.
@@ -87,23 +88,23 @@ template <typename Text> Text replaced(std::string_view rest, std::string_view f
 
 } // namespace
 
-datiDN zv::wholeName(std::string_view dn) {
+datiDN zv::whole_name(std::string_view dn) {
     std::string text(dn);
     for (const auto& [from, place] : zv::forms::HOST_NAMES)
         text = replaced<WholeText>(text, from, nameAttribute(place.attribute).oid).get();
     for (const std::string_view start : zv::forms::HOST_LINE_STARTS)
         text = replaced<WholeText>(text, start, std::string("\n").append(start)).get();
     datiDN name{};
-    loadText(name, text);
+    load_text(name, text);
     return name;
 }
 
 void replace(char* text, char* from, char* to) {
-    const std::string_view whole = zv::orEmpty(text), pattern = zv::orEmpty(from);
+    const std::string_view whole = zv::or_empty(text), pattern = zv::or_empty(from);
     if (pattern.empty() || whole.find(pattern) == std::string_view::npos)
-        zv::copyText(zv::newstring, zv::cutAtCharacter(whole, MOST_TEXT));
+        zv::copy_text(zv::newstring, zv::cut_at_character(whole, MOST_TEXT));
     else
-        zv::copyText(zv::newstring, replaced<BoundedText>(whole, pattern, zv::orEmpty(to)).get());
+        zv::copy_text(zv::newstring, replaced<BoundedText>(whole, pattern, zv::or_empty(to)).get());
 }
 
 void ResettaDN() {
@@ -111,16 +112,16 @@ void ResettaDN() {
 }
 
 void CaricaDN(char* text) {
-    loadText(zv::dNameRen, zv::orEmpty(text));
+    load_text(zv::dNameRen, zv::or_empty(text));
 }
 
 void _RiempiDN(char* dn, unsigned int size) {
     for (const auto& [from, place] : zv::forms::HOST_NAMES)
-        replaceIn(dn, size, from, zv::nameAttribute(place.attribute).oid);
+        replace_in(dn, size, from, zv::nameAttribute(place.attribute).oid);
     for (const std::string_view start : zv::forms::HOST_LINE_STARTS) {
         char broken[32] = "\n";
-        zv::appendText(broken, start);
-        replaceIn(dn, size, start, broken);
+        zv::append_text(broken, start);
+        replace_in(dn, size, start, broken);
     }
     ResettaDN();
     CaricaDN(zv::newstring);

@@ -1,64 +1,64 @@
 #include "api/entry.h"
 
-#include <cstring>
-
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
 #include "util/text.h"
 #include "zvCrypt.h"
 
+#include <cstring>
+
 namespace zv {
 
-void traceModule(const char* prefix) {
-    copyText(szBuffErr, prefix);
-    appendText(szBuffErr, Libreria);
+void trace_module(const char* prefix) {
+    copy_text(szBuffErr, prefix);
+    append_text(szBuffErr, Libreria);
     scriviLog(szBuffErr);
     clear(szBuffErr);
 }
 
-void fetchReason() {
+void fetch_reason() {
     kvLastError(szBuffErr, sizeof szBuffErr);
     szBuffErr[sizeof szBuffErr - 1] = '\0';
 }
 
 int fail(const char* line, int code, const char* text) {
     if (text != nullptr)
-        copyText(szBuffErr, text);
+        copy_text(szBuffErr, text);
     else
-        fetchReason();
+        fetch_reason();
     scriviLog(szBuffErr);
     scriviLog(line);
     return code;
 }
 
-void traceEntry(const char* function, const char* after) {
+void trace_entry(const char* function, const char* after) {
     char line[128] = "Funzione '";
-    appendText(line, function);
-    appendText(line, after);
+    append_text(line, function);
+    append_text(line, after);
     scriviLog(line);
 }
 
-int runCommand(const char* command, const BlockValues& values) {
+int run_command(const char* command, const BlockValues& values) {
     // The writer's parameters are not const, though it only reads them.
-    RichiestaMinInfo(const_cast<char*>(values.certLabel), values.pin, values.certificate,
-                     const_cast<char*>(values.pendingLabel), values.kind, values.keepFlag);
-    int code = guardBlock(values);
+    RichiestaMinInfo(const_cast<char*>(values.cert_label), values.pin, values.certificate,
+                     const_cast<char*>(values.pending_label), values.kind, values.keep_flag);
+    int code = guard_block(values);
     if (code == 0) {
         long length = sizeof szBufferDatiOut;
         code = miExecCmd(command, szBufferRichiesta, static_cast<long>(std::strlen(szBufferRichiesta)),
                          szBufferDatiOut, &length);
     }
-    wipePin();
+    wipe_pin();
     return code;
 }
 
-int failCommand(int code) {
+int fail_command(int code) {
     return fail("Funzione miExecCmd() error!", code, "Errore nella mininfo");
 }
 
-int commandWithoutMemory() {
-    return failCommand(ZV_UNUSABLE);
+int command_without_memory() {
+    return fail_command(ZV_UNUSABLE);
 }
 
 } // namespace zv

@@ -1,36 +1,31 @@
-#ifndef ZV_API_ENTRY_H
-#define ZV_API_ENTRY_H
+#pragma once
 
 #include "api/command_block.h"
 #include "routines.h"
 
-/** What the entry points have in common. */
+// What the entry points have in common.
 namespace zv {
 
-/** Formats the selected module's path after prefix, logs it and clears szBuffErr again. */
-void traceModule(const char* prefix);
+// Formats the selected module's path after prefix, logs it and clears szBuffErr again.
+void trace_module(const char* prefix);
 
-/** Puts the crypto library's last reason into szBuffErr. */
-void fetchReason();
+// Puts the crypto library's last reason into szBuffErr.
+void fetch_reason();
 
-/** Puts a text into szBuffErr, the crypto library's last reason when none is given; logs it, then the line. Returns code. */
+// Puts a text into szBuffErr, the crypto library's last reason when none is given; logs it, then the line. Returns code.
 int fail(const char* line, int code, const char* text = nullptr);
 
-/** Logs "Funzione '", the entry point's name and after. */
-void traceEntry(const char* function, const char* after);
+// Logs "Funzione '", the entry point's name and after.
+void trace_entry(const char* function, const char* after);
 
-/**
- * Writes the command block, runs the command unless the block is not faithful, and forgets the PIN. The result
- * is in szBufferDatiOut.
- */
-[[nodiscard]] int runCommand(const char* command, const BlockValues& values);
+// Writes the command block, runs the command unless the block is not faithful, and forgets the PIN. The result
+// is in szBufferDatiOut.
+[[nodiscard]] int run_command(const char* command, const BlockValues& values);
 
-/** Ends a call whose command was not sent or failed. Returns code. */
-int failCommand(int code);
+// Ends a call whose command was not sent or failed. Returns code.
+int fail_command(int code);
 
-/** failCommand for one that there was no memory for. */
-int commandWithoutMemory();
+// fail_command for one that there was no memory for.
+int command_without_memory();
 
 } // namespace zv
-
-#endif

@@ -1,15 +1,15 @@
 // Entry points that read the card.
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <string>
-
 #include "api/entry.h"
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
 #include "util/guarded.h"
 #include "util/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string>
 
 namespace {
 
@@ -22,64 +22,64 @@ constexpr char NOT_SUPPORTED[] = "Tipo di Smart Card non supportato";
 
 // The host's buffers, stand-ins where it gave none.
 struct Reading {
-    char** listCNS;
-    char** listPRA;
-    char** listAUT;
-    int* pendingCNS;
-    int* pendingPRA;
-    int* pendingAUT;
-    char* keyPRA;
-    char* keyAUT;
-    bool touchSign = false;
-    int dumpResult = 0;
+    char** list_cns;
+    char** list_pra;
+    char** list_aut;
+    int* pending_cns;
+    int* pending_pra;
+    int* pending_aut;
+    char* key_pra;
+    char* key_aut;
+    bool touch_sign = false;
+    int dump_result = 0;
 };
 
-void clearState() {
+void clear_state() {
     zv::clear(szBuffErr, zv::szBufferRichiesta, sSubjectSott, sBuffSott, sSubjectAute, sBuffAute, sLabelSott,
               sLabelAute, zv::pwd);
     zv::slot = 0;
 }
 
-void clearExpiry() {
+void clear_expiry() {
     std::fill_n(dtScadenza, 9, '\0');
 }
 
 int detect(Reading& reading, char* reader) {
     scriviLog("CheckSmartCard");
-    const int code = CheckSmartCard(reading.touchSign, reader);
+    const int code = CheckSmartCard(reading.touch_sign, reader);
     if (code == 0) return 0;
     scriviLog("CheckSmartCard fallita");
     if (code == ZV_UNSUPPORTED)
-        zv::copyText(szBuffErr, NOT_SUPPORTED);
+        zv::copy_text(szBuffErr, NOT_SUPPORTED);
     else
-        zv::fetchReason();
+        zv::fetch_reason();
     scriviLog(szBuffErr);
     return code;
 }
 
-void dumpCard(Reading& reading, char* pin) {
+void dump_card(Reading& reading, char* pin) {
     std::string text;
-    reading.dumpResult = renewDump(zv::Libreria, pin, zv::slot, text);
-    scriviLog(reading.dumpResult == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
+    reading.dump_result = renewDump(zv::Libreria, pin, zv::slot, text);
+    scriviLog(reading.dump_result == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
 }
 
 // A PIN that the dump's session was refused with is not sent again: its result stands for the second one too.
-int openSession(const Reading& reading, char* pin) {
-    if (zv::guardSecondLogin(reading.dumpResult)) return reading.dumpResult;
+int open_session(const Reading& reading, char* pin) {
+    if (zv::guard_second_login(reading.dump_result)) return reading.dump_result;
     return static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));
 }
 
 // The lines that name the kind of card and the routine, and what is done in between.
 template <typename Inventory>
-int readInventory(const Reading& reading, char* pin, const char* card, const char* routine,
-                  Inventory inventory) {
+int read_inventory(const Reading& reading, char* pin, const char* card, const char* routine,
+                   Inventory inventory) {
     const auto line = [card](const char* what, const char* outcome) {
         std::array<char, 128> text{};
         for (const char* part : {"Smart Card ", card, ": ", what, outcome})
-            zv::appendText(text.data(), text.size(), part);
+            zv::append_text(text.data(), text.size(), part);
         return text;
     };
-    int code = openSession(reading, pin);
+    int code = open_session(reading, pin);
     if (code != 0) {
         zv::fail(line("(int)__Initialize()", " error!").data(), code);
         finalizza();
@@ -93,34 +93,34 @@ int readInventory(const Reading& reading, char* pin, const char* card, const cha
     return 0;
 }
 
-int readCard(const Reading& reading, char* pin) {
-    return readInventory(reading, pin, "NON CNS", "NewFind_ALL_CertsKeysRenew()", [&reading] {
-        clearExpiry();
+int read_card(const Reading& reading, char* pin) {
+    return read_inventory(reading, pin, "NON CNS", "NewFind_ALL_CertsKeysRenew()", [&reading] {
+        clear_expiry();
         scriviLog("NewFind_ALL_CertsKeysRenew: INIZIO");
-        return NewFind_ALL_CertsKeysRenew(reading.listPRA, reading.listAUT, sBuffSott, WORK_SIZE,
+        return NewFind_ALL_CertsKeysRenew(reading.list_pra, reading.list_aut, sBuffSott, WORK_SIZE,
                                           sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute,
-                                          WORK_SIZE, sLabelAute, sLabelSott, reading.pendingPRA,
-                                          reading.pendingAUT, reading.keyPRA, reading.keyAUT);
+                                          WORK_SIZE, sLabelAute, sLabelSott, reading.pending_pra,
+                                          reading.pending_aut, reading.key_pra, reading.key_aut);
     });
 }
 
-int readServicesCard(const Reading& reading, char* pin) {
-    return readInventory(reading, pin, "CNS", "NewFind_ALL_CertsKeysRenewCNS()", [&reading] {
-        return NewFind_ALL_CertsKeysRenewCNS(reading.listCNS, reading.listPRA, reading.listAUT, sBuffSott,
-                                             WORK_SIZE, sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE,
-                                             sSubjectAute, WORK_SIZE, sLabelAute, sLabelSott,
-                                             reading.pendingPRA, reading.pendingAUT, reading.pendingCNS,
-                                             reading.keyPRA, reading.keyAUT, dtScadenza, reading.touchSign);
+int read_services_card(const Reading& reading, char* pin) {
+    return read_inventory(reading, pin, "CNS", "NewFind_ALL_CertsKeysRenewCNS()", [&reading] {
+        return NewFind_ALL_CertsKeysRenewCNS(
+            reading.list_cns, reading.list_pra, reading.list_aut, sBuffSott, WORK_SIZE, sSubjectSott,
+            WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute, WORK_SIZE, sLabelAute, sLabelSott,
+            reading.pending_pra, reading.pending_aut, reading.pending_cns, reading.key_pra, reading.key_aut,
+            dtScadenza, reading.touch_sign);
     });
 }
 
-int countOf(char** list) {
+int count_of(char** list) {
     if (list == nullptr || list[0] == nullptr) return 0;
     return static_cast<int>(std::min(std::strtol(list[0], nullptr, 10), long{ZV_LIST_ENTRIES - 1}));
 }
 
-void traceList(const char* title, char** list) {
-    const int count = countOf(list);
+void trace_list(const char* title, char** list) {
+    const int count = count_of(list);
     for (int i = 1; i <= count; ++i) {
         scriviLog(title);
         scriviLog(list[i]);
@@ -128,106 +128,106 @@ void traceList(const char* title, char** list) {
     }
 }
 
-void traceKey(int pending, const char* key, const char* pendingTitle, const char* freeTitle) {
+void trace_key(int pending, const char* key, const char* pending_title, const char* free_title) {
     if (pending == 1)
-        scriviLog(pendingTitle);
+        scriviLog(pending_title);
     else if (pending == 0 && key[0] != '\0')
-        scriviLog(freeTitle);
+        scriviLog(free_title);
     else
         return;
     scriviLog(key);
 }
 
-void traceSummary(const Reading& reading) {
+void trace_summary(const Reading& reading) {
     scriviLog(DASHES_33);
     scriviLog("Certificati presenti nella Smart Card..");
-    traceList("CNS:", reading.listCNS);
-    traceList("PRA:", reading.listPRA);
-    traceList("AUT:", reading.listAUT);
-    traceKey(*reading.pendingPRA, reading.keyPRA, "Chiave Pending PRA:", "FREE CKAID PRA:");
-    traceKey(*reading.pendingAUT, reading.keyAUT, "Chiave Pending AUT:", "FREE CKAID AUT:");
-    if (*reading.pendingCNS == 1) scriviLog("Chiave Pending CNS: Si");
+    trace_list("CNS:", reading.list_cns);
+    trace_list("PRA:", reading.list_pra);
+    trace_list("AUT:", reading.list_aut);
+    trace_key(*reading.pending_pra, reading.key_pra, "Chiave Pending PRA:", "FREE CKAID PRA:");
+    trace_key(*reading.pending_aut, reading.key_aut, "Chiave Pending AUT:", "FREE CKAID AUT:");
+    if (*reading.pending_cns == 1) scriviLog("Chiave Pending CNS: Si");
     scriviLog(DASHES_33);
 }
 
 int read(Reading& reading, char* reader, char* pin) {
     if (reader != nullptr && std::string_view(reader).find(".dll") != std::string_view::npos) {
-        zv::copyText(zv::Libreria, reader);
+        zv::copy_text(zv::Libreria, reader);
         zv::isCNS = true;
-        clearExpiry();
-        return readServicesCard(reading, pin);
+        clear_expiry();
+        return read_services_card(reading, pin);
     }
     if (const int code = detect(reading, reader)) return code;
-    zv::traceModule("Libreria pkcs #11 selezionata: ");
-    dumpCard(reading, pin);
-    if (!zv::isCNS) return readCard(reading, pin);
-    clearExpiry();
-    return readServicesCard(reading, pin);
+    zv::trace_module("Libreria pkcs #11 selezionata: ");
+    dump_card(reading, pin);
+    if (!zv::isCNS) return read_card(reading, pin);
+    clear_expiry();
+    return read_services_card(reading, pin);
 }
 
-int closeUnusable() {
+int close_unusable() {
     finalizza();
     return ZV_UNUSABLE;
 }
 
-int readAll(Reading& reading, char* reader, char* pin, const char* moduleDir) {
-    for (int* flag : {reading.pendingCNS, reading.pendingPRA, reading.pendingAUT})
+int read_all(Reading& reading, char* reader, char* pin, const char* module_dir) {
+    for (int* flag : {reading.pending_cns, reading.pending_pra, reading.pending_aut})
         *flag = 0;
-    clearState();
+    clear_state();
     for (const char* line : {"zvRenew", ZV_VERSION, DASHES_34, "Funzione 'rinnovo_Card_readCerts': INIZIO"})
         scriviLog(line);
-    zv::copyText(zv::pwd, zv::orEmpty(moduleDir));
+    zv::copy_text(zv::pwd, zv::or_empty(module_dir));
     scriviLog(zv::pwd);
     if (const int code = read(reading, reader, pin)) return code;
-    traceSummary(reading);
+    trace_summary(reading);
     scriviLog("Funzione 'rinnovo_Card_readCerts' correttamente Eseguita!");
     return 0;
 }
 
-int findFree(char* reader, char* pin, char* keyPRA, char* keyAUT) {
-    static constexpr char DETECTION_FAILED[] = "Funzione CheckSmartCard() error!";
-    bool touchSign = false;
-    int code = CheckSmartCard(touchSign, reader);
-    if (code == ZV_UNSUPPORTED) return zv::fail(DETECTION_FAILED, code, NOT_SUPPORTED);
-    if (code != 0) return zv::fail(DETECTION_FAILED, code);
+int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
+    static constexpr char detection_failed[] = "Funzione CheckSmartCard() error!";
+    bool touch_sign = false;
+    int code = CheckSmartCard(touch_sign, reader);
+    if (code == ZV_UNSUPPORTED) return zv::fail(detection_failed, code, NOT_SUPPORTED);
+    if (code != 0) return zv::fail(detection_failed, code);
     code = static_cast<int>(__Initialize(zv::slot, pin, zv::Libreria));
     if (code != 0) {
         zv::fail("Funzione (int)__Initialize() error!", code);
         finalizza();
         return code;
     }
-    code = findFreeCKAID(keyPRA, keyAUT, touchSign);
+    code = findFreeCKAID(key_pra, key_aut, touch_sign);
     finalizza();
     return code == 0 ? 0 : zv::fail("Funzione findFreeCKAID() error!", code);
 }
 
 } // namespace
 
-int rinnovo_Card_readCerts(char* reader, char* pin, int, char** listCNS, char** listPRA, char** listAUT,
-                           int* pendingCNS, int* pendingPRA, int* pendingAUT, char* keyPRA, char* keyAUT,
-                           char*, const char* moduleDir) {
+int rinnovo_Card_readCerts(char* reader, char* pin, int, char** list_cns, char** list_pra, char** list_aut,
+                           int* pending_cns, int* pending_pra, int* pending_aut, char* key_pra, char* key_aut,
+                           char*, const char* module_dir) {
     int flags[3] = {};
-    char keys[2][ZV_KEY_ID_SIZE] = {}, noPin[] = "";
-    Reading reading = {listCNS,
-                       listPRA,
-                       listAUT,
-                       pendingCNS != nullptr ? pendingCNS : &flags[0],
-                       pendingPRA != nullptr ? pendingPRA : &flags[1],
-                       pendingAUT != nullptr ? pendingAUT : &flags[2],
-                       keyPRA != nullptr ? keyPRA : keys[0],
-                       keyAUT != nullptr ? keyAUT : keys[1]};
-    return zv::guarded(closeUnusable,
-                       [&] { return readAll(reading, reader, pin != nullptr ? pin : noPin, moduleDir); });
+    char keys[2][ZV_KEY_ID_SIZE] = {}, no_pin[] = "";
+    Reading reading = {list_cns,
+                       list_pra,
+                       list_aut,
+                       pending_cns != nullptr ? pending_cns : &flags[0],
+                       pending_pra != nullptr ? pending_pra : &flags[1],
+                       pending_aut != nullptr ? pending_aut : &flags[2],
+                       key_pra != nullptr ? key_pra : keys[0],
+                       key_aut != nullptr ? key_aut : keys[1]};
+    return zv::guarded(close_unusable,
+                       [&] { return read_all(reading, reader, pin != nullptr ? pin : no_pin, module_dir); });
 }
 
-int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, char* keyAUT) {
-    char keys[2][ZV_KEY_ID_SIZE] = {}, noPin[] = "";
-    if (keyPRA == nullptr) keyPRA = keys[0];
-    if (keyAUT == nullptr) keyAUT = keys[1];
+int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* key_pra, char* key_aut) {
+    char keys[2][ZV_KEY_ID_SIZE] = {}, no_pin[] = "";
+    if (key_pra == nullptr) key_pra = keys[0];
+    if (key_aut == nullptr) key_aut = keys[1];
     scriviLog("Funzione 'rinnovo_Card_findFreeCKAID': INIZIO");
-    if (const int code = findFree(reader, pin != nullptr ? pin : noPin, keyPRA, keyAUT)) return code;
+    if (const int code = find_free(reader, pin != nullptr ? pin : no_pin, key_pra, key_aut)) return code;
     for (const char* line :
-         {DASHES_33, "Free CKAID:", static_cast<const char*>(keyPRA), static_cast<const char*>(keyAUT),
+         {DASHES_33, "Free CKAID:", static_cast<const char*>(key_pra), static_cast<const char*>(key_aut),
           DASHES_33, "Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!"})
         scriviLog(line);
     return 0;

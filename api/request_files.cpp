@@ -10,7 +10,7 @@ namespace zv {
 
 namespace {
 
-bool writeAll(int descriptor, std::string_view text) {
+bool write_all(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;
@@ -29,26 +29,26 @@ RequestFile::~RequestFile() {
 bool RequestFile::create(std::string_view text) {
     ::unlink(REQUEST_FILE);
     descriptor_ = ::open(REQUEST_FILE, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    keepOutOfReach();
-    return descriptor_ >= 0 && writeAll(descriptor_, text);
+    keep_out_of_reach();
+    return descriptor_ >= 0 && write_all(descriptor_, text);
 }
 
 // There are modules that go on using the number of a descriptor that they closed; the lowest free ones are such.
-void RequestFile::keepOutOfReach() {
-    constexpr int seldomReached = 100;
-    const int moved = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, seldomReached);
+void RequestFile::keep_out_of_reach() {
+    constexpr int seldom_reached = 100;
+    const int moved = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, seldom_reached);
     if (moved < 0) return;
     ::close(descriptor_);
     descriptor_ = moved;
 }
 
-bool RequestFile::isOurs() const {
+bool RequestFile::is_ours() const {
     struct stat created, named;
     return ::fstat(descriptor_, &created) == 0 && ::lstat(REQUEST_FILE, &named) == 0 &&
            created.st_dev == named.st_dev && created.st_ino == named.st_ino;
 }
 
-int openBase64() {
+int open_base64() {
     const int descriptor = ::open(BASE64_FILE, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     struct stat status;
     if (descriptor < 0 || (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))) return descriptor;
@@ -56,7 +56,7 @@ int openBase64() {
     return -1;
 }
 
-std::size_t readAll(int descriptor, char* out, std::size_t size) {
+std::size_t read_all(int descriptor, char* out, std::size_t size) {
     std::size_t total = 0;
     while (total < size) {
         const ssize_t got = ::read(descriptor, out + total, size - total);
@@ -67,7 +67,7 @@ std::size_t readAll(int descriptor, char* out, std::size_t size) {
     return total;
 }
 
-void removeRequestFiles() {
+void remove_request_files() {
     for (const char* path : {REQUEST_FILE, SIGNED_FILE, BASE64_FILE})
         ::unlink(path);
 }

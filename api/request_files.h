@@ -1,20 +1,17 @@
-#ifndef ZV_API_REQUEST_FILES_H
-#define ZV_API_REQUEST_FILES_H
+#pragma once
 
 #include <cstddef>
 #include <string_view>
 
-/** The files through which a request goes to the crypto library and comes back signed. */
+// The files through which a request goes to the crypto library and comes back signed.
 namespace zv {
 
 inline constexpr char REQUEST_FILE[] = "/tmp/tmpReqFile";
 inline constexpr char SIGNED_FILE[] = "/tmp/szP7MName";
 inline constexpr char BASE64_FILE[] = "/tmp/szP7MNameB64";
 
-/**
- * The request file, created anew. Its descriptor is kept, so that another process that takes the name over is
- * noticed: two requests made at the same time must not be swapped.
- */
+// The request file, created anew. Its descriptor is kept, so that another process that takes the name over is
+// noticed: two requests made at the same time must not be swapped.
 class RequestFile {
   public:
     RequestFile() = default;
@@ -22,27 +19,25 @@ class RequestFile {
     RequestFile& operator=(const RequestFile&) = delete;
     ~RequestFile();
 
-    /** Removes a leftover of the name (a link itself, never its target), creates the file and writes the
-     * text. */
+    // Removes a leftover of the name (a link itself, never its target), creates the file and writes the
+    // text.
     [[nodiscard]] bool create(std::string_view text);
-    /** True while the name still leads to the file that was created. */
-    [[nodiscard]] bool isOurs() const;
+    // True while the name still leads to the file that was created.
+    [[nodiscard]] bool is_ours() const;
 
   private:
-    void keepOutOfReach();
+    void keep_out_of_reach();
 
     int descriptor_ = -1;
 };
 
-/** Opens the base64 file without following a link. Returns a descriptor, or -1. */
-[[nodiscard]] int openBase64();
+// Opens the base64 file without following a link. Returns a descriptor, or -1.
+[[nodiscard]] int open_base64();
 
-/** Reads at most size bytes. Returns how many there were. */
-[[nodiscard]] std::size_t readAll(int descriptor, char* out, std::size_t size);
+// Reads at most size bytes. Returns how many there were.
+[[nodiscard]] std::size_t read_all(int descriptor, char* out, std::size_t size);
 
-/** Removes the three files. */
-void removeRequestFiles();
+// Removes the three files.
+void remove_request_files();
 
 } // namespace zv
-
-#endif

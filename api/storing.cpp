@@ -1,7 +1,4 @@
 // Entry points that store an issued certificate.
-#include <cstring>
-#include <string>
-
 #include "api/entry.h"
 #include "api/guards.h"
 #include "api/lines.h"
@@ -9,87 +6,92 @@
 #include "util/guarded.h"
 #include "util/text.h"
 
+#include <cstring>
+#include <string>
+
 namespace {
 
 struct Storing {
     const char* function; // name of the entry point, for the log
     const char* kind;
-    char* certLabel;
-    char* pendingLabel;
+    char* cert_label;
+    char* pending_label;
     const char* pin;
     std::string certificate;
-    bool keepOld;
+    bool keep_old;
 };
 
 int store(const Storing& storing) {
     const char* certificate = storing.certificate.c_str();
-    const zv::StoringCall call = {zv::trimRight(storing.pendingLabel), storing.certLabel, storing.kind,
-                                  certificate, !storing.keepOld};
-    if (const int stopped = zv::guardStoring(call)) return stopped;
-    return zv::runCommand("REQSCA", {storing.certLabel, storing.pin, certificate, storing.pendingLabel,
-                                     storing.kind, storing.keepOld ? "R" : "D"});
+    const zv::StoringCall call = {zv::trim_right(storing.pending_label), storing.cert_label, storing.kind,
+                                  certificate, !storing.keep_old};
+    if (const int stopped = zv::guard_storing(call)) return stopped;
+    return zv::run_command("REQSCA", {storing.cert_label, storing.pin, certificate, storing.pending_label,
+                                      storing.kind, storing.keep_old ? "R" : "D"});
 }
 
 // The command block has one line for the certificate.
-std::string withoutLineBreaks(const char* text) {
-    std::string line(zv::orEmpty(text));
+std::string without_line_breaks(const char* text) {
+    std::string line(zv::or_empty(text));
     std::erase_if(line, [](char c) { return c == '\r' || c == '\n'; });
     return line;
 }
 
 void begin(const Storing& storing) {
     zv::clear(szBuffErr, zv::szBufferRichiesta);
-    zv::traceEntry(storing.function, "': INIZIO");
-    zv::traceModule("Libreria pkcs#11 selezionata: ");
+    zv::trace_entry(storing.function, "': INIZIO");
+    zv::trace_module("Libreria pkcs#11 selezionata: ");
     ResettaDN();
 }
 
 int finish(const Storing& storing, int code) {
-    if (code != 0) return zv::failCommand(code);
+    if (code != 0) return zv::fail_command(code);
     scriviLog("OUTPUT DA MININFO:");
     scriviLog(zv::szBufferDatiOut);
-    zv::traceEntry(storing.function, "' corretamente Eseguita");
+    zv::trace_entry(storing.function, "' corretamente Eseguita");
     return 0;
 }
 
 // An empty label, also in the host's buffer, is the card's first one.
-void settleLabel(char* certLabel, const char* first) {
-    RTrim(certLabel);
-    if (certLabel[0] == '\0') std::strcpy(certLabel, first);
+void settle_label(char* cert_label, const char* first) {
+    RTrim(cert_label);
+    if (cert_label[0] == '\0') std::strcpy(cert_label, first);
 }
 
-int save(Storing&& storing, const char* firstLabel, bool mayBeCNS, const char* certChain) {
-    return zv::guarded(zv::commandWithoutMemory, [&] {
+int save(Storing&& storing, const char* first_label, bool may_be_cns, const char* cert_chain) {
+    return zv::guarded(zv::command_without_memory, [&] {
         begin(storing);
-        settleLabel(storing.certLabel, firstLabel);
-        if (mayBeCNS && std::strcmp(storing.certLabel, "CNS0") == 0) storing.kind = "CNS";
-        storing.certificate = withoutLineBreaks(certChain);
+        settle_label(storing.cert_label, first_label);
+        if (may_be_cns && std::strcmp(storing.cert_label, "CNS0") == 0) storing.kind = "CNS";
+        storing.certificate = without_line_breaks(cert_chain);
         return finish(storing, store(storing));
     });
 }
 
 } // namespace
 
-int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLabel, char* certChain, bool keepOld) {
-    char noLabel[32] = "", noPending[] = "";
+int rinnovo_Card_saveCertPRA(char* pin, char* cert_label, char* pending_label, char* cert_chain,
+                             bool keep_old) {
+    char no_label[32] = "", no_pending[] = "";
     return save({"rinnovo_Card_saveCertPRA",
                  "PRA",
-                 certLabel != nullptr ? certLabel : noLabel,
-                 pendingLabel != nullptr ? pendingLabel : noPending,
-                 zv::orEmpty(pin),
+                 cert_label != nullptr ? cert_label : no_label,
+                 pending_label != nullptr ? pending_label : no_pending,
+                 zv::or_empty(pin),
                  {},
-                 keepOld},
-                "DS0", false, certChain);
+                 keep_old},
+                "DS0", false, cert_chain);
 }
 
-int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLabel, char* certChain, bool keepOld) {
-    char noLabel[32] = "", noPending[] = "";
+int rinnovo_Card_saveCertAUT(char* pin, char* cert_label, char* pending_label, char* cert_chain,
+                             bool keep_old) {
+    char no_label[32] = "", no_pending[] = "";
     return save({"rinnovo_Card_saveCertAUT",
                  "AUT",
-                 certLabel != nullptr ? certLabel : noLabel,
-                 pendingLabel != nullptr ? pendingLabel : noPending,
-                 zv::orEmpty(pin),
+                 cert_label != nullptr ? cert_label : no_label,
+                 pending_label != nullptr ? pending_label : no_pending,
+                 zv::or_empty(pin),
                  {},
-                 keepOld},
-                "AUTHCertificate0", true, certChain);
+                 keep_old},
+                "AUTHCertificate0", true, cert_chain);
 }

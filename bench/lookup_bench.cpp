@@ -6,12 +6,12 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -58,7 +58,7 @@ class Configuration {
     std::filesystem::path folder_;
 };
 
-void lookUp(benchmark::State& state, const char* name, bool known) {
+void look_up(benchmark::State& state, const char* name, bool known) {
     std::string reader = name;
     char module[ZVC_MODULE_NAME_SIZE];
     if (kvGetPKCS11FromATR(reader.data(), module) != ZVC_OK || (module[0] != '\0') != known)
@@ -67,16 +67,16 @@ void lookUp(benchmark::State& state, const char* name, bool known) {
 
 void Unchanged(benchmark::State& state) {
     const Configuration configuration(state.range(0));
-    lookUp(state, "last", true);
+    look_up(state, "last", true);
     for (auto _ : state)
-        lookUp(state, "last", true);
+        look_up(state, "last", true);
 }
 
 void UnchangedUnknownCard(benchmark::State& state) {
     const Configuration configuration(state.range(0));
-    lookUp(state, "unknown", false);
+    look_up(state, "unknown", false);
     for (auto _ : state)
-        lookUp(state, "unknown", false);
+        look_up(state, "unknown", false);
 }
 
 void Rewritten(benchmark::State& state) {
@@ -86,7 +86,7 @@ void Rewritten(benchmark::State& state) {
         state.PauseTiming();
         configuration.date(++day);
         state.ResumeTiming();
-        lookUp(state, "last", true);
+        look_up(state, "last", true);
     }
 }
 

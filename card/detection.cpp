@@ -1,11 +1,11 @@
 #include "card/detection.h"
 
+#include "card/session.h"
+#include "util/text.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
-
-#include "card/session.h"
-#include "util/text.h"
 
 bool is1205SerialToken = false;
 
@@ -27,30 +27,30 @@ constexpr int UNSUPPORTED = 100;
 // A serial number has 16 characters; the rest of its buffer is left as it is.
 constexpr std::size_t SERIAL_CLEARED = 17;
 
-bool serialBegins(std::string_view series) {
-    return zv::boundedText(zv::szSerialNumber, sizeof zv::szSerialNumber).starts_with(series);
+bool serial_begins(std::string_view series) {
+    return zv::bounded_text(zv::szSerialNumber, sizeof zv::szSerialNumber).starts_with(series);
 }
 
 int failed(const char* operation, int code) {
     char text[64] = "CheckSmartCard ";
-    zv::appendText(text, operation);
-    zv::appendText(text, " fallita");
+    zv::append_text(text, operation);
+    zv::append_text(text, " fallita");
     scriviLog(text);
     return code;
 }
 
 // Takes the given reader, or else the first of the list. False: there is none.
-bool selectReader(const char* reader, char (&list)[1024]) {
+bool select_reader(const char* reader, char (&list)[1024]) {
     char* separator = std::strchr(list, '|');
     if (reader == nullptr && separator == nullptr) return false;
     if (separator != nullptr) *separator = '\0';
-    zv::copyText(zv::scReader, reader != nullptr ? reader : list);
+    zv::copy_text(zv::scReader, reader != nullptr ? reader : list);
     scriviLog("Lettore selezionato:");
     scriviLog(zv::scReader);
     return true;
 }
 
-int findModule(char (&module)[512]) {
+int find_module(char (&module)[512]) {
     if (zv::g_ATRINI_dir[0] != '\0') {
         const int code = kvGetPKCS11FromATRLite(zv::scReader, module, zv::g_ATRINI_dir);
         if (code != 0) return failed("kvGetPKCS11FromATRLite", code);
@@ -62,13 +62,13 @@ int findModule(char (&module)[512]) {
     return 0;
 }
 
-void selectModule(const char* fileName) {
-    zv::copyText(zv::Libreria, zv::pwd);
-    zv::appendText(zv::Libreria, "/");
-    zv::appendText(zv::Libreria, fileName);
+void select_module(const char* file_name) {
+    zv::copy_text(zv::Libreria, zv::pwd);
+    zv::append_text(zv::Libreria, "/");
+    zv::append_text(zv::Libreria, file_name);
 }
 
-int readSerialNumber() {
+int read_serial_number() {
     kvFinalize();
     int code = kvInitialize(zv::Libreria, zv::slot);
     if (code != 0) return failed("kvInitialize", code);
@@ -79,14 +79,14 @@ int readSerialNumber() {
     const int closed = kvFinalize();
     scriviLog("Numero seriale smart card: ");
     scriviLog(zv::szSerialNumber);
-    is1205SerialToken = serialBegins("1205");
+    is1205SerialToken = serial_begins("1205");
     // Cards of this series are refused on purpose.
-    return serialBegins("1201") ? UNSUPPORTED : closed;
+    return serial_begins("1201") ? UNSUPPORTED : closed;
 }
 
 } // namespace
 
-int CheckSmartCard(bool& isTouchSign, char* reader) {
+int CheckSmartCard(bool& is_touch_sign, char* reader) {
     std::fill_n(zv::szSerialNumber, SERIAL_CLEARED, '\0');
     zv::Libreria[0] = '\0';
     zv::scReader[0] = '\0';
@@ -97,33 +97,33 @@ int CheckSmartCard(bool& isTouchSign, char* reader) {
     list[sizeof list - 1] = '\0';
     scriviLog("Lista lettori:");
     scriviLog(list);
-    if (!selectReader(reader, list)) return 0;
+    if (!select_reader(reader, list)) return 0;
 
     char module[512] = {};
-    code = findModule(module);
+    code = find_module(module);
     if (code != 0) return code;
     if (module[0] == '\0') return UNSUPPORTED;
     if (kvIsCNSINCARD() != 0) zv::isCNS = true;
-    if (kvIsTOUCHSIGN() != 0) isTouchSign = true;
-    selectModule(module);
+    if (kvIsTOUCHSIGN() != 0) is_touch_sign = true;
+    select_module(module);
     scriviLog(zv::Libreria);
 
     const unsigned found = getSlot(zv::scReader, zv::Libreria);
     if (found == zv::NO_SLOT) return failed("getSlot", -1);
     zv::slot = static_cast<int>(found);
-    return readSerialNumber();
+    return read_serial_number();
 }
 
 void set_ATRini_path(const char* dir) {
-    const std::string_view path = zv::orEmpty(dir);
-    zv::copyText(zv::g_ATRINI_dir, path.size() < sizeof zv::g_ATRINI_dir ? path : std::string_view());
+    const std::string_view path = zv::or_empty(dir);
+    zv::copy_text(zv::g_ATRINI_dir, path.size() < sizeof zv::g_ATRINI_dir ? path : std::string_view());
 }
 
-int DoInitialize(char* libPath, char* pin) {
+int DoInitialize(char* lib_path, char* pin) {
     char none[] = "";
     kvFinalize();
-    const int code = kvInitialize(libPath != nullptr ? libPath : none, zv::slot);
-    return code == 0 ? kvLogin(zv::orEmpty(pin)) : code;
+    const int code = kvInitialize(lib_path != nullptr ? lib_path : none, zv::slot);
+    return code == 0 ? kvLogin(zv::or_empty(pin)) : code;
 }
 
 int DoFinalize() {

@@ -8,51 +8,51 @@ namespace {
 constexpr char LIGHT_TITLE[] = "INIZIALIZZA_FUN";
 constexpr CK_RV UNUSABLE = ~CK_RV{0};
 
-void traceResult(const char* step, CK_RV result) {
+void trace_result(const char* step, CK_RV result) {
     zv::trace(LIGHT_TITLE, step, CatLtoAHex1("Ret Code = ", static_cast<long>(result)));
 }
 
-bool loadForLight(const char* path) {
-    zv::hModule = zv::openModule(path);
-    traceResult(CatSZtoSZ("LoadLibrary: ", path), zv::hModule != nullptr ? CKR_OK : UNUSABLE);
+bool load_for_light(const char* path) {
+    zv::hModule = zv::open_module(path);
+    trace_result(CatSZtoSZ("LoadLibrary: ", path), zv::hModule != nullptr ? CKR_OK : UNUSABLE);
     if (zv::hModule == nullptr) return false;
-    if (zv::takeFunctionList()) return true;
-    traceResult("GetProcAddress", UNUSABLE);
+    if (zv::take_function_list()) return true;
+    trace_result("GetProcAddress", UNUSABLE);
     return false;
 }
 
-CK_RV startModule() {
+CK_RV start_module() {
     const CK_RV result = zv::call<&zv::Functions::C_Initialize>(nullptr);
-    traceResult("C_Initialize", result);
+    trace_result("C_Initialize", result);
     return result == CKR_CRYPTOKI_ALREADY_INITIALIZED ? CKR_OK : result;
 }
 
-CK_RV countSlots() {
+CK_RV count_slots() {
     CK_ULONG count = 0;
     const CK_RV result = zv::call<&zv::Functions::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count);
-    traceResult("C_GetSlotList FALSE", result);
+    trace_result("C_GetSlotList FALSE", result);
     return result;
 }
 
-CK_RV openAndLogin(const char* pin) {
-    CK_RV result = zv::openSession(zv::slotID);
-    traceResult("C_OpenSession", result);
+CK_RV open_and_login(const char* pin) {
+    CK_RV result = zv::open_session(zv::slotID);
+    trace_result("C_OpenSession", result);
     if (result != CKR_OK) return result;
     result = zv::login(CKU_USER, pin);
-    traceResult("C_Login", result);
+    trace_result("C_Login", result);
     return result == CKR_USER_ALREADY_LOGGED_IN ? CKR_OK : result;
 }
 
 } // namespace
 
-CK_RV __Initialize(int slot, char* pin, char* libPath) {
-    const char* path = zv::orEmpty(libPath);
+CK_RV __Initialize(int slot, char* pin, char* lib_path) {
+    const char* path = zv::or_empty(lib_path);
     zv::trace(LIGHT_TITLE, CatItoAHex1("SlotNum = ", slot));
     zv::slotID = static_cast<CK_SLOT_ID>(static_cast<long>(slot));
     // A blank path is what a command block carries when no module is known.
-    if (path[0] == ' ' || !loadForLight(path)) return UNUSABLE;
-    CK_RV result = startModule();
-    if (result == CKR_OK) result = countSlots();
-    if (result == CKR_OK) result = openAndLogin(zv::orEmpty(pin));
+    if (path[0] == ' ' || !load_for_light(path)) return UNUSABLE;
+    CK_RV result = start_module();
+    if (result == CKR_OK) result = count_slots();
+    if (result == CKR_OK) result = open_and_login(zv::or_empty(pin));
     return result;
 }

@@ -1,10 +1,10 @@
 #include "card/session.h"
 
+#include "diag/log.h"
+
 #include <dlfcn.h>
 
 #include <cstring>
-
-#include "diag/log.h"
 
 namespace zv {
 
@@ -18,35 +18,35 @@ CK_SLOT_ID vettoreSlotID[CACHED_SLOTS] = {};
 namespace {
 
 // Set while the loaded module has given no list of its own.
-bool listMissing = false;
+bool list_missing = false;
 
 } // namespace
 
-void* openModule(const char* path) {
+void* open_module(const char* path) {
     // What is left of an earlier failure would be taken for this one's reason.
     ::dlerror();
     return path[0] != '\0' ? ::dlopen(path, RTLD_NOW) : nullptr;
 }
 
-CK_FUNCTION_LIST* functionListOf(void* module) {
+CK_FUNCTION_LIST* function_list_of(void* module) {
     const auto give = reinterpret_cast<CK_C_GetFunctionList>(::dlsym(module, "C_GetFunctionList"));
     CK_FUNCTION_LIST* list = nullptr;
     if (invoke(give, &list) != CKR_OK) return nullptr;
     return list;
 }
 
-bool takeFunctionList() {
-    CK_FUNCTION_LIST* list = functionListOf(hModule);
-    listMissing = list == nullptr;
+bool take_function_list() {
+    CK_FUNCTION_LIST* list = function_list_of(hModule);
+    list_missing = list == nullptr;
     if (list != nullptr) p = list;
     return list != nullptr;
 }
 
-bool moduleAnswers() {
-    return hModule != nullptr && p != nullptr && !listMissing;
+bool module_answers() {
+    return hModule != nullptr && p != nullptr && !list_missing;
 }
 
-CK_RV openSession(CK_SLOT_ID slot) {
+CK_RV open_session(CK_SLOT_ID slot) {
     CK_SESSION_HANDLE opened = 0;
     const CK_RV result = call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION},
                                                          nullptr, nullptr, &opened);
@@ -66,12 +66,12 @@ CK_RV login(CK_USER_TYPE user, const char* pin) {
 } // namespace zv
 
 void finalizza() {
-    static constexpr char TITLE[] = " .... Finalizza FUN                  .... ";
-    const auto traceState = [](const char* title) {
+    static constexpr char title[] = " .... Finalizza FUN                  .... ";
+    const auto trace_state = [](const char* title) {
         char* session = CatLtoAHex1("hSession = ", static_cast<long>(zv::hSession));
         WriteLog(title, session, 0, CatLtoAHex2("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
     };
-    traceState(TITLE);
+    trace_state(title);
     if (zv::hSession != 0) {
         zv::call<&zv::Functions::C_Logout>(zv::hSession);
         zv::call<&zv::Functions::C_CloseSession>(zv::hSession);
@@ -81,7 +81,7 @@ void finalizza() {
         zv::call<&zv::Functions::C_Finalize>(nullptr);
         ::dlclose(zv::hModule);
         zv::hModule = nullptr;
-        zv::listMissing = false;
+        zv::list_missing = false;
     }
-    traceState("Funzione finalizza(): fine");
+    trace_state("Funzione finalizza(): fine");
 }

@@ -1,4 +1,7 @@
 // getSlot: asks a module which slot belongs to a reader, apart from the library's own session.
+#include "card/session.h"
+#include "util/text.h"
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -6,9 +9,6 @@
 #include <cstring>
 #include <memory>
 #include <new>
-
-#include "card/session.h"
-#include "util/text.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ bool start(const CK_FUNCTION_LIST& list) {
     return result == CKR_OK;
 }
 
-bool belongsTo(const char* reader, const CK_SLOT_INFO& info) {
+bool belongs_to(const char* reader, const CK_SLOT_INFO& info) {
     char description[DESCRIPTION_SIZE + 1] = {};
     std::memcpy(description, info.slotDescription, DESCRIPTION_SIZE);
     for (std::size_t end = DESCRIPTION_SIZE; end > 0; --end) {
@@ -37,12 +37,12 @@ bool belongsTo(const char* reader, const CK_SLOT_INFO& info) {
         description[end - 1] = '\0';
     }
     // A description that fills its field runs into the next one; it is cut one short of the field.
-    const bool runsOn = std::strlen(description) == DESCRIPTION_SIZE && info.manufacturerID[0] != '\0';
-    if (runsOn) description[DESCRIPTION_SIZE - 1] = '\0';
+    const bool runs_on = std::strlen(description) == DESCRIPTION_SIZE && info.manufacturerID[0] != '\0';
+    if (runs_on) description[DESCRIPTION_SIZE - 1] = '\0';
     return description[0] != '\0' && std::strstr(reader, description) != nullptr;
 }
 
-unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
+unsigned find_slot(const CK_FUNCTION_LIST& list, const char* reader) {
     CK_ULONG all = 0;
     zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_FALSE}, nullptr, &all);
     all = std::min(all, zv::MOST_SLOTS);
@@ -54,7 +54,7 @@ unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
     const auto matches = [&list, reader](CK_SLOT_ID slot) {
         CK_SLOT_INFO info{};
         zv::invoke(list.C_GetSlotInfo, slot, &info);
-        return (info.flags & CKF_TOKEN_PRESENT) != 0 && belongsTo(reader, info);
+        return (info.flags & CKF_TOKEN_PRESENT) != 0 && belongs_to(reader, info);
     };
     const CK_SLOT_ID* end = slots.get() + count;
     const CK_SLOT_ID* found = std::find_if(slots.get(), slots.get() + count, matches);
@@ -63,15 +63,15 @@ unsigned findSlot(const CK_FUNCTION_LIST& list, const char* reader) {
 
 } // namespace
 
-unsigned int getSlot(char* readerName, char* libPath) {
-    const Module module(zv::openModule(zv::orEmpty(libPath)));
+unsigned int getSlot(char* reader_name, char* lib_path) {
+    const Module module(zv::open_module(zv::or_empty(lib_path)));
     if (module == nullptr) {
         scriviLog("getSlot dlopen fallita");
         return zv::NO_SLOT;
     }
-    const CK_FUNCTION_LIST* list = zv::functionListOf(module.get());
+    const CK_FUNCTION_LIST* list = zv::function_list_of(module.get());
     if (list == nullptr) return zv::NO_SLOT;
-    const unsigned slot = start(*list) ? findSlot(*list, zv::orEmpty(readerName)) : zv::NO_SLOT;
+    const unsigned slot = start(*list) ? find_slot(*list, zv::or_empty(reader_name)) : zv::NO_SLOT;
     zv::invoke(list->C_Finalize, nullptr);
     return slot;
 }

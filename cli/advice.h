@@ -10,28 +10,28 @@ namespace cli {
 
 // Advice that more than one command gives.
 
-/// The identifiers that new keys of a kind can get.
+// The identifiers that new keys of a kind can get.
 [[nodiscard]] std::vector<std::string> identifiers_of(Kind kind);
 
-/// What to do when none of them is free.
+// What to do when none of them is free.
 [[nodiscard]] Advice free_an_identifier(Kind kind);
 
-/// What to do about a card that has no room for more.
+// What to do about a card that has no room for more.
 [[nodiscard]] Advice make_room();
 
-/// What to do about a pair that wants the PIN before each signature.
+// What to do about a pair that wants the PIN before each signature.
 [[nodiscard]] Advice leave_to_card_software(const std::string& pair);
 
-/// What to do about a key that wants a PIN before each signature and did not get one that it takes.
+// What to do about a key that wants a PIN before each signature and did not get one that it takes.
 [[nodiscard]] Advice give_key_the_pin(const std::string& key);
 
-/// What to do about a card of an unknown kind.
+// What to do about a card of an unknown kind.
 [[nodiscard]] Advice enter_card();
 
-/// What to do without a service for card readers.
+// What to do without a service for card readers.
 [[nodiscard]] Advice start_service();
 
-/// What is true of a text of the library that names files of another program; nothing when it names none.
+// What is true of a text of the library that names files of another program; nothing when it names none.
 [[nodiscard]] std::vector<Advice> explain_quotes(const std::string& text);
 
 } // namespace cli

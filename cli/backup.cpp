@@ -4,9 +4,10 @@
 #include "cli/outcome.h"
 #include "cli/public_key.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
-#include <fmt/format.h>
 #include <fstream>
 
 namespace cli {
@@ -14,10 +15,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* heading_begin = "Saved by zvrenew ";
-constexpr const char* certificate_block = "CERTIFICATE";
-constexpr std::uintmax_t largest_backup = std::uintmax_t{64} * 1024;
-constexpr int most_files = 4096;
+constexpr const char* HEADING_BEGIN = "Saved by zvrenew ";
+constexpr const char* CERTIFICATE_BLOCK = "CERTIFICATE";
+constexpr std::uintmax_t LARGEST_BACKUP = std::uintmax_t{64} * 1024;
+constexpr int MOST_FILES = 4096;
 
 Bytes bytes_of(const std::string& text) {
     return {text.begin(), text.end()};
@@ -25,7 +26,7 @@ Bytes bytes_of(const std::string& text) {
 
 bool may_be_backup(const fs::directory_entry& entry) {
     std::error_code error;
-    return entry.is_regular_file(error) && entry.file_size(error) <= largest_backup && !error;
+    return entry.is_regular_file(error) && entry.file_size(error) <= LARGEST_BACKUP && !error;
 }
 
 } // namespace
@@ -42,7 +43,7 @@ void Backup::add(const char* name, const Bytes& der) {
 }
 
 Bytes Backup::certificate() const {
-    const bool there = !blocks.empty() && blocks.front().name == certificate_block;
+    const bool there = !blocks.empty() && blocks.front().name == CERTIFICATE_BLOCK;
     return there ? bytes_of(blocks.front().der) : Bytes();
 }
 
@@ -59,7 +60,7 @@ bool Backup::covers(const Backup& other) const {
 }
 
 std::string backup_heading(const std::string& card, const std::string& id) {
-    std::string line = printable(fmt::format("{}from card {}: {}", heading_begin, card, id));
+    std::string line = printable(fmt::format("{}from card {}: {}", HEADING_BEGIN, card, id));
     std::replace(line.begin(), line.end(), '\n', '?');
     return line;
 }
@@ -69,9 +70,9 @@ std::optional<Backup> read_backup(const std::string& file) {
     if (!may_be_backup(fs::directory_entry(file, error))) return std::nullopt;
     std::ifstream stream(file, std::ios::binary);
     Backup backup{file, {}, {}};
-    if (!std::getline(stream, backup.heading) || !backup.heading.starts_with(heading_begin))
+    if (!std::getline(stream, backup.heading) || !backup.heading.starts_with(HEADING_BEGIN))
         return std::nullopt;
-    std::string text(largest_backup, '\0');
+    std::string text(LARGEST_BACKUP, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     backup.blocks = pem_blocks(text);
@@ -88,7 +89,7 @@ std::vector<Backup> backups_of(const std::string& card, const std::string& given
     std::error_code error;
     if (!given.empty()) add(given);
     fs::directory_iterator entry(".", error);
-    for (int i = 0; !error && i < most_files && entry != fs::directory_iterator();
+    for (int i = 0; !error && i < MOST_FILES && entry != fs::directory_iterator();
          ++i, entry.increment(error))
         add(entry->path().filename());
     return found;

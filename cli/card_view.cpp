@@ -60,7 +60,7 @@ bool is_first_key(const std::string& id) {
         const std::size_t at = std::strlen(series);
         if (id.starts_with(series) && id.size() > at && id[at] >= '0' && id[at] <= '2') return true;
     }
-    return id == own_pair_id;
+    return id == OWN_PAIR_ID;
 }
 
 // Cards pad what they hold.

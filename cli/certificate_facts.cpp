@@ -2,9 +2,10 @@
 
 #include "zvCrypt.h"
 
+#include <openssl/x509v3.h>
+
 #include <array>
 #include <cstring>
-#include <openssl/x509v3.h>
 #include <utility>
 #include <vector>
 

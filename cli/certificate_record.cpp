@@ -1,8 +1,9 @@
 #include "cli/certificate_record.h"
 
+#include <fmt/chrono.h>
+
 #include <array>
 #include <charconv>
-#include <fmt/chrono.h>
 #include <vector>
 
 namespace cli {
@@ -10,9 +11,9 @@ namespace {
 
 using Fields = std::vector<std::string_view>;
 
-constexpr std::string_view date_form = "DD/MM/YYYY HH:MM:SS";
-constexpr std::size_t fields_before_dates = 5; // subject, issuer, IUT, policies, serial number
-constexpr long seconds_of_day = 24L * 60 * 60;
+constexpr std::string_view DATE_FORM = "DD/MM/YYYY HH:MM:SS";
+constexpr std::size_t FIELDS_BEFORE_DATES = 5; // subject, issuer, IUT, policies, serial number
+constexpr long SECONDS_OF_DAY = 24L * 60 * 60;
 
 Fields split(std::string_view text) {
     Fields fields;
@@ -33,7 +34,7 @@ std::string joined(const Fields& fields, std::size_t first, std::size_t last) {
 }
 
 std::optional<std::size_t> place_of_dates(const Fields& fields) {
-    for (std::size_t at = fields_before_dates; at + 1 < fields.size(); ++at)
+    for (std::size_t at = FIELDS_BEFORE_DATES; at + 1 < fields.size(); ++at)
         if (parse_date(fields[at]) && parse_date(fields[at + 1])) return at;
     return std::nullopt;
 }
@@ -57,9 +58,9 @@ std::optional<int> number_at(std::string_view text, std::size_t at, std::size_t 
 } // namespace
 
 std::optional<std::time_t> parse_date(std::string_view text) {
-    if (text.size() != date_form.size()) return std::nullopt;
+    if (text.size() != DATE_FORM.size()) return std::nullopt;
     for (const std::size_t at : {2U, 5U, 10U, 13U, 16U})
-        if (text[at] != date_form[at]) return std::nullopt;
+        if (text[at] != DATE_FORM[at]) return std::nullopt;
     const auto day = number_at(text, 0, 2);
     const auto month = number_at(text, 3, 2);
     const auto year = number_at(text, 6, 4);
@@ -83,12 +84,12 @@ std::string day_of(std::time_t time) {
 }
 
 bool ends_within(std::time_t end, int days, std::time_t now) {
-    return end - now <= days * seconds_of_day;
+    return end - now <= days * SECONDS_OF_DAY;
 }
 
 long days_until(std::time_t time, std::time_t now) {
     const long seconds = time - now;
-    return seconds >= 0 ? seconds / seconds_of_day : -((seconds_of_day - 1 - seconds) / seconds_of_day);
+    return seconds >= 0 ? seconds / SECONDS_OF_DAY : -((SECONDS_OF_DAY - 1 - seconds) / SECONDS_OF_DAY);
 }
 
 std::optional<CertificateRecord> parse_record(std::string_view text, Kind kind, bool marked) {

@@ -4,18 +4,19 @@
 #include "cli/suitability.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
 namespace cli {
 namespace {
 
-constexpr const char* about = "Renews the certificates on a smart card.";
+constexpr const char* ABOUT = "Renews the certificates on a smart card.";
 
-constexpr const char* steps = R"(A renewal:
+constexpr const char* STEPS = R"(A renewal:
   zvrenew list                                   what is on the card, and what is due
   zvrenew request signature --out request.b64    new keys on the card, a request for them
   zvrenew install certificate.pem --request request.b64
@@ -24,10 +25,10 @@ constexpr const char* steps = R"(A renewal:
 The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
 Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
 
-constexpr const char* exits =
+constexpr const char* EXITS =
     "Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.";
 
-constexpr const char* about_removal =
+constexpr const char* ABOUT_REMOVAL =
     R"(The old certificate and its keys stay on the card unless --remove-old is given. That removes them before the
 new certificate is stored; with a signature certificate the authority's own certificate goes too, and nothing
 puts it back. A services card keeps its keys: only its certificate is removed, and without --remove-old it then
@@ -66,7 +67,7 @@ void add_days(CLI::App& command, int& days) {
         ->capture_default_str();
 }
 
-/// A command and its options, which live as long as the parser.
+// A command and its options, which live as long as the parser.
 template <class Options> struct Command {
     CLI::App& parser;
     Options& options;
@@ -77,7 +78,7 @@ Command<Options> add_command(CLI::App& app, Invocation& chosen, const char* name
                              Report (*run)(const Options&)) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(name, text);
-    command->footer(exits);
+    command->footer(EXITS);
     command->callback([&chosen, options, name, run] {
         chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
@@ -137,7 +138,7 @@ void add_install(CLI::App& app, Invocation& chosen) {
     const auto [command, options] =
         add_command(app, chosen, "install",
                     "Stores the certificate that the authority issued, beside its keys", run_install);
-    command.footer(about_removal);
+    command.footer(ABOUT_REMOVAL);
     command
         .add_option("CERTIFICATE", options.certificate_file,
                     "The authority's file: PEM, DER or a PKCS#7 bundle")
@@ -196,11 +197,11 @@ Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool jso
 } // namespace
 
 Invocation read_command_line(int argc, char** argv) {
-    CLI::App app(about, "zvrenew");
+    CLI::App app(ABOUT, "zvrenew");
     Invocation chosen;
     app.set_version_flag("--version", ZV_VERSION);
     app.require_subcommand(1);
-    app.footer(steps);
+    app.footer(STEPS);
     app.get_formatter()->column_width(34);
     add_reading_commands(app, chosen);
     add_request(app, chosen);

@@ -2,11 +2,12 @@
 
 #include "cli/outcome.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace cli {
 namespace {
@@ -20,7 +21,7 @@ struct AttributeType {
     Text text;
 };
 
-constexpr std::array attribute_types{
+constexpr std::array ATTRIBUTE_TYPES{
     AttributeType{"C", "2.5.4.6=", 2, Text::printable},
     AttributeType{"O", "2.5.4.10=", 64, Text::utf8},
     AttributeType{"OU", "2.5.4.11=", 64, Text::utf8},
@@ -39,11 +40,11 @@ constexpr std::array attribute_types{
 
 // Inside a value the library would break the line at an identifier, at some also where no "=" follows, and
 // would rewrite these names.
-constexpr std::array<std::string_view, 6> taken_apart{
+constexpr std::array<std::string_view, 6> TAKEN_APART{
     "2.5.4.", "1.2.840.113549.1.9.1=", "/OU=", "/emailAddress=", "/gn=", "/serialNumber="};
 
-constexpr std::size_t longest_worked_on = 1023; // characters, with one line break an attribute
-constexpr std::ptrdiff_t most_units = 5;
+constexpr std::size_t LONGEST_WORKED_ON = 1023; // characters, with one line break an attribute
+constexpr std::ptrdiff_t MOST_UNITS = 5;
 
 const AttributeType* by_name(std::string_view name) {
     const auto same = [&](const AttributeType& type) {
@@ -51,8 +52,8 @@ const AttributeType* by_name(std::string_view name) {
             return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
         });
     };
-    const auto* found = std::find_if(attribute_types.begin(), attribute_types.end(), same);
-    return found == attribute_types.end() ? nullptr : found;
+    const auto* found = std::find_if(ATTRIBUTE_TYPES.begin(), ATTRIBUTE_TYPES.end(), same);
+    return found == ATTRIBUTE_TYPES.end() ? nullptr : found;
 }
 
 struct Mark {
@@ -63,7 +64,7 @@ struct Mark {
 
 Mark next_oid(std::string_view text, std::size_t from) {
     Mark first;
-    for (const AttributeType& type : attribute_types) {
+    for (const AttributeType& type : ATTRIBUTE_TYPES) {
         const std::size_t at = text.find(type.oid, from);
         if (at < first.at) first = {at, at + type.oid.size(), &type};
     }
@@ -110,7 +111,7 @@ std::string why_not(const NameAttribute& attribute) {
     if (type.text == Text::ia5 &&
         std::any_of(value.begin(), value.end(), [](unsigned char c) { return c > 0x7F; }))
         return fmt::format("{} has a character that it may not have", type.name);
-    for (const std::string_view part : taken_apart)
+    for (const std::string_view part : TAKEN_APART)
         if (value.find(part) != std::string::npos)
             return fmt::format("{} contains \"{}\", which would be taken for an attribute", type.name, part);
     return {};
@@ -160,9 +161,9 @@ DistinguishedName DistinguishedName::from_oids(std::vector<NameAttribute> attrib
     name.exact_ = true;
     for (NameAttribute& attribute : attributes) {
         const auto* type =
-            std::find_if(attribute_types.begin(), attribute_types.end(),
+            std::find_if(ATTRIBUTE_TYPES.begin(), ATTRIBUTE_TYPES.end(),
                          [&](const AttributeType& one) { return one.oid == attribute.name + "="; });
-        if (type != attribute_types.end()) attribute.name = type->name;
+        if (type != ATTRIBUTE_TYPES.end()) attribute.name = type->name;
         name.attributes_.push_back(std::move(attribute));
     }
     return name;
@@ -203,13 +204,13 @@ std::string DistinguishedName::why_not_requestable() const {
         const auto times =
             std::count_if(attributes_.begin(), attributes_.end(),
                           [&](const NameAttribute& other) { return other.name == attribute.name; });
-        if (attribute.name == "OU" ? times > most_units : times > 1)
+        if (attribute.name == "OU" ? times > MOST_UNITS : times > 1)
             return fmt::format("{} stands {} times", attribute.name, times);
     }
     const std::size_t length = oid_form().size() + attributes_.size();
-    if (length > longest_worked_on)
+    if (length > LONGEST_WORKED_ON)
         return fmt::format("it has {} characters, {} more than a request can carry", length,
-                           length - longest_worked_on);
+                           length - LONGEST_WORKED_ON);
     return {};
 }
 

@@ -4,9 +4,10 @@
 #include "cli/library_text.h"
 #include "zvRenew.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
-#include <fmt/format.h>
 
 namespace cli {
 namespace {

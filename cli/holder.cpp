@@ -4,12 +4,13 @@
 #include "cli/key_material.h"
 #include "zvCrypt.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstring>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <string_view>
 #include <vector>
 
@@ -17,13 +18,13 @@ namespace cli {
 namespace {
 
 // The capitals without accents of U+00C0 to U+017F, in order; '.' is no letter.
-constexpr std::string_view unaccented =
+constexpr std::string_view UNACCENTED =
     "AAAAAAACEEEEIIIIDNOOOOO.OUUUUYTSAAAAAAACEEEEIIIIDNOOOOO.OUUUUYTYAAAAAACCCCCCCCDDDDEEEEEEEEEEGGGG"
     "GGGGHHHHIIIIIIIIIIIIJJKKKLLLLLLLLLLNNNNNNNNNOOOOOOOORRRRRRSSSSSSSSTTTTTTUUUUUUUUUUUUWWYYYZZZZZZS";
 
 char unaccented_letter(unsigned code) {
     const unsigned at = code - 0xC0;
-    return at < unaccented.size() ? unaccented[at] : '.';
+    return at < UNACCENTED.size() ? UNACCENTED[at] : '.';
 }
 
 // Letters that are neither ASCII nor in the table keep their bytes; accents that stand alone go.

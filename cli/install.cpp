@@ -1,7 +1,6 @@
-#include "cli/install_plan.h"
-
 #include "cli/card_json.h"
 #include "cli/commands.h"
+#include "cli/install_plan.h"
 #include "cli/library_text.h"
 #include "cli/log_folder.h"
 #include "cli/new_file.h"
@@ -11,22 +10,23 @@
 #include "cli/suitability.h"
 #include "zvRenew.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
+#include <filesystem>
 
 namespace cli {
 namespace {
 
 // Room for the default identifiers that the library may write.
-constexpr std::size_t label_room = 256;
+constexpr std::size_t LABEL_ROOM = 256;
 
-constexpr const char* mark_left = "The mark pending_CNS_key of the request is still on the card: the list "
+constexpr const char* MARK_LEFT = "The mark pending_CNS_key of the request is still on the card: the list "
                                   "shows a request under way until the "
                                   "next\ncertificate is installed, or the card's own software removes it.";
 
-/// Saves what is about to be replaced. A file that holds all of it already will do.
+// Saves what is about to be replaced. A file that holds all of it already will do.
 std::string save_backup(const InstallPlan& plan) {
     if (plan.backup.blocks.empty()) return plan.old ? plan.old->backup : std::string();
     const std::string& file = plan.backup.file;
@@ -57,7 +57,7 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
     // Where nothing is removed the label only has to be one that is not empty.
     std::string label = plan.removed.empty() ? plan.pair : plan.old->id;
-    label.resize(std::max(label.size(), label_room), '\0');
+    label.resize(std::max(label.size(), LABEL_ROOM), '\0');
     std::string pair = plan.pair;
     std::string text = base64_of(plan.certificate);
     forget_library_texts();
@@ -183,7 +183,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
                     kind_name(plan.kind), plan.pair, in_words(proof, plan.pair), old_in_words(plan));
     const bool marked = plan.kind == Kind::services && now.view && now.view->marked_pending();
     report.json["mark_left"] = marked;
-    if (marked) report.advice.push_back({"mark", mark_left});
+    if (marked) report.advice.push_back({"mark", MARK_LEFT});
     if (!plan.left.empty()) report.advice.push_back(say_left(plan.left));
     if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
     report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.contents.in_words(), log_path());
@@ -210,7 +210,7 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
     for (const RetiredPair& pair : inventory.retired)
         left.push_back(pair.id);
     if (!left.empty()) stop.advice.push_back(say_left(left));
-    if (id == own_pair_id && view.marked_pending()) stop.advice.push_back({"mark", mark_left});
+    if (id == OWN_PAIR_ID && view.marked_pending()) stop.advice.push_back({"mark", MARK_LEFT});
     return stop;
 }
 

@@ -7,9 +7,10 @@
 #include "cli/suitability.h"
 #include "zvRenew.h"
 
-#include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
 
 namespace cli {
 namespace {
@@ -43,7 +44,7 @@ std::string ids(const std::vector<WaitingPair>& pairs) {
 // A services card's own pair takes a new certificate also when the mark of its request is not there.
 std::vector<WaitingPair> pairs_to_serve(const Inventory& inventory) {
     std::vector<WaitingPair> pairs = inventory.waiting;
-    if (inventory.own_pair) pairs.push_back({Kind::services, own_pair_id});
+    if (inventory.own_pair) pairs.push_back({Kind::services, OWN_PAIR_ID});
     return pairs;
 }
 
@@ -51,7 +52,7 @@ std::vector<WaitingPair> pairs_to_serve(const Inventory& inventory) {
 std::vector<WaitingPair> pairs_to_try(const Inventory& inventory, const CardView& view) {
     std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
     for (const std::string& id : view.identifiers())
-        if (id != own_pair_id && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
+        if (id != OWN_PAIR_ID && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
             pairs.push_back({kind_of_pair(id), id});
     return pairs;
 }

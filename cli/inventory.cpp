@@ -6,17 +6,18 @@
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
-#include <fmt/format.h>
 
 namespace cli {
 namespace {
 
-/// A certificate list as the library fills it: made anew, and so empty, for every reading.
+// A certificate list as the library fills it: made anew, and so empty, for every reading.
 class CertificateList {
   public:
     CertificateList() : text_(std::size_t{ZV_LIST_ENTRIES} * ZV_LIST_ENTRY_SIZE) {
@@ -25,7 +26,7 @@ class CertificateList {
     }
 
     [[nodiscard]] char** entries() { return entries_.data(); }
-    /// The library leaves the list of services cards alone for other cards.
+    // The library leaves the list of services cards alone for other cards.
     void set_count_to_zero() { entries_[0][0] = '0'; }
 
     [[nodiscard]] std::vector<std::string> records() const {
@@ -97,7 +98,7 @@ void add_waiting(Inventory& inventory, const std::string& id) {
 void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
     for (const std::string& id : view.identifiers())
         if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
-            backup != nullptr && id != own_pair_id)
+            backup != nullptr && id != OWN_PAIR_ID)
             inventory.retired.push_back({id, backup->file});
     std::erase_if(inventory.waiting, [&](const WaitingPair& pair) {
         return std::any_of(inventory.retired.begin(), inventory.retired.end(),
@@ -112,7 +113,7 @@ Kind kind_of_pair(const std::string& id) {
 }
 
 Kind kind_of_certificate(const std::string& id, bool services_card) {
-    if (services_card && id.starts_with(own_pair_id)) return Kind::services;
+    if (services_card && id.starts_with(OWN_PAIR_ID)) return Kind::services;
     const bool digit = id.size() > 2 && std::isdigit(static_cast<unsigned char>(id[2])) != 0;
     const bool signature = id.starts_with("DS") && (services_card || digit);
     return signature || (!services_card && id.starts_with("Sign_Keypair")) ? Kind::signature
@@ -141,7 +142,7 @@ Inventory read_inventory(OpenedCard& card, const CardView& view, const std::stri
     for (CertificateRecord& record : inventory.certificates)
         if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
             take_subject(record, view);
-    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, own_pair_id) != nullptr;
+    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, OWN_PAIR_ID) != nullptr;
     inventory.services_waiting = reading.services_pending == 1;
     const std::string signature_key = reading.signature_key.data();
     const std::string authentication_key = reading.authentication_key.data();

@@ -11,61 +11,59 @@
 
 namespace cli {
 
-/// A pair of keys that waits for its certificate.
+// A pair of keys that waits for its certificate.
 struct WaitingPair {
     Kind kind = Kind::signature;
     std::string id;
 };
 
-/// The identifier that the library proposes for a new pair.
+// The identifier that the library proposes for a new pair.
 struct Proposal {
-    std::string id;         ///< empty: no proposal
-    bool none_free = false; ///< the series is full
+    std::string id;         // empty: no proposal
+    bool none_free = false; // the series is full
 };
 
-/// Keys that a removal left, known by the backup of their certificate: they wait for none.
+// Keys that a removal left, known by the backup of their certificate: they wait for none.
 struct RetiredPair {
     std::string id;
-    std::string backup; ///< its file
+    std::string backup; // its file
 };
 
-/// What the library's reading of a card gave.
+// What the library's reading of a card gave.
 struct Inventory {
     std::vector<CertificateRecord> certificates;
-    std::size_t unreadable = 0; ///< records that could not be taken apart
+    std::size_t unreadable = 0; // records that could not be taken apart
     std::vector<WaitingPair> waiting;
     std::vector<RetiredPair> retired;
-    std::vector<Backup> backups;   ///< of this card, in the working folder or given by name
-    bool own_pair = false;         ///< it is a services card whose own pair takes a new certificate
-    bool services_waiting = false; ///< a request for that certificate is under way
+    std::vector<Backup> backups;   // of this card, in the working folder or given by name
+    bool own_pair = false;         // it is a services card whose own pair takes a new certificate
+    bool services_waiting = false; // a request for that certificate is under way
     Proposal signature;
     Proposal authentication;
 
-    /// The certificate of a kind that ends last; null when there is none.
+    // The certificate of a kind that ends last; null when there is none.
     [[nodiscard]] const CertificateRecord* current(Kind kind) const;
-    /// The certificate of a kind with exactly that identifier; null when there is none.
+    // The certificate of a kind with exactly that identifier; null when there is none.
     [[nodiscard]] const CertificateRecord* find(Kind kind, const std::string& id) const;
     [[nodiscard]] const WaitingPair* waiting_pair(Kind kind) const;
 };
 
-/**
- * Reads the card with the library.
- *
- * The library reports at most one waiting pair; the view, read by this program itself, adds the others, and the
- * backups tell what does not wait.
- *
- * @throws Stop
- */
+// Reads the card with the library.
+//
+// The library reports at most one waiting pair; the view, read by this program itself, adds the others, and the
+// backups tell what does not wait.
+//
+// @throws Stop
 [[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view,
                                        const std::string& given_backup = {});
 
-/// Takes a key text of the library: one without a digit ("DS") means that the series is full.
+// Takes a key text of the library: one without a digit ("DS") means that the series is full.
 [[nodiscard]] Proposal as_proposal(const std::string& key_text);
 
-/// The kind of a pair, by its identifier.
+// The kind of a pair, by its identifier.
 [[nodiscard]] Kind kind_of_pair(const std::string& id);
 
-/// The kind of a certificate, by its identifier, as the library sorts them on a services card and on others.
+// The kind of a certificate, by its identifier, as the library sorts them on a services card and on others.
 [[nodiscard]] Kind kind_of_certificate(const std::string& id, bool services_card);
 
 } // namespace cli

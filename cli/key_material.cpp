@@ -3,28 +3,29 @@
 #include "cli/outcome.h"
 #include "lenient/mended.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <fmt/format.h>
-#include <fstream>
 #include <openssl/bio.h>
 #include <openssl/cms.h>
 #include <openssl/core_names.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <string_view>
 
 namespace cli {
 namespace {
 
-constexpr std::size_t largest_file = std::size_t{1024} * 1024;
+constexpr std::size_t LARGEST_FILE = std::size_t{1024} * 1024;
 
 // What fits the library's command (8,000 characters), the card's fields and its keys.
-constexpr std::size_t longest_text = 7500;
-constexpr int longest_name = 512; // bytes of DER
-constexpr int largest_key = 2048; // bits
+constexpr std::size_t LONGEST_TEXT = 7500;
+constexpr int LONGEST_NAME = 512; // bytes of DER
+constexpr int LARGEST_KEY = 2048; // bits
 
 template <auto Free> struct Freer {
     template <class T> void operator()(T* object) const { Free(object); }
@@ -57,7 +58,7 @@ std::string from_base64(const std::string& text) {
     return out;
 }
 
-/// The blocks of a file: framed ones, else the file itself as DER, or what it is in base64.
+// The blocks of a file: framed ones, else the file itself as DER, or what it is in base64.
 std::vector<Block> blocks_of(const std::string& text) {
     if (auto framed = pem_blocks(text); !framed.empty()) return framed;
     constexpr char sequence = 0x30;
@@ -75,7 +76,7 @@ Message message_in(const std::string& der) {
     return message;
 }
 
-/// Where the bytes of a certificate out of a message stand in it; what OpenSSL has is a copy of the readable ones.
+// Where the bytes of a certificate out of a message stand in it; what OpenSSL has is a copy of the readable ones.
 Certificate original(X509& copy, const std::string& message) {
     unsigned char* data = nullptr;
     const int length = i2d_X509(&copy, &data);
@@ -133,13 +134,13 @@ std::string content_of(const std::string& der) {
 
 std::string read_file(const std::string& path, const char* what) {
     std::ifstream file(path, std::ios::binary);
-    std::string text(largest_file + 1, '\0');
+    std::string text(LARGEST_FILE + 1, '\0');
     if (file) file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (!file && !file.eof())
         throw Stop(Exit::refused,
                    fmt::format("{} {} cannot be read ({}).", what, path, std::strerror(errno)));
     text.resize(static_cast<std::size_t>(file.gcount()));
-    if (text.size() > largest_file)
+    if (text.size() > LARGEST_FILE)
         throw Stop(Exit::refused, fmt::format("{} {} is larger than 1 MiB.", what, path));
     return text;
 }
@@ -238,12 +239,12 @@ std::string base64_of(const Bytes& bytes) {
 std::string why_not_storable(const Certificate& certificate) {
     const EVP_PKEY* key = X509_get0_pubkey(certificate.get());
     if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return "its key is not an RSA key";
-    if (EVP_PKEY_get_bits(key) > largest_key) return "its key has more than 2048 bits";
+    if (EVP_PKEY_get_bits(key) > LARGEST_KEY) return "its key has more than 2048 bits";
     for (X509_NAME* name :
          {X509_get_subject_name(certificate.get()), X509_get_issuer_name(certificate.get())})
-        if (i2d_X509_NAME(name, nullptr) > longest_name)
+        if (i2d_X509_NAME(name, nullptr) > LONGEST_NAME)
             return "its subject or issuer has more than 512 bytes";
-    if (base64_of(certificate.der()).size() > longest_text) return "it is too large";
+    if (base64_of(certificate.der()).size() > LONGEST_TEXT) return "it is too large";
     return {};
 }
 

@@ -5,17 +5,18 @@
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
-#include <array>
-#include <cstring>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <array>
+#include <cstring>
 #include <vector>
 
 namespace cli {
 namespace {
 
-constexpr int messages = 512;
-constexpr std::size_t message_size = 512;
+constexpr int MESSAGES = 512;
+constexpr std::size_t MESSAGE_SIZE = 512;
 
 // Line breaks inside the library's texts would break the one sentence that they end up in.
 std::string one_line(const char* text, std::size_t size) {
@@ -34,8 +35,8 @@ std::string one_line(const char* text, std::size_t size) {
 
 // 1 and 100 are PKCS#11 results by number, but the library means something else by them.
 std::string table_text(int code) {
-    if (code <= ZV_FAILED || code == ZV_UNSUPPORTED || code >= messages) return {};
-    return one_line(errorMessages[code], message_size);
+    if (code <= ZV_FAILED || code == ZV_UNSUPPORTED || code >= MESSAGES) return {};
+    return one_line(errorMessages[code], MESSAGE_SIZE);
 }
 
 const char* own_words(int code) {
@@ -56,7 +57,7 @@ const char* own_words(int code) {
 // Key generation tells its own result in the text alone.
 bool no_room(int code) {
     constexpr int full = CKR_DEVICE_MEMORY;
-    const std::string text = one_line(szSockMsg, message_size);
+    const std::string text = one_line(szSockMsg, MESSAGE_SIZE);
     return code == full || text.find("(error 31)") != std::string::npos ||
            (!table_text(full).empty() && text.find(table_text(full)) != std::string::npos);
 }
@@ -75,7 +76,7 @@ void forget_library_texts() {
 std::string library_reason(int code) {
     std::vector<std::string> quotes;
     for (const char* source : {szSockMsg, szBuffErr}) {
-        const std::string text = one_line(source, message_size);
+        const std::string text = one_line(source, MESSAGE_SIZE);
         if (!text.empty()) quotes.push_back(fmt::format("\"{}\"", text));
     }
     const std::string meaning = table_text(code);
@@ -100,7 +101,7 @@ Stop library_stop(const std::string& sentence, int code, Advice advice) {
 }
 
 std::string crypto_reason(int code) {
-    std::array<char, message_size> buffer{};
+    std::array<char, MESSAGE_SIZE> buffer{};
     kvLastError(buffer.data(), static_cast<int>(buffer.size()));
     const std::string text = one_line(buffer.data(), buffer.size());
     if (text.empty()) return fmt::format(" ({})", shown(code));

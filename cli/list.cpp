@@ -3,14 +3,15 @@
 #include "cli/commands.h"
 #include "cli/inventory.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <ctime>
-#include <fmt/format.h>
 
 namespace cli {
 namespace {
 
-/// A certificate that was replaced already is not due again.
+// A certificate that was replaced already is not due again.
 struct Due {
     bool due = false;
     bool replaced = false;
@@ -22,14 +23,14 @@ Due due_of(const Inventory& inventory, const CertificateRecord& record, int days
     return {ending && !replaced, replaced};
 }
 
-constexpr std::size_t longest_holder = 40;
+constexpr std::size_t LONGEST_HOLDER = 40;
 
 // Cut between characters of UTF-8, not inside one.
 std::string holder(const CertificateRecord& record) {
     std::string name = record.subject.value("CN");
     if (name.empty()) name = record.subject_text;
-    if (name.size() <= longest_holder) return name;
-    std::size_t end = longest_holder - 3;
+    if (name.size() <= LONGEST_HOLDER) return name;
+    std::size_t end = LONGEST_HOLDER - 3;
     while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U)
         --end;
     return name.substr(0, end) + "...";
@@ -143,7 +144,7 @@ void advise_on_retired(Report& report, const RetiredPair& pair) {
 
 void advise_on_services(Report& report, const Inventory& inventory) {
     const bool stored = inventory.current(Kind::services) != nullptr;
-    const Json values = {{"kind", kind_name(Kind::services)}, {"pair", own_pair_id}, {"remove_old", stored}};
+    const Json values = {{"kind", kind_name(Kind::services)}, {"pair", OWN_PAIR_ID}, {"remove_old", stored}};
     report.advice.push_back({"install",
                              fmt::format("A request for the services certificate is under way.\n"
                                          "  When it has come:   zvrenew install CERTIFICATE{}",
@@ -153,7 +154,7 @@ void advise_on_services(Report& report, const Inventory& inventory) {
         report.advice.push_back(
             {"request-again",
              "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)",
-             {{"kind", kind_name(Kind::services)}, {"pair", own_pair_id}}});
+             {{"kind", kind_name(Kind::services)}, {"pair", OWN_PAIR_ID}}});
 }
 
 Report list_card(OpenedCard& card, const ListOptions& options) {

@@ -2,16 +2,17 @@
 
 #include "cli/outcome.h"
 
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <pwd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <fmt/format.h>
 #include <fstream>
-#include <pwd.h>
 #include <sstream>
-#include <sys/file.h>
-#include <sys/stat.h>
 #ifndef __APPLE__
 #include <sys/sysmacros.h>
 #endif
@@ -20,20 +21,20 @@
 namespace cli {
 namespace {
 
-constexpr mode_t for_every_user = 0644; // locking takes no more than reading
-constexpr int most_attempts = 100;
+constexpr mode_t FOR_EVERY_USER = 0644; // locking takes no more than reading
+constexpr int MOST_ATTEMPTS = 100;
 
 // Modules that close what is not theirs go by low numbers.
-constexpr int seldom_reached = 100;
+constexpr int SELDOM_REACHED = 100;
 
 int open_lock_file(const std::string& path) {
     int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0 && errno == ENOENT) {
-        fd = ::open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, for_every_user);
-        if (fd >= 0) (void)::fchmod(fd, for_every_user);
+        fd = ::open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, FOR_EVERY_USER);
+        if (fd >= 0) (void)::fchmod(fd, FOR_EVERY_USER);
     }
     if (fd < 0) return fd;
-    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, seldom_reached);
+    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, SELDOM_REACHED);
     ::close(fd);
     return moved;
 }
@@ -87,7 +88,7 @@ int holder_of(int fd) {
 
 ScopedFd acquire(const std::string& path, const std::string& busy) {
     // A program that ends removes the file, which may be the one that was just opened here.
-    for (int attempt = 0; attempt < most_attempts; ++attempt) {
+    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
         ScopedFd file(open_lock_file(path));
         if (!file && errno == EEXIST) continue;
         if (!file) refuse_unusable(path, errno);

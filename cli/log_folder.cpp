@@ -2,10 +2,11 @@
 
 #include "routines.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fmt/format.h>
 #include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace cli {
 

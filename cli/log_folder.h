@@ -4,11 +4,11 @@
 
 namespace cli {
 
-/// Path of the library's log.
+// Path of the library's log.
 [[nodiscard]] std::string log_path();
 
-/// Makes the log's folder (mode 0700) when there is none; the library writes no log without it.
-/// Returns a sentence when it cannot be made, else an empty text.
+// Makes the log's folder (mode 0700) when there is none; the library writes no log without it.
+// Returns a sentence when it cannot be made, else an empty text.
 [[nodiscard]] std::string make_log_folder();
 
 } // namespace cli

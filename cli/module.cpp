@@ -3,22 +3,23 @@
 #include "cli/library_text.h"
 #include "cli/outcome.h"
 
+#include <dlfcn.h>
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstring>
-#include <dlfcn.h>
-#include <fmt/format.h>
 #include <string_view>
 
 namespace cli {
 namespace {
 
 // What a module answers is not trusted: no card has this many, and nothing on it is this large.
-constexpr CK_ULONG most_slots = 256;
-constexpr std::size_t most_objects = 1024;
-constexpr CK_ULONG longest_attribute = 65536;
-constexpr CK_ULONG longest_signature = 1024;
+constexpr CK_ULONG MOST_SLOTS = 256;
+constexpr std::size_t MOST_OBJECTS = 1024;
+constexpr CK_ULONG LONGEST_ATTRIBUTE = 65536;
+constexpr CK_ULONG LONGEST_SIGNATURE = 1024;
 
 using List = CK_FUNCTION_LIST;
 
@@ -52,7 +53,7 @@ Module::~Module() {
 std::vector<CK_SLOT_ID> Module::slots() const {
     CK_ULONG count = 0;
     require(call<&List::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count), "Listing the slots");
-    std::vector<CK_SLOT_ID> found(std::min(count, most_slots));
+    std::vector<CK_SLOT_ID> found(std::min(count, MOST_SLOTS));
     CK_ULONG filled = found.size();
     if (found.empty()) return found;
     require(call<&List::C_GetSlotList>(CK_BBOOL{CK_TRUE}, found.data(), &filled), "Listing the slots");
@@ -103,7 +104,7 @@ std::vector<CK_OBJECT_HANDLE> Session::objects() const {
         std::array<CK_OBJECT_HANDLE, 16> some{};
         count = 0;
         result = module_.call<&List::C_FindObjects>(handle_, some.data(), CK_ULONG{some.size()}, &count);
-        if (result == CKR_OK && (count > some.size() || found.size() > most_objects))
+        if (result == CKR_OK && (count > some.size() || found.size() > MOST_OBJECTS))
             result = CKR_GENERAL_ERROR;
         if (result == CKR_OK) found.insert(found.end(), some.begin(), some.begin() + count);
     } while (result == CKR_OK && count != 0);
@@ -120,7 +121,7 @@ CK_RV Session::read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Bytes& valu
     };
     CK_RV result = ask();
     if (result != CKR_OK || wanted.ulValueLen == 0) return result;
-    if (wanted.ulValueLen > longest_attribute) return CKR_GENERAL_ERROR;
+    if (wanted.ulValueLen > LONGEST_ATTRIBUTE) return CKR_GENERAL_ERROR;
     value.resize(wanted.ulValueLen);
     wanted.pValue = value.data();
     result = ask();
@@ -163,7 +164,7 @@ std::optional<Bytes> Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info, Pin*
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
     require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "Starting a signature");
     if (pin != nullptr && !takes(*pin)) return std::nullopt;
-    Bytes signature(longest_signature);
+    Bytes signature(LONGEST_SIGNATURE);
     CK_ULONG length = signature.size();
     require(module_.call<&List::C_Sign>(handle_, digest_info.data(), CK_ULONG{digest_info.size()},
                                         signature.data(), &length),

@@ -4,8 +4,9 @@
 
 #include <fmt/format.h>
 #ifdef __APPLE__
-#include <cstdint>
 #include <mach-o/dyld.h>
+
+#include <cstdint>
 #endif
 
 namespace fs = std::filesystem;
@@ -14,7 +15,7 @@ namespace cli {
 namespace {
 
 // The library keeps 511 characters of the folder.
-constexpr std::size_t longest_folder = 511;
+constexpr std::size_t LONGEST_FOLDER = 511;
 
 fs::path program_folder() {
     std::error_code none;
@@ -68,7 +69,7 @@ fs::path folder_of_module(const std::string& module, const std::string& given) {
     for (const fs::path& folder : folders) {
         if (!holds(folder, module)) continue;
         fs::path found = fs::absolute(folder).lexically_normal();
-        if (found.native().size() > longest_folder)
+        if (found.native().size() > LONGEST_FOLDER)
             throw Stop(Exit::refused, "The module's folder has a path of more than 511 characters.");
         return found;
     }

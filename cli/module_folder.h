@@ -6,15 +6,13 @@
 
 namespace cli {
 
-/// Folders that may hold modules: the build's or installation's own, then the system's.
+// Folders that may hold modules: the build's or installation's own, then the system's.
 [[nodiscard]] std::vector<std::filesystem::path> module_folders();
 
-/**
- * Finds the folder that holds a module: `given` when it is not empty, else the first of module_folders().
- *
- * @return the folder, absolute
- * @throws Stop when the module is not there.
- */
+// Finds the folder that holds a module: `given` when it is not empty, else the first of module_folders().
+//
+// @return the folder, absolute
+// @throws Stop when the module is not there.
 [[nodiscard]] std::filesystem::path folder_of_module(const std::string& module, const std::string& given);
 
 } // namespace cli

@@ -3,24 +3,25 @@
 #include "cli/outcome.h"
 #include "cli/scoped_fd.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 namespace cli {
 namespace {
 
-constexpr mode_t readable_by_all = 0644;
+constexpr mode_t READABLE_BY_ALL = 0644;
 
 // More than a request or a few certificates need.
-constexpr std::size_t room = 65536;
+constexpr std::size_t ROOM = 65536;
 
 int create(const std::string& path) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readable_by_all);
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, READABLE_BY_ALL);
 }
 
 std::string folder_of(const std::string& path) {
@@ -91,7 +92,7 @@ int try_place(const std::string& path) {
     if (::lstat(path.c_str(), &status) == 0) return EEXIST;
     if (errno != ENOENT) return errno;
     const std::string draft = draft_beside(path);
-    const int error = make(draft, std::string(room, '\0'));
+    const int error = make(draft, std::string(ROOM, '\0'));
     ::unlink(draft.c_str());
     return error;
 }

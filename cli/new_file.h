@@ -5,14 +5,14 @@
 
 namespace cli {
 
-/// A file that appears under its name whole or not at all, and never in another one's place. Nothing of it is kept
-/// open: there are modules that close descriptors that are not theirs.
+// A file that appears under its name whole or not at all, and never in another one's place. Nothing of it is kept
+// open: there are modules that close descriptors that are not theirs.
 class NewFile {
   public:
-    /// Makes sure that the file can be made: nothing has its name, and its folder has room. @throws Stop
+    // Makes sure that the file can be made: nothing has its name, and its folder has room. @throws Stop
     explicit NewFile(std::string path);
 
-    /// Makes the file; it is on the disk, not on its way there, when this returns. @throws Stop
+    // Makes the file; it is on the disk, not on its way there, when this returns. @throws Stop
     void save(std::string_view text) const;
 
   private:

@@ -1,7 +1,8 @@
 #include "cli/note.h"
 
-#include <cstdio>
 #include <fmt/format.h>
+
+#include <cstdio>
 
 namespace cli {
 

@@ -4,10 +4,11 @@
 #include "cli/inventory.h"
 #include "cli/outcome.h"
 
-#include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <openssl/x509v3.h>
+
+#include <algorithm>
 
 namespace cli {
 namespace {
@@ -153,7 +154,7 @@ std::optional<OldCertificate> find_only(const Replacing& replacing, const Object
 } // namespace
 
 bool is_authority(const CardObject& certificate) {
-    return certificate.id == authority_id || certificate.label.starts_with(authority_id);
+    return certificate.id == AUTHORITY_ID || certificate.label.starts_with(AUTHORITY_ID);
 }
 
 std::optional<OldCertificate> find_old(const Replacing& replacing) {

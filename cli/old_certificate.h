@@ -11,7 +11,7 @@
 
 namespace cli {
 
-/// What an installation is about, as far as it decides which certificate it replaces.
+// What an installation is about, as far as it decides which certificate it replaces.
 struct Replacing {
     const InstallOptions& options;
     const IssuedFiles& files;
@@ -20,20 +20,18 @@ struct Replacing {
     const OpenedCard& card;
     Kind kind;
     std::string pair;
-    const Bytes& certificate; ///< the new one, which never replaces itself
+    const Bytes& certificate; // the new one, which never replaces itself
 };
 
-/**
- * Finds the certificate that is replaced: the one named with --replace; else the one that signed the request;
- * else the only one of the kind. The same command finds the same one also when a run before it was broken off:
- * what is no longer on the card is known by its backup or by the request.
- *
- * @return none when there is nothing to replace
- * @throws Stop when none is meant for certain and something would be removed
- */
+// Finds the certificate that is replaced: the one named with --replace; else the one that signed the request;
+// else the only one of the kind. The same command finds the same one also when a run before it was broken off:
+// what is no longer on the card is known by its backup or by the request.
+//
+// @return none when there is nothing to replace
+// @throws Stop when none is meant for certain and something would be removed
 [[nodiscard]] std::optional<OldCertificate> find_old(const Replacing& replacing);
 
-/// Whether a certificate is one of authorities: such are never replaced.
+// Whether a certificate is one of authorities: such are never replaced.
 [[nodiscard]] bool is_authority(const CardObject& certificate);
 
 } // namespace cli

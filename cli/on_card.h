@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <nlohmann/json.hpp>
+
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,7 +10,7 @@ namespace cli {
 
 using Json = nlohmann::ordered_json;
 
-/// What a card holds under one identifier.
+// What a card holds under one identifier.
 struct Held {
     std::string id;
     std::size_t certificates = 0;
@@ -17,15 +18,15 @@ struct Held {
     bool private_key = false;
 };
 
-/// What is on a card, as read at one moment; for a person in words, for a program as data.
+// What is on a card, as read at one moment; for a person in words, for a program as data.
 struct OnCard {
     std::vector<Held> held;
-    std::string problem;    ///< why the card could not be read; empty when it was
-    bool untouched = false; ///< nobody looked: the command ended before it did anything to the card
+    std::string problem;    // why the card could not be read; empty when it was
+    bool untouched = false; // nobody looked: the command ended before it did anything to the card
 
-    /// "DS0 (certificate and keys), DS3 (keys without a certificate)"
+    // "DS0 (certificate and keys), DS3 (keys without a certificate)"
     [[nodiscard]] std::string in_words() const;
-    /// An array of {"id", "certificates", "public_key", "private_key"}; null when the card was not read.
+    // An array of {"id", "certificates", "public_key", "private_key"}; null when the card was not read.
     [[nodiscard]] Json as_json() const;
 };
 

@@ -5,16 +5,16 @@
 
 namespace cli {
 
-/// What every command takes.
+// What every command takes.
 struct CommonOptions {
     bool json = false;
-    std::string reader;     ///< empty: the only reader that holds a known card
-    std::string module_dir; ///< empty: searched for
-    std::string pin_file;   ///< empty: asked for at the terminal
+    std::string reader;     // empty: the only reader that holds a known card
+    std::string module_dir; // empty: searched for
+    std::string pin_file;   // empty: asked for at the terminal
     bool final_try = false;
 };
 
-/// The kinds of certificate that are renewed from here; `services` is a services card's own.
+// The kinds of certificate that are renewed from here; `services` is a services card's own.
 enum class Kind { signature, authentication, services };
 
 struct ListOptions : CommonOptions {
@@ -26,17 +26,17 @@ struct RequestOptions : CommonOptions {
     int days = 90;
     bool force = false;
     bool new_pair = false;
-    std::string certificate; ///< identifier; empty: the one of that kind that ends last
-    std::string subject;     ///< empty: the certificate's
-    std::string out;         ///< empty: standard output
+    std::string certificate; // identifier; empty: the one of that kind that ends last
+    std::string subject;     // empty: the certificate's
+    std::string out;         // empty: standard output
 };
 
 struct InstallOptions : CommonOptions {
     std::string certificate_file;
-    std::string request_file;        ///< empty: the pairs that wait on the card are asked
-    std::string replace;             ///< identifier; empty: the one that signed the request, or the only one
-    std::string backup;              ///< empty: a name made from the identifier and the serial number
-    std::vector<std::string> accept; ///< reasons for which a certificate is taken all the same
+    std::string request_file;        // empty: the pairs that wait on the card are asked
+    std::string replace;             // identifier; empty: the one that signed the request, or the only one
+    std::string backup;              // empty: a name made from the identifier and the serial number
+    std::vector<std::string> accept; // reasons for which a certificate is taken all the same
     bool remove_old = false;
 };
 

@@ -4,11 +4,11 @@
 
 namespace cli {
 
-/// Sees that descriptors 0 to 2 are open, so that no file gets one of their numbers and is written into.
-/// @return whether standard output was open
+// Sees that descriptors 0 to 2 are open, so that no file gets one of their numbers and is written into.
+// @return whether standard output was open
 [[nodiscard]] bool open_standard_descriptors();
 
-/// Writes to standard output and sees that it arrives. @throws Stop
+// Writes to standard output and sees that it arrives. @throws Stop
 void print_out(const std::string& text);
 
 } // namespace cli

@@ -2,32 +2,33 @@
 
 #include "cli/outcome.h"
 
-#include <algorithm>
-#include <new>
 #include <openssl/crypto.h>
 #include <sys/mman.h>
+
+#include <algorithm>
+#include <new>
 
 namespace cli {
 namespace {
 
-constexpr std::size_t page_size = 4096; // at least: the system gives whole pages
+constexpr std::size_t PAGE_SIZE = 4096; // at least: the system gives whole pages
 
 } // namespace
 
 Pin::Pin() {
-    void* memory = ::mmap(nullptr, page_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* memory = ::mmap(nullptr, PAGE_SIZE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) throw std::bad_alloc();
     // Where a user may lock nothing, the PIN is worth having all the same.
-    (void)::mlock(memory, page_size);
+    (void)::mlock(memory, PAGE_SIZE);
 #ifdef MADV_DONTDUMP
-    (void)::madvise(memory, page_size, MADV_DONTDUMP);
+    (void)::madvise(memory, PAGE_SIZE, MADV_DONTDUMP);
 #endif
     page_.reset(new (memory) Page);
 }
 
 void Pin::Release::operator()(Page* page) const {
     OPENSSL_cleanse(page, sizeof *page);
-    ::munmap(page, page_size);
+    ::munmap(page, PAGE_SIZE);
 }
 
 void Pin::add(char c) {

@@ -7,10 +7,10 @@
 
 namespace cli {
 
-/// A user PIN. Lives in this object alone, in memory that goes to no swap and no dump, and is wiped with it.
+// A user PIN. Lives in this object alone, in memory that goes to no swap and no dump, and is wiped with it.
 class Pin {
   public:
-    static constexpr std::size_t longest = 31;
+    static constexpr std::size_t LONGEST = 31;
 
     Pin();
     Pin(Pin&&) noexcept = default;
@@ -20,11 +20,11 @@ class Pin {
     void remove_last();
     void wipe();
 
-    /// The library takes PINs as writable texts, but never writes into them.
+    // The library takes PINs as writable texts, but never writes into them.
     [[nodiscard]] char* text() { return page_->text.data(); }
     [[nodiscard]] std::string_view view() const { return {page_->text.data(), page_->length}; }
     [[nodiscard]] bool full() const { return page_->length + 1 == page_->text.size(); }
-    [[nodiscard]] bool overlong() const { return page_->dropped > 0 || page_->length > longest; }
+    [[nodiscard]] bool overlong() const { return page_->dropped > 0 || page_->length > LONGEST; }
 
   private:
     struct Page {
@@ -38,8 +38,8 @@ class Pin {
     std::unique_ptr<Page, Release> page_;
 };
 
-/// Refuses a PIN that would cost a try for nothing, or would not reach the card as it is.
-/// @throws Stop
+// Refuses a PIN that would cost a try for nothing, or would not reach the card as it is.
+// @throws Stop
 void check_pin_form(const Pin& pin);
 
 } // namespace cli

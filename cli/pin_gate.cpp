@@ -6,15 +6,16 @@
 #include "cli/pin_input.h"
 #include "zvCrypt.h"
 
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <filesystem>
-#include <fmt/format.h>
 #include <optional>
 
 namespace cli {
 namespace {
 
-constexpr CK_SLOT_ID last_slot = 9;
+constexpr CK_SLOT_ID LAST_SLOT = 9;
 
 void refuse_risky_try(const CardState& state, bool final_try) {
     if ((state.flags & CKF_USER_PIN_LOCKED) != 0)
@@ -94,7 +95,7 @@ OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
     facts = place_json(place);
     CardState state = card_state(place);
     facts.update(state_json(state));
-    if (use == Use::changing && state.slot > last_slot)
+    if (use == Use::changing && state.slot > LAST_SLOT)
         throw Stop(Exit::refused,
                    fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
                                "worked with.",

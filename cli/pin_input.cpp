@@ -4,10 +4,6 @@
 #include "cli/outcome.h"
 #include "cli/scoped_fd.h"
 
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/select.h>
@@ -15,15 +11,20 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
 namespace cli {
 namespace {
 
-constexpr char end_of_text = 3;  // Ctrl-C
-constexpr char end_of_input = 4; // Ctrl-D
-constexpr char backspace = 8;
-constexpr char kill_line = 21; // Ctrl-U
-constexpr char quit = 28;      // Ctrl and a backslash
-constexpr char del = 127;
+constexpr char END_OF_TEXT = 3;  // Ctrl-C
+constexpr char END_OF_INPUT = 4; // Ctrl-D
+constexpr char BACKSPACE = 8;
+constexpr char KILL_LINE = 21; // Ctrl-U
+constexpr char QUIT = 28;      // Ctrl and a backslash
+constexpr char DEL = 127;
 
 // One byte at a time: no buffer of the C library keeps a copy of the PIN.
 bool read_char(int fd, char& c) {
@@ -34,7 +35,7 @@ bool read_char(int fd, char& c) {
     return got == 1;
 }
 
-/// Echo off, and no signals from the keyboard, which would leave it off: Ctrl-C comes as a character.
+// Echo off, and no signals from the keyboard, which would leave it off: Ctrl-C comes as a character.
 class QuietTerminal {
   public:
     explicit QuietTerminal(int fd) : fd_(fd) {
@@ -62,31 +63,31 @@ void say(int terminal, const std::string& text) {
 
 volatile std::sig_atomic_t told_to_end = 0;
 
-/// While it lives, what would end the program is noticed instead: the terminal has to get its echo back.
+// While it lives, what would end the program is noticed instead: the terminal has to get its echo back.
 class EndingSignals {
   public:
     EndingSignals() {
         sigset_t held;
         sigemptyset(&held);
-        for (const int signal : signals)
+        for (const int signal : SIGNALS)
             sigaddset(&held, signal);
         pthread_sigmask(SIG_BLOCK, &held, &mask_before_);
         struct sigaction noticing {};
         noticing.sa_handler = [](int) { told_to_end = 1; };
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            sigaction(signals[i], &noticing, &before_[i]);
-            if (before_[i].sa_handler == SIG_IGN) sigaction(signals[i], &before_[i], nullptr);
+        for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
+            sigaction(SIGNALS[i], &noticing, &before_[i]);
+            if (before_[i].sa_handler == SIG_IGN) sigaction(SIGNALS[i], &before_[i], nullptr);
         }
     }
     ~EndingSignals() {
-        for (std::size_t i = 0; i < signals.size(); ++i)
-            sigaction(signals[i], &before_[i], nullptr);
+        for (std::size_t i = 0; i < SIGNALS.size(); ++i)
+            sigaction(SIGNALS[i], &before_[i], nullptr);
         pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);
     }
     EndingSignals(const EndingSignals&) = delete;
     EndingSignals& operator=(const EndingSignals&) = delete;
 
-    /// Waits until there is something to read; false when there is a signal instead.
+    // Waits until there is something to read; false when there is a signal instead.
     [[nodiscard]] bool input(int fd) const {
         fd_set wanted;
         int ready = 0;
@@ -99,13 +100,13 @@ class EndingSignals {
     }
 
   private:
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-    std::array<struct sigaction, signals.size()> before_{};
+    static constexpr std::array SIGNALS{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    std::array<struct sigaction, SIGNALS.size()> before_{};
     sigset_t mask_before_{};
 };
 
 bool ends(char c) {
-    return c == '\n' || c == '\r' || c == end_of_input || c == end_of_text || c == quit;
+    return c == '\n' || c == '\r' || c == END_OF_INPUT || c == END_OF_TEXT || c == QUIT;
 }
 
 // The prompt comes once the terminal is quiet: what is typed after it is neither shown nor thrown away.
@@ -116,9 +117,9 @@ Pin typed(int terminal, const std::string& prompt) {
     Pin pin;
     char c = 0;
     while (signals.input(terminal) && read_char(terminal, c) && !ends(c)) {
-        if (c == backspace || c == del)
+        if (c == BACKSPACE || c == DEL)
             pin.remove_last();
-        else if (c == kill_line)
+        else if (c == KILL_LINE)
             pin.wipe();
         else
             pin.add(c);

@@ -6,18 +6,19 @@
 #include "cli/outcome.h"
 #include "zvCrypt.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
-#include <fmt/format.h>
 
 namespace cli {
 namespace {
 
 // A reader name with this in it is taken by the library as the path of a module.
-constexpr const char* module_path_mark = ".dll";
+constexpr const char* MODULE_PATH_MARK = ".dll";
 
 // The library compares this many characters of a description that fills its field.
-constexpr std::size_t longest_description = 63;
+constexpr std::size_t LONGEST_DESCRIPTION = 63;
 
 Reader look_at(const std::string& name) {
     Reader reader;
@@ -103,7 +104,7 @@ bool contains(const std::string& text, const std::string& part) {
     return !part.empty() && text.find(part) != std::string::npos;
 }
 
-/// Slots whose description is part of a reader's name, with the length of the description.
+// Slots whose description is part of a reader's name, with the length of the description.
 using Matches = std::vector<std::pair<CK_SLOT_ID, std::size_t>>;
 
 // A module says no more than 64 characters of a reader's name. Slots of one card are no matter: modules show one
@@ -124,7 +125,7 @@ void refuse_alike(const Module& module, const Matches& matching, std::size_t lon
             Exit::refused,
             fmt::format("Two readers that hold a card cannot be told apart by the first {} characters of "
                         "the name \"{}\", so the PIN could go to the other card.",
-                        longest_description, reader),
+                        LONGEST_DESCRIPTION, reader),
             Advice{"remove-other-card", "Take the other card out."});
 }
 
@@ -164,7 +165,7 @@ Place find_place(const CommonOptions& options) {
     const Reader& reader =
         options.reader.empty() ? the_only_one(readers) : the_one_named(readers, options.reader);
     require_known_card(reader);
-    if (contains(reader.name, module_path_mark))
+    if (contains(reader.name, MODULE_PATH_MARK))
         throw Stop(Exit::refused, fmt::format("The reader name \"{}\" cannot be used.", reader.name));
     const auto folder = folder_of_module(reader.module, options.module_dir);
     // The last reader looked at need not be this one, and the library asks the crypto library again anyway.
@@ -174,7 +175,7 @@ Place find_place(const CommonOptions& options) {
 CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
     Matches matching;
     for (const CK_SLOT_ID slot : module.slots()) {
-        const std::string description = module.description(slot).substr(0, longest_description);
+        const std::string description = module.description(slot).substr(0, LONGEST_DESCRIPTION);
         if (contains(reader, description)) matching.emplace_back(slot, description.size());
     }
     if (matching.empty())

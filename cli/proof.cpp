@@ -3,13 +3,14 @@
 #include "cli/advice.h"
 #include "cli/outcome.h"
 
-#include <algorithm>
-#include <array>
 #include <fmt/format.h>
-#include <memory>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
 
 namespace cli {
 namespace {
@@ -17,16 +18,16 @@ namespace {
 using Challenge = std::array<unsigned char, 64>;
 
 // DigestInfo of SHA-256 (RFC 8017, 9.2), without the digest at its end.
-constexpr std::array<unsigned char, 19> sha256_info{0x30, 0x31, 0x30, 0x0D, 0x06, 0x09, 0x60,
+constexpr std::array<unsigned char, 19> SHA256_INFO{0x30, 0x31, 0x30, 0x0D, 0x06, 0x09, 0x60,
                                                     0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02,
                                                     0x01, 0x05, 0x00, 0x04, 0x20};
 
-constexpr std::size_t sha256_size = 32;
+constexpr std::size_t SHA256_SIZE = 32;
 
 Bytes digest_info(const Challenge& message) {
-    Bytes info(sha256_info.size() + sha256_size);
-    std::copy(sha256_info.begin(), sha256_info.end(), info.begin());
-    unsigned char* digest = info.data() + sha256_info.size();
+    Bytes info(SHA256_INFO.size() + SHA256_SIZE);
+    std::copy(SHA256_INFO.begin(), SHA256_INFO.end(), info.begin());
+    unsigned char* digest = info.data() + SHA256_INFO.size();
     if (EVP_Digest(message.data(), message.size(), digest, nullptr, EVP_sha256(), nullptr) != 1)
         throw Stop(Exit::failed, "A digest could not be made.");
     return info;
@@ -46,7 +47,7 @@ Proof failed(std::string reason) {
     return {std::move(reason), false, std::nullopt};
 }
 
-/// A private key and the certificate that it is to fit.
+// A private key and the certificate that it is to fit.
 struct Tried {
     const CardObject& key;
     X509& certificate;

@@ -1,13 +1,14 @@
 #include "cli/public_key.h"
 
-#include <algorithm>
-#include <memory>
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/param_build.h>
 #include <openssl/x509.h>
+
+#include <algorithm>
+#include <memory>
 
 namespace cli {
 namespace {

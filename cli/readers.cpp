@@ -4,8 +4,9 @@
 #include "cli/pin_gate.h"
 #include "cli/place.h"
 
-#include <algorithm>
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace cli {
 namespace {

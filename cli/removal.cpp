@@ -4,18 +4,19 @@
 #include "cli/outcome.h"
 #include "cli/public_key.h"
 
-#include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cctype>
 
 namespace cli {
 namespace {
 
-constexpr const char* install_without = "Install without --remove-old.";
+constexpr const char* INSTALL_WITHOUT = "Install without --remove-old.";
 
 [[noreturn]] void refuse_removal(const std::string& sentence) {
-    throw Stop(Exit::refused, sentence, Advice{"without-remove-old", install_without});
+    throw Stop(Exit::refused, sentence, Advice{"without-remove-old", INSTALL_WITHOUT});
 }
 
 Bytes key_of(const OldCertificate& old) {
@@ -59,7 +60,7 @@ void plan_backup(InstallPlan& plan, const InstallOptions& options, const std::st
     save_certificates(plan, view, plan.old->id, options.remove_old);
     if (plan.kind == Kind::services) return;
     save_keys(plan, view, options.remove_old);
-    if (plan.kind == Kind::signature) save_certificates(plan, view, authority_id, options.remove_old);
+    if (plan.kind == Kind::signature) save_certificates(plan, view, AUTHORITY_ID, options.remove_old);
 }
 
 bool is_other_key(const CardObject& object, const OldCertificate& old, const Bytes& key) {
@@ -104,17 +105,17 @@ void plan_removal(InstallPlan& plan, const InstallOptions& options, const std::s
                   const CardView& view) {
     const OldCertificate& old = *plan.old;
     const bool keys_left = plan.kind != Kind::services && !old.id.empty() && view.has(old.id);
-    const bool authority = plan.kind == Kind::signature && !view.certificates(authority_id).empty();
+    const bool authority = plan.kind == Kind::signature && !view.certificates(AUTHORITY_ID).empty();
     if (!old.on_card && !(options.remove_old && keys_left && are_its_keys(old, view))) {
         if (keys_left) plan.left.push_back(old.id);
-        if (authority && options.remove_old) plan.left.emplace_back(authority_id);
+        if (authority && options.remove_old) plan.left.emplace_back(AUTHORITY_ID);
         return;
     }
     plan_backup(plan, options, card, view);
     if (!options.remove_old) return;
     refuse_more(plan, view);
     plan.removed.push_back(old.id);
-    if (authority) plan.removed.emplace_back(authority_id);
+    if (authority) plan.removed.emplace_back(AUTHORITY_ID);
 }
 
 } // namespace cli

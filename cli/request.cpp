@@ -1,5 +1,3 @@
-#include "cli/request_plan.h"
-
 #include "cli/advice.h"
 #include "cli/card_json.h"
 #include "cli/commands.h"
@@ -9,15 +7,17 @@
 #include "cli/new_file.h"
 #include "cli/note.h"
 #include "cli/request_files.h"
+#include "cli/request_plan.h"
 #include "cli/signals.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -191,10 +191,10 @@ Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestO
     return report;
 }
 
-/// Where the request goes.
+// Where the request goes.
 struct Output {
-    std::optional<NewFile> file; ///< none for standard output, or when a request is there already
-    Bytes earlier;               ///< the key of that request
+    std::optional<NewFile> file; // none for standard output, or when a request is there already
+    Bytes earlier;               // the key of that request
 };
 
 // A request whose file was made before the program ended, or was ended, is done when it is asked for again.

@@ -4,12 +4,10 @@
 
 namespace cli {
 
-/**
- * Holds the library's temporary files of fixed names, so that no other request gets into them, and sees that they can
- * be made: found out later, that costs a pair of keys that nobody asked for.
- *
- * @throws Stop
- */
+// Holds the library's temporary files of fixed names, so that no other request gets into them, and sees that they can
+// be made: found out later, that costs a pair of keys that nobody asked for.
+//
+// @throws Stop
 [[nodiscard]] Lock hold_request_files();
 
 } // namespace cli

@@ -5,16 +5,17 @@
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
-#include <algorithm>
-#include <ctime>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
+#include <ctime>
 
 namespace cli {
 namespace {
 
 // The crypto library gives names of up to this many bytes; a longer one comes cut.
-constexpr std::size_t longest_record_name = 511;
+constexpr std::size_t LONGEST_RECORD_NAME = 511;
 
 Advice say_subject() {
     return {"subject", "Give the subject of the request with --subject."};
@@ -27,7 +28,7 @@ bool is_listed(const Inventory& inventory, const std::string& id) {
 
 // Other identifiers of a services card are in none of the library's lists.
 bool is_of_kind(const std::string& id, Kind kind, bool services_card) {
-    const bool known = id.starts_with("DS") || id.starts_with("AUTHCertificate") || id == own_pair_id;
+    const bool known = id.starts_with("DS") || id.starts_with("AUTHCertificate") || id == OWN_PAIR_ID;
     return (known || !services_card) && kind_of_certificate(id, services_card) == kind;
 }
 
@@ -96,7 +97,7 @@ DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* 
 }
 
 DistinguishedName subject_of(const CertificateRecord& old) {
-    const bool cut = old.subject_text.size() >= longest_record_name;
+    const bool cut = old.subject_text.size() >= LONGEST_RECORD_NAME;
     const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
     const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
     if (!old.subject_exact && !whole)
@@ -123,10 +124,10 @@ std::string free_identifier(Kind kind, const Inventory& inventory, const CardVie
 }
 
 void take_own_pair(RequestPlan& plan, const CardView& view) {
-    if (plan.old.id != own_pair_id)
+    if (plan.old.id != OWN_PAIR_ID)
         throw Stop(Exit::refused,
                    fmt::format("The certificate {} is not the services card's own.", plan.old.id));
-    plan.pair = own_pair_id;
+    plan.pair = OWN_PAIR_ID;
     plan.reuse = true;
     plan.waiting_key = view.modulus(plan.pair);
 }

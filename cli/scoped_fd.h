@@ -1,11 +1,12 @@
 #pragma once
 
 #include <unistd.h>
+
 #include <utility>
 
 namespace cli {
 
-/// A file descriptor that is closed with its owner.
+// A file descriptor that is closed with its owner.
 class ScopedFd {
   public:
     explicit ScopedFd(int fd) : fd_(fd) {}

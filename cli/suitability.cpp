@@ -6,15 +6,16 @@
 #include "cli/old_certificate.h"
 #include "cli/outcome.h"
 
-#include <algorithm>
-#include <ctime>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <algorithm>
+#include <ctime>
 
 namespace cli {
 namespace {
 
-constexpr std::time_t soon = 10L * 60; // clocks differ
+constexpr std::time_t SOON = 10L * 60; // clocks differ
 
 struct Objection {
     std::string name;
@@ -33,7 +34,7 @@ void object_to_dates(Objections& objections, const InstallPlan& plan, X509& cert
     if (ends < old_ends)
         objections.push_back(Objection{"ends-earlier", fmt::format("It ends on {}, before the old one ({}).",
                                                                    day_of(ends), day_of(old_ends))});
-    if (begins > now + soon)
+    if (begins > now + SOON)
         objections.push_back(
             Objection{"starts-later", fmt::format("It does not begin before {}.", day_of(begins))});
 }

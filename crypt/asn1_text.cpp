@@ -1,6 +1,6 @@
-#include "asn1_text.h"
+#include "crypt/asn1_text.h"
 
-#include "text.h"
+#include "crypt/text.h"
 
 #include <openssl/asn1.h>
 
@@ -18,19 +18,19 @@ struct Step {
     std::size_t length = 1;
 };
 
-bool isHighSurrogate(char32_t unit) {
+bool is_high_surrogate(char32_t unit) {
     return unit >= 0xD800 && unit < 0xDC00;
 }
 
-bool isLowSurrogate(char32_t unit) {
+bool is_low_surrogate(char32_t unit) {
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-bool isCharacter(char32_t value) {
-    return value <= 0x10FFFF && !isHighSurrogate(value) && !isLowSurrogate(value);
+bool is_character(char32_t value) {
+    return value <= 0x10FFFF && !is_high_surrogate(value) && !is_low_surrogate(value);
 }
 
-char32_t bigEndian(Span bytes) {
+char32_t big_endian(Span bytes) {
     char32_t value = 0;
     for (const unsigned char byte : bytes)
         value = value << 8 | byte;
@@ -57,27 +57,27 @@ Step utf8(Span bytes) {
         if ((byte & 0xC0) != 0x80) return {};
         value = value << 6 | (byte & 0x3FU);
     }
-    if (value < smallest[length] || !isCharacter(value)) return {};
+    if (value < smallest[length] || !is_character(value)) return {};
     return {value, length};
 }
 
 Step utf16(Span bytes) {
     if (bytes.size() < 2) return {};
-    const char32_t unit = bigEndian(bytes.first(2));
-    if (isCharacter(unit)) return {unit, 2};
-    const char32_t second = bytes.size() < 4 ? 0 : bigEndian(bytes.subspan(2, 2));
-    if (!isHighSurrogate(unit) || !isLowSurrogate(second)) return {std::nullopt, 2};
+    const char32_t unit = big_endian(bytes.first(2));
+    if (is_character(unit)) return {unit, 2};
+    const char32_t second = bytes.size() < 4 ? 0 : big_endian(bytes.subspan(2, 2));
+    if (!is_high_surrogate(unit) || !is_low_surrogate(second)) return {std::nullopt, 2};
     return {0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00), 4};
 }
 
 Step utf32(Span bytes) {
     if (bytes.size() < 4) return {};
-    const char32_t value = bigEndian(bytes.first(4));
-    if (!isCharacter(value)) return {std::nullopt, 4};
+    const char32_t value = big_endian(bytes.first(4));
+    if (!is_character(value)) return {std::nullopt, 4};
     return {value, 4};
 }
 
-auto decoderOf(int tag) -> Step (*)(Span) {
+auto decoder_of(int tag) -> Step (*)(Span) {
     switch (tag) {
     case V_ASN1_UTF8STRING:
         return utf8;
@@ -100,7 +100,7 @@ auto decoderOf(int tag) -> Step (*)(Span) {
 }
 
 // Controls, the escape's own mark, line ends and marks of direction that Unicode has beside them.
-bool isEscaped(char32_t character) {
+bool is_escaped(char32_t character) {
     static constexpr struct {
         char32_t first, last;
     } ranges[] = {{0, 0x1F},        {'\\', '\\'},     {0x7F, 0x9F},     {0x61C, 0x61C},
@@ -110,17 +110,17 @@ bool isEscaped(char32_t character) {
     });
 }
 
-std::string escapedBytes(Span bytes) {
+std::string escaped_bytes(Span bytes) {
     std::string text;
     for (const unsigned char byte : bytes)
-        text += "\\x" + upperHex({&byte, 1});
+        text += "\\x" + upper_hex({&byte, 1});
     return text;
 }
 
-std::string escapedCharacter(char32_t character) {
+std::string escaped_character(char32_t character) {
     const unsigned char halves[] = {static_cast<unsigned char>(character >> 8),
                                     static_cast<unsigned char>(character & 0xFF)};
-    return character < 0x80 ? escapedBytes({&halves[1], 1}) : "\\U" + upperHex(halves);
+    return character < 0x80 ? escaped_bytes({&halves[1], 1}) : "\\U" + upper_hex(halves);
 }
 
 std::string encoded(char32_t character) {
@@ -138,26 +138,27 @@ std::string encoded(char32_t character) {
 
 } // namespace
 
-std::string displayText(int tag, Span value) {
-    const auto decode = decoderOf(tag);
+std::string display_text(int tag, Span value) {
+    const auto decode = decoder_of(tag);
     std::string text;
     while (!value.empty()) {
         const Step step = decode(value);
         if (!step.character)
-            text += escapedBytes(value.first(std::min(step.length, value.size())));
+            text += escaped_bytes(value.first(std::min(step.length, value.size())));
         else
-            text += isEscaped(*step.character) ? escapedCharacter(*step.character) : encoded(*step.character);
+            text +=
+                is_escaped(*step.character) ? escaped_character(*step.character) : encoded(*step.character);
         value = value.subspan(std::min(step.length, value.size()));
     }
     return text;
 }
 
-std::string plainText(std::string_view field) {
+std::string plain_text(std::string_view field) {
     std::string text;
     Span value(reinterpret_cast<const unsigned char*>(field.data()), field.size());
     for (Step step; !value.empty(); value = value.subspan(step.length)) {
         step = utf8(value);
-        const bool shown = step.character && (*step.character == '\\' || !isEscaped(*step.character));
+        const bool shown = step.character && (*step.character == '\\' || !is_escaped(*step.character));
         text += shown ? encoded(*step.character) : "?";
     }
     return text;

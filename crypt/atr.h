@@ -14,7 +14,7 @@ enum class Wildcards { refused, allowed };
 
 // Brings the written form of an ATR to that form. Nothing when it is none: no hexadecimal, or not 2 to 33
 // bytes.
-[[nodiscard]] std::optional<std::string> normalisedAtr(std::string_view text, Wildcards wildcards);
+[[nodiscard]] std::optional<std::string> normalised_atr(std::string_view text, Wildcards wildcards);
 
 // The same in a form that is quick to compare: sixteen digits a word, then their number.
 class PackedAtr {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "crypt/openssl_ptr.h"
 
 #include <span>
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace zvcrypt {
 
-constexpr std::size_t base64LineLength = 64;
-constexpr std::size_t bytesPerBase64Line = base64LineLength / 4 * 3;
+constexpr std::size_t BASE64_LINE_LENGTH = 64;
+constexpr std::size_t BYTES_PER_BASE64_LINE = BASE64_LINE_LENGTH / 4 * 3;
 
 // One line of at most 48 bytes, with its line feed.
-[[nodiscard]] std::string base64Line(std::span<const unsigned char> bytes);
+[[nodiscard]] std::string base64_line(std::span<const unsigned char> bytes);
 
 // How long that many bytes become in lines of 64 characters, each with its line feed.
-[[nodiscard]] constexpr std::size_t base64Length(std::size_t bytes) {
+[[nodiscard]] constexpr std::size_t base64_length(std::size_t bytes) {
     const std::size_t characters = (bytes + 2) / 3 * 4;
-    return characters + (characters + base64LineLength - 1) / base64LineLength;
+    return characters + (characters + BASE64_LINE_LENGTH - 1) / BASE64_LINE_LENGTH;
 }
 
 // Decodes piece by piece; blanks and line ends do not count. ZVC_ERR_BASE64 for anything else that is not
@@ -29,12 +29,12 @@ class Base64Decoder {
     void finish() const;
 
   private:
-    void addGroup(Bytes& bytes);
+    void add_group(Bytes& bytes);
 
     std::string group_;
     bool padded_ = false;
 };
 
-[[nodiscard]] Bytes decodeBase64(std::string_view text);
+[[nodiscard]] Bytes decode_base64(std::string_view text);
 
 } // namespace zvcrypt

@@ -1,6 +1,6 @@
-#include "bundle.h"
+#include "crypt/bundle.h"
 
-#include "failure.h"
+#include "crypt/failure.h"
 #include "lenient/mended.h"
 
 #include <algorithm>
@@ -8,9 +8,9 @@
 namespace zvcrypt {
 namespace {
 
-bool startsAsCertificate(const Bytes& der) {
+bool starts_as_certificate(const Bytes& der) {
     try {
-        (void)takeApart(der);
+        (void)take_apart(der);
         return true;
     } catch (const Failure&) {
         return false;
@@ -18,7 +18,7 @@ bool startsAsCertificate(const Bytes& der) {
 }
 
 // Null when the bytes do not start as such a bundle.
-CmsPtr readOnlyBundle(const Bytes& der) {
+CmsPtr read_only_bundle(const Bytes& der) {
     const unsigned char* end = der.data();
     CmsPtr bundle(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
     if (!bundle || OBJ_obj2nid(CMS_get0_type(bundle.get())) != NID_pkcs7_signed) return nullptr;
@@ -28,8 +28,8 @@ CmsPtr readOnlyBundle(const Bytes& der) {
 }
 
 // A copy that OpenSSL has is that of the readable bytes; of those the certificate's own stand at the same place.
-void addCertificatesOf(CMS_ContentInfo& bundle, const Bytes& der, const Bytes& readable,
-                       std::vector<Certificate>& certificates) {
+void add_certificates_of(CMS_ContentInfo& bundle, const Bytes& der, const Bytes& readable,
+                         std::vector<Certificate>& certificates) {
     const X509StackPtr stack(CMS_get1_certs(&bundle));
     for (int i = 0; i < sk_X509_num(stack.get()); ++i) {
         const Bytes copy = der::encoded(i2d_X509, static_cast<const X509*>(sk_X509_value(stack.get(), i)));
@@ -38,68 +38,68 @@ void addCertificatesOf(CMS_ContentInfo& bundle, const Bytes& der, const Bytes& r
         if (found == readable.end() && der != readable)
             throw Failure(ZVC_ERR_TEXT_FORM, "I certificati nella busta PKCS#7 non sono leggibili");
         if (found != readable.end())
-            certificates.push_back(requireCertificate(der::Span(der).subspan(at, copy.size())));
+            certificates.push_back(require_certificate(der::Span(der).subspan(at, copy.size())));
         else // in a form that allows others, OpenSSL's is as good
-            certificates.push_back(requireCertificate(copy));
+            certificates.push_back(require_certificate(copy));
     }
 }
 
 // One that stands alone must say, too, that it signs others: tools call what they make for a holder an
 // authority's.
-bool isAuthority(const Certificate& certificate, bool alone) {
+bool is_authority(const Certificate& certificate, bool alone) {
     const auto flags = X509_get_extension_flags(certificate.x509.get());
-    const bool signsOthers =
+    const bool signs_others =
         (flags & EXFLAG_KUSAGE) != 0 && (X509_get_key_usage(certificate.x509.get()) & KU_KEY_CERT_SIGN) != 0;
-    return (flags & EXFLAG_CA) != 0 && (signsOthers || !alone);
+    return (flags & EXFLAG_CA) != 0 && (signs_others || !alone);
 }
 
-bool isSame(const Certificate& one, const Certificate& other) {
+bool is_same(const Certificate& one, const Certificate& other) {
     return one.der == other.der;
 }
 
 } // namespace
 
-void addCertificate(const Bytes& der, std::vector<Certificate>& certificates) {
-    if (takeApart(der).whole.size() != der.size())
+void add_certificate(const Bytes& der, std::vector<Certificate>& certificates) {
+    if (take_apart(der).whole.size() != der.size())
         throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati");
-    certificates.push_back(requireCertificate(der));
+    certificates.push_back(require_certificate(der));
 }
 
-void addTrustedCertificate(const Bytes& der, std::vector<Certificate>& certificates) {
+void add_trusted_certificate(const Bytes& der, std::vector<Certificate>& certificates) {
     const Bytes readable = lenient::mended(der);
     const unsigned char* end = readable.data();
     const X509Ptr certificate(d2i_X509_AUX(nullptr, &end, static_cast<long>(readable.size())));
     if (!certificate || end != readable.data() + readable.size())
         throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato di tipo TRUSTED non è leggibile");
-    certificates.push_back(requireCertificate(der));
+    certificates.push_back(require_certificate(der));
 }
 
-void addBundle(const Bytes& der, std::vector<Certificate>& certificates) {
+void add_bundle(const Bytes& der, std::vector<Certificate>& certificates) {
     const Bytes readable = lenient::mended(der);
-    const auto bundle = readOnlyBundle(readable);
+    const auto bundle = read_only_bundle(readable);
     if (!bundle) throw Failure(ZVC_ERR_TEXT_FORM, "La busta PKCS#7 dei certificati non è leggibile");
-    addCertificatesOf(*bundle, der, readable, certificates);
+    add_certificates_of(*bundle, der, readable, certificates);
 }
 
-void addCertificateOrBundle(const Bytes& der, std::vector<Certificate>& certificates) {
-    if (startsAsCertificate(der)) return addCertificate(der, certificates);
+void add_certificate_or_bundle(const Bytes& der, std::vector<Certificate>& certificates) {
+    if (starts_as_certificate(der)) return add_certificate(der, certificates);
     const Bytes readable = lenient::mended(der);
-    const auto bundle = readOnlyBundle(readable);
+    const auto bundle = read_only_bundle(readable);
     if (!bundle)
         throw Failure(ZVC_ERR_TEXT_FORM, "Il testo non contiene un certificato né una busta PKCS#7 interi");
-    addCertificatesOf(*bundle, der, readable, certificates);
+    add_certificates_of(*bundle, der, readable, certificates);
 }
 
-const Certificate& holderCertificate(const std::vector<Certificate>& certificates) {
+const Certificate& holder_certificate(const std::vector<Certificate>& certificates) {
     if (certificates.empty()) throw Failure(ZVC_ERR_TEXT_FORM, "Il testo non contiene nessun certificato");
     const Certificate* holder = nullptr;
     for (const auto& one : certificates) {
-        const bool issuedAnother =
+        const bool issued_another =
             std::any_of(certificates.begin(), certificates.end(), [&](const Certificate& other) {
-                return !isSame(one, other) && isIssuedBy(other, one);
+                return !is_same(one, other) && is_issued_by(other, one);
             });
-        if (isAuthority(one, certificates.size() == 1) || issuedAnother ||
-            (holder != nullptr && isSame(one, *holder)))
+        if (is_authority(one, certificates.size() == 1) || issued_another ||
+            (holder != nullptr && is_same(one, *holder)))
             continue;
         if (holder != nullptr)
             throw Failure(ZVC_ERR_TWO_HOLDERS, "Il testo contiene i certificati di più titolari");

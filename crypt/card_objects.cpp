@@ -1,8 +1,8 @@
-#include "card_objects.h"
+#include "crypt/card_objects.h"
 
-#include "der.h"
-#include "preference.h"
-#include "signature_pin.h"
+#include "crypt/der.h"
+#include "crypt/preference.h"
+#include "crypt/signature_pin.h"
 
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
@@ -17,27 +17,27 @@ namespace zvcrypt {
 namespace {
 
 // Cards are slow: handles are fetched in batches, and each object's attributes in one call with room enough.
-constexpr std::size_t handlesPerCall = 64;
-constexpr std::size_t mostObjects = 256;
-constexpr std::size_t roomForId = 256;
-constexpr std::size_t roomForCertificate = 16384;
-constexpr std::size_t roomForRsa = 1024;
+constexpr std::size_t HANDLES_PER_CALL = 64;
+constexpr std::size_t MOST_OBJECTS = 256;
+constexpr std::size_t ROOM_FOR_ID = 256;
+constexpr std::size_t ROOM_FOR_CERTIFICATE = 16384;
+constexpr std::size_t ROOM_FOR_RSA = 1024;
 
 struct CardCertificate {
     Bytes id;
     Certificate certificate;
 };
 
-CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t size) {
+CK_ATTRIBUTE attribute_of(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t size) {
     return {type, const_cast<void*>(value), static_cast<CK_ULONG>(size)};
 }
 
-CK_ATTRIBUTE attributeInto(CK_ATTRIBUTE_TYPE type, Bytes& room) {
+CK_ATTRIBUTE attribute_into(CK_ATTRIBUTE_TYPE type, Bytes& room) {
     return {type, room.data(), static_cast<CK_ULONG>(room.size())};
 }
 
 // The bytes that a read left in its room; none when the attribute is absent or the module's length absurd.
-Bytes valueOf(const CK_ATTRIBUTE& attribute, const Bytes& room) {
+Bytes value_of(const CK_ATTRIBUTE& attribute, const Bytes& room) {
     if (attribute.ulValueLen > room.size()) return {};
     return {room.begin(), room.begin() + static_cast<std::ptrdiff_t>(attribute.ulValueLen)};
 }
@@ -61,13 +61,13 @@ class Search {
 
 std::vector<CK_OBJECT_HANDLE> Search::handles() const {
     std::vector<CK_OBJECT_HANDLE> all;
-    std::array<CK_OBJECT_HANDLE, handlesPerCall> some{};
+    std::array<CK_OBJECT_HANDLE, HANDLES_PER_CALL> some{};
     CK_ULONG count = 0;
     do {
         count = 0;
         check("C_FindObjects", session_.call(&CK_FUNCTION_LIST::C_FindObjects, some.data(),
                                              static_cast<CK_ULONG>(some.size()), &count));
-        if (count > some.size() || all.size() + count > mostObjects)
+        if (count > some.size() || all.size() + count > MOST_OBJECTS)
             throw Failure(ZVC_ERR_MODULE_ANSWER,
                           "Il modulo PKCS#11 ha dato un numero di oggetti impossibile");
         all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(count));
@@ -76,7 +76,7 @@ std::vector<CK_OBJECT_HANDLE> Search::handles() const {
 }
 
 // A read that left some attributes out still gives the others.
-bool gaveSomething(CK_RV result) {
+bool gave_something(CK_RV result) {
     return result == CKR_OK || result == CKR_ATTRIBUTE_SENSITIVE || result == CKR_ATTRIBUTE_TYPE_INVALID ||
            result == CKR_BUFFER_TOO_SMALL;
 }
@@ -88,50 +88,50 @@ struct CardCertificates {
     std::exception_ptr failure;
 };
 
-CardCertificates cardCertificates(const Session& session) {
-    static constexpr CK_OBJECT_CLASS certificateClass = CKO_CERTIFICATE;
+CardCertificates card_certificates(const Session& session) {
+    static constexpr CK_OBJECT_CLASS certificate_class = CKO_CERTIFICATE;
     const auto handles =
-        Search(session, {attributeOf(CKA_CLASS, &certificateClass, sizeof certificateClass)}).handles();
+        Search(session, {attribute_of(CKA_CLASS, &certificate_class, sizeof certificate_class)}).handles();
     CardCertificates certificates;
     for (const auto handle : handles) {
-        Bytes id(roomForId);
-        Bytes value(roomForCertificate);
-        std::array attributes{attributeInto(CKA_ID, id), attributeInto(CKA_VALUE, value)};
+        Bytes id(ROOM_FOR_ID);
+        Bytes value(ROOM_FOR_CERTIFICATE);
+        std::array attributes{attribute_into(CKA_ID, id), attribute_into(CKA_VALUE, value)};
         const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, handle, attributes.data(),
                                           static_cast<CK_ULONG>(attributes.size()));
-        if (!gaveSomething(result)) {
+        if (!gave_something(result)) {
             if (!certificates.failure)
-                certificates.failure = std::make_exception_ptr(moduleFailure("C_GetAttributeValue", result));
+                certificates.failure = std::make_exception_ptr(module_failure("C_GetAttributeValue", result));
             continue;
         }
-        auto certificate = readCertificate(valueOf(attributes[1], value));
-        if (certificate) certificates.all.push_back({valueOf(attributes[0], id), std::move(certificate)});
+        auto certificate = read_certificate(value_of(attributes[1], value));
+        if (certificate) certificates.all.push_back({value_of(attributes[0], id), std::move(certificate)});
     }
     return certificates;
 }
 
-std::vector<CK_OBJECT_HANDLE> privateKeys(const Session& session, std::string_view keyId) {
-    static constexpr CK_OBJECT_CLASS keyClass = CKO_PRIVATE_KEY;
-    if (keyId.empty()) throw Failure(ZVC_ERR_KEY, "Manca l'identificativo della chiave");
-    auto keys = Search(session, {attributeOf(CKA_CLASS, &keyClass, sizeof keyClass),
-                                 attributeOf(CKA_ID, keyId.data(), keyId.size())})
+std::vector<CK_OBJECT_HANDLE> private_keys(const Session& session, std::string_view key_id) {
+    static constexpr CK_OBJECT_CLASS key_class = CKO_PRIVATE_KEY;
+    if (key_id.empty()) throw Failure(ZVC_ERR_KEY, "Manca l'identificativo della chiave");
+    auto keys = Search(session, {attribute_of(CKA_CLASS, &key_class, sizeof key_class),
+                                 attribute_of(CKA_ID, key_id.data(), key_id.size())})
                     .handles();
-    if (keys.empty() && !session.loggedIn())
+    if (keys.empty() && !session.logged_in())
         throw Failure(ZVC_ERR_NOT_LOGGED_IN, "La smart card richiede prima il PIN");
     if (keys.empty())
-        throw Failure(ZVC_ERR_KEY, "Nessuna chiave privata \"" + std::string(keyId) + "\" sulla smart card");
+        throw Failure(ZVC_ERR_KEY, "Nessuna chiave privata \"" + std::string(key_id) + "\" sulla smart card");
     return keys;
 }
 
 // The card has the key, but it is no RSA key, or not one for signatures.
-bool refusesKey(CK_RV result) {
+bool refuses_key(CK_RV result) {
     return result == CKR_KEY_TYPE_INCONSISTENT || result == CKR_KEY_FUNCTION_NOT_PERMITTED ||
            result == CKR_KEY_SIZE_RANGE || result == CKR_MECHANISM_INVALID;
 }
 
 using BignumPtr = OpensslPtr<BIGNUM, BN_free>;
 
-BignumPtr modulusOf(const Certificate& certificate) {
+BignumPtr modulus_of(const Certificate& certificate) {
     BIGNUM* modulus = nullptr;
     const EVP_PKEY* key = certificate.key();
     if (key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA)
@@ -139,16 +139,16 @@ BignumPtr modulusOf(const Certificate& certificate) {
     return BignumPtr(modulus);
 }
 
-BignumPtr modulusOf(const Session& session, CK_OBJECT_HANDLE key) {
-    Bytes room(roomForRsa);
-    CK_ATTRIBUTE attribute = attributeInto(CKA_MODULUS, room);
+BignumPtr modulus_of(const Session& session, CK_OBJECT_HANDLE key) {
+    Bytes room(ROOM_FOR_RSA);
+    CK_ATTRIBUTE attribute = attribute_into(CKA_MODULUS, room);
     const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, key, &attribute, CK_ULONG{1});
     if (result != CKR_OK) return nullptr;
-    const Bytes modulus = valueOf(attribute, room);
+    const Bytes modulus = value_of(attribute, room);
     return BignumPtr(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
 }
 
-bool haveOneKey(const std::vector<CardCertificate>& certificates) {
+bool have_one_key(const std::vector<CardCertificate>& certificates) {
     const EVP_PKEY* first = certificates.front().certificate.key();
     return std::all_of(certificates.begin(), certificates.end(),
                        [&](const auto& one) { return EVP_PKEY_eq(one.certificate.key(), first) == 1; });
@@ -156,16 +156,16 @@ bool haveOneKey(const std::vector<CardCertificate>& certificates) {
 
 // The first certificate that is one of the keys', and that key; the card is asked only when there is a choice
 // of keys.
-std::pair<CK_OBJECT_HANDLE, std::size_t> firstPair(const Session& session,
-                                                   const std::vector<CK_OBJECT_HANDLE>& keys,
-                                                   const std::vector<CardCertificate>& certificates) {
-    if (keys.size() == 1 && haveOneKey(certificates)) return {keys[0], 0};
+std::pair<CK_OBJECT_HANDLE, std::size_t> first_pair(const Session& session,
+                                                    const std::vector<CK_OBJECT_HANDLE>& keys,
+                                                    const std::vector<CardCertificate>& certificates) {
+    if (keys.size() == 1 && have_one_key(certificates)) return {keys[0], 0};
     std::vector<BignumPtr> moduli;
     moduli.reserve(keys.size());
     for (const auto key : keys)
-        moduli.push_back(modulusOf(session, key));
+        moduli.push_back(modulus_of(session, key));
     for (std::size_t i = 0; i < certificates.size(); ++i) {
-        const auto wanted = modulusOf(certificates[i].certificate);
+        const auto wanted = modulus_of(certificates[i].certificate);
         for (std::size_t k = 0; k < keys.size(); ++k)
             if (wanted && moduli[k] && BN_cmp(wanted.get(), moduli[k].get()) == 0) return {keys[k], i};
     }
@@ -173,57 +173,57 @@ std::pair<CK_OBJECT_HANDLE, std::size_t> firstPair(const Session& session,
 }
 
 // Takes those with the identifier out of the card's certificates, the best first.
-std::vector<CardCertificate> takeOwn(std::vector<CardCertificate>& all, std::string_view keyId) {
+std::vector<CardCertificate> take_own(std::vector<CardCertificate>& all, std::string_view key_id) {
     const auto own = std::stable_partition(all.begin(), all.end(), [&](const auto& one) {
-        return std::string_view(reinterpret_cast<const char*>(one.id.data()), one.id.size()) != keyId;
+        return std::string_view(reinterpret_cast<const char*>(one.id.data()), one.id.size()) != key_id;
     });
     std::vector<CardCertificate> taken(std::make_move_iterator(own), std::make_move_iterator(all.end()));
     all.erase(own, all.end());
     std::sort(taken.begin(), taken.end(), [now = std::time(nullptr)](const auto& one, const auto& other) {
-        return preferenceOf(one.certificate, now) > preferenceOf(other.certificate, now);
+        return preference_of(one.certificate, now) > preference_of(other.certificate, now);
     });
     return taken;
 }
 
 // A second copy of a certificate that signed itself is not its issuer's.
-Certificate takeIssuer(const Certificate& certificate, std::vector<CardCertificate>& others) {
+Certificate take_issuer(const Certificate& certificate, std::vector<CardCertificate>& others) {
     for (auto& [id, other] : others)
-        if (other && other.der != certificate.der && isIssuedBy(certificate, other))
+        if (other && other.der != certificate.der && is_issued_by(certificate, other))
             return std::exchange(other, {});
     return {};
 }
 
 } // namespace
 
-CardSigner findSigner(const Session& session, std::string_view keyId) {
-    const auto keys = privateKeys(session, keyId);
-    auto [others, failure] = cardCertificates(session);
-    auto own = takeOwn(others, keyId);
+CardSigner find_signer(const Session& session, std::string_view key_id) {
+    const auto keys = private_keys(session, key_id);
+    auto [others, failure] = card_certificates(session);
+    auto own = take_own(others, key_id);
     if (own.empty() && failure) std::rethrow_exception(failure);
     if (own.empty())
         throw Failure(ZVC_ERR_CERTIFICATE,
-                      "Nessun certificato \"" + std::string(keyId) + "\" leggibile sulla smart card");
-    const auto [key, chosen] = firstPair(session, keys, own);
+                      "Nessun certificato \"" + std::string(key_id) + "\" leggibile sulla smart card");
+    const auto [key, chosen] = first_pair(session, keys, own);
     CardSigner signer{key, std::move(own[chosen].certificate), {}};
-    if (!modulusOf(signer.certificate))
+    if (!modulus_of(signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
-                      "Il certificato \"" + std::string(keyId) + "\" non è di una chiave RSA");
-    signer.issuer = takeIssuer(signer.certificate, others);
-    if (!signer.issuer) signer.issuer = takeIssuer(signer.certificate, own);
+                      "Il certificato \"" + std::string(key_id) + "\" non è di una chiave RSA");
+    signer.issuer = take_issuer(signer.certificate, others);
+    if (!signer.issuer) signer.issuer = take_issuer(signer.certificate, own);
     return signer;
 }
 
-Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo) {
-    const bool asks = asksForPin(session, key);
-    if (asks) requireSignaturePin(session);
+Bytes sign_on_card(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digest_info) {
+    const bool asks = asks_for_pin(session, key);
+    if (asks) require_signature_pin(session);
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
     const CK_RV begun = session.call(&CK_FUNCTION_LIST::C_SignInit, &mechanism, key);
-    if (refusesKey(begun))
-        throw Failure(ZVC_ERR_KEY, moduleReason("La chiave non può fare questa firma", "C_SignInit", begun));
+    if (refuses_key(begun))
+        throw Failure(ZVC_ERR_KEY, module_reason("La chiave non può fare questa firma", "C_SignInit", begun));
     check("C_SignInit", begun);
-    if (asks) giveSignaturePin(session);
-    Bytes data = digestInfo;
-    Bytes signature(roomForRsa);
+    if (asks) give_signature_pin(session);
+    Bytes data = digest_info;
+    Bytes signature(ROOM_FOR_RSA);
     CK_ULONG length = static_cast<CK_ULONG>(signature.size());
     check("C_Sign", session.call(&CK_FUNCTION_LIST::C_Sign, data.data(), static_cast<CK_ULONG>(data.size()),
                                  signature.data(), &length));

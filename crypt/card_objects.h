@@ -1,7 +1,7 @@
 #pragma once
 
-#include "certificate.h"
-#include "session.h"
+#include "crypt/certificate.h"
+#include "crypt/session.h"
 
 #include <string_view>
 
@@ -16,9 +16,9 @@ struct CardSigner {
 
 // Finds the key and its certificate under that CKA_ID. Where several carry it, a pair that fits by its modulus
 // is taken, and of a key's certificates the preferred one. ZVC_ERR_KEY or ZVC_ERR_CERTIFICATE without one.
-[[nodiscard]] CardSigner findSigner(const Session& session, std::string_view keyId);
+[[nodiscard]] CardSigner find_signer(const Session& session, std::string_view key_id);
 
 // The card's RSA operation (CKM_RSA_PKCS). ZVC_ERR_KEY when the key cannot do it.
-[[nodiscard]] Bytes signOnCard(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digestInfo);
+[[nodiscard]] Bytes sign_on_card(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digest_info);
 
 } // namespace zvcrypt

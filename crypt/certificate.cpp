@@ -1,6 +1,6 @@
-#include "certificate.h"
+#include "crypt/certificate.h"
 
-#include "failure.h"
+#include "crypt/failure.h"
 #include "lenient/mended.h"
 
 namespace zvcrypt {
@@ -16,7 +16,7 @@ Certificate parsed(der::Span whole) {
 }
 
 // What is signed is the bytes that were issued.
-bool isSignedBy(const Certificate& certificate, EVP_PKEY* key) {
+bool is_signed_by(const Certificate& certificate, EVP_PKEY* key) {
     const auto body = certificate.parts().body;
     const unsigned char* end = body.data();
     const AnyPtr whole(d2i_ASN1_TYPE(nullptr, &end, static_cast<long>(body.size())));
@@ -30,24 +30,24 @@ bool isSignedBy(const Certificate& certificate, EVP_PKEY* key) {
 
 } // namespace
 
-Certificate readCertificate(std::span<const unsigned char> der) {
+Certificate read_certificate(std::span<const unsigned char> der) {
     try {
-        return parsed(takeApart(der).whole);
+        return parsed(take_apart(der).whole);
     } catch (const Failure&) {
         return {};
     }
 }
 
-Certificate requireCertificate(std::span<const unsigned char> der) {
-    auto certificate = parsed(takeApart(der).whole);
+Certificate require_certificate(std::span<const unsigned char> der) {
+    auto certificate = parsed(take_apart(der).whole);
     if (!certificate) throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile");
     return certificate;
 }
 
-bool isIssuedBy(const Certificate& certificate, const Certificate& issuer) {
+bool is_issued_by(const Certificate& certificate, const Certificate& issuer) {
     return X509_NAME_cmp(X509_get_issuer_name(certificate.x509.get()),
                          X509_get_subject_name(issuer.x509.get())) == 0 &&
-           isSignedBy(certificate, issuer.key());
+           is_signed_by(certificate, issuer.key());
 }
 
 } // namespace zvcrypt

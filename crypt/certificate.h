@@ -1,7 +1,7 @@
 #pragma once
 
-#include "certificate_parts.h"
-#include "openssl_ptr.h"
+#include "crypt/certificate_parts.h"
+#include "crypt/openssl_ptr.h"
 
 #include <span>
 
@@ -14,17 +14,17 @@ struct Certificate {
     X509Ptr x509; // null for none
 
     [[nodiscard]] explicit operator bool() const noexcept { return x509 != nullptr; }
-    [[nodiscard]] CertificateParts parts() const { return takeApart(der); }
+    [[nodiscard]] CertificateParts parts() const { return take_apart(der); }
     [[nodiscard]] EVP_PKEY* key() const noexcept { return X509_get0_pubkey(x509.get()); }
 };
 
 // None when the bytes are no certificate in DER. What follows is ignored, as cards pad.
-[[nodiscard]] Certificate readCertificate(std::span<const unsigned char> der);
+[[nodiscard]] Certificate read_certificate(std::span<const unsigned char> der);
 
 // The same for a caller that wants the reason: ZVC_ERR_BAD_CERTIFICATE.
-[[nodiscard]] Certificate requireCertificate(std::span<const unsigned char> der);
+[[nodiscard]] Certificate require_certificate(std::span<const unsigned char> der);
 
 // Whether the one carries the other's subject as issuer and its key made the signature.
-[[nodiscard]] bool isIssuedBy(const Certificate& certificate, const Certificate& issuer);
+[[nodiscard]] bool is_issued_by(const Certificate& certificate, const Certificate& issuer);
 
 } // namespace zvcrypt

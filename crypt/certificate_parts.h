@@ -1,6 +1,6 @@
 #pragma once
 
-#include "der_reader.h"
+#include "crypt/der_reader.h"
 
 #include <optional>
 
@@ -12,19 +12,19 @@ namespace zvcrypt {
 struct CertificateParts {
     der::Span serial; // content bytes
     der::Span body;   // this and the following with their headers: what is signed
-    der::Span serialNumber;
+    der::Span serial_number;
     der::Span issuer;
-    der::Span notBefore;
-    der::Span notAfter;
+    der::Span not_before;
+    der::Span not_after;
     der::Span subject;
     der::Span extensions; // one after another
     der::Span whole;
 };
 
 // ZVC_ERR_BAD_CERTIFICATE when the bytes do not begin with a certificate in DER.
-[[nodiscard]] CertificateParts takeApart(der::Span der);
+[[nodiscard]] CertificateParts take_apart(der::Span der);
 
 // What the extension of that kind holds; nothing without one. ZVC_ERR_BAD_CERTIFICATE for two of them.
-[[nodiscard]] std::optional<der::Span> extensionValue(const CertificateParts& certificate, int nid);
+[[nodiscard]] std::optional<der::Span> extension_value(const CertificateParts& certificate, int nid);
 
 } // namespace zvcrypt

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "certificate.h"
-#include "hash.h"
+#include "crypt/certificate.h"
+#include "crypt/hash.h"
 
 #include <ctime>
 
@@ -11,11 +11,11 @@ namespace zvcrypt {
 // number.
 
 // Content type, message digest, signing time and signing-certificate-v2, as the SET that is signed.
-[[nodiscard]] Bytes signedAttributes(const Bytes& contentDigest, const Certificate& signer,
-                                     std::time_t signingTime);
+[[nodiscard]] Bytes signed_attributes(const Bytes& content_digest, const Certificate& signer,
+                                      std::time_t signing_time);
 
 // PKCS#1 DigestInfo: what the card's RSA operation pads and signs.
-[[nodiscard]] Bytes digestInfo(const HashAlgorithm& hash, const Bytes& digest);
+[[nodiscard]] Bytes digest_info(const HashAlgorithm& hash, const Bytes& digest);
 
 // A SignedData around content that is not in memory: what goes before its bytes, and after them.
 struct SignedDataFrame {
@@ -23,8 +23,8 @@ struct SignedDataFrame {
     Bytes tail;
 };
 
-[[nodiscard]] SignedDataFrame signedDataFrame(std::size_t contentLength, const HashAlgorithm& hash,
-                                              const Bytes& attributes, const Bytes& signature,
-                                              const Certificate& signer, const Certificate* issuer);
+[[nodiscard]] SignedDataFrame signed_data_frame(std::size_t content_length, const HashAlgorithm& hash,
+                                                const Bytes& attributes, const Bytes& signature,
+                                                const Certificate& signer, const Certificate* issuer);
 
 } // namespace zvcrypt

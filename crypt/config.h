@@ -1,6 +1,6 @@
 #pragma once
 
-#include "table.h"
+#include "crypt/table.h"
 
 #include <string>
 
@@ -10,11 +10,11 @@ namespace zvcrypt {
 // anew.
 
 // The configuration; an empty table when there is none.
-[[nodiscard]] const Table& loadConfiguration();
+[[nodiscard]] const Table& load_configuration();
 
 // The card table that a host keeps in a folder of its own.
-[[nodiscard]] const Table& loadHostTable(const std::string& folder);
+[[nodiscard]] const Table& load_host_table(const std::string& folder);
 
-[[nodiscard]] const Table& builtInTable();
+[[nodiscard]] const Table& built_in_table();
 
 } // namespace zvcrypt

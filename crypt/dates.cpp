@@ -1,7 +1,7 @@
-#include "certificate_parts.h"
-#include "failure.h"
-#include "name.h"
-#include "text.h"
+#include "crypt/certificate_parts.h"
+#include "crypt/failure.h"
+#include "crypt/name.h"
+#include "crypt/text.h"
 
 #include <cstdio>
 #include <ctime>
@@ -9,7 +9,7 @@
 namespace zvcrypt {
 namespace {
 
-std::string dateText(der::Span encoded) {
+std::string date_text(der::Span encoded) {
     const unsigned char* end = encoded.data();
     const TimePtr time(d2i_ASN1_TIME(nullptr, &end, static_cast<long>(encoded.size())));
     std::tm parts{};
@@ -27,36 +27,36 @@ struct Validity {
 };
 
 Validity validity(const CertificateParts& certificate) {
-    return {dateText(certificate.notBefore), dateText(certificate.notAfter)};
+    return {date_text(certificate.not_before), date_text(certificate.not_after)};
 }
 
 } // namespace
 } // namespace zvcrypt
 
 int kvGetCertDate(unsigned char* der, unsigned long length, char* date1, char* date2) {
-    return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments({date1, date2});
+    return zvcrypt::run_operation([&] {
+        zvcrypt::require_arguments({date1, date2});
         *date1 = *date2 = '\0';
-        zvcrypt::requireArguments({der});
-        const auto [from, to] = zvcrypt::validity(zvcrypt::takeApart({der, length}));
-        zvcrypt::writeText(from, {date1, ZVC_DATE_SIZE});
-        zvcrypt::writeText(to, {date2, ZVC_DATE_SIZE});
+        zvcrypt::require_arguments({der});
+        const auto [from, to] = zvcrypt::validity(zvcrypt::take_apart({der, length}));
+        zvcrypt::write_text(from, {date1, ZVC_DATE_SIZE});
+        zvcrypt::write_text(to, {date2, ZVC_DATE_SIZE});
     });
 }
 
-int GiveMeCertDate(unsigned char* der, unsigned long length, char* dateText, int dateSize,
+int GiveMeCertDate(unsigned char* der, unsigned long length, char* date_text, int date_size,
                    char* description) {
-    return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments({description});
+    return zvcrypt::run_operation([&] {
+        zvcrypt::require_arguments({description});
         *description = '\0';
-        const auto dates = zvcrypt::outputBuffer(dateText, dateSize);
-        zvcrypt::requireArguments({der});
-        const auto certificate = zvcrypt::takeApart({der, length});
+        const auto dates = zvcrypt::output_buffer(date_text, date_size);
+        zvcrypt::require_arguments({der});
+        const auto certificate = zvcrypt::take_apart({der, length});
         const auto [from, to] = zvcrypt::validity(certificate);
-        const std::string subject = zvcrypt::slashName(certificate.subject);
+        const std::string subject = zvcrypt::slash_name(certificate.subject);
         // Both are written before either may fail for want of room.
-        const bool whole = zvcrypt::copyText(from + " - " + to, dates);
-        zvcrypt::writeText(subject, {description, ZVC_DESCRIPTION_SIZE});
+        const bool whole = zvcrypt::copy_text(from + " - " + to, dates);
+        zvcrypt::write_text(subject, {description, ZVC_DESCRIPTION_SIZE});
         if (!whole) throw zvcrypt::Failure(ZVC_ERR_CUT, "Le date del certificato sono state troncate");
     });
 }

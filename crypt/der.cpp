@@ -1,4 +1,4 @@
-#include "der.h"
+#include "crypt/der.h"
 
 #include <algorithm>
 
@@ -26,7 +26,7 @@ Bytes tlv(Tag tag, std::initializer_list<std::span<const unsigned char>> parts) 
     return joined({header(tag, content.size()), content});
 }
 
-Bytes setOf(Tag tag, std::vector<Bytes> elements) {
+Bytes set_of(Tag tag, std::vector<Bytes> elements) {
     std::sort(elements.begin(), elements.end());
     Bytes content;
     for (const auto& element : elements)
@@ -34,7 +34,7 @@ Bytes setOf(Tag tag, std::vector<Bytes> elements) {
     return joined({header(tag, content.size()), content});
 }
 
-Bytes objectIdentifier(int nid) {
+Bytes object_identifier(int nid) {
     const ASN1_OBJECT* object = OBJ_nid2obj(nid);
     return encoded(i2d_ASN1_OBJECT, object);
 }

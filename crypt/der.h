@@ -1,7 +1,7 @@
 #pragma once
 
-#include "failure.h"
-#include "openssl_ptr.h"
+#include "crypt/failure.h"
+#include "crypt/openssl_ptr.h"
 
 #include <initializer_list>
 #include <span>
@@ -12,13 +12,13 @@ namespace zvcrypt::der {
 enum Tag : unsigned char {
     boolean = 0x01,
     integer = 0x02,
-    bitString = 0x03,
-    octetString = 0x04,
+    bit_string = 0x03,
+    octet_string = 0x04,
     oid = 0x06,
     sequence = 0x30,
     set = 0x31,
-    issuerUniqueId = 0x81,
-    subjectUniqueId = 0x82,
+    issuer_unique_id = 0x81,
+    subject_unique_id = 0x82,
     context0 = 0xA0,
     context3 = 0xA3,
     context4 = 0xA4,
@@ -32,9 +32,9 @@ enum Tag : unsigned char {
 [[nodiscard]] Bytes tlv(Tag tag, std::initializer_list<std::span<const unsigned char>> parts);
 
 // SET OF: its elements in the order of their encodings.
-[[nodiscard]] Bytes setOf(Tag tag, std::vector<Bytes> elements);
+[[nodiscard]] Bytes set_of(Tag tag, std::vector<Bytes> elements);
 
-[[nodiscard]] Bytes objectIdentifier(int nid);
+[[nodiscard]] Bytes object_identifier(int nid);
 
 // What OpenSSL encodes itself.
 template <class T> [[nodiscard]] Bytes encoded(int (*encode)(const T*, unsigned char**), const T* object) {

@@ -1,4 +1,4 @@
-#include "der_reader.h"
+#include "crypt/der_reader.h"
 
 namespace zvcrypt::der {
 
@@ -6,17 +6,17 @@ void Reader::complain() const {
     throw Failure(ZVC_ERR_BAD_CERTIFICATE, complaint_);
 }
 
-std::size_t Reader::identifierSize() const {
-    constexpr unsigned char longTag = 0x1F;
-    if (atEnd()) complain();
-    if ((rest_[0] & longTag) != longTag) return 1;
+std::size_t Reader::identifier_size() const {
+    constexpr unsigned char long_tag = 0x1F;
+    if (at_end()) complain();
+    if ((rest_[0] & long_tag) != long_tag) return 1;
     for (std::size_t i = 1; i < rest_.size(); ++i)
         if (rest_[i] < 0x80) return i + 1;
     complain();
 }
 
 Element Reader::next() {
-    std::size_t header = identifierSize();
+    std::size_t header = identifier_size();
     if (header == rest_.size()) complain();
     std::size_t length = rest_[header++];
     if (length == 0x80)
@@ -37,7 +37,7 @@ Element Reader::next() {
 }
 
 Element Reader::next(Tag tag) {
-    if (!nextIs(tag)) complain();
+    if (!next_is(tag)) complain();
     return next();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "der.h"
+#include "crypt/der.h"
 
 #include <algorithm>
 #include <span>
@@ -10,7 +10,7 @@ namespace zvcrypt::der {
 
 using Span = std::span<const unsigned char>;
 
-[[nodiscard]] inline bool isSame(Span one, Span other) {
+[[nodiscard]] inline bool is_same(Span one, Span other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end());
 }
 
@@ -26,8 +26,8 @@ class Reader {
   public:
     Reader(Span input, const char* complaint) noexcept : rest_(input), complaint_(complaint) {}
 
-    [[nodiscard]] bool atEnd() const noexcept { return rest_.empty(); }
-    [[nodiscard]] bool nextIs(Tag tag) const noexcept { return !atEnd() && rest_[0] == tag; }
+    [[nodiscard]] bool at_end() const noexcept { return rest_.empty(); }
+    [[nodiscard]] bool next_is(Tag tag) const noexcept { return !at_end() && rest_[0] == tag; }
 
     Element next();
     Element next(Tag tag);
@@ -37,7 +37,7 @@ class Reader {
     [[noreturn]] void complain() const;
 
   private:
-    [[nodiscard]] std::size_t identifierSize() const;
+    [[nodiscard]] std::size_t identifier_size() const;
 
     Span rest_;
     const char* complaint_;

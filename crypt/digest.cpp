@@ -1,4 +1,4 @@
-#include "openssl_ptr.h"
+#include "crypt/openssl_ptr.h"
 #include "zvCrypt.h"
 
 #include <openssl/evp.h>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace zvcrypt;
 
-MdContextPtr newContext() noexcept {
+MdContextPtr new_context() noexcept {
     MdContextPtr context(EVP_MD_CTX_new());
     if (context != nullptr && EVP_DigestInit_ex2(context.get(), EVP_sha1(), nullptr) != 1) context.reset();
     return context;
@@ -18,7 +18,7 @@ MdContextPtr newContext() noexcept {
 
 // Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros. It lives as
 // long as the process.
-EVP_MD_CTX* nextContext = newContext().release();
+EVP_MD_CTX* next_context = new_context().release();
 
 } // namespace
 
@@ -27,9 +27,9 @@ void Sha1Digest(int length, unsigned char* data, unsigned char* digest) {
     std::fill_n(digest, ZVC_SHA1_SIZE, static_cast<unsigned char>(0));
     const auto size = static_cast<std::size_t>(std::max(length, 0));
     if (data == nullptr && size > 0) return;
-    MdContextPtr context(std::exchange(nextContext, nullptr));
-    if (context == nullptr) context = newContext();
+    MdContextPtr context(std::exchange(next_context, nullptr));
+    if (context == nullptr) context = new_context();
     if (context != nullptr && EVP_DigestUpdate(context.get(), data, size) == 1)
         (void)EVP_DigestFinal_ex(context.get(), digest, nullptr);
-    nextContext = newContext().release();
+    next_context = new_context().release();
 }

@@ -1,7 +1,7 @@
-#include "failure.h"
+#include "crypt/failure.h"
 
-#include "asn1_text.h"
-#include "text.h"
+#include "crypt/asn1_text.h"
+#include "crypt/text.h"
 
 #include <openssl/asn1.h>
 #include <openssl/err.h>
@@ -17,19 +17,19 @@ struct LastFailure {
     std::string reason;
 };
 
-LastFailure& lastFailure() {
+LastFailure& last_failure() {
     static auto& last = undying<LastFailure>();
     return last;
 }
 
 // A reason quotes files, labels and readers' names, which may be no text at all.
 int keep(zvCryptError code, std::string_view reason) noexcept {
-    lastFailure().code = code;
+    last_failure().code = code;
     try {
-        lastFailure().reason = displayText(
+        last_failure().reason = display_text(
             V_ASN1_UTF8STRING, {reinterpret_cast<const unsigned char*>(reason.data()), reason.size()});
     } catch (const std::bad_alloc&) {
-        lastFailure().reason.clear();
+        last_failure().reason.clear();
     }
     return code;
 }
@@ -45,9 +45,9 @@ class OpensslErrors {
 
 } // namespace
 
-int runBody(const std::function<void()>& body) noexcept {
+int run_body(const std::function<void()>& body) noexcept {
     const OpensslErrors restored;
-    lastFailure() = {};
+    last_failure() = {};
     try {
         body();
         return ZVC_OK;
@@ -60,7 +60,7 @@ int runBody(const std::function<void()>& body) noexcept {
     }
 }
 
-void requireArguments(std::initializer_list<const void*> pointers) {
+void require_arguments(std::initializer_list<const void*> pointers) {
     if (std::find(pointers.begin(), pointers.end(), nullptr) != pointers.end())
         throw Failure(ZVC_ERR_ARGUMENT, "Argomento mancante nella chiamata alla libreria crittografica");
 }
@@ -68,8 +68,8 @@ void requireArguments(std::initializer_list<const void*> pointers) {
 } // namespace zvcrypt
 
 int kvLastError(char* buffer, int size) {
-    const auto& last = zvcrypt::lastFailure();
+    const auto& last = zvcrypt::last_failure();
     if (buffer != nullptr && size > 0)
-        (void)zvcrypt::copyText(last.reason, {buffer, static_cast<std::size_t>(size)});
+        (void)zvcrypt::copy_text(last.reason, {buffer, static_cast<std::size_t>(size)});
     return last.code;
 }

@@ -30,16 +30,16 @@ template <class T, class... Arguments> [[nodiscard]] T& undying(Arguments&&... a
     return *new T(std::forward<Arguments>(arguments)...);
 }
 
-[[nodiscard]] int runBody(const std::function<void()>& body) noexcept;
+[[nodiscard]] int run_body(const std::function<void()>& body) noexcept;
 
 // Runs the body of an exported operation: forgets the last failure first, keeps a new one for kvLastError and
 // lets no exception out.
-template <class Body> [[nodiscard]] int runOperation(const Body& body) noexcept {
+template <class Body> [[nodiscard]] int run_operation(const Body& body) noexcept {
     // By reference: a copy of the body may want memory, before anything looks after its failure.
-    return runBody(std::cref(body));
+    return run_body(std::cref(body));
 }
 
 // Fails with ZVC_ERR_ARGUMENT when one of the arguments is null.
-void requireArguments(std::initializer_list<const void*> pointers);
+void require_arguments(std::initializer_list<const void*> pointers);
 
 } // namespace zvcrypt

@@ -1,9 +1,9 @@
-#include "certificate_parts.h"
-#include "failure.h"
-#include "name.h"
-#include "policies.h"
-#include "tax_code.h"
-#include "text.h"
+#include "crypt/certificate_parts.h"
+#include "crypt/failure.h"
+#include "crypt/name.h"
+#include "crypt/policies.h"
+#include "crypt/tax_code.h"
+#include "crypt/text.h"
 
 #include <algorithm>
 #include <functional>
@@ -12,41 +12,41 @@ namespace zvcrypt {
 namespace {
 
 // The one way of every field: the certificate in, a bounded text out.
-int onCertificate(const unsigned char* der, unsigned long length, char* out, int size,
-                  const std::function<void(const CertificateParts&, std::span<char>)>& write) {
-    return runOperation([&] {
-        const auto buffer = outputBuffer(out, size);
-        requireArguments({der});
-        write(takeApart({der, length}), buffer);
+int on_certificate(const unsigned char* der, unsigned long length, char* out, int size,
+                   const std::function<void(const CertificateParts&, std::span<char>)>& write) {
+    return run_operation([&] {
+        const auto buffer = output_buffer(out, size);
+        require_arguments({der});
+        write(take_apart({der, length}), buffer);
     });
 }
 
 int field(const unsigned char* der, unsigned long length, char* out, int size,
           const std::function<std::string(const CertificateParts&)>& read) {
-    return onCertificate(der, length, out, size,
-                         [&](const CertificateParts& certificate, std::span<char> buffer) {
-                             writeText(read(certificate), buffer);
-                         });
+    return on_certificate(der, length, out, size,
+                          [&](const CertificateParts& certificate, std::span<char> buffer) {
+                              write_text(read(certificate), buffer);
+                          });
 }
 
 int pieces(const unsigned char* der, unsigned long length, char* out, int size,
            std::vector<std::string> (*read)(const CertificateParts&)) {
-    return onCertificate(der, length, out, size,
-                         [&](const CertificateParts& certificate, std::span<char> buffer) {
-                             writePieces(read(certificate), buffer);
-                         });
+    return on_certificate(der, length, out, size,
+                          [&](const CertificateParts& certificate, std::span<char> buffer) {
+                              write_pieces(read(certificate), buffer);
+                          });
 }
 
 // Half a byte would be another number.
-std::vector<std::string> hexBytes(der::Span bytes) {
+std::vector<std::string> hex_bytes(der::Span bytes) {
     std::vector<std::string> digits;
     for (const unsigned char byte : bytes)
-        digits.push_back(upperHex({&byte, 1}));
+        digits.push_back(upper_hex({&byte, 1}));
     return digits;
 }
 
 // The amount of the number in the fewest bytes, with its sign in front.
-std::vector<std::string> serialNumber(const CertificateParts& certificate) {
+std::vector<std::string> serial_number(const CertificateParts& certificate) {
     Bytes number(certificate.serial.begin(), certificate.serial.end());
     const bool negative = number.front() >= 0x80;
     if (negative) {
@@ -58,23 +58,23 @@ std::vector<std::string> serialNumber(const CertificateParts& certificate) {
     }
     number.erase(number.begin(),
                  std::find_if(number.begin(), number.end() - 1, [](auto byte) { return byte != 0; }));
-    auto digits = hexBytes(number);
+    auto digits = hex_bytes(number);
     if (negative) digits.front().insert(0, "-");
     return digits;
 }
 
-std::vector<std::string> subjectKeyIdentifier(const CertificateParts& certificate) {
-    const auto value = extensionValue(certificate, NID_subject_key_identifier);
+std::vector<std::string> subject_key_identifier(const CertificateParts& certificate) {
+    const auto value = extension_value(certificate, NID_subject_key_identifier);
     if (!value) return {};
     der::Reader reader(*value, "L'identificativo della chiave del titolare non è leggibile");
-    const auto identifier = reader.next(der::octetString);
-    if (!reader.atEnd()) reader.complain();
-    return hexBytes(identifier.content);
+    const auto identifier = reader.next(der::octet_string);
+    if (!reader.at_end()) reader.complain();
+    return hex_bytes(identifier.content);
 }
 
 // A part of an identifier is another identifier.
-std::vector<std::string> policyPieces(const CertificateParts& certificate) {
-    auto identifiers = policyIdentifiers(certificate);
+std::vector<std::string> policy_pieces(const CertificateParts& certificate) {
+    auto identifiers = policy_identifiers(certificate);
     for (std::size_t i = 1; i < identifiers.size(); ++i)
         identifiers[i].insert(0, ",");
     return identifiers;
@@ -87,39 +87,39 @@ using Parts = zvcrypt::CertificateParts;
 
 int kvGetSubjectDN(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size,
-                          [](const Parts& certificate) { return zvcrypt::slashName(certificate.subject); });
+                          [](const Parts& certificate) { return zvcrypt::slash_name(certificate.subject); });
 }
 
 int kvGetIssuerDN(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size,
-                          [](const Parts& certificate) { return zvcrypt::slashName(certificate.issuer); });
+                          [](const Parts& certificate) { return zvcrypt::slash_name(certificate.issuer); });
 }
 
 int kvX509GetSerial(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::pieces(der, length, out, size, zvcrypt::serialNumber);
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::serial_number);
 }
 
 int kvGetIUT(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size, [](const Parts& certificate) {
-        return zvcrypt::nameAttribute(certificate.subject, NID_dnQualifier);
+        return zvcrypt::name_attribute(certificate.subject, NID_dnQualifier);
     });
 }
 
 int kvGetCodFisc(unsigned char* der, unsigned long length, char* out, int size) {
     return zvcrypt::field(der, length, out, size, [](const Parts& certificate) {
-        return zvcrypt::taxCode(zvcrypt::nameAttribute(certificate.subject, NID_serialNumber),
-                                zvcrypt::nameAttribute(certificate.subject, NID_commonName));
+        return zvcrypt::tax_code(zvcrypt::name_attribute(certificate.subject, NID_serialNumber),
+                                 zvcrypt::name_attribute(certificate.subject, NID_commonName));
     });
 }
 
 int kvGetCertificatePolicies(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::pieces(der, length, out, size, zvcrypt::policyPieces);
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::policy_pieces);
 }
 
 int kvGetExplicitText(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::field(der, length, out, size, zvcrypt::explicitText);
+    return zvcrypt::field(der, length, out, size, zvcrypt::explicit_text);
 }
 
 int zv_X509V3_get_subject_key_identifier(unsigned char* der, unsigned long length, char* out, int size) {
-    return zvcrypt::pieces(der, length, out, size, zvcrypt::subjectKeyIdentifier);
+    return zvcrypt::pieces(der, length, out, size, zvcrypt::subject_key_identifier);
 }

@@ -1,14 +1,15 @@
-#include "files.h"
+#include "crypt/files.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace zvcrypt {
 namespace {
 
-int openWithoutWaiting(const std::string& path, Links links) {
+int open_without_waiting(const std::string& path, Links links) {
     const int follow = links == Links::refused ? O_NOFOLLOW : 0;
     return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | follow);
 }
@@ -22,28 +23,28 @@ bool names(const std::string& path, int descriptor) {
 }
 
 // An administrator could remove one: /dev/null must survive being named as an output.
-bool isDevice(const std::string& path) {
+bool is_device(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
 }
 
-int createAnew(const std::string& path, const InputFile& input) {
-    if (input.isAlso(path))
+int create_anew(const std::string& path, const InputFile& input) {
+    if (input.is_also(path))
         throw Failure(ZVC_ERR_OUTPUT, "Il file da creare è lo stesso da leggere: " + path);
-    if (isDevice(path))
+    if (is_device(path))
         throw Failure(ZVC_ERR_OUTPUT, "Impossibile sostituire " + path + ": è un dispositivo");
     if (::unlink(path.c_str()) != 0 && errno != ENOENT)
-        throw Failure(ZVC_ERR_OUTPUT, "Impossibile sostituire " + path + ": " + systemReason(errno));
+        throw Failure(ZVC_ERR_OUTPUT, "Impossibile sostituire " + path + ": " + system_reason(errno));
     const int descriptor =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0)
-        throw Failure(ZVC_ERR_OUTPUT, "Impossibile creare " + path + ": " + systemReason(errno));
+        throw Failure(ZVC_ERR_OUTPUT, "Impossibile creare " + path + ": " + system_reason(errno));
     return descriptor;
 }
 
 } // namespace
 
-std::string systemReason(int error) {
+std::string system_reason(int error) {
     switch (error) {
     case ENOENT:
         return "il file o la cartella non esiste";
@@ -87,14 +88,14 @@ int Descriptor::close() noexcept {
     return descriptor < 0 ? 0 : ::close(descriptor);
 }
 
-InputFile::InputFile(const std::string& path, Links links, zvCryptError failureCode)
-    : path_(path), failureCode_(failureCode), descriptor_(openWithoutWaiting(path, links)) {
+InputFile::InputFile(const std::string& path, Links links, zvCryptError failure_code)
+    : path_(path), failure_code_(failure_code), descriptor_(open_without_waiting(path, links)) {
     if (descriptor_.get() < 0)
-        throw Failure(failureCode_, "Impossibile aprire " + path_ + ": " + systemReason(errno));
+        throw Failure(failure_code_, "Impossibile aprire " + path_ + ": " + system_reason(errno));
     struct stat status {};
     if (::fstat(descriptor_.get(), &status) != 0)
-        throw Failure(failureCode_, "Impossibile leggere " + path_ + ": " + systemReason(errno));
-    if (!S_ISREG(status.st_mode)) throw Failure(failureCode_, path_ + " non è un file di dati");
+        throw Failure(failure_code_, "Impossibile leggere " + path_ + ": " + system_reason(errno));
+    if (!S_ISREG(status.st_mode)) throw Failure(failure_code_, path_ + " non è un file di dati");
     size_ = status.st_size;
 }
 
@@ -104,7 +105,7 @@ std::size_t InputFile::read(std::span<unsigned char> buffer) {
         const ssize_t count = ::read(descriptor_.get(), buffer.data() + filled, buffer.size() - filled);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0)
-            throw Failure(failureCode_, "Impossibile leggere " + path_ + ": " + systemReason(errno));
+            throw Failure(failure_code_, "Impossibile leggere " + path_ + ": " + system_reason(errno));
         if (count == 0) break;
         filled += static_cast<std::size_t>(count);
     }
@@ -113,21 +114,21 @@ std::size_t InputFile::read(std::span<unsigned char> buffer) {
 
 void InputFile::rewind() {
     if (::lseek(descriptor_.get(), 0, SEEK_SET) != 0)
-        throw Failure(failureCode_, "Impossibile rileggere " + path_ + ": " + systemReason(errno));
+        throw Failure(failure_code_, "Impossibile rileggere " + path_ + ": " + system_reason(errno));
 }
 
-bool InputFile::isAlso(const std::string& path) const {
+bool InputFile::is_also(const std::string& path) const {
     return names(path, descriptor_.get());
 }
 
 OutputFile::OutputFile(std::string path, const InputFile& input)
-    : path_(std::move(path)), descriptor_(createAnew(path_, input)) {}
+    : path_(std::move(path)), descriptor_(create_anew(path_, input)) {}
 
 OutputFile::~OutputFile() {
-    if (!kept_ && hasItsName()) (void)::unlink(path_.c_str());
+    if (!kept_ && has_its_name()) (void)::unlink(path_.c_str());
 }
 
-bool OutputFile::hasItsName() const {
+bool OutputFile::has_its_name() const {
     return names(path_, descriptor_.get());
 }
 
@@ -136,18 +137,18 @@ void OutputFile::write(std::span<const unsigned char> bytes) {
         const ssize_t count = ::write(descriptor_.get(), bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) continue;
         if (count < 0)
-            throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + systemReason(errno));
+            throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + system_reason(errno));
         bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
 }
 
 void OutputFile::keep() {
-    if (!hasItsName()) throw Failure(ZVC_ERR_OUTPUT, path_ + " è stato sostituito durante la scrittura");
+    if (!has_its_name()) throw Failure(ZVC_ERR_OUTPUT, path_ + " è stato sostituito durante la scrittura");
     kept_ = true;
     if (descriptor_.close() == 0) return;
     const int error = errno;
     (void)::unlink(path_.c_str());
-    throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + systemReason(error));
+    throw Failure(ZVC_ERR_OUTPUT, "Impossibile scrivere " + path_ + ": " + system_reason(error));
 }
 
 } // namespace zvcrypt

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "failure.h"
+#include "crypt/failure.h"
 
 #include <sys/types.h>
 
@@ -10,7 +10,7 @@
 namespace zvcrypt {
 
 // The Italian words for an errno value.
-[[nodiscard]] std::string systemReason(int error);
+[[nodiscard]] std::string system_reason(int error);
 
 // An open file descriptor.
 class Descriptor {
@@ -32,17 +32,17 @@ enum class Links { refused, followed };
 // A plain file that is read. Neither a FIFO nor a device makes it wait.
 class InputFile {
   public:
-    InputFile(const std::string& path, Links links, zvCryptError failureCode = ZVC_ERR_INPUT);
+    InputFile(const std::string& path, Links links, zvCryptError failure_code = ZVC_ERR_INPUT);
 
     [[nodiscard]] off_t size() const noexcept { return size_; }
     // Fills the buffer as far as the file goes; 0 at its end.
     [[nodiscard]] std::size_t read(std::span<unsigned char> buffer);
     void rewind();
-    [[nodiscard]] bool isAlso(const std::string& path) const;
+    [[nodiscard]] bool is_also(const std::string& path) const;
 
   private:
     std::string path_;
-    zvCryptError failureCode_;
+    zvCryptError failure_code_;
     Descriptor descriptor_;
     off_t size_ = 0;
 };
@@ -62,7 +62,7 @@ class OutputFile {
     void keep();
 
   private:
-    [[nodiscard]] bool hasItsName() const;
+    [[nodiscard]] bool has_its_name() const;
 
     std::string path_;
     Descriptor descriptor_;

@@ -1,6 +1,6 @@
-#include "hash.h"
+#include "crypt/hash.h"
 
-#include "failure.h"
+#include "crypt/failure.h"
 
 #include <array>
 #include <new>
@@ -8,7 +8,7 @@
 namespace zvcrypt {
 namespace {
 
-constexpr std::array<HashAlgorithm, 3> algorithms{{
+constexpr std::array<HashAlgorithm, 3> ALGORITHMS{{
     {"SHA256", NID_sha256, EVP_sha256},
     {"SHA384", NID_sha384, EVP_sha384},
     {"SHA512", NID_sha512, EVP_sha512},
@@ -20,19 +20,19 @@ void require(int result) {
 
 } // namespace
 
-const HashAlgorithm& hashAlgorithm(std::string_view name) {
-    for (const auto& algorithm : algorithms)
+const HashAlgorithm& hash_algorithm(std::string_view name) {
+    for (const auto& algorithm : ALGORITHMS)
         if (algorithm.name == name) return algorithm;
     throw Failure(ZVC_ERR_HASH, "Algoritmo di impronta non ammesso: " + std::string(name));
 }
 
-MdContextPtr newDigestContext() {
+MdContextPtr new_digest_context() {
     MdContextPtr context(EVP_MD_CTX_new());
     if (!context) throw std::bad_alloc();
     return context;
 }
 
-Digest::Digest(const HashAlgorithm& algorithm) : context_(newDigestContext()) {
+Digest::Digest(const HashAlgorithm& algorithm) : context_(new_digest_context()) {
     require(EVP_DigestInit_ex2(context_.get(), algorithm.digest(), nullptr));
 }
 
@@ -48,7 +48,7 @@ Bytes Digest::finish() {
     return digest;
 }
 
-Bytes digestOf(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes) {
+Bytes digest_of(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes) {
     Digest digest(algorithm);
     digest.update(bytes);
     return digest.finish();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "crypt/openssl_ptr.h"
 
 #include <span>
 #include <string_view>
@@ -15,9 +15,9 @@ struct HashAlgorithm {
 };
 
 // ZVC_ERR_HASH for a name that is not supported.
-[[nodiscard]] const HashAlgorithm& hashAlgorithm(std::string_view name);
+[[nodiscard]] const HashAlgorithm& hash_algorithm(std::string_view name);
 
-[[nodiscard]] MdContextPtr newDigestContext();
+[[nodiscard]] MdContextPtr new_digest_context();
 
 // A digest that is fed piece by piece.
 class Digest {
@@ -31,6 +31,6 @@ class Digest {
     MdContextPtr context_;
 };
 
-[[nodiscard]] Bytes digestOf(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes);
+[[nodiscard]] Bytes digest_of(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes);
 
 } // namespace zvcrypt

@@ -1,9 +1,9 @@
-#include "kept_pin.h"
+#include "crypt/kept_pin.h"
 
 #include <openssl/crypto.h>
+#include <sys/mman.h>
 
 #include <algorithm>
-#include <sys/mman.h>
 
 namespace zvcrypt {
 

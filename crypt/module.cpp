@@ -1,7 +1,8 @@
-#include "module.h"
+#include "crypt/module.h"
+
+#include <dlfcn.h>
 
 #include <cstdio>
-#include <dlfcn.h>
 
 namespace zvcrypt {
 namespace {
@@ -15,25 +16,25 @@ void* load(const std::string& path) {
                                            (detail == nullptr ? "" : std::string(": ") + detail));
 }
 
-CK_FUNCTION_LIST_PTR functionList(void* handle) {
-    const auto getList = reinterpret_cast<CK_C_GetFunctionList>(::dlsym(handle, "C_GetFunctionList"));
+CK_FUNCTION_LIST_PTR function_list(void* handle) {
+    const auto get_list = reinterpret_cast<CK_C_GetFunctionList>(::dlsym(handle, "C_GetFunctionList"));
     CK_FUNCTION_LIST_PTR list = nullptr;
-    return getList != nullptr && getList(&list) == CKR_OK ? list : nullptr;
+    return get_list != nullptr && get_list(&list) == CKR_OK ? list : nullptr;
 }
 
 Failure coded(zvCryptError code, const char* sentence, const char* function, CK_RV result) {
-    return {code, moduleReason(sentence, function, result)};
+    return {code, module_reason(sentence, function, result)};
 }
 
 } // namespace
 
-std::string moduleReason(const char* sentence, const char* function, CK_RV result) {
+std::string module_reason(const char* sentence, const char* function, CK_RV result) {
     char text[192];
     (void)std::snprintf(text, sizeof text, "%s (%s: 0x%lX)", sentence, function, result);
     return text;
 }
 
-Module::Module(const std::string& path) : handle_(load(path)), list_(functionList(handle_)) {
+Module::Module(const std::string& path) : handle_(load(path)), list_(function_list(handle_)) {
     if (list_ != nullptr) return;
     (void)::dlclose(handle_);
     throw Failure(ZVC_ERR_MODULE_LOAD, "\"" + path + "\" non è un modulo PKCS#11");
@@ -43,7 +44,7 @@ Module::~Module() {
     (void)::dlclose(handle_);
 }
 
-Failure moduleFailure(const char* function, CK_RV result) {
+Failure module_failure(const char* function, CK_RV result) {
     switch (result) {
     case CKR_TOKEN_NOT_PRESENT:
     case CKR_TOKEN_NOT_RECOGNIZED:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "failure.h"
+#include "crypt/failure.h"
 #include "pkcs11.h"
 
 #include <string>
@@ -28,13 +28,13 @@ class Module {
 };
 
 // The sentence, with the function that failed and its result.
-[[nodiscard]] std::string moduleReason(const char* sentence, const char* function, CK_RV result);
+[[nodiscard]] std::string module_reason(const char* sentence, const char* function, CK_RV result);
 
 // The failure that a module's result stands for.
-[[nodiscard]] Failure moduleFailure(const char* function, CK_RV result);
+[[nodiscard]] Failure module_failure(const char* function, CK_RV result);
 
 inline void check(const char* function, CK_RV result) {
-    if (result != CKR_OK) throw moduleFailure(function, result);
+    if (result != CKR_OK) throw module_failure(function, result);
 }
 
 } // namespace zvcrypt

@@ -1,7 +1,7 @@
-#include "name.h"
+#include "crypt/name.h"
 
-#include "asn1_text.h"
-#include "object_id.h"
+#include "crypt/asn1_text.h"
+#include "crypt/object_id.h"
 
 #include <vector>
 
@@ -14,11 +14,11 @@ struct Attribute {
 };
 
 // In their order; those of one RDN follow each other like the others.
-std::vector<Attribute> attributesOf(der::Span name) {
+std::vector<Attribute> attributes_of(der::Span name) {
     der::Reader rdns = der::Reader(name, "Un nome nel certificato non è leggibile").enter(der::sequence);
     std::vector<Attribute> attributes;
-    while (!rdns.atEnd()) {
-        for (der::Reader rdn = rdns.enter(der::set); !rdn.atEnd();) {
+    while (!rdns.at_end()) {
+        for (der::Reader rdn = rdns.enter(der::set); !rdn.at_end();) {
             der::Reader attribute = rdn.enter(der::sequence);
             const auto type = attribute.next(der::oid).whole;
             attributes.push_back({type, attribute.next()});
@@ -27,23 +27,23 @@ std::vector<Attribute> attributesOf(der::Span name) {
     return attributes;
 }
 
-std::string textOf(const Attribute& attribute) {
-    return displayText(attribute.value.tag, attribute.value.content);
+std::string text_of(const Attribute& attribute) {
+    return display_text(attribute.value.tag, attribute.value.content);
 }
 
 } // namespace
 
-std::string slashName(der::Span name) {
+std::string slash_name(der::Span name) {
     std::string text;
-    for (const auto& attribute : attributesOf(name))
-        text += "/" + shortName(attribute.type) + "=" + textOf(attribute);
+    for (const auto& attribute : attributes_of(name))
+        text += "/" + short_name(attribute.type) + "=" + text_of(attribute);
     return text;
 }
 
-std::string nameAttribute(der::Span name, int nid) {
-    const Bytes kind = der::objectIdentifier(nid);
-    for (const auto& attribute : attributesOf(name))
-        if (der::isSame(attribute.type, kind)) return textOf(attribute);
+std::string name_attribute(der::Span name, int nid) {
+    const Bytes kind = der::object_identifier(nid);
+    for (const auto& attribute : attributes_of(name))
+        if (der::is_same(attribute.type, kind)) return text_of(attribute);
     return {};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "der_reader.h"
+#include "crypt/der_reader.h"
 
 #include <string>
 
@@ -9,9 +9,9 @@
 namespace zvcrypt {
 
 // Its numbers joined by dots.
-[[nodiscard]] std::string dottedNumber(der::Span identifier);
+[[nodiscard]] std::string dotted_number(der::Span identifier);
 
 // OpenSSL's short name, or the number of what has none.
-[[nodiscard]] std::string shortName(der::Span identifier);
+[[nodiscard]] std::string short_name(der::Span identifier);
 
 } // namespace zvcrypt

@@ -23,9 +23,9 @@ using CmsPtr = OpensslPtr<CMS_ContentInfo, CMS_ContentInfo_free>;
 using MdContextPtr = OpensslPtr<EVP_MD_CTX, EVP_MD_CTX_free>;
 using TimePtr = OpensslPtr<ASN1_TIME, ASN1_TIME_free>;
 
-inline void freeCertificates(STACK_OF(X509) * certificates) {
+inline void free_certificates(STACK_OF(X509) * certificates) {
     sk_X509_pop_free(certificates, X509_free);
 }
-using X509StackPtr = OpensslPtr<STACK_OF(X509), freeCertificates>;
+using X509StackPtr = OpensslPtr<STACK_OF(X509), free_certificates>;
 
 } // namespace zvcrypt

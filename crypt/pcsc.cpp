@@ -1,7 +1,7 @@
-#include "pcsc.h"
+#include "crypt/pcsc.h"
 
-#include "failure.h"
-#include "text.h"
+#include "crypt/failure.h"
+#include "crypt/text.h"
 
 #ifdef __APPLE__
 #include <PCSC/winscard.h>
@@ -71,7 +71,7 @@ class Context {
 };
 
 // The names one behind the other, each with its terminator, and an empty one at the end.
-std::string nameList(const Context& context) {
+std::string name_list(const Context& context) {
     DWORD size = 0;
     auto result = ::SCardListReaders(context.get(), nullptr, nullptr, &size);
     std::string names(is(code(result), SCARD_S_SUCCESS) ? size : 0, '\0');
@@ -81,8 +81,8 @@ std::string nameList(const Context& context) {
     return names;
 }
 
-std::vector<std::string> readerNames(const Context& context) {
-    const std::string names = nameList(context);
+std::vector<std::string> reader_names(const Context& context) {
+    const std::string names = name_list(context);
     std::vector<std::string> list;
     for (std::size_t start = 0; start < names.size() && names[start] != '\0';) {
         const auto end = std::min(names.find('\0', start), names.size());
@@ -95,19 +95,19 @@ std::vector<std::string> readerNames(const Context& context) {
 PcscReader describe(const SCARD_READERSTATE& state) {
     PcscReader reader;
     reader.name = state.szReader;
-    reader.hasCard = (state.dwEventState & SCARD_STATE_PRESENT) != 0;
-    if (reader.hasCard && (state.dwEventState & SCARD_STATE_MUTE) == 0) {
+    reader.has_card = (state.dwEventState & SCARD_STATE_PRESENT) != 0;
+    if (reader.has_card && (state.dwEventState & SCARD_STATE_MUTE) == 0) {
         const auto length = std::min<std::size_t>(state.cbAtr, sizeof state.rgbAtr);
-        reader.atr = upperHex({state.rgbAtr, length});
+        reader.atr = upper_hex({state.rgbAtr, length});
     }
     return reader;
 }
 
 // The readers of that name, or all of them. Only they are waited for: the service takes its time over a card
 // that does not answer.
-std::vector<PcscReader> askOnce(const std::string* name) {
+std::vector<PcscReader> ask_once(const std::string* name) {
     const Context context;
-    auto names = readerNames(context);
+    auto names = reader_names(context);
     if (name != nullptr) std::erase_if(names, [&](const std::string& other) { return other != *name; });
     if (names.empty()) return {};
     std::vector<SCARD_READERSTATE> states(names.size());
@@ -122,25 +122,25 @@ std::vector<PcscReader> askOnce(const std::string* name) {
     return readers;
 }
 
-constexpr int attempts = 3;
+constexpr int ATTEMPTS = 3;
 
 std::vector<PcscReader> ask(const std::string* name) {
     for (int attempt = 1;; ++attempt) {
         try {
-            return askOnce(name);
+            return ask_once(name);
         } catch (const CallFailure& failure) {
-            if (!failure.passes() || attempt == attempts) failure.raise();
+            if (!failure.passes() || attempt == ATTEMPTS) failure.raise();
         }
     }
 }
 
 } // namespace
 
-std::vector<PcscReader> pcscReaders() {
+std::vector<PcscReader> pcsc_readers() {
     return ask(nullptr);
 }
 
-std::optional<PcscReader> pcscReader(const std::string& name) {
+std::optional<PcscReader> pcsc_reader(const std::string& name) {
     const auto found = ask(&name);
     return found.empty() ? std::nullopt : std::optional(found.front());
 }

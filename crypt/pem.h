@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openssl_ptr.h"
+#include "crypt/openssl_ptr.h"
 
 #include <string>
 #include <string_view>
@@ -15,10 +15,10 @@ struct PemBlock {
 
 // The PEM blocks of a text, which may have lost its line ends; none in a text without any. What stands
 // between the blocks is passed over. A block that does not end, or not as it began, is ZVC_ERR_TEXT_FORM.
-[[nodiscard]] std::vector<PemBlock> pemBlocks(std::string_view text);
+[[nodiscard]] std::vector<PemBlock> pem_blocks(std::string_view text);
 
 // What the block's base64 stands for. ZVC_ERR_TEXT_FORM for a block with headers: it may be encrypted, and
 // without line ends nobody can tell where they stop.
-[[nodiscard]] Bytes pemContent(const PemBlock& block);
+[[nodiscard]] Bytes pem_content(const PemBlock& block);
 
 } // namespace zvcrypt

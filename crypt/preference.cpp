@@ -1,4 +1,4 @@
-#include "preference.h"
+#include "crypt/preference.h"
 
 namespace zvcrypt {
 namespace {
@@ -15,7 +15,7 @@ std::string sortable(const ASN1_TIME* time) {
 
 } // namespace
 
-Preference preferenceOf(const Certificate& certificate, std::time_t time) {
+Preference preference_of(const Certificate& certificate, std::time_t time) {
     const std::string now = sortable(TimePtr(ASN1_TIME_set(nullptr, time)).get());
     const std::string from = sortable(X509_get0_notBefore(certificate.x509.get()));
     const std::string to = sortable(X509_get0_notAfter(certificate.x509.get()));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "certificate.h"
+#include "crypt/certificate.h"
 
 #include <ctime>
 #include <string>
@@ -13,6 +13,6 @@ namespace zvcrypt {
 // greatest wins.
 using Preference = std::tuple<bool, std::string, std::string, Bytes>;
 
-[[nodiscard]] Preference preferenceOf(const Certificate& certificate, std::time_t time);
+[[nodiscard]] Preference preference_of(const Certificate& certificate, std::time_t time);
 
 } // namespace zvcrypt

@@ -1,11 +1,12 @@
-#include "session.h"
+#include "crypt/session.h"
 
-#include "asn1_text.h"
-#include "text.h"
+#include "crypt/asn1_text.h"
+#include "crypt/text.h"
+
+#include <unistd.h>
 
 #include <cstdlib>
 #include <memory>
-#include <unistd.h>
 
 namespace zvcrypt {
 namespace {
@@ -15,40 +16,40 @@ std::unique_ptr<Session>& current() {
     return session;
 }
 
-void closeCurrent() {
+void close_current() {
     if (!current()) return;
     const auto outcome = current()->close();
     current().reset();
-    if (outcome.result != CKR_OK) throw moduleFailure(outcome.function, outcome.result);
+    if (outcome.result != CKR_OK) throw module_failure(outcome.function, outcome.result);
 }
 
 // A module ends before the exit handlers that were set up before it was loaded: those would call what is no more.
-void closeAtExit() noexcept {
-    if (current() && current()->isOfThisProcess()) current().reset();
+void close_at_exit() noexcept {
+    if (current() && current()->is_of_this_process()) current().reset();
 }
 
 // The module or the card ended the session already.
-bool isGone(CK_RV result) {
+bool is_gone(CK_RV result) {
     return result == CKR_SESSION_HANDLE_INVALID || result == CKR_SESSION_CLOSED ||
            result == CKR_DEVICE_REMOVED || result == CKR_TOKEN_NOT_PRESENT ||
            result == CKR_CRYPTOKI_NOT_INITIALIZED;
 }
 
 // A module's text of fixed size, which it may have left without padding.
-template <std::size_t size> std::string fixedText(const CK_UTF8CHAR (&field)[size]) {
+template <std::size_t size> std::string fixed_text(const CK_UTF8CHAR (&field)[size]) {
     const std::string_view text{reinterpret_cast<const char*>(field), size};
-    return plainText(trimmed(text.substr(0, text.find('\0'))));
+    return plain_text(trimmed(text.substr(0, text.find('\0'))));
 }
 
 } // namespace
 
-Session::Session(const std::string& modulePath, CK_SLOT_ID slot)
-    : module_(modulePath), slot_(slot), opener_(::getpid()) {
+Session::Session(const std::string& module_path, CK_SLOT_ID slot)
+    : module_(module_path), slot_(slot), opener_(::getpid()) {
     const CK_RV initialised = module_.call(&CK_FUNCTION_LIST::C_Initialize, nullptr);
-    initialisedHere_ = initialised == CKR_OK;
+    initialised_here_ = initialised == CKR_OK;
     if (initialised != CKR_CRYPTOKI_ALREADY_INITIALIZED) check("C_Initialize", initialised);
     try {
-        openSession();
+        open_session();
     } catch (...) {
         (void)close();
         throw;
@@ -60,11 +61,11 @@ Session::~Session() {
 }
 
 // A child of the process that opened it would log its parent out.
-bool Session::isOfThisProcess() const noexcept {
+bool Session::is_of_this_process() const noexcept {
     return opener_ == ::getpid();
 }
 
-void Session::openSession() {
+void Session::open_session() {
     check("C_OpenSession", module_.call(&CK_FUNCTION_LIST::C_OpenSession, slot_, CK_FLAGS{CKF_SERIAL_SESSION},
                                         nullptr, nullptr, &handle_));
     if (handle_ == CK_INVALID_HANDLE)
@@ -76,42 +77,42 @@ Session::Outcome Session::close() noexcept {
     pin_.wipe();
     if (handle_ != CK_INVALID_HANDLE) {
         // Other sessions of the process would keep the card open; where it was open before, it stays so.
-        if (loggedInHere_) (void)call(&CK_FUNCTION_LIST::C_Logout);
+        if (logged_in_here_) (void)call(&CK_FUNCTION_LIST::C_Logout);
         const CK_RV closed = call(&CK_FUNCTION_LIST::C_CloseSession);
-        if (closed != CKR_OK && !isGone(closed)) outcome = {"C_CloseSession", closed};
+        if (closed != CKR_OK && !is_gone(closed)) outcome = {"C_CloseSession", closed};
     }
-    if (initialisedHere_) {
+    if (initialised_here_) {
         const CK_RV finalised = module_.call(&CK_FUNCTION_LIST::C_Finalize, nullptr);
-        if (finalised != CKR_OK && !isGone(finalised) && outcome.result == CKR_OK)
+        if (finalised != CKR_OK && !is_gone(finalised) && outcome.result == CKR_OK)
             outcome = {"C_Finalize", finalised};
     }
     handle_ = CK_INVALID_HANDLE;
-    initialisedHere_ = loggedIn_ = loggedInHere_ = false;
+    initialised_here_ = logged_in_ = logged_in_here_ = false;
     return outcome;
 }
 
-CK_RV Session::callLogin(CK_USER_TYPE user, std::span<unsigned char> pin) const {
+CK_RV Session::call_login(CK_USER_TYPE user, std::span<unsigned char> pin) const {
     return call(&CK_FUNCTION_LIST::C_Login, user, pin.data(), static_cast<CK_ULONG>(pin.size()));
 }
 
 void Session::login(std::string_view pin) {
     // The standard's type is not const, but a PIN is only read.
     auto* bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(pin.data()));
-    const CK_RV result = callLogin(CKU_USER, {bytes, pin.size()});
+    const CK_RV result = call_login(CKU_USER, {bytes, pin.size()});
     if (result == CKR_OK) {
-        loggedInHere_ = true;
+        logged_in_here_ = true;
         pin_.keep(pin);
     }
     if (result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN) {
-        loggedIn_ = true;
+        logged_in_ = true;
         return;
     }
     pin_.wipe();
-    const Failure failure = moduleFailure("C_Login", result);
-    throw Failure(failure.code(), failure.reason() + (result == CKR_PIN_INCORRECT ? triesWarning() : ""));
+    const Failure failure = module_failure("C_Login", result);
+    throw Failure(failure.code(), failure.reason() + (result == CKR_PIN_INCORRECT ? tries_warning() : ""));
 }
 
-std::string Session::triesWarning() const {
+std::string Session::tries_warning() const {
     CK_TOKEN_INFO info{};
     if (module_.call(&CK_FUNCTION_LIST::C_GetTokenInfo, slot_, &info) != CKR_OK) return {};
     if ((info.flags & CKF_USER_PIN_LOCKED) != 0) return ". Il PIN ora è bloccato";
@@ -119,53 +120,53 @@ std::string Session::triesWarning() const {
     return {};
 }
 
-CK_TOKEN_INFO Session::tokenInfo() const {
+CK_TOKEN_INFO Session::token_info() const {
     CK_TOKEN_INFO info{};
     check("C_GetTokenInfo", module_.call(&CK_FUNCTION_LIST::C_GetTokenInfo, slot_, &info));
     return info;
 }
 
-Session& currentSession() {
+Session& current_session() {
     if (!current()) throw Failure(ZVC_ERR_NO_SESSION, "Nessuna sessione aperta con la smart card");
     return *current();
 }
 
-void closeAfterFailure() noexcept {
-    if (current() && current()->loggedIn()) current().reset();
+void close_after_failure() noexcept {
+    if (current() && current()->logged_in()) current().reset();
 }
 
 } // namespace zvcrypt
 
-int kvInitialize(char* libPath, int slot) {
-    return zvcrypt::runCardOperation([&] {
-        zvcrypt::requireArguments({libPath});
+int kvInitialize(char* lib_path, int slot) {
+    return zvcrypt::run_card_operation([&] {
+        zvcrypt::require_arguments({lib_path});
         zvcrypt::current().reset();
-        zvcrypt::current() = std::make_unique<zvcrypt::Session>(libPath, static_cast<unsigned>(slot));
-        (void)std::atexit(zvcrypt::closeAtExit);
+        zvcrypt::current() = std::make_unique<zvcrypt::Session>(lib_path, static_cast<unsigned>(slot));
+        (void)std::atexit(zvcrypt::close_at_exit);
     });
 }
 
 int kvLogin(const char* pin) {
-    return zvcrypt::runOperation([&] {
-        zvcrypt::requireArguments({pin});
+    return zvcrypt::run_operation([&] {
+        zvcrypt::require_arguments({pin});
         if (*pin == '\0')
             throw zvcrypt::Failure(ZVC_ERR_PIN_EMPTY, "PIN mancante: la smart card non è stata usata");
-        zvcrypt::currentSession().login(pin);
+        zvcrypt::current_session().login(pin);
     });
 }
 
 int kvFinalize() {
-    return zvcrypt::runOperation(zvcrypt::closeCurrent);
+    return zvcrypt::run_operation(zvcrypt::close_current);
 }
 
 int kvCheckSmartCard(char* label, char* manufacturer, char* model, char* serial) {
-    return zvcrypt::runCardOperation([&] {
-        zvcrypt::requireArguments({label, manufacturer, model, serial});
+    return zvcrypt::run_card_operation([&] {
+        zvcrypt::require_arguments({label, manufacturer, model, serial});
         *label = *manufacturer = *model = *serial = '\0';
-        const CK_TOKEN_INFO info = zvcrypt::currentSession().tokenInfo();
-        zvcrypt::writeText(zvcrypt::fixedText(info.label), {label, 80});
-        zvcrypt::writeText(zvcrypt::fixedText(info.manufacturerID), {manufacturer, 48});
-        zvcrypt::writeText(zvcrypt::fixedText(info.model), {model, 32});
-        zvcrypt::writeText(zvcrypt::fixedText(info.serialNumber), {serial, 32});
+        const CK_TOKEN_INFO info = zvcrypt::current_session().token_info();
+        zvcrypt::write_text(zvcrypt::fixed_text(info.label), {label, 80});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.manufacturerID), {manufacturer, 48});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.model), {model, 32});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.serialNumber), {serial, 32});
     });
 }

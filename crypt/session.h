@@ -1,18 +1,19 @@
 #pragma once
 
-#include "kept_pin.h"
-#include "module.h"
+#include "crypt/kept_pin.h"
+#include "crypt/module.h"
+
+#include <sys/types.h>
 
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 
 namespace zvcrypt {
 
 // A session of this library's own on one slot of a module. It finalises the module only if it initialised it.
 class Session {
   public:
-    Session(const std::string& modulePath, CK_SLOT_ID slot);
+    Session(const std::string& module_path, CK_SLOT_ID slot);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -26,14 +27,14 @@ class Session {
 
     void login(std::string_view pin);
     // Also after a later login that failed: the card is open all the same.
-    [[nodiscard]] bool loggedIn() const noexcept { return loggedIn_; }
+    [[nodiscard]] bool logged_in() const noexcept { return logged_in_; }
     // Of the session's own login; empty when the card was open already.
-    [[nodiscard]] std::span<unsigned char> keptPin() const noexcept { return pin_.bytes(); }
-    [[nodiscard]] CK_RV callLogin(CK_USER_TYPE user, std::span<unsigned char> pin) const;
+    [[nodiscard]] std::span<unsigned char> kept_pin() const noexcept { return pin_.bytes(); }
+    [[nodiscard]] CK_RV call_login(CK_USER_TYPE user, std::span<unsigned char> pin) const;
     // What a reason says behind a refused PIN when the card tells that few tries are left.
-    [[nodiscard]] std::string triesWarning() const;
-    [[nodiscard]] CK_TOKEN_INFO tokenInfo() const;
-    [[nodiscard]] bool isOfThisProcess() const noexcept;
+    [[nodiscard]] std::string tries_warning() const;
+    [[nodiscard]] CK_TOKEN_INFO token_info() const;
+    [[nodiscard]] bool is_of_this_process() const noexcept;
 
     // Calls a function that takes the session handle first.
     template <class Entry, class... Arguments>
@@ -42,28 +43,28 @@ class Session {
     }
 
   private:
-    void openSession();
+    void open_session();
 
     Module module_;
     CK_SLOT_ID slot_;
     pid_t opener_;
     CK_SESSION_HANDLE handle_ = CK_INVALID_HANDLE;
-    bool initialisedHere_ = false;
-    bool loggedIn_ = false;
-    bool loggedInHere_ = false;
+    bool initialised_here_ = false;
+    bool logged_in_ = false;
+    bool logged_in_here_ = false;
     KeptPin pin_;
 };
 
 // The session that kvInitialize opened; ZVC_ERR_NO_SESSION without one.
-[[nodiscard]] Session& currentSession();
+[[nodiscard]] Session& current_session();
 
-void closeAfterFailure() noexcept;
+void close_after_failure() noexcept;
 
 // Runs an operation on readers, cards or files. One that fails while the session is logged in ends it as kvFinalize
 // would: an open card takes any PIN for the right one.
-template <class Body> [[nodiscard]] int runCardOperation(const Body& body) noexcept {
-    const int code = runOperation(body);
-    if (code != ZVC_OK) closeAfterFailure();
+template <class Body> [[nodiscard]] int run_card_operation(const Body& body) noexcept {
+    const int code = run_operation(body);
+    if (code != ZVC_OK) close_after_failure();
     return code;
 }
 

@@ -1,7 +1,7 @@
-#include "base64.h"
-#include "card_objects.h"
-#include "cms.h"
-#include "files.h"
+#include "crypt/base64.h"
+#include "crypt/card_objects.h"
+#include "crypt/cms.h"
+#include "crypt/files.h"
 
 #include <functional>
 
@@ -9,9 +9,9 @@ namespace zvcrypt {
 namespace {
 
 // What the renewal request has room for.
-constexpr std::size_t longestBase64 = 16383;
+constexpr std::size_t LONGEST_BASE64 = 16383;
 
-constexpr std::size_t pieceSize = 65536;
+constexpr std::size_t PIECE_SIZE = 65536;
 
 // Reads the file through once, piece by piece; gives its digest and length.
 struct Content {
@@ -19,11 +19,11 @@ struct Content {
     std::size_t length = 0;
 };
 
-Content readThrough(InputFile& file, const HashAlgorithm& hash,
-                    const std::function<void(std::span<const unsigned char>)>& use) {
+Content read_through(InputFile& file, const HashAlgorithm& hash,
+                     const std::function<void(std::span<const unsigned char>)>& use) {
     Digest digest(hash);
     Content content;
-    Bytes piece(pieceSize);
+    Bytes piece(PIECE_SIZE);
     while (const std::size_t count = file.read(piece)) {
         const std::span<const unsigned char> bytes(piece.data(), count);
         digest.update(bytes);
@@ -36,14 +36,14 @@ Content readThrough(InputFile& file, const HashAlgorithm& hash,
 
 // Writes the content out. A file that changes meanwhile, even one that never ends, goes no further than it
 // was.
-void writeContent(OutputFile& output, InputFile& input, const HashAlgorithm& hash, const Content& content,
-                  const char* path) {
+void write_content(OutputFile& output, InputFile& input, const HashAlgorithm& hash, const Content& content,
+                   const char* path) {
     const auto changed = [path] {
         return Failure(ZVC_ERR_INPUT, std::string(path) + " è cambiato durante la firma");
     };
     input.rewind();
     std::size_t left = content.length;
-    const Content written = readThrough(input, hash, [&](auto bytes) {
+    const Content written = read_through(input, hash, [&](auto bytes) {
         if (bytes.size() > left) throw changed();
         left -= bytes.size();
         output.write(bytes);
@@ -51,9 +51,9 @@ void writeContent(OutputFile& output, InputFile& input, const HashAlgorithm& has
     if (written.digest != content.digest) throw changed();
 }
 
-void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature,
-                  const Certificate& signer) {
-    const MdContextPtr context = newDigestContext();
+void require_valid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature,
+                   const Certificate& signer) {
+    const MdContextPtr context = new_digest_context();
     const bool valid =
         EVP_DigestVerifyInit(context.get(), nullptr, hash.digest(), nullptr, signer.key()) == 1 &&
         EVP_DigestVerify(context.get(), signature.data(), signature.size(), attributes.data(),
@@ -63,30 +63,30 @@ void requireValid(const HashAlgorithm& hash, const Bytes& attributes, const Byte
                       "La firma della smart card non corrisponde al certificato della chiave");
 }
 
-SignedDataFrame frameWithin(std::size_t contentLength, const HashAlgorithm& hash, const Bytes& attributes,
-                            const Bytes& signature, const CardSigner& signer) {
+SignedDataFrame frame_within(std::size_t content_length, const HashAlgorithm& hash, const Bytes& attributes,
+                             const Bytes& signature, const CardSigner& signer) {
     const auto frame = [&](const Certificate* issuer) {
-        return signedDataFrame(contentLength, hash, attributes, signature, signer.certificate, issuer);
+        return signed_data_frame(content_length, hash, attributes, signature, signer.certificate, issuer);
     };
     const SignedDataFrame whole = frame(signer.issuer ? &signer.issuer : nullptr);
-    const std::size_t size = whole.head.size() + contentLength + whole.tail.size();
-    return base64Length(size) > longestBase64 ? frame(nullptr) : whole;
+    const std::size_t size = whole.head.size() + content_length + whole.tail.size();
+    return base64_length(size) > LONGEST_BASE64 ? frame(nullptr) : whole;
 }
 
-void signFile(const Session& session, const char* keyId, const HashAlgorithm& hash, const char* inPath,
-              const char* outPath) {
-    InputFile input(inPath, Links::refused);
-    OutputFile output(outPath, input);
-    const Content content = readThrough(input, hash, [](auto) {});
+void sign_file(const Session& session, const char* key_id, const HashAlgorithm& hash, const char* in_path,
+               const char* out_path) {
+    InputFile input(in_path, Links::refused);
+    OutputFile output(out_path, input);
+    const Content content = read_through(input, hash, [](auto) {});
 
-    const CardSigner signer = findSigner(session, keyId);
-    const Bytes attributes = signedAttributes(content.digest, signer.certificate, std::time(nullptr));
-    const Bytes signature = signOnCard(session, signer.key, digestInfo(hash, digestOf(hash, attributes)));
-    requireValid(hash, attributes, signature, signer.certificate);
-    const auto [head, tail] = frameWithin(content.length, hash, attributes, signature, signer);
+    const CardSigner signer = find_signer(session, key_id);
+    const Bytes attributes = signed_attributes(content.digest, signer.certificate, std::time(nullptr));
+    const Bytes signature = sign_on_card(session, signer.key, digest_info(hash, digest_of(hash, attributes)));
+    require_valid(hash, attributes, signature, signer.certificate);
+    const auto [head, tail] = frame_within(content.length, hash, attributes, signature, signer);
 
     output.write(head);
-    writeContent(output, input, hash, content, inPath);
+    write_content(output, input, hash, content, in_path);
     output.write(tail);
     output.keep();
 }
@@ -94,10 +94,10 @@ void signFile(const Session& session, const char* keyId, const HashAlgorithm& ha
 } // namespace
 } // namespace zvcrypt
 
-int kvSignFile(const char* keyId, const char* hashName, const char* inPath, const char* outPath) {
-    return zvcrypt::runCardOperation([&] {
-        zvcrypt::requireArguments({keyId, hashName, inPath, outPath});
-        const auto& hash = zvcrypt::hashAlgorithm(hashName);
-        zvcrypt::signFile(zvcrypt::currentSession(), keyId, hash, inPath, outPath);
+int kvSignFile(const char* key_id, const char* hash_name, const char* in_path, const char* out_path) {
+    return zvcrypt::run_card_operation([&] {
+        zvcrypt::require_arguments({key_id, hash_name, in_path, out_path});
+        const auto& hash = zvcrypt::hash_algorithm(hash_name);
+        zvcrypt::sign_file(zvcrypt::current_session(), key_id, hash, in_path, out_path);
     });
 }

@@ -1,7 +1,7 @@
-#include "table.h"
+#include "crypt/table.h"
 
-#include "failure.h"
-#include "text.h"
+#include "crypt/failure.h"
+#include "crypt/text.h"
 
 #include <ini.h>
 
@@ -13,11 +13,11 @@
 namespace zvcrypt {
 namespace {
 
-constexpr std::size_t longestReaderName = 127;
+constexpr std::size_t LONGEST_READER_NAME = 127;
 
 // A section while it is read; only the record of its kind is filled.
 struct Section {
-    bool isCard;
+    bool is_card;
     int line;
     std::set<std::string, std::less<>> keys;
     CardEntry card;
@@ -34,43 +34,43 @@ class TableParser {
         if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);
     }
 
-    [[nodiscard]] Table parse(const std::string& fileName);
+    [[nodiscard]] Table parse(const std::string& file_name);
 
   private:
-    static char* nextLine(char* line, int room, void* self) {
+    static char* next_line(char* line, int room, void* self) {
         return static_cast<TableParser*>(self)->feed(line, room);
     }
-    static int keyAndValue(void* self, const char*, const char* key, const char* value) {
+    static int key_and_value(void* self, const char*, const char* key, const char* value) {
         return static_cast<TableParser*>(self)->take(key, value) ? 1 : 0;
     }
 
     char* feed(char* line, int room);
     bool take(std::string_view key, std::string_view value);
-    void beginSection(std::string_view title);
-    void endSection();
-    void setCard(std::string_view key, std::string_view value);
-    void setReader(std::string_view key, std::string_view value);
-    void setFlags(std::string_view flags);
-    void note(std::string problem) { noteAt(line_, std::move(problem)); }
-    void noteAt(int line, std::string problem);
+    void begin_section(std::string_view title);
+    void end_section();
+    void set_card(std::string_view key, std::string_view value);
+    void set_reader(std::string_view key, std::string_view value);
+    void set_flags(std::string_view flags);
+    void note(std::string problem) { note_at(line_, std::move(problem)); }
+    void note_at(int line, std::string problem);
 
     std::string_view rest_;
     SoftwareReaders readers_;
     int line_ = 0;
     std::optional<Section> section_;
     std::string problem_;
-    int problemLine_ = 0;
+    int problem_line_ = 0;
     Table table_;
 };
 
-void TableParser::noteAt(int line, std::string problem) {
-    if (problemLine_ != 0) return;
-    problemLine_ = line;
+void TableParser::note_at(int line, std::string problem) {
+    if (problem_line_ != 0) return;
+    problem_line_ = line;
     problem_ = std::move(problem);
 }
 
 char* TableParser::feed(char* line, int room) {
-    if (rest_.empty() || problemLine_ != 0) return nullptr;
+    if (rest_.empty() || problem_line_ != 0) return nullptr;
     const auto end = std::min(rest_.find('\n'), rest_.size());
     const auto whole = rest_.substr(0, end);
     const auto content = trimmed(whole);
@@ -81,15 +81,15 @@ char* TableParser::feed(char* line, int room) {
     else if (whole.find('\0') != std::string_view::npos)
         note("non è una riga di testo");
     else if (content.starts_with('['))
-        beginSection(content.substr(1));
-    if (problemLine_ != 0) return nullptr;
+        begin_section(content.substr(1));
+    if (problem_line_ != 0) return nullptr;
     *std::copy(content.begin(), content.end(), line) = '\0';
     return line;
 }
 
-void TableParser::beginSection(std::string_view title) {
-    endSection();
-    if (problemLine_ != 0) return;
+void TableParser::begin_section(std::string_view title) {
+    end_section();
+    if (problem_line_ != 0) return;
     const auto end = title.find(']');
     if (end == std::string_view::npos) return note("manca la parentesi ']'");
     const auto after = trimmed(title.substr(end + 1));
@@ -104,7 +104,7 @@ void TableParser::beginSection(std::string_view title) {
         return note("un lettore software va nella configurazione, non qui");
     if (name.empty()) return note("manca il nome nel titolo della sezione");
     section_.emplace(Section{word == "card", line_, {}, {}, {}});
-    if (!section_->isCard) setReader("name", name);
+    if (!section_->is_card) set_reader("name", name);
 }
 
 bool TableParser::take(std::string_view key, std::string_view value) {
@@ -112,16 +112,16 @@ bool TableParser::take(std::string_view key, std::string_view value) {
         note("chiave fuori da ogni sezione");
     else if (!section_->keys.emplace(key).second)
         note("chiave ripetuta: " + std::string(key));
-    else if (section_->isCard)
-        setCard(key, value);
+    else if (section_->is_card)
+        set_card(key, value);
     else
-        setReader(key, value);
-    return problemLine_ == 0;
+        set_reader(key, value);
+    return problem_line_ == 0;
 }
 
-void TableParser::setCard(std::string_view key, std::string_view value) {
+void TableParser::set_card(std::string_view key, std::string_view value) {
     if (key == "atr") {
-        const auto pattern = normalisedAtr(value, Wildcards::allowed);
+        const auto pattern = normalised_atr(value, Wildcards::allowed);
         if (!pattern) return note("ATR non valido (da 2 a 33 byte in esadecimale)");
         section_->card.pattern = PackedAtr(*pattern);
     } else if (key == "module") {
@@ -129,29 +129,29 @@ void TableParser::setCard(std::string_view key, std::string_view value) {
             return note("nome di modulo non valido (un nome di file, senza cartella)");
         section_->card.module = value;
     } else if (key == "flags") {
-        setFlags(value);
+        set_flags(value);
     } else {
         note("chiave sconosciuta: " + std::string(key));
     }
 }
 
-void TableParser::setFlags(std::string_view flags) {
+void TableParser::set_flags(std::string_view flags) {
     while (!(flags = trimmed(flags)).empty()) {
         const auto end = std::min(flags.find_first_of(" \t"), flags.size());
         const auto flag = flags.substr(0, end);
         flags.remove_prefix(end);
         if (flag != "cns" && flag != "touchsign") return note("indicatore sconosciuto: " + std::string(flag));
-        (flag == "cns" ? section_->card.cns : section_->card.touchSign) = true;
+        (flag == "cns" ? section_->card.cns : section_->card.touch_sign) = true;
     }
 }
 
-void TableParser::setReader(std::string_view key, std::string_view value) {
+void TableParser::set_reader(std::string_view key, std::string_view value) {
     if (key == "atr") {
-        const auto atr = normalisedAtr(value, Wildcards::refused);
+        const auto atr = normalised_atr(value, Wildcards::refused);
         if (!atr) return note("ATR non valido (da 2 a 33 byte in esadecimale)");
         section_->reader.atr = *atr;
     } else if (key == "name") {
-        if (value.empty() || value.size() > longestReaderName || value.find('|') != std::string_view::npos)
+        if (value.empty() || value.size() > LONGEST_READER_NAME || value.find('|') != std::string_view::npos)
             return note("nome di lettore non valido (da 1 a 127 caratteri, senza '|')");
         section_->reader.name = value;
     } else {
@@ -159,40 +159,41 @@ void TableParser::setReader(std::string_view key, std::string_view value) {
     }
 }
 
-void TableParser::endSection() {
-    if (!section_ || problemLine_ != 0) return;
+void TableParser::end_section() {
+    if (!section_ || problem_line_ != 0) return;
     const Section section = std::move(*section_);
     section_.reset();
-    if (!section.keys.contains("atr")) return noteAt(section.line, "la sezione non ha la chiave atr");
-    if (section.isCard) {
+    if (!section.keys.contains("atr")) return note_at(section.line, "la sezione non ha la chiave atr");
+    if (section.is_card) {
         if (!section.keys.contains("module"))
-            return noteAt(section.line, "la sezione non ha la chiave module");
+            return note_at(section.line, "la sezione non ha la chiave module");
         table_.cards.push_back(section.card);
         return;
     }
     const bool known =
         std::any_of(table_.readers.begin(), table_.readers.end(),
                     [&](const SoftwareReader& reader) { return reader.name == section.reader.name; });
-    if (known) return noteAt(section.line, "lettore ripetuto: " + section.reader.name);
+    if (known) return note_at(section.line, "lettore ripetuto: " + section.reader.name);
     table_.readers.push_back(section.reader);
 }
 
-Table TableParser::parse(const std::string& fileName) {
-    const int malformed = ini_parse_stream(&TableParser::nextLine, this, &TableParser::keyAndValue, this);
-    if (malformed > 0 && malformed != problemLine_) {
-        problemLine_ = malformed;
+Table TableParser::parse(const std::string& file_name) {
+    const int malformed = ini_parse_stream(&TableParser::next_line, this, &TableParser::key_and_value, this);
+    if (malformed > 0 && malformed != problem_line_) {
+        problem_line_ = malformed;
         problem_ = "riga che non è né un titolo né una chiave con il suo valore";
     }
-    endSection();
-    if (problemLine_ != 0)
-        throw Failure(ZVC_ERR_CONFIG, fileName + ", riga " + std::to_string(problemLine_) + ": " + problem_);
+    end_section();
+    if (problem_line_ != 0)
+        throw Failure(ZVC_ERR_CONFIG,
+                      file_name + ", riga " + std::to_string(problem_line_) + ": " + problem_);
     return std::move(table_);
 }
 
 } // namespace
 
-Table parseTable(const std::string& text, const std::string& fileName, SoftwareReaders readers) {
-    return TableParser(text, readers).parse(fileName);
+Table parse_table(const std::string& text, const std::string& file_name, SoftwareReaders readers) {
+    return TableParser(text, readers).parse(file_name);
 }
 
 } // namespace zvcrypt

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "atr.h"
+#include "crypt/atr.h"
 
 #include <string>
 #include <vector>
@@ -12,7 +12,7 @@ struct CardEntry {
     PackedAtr pattern;
     std::string module;
     bool cns = false;
-    bool touchSign = false;
+    bool touch_sign = false;
 };
 
 // A reader that exists in the configuration alone, with a card always in it.
@@ -30,6 +30,7 @@ enum class SoftwareReaders { refused, allowed };
 
 // Reads a table (the form is told in zvCrypt.h). A malformed line is ZVC_ERR_CONFIG, with the file's name,
 // the line and what is wrong with it.
-[[nodiscard]] Table parseTable(const std::string& text, const std::string& fileName, SoftwareReaders readers);
+[[nodiscard]] Table parse_table(const std::string& text, const std::string& file_name,
+                                SoftwareReaders readers);
 
 } // namespace zvcrypt

@@ -1,69 +1,69 @@
-#include "text.h"
+#include "crypt/text.h"
 
-#include "failure.h"
+#include "crypt/failure.h"
 
 #include <algorithm>
 
 namespace zvcrypt {
 namespace {
 
-bool isContinuation(char c) {
+bool is_continuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
 // Where the last whole character within that many bytes of a longer text ends.
-std::size_t wholeCharacters(std::string_view text, std::size_t room) {
-    constexpr std::size_t shortEscape = 4, longEscape = 6; // "\xNN", "\UNNNN"
+std::size_t whole_characters(std::string_view text, std::size_t room) {
+    constexpr std::size_t short_escape = 4, long_escape = 6; // "\xNN", "\UNNNN"
     const std::size_t mark = text.substr(0, room).rfind('\\');
     if (mark != std::string_view::npos) {
         const char kind = text[mark + 1];
-        const std::size_t length = kind == 'x' ? shortEscape : kind == 'U' ? longEscape : 0;
+        const std::size_t length = kind == 'x' ? short_escape : kind == 'U' ? long_escape : 0;
         if (mark + length > room) return mark;
     }
-    while (room > 0 && isContinuation(text[room]))
+    while (room > 0 && is_continuation(text[room]))
         --room;
     return room;
 }
 
-[[noreturn]] void failCut(std::span<char> buffer) {
+[[noreturn]] void fail_cut(std::span<char> buffer) {
     throw Failure(ZVC_ERR_CUT, "Il testo supera i " + std::to_string(buffer.size() - 1) +
                                    " byte previsti ed è stato troncato");
 }
 
 } // namespace
 
-bool copyText(std::string_view text, std::span<char> buffer) noexcept {
+bool copy_text(std::string_view text, std::span<char> buffer) noexcept {
     const std::size_t room = buffer.size() - 1;
-    const std::size_t length = text.size() > room ? wholeCharacters(text, room) : text.size();
+    const std::size_t length = text.size() > room ? whole_characters(text, room) : text.size();
     std::copy_n(text.begin(), length, buffer.begin());
     buffer[length] = '\0';
     return length == text.size();
 }
 
-std::span<char> outputBuffer(char* buffer, int size) {
-    requireArguments({buffer});
+std::span<char> output_buffer(char* buffer, int size) {
+    require_arguments({buffer});
     if (size < 1) throw Failure(ZVC_ERR_ARGUMENT, "Dimensione del buffer non valida");
     buffer[0] = '\0';
     return {buffer, static_cast<std::size_t>(size)};
 }
 
-void writeText(std::string_view text, std::span<char> buffer) {
-    if (!copyText(text, buffer)) failCut(buffer);
+void write_text(std::string_view text, std::span<char> buffer) {
+    if (!copy_text(text, buffer)) fail_cut(buffer);
 }
 
-void writePieces(const std::vector<std::string>& pieces, std::span<char> buffer) {
+void write_pieces(const std::vector<std::string>& pieces, std::span<char> buffer) {
     std::string text;
     for (const auto& piece : pieces) {
         if (text.size() + piece.size() >= buffer.size()) {
-            writeText(text, buffer);
-            failCut(buffer);
+            write_text(text, buffer);
+            fail_cut(buffer);
         }
         text += piece;
     }
-    writeText(text, buffer);
+    write_text(text, buffer);
 }
 
-std::string upperHex(std::span<const unsigned char> bytes) {
+std::string upper_hex(std::span<const unsigned char> bytes) {
     static constexpr char digits[] = "0123456789ABCDEF";
     std::string hex;
     hex.reserve(bytes.size() * 2);

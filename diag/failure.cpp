@@ -1,31 +1,31 @@
 #include "diag/failure.h"
 
-#include <cstdio>
-
 #include "diag/log.h"
 #include "util/text.h"
+
+#include <cstdio>
 
 char szSockMsg[512];
 
 namespace zv {
 
 const Failure& Failure::step(const char* name, CK_RV code) const {
-    reportCode(title_, name, code);
+    report_code(title_, name, code);
     return *this;
 }
 
 const Failure& Failure::sentence(const char* text) const {
-    reportSentence(text);
+    report_sentence(text);
     return *this;
 }
 
 const Failure& Failure::sentence(const char* format, CK_RV code) const {
-    reportSentence(format, code);
+    report_sentence(format, code);
     return *this;
 }
 
 const Failure& Failure::user(const char* format, const char* text) const {
-    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, orEmpty(text));
+    (void)std::snprintf(szSockMsg, sizeof szSockMsg, format, or_empty(text));
     return *this;
 }
 

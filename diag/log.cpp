@@ -1,5 +1,7 @@
 #include "diag/log.h"
 
+#include "util/text.h"
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -11,8 +13,6 @@
 #include <ctime>
 #include <memory>
 
-#include "util/text.h"
-
 namespace {
 
 constexpr long SIZE_LIMIT = 1'048'576;
@@ -22,7 +22,7 @@ using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
 
 // A link is not followed, and whatever is not a plain file of the user's own is left alone: a log must not be led
 // elsewhere.
-File openPlain(const char* path, int flags, const char* mode) {
+File open_plain(const char* path, int flags, const char* mode) {
     File none(nullptr, &std::fclose);
     const int descriptor = ::open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0) return none;
@@ -35,10 +35,10 @@ File openPlain(const char* path, int flags, const char* mode) {
 }
 
 // The log of an older version, or a copy, may be open to others. Once a path: a mode given later is the user's wish.
-void makePrivate(std::FILE* log) {
+void make_private(std::FILE* log) {
     static char done[PATH_LENGTH + 1];
     if (std::strcmp(done, getLogPath()) == 0) return;
-    zv::copyText(done, getLogPath());
+    zv::copy_text(done, getLogPath());
     [[maybe_unused]] const int made = ::fchmod(::fileno(log), 0600);
 }
 
@@ -47,13 +47,13 @@ void empty(std::FILE* file) {
 }
 
 // A log that cannot be opened or written stops nothing: there is nowhere to say so.
-File openLog() {
-    File log = openPlain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
-    if (log != nullptr) makePrivate(log.get());
+File open_log() {
+    File log = open_plain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
+    if (log != nullptr) make_private(log.get());
     return log;
 }
 
-template <std::size_t N> void formatTime(char (&prefix)[N], const char* format) {
+template <std::size_t N> void format_time(char (&prefix)[N], const char* format) {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     if (::localtime_r(&now, &local) == nullptr || std::strftime(prefix, N, format, &local) == 0)
@@ -61,11 +61,11 @@ template <std::size_t N> void formatTime(char (&prefix)[N], const char* format) 
 }
 
 // What the log held is given up: the companion file is only ever created empty.
-void emptyLog(std::FILE* log, const char* prefix) {
+void empty_log(std::FILE* log, const char* prefix) {
     char companion[PATH_LENGTH + 1] = {};
-    zv::copyText(companion, PATH_LENGTH - 1, getLogPath());
-    zv::appendText(companion, ".1");
-    const File beside = openPlain(companion, O_WRONLY | O_CREAT, "w");
+    zv::copy_text(companion, PATH_LENGTH - 1, getLogPath());
+    zv::append_text(companion, ".1");
+    const File beside = open_plain(companion, O_WRONLY | O_CREAT, "w");
     if (beside != nullptr) empty(beside.get());
     empty(log);
     (void)std::fseek(log, 0, SEEK_END);
@@ -74,7 +74,7 @@ void emptyLog(std::FILE* log, const char* prefix) {
         (void)std::fprintf(log, "%s%s\n", prefix, line);
 }
 
-void writeDatum(std::FILE* log, const char* data, int length) {
+void write_datum(std::FILE* log, const char* data, int length) {
     if (data == nullptr && length == 0) return;
     if (length == 0) (void)std::fputs(data, log);
     if (length > 0 && data != nullptr) (void)std::fwrite(data, 1, static_cast<std::size_t>(length), log);
@@ -92,31 +92,31 @@ char* getLogPath() {
     const char* home = entry != nullptr ? entry->pw_dir : std::getenv("HOME");
     // Without a home there is no path, and nothing is logged.
     if (home == nullptr) return path;
-    zv::copyText(path, home);
-    zv::appendText(path, "/.trevallo");
-    zv::appendText(path, "/zvRenew.log");
+    zv::copy_text(path, home);
+    zv::append_text(path, "/.trevallo");
+    zv::append_text(path, "/zvRenew.log");
     return path;
 }
 
 void scriviLog(const char* message) {
     char prefix[256] = {};
-    formatTime(prefix, "[%d %b %Y %H:%M:%S]: ");
-    const File log = openLog();
+    format_time(prefix, "[%d %b %Y %H:%M:%S]: ");
+    const File log = open_log();
     if (log == nullptr) return;
     (void)std::fseek(log.get(), 0, SEEK_END);
-    if (std::ftell(log.get()) > SIZE_LIMIT) emptyLog(log.get(), prefix);
+    if (std::ftell(log.get()) > SIZE_LIMIT) empty_log(log.get(), prefix);
     const bool empty = message == nullptr || message[0] == '\0';
     (void)std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
 }
 
 void WriteLog(const char* title, const char* data1, int len1, const char* data2, int len2) {
     char prefix[255] = {};
-    formatTime(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
-    const File log = openLog();
+    format_time(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
+    const File log = open_log();
     if (log == nullptr) return;
-    (void)std::fprintf(log.get(), "%s%s\n", prefix, zv::orEmpty(title));
-    writeDatum(log.get(), data1, len1);
-    writeDatum(log.get(), data2, len2);
+    (void)std::fprintf(log.get(), "%s%s\n", prefix, zv::or_empty(title));
+    write_datum(log.get(), data1, len1);
+    write_datum(log.get(), data2, len2);
 }
 
 void WriteErr(const char* title, const char* data1, int len1, const char* data2, int len2) {

@@ -1,9 +1,9 @@
 #include "diag/messages.h"
 
-#include <iterator>
-
 #include "routines.h"
 #include "util/text.h"
+
+#include <iterator>
 
 char errorMessages[512][512];
 
@@ -129,12 +129,12 @@ constexpr Message MESSAGES[] = {
 
 void loadErrorCodes() {
     for (const Message& message : MESSAGES)
-        zv::copyText(errorMessages[message.code], message.text);
+        zv::copy_text(errorMessages[message.code], message.text);
 }
 
 namespace zv {
 
-const char* errorMessage(CK_RV code) {
+const char* error_message(CK_RV code) {
     return code < std::size(errorMessages) ? errorMessages[code] : "";
 }
 

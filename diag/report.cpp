@@ -1,8 +1,8 @@
-#include <cstdio>
-
 #include "diag/log.h"
 #include "diag/messages.h"
 #include "util/text.h"
+
+#include <cstdio>
 
 namespace zv {
 
@@ -14,37 +14,37 @@ void trace(const char* title, const char* step, const char* datum) {
     WriteLog(title, step, 0, datum, 0);
 }
 
-void traceSession(const char* title, const char* step, CK_SESSION_HANDLE session) {
+void trace_session(const char* title, const char* step, CK_SESSION_HANDLE session) {
     WriteLog(title, step, 0, CatLtoAHex1("hSession = ", static_cast<long>(session)), 0);
 }
 
-void traceFound(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
+void trace_found(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
     char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
     trace(title, handle, CatLtoAHex2("count = ", static_cast<long>(count)));
 }
 
-void reportCode(const char* title, const char* step, CK_RV code) {
+void report_code(const char* title, const char* step, CK_RV code) {
     WriteErr(title, step, 0, CatLtoAHex1("Errore = ", static_cast<long>(code)), 0);
 }
 
-void reportSentence(const char* sentence) {
+void report_sentence(const char* sentence) {
     WriteErr("Messaggio di Errore", sentence, 0, "", 0);
 }
 
-void reportSentence(const char* format, CK_RV code) {
+void report_sentence(const char* format, CK_RV code) {
     Sentence sentence;
-    (void)std::snprintf(sentence, sizeof sentence, format, errorMessage(code));
-    reportSentence(sentence);
+    (void)std::snprintf(sentence, sizeof sentence, format, error_message(code));
+    report_sentence(sentence);
 }
 
-void reportFailure(const char* title, const char* step, CK_RV code, const char* format) {
-    reportCode(title, step, code);
-    reportSentence(format, code);
+void report_failure(const char* title, const char* step, CK_RV code, const char* format) {
+    report_code(title, step, code);
+    report_sentence(format, code);
 }
 
-void reportNotSent(const char* reason) {
+void report_not_sent(const char* reason) {
     char line[640] = "Operazione non inviata: ";
-    appendText(line, reason);
+    append_text(line, reason);
     scriviLog(line);
 }
 

@@ -1,21 +1,23 @@
 // A host's table of cards: the card's ATR in the first line (whatever is hexadecimal in it), atr.ini behind it.
-#include <cctype>
-
-#include "input.h"
+#include "fuzz/input.h"
 #include "zvCrypt.h"
+
+#include <cctype>
 
 namespace {
 
 struct Card {
     std::string module;
-    bool cns = false, touchSign = false;
+    bool cns = false, touch_sign = false;
 };
 
 std::string_view trimmed(std::string_view text) {
-    const auto isBlank = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0 || c == '\0'; };
-    while (!text.empty() && isBlank(text.front()))
+    const auto is_blank = [](char c) {
+        return std::isspace(static_cast<unsigned char>(c)) != 0 || c == '\0';
+    };
+    while (!text.empty() && is_blank(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
+    while (!text.empty() && is_blank(text.back()))
         text.remove_suffix(1);
     return text;
 }
@@ -33,7 +35,7 @@ bool matches(std::string_view pattern, std::string_view atr) {
 }
 
 // The first entry that fits, in a table that was accepted: a second reading of the form, in few words.
-bool firstMatch(std::string_view table, std::string_view atr, Card& found) {
+bool first_match(std::string_view table, std::string_view atr, Card& found) {
     Card card;
     bool fits = false;
     while (!table.empty()) {
@@ -56,13 +58,13 @@ bool firstMatch(std::string_view table, std::string_view atr, Card& found) {
         if (key == "atr") fits = matches(value, atr);
         if (key == "module") card.module = value;
         if (key == "flags") card.cns = value.find("cns") != std::string_view::npos;
-        if (key == "flags") card.touchSign = value.find("touchsign") != std::string_view::npos;
+        if (key == "flags") card.touch_sign = value.find("touchsign") != std::string_view::npos;
     }
     if (fits) found = card;
     return fits;
 }
 
-std::string atrOf(const std::string& line) {
+std::string atr_of(const std::string& line) {
     std::string atr;
     for (const char c : line)
         if (std::isxdigit(static_cast<unsigned char>(c)) != 0 && atr.size() < 66)
@@ -71,7 +73,7 @@ std::string atrOf(const std::string& line) {
     return atr.size() < 4 ? "3B00" : atr;
 }
 
-int lookUp(const char* folder, Card& card) {
+int look_up(const char* folder, Card& card) {
     static char reader[] = "Fuzz";
     fuzz::Room module(ZVC_MODULE_NAME_SIZE);
     const int code = folder != nullptr ? kvGetPKCS11FromATRLite(reader, module.get(), folder)
@@ -87,24 +89,24 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string table = fuzz::scratch() + "/atr.ini";
     ::setenv("ZVCRYPT_CONF", configuration.c_str(), 1);
     fuzz::Input input(data, size);
-    const std::string atr = atrOf(input.line());
-    fuzz::writeFile(configuration, "[reader Fuzz]\natr = " + atr + "\n");
-    fuzz::writeFile(table, input.bytes());
-    Card builtIn, card;
-    HOLDS(lookUp(nullptr, builtIn) == 0);
-    const int code = lookUp(fuzz::scratch().c_str(), card);
+    const std::string atr = atr_of(input.line());
+    fuzz::write_file(configuration, "[reader Fuzz]\natr = " + atr + "\n");
+    fuzz::write_file(table, input.bytes());
+    Card built_in, card;
+    HOLDS(look_up(nullptr, built_in) == 0);
+    const int code = look_up(fuzz::scratch().c_str(), card);
     fuzz::Room reason(512);
-    HOLDS(kvLastError(reason.get(), 512) == code && fuzz::isUtf8(reason.text()));
+    HOLDS(kvLastError(reason.get(), 512) == code && fuzz::is_utf8(reason.text()));
     if (code != 0) {
-        HOLDS(code == ZVC_ERR_CONFIG && card.module.empty() && !card.cns && !card.touchSign);
+        HOLDS(code == ZVC_ERR_CONFIG && card.module.empty() && !card.cns && !card.touch_sign);
         const std::string_view place = reason.text().substr(reason.text().find(", riga ") + 7);
         const long line = std::strtol(std::string(place).c_str(), nullptr, 10);
         HOLDS(line >= 1 && line <= 1 + std::count(input.bytes().begin(), input.bytes().end(), '\n'));
         return 0;
     }
-    Card expected = builtIn;
-    firstMatch(input.bytes(), atr, expected);
+    Card expected = built_in;
+    first_match(input.bytes(), atr, expected);
     HOLDS(card.module == expected.module.substr(0, ZVC_MODULE_NAME_SIZE - 1));
-    HOLDS(card.cns == expected.cns && card.touchSign == expected.touchSign);
+    HOLDS(card.cns == expected.cns && card.touch_sign == expected.touch_sign);
     return 0;
 }

@@ -1,8 +1,8 @@
 // Every field of a certificate, at sizes that the first byte chooses; the certificate's DER follows.
-#include <openssl/x509.h>
-
-#include "input.h"
+#include "fuzz/input.h"
 #include "zvCrypt.h"
+
+#include <openssl/x509.h>
 
 namespace {
 
@@ -15,19 +15,19 @@ struct Certificate {
     unsigned long length;
 };
 
-void holdsReason(int code) {
+void holds_reason(int code) {
     fuzz::Room reason(512);
     HOLDS(kvLastError(reason.get(), 512) == code);
-    HOLDS(reason.text().empty() == (code == 0) && fuzz::isUtf8(reason.text()));
+    HOLDS(reason.text().empty() == (code == 0) && fuzz::is_utf8(reason.text()));
 }
 
-void holdsText(std::string_view text) {
-    HOLDS(fuzz::isUtf8(text));
+void holds_text(std::string_view text) {
+    HOLDS(fuzz::is_utf8(text));
     for (const char c : text)
         HOLDS(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
 }
 
-bool isHex(std::string_view text) {
+bool is_hex(std::string_view text) {
     return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string_view::npos;
 }
 
@@ -37,24 +37,24 @@ struct Read {
 };
 
 // A text that does not fit is a beginning of the whole one.
-Read readField(Field field, const Certificate& it, int size) {
+Read read_field(Field field, const Certificate& it, int size) {
     static fuzz::Room whole(WHOLE);
     fuzz::Room part(static_cast<std::size_t>(size));
     const int code = field(it.der.get(), it.length, whole.get(), static_cast<int>(WHOLE));
     HOLDS(code == 0 || code == ZVC_ERR_BAD_CERTIFICATE);
-    holdsReason(code);
-    const int partCode = field(it.der.get(), it.length, part.get(), size);
+    holds_reason(code);
+    const int part_code = field(it.der.get(), it.length, part.get(), size);
     const std::string_view text = whole.text(), cut = part.text();
-    HOLDS(partCode == code || (code == 0 && partCode == ZVC_ERR_CUT));
-    HOLDS((partCode == 0) == (code == 0 && text.size() < part.size()));
+    HOLDS(part_code == code || (code == 0 && part_code == ZVC_ERR_CUT));
+    HOLDS((part_code == 0) == (code == 0 && text.size() < part.size()));
     HOLDS(text.starts_with(cut) && (code == 0 || text.empty()));
-    HOLDS(partCode != ZVC_ERR_CUT || field == kvGetCertificatePolicies || cut.size() + 6 >= part.size());
-    holdsText(text);
-    holdsText(cut);
+    HOLDS(part_code != ZVC_ERR_CUT || field == kvGetCertificatePolicies || cut.size() + 6 >= part.size());
+    holds_text(text);
+    holds_text(cut);
     return {code, std::string(text)};
 }
 
-void readDates(const Certificate& it, int size, const Read& subject) {
+void read_dates(const Certificate& it, int size, const Read& subject) {
     fuzz::Room from(ZVC_DATE_SIZE), to(ZVC_DATE_SIZE), both(static_cast<std::size_t>(size));
     fuzz::Room description(ZVC_DESCRIPTION_SIZE);
     const int code = kvGetCertDate(it.der.get(), it.length, from.get(), to.get());
@@ -78,7 +78,7 @@ int convert(const Certificate& it, fuzz::Room (&parts)[3], unsigned long (&lengt
 }
 
 // OpenSSL, where it reads the certificate, gives the same names.
-void holdsNames(const Certificate& it, fuzz::Room (&parts)[3], const unsigned long (&lengths)[3]) {
+void holds_names(const Certificate& it, fuzz::Room (&parts)[3], const unsigned long (&lengths)[3]) {
     const unsigned char* end = it.der.get();
     X509* certificate = d2i_X509(nullptr, &end, static_cast<long>(it.length));
     if (certificate == nullptr) return;
@@ -94,7 +94,7 @@ void holdsNames(const Certificate& it, fuzz::Room (&parts)[3], const unsigned lo
 }
 
 // What comes out fits to the byte: the same rooms are enough, one byte less is not.
-void convertToDer(const Certificate& it) {
+void convert_to_der(const Certificate& it) {
     const std::size_t enough = it.length + 16;
     fuzz::Room parts[] = {fuzz::Room(enough), fuzz::Room(enough), fuzz::Room(enough)};
     unsigned long lengths[] = {enough, enough, enough};
@@ -104,7 +104,7 @@ void convertToDer(const Certificate& it) {
         HOLDS(parts[0].untouched() && parts[1].untouched() && parts[2].untouched() && lengths[2] == enough);
         return;
     }
-    holdsNames(it, parts, lengths);
+    holds_names(it, parts, lengths);
     HOLDS(lengths[2] >= 1);
     fuzz::Room exact[] = {fuzz::Room(lengths[0]), fuzz::Room(lengths[1]), fuzz::Room(lengths[2])};
     HOLDS(convert(it, exact, lengths) == 0);
@@ -124,15 +124,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Of just its length, so that nothing past it is read unseen.
     Certificate it{std::make_unique<unsigned char[]>(der.size()), der.size()};
     std::memcpy(it.der.get(), der.data(), der.size());
-    const Read subject = readField(kvGetSubjectDN, it, room);
-    const std::string serial = readField(kvX509GetSerial, it, room).text;
-    HOLDS(isHex(serial.starts_with('-') ? serial.substr(1) : serial));
-    HOLDS(isHex(readField(zv_X509V3_get_subject_key_identifier, it, room).text));
+    const Read subject = read_field(kvGetSubjectDN, it, room);
+    const std::string serial = read_field(kvX509GetSerial, it, room).text;
+    HOLDS(is_hex(serial.starts_with('-') ? serial.substr(1) : serial));
+    HOLDS(is_hex(read_field(zv_X509V3_get_subject_key_identifier, it, room).text));
     for (const Field field : {kvGetIssuerDN, kvGetIUT, kvGetCodFisc, kvGetExplicitText})
-        readField(field, it, room);
-    const std::string policies = readField(kvGetCertificatePolicies, it, room).text;
+        read_field(field, it, room);
+    const std::string policies = read_field(kvGetCertificatePolicies, it, room).text;
     HOLDS(policies.find_first_not_of("0123456789.,") == std::string::npos);
-    readDates(it, room, subject);
-    convertToDer(it);
+    read_dates(it, room, subject);
+    convert_to_der(it);
     return 0;
 }

@@ -1,9 +1,9 @@
 // The text of an issued certificate, in whatever form an authority sends it.
+#include "fuzz/input.h"
+#include "routines.h"
+
 #include <openssl/evp.h>
 #include <openssl/x509.h>
-
-#include "input.h"
-#include "routines.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ Split split(std::string text) {
     HOLDS(text.size() >= ZVC_CERT_TEXT_SIZE ? copy.text().size() < 64 : copy.text() == text);
     Split result{0, std::make_unique<datiCert>()};
     result.code = SplitCert(copy.get(), result.record.get(), reason.get(), 512);
-    HOLDS(reason.text().empty() == (result.code == 0) && fuzz::isUtf8(reason.text()));
+    HOLDS(reason.text().empty() == (result.code == 0) && fuzz::is_utf8(reason.text()));
     // The mark that writeBuff leaves for a longer text may be a text too.
     HOLDS((result.code == ZVC_ERR_TEXT_LENGTH) ==
           (text.size() >= ZVC_CERT_TEXT_SIZE || text == "(oltre 8191 caratteri)"));
@@ -40,7 +40,7 @@ Split split(std::string text) {
 }
 
 // The certificate alone, in one line of base64 and as PEM, gives itself again.
-void roundTrip(const datiCert& certificate) {
+void round_trip(const datiCert& certificate) {
     fuzz::Room name(ZVC_DESCRIPTION_SIZE);
     datiCert read = certificate;
     const int named = kvGetSubjectDN(read.der, read.derLength, name.get(), ZVC_DESCRIPTION_SIZE);
@@ -66,7 +66,7 @@ void roundTrip(const datiCert& certificate) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string text = fuzz::Input(data, size).text();
     const Split result = split(text);
-    if (result.code == 0) roundTrip(*result.record);
+    if (result.code == 0) round_trip(*result.record);
     fuzz::Room der(8191);
     const int length = CrtB64ToDer(text.data(), der.get());
     HOLDS(length >= 0 && length <= 8191);

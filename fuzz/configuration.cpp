@@ -1,17 +1,17 @@
 // A user's configuration, read where the readers are listed and where a card is looked up.
-#include <set>
-
-#include "input.h"
+#include "fuzz/input.h"
 #include "zvCrypt.h"
+
+#include <set>
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = fuzz::scratch() + "/zvcrypt.conf";
     ::setenv("ZVCRYPT_CONF", path.c_str(), 1);
     const std::string_view text = fuzz::Input(data, size).bytes();
-    fuzz::writeFile(path, text);
+    fuzz::write_file(path, text);
     fuzz::Room list(ZVC_READER_LIST_SIZE), reason(1024);
     const int code = kvGetReader(list.get());
-    HOLDS(kvLastError(reason.get(), 1024) == code && fuzz::isUtf8(reason.text()));
+    HOLDS(kvLastError(reason.get(), 1024) == code && fuzz::is_utf8(reason.text()));
     // Without a software reader the missing service is the failure.
     HOLDS(code == 0 || code == ZVC_ERR_CONFIG || code == ZVC_ERR_NO_SERVICE);
     HOLDS((code == 0) == !list.text().empty());

@@ -1,17 +1,16 @@
-#ifndef ZV_FUZZ_FAKE_CARD_H
-#define ZV_FUZZ_FAKE_CARD_H
+#pragma once
+
+#include "fuzz/input.h"
+#include "pkcs11.h"
 
 #include <vector>
 
-#include "input.h"
-#include "pkcs11.h"
-
-/// A PKCS#11 module with a card in it whose answers the input spoils: each call takes a byte, and below 0xC0, or
-/// once the input is used up, it is a good card's.
+// A PKCS#11 module with a card in it whose answers the input spoils: each call takes a byte, and below 0xC0, or
+// once the input is used up, it is a good card's.
 namespace fuzz {
 
 struct FakeObject {
-    CK_OBJECT_CLASS objectClass;
+    CK_OBJECT_CLASS object_class;
     std::string id, label, value;
     bool destroyed = false;
 };
@@ -20,17 +19,15 @@ struct FakeCard {
     Input* answers = nullptr;
     std::vector<FakeObject> objects;
     std::string reader, serial;
-    int refusedPins = 0;
-    bool endless = false; ///< the open search never ends
+    int refused_pins = 0;
+    bool endless = false; // the open search never ends
 };
 
 extern FakeCard card;
 
-/// The certificate of the one RSA key that all keys of the card are.
-const std::string& ownCertificate();
+// The certificate of the one RSA key that all keys of the card are.
+const std::string& own_certificate();
 
 } // namespace fuzz
 
-extern "C" __attribute__((visibility("default"))) CK_RV fakeFunctionList(CK_FUNCTION_LIST_PTR_PTR list);
-
-#endif
+extern "C" __attribute__((visibility("default"))) CK_RV fake_function_list(CK_FUNCTION_LIST_PTR_PTR list);

@@ -1,5 +1,4 @@
-#ifndef ZV_FUZZ_INPUT_H
-#define ZV_FUZZ_INPUT_H
+#pragma once
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-/// What holds for every input; one that breaks it is a finding, like one that crashes.
+// What holds for every input; one that breaks it is a finding, like one that crashes.
 #define HOLDS(condition) ((condition) ? void() : fuzz::broken(#condition, __FILE__, __LINE__))
 
 namespace fuzz {
@@ -21,12 +20,12 @@ namespace fuzz {
     std::abort();
 }
 
-/// Takes an input apart from its front.
+// Takes an input apart from its front.
 class Input {
   public:
     Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
 
-    /// The next line. A carriage return stands for a line feed inside one, and a text ends at a zero byte.
+    // The next line. A carriage return stands for a line feed inside one, and a text ends at a zero byte.
     std::string line() {
         const std::string_view line = rest_.substr(0, rest_.find('\n'));
         rest_.remove_prefix(std::min(line.size() + 1, rest_.size()));
@@ -35,14 +34,14 @@ class Input {
             if (c == '\r') c = '\n';
         return text;
     }
-    /// The next byte; 0 at the end.
+    // The next byte; 0 at the end.
     unsigned char byte() {
         if (rest_.empty()) return 0;
         const auto byte = static_cast<unsigned char>(rest_.front());
         rest_.remove_prefix(1);
         return byte;
     }
-    /// All that is left, as bytes or as a text.
+    // All that is left, as bytes or as a text.
     std::string_view bytes() const { return rest_; }
     std::string text() const { return std::string(rest_.substr(0, rest_.find('\0'))); }
 
@@ -50,7 +49,7 @@ class Input {
     std::string_view rest_;
 };
 
-/// A buffer of just so many bytes: what is written past it is seen by the address sanitizer.
+// A buffer of just so many bytes: what is written past it is seen by the address sanitizer.
 class Room {
   public:
     static constexpr char FILL = '\xA5';
@@ -64,7 +63,7 @@ class Room {
     }
     char* get() { return bytes_.get(); }
     std::size_t size() const { return size_; }
-    /// The text in it, which ends within it.
+    // The text in it, which ends within it.
     std::string_view text() const {
         const auto* end = static_cast<const char*>(std::memchr(bytes_.get(), 0, size_));
         HOLDS(end != nullptr);
@@ -79,21 +78,19 @@ class Room {
     std::unique_ptr<char[]> bytes_;
 };
 
-/// The text in a field of a record, which ends within it.
-template <std::size_t N> std::string_view fieldOf(const char (&field)[N]) {
+// The text in a field of a record, which ends within it.
+template <std::size_t N> std::string_view field_of(const char (&field)[N]) {
     const auto* end = static_cast<const char*>(std::memchr(field, 0, N));
     HOLDS(end != nullptr);
     return {field, static_cast<std::size_t>(end - field)};
 }
 
-bool isUtf8(std::string_view text);
+bool is_utf8(std::string_view text);
 
-/// A folder of this process alone, removed at its end.
+// A folder of this process alone, removed at its end.
 const std::string& scratch();
-void writeFile(const std::string& path, std::string_view text);
+void write_file(const std::string& path, std::string_view text);
 
 } // namespace fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
-#endif

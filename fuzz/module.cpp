@@ -2,20 +2,21 @@
 // identifiers, P and A requests, S and T storing, X single steps; k keep, c services card, 5 and 1 series of serial
 // numbers, l with a log); pending label; key; subject; certificate ("@": the card's); objects ("c|id|label|value")
 // up to an empty line. Bytes behind it spoil the card's answers.
+#include "api/state.h"
+#include "card/detection.h"
+#include "card/session.h"
+#include "fuzz/fake_card.h"
+#include "inventory/certificates.h"
+#include "store/renewal_state.h"
+#include "util/text.h"
+
 #include <dlfcn.h>
-#include <fstream>
-#include <iterator>
 #include <openssl/cms.h>
 #include <openssl/evp.h>
 #include <unistd.h>
 
-#include "api/state.h"
-#include "card/detection.h"
-#include "card/session.h"
-#include "fake_card.h"
-#include "inventory/certificates.h"
-#include "store/renewal_state.h"
-#include "util/text.h"
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -63,31 +64,31 @@ class List {
     std::vector<char*> entries_;
 };
 
-void holdsKeys(const fuzz::Room& keyPRA, const fuzz::Room& keyAUT, int code) {
-    if (code == 0) HOLDS(keyPRA.text().size() < ZV_KEY_ID_SIZE && keyAUT.text().size() < ZV_KEY_ID_SIZE);
+void holds_keys(const fuzz::Room& key_pra, const fuzz::Room& key_aut, int code) {
+    if (code == 0) HOLDS(key_pra.text().size() < ZV_KEY_ID_SIZE && key_aut.text().size() < ZV_KEY_ID_SIZE);
 }
 
-void readCard(char* reader, char* pin) {
+void read_card(char* reader, char* pin) {
     static List cns, pra, aut;
     for (List* list : {&cns, &pra, &aut})
         list->clear();
-    fuzz::Room keyPRA(ZV_KEY_ID_SIZE), keyAUT(ZV_KEY_ID_SIZE);
+    fuzz::Room key_pra(ZV_KEY_ID_SIZE), key_aut(ZV_KEY_ID_SIZE);
     int pending[3] = {7, 7, 7};
     const int code =
         rinnovo_Card_readCerts(reader, pin, 0, cns.entries(), pra.entries(), aut.entries(), &pending[0],
-                               &pending[1], &pending[2], keyPRA.get(), keyAUT.get(), nullptr, FUZZ_MODULES);
+                               &pending[1], &pending[2], key_pra.get(), key_aut.get(), nullptr, FUZZ_MODULES);
     if (code != 0) HOLDS(cns.empty() && pra.empty() && aut.empty());
     HOLDS(code != 0 || cns.count() + pra.count() + aut.count() <= 10);
     for (const int flag : pending)
         HOLDS(flag == 0 || flag == 1);
-    HOLDS(pending[1] + pending[2] < 2 && fuzz::card.refusedPins <= 1);
-    holdsKeys(keyPRA, keyAUT, code);
+    HOLDS(pending[1] + pending[2] < 2 && fuzz::card.refused_pins <= 1);
+    holds_keys(key_pra, key_aut, code);
 }
 
-void findFree(char* reader, char* pin) {
-    fuzz::Room keyPRA(ZV_KEY_ID_SIZE), keyAUT(ZV_KEY_ID_SIZE);
-    holdsKeys(keyPRA, keyAUT, rinnovo_Card_findFreeCKAID(reader, pin, keyPRA.get(), keyAUT.get()));
-    HOLDS(fuzz::card.refusedPins <= 1);
+void find_free(char* reader, char* pin) {
+    fuzz::Room key_pra(ZV_KEY_ID_SIZE), key_aut(ZV_KEY_ID_SIZE);
+    holds_keys(key_pra, key_aut, rinnovo_Card_findFreeCKAID(reader, pin, key_pra.get(), key_aut.get()));
+    HOLDS(fuzz::card.refused_pins <= 1);
 }
 
 // What comes out is a CMS file in base64, whole unless it fills its buffer.
@@ -113,7 +114,7 @@ void store(const Call& call, char* pin, bool signature) {
     fuzz::Room label(64, call.key);
     std::string pending = call.pendingLabel, text = call.certificate;
     if (text == "@") {
-        const std::string& der = fuzz::ownCertificate();
+        const std::string& der = fuzz::own_certificate();
         text.assign(der.size() * 2, '\0');
         text.resize(static_cast<std::size_t>(EVP_EncodeBlock(
             reinterpret_cast<unsigned char*>(text.data()), reinterpret_cast<const unsigned char*>(der.data()),
@@ -121,19 +122,19 @@ void store(const Call& call, char* pin, bool signature) {
     }
     const auto save = signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
     const int code = save(pin, label.get(), pending.data(), text.data(), call.has('k'));
-    HOLDS(label.text().size() < label.size() && fuzz::card.refusedPins <= 1);
+    HOLDS(label.text().size() < label.size() && fuzz::card.refused_pins <= 1);
     if (code != 0 || call.certificate != "@") return;
     const std::string stored = RTrim(pending.data());
     HOLDS(std::any_of(fuzz::card.objects.begin(), fuzz::card.objects.end(),
                       [&](const fuzz::FakeObject& object) {
-                          return object.objectClass == CKO_CERTIFICATE && object.id == stored &&
-                                 object.value == fuzz::ownCertificate();
+                          return object.object_class == CKO_CERTIFICATE && object.id == stored &&
+                                 object.value == fuzz::own_certificate();
                       }));
 }
 
 // Routines that no entry point reaches, or not so.
-void singleSteps(const Call& call, char* pin) {
-    zv::copyText(zv::pendingLabel, call.pendingLabel);
+void single_steps(const Call& call, char* pin) {
+    zv::copy_text(zv::pendingLabel, call.pendingLabel);
     std::string key = call.key;
     if (__Initialize(3, pin, zv::Libreria) != CKR_OK) return;
     fuzz::Room census(1536, "");
@@ -146,12 +147,12 @@ void singleSteps(const Call& call, char* pin) {
     DeleteCertCA(zv::hSession, key.data(), nullptr);
     const auto certificate = std::make_unique<datiCert>();
     certificate->derLength =
-        fuzz::ownCertificate().copy(reinterpret_cast<char*>(certificate->der), sizeof certificate->der);
+        fuzz::own_certificate().copy(reinterpret_cast<char*>(certificate->der), sizeof certificate->der);
     InstallCACertificate(nullptr, certificate.get(), certificate->derLength, key.data());
     RechangeValueObject(nullptr, call.key.c_str(), key.data());
 }
 
-fuzz::FakeObject objectFrom(const std::string& line) {
+fuzz::FakeObject object_from(const std::string& line) {
     std::string parts[4];
     std::size_t part = 0;
     for (const char c : line)
@@ -161,7 +162,7 @@ fuzz::FakeObject objectFrom(const std::string& line) {
             parts[part] += c;
     static constexpr std::string_view CLASSES = "dcups"; // data, certificate, public, private, secret: 0 to 4
     const std::size_t number = parts[0].empty() ? 0 : CLASSES.find(parts[0][0]);
-    return {number, parts[1], parts[2], parts[3] == "@" ? fuzz::ownCertificate() : parts[3]};
+    return {number, parts[1], parts[2], parts[3] == "@" ? fuzz::own_certificate() : parts[3]};
 }
 
 void reset() {
@@ -183,11 +184,11 @@ void reset() {
 }
 
 // The PIN is not in the log, and not in the block that went to the card machinery, unless another text holds it.
-void holdsNoPin(const std::string& log, bool inInput) {
+void holds_no_pin(const std::string& log, bool in_input) {
     std::ifstream file(log, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    HOLDS(inInput || text.find(PIN) == std::string::npos);
-    HOLDS(inInput || fuzz::fieldOf(zv::szBufferRichiesta).find(PIN) == std::string_view::npos);
+    HOLDS(in_input || text.find(PIN) == std::string::npos);
+    HOLDS(in_input || fuzz::field_of(zv::szBufferRichiesta).find(PIN) == std::string_view::npos);
     getLogPath()[0] = '\0';
     ::unlink(log.c_str());
 }
@@ -196,16 +197,16 @@ void run(const Call& call) {
     char pin[sizeof PIN];
     std::string reader = fuzz::card.reader;
     for (const char letter : call.flags.substr(0, 8)) {
-        fuzz::card.refusedPins = 0;
-        zv::copyText(pin, PIN);
-        if (letter == 'R') readCard(reader.data(), pin);
-        if (letter == 'F') findFree(reader.data(), pin);
+        fuzz::card.refused_pins = 0;
+        zv::copy_text(pin, PIN);
+        if (letter == 'R') read_card(reader.data(), pin);
+        if (letter == 'F') find_free(reader.data(), pin);
         if (letter == 'P' || letter == 'A') request(call, pin, letter == 'P');
         if (letter == 'S' || letter == 'T') store(call, pin, letter == 'S');
-        if (letter == 'X') singleSteps(call, pin);
+        if (letter == 'X') single_steps(call, pin);
         HOLDS(letter == 'X' || (zv::hSession == 0 && zv::hModule == nullptr));
-        HOLDS(fuzz::fieldOf(szBuffErr).size() < sizeof szBuffErr &&
-              fuzz::fieldOf(szSockMsg).size() < sizeof szSockMsg);
+        HOLDS(fuzz::field_of(szBuffErr).size() < sizeof szBuffErr &&
+              fuzz::field_of(szSockMsg).size() < sizeof szSockMsg);
         if (letter == 'X') finalizza();
     }
 }
@@ -215,7 +216,7 @@ void run(const Call& call) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string log = fuzz::scratch() + "/zvRenew.log", configuration = [] {
         const std::string path = fuzz::scratch() + "/zvcrypt.conf", module = "\nmodule = " FUZZ_MODULE "\n";
-        fuzz::writeFile(
+        fuzz::write_file(
             path, "[card A]\natr = 3B01" + module + "[card B]\natr = 3B02" + module +
                       "flags = cns touchsign\n[reader Carta]\natr = 3B01\n[reader Servizi]\natr = 3B02\n");
         // Once loaded it stays, whatever the library does.
@@ -229,16 +230,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (std::string* text : {&call.flags, &call.pendingLabel, &call.key, &call.subject, &call.certificate})
         *text = input.line();
     for (std::string line = input.line(); !line.empty(); line = input.line())
-        fuzz::card.objects.push_back(objectFrom(line));
+        fuzz::card.objects.push_back(object_from(line));
     fuzz::card.answers = &input;
     fuzz::card.reader = call.has('c') ? "Servizi" : "Carta";
     fuzz::card.serial = call.has('5') ? "1205000000000001" : call.has('1') ? "1201000000000001" : "7";
-    if (call.has('l')) zv::copyText(getLogPath(), 512, log);
-    zv::copyText(zv::pwd, FUZZ_MODULES);
-    zv::copyText(zv::Libreria, FUZZ_MODULES "/" FUZZ_MODULE);
+    if (call.has('l')) zv::copy_text(getLogPath(), 512, log);
+    zv::copy_text(zv::pwd, FUZZ_MODULES);
+    zv::copy_text(zv::Libreria, FUZZ_MODULES "/" FUZZ_MODULE);
     zv::slot = 3;
     run(call);
     reset();
-    holdsNoPin(log, all.find(PIN) != std::string_view::npos);
+    holds_no_pin(log, all.find(PIN) != std::string_view::npos);
     return 0;
 }

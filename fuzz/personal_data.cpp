@@ -1,37 +1,37 @@
 // A services card's personal data, by itself and as the object of a card.
-#include <cctype>
-
 #include "card/session.h"
-#include "input.h"
+#include "fuzz/input.h"
 #include "routines.h"
+
+#include <cctype>
 
 namespace {
 
-std::string_view personalData;
+std::string_view personal_data;
 CK_ULONG given = 0;
 
-CK_RV startSearch(CK_SESSION_HANDLE, CK_ATTRIBUTE_PTR, CK_ULONG) {
+CK_RV start_search(CK_SESSION_HANDLE, CK_ATTRIBUTE_PTR, CK_ULONG) {
     given = 0;
     return CKR_OK;
 }
 
-CK_RV nextObject(CK_SESSION_HANDLE, CK_OBJECT_HANDLE_PTR object, CK_ULONG, CK_ULONG_PTR count) {
+CK_RV next_object(CK_SESSION_HANDLE, CK_OBJECT_HANDLE_PTR object, CK_ULONG, CK_ULONG_PTR count) {
     *object = 1;
     *count = given++ == 0 ? 1 : 0;
     return CKR_OK;
 }
 
-CK_RV endSearch(CK_SESSION_HANDLE) {
+CK_RV end_search(CK_SESSION_HANDLE) {
     return CKR_OK;
 }
 
 // One data object, labelled as the personal data are.
-CK_RV readAttributes(CK_SESSION_HANDLE, CK_OBJECT_HANDLE, CK_ATTRIBUTE_PTR tmpl, CK_ULONG) {
+CK_RV read_attributes(CK_SESSION_HANDLE, CK_OBJECT_HANDLE, CK_ATTRIBUTE_PTR tmpl, CK_ULONG) {
     const CK_OBJECT_CLASS data = CKO_DATA;
     std::string_view value;
     if (tmpl->type == CKA_CLASS) value = {reinterpret_cast<const char*>(&data), sizeof data};
     if (tmpl->type == CKA_LABEL) value = "PDATA";
-    if (tmpl->type == CKA_VALUE) value = personalData;
+    if (tmpl->type == CKA_VALUE) value = personal_data;
     if (value.data() == nullptr) return CKR_ATTRIBUTE_TYPE_INVALID;
     if (value.size() > tmpl->ulValueLen) return CKR_BUFFER_TOO_SMALL;
     tmpl->ulValueLen = value.size();
@@ -40,7 +40,7 @@ CK_RV readAttributes(CK_SESSION_HANDLE, CK_OBJECT_HANDLE, CK_ATTRIBUTE_PTR tmpl,
 }
 
 // Where the date stands, read a second time; empty without one.
-std::string dateIn(const std::string& text) {
+std::string date_in(const std::string& text) {
     if (text.size() < 8) return {};
     std::string mark = text.substr(8, 3);
     for (char& c : mark)
@@ -50,25 +50,25 @@ std::string dateIn(const std::string& text) {
     return mark == "XXX" || length <= 0 || start + 8 > text.size() ? std::string() : text.substr(start, 8);
 }
 
-void fromCard(std::string_view bytes, const std::string& date) {
+void from_card(std::string_view bytes, const std::string& date) {
     static CK_FUNCTION_LIST functions = [] {
         CK_FUNCTION_LIST list{};
-        list.C_FindObjectsInit = startSearch;
-        list.C_FindObjects = nextObject;
-        list.C_FindObjectsFinal = endSearch;
-        list.C_GetAttributeValue = readAttributes;
+        list.C_FindObjectsInit = start_search;
+        list.C_FindObjects = next_object;
+        list.C_FindObjectsFinal = end_search;
+        list.C_GetAttributeValue = read_attributes;
         return list;
     }();
-    personalData = bytes;
+    personal_data = bytes;
     zv::p = &functions;
     zv::hModule = &functions;
-    fuzz::Room expiry(9), keyPRA(ZV_KEY_ID_SIZE), keyAUT(ZV_KEY_ID_SIZE);
+    fuzz::Room expiry(9), key_pra(ZV_KEY_ID_SIZE), key_aut(ZV_KEY_ID_SIZE);
     int pending[3] = {};
-    const int code = Find_ALL_PendingCNS(&pending[0], &pending[1], &pending[2], keyPRA.get(), keyAUT.get(),
+    const int code = Find_ALL_PendingCNS(&pending[0], &pending[1], &pending[2], key_pra.get(), key_aut.get(),
                                          expiry.get(), false);
     HOLDS(code == (bytes.size() > 16383 ? 65535 : 0));
     HOLDS(code != 0 || date.empty() ? expiry.untouched() : expiry.text() == date);
-    HOLDS(keyPRA.text().empty() && keyAUT.text().empty() && pending[0] + pending[1] + pending[2] == 0);
+    HOLDS(key_pra.text().empty() && key_aut.text().empty() && pending[0] + pending[1] + pending[2] == 0);
     zv::hModule = nullptr;
 }
 
@@ -77,10 +77,10 @@ void fromCard(std::string_view bytes, const std::string& date) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
     fuzz::Room text(input.text().size() + 1, input.text()), out(9);
-    const std::string date = dateIn(input.text());
+    const std::string date = date_in(input.text());
     getDtScadenza(text.get(), out.get());
     HOLDS(date.empty() ? out.untouched() : out.text() == date);
-    fromCard(input.bytes(), date);
+    from_card(input.bytes(), date);
     int expected = 1;
     for (std::size_t i = 0; text.text().size() == 16 && i < 11; ++i)
         if ((std::isdigit(static_cast<unsigned char>(text.get()[i])) != 0) != ("LLLLLLDDLDD"[i] == 'D'))

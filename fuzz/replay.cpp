@@ -1,9 +1,9 @@
 // Takes the fuzzer's place where a compiler has none: gives the target each file of the folders named.
+#include "fuzz/input.h"
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include "input.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 

@@ -1,11 +1,12 @@
 // What every target needs once: surroundings of its own, files, UTF-8.
-#include <algorithm>
+#include "fuzz/input.h"
+#include "routines.h"
+
 #include <fcntl.h>
-#include <filesystem>
 #include <unistd.h>
 
-#include "input.h"
-#include "routines.h"
+#include <algorithm>
+#include <filesystem>
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 
@@ -29,13 +30,13 @@ const std::string& scratch() {
     return folder.path;
 }
 
-void writeFile(const std::string& path, std::string_view text) {
+void write_file(const std::string& path, std::string_view text) {
     const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     HOLDS(file >= 0 && ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()));
     ::close(file);
 }
 
-bool isUtf8(std::string_view text) {
+bool is_utf8(std::string_view text) {
     while (!text.empty()) {
         const auto lead = static_cast<unsigned char>(text[0]);
         const std::size_t length = lead < 0x80   ? 1

@@ -1,18 +1,18 @@
 // The text helpers, against plain versions of themselves.
-#include <cctype>
-
-#include "input.h"
+#include "fuzz/input.h"
 #include "routines.h"
 #include "util/text.h"
 
+#include <cctype>
+
 namespace {
 
-std::string withoutBlanks(std::string text) {
+std::string without_blanks(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
     return text.erase(0, text.find_first_not_of(' '));
 }
 
-std::string percentEncoded(const std::string& text) {
+std::string percent_encoded(const std::string& text) {
     std::string encoded;
     char byte[4];
     for (const char c : text) {
@@ -35,29 +35,29 @@ void fields(std::string text, std::string name, std::string pair, std::string be
     HOLDS(code == 0 || code == -1 || code == -4);
     HOLDS(code == 0 || output.text().empty());
     HOLDS(text.find(output.text()) != std::string::npos &&
-          output.text() == withoutBlanks(std::string(output.text())));
+          output.text() == without_blanks(std::string(output.text())));
     HOLDS(pair.empty() || output.text().find(pair) == std::string_view::npos);
     HOLDS(code != -1 || text.find(name + between) != 0 || name.empty() || between.empty() ||
-          name != withoutBlanks(name) || (name + between).find(between) != name.size());
+          name != without_blanks(name) || (name + between).find(between) != name.size());
     HOLDS(Valore(text.data(), name.data(), output.get()) == 0);
     HOLDS(output.text().size() <= text.size());
-    const std::string encoded = percentEncoded(text);
+    const std::string encoded = percent_encoded(text);
     HOLDS(unescaped(encoded) == text);
     (void)unescaped(text);
     std::string pairs = "x=1&campo=" + encoded + "&y=", wanted = "campo";
     fuzz::Room value(pairs.size() + 1);
     Valore(pairs.data(), wanted.data(), value.get());
-    HOLDS(value.text() == withoutBlanks(text));
+    HOLDS(value.text() == without_blanks(text));
 }
 
-void changedInPlace(const std::string& text) {
+void changed_in_place(const std::string& text) {
     const auto changed = [&text](char* (*change)(char*)) {
         fuzz::Room room(text.size() + 1, text);
         HOLDS(change(room.get()) == room.get());
         return std::string(room.text());
     };
-    HOLDS(changed(AllTrim) == withoutBlanks(text));
-    HOLDS(withoutBlanks(changed(RTrim)) == withoutBlanks(text) && !changed(RTrim).ends_with(' '));
+    HOLDS(changed(AllTrim) == without_blanks(text));
+    HOLDS(without_blanks(changed(RTrim)) == without_blanks(text) && !changed(RTrim).ends_with(' '));
     HOLDS(text.ends_with(changed(LTrim)) && !changed(LTrim).starts_with(' '));
     HOLDS(changed(VirgolaToPunto).find(',') == std::string::npos);
     HOLDS(changed(Converte).size() <= text.size());
@@ -90,12 +90,12 @@ void searched(const std::string& text, const std::string& part, std::size_t size
     HOLDS(place == std::string::npos ? found == nullptr : found == text.c_str() + place);
     fuzz::Room name(size, text), scratch(size);
     const std::string before(name.text());
-    const bool replaced = zv::replaceFirst(name.get(), size, part.c_str(), "2.5.4.3=", scratch.get());
+    const bool replaced = zv::replace_first(name.get(), size, part.c_str(), "2.5.4.3=", scratch.get());
     HOLDS(name.text().size() < size && (replaced || name.text() == before));
     fuzz::Room copy(size);
-    HOLDS(zv::copyText(copy.get(), size, text) == (text.size() < size));
+    HOLDS(zv::copy_text(copy.get(), size, text) == (text.size() < size));
     HOLDS(copy.text() == text.substr(0, size - 1));
-    HOLDS(zv::appendText(copy.get(), size, part) == (copy.text() == text + part || part.empty()));
+    HOLDS(zv::append_text(copy.get(), size, part) == (copy.text() == text + part || part.empty()));
 }
 
 void numbers(std::string text) {
@@ -115,7 +115,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
     const std::string name = input.line(), pair = input.line(), between = input.line(), text = input.text();
     fields(text, name, pair, between);
-    changedInPlace(text);
+    changed_in_place(text);
     joined(text, name, std::strtol(between.c_str(), nullptr, 10));
     searched(text, name, 1 + std::strtoul(pair.c_str(), nullptr, 10) % 512);
     numbers(text);

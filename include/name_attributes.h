@@ -5,12 +5,12 @@
 #ifndef ZV_NAME_ATTRIBUTES_H
 #define ZV_NAME_ATTRIBUTES_H
 
+#include "records.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <span>
-
-#include "records.h"
 
 namespace zv {
 

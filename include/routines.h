@@ -30,13 +30,13 @@
 #ifndef ZV_ROUTINES_H
 #define ZV_ROUTINES_H
 
-#include <cstdarg>
-#include <string>
-
 #include "pkcs11.h"
 #include "records.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
+
+#include <cstdarg>
+#include <string>
 
 extern "C" {
 

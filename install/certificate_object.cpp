@@ -1,16 +1,16 @@
 #include "install/certificate_object.h"
 
+#include "diag/log.h"
+#include "util/text.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 
-#include "diag/log.h"
-#include "util/text.h"
-
 namespace zv {
 
 CK_OBJECT_CLASS cert_object_class = CKO_CERTIFICATE;
-CK_BBOOL bTrue = CK_TRUE;
+CK_BBOOL b_true = CK_TRUE;
 CK_CERTIFICATE_TYPE certType = CKC_X_509;
 char crtLabel[256];
 unsigned char BufferAttribute[8192];
@@ -36,7 +36,7 @@ namespace zv {
 
 CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
     {CKA_CLASS, &cert_object_class, sizeof cert_object_class},
-    {CKA_TOKEN, &bTrue, sizeof bTrue},
+    {CKA_TOKEN, &b_true, sizeof b_true},
     {CKA_CERTIFICATE_TYPE, &certType, sizeof certType},
     {CKA_ID, crtLabel, sizeof crtLabel - 1},
     {CKA_LABEL, crtLabel, sizeof crtLabel - 1},
@@ -48,39 +48,39 @@ CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
 
 CK_OBJECT_HANDLE hCert = 0;
 
-int CertificateParts::read(const char* title, datiCert& certificate, unsigned long derLength) {
-    const int code = ConvToDer(certificate.der, derLength, subject, &subjectLength, issuer, &issuerLength,
-                               serial, &serialLength);
-    if (code != 0) reportCode(title, "ConvToDer", static_cast<CK_RV>(code));
-    subjectLength = std::min(subjectLength, NAME_SIZE);
-    issuerLength = std::min(issuerLength, NAME_SIZE);
-    serialLength = std::min(serialLength, SERIAL_SIZE);
+int CertificateParts::read(const char* title, datiCert& certificate, unsigned long der_length) {
+    const int code = ConvToDer(certificate.der, der_length, subject, &subject_length, issuer, &issuer_length,
+                               serial, &serial_length);
+    if (code != 0) report_code(title, "ConvToDer", static_cast<CK_RV>(code));
+    subject_length = std::min(subject_length, NAME_SIZE);
+    issuer_length = std::min(issuer_length, NAME_SIZE);
+    serial_length = std::min(serial_length, SERIAL_SIZE);
     return code;
 }
 
-void CertificateParts::trimSerial() {
-    const char* end = serial + serialLength;
-    const char* first = std::find_if(serial, serial + serialLength, [](char byte) { return byte != 0; });
-    serialLength = static_cast<unsigned long>(end - first);
-    std::memmove(serial, first, serialLength);
+void CertificateParts::trim_serial() {
+    const char* end = serial + serial_length;
+    const char* first = std::find_if(serial, serial + serial_length, [](char byte) { return byte != 0; });
+    serial_length = static_cast<unsigned long>(end - first);
+    std::memmove(serial, first, serial_length);
 }
 
-CK_RV createCertificate(const char* title, const datiCert& certificate, unsigned long derLength,
-                        const char* label, const CertificateParts& parts) {
+CK_RV create_certificate(const char* title, const datiCert& certificate, unsigned long der_length,
+                         const char* label, const CertificateParts& parts) {
     CertTemplate[0].ulValueLen = sizeof cert_object_class;
-    CertTemplate[1].ulValueLen = sizeof bTrue;
+    CertTemplate[1].ulValueLen = sizeof b_true;
     CertTemplate[2].ulValueLen = sizeof certType;
-    const std::string_view id = boundedText(label, sizeof crtLabel - 1);
+    const std::string_view id = bounded_text(label, sizeof crtLabel - 1);
     fill(CertTemplate[3], crtLabel, id.data(), id.size());
     CertTemplate[4].ulValueLen = CertTemplate[3].ulValueLen;
-    fill(CertTemplate[5], BufferAttribute, certificate.der, derLength);
-    fill(CertTemplate[6], BufferSubject, parts.subject, parts.subjectLength);
-    fill(CertTemplate[7], BufferIssuer, parts.issuer, parts.issuerLength);
-    fill(CertTemplate[8], BufferSerNumb, parts.serial, parts.serialLength);
+    fill(CertTemplate[5], BufferAttribute, certificate.der, der_length);
+    fill(CertTemplate[6], BufferSubject, parts.subject, parts.subject_length);
+    fill(CertTemplate[7], BufferIssuer, parts.issuer, parts.issuer_length);
+    fill(CertTemplate[8], BufferSerNumb, parts.serial, parts.serial_length);
     hCert = 0;
     LogInstallCertificate(hSession, CertTemplate, CERTIFICATE_ENTRIES, &hCert);
     rv = call<&Functions::C_CreateObject>(hSession, CertTemplate, CK_ULONG{CERTIFICATE_ENTRIES}, &hCert);
-    if (rv != CKR_OK) reportCode(title, "C_CreateObject", rv);
+    if (rv != CKR_OK) report_code(title, "C_CreateObject", rv);
     return rv;
 }
 

@@ -1,9 +1,9 @@
 // CrtB64ToDer: a PEM certificate as DER.
+#include "diag/log.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
-
-#include "diag/log.h"
 
 namespace {
 
@@ -16,17 +16,17 @@ constexpr unsigned char INVALID = 0x80;
 // Byte 0xFF is left at 0, and so decodes like "A" or "=".
 unsigned char table[256];
 
-void buildTable() {
-    static constexpr std::string_view ALPHABET =
+void build_table() {
+    static constexpr std::string_view alphabet =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::fill_n(table, 255, INVALID);
-    for (std::size_t value = 0; value < ALPHABET.size(); ++value)
-        table[static_cast<unsigned char>(ALPHABET[value])] = static_cast<unsigned char>(value);
+    for (std::size_t value = 0; value < alphabet.size(); ++value)
+        table[static_cast<unsigned char>(alphabet[value])] = static_cast<unsigned char>(value);
     table[std::size_t{'='}] = 0;
 }
 
 // The next four characters that the table knows. Returns how many there were.
-int nextGroup(const char*& text, unsigned char (&group)[4]) {
+int next_group(const char*& text, unsigned char (&group)[4]) {
     int taken = 0;
     for (; taken < 4 && *text != '\0'; ++text) {
         const auto byte = static_cast<unsigned char>(*text);
@@ -35,13 +35,13 @@ int nextGroup(const char*& text, unsigned char (&group)[4]) {
     return taken;
 }
 
-int bytesOf(const unsigned char (&group)[4]) {
+int bytes_of(const unsigned char (&group)[4]) {
     if (group[2] == '=') return 1;
     return group[3] == '=' ? 2 : 3;
 }
 
 // Where the base64 text starts, its end cut; null when a marker is missing.
-const char* cutBody(char* pem) {
+const char* cut_body(char* pem) {
     char* end = std::strstr(pem, END_MARKER);
     if (end == nullptr) return nullptr;
     if (end != pem) end[-1] = '\0';
@@ -54,16 +54,16 @@ const char* cutBody(char* pem) {
 int CrtB64ToDer(char* pem, char* der) {
     zv::trace(TEXT_TITLE, "I N I Z I O");
     zv::trace(TEXT_TITLE, "Certificato =", pem);
-    buildTable();
-    const char* text = pem != nullptr ? cutBody(pem) : nullptr;
+    build_table();
+    const char* text = pem != nullptr ? cut_body(pem) : nullptr;
     if (text == nullptr || der == nullptr) return 0;
     int total = 0;
     for (int bytes = 3; bytes == 3;) {
         unsigned char group[4] = {};
-        const int taken = nextGroup(text, group);
+        const int taken = next_group(text, group);
         if (taken == 0) return total;
         if (taken < 4) return 0;
-        bytes = bytesOf(group);
+        bytes = bytes_of(group);
         if (total + bytes > DER_SIZE) return 0;
         const unsigned value = static_cast<unsigned>(table[group[0]]) << 18 |
                                static_cast<unsigned>(table[group[1]]) << 12 |

@@ -1,11 +1,11 @@
 // Distinguished names written with short names, rewritten to numeric OIDs.
-#include <algorithm>
-#include <array>
-#include <cstring>
-
 #include "routines.h"
 #include "util/name_forms.h"
 #include "util/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace zv {
 
@@ -14,7 +14,7 @@ struct NamePair {
     char replacement[24];
 };
 
-constexpr auto namePairs() noexcept {
+constexpr auto name_pairs() noexcept {
     std::array<NamePair, std::size(forms::COMMA_SEPARATED)> pairs{};
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         const auto& [pattern, place] = forms::COMMA_SEPARATED[i];
@@ -27,7 +27,7 @@ constexpr auto namePairs() noexcept {
     return pairs;
 }
 
-constinit std::array DescrOid = namePairs();
+constinit std::array DescrOid = name_pairs();
 
 } // namespace zv
 
@@ -37,7 +37,7 @@ constexpr std::size_t TEXT_SIZE = 8216;
 constexpr int NAMES = 16;
 
 // ", X=" becomes "/X=".
-void slashFor(char* text, const char* separator) {
+void slash_for(char* text, const char* separator) {
     char* comma = strstrICase(text, separator);
     if (comma == nullptr) return;
     std::memmove(comma, comma + 1, std::strlen(comma));
@@ -47,12 +47,12 @@ void slashFor(char* text, const char* separator) {
 } // namespace
 
 int CommaToSlash(char* dn, char*) {
-    static constexpr char DESCRIPTION[] = ", D=";
+    static constexpr char description[] = ", D=";
     int rounds = 0;
-    for (char* match = strstrICase(dn, DESCRIPTION); match != nullptr;
-         match = strstrICase(match + 1, DESCRIPTION)) {
-        slashFor(match + 1, ", N=");
-        slashFor(match + 1, DESCRIPTION);
+    for (char* match = strstrICase(dn, description); match != nullptr;
+         match = strstrICase(match + 1, description)) {
+        slash_for(match + 1, ", N=");
+        slash_for(match + 1, description);
         ++rounds;
     }
     return rounds;
@@ -64,7 +64,7 @@ int DescrToOid(char* dn, char* work) {
         replaced = false;
         // One occurrence a row in each pass.
         for (const auto& [pattern, replacement] : zv::DescrOid)
-            replaced = zv::replaceFirst(dn, TEXT_SIZE, pattern, replacement, work) || replaced;
+            replaced = zv::replace_first(dn, TEXT_SIZE, pattern, replacement, work) || replaced;
     }
     return rounds;
 }

@@ -13,10 +13,10 @@ constexpr int EXPLANATION_SIZE = 512;
 // Modules that do not let a key be relabelled.
 constexpr const char* NOT_RELABELLED[] = {"incryptoki2", "bit4ipki", "bit4hipki", "cnspkcs11"};
 
-int readCertificate(char* certText, datiCert& certificate) {
+int read_certificate(char* cert_text, datiCert& certificate) {
     char text[ZVC_CERT_TEXT_SIZE] = {};
     zv::Sentence explanation = {};
-    writeBuff(certText, text);
+    writeBuff(cert_text, text);
     text[sizeof text - 1] = '\0';
     zv::trace(STORE_TITLE, "SplitCert");
     const int code = SplitCert(text, &certificate, explanation, EXPLANATION_SIZE);
@@ -29,21 +29,21 @@ int readCertificate(char* certText, datiCert& certificate) {
 
 } // namespace
 
-int MemorizzazioneCertificato(void*, char* certText, char* pkcs11Library, char*) {
+int MemorizzazioneCertificato(void*, char* cert_text, char* pkcs11_library, char*) {
     zv::trace(STORE_TITLE, "I N I Z I O");
     datiCert certificate{};
-    if (readCertificate(certText, certificate) != 0) return ZV_FAILED;
+    if (read_certificate(cert_text, certificate) != 0) return ZV_FAILED;
 
     zv::trace(STORE_TITLE, "CheckPendingKeys");
     if (const int missing = CheckPendingKeys(nullptr, true))
         return zv::Failure(STORE_TITLE).step("CheckPendingKeys", missing);
 
     zv::trace(STORE_TITLE, "ChangeValueObject");
-    if (!zv::moduleNamed(pkcs11Library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)
+    if (!zv::module_named(pkcs11_library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)
         return zv::Failure(STORE_TITLE).step("ChangeValueObject", ZV_FAILED);
 
     zv::trace(STORE_TITLE, "InstallUserCertificate");
-    if (InstallUserCertificate(nullptr, &certificate, certificate.derLength, zv::certAlias, pkcs11Library) !=
+    if (InstallUserCertificate(nullptr, &certificate, certificate.derLength, zv::certAlias, pkcs11_library) !=
         0)
         return zv::Failure(STORE_TITLE).step("InstallUserCertificate", ZV_FAILED);
     zv::trace(STORE_TITLE, "F I N E");

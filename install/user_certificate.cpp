@@ -1,8 +1,5 @@
 // InstallUserCertificate: the issued certificate next to its pair, or the pair back under its pending
 // identifier.
-#include <algorithm>
-#include <cstdio>
-
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "diag/messages.h"
@@ -10,6 +7,9 @@
 #include "install/modules.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -21,59 +21,60 @@ constexpr const char* KEPT_LABELS[] = {"incryptoki2", "libbit4xpki.dylib", "cnsp
 
 // The pair gets its pending identifier back.
 int undone(char* label, char* module, const char* sentence) {
-    if (!zv::moduleNamed(module, KEPT_LABELS)) RechangeValueObject(nullptr, label, zv::pendingLabel);
+    if (!zv::module_named(module, KEPT_LABELS)) RechangeValueObject(nullptr, label, zv::pendingLabel);
     return zv::Failure(USER_TITLE).sentence(sentence);
 }
 
 // One pass without going back: a byte that differs starts the count anew and is not tried as a start itself.
-bool containsModulus(const unsigned char* der, unsigned long derLength, const unsigned char* modulus,
-                     std::size_t length) {
+bool contains_modulus(const unsigned char* der, unsigned long der_length, const unsigned char* modulus,
+                      std::size_t length) {
     std::size_t matched = 0;
-    for (unsigned long i = 0; i < derLength && matched < length; ++i)
+    for (unsigned long i = 0; i < der_length && matched < length; ++i)
         matched = der[i] == modulus[matched] ? matched + 1 : 0;
     return matched == length;
 }
 
-enum class Match { Yes, No, Unreadable };
+enum class Match { yes, no, unreadable };
 
-Match matchPendingKey(const datiCert& certificate, unsigned long derLength) {
+Match match_pending_key(const datiCert& certificate, unsigned long der_length) {
     unsigned char modulus[MODULUS_SIZE];
     std::size_t length = 0;
-    zv::readWhole(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
+    zv::read_whole(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
     if (zv::rv == CKR_OK)
-        return containsModulus(certificate.der, derLength, modulus, length) ? Match::Yes : Match::No;
-    zv::reportCode(USER_TITLE, "C_GetAttributeValue", zv::rv);
+        return contains_modulus(certificate.der, der_length, modulus, length) ? Match::yes : Match::no;
+    zv::report_code(USER_TITLE, "C_GetAttributeValue", zv::rv);
     // Some modules do not read keys at all: the certificate is then taken as it is.
-    return zv::rv == CKR_FUNCTION_FAILED ? Match::Yes : Match::Unreadable;
+    return zv::rv == CKR_FUNCTION_FAILED ? Match::yes : Match::unreadable;
 }
 
 } // namespace
 
-int InstallUserCertificate(void*, datiCert* cert, unsigned long derLength, char* label, char* pkcs11Library) {
+int InstallUserCertificate(void*, datiCert* cert, unsigned long der_length, char* label,
+                           char* pkcs11_library) {
     zv::trace(USER_TITLE, "I N I Z I O");
-    zv::traceSession(USER_TITLE, "C_GetAttributeValue", zv::hSession);
+    zv::trace_session(USER_TITLE, "C_GetAttributeValue", zv::hSession);
     if (cert == nullptr) return ZV_FAILED;
-    derLength = std::min<unsigned long>(derLength, sizeof cert->der);
-    switch (matchPendingKey(*cert, derLength)) {
-    case Match::Yes:
+    der_length = std::min<unsigned long>(der_length, sizeof cert->der);
+    switch (match_pending_key(*cert, der_length)) {
+    case Match::yes:
         break;
-    case Match::Unreadable:
-        return undone(label, pkcs11Library, "");
-    case Match::No:
+    case Match::unreadable:
+        return undone(label, pkcs11_library, "");
+    case Match::no:
         WriteErr(USER_TITLE, "C_CreateObject", 0,
                  "Certificato non corrispondente alle chiavi presenti sulla smartcard", 0);
-        return undone(label, pkcs11Library,
+        return undone(label, pkcs11_library,
                       "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }
     zv::CertificateParts parts;
-    if (parts.read(USER_TITLE, *cert, derLength) != 0) return undone(label, pkcs11Library, "");
-    parts.trimSerial();
-    if (zv::createCertificate(USER_TITLE, *cert, derLength, label, parts) != CKR_OK) {
+    if (parts.read(USER_TITLE, *cert, der_length) != 0) return undone(label, pkcs11_library, "");
+    parts.trim_serial();
+    if (zv::create_certificate(USER_TITLE, *cert, der_length, label, parts) != CKR_OK) {
         zv::Sentence sentence;
         (void)std::snprintf(sentence, sizeof sentence,
                             "Certificato non memorizzato correttamente sulla smartcard (%s)",
-                            zv::errorMessage(zv::rv));
-        return undone(label, pkcs11Library, sentence);
+                            zv::error_message(zv::rv));
+        return undone(label, pkcs11_library, sentence);
     }
     zv::trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.

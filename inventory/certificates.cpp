@@ -1,9 +1,9 @@
 #include "inventory/certificates.h"
 
+#include "util/text.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "util/text.h"
 
 namespace zv {
 
@@ -14,20 +14,20 @@ namespace {
 
 // A failed read leaves the field as it is.
 template <typename Field>
-bool readField(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Field& field, std::size_t& length) {
+bool read_field(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Field& field, std::size_t& length) {
     unsigned char buffer[sizeof(Certificate::value)];
-    if (readAttribute(hSession, object, type, buffer, sizeof field, length) != CKR_OK) return false;
+    if (read_attribute(hSession, object, type, buffer, sizeof field, length) != CKR_OK) return false;
     std::memcpy(field, buffer, sizeof field);
     std::memset(reinterpret_cast<char*>(field) + length, 0, sizeof field - length);
     return true;
 }
 
-void readCertificate(CK_OBJECT_HANDLE object, Certificate& certificate) {
+void read_certificate(CK_OBJECT_HANDLE object, Certificate& certificate) {
     std::size_t length = 0;
-    readField(object, CKA_ID, certificate.id, length);
-    readField(object, CKA_LABEL, certificate.label, length);
-    readField(object, CKA_SERIAL_NUMBER, certificate.serialNumber, length);
-    if (readField(object, CKA_VALUE, certificate.value, length)) certificate.valueLength = length;
+    read_field(object, CKA_ID, certificate.id, length);
+    read_field(object, CKA_LABEL, certificate.label, length);
+    read_field(object, CKA_SERIAL_NUMBER, certificate.serial_number, length);
+    if (read_field(object, CKA_VALUE, certificate.value, length)) certificate.value_length = length;
 }
 
 template <std::size_t... N> void terminate(char (&... texts)[N]) {
@@ -36,105 +36,106 @@ template <std::size_t... N> void terminate(char (&... texts)[N]) {
 
 } // namespace
 
-bool probeToken(CallTrace trace) {
-    CK_SLOT_INFO slotInfo;
-    rv = call<&Functions::C_GetSlotInfo>(slotID, &slotInfo);
+bool probe_token(CallTrace trace) {
+    CK_SLOT_INFO slot_info;
+    rv = call<&Functions::C_GetSlotInfo>(slotID, &slot_info);
     trace("C_GetSlotInfo", rv);
     if (rv != CKR_OK) return false;
-    CK_TOKEN_INFO tokenInfo;
-    rv = call<&Functions::C_GetTokenInfo>(slotID, &tokenInfo);
+    CK_TOKEN_INFO token_info;
+    rv = call<&Functions::C_GetTokenInfo>(slotID, &token_info);
     trace("C_GetTokenInfo", rv);
     return rv == CKR_OK;
 }
 
 Certificate& FoundCertificates::next() {
-    const bool inTable = all_.size() < MOST_CERTIFICATES;
-    all_.push_back(inTable ? &Certificati[numCertificate++] : &beyond_.emplace_back());
+    const bool in_table = all_.size() < MOST_CERTIFICATES;
+    all_.push_back(in_table ? &Certificati[numCertificate++] : &beyond_.emplace_back());
     return *all_.back();
 }
 
 bool FoundCertificates::read(const SearchLog& log, const Exits& exits) {
     numCertificate = 0;
     const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
-    CK_ATTRIBUTE tmpl = attributeOf(CKA_CLASS, certificate);
-    const auto take = [this](CK_OBJECT_HANDLE object) { readCertificate(object, next()); };
+    CK_ATTRIBUTE tmpl = attribute_of(CKA_CLASS, certificate);
+    const auto take = [this](CK_OBJECT_HANDLE object) { read_certificate(object, next()); };
     return walk({.session = hSession, .tmpl = {&tmpl, 1}, .log = log, .exits = exits}, take).whole();
 }
 
-void CertificateFields::read(Certificate& certificate, NameRewrite rewriteHolder) {
+void CertificateFields::read(Certificate& certificate, NameRewrite rewrite_holder) {
     *this = CertificateFields();
     unsigned char* der = certificate.value;
-    const unsigned long length = certificate.valueLength;
-    char dateText[DESCRIPTION_SIZE] = {};
-    GiveMeCertDate(der, length, dateText, sizeof dateText, description);
+    const unsigned long length = certificate.value_length;
+    char date_text[DESCRIPTION_SIZE] = {};
+    GiveMeCertDate(der, length, date_text, sizeof date_text, description);
     terminate(description);
-    rewriteHolder(description, sizeof description);
+    rewrite_holder(description, sizeof description);
     kvGetCertDate(der, length, start, end);
     kvGetIssuerDN(der, length, issuer, sizeof issuer);
     terminate(issuer);
-    rewriteName(issuer, sizeof issuer);
+    rewrite_name(issuer, sizeof issuer);
     kvGetSubjectDN(der, length, subject, sizeof subject);
     terminate(subject);
-    rewriteHolder(subject, sizeof subject);
+    rewrite_holder(subject, sizeof subject);
     kvX509GetSerial(der, length, serial, sizeof serial);
     kvGetIUT(der, length, iut, sizeof iut);
-    zv_X509V3_get_subject_key_identifier(der, length, keyId, sizeof keyId);
-    kvGetCodFisc(der, length, codFisc, sizeof codFisc);
+    zv_X509V3_get_subject_key_identifier(der, length, key_id, sizeof key_id);
+    kvGetCodFisc(der, length, cod_fisc, sizeof cod_fisc);
     kvGetCertificatePolicies(der, length, policies, sizeof policies);
-    kvGetExplicitText(der, length, explicitText, sizeof explicitText);
-    terminate(start, end, serial, iut, keyId, codFisc, policies, explicitText);
+    kvGetExplicitText(der, length, explicit_text, sizeof explicit_text);
+    terminate(start, end, serial, iut, key_id, cod_fisc, policies, explicit_text);
 }
 
-RecordList::RecordList(char** list, char* record, long recordSize)
+RecordList::RecordList(char** list, char* record, long record_size)
     : list_(list), record_(record),
-      size_(record != nullptr ? static_cast<std::size_t>(std::clamp(recordSize, 0L, long{ZV_LIST_ENTRY_SIZE}))
-                              : 0) {}
+      size_(record != nullptr
+                ? static_cast<std::size_t>(std::clamp(record_size, 0L, long{ZV_LIST_ENTRY_SIZE}))
+                : 0) {}
 
-void RecordList::addField(std::string_view field) {
-    appendText(record_, size_, "#");
-    appendText(record_, size_, field);
+void RecordList::add_field(std::string_view field) {
+    append_text(record_, size_, "#");
+    append_text(record_, size_, field);
 }
 
 void RecordList::assemble(const CertificateFields& fields, std::string_view id) {
-    appendText(record_, size_, fields.subject);
+    append_text(record_, size_, fields.subject);
     for (const char* field :
          {fields.issuer, fields.iut, fields.policies, fields.serial, fields.start, fields.end})
-        addField(field);
-    addField(id);
+        add_field(field);
+    add_field(id);
 }
 
 void RecordList::finish() {
     ++count_;
-    if (list_ != nullptr) appendText(list_[count_], ZV_LIST_ENTRY_SIZE, boundedText(record_, size_));
+    if (list_ != nullptr) append_text(list_[count_], ZV_LIST_ENTRY_SIZE, bounded_text(record_, size_));
     if (record_ != nullptr) std::memset(record_, 0, size_);
 }
 
-void RecordList::addSignature(const CertificateFields& fields, std::string_view id) {
+void RecordList::add_signature(const CertificateFields& fields, std::string_view id) {
     assemble(fields, id);
-    for (const char* field : {fields.explicitText, fields.keyId, fields.codFisc})
-        addField(field);
+    for (const char* field : {fields.explicit_text, fields.key_id, fields.cod_fisc})
+        add_field(field);
     finish();
 }
 
-void RecordList::addAuthentication(const CertificateFields& fields, std::string_view id) {
+void RecordList::add_authentication(const CertificateFields& fields, std::string_view id) {
     assemble(fields, id);
-    for (const char* field : {fields.keyId, fields.codFisc})
-        addField(field);
+    for (const char* field : {fields.key_id, fields.cod_fisc})
+        add_field(field);
     finish();
 }
 
-void RecordList::writeCount() {
-    if (list_ != nullptr) appendText(list_[0], ZV_LIST_ENTRY_SIZE, ItoA(count_));
+void RecordList::write_count() {
+    if (list_ != nullptr) append_text(list_[0], ZV_LIST_ENTRY_SIZE, ItoA(count_));
 }
 
 void RecordList::mark(std::string_view field) {
     char* first = list_ != nullptr ? list_[1] : nullptr;
     if (first == nullptr || first[0] == '\0') return;
-    appendText(first, ZV_LIST_ENTRY_SIZE, "#");
-    appendText(first, ZV_LIST_ENTRY_SIZE, field);
+    append_text(first, ZV_LIST_ENTRY_SIZE, "#");
+    append_text(first, ZV_LIST_ENTRY_SIZE, field);
 }
 
-void keepLast(const CertificateFields& fields, const Certificate& certificate, char* subject, char* id) {
+void keep_last(const CertificateFields& fields, const Certificate& certificate, char* subject, char* id) {
     if (subject != nullptr) std::memcpy(subject, fields.description, sizeof fields.description);
     if (id != nullptr) std::memcpy(id, certificate.id, sizeof certificate.id);
 }

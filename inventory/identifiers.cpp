@@ -3,16 +3,16 @@
 #include "util/text.h"
 
 bool presente(const ckaid* table, const char* id) {
-    const std::string_view wanted = zv::orEmpty(id);
+    const std::string_view wanted = zv::or_empty(id);
     return table != nullptr && std::any_of(table, table + ZV_CKAIDS, [wanted](const ckaid& record) {
-               return zv::boundedText(record.id, sizeof record.id) == wanted;
+               return zv::bounded_text(record.id, sizeof record.id) == wanted;
            });
 }
 
 namespace zv {
 
 void IdentifierTable::add(std::string_view id) {
-    copyText(records_.emplace_back().id, id);
+    copy_text(records_.emplace_back().id, id);
 }
 
 bool IdentifierTable::contains(std::string_view id) const {
@@ -20,12 +20,12 @@ bool IdentifierTable::contains(std::string_view id) const {
     return std::any_of(begin(), end(), [kept](const ckaid& record) { return kept == record.id; });
 }
 
-void IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
-    switch (objectClass) {
+void IdentifierTables::file(CK_OBJECT_CLASS object_class, std::string_view id) {
+    switch (object_class) {
     case CKO_PUBLIC_KEY:
-        return publicKeys.add(id);
+        return public_keys.add(id);
     case CKO_PRIVATE_KEY:
-        return privateKeys.add(id);
+        return private_keys.add(id);
     case CKO_CERTIFICATE:
         return certificates.add(id);
     default:
@@ -34,36 +34,36 @@ void IdentifierTables::file(CK_OBJECT_CLASS objectClass, std::string_view id) {
 }
 
 bool ObjectIdentity::read(CK_OBJECT_HANDLE object) {
-    return isTolerated(readNumber(hSession, object, CKA_CLASS, objectClass)) &&
-           isTolerated(readNumber(hSession, object, CKA_KEY_TYPE, keyType)) &&
-           isTolerated(readText(hSession, object, CKA_ID, id));
+    return is_tolerated(read_number(hSession, object, CKA_CLASS, object_class)) &&
+           is_tolerated(read_number(hSession, object, CKA_KEY_TYPE, key_type)) &&
+           is_tolerated(read_text(hSession, object, CKA_ID, id));
 }
 
-bool gatherIdentifiers(IdentifierTables& tables, const SearchLog& log) {
-    return walkIdentities(log, [&tables](CK_OBJECT_HANDLE object, const ObjectIdentity& identity) {
+bool gather_identifiers(IdentifierTables& tables, const SearchLog& log) {
+    return walk_identities(log, [&tables](CK_OBJECT_HANDLE object, const ObjectIdentity& identity) {
         char value[16384];
-        if (!isTolerated(readText(hSession, object, CKA_VALUE, value))) return false;
-        tables.file(identity.objectClass, identity.id);
+        if (!is_tolerated(read_text(hSession, object, CKA_VALUE, value))) return false;
+        tables.file(identity.object_class, identity.id);
         return true;
     });
 }
 
-bool inSeries(std::string_view id, std::string_view series, char first, char last) {
+bool in_series(std::string_view id, std::string_view series, char first, char last) {
     if (!id.starts_with(series) || id.size() == series.size()) return false;
     return id[series.size()] >= first && id[series.size()] <= last;
 }
 
-void takeFirstPending(const IdentifierTables& tables, int* pendingPRA, int* pendingAUT, char* ckaidPRA,
-                      char* ckaidAUT) {
-    forEachPending(tables, [&](std::string_view id) {
-        const bool authentication = isAuthentication(id);
-        copyText(authentication ? ckaidAUT : ckaidPRA, ZV_KEY_ID_SIZE, id);
-        if (int* flag = authentication ? pendingAUT : pendingPRA) *flag = 1;
+void take_first_pending(const IdentifierTables& tables, int* pending_pra, int* pending_aut, char* ckaid_pra,
+                        char* ckaid_aut) {
+    for_each_pending(tables, [&](std::string_view id) {
+        const bool authentication = is_authentication(id);
+        copy_text(authentication ? ckaid_aut : ckaid_pra, ZV_KEY_ID_SIZE, id);
+        if (int* flag = authentication ? pending_aut : pending_pra) *flag = 1;
         return false;
     });
 }
 
-bool readSignatureCertificates(const IdentifierTables& tables, char* keyPRA) {
+bool read_signature_certificates(const IdentifierTables& tables, char* key_pra) {
     use2048Bit = false;
     force2048PraGen = true;
     bool found = false;
@@ -71,23 +71,23 @@ bool readSignatureCertificates(const IdentifierTables& tables, char* keyPRA) {
         const std::string_view id = record.id;
         if (!id.starts_with(SIGNATURE_SERIES)) continue;
         found = true;
-        if (inSeries(id, SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
+        if (in_series(id, SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
         if (!is1205SerialToken) continue;
         force2048PraGen = true;
-        if (inSeries(keyPRA, SIGNATURE_SERIES, '0', '2') && DeleteObjectByLabel(hSession, keyPRA) == 0)
-            keyPRA[0] = '\0';
+        if (in_series(key_pra, SIGNATURE_SERIES, '0', '2') && DeleteObjectByLabel(hSession, key_pra) == 0)
+            key_pra[0] = '\0';
     }
     return found;
 }
 
-bool proposeFree(const IdentifierTable& publicKeys, std::string_view series, char* out) {
-    copyText(out, ZV_KEY_ID_SIZE, series);
+bool propose_free(const IdentifierTable& public_keys, std::string_view series, char* out) {
+    copy_text(out, ZV_KEY_ID_SIZE, series);
     for (int digit = 3; digit <= 5; ++digit) {
         char id[ZV_KEY_ID_SIZE];
-        copyText(id, series);
-        appendText(id, ItoA(digit));
-        if (publicKeys.contains(id)) continue;
-        copyText(out, ZV_KEY_ID_SIZE, id);
+        copy_text(id, series);
+        append_text(id, ItoA(digit));
+        if (public_keys.contains(id)) continue;
+        copy_text(out, ZV_KEY_ID_SIZE, id);
         return true;
     }
     return false;

@@ -34,7 +34,7 @@ std::optional<Element> next(Span& rest) {
     return element;
 }
 
-bool isText(int tag, Span value) {
+bool is_text(int tag, Span value) {
     const std::unique_ptr<ASN1_STRING, decltype(&ASN1_STRING_free)> text(ASN1_STRING_type_new(tag),
                                                                          ASN1_STRING_free);
     unsigned char* utf8 = nullptr;
@@ -44,7 +44,7 @@ bool isText(int tag, Span value) {
     return length >= 0;
 }
 
-void mendValue(const Element& element) {
+void mend_value(const Element& element) {
     const Span value = element.content;
     switch (element.tag) {
     case V_ASN1_INTEGER:
@@ -54,7 +54,7 @@ void mendValue(const Element& element) {
     case V_ASN1_UTF8STRING:
     case V_ASN1_UNIVERSALSTRING:
     case V_ASN1_BMPSTRING:
-        if (!isText(element.tag, value)) *element.identifier = V_ASN1_T61STRING;
+        if (!is_text(element.tag, value)) *element.identifier = V_ASN1_T61STRING;
         break;
     default:
         break;
@@ -62,7 +62,7 @@ void mendValue(const Element& element) {
 }
 
 // A name's attribute is SET { SEQUENCE { type, value } }; the parameters of an algorithm may look so, too.
-void mendAttribute(Span attribute) {
+void mend_attribute(Span attribute) {
     static constexpr int taken[] = {V_ASN1_NULL,          V_ASN1_BIT_STRING,      V_ASN1_UTF8STRING,
                                     V_ASN1_NUMERICSTRING, V_ASN1_PRINTABLESTRING, V_ASN1_T61STRING,
                                     V_ASN1_IA5STRING,     V_ASN1_UNIVERSALSTRING, V_ASN1_BMPSTRING};
@@ -74,17 +74,17 @@ void mendAttribute(Span attribute) {
         *value->identifier = V_ASN1_T61STRING;
 }
 
-void mendAll(Span rest, int around, int depth) {
+void mend_all(Span rest, int around, int depth) {
     constexpr int deepest = 32;
     while (!rest.empty() && depth < deepest) {
         const auto element = next(rest);
         if (!element) return;
         if (!element->constructed) {
-            mendValue(*element);
+            mend_value(*element);
             continue;
         }
-        if (around == V_ASN1_SET && element->tag == V_ASN1_SEQUENCE) mendAttribute(element->content);
-        mendAll(element->content, element->tag, depth + 1);
+        if (around == V_ASN1_SET && element->tag == V_ASN1_SEQUENCE) mend_attribute(element->content);
+        mend_all(element->content, element->tag, depth + 1);
     }
 }
 
@@ -93,7 +93,7 @@ void mendAll(Span rest, int around, int depth) {
 std::vector<unsigned char> mended(std::span<const unsigned char> der) {
     std::vector<unsigned char> copy(der.begin(), der.end());
     ERR_set_mark();
-    mendAll(copy, -1, 0);
+    mend_all(copy, -1, 0);
     ERR_pop_to_mark();
     return copy;
 }

@@ -1,10 +1,10 @@
 // The DER pieces of the interface: records from the C heap around what request/der.h encodes.
-#include <algorithm>
-#include <cstdlib>
-
 #include "request/der.h"
 #include "routines.h"
 #include "util/guarded.h"
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -13,7 +13,7 @@ using zv::der::View;
 
 constexpr ADATA* NO_PIECE = nullptr;
 
-View viewOf(const ADATA* piece) {
+View view_of(const ADATA* piece) {
     return piece != nullptr ? View(piece->data, piece->length) : View();
 }
 
@@ -22,7 +22,7 @@ void release(ADATA* piece) {
     std::free(piece);
 }
 
-ADATA* pieceOf(const Bytes& bytes) {
+ADATA* piece_of(const Bytes& bytes) {
     auto* piece = static_cast<ADATA*>(std::calloc(1, sizeof(ADATA)));
     if (piece == nullptr || bytes.empty()) return piece;
     piece->data = static_cast<unsigned char*>(std::calloc(bytes.size(), 1));
@@ -37,17 +37,17 @@ ADATA* pieceOf(const Bytes& bytes) {
 
 } // namespace
 
-ADATA* CreateADATA(unsigned char* src, unsigned long size, unsigned long copyLength) {
+ADATA* CreateADATA(unsigned char* src, unsigned long size, unsigned long copy_length) {
     return zv::guarded(NO_PIECE, [=] {
         Bytes bytes(size);
-        if (src != nullptr) std::copy_n(src, std::min(copyLength, size), bytes.begin());
-        return pieceOf(bytes);
+        if (src != nullptr) std::copy_n(src, std::min(copy_length, size), bytes.begin());
+        return piece_of(bytes);
     });
 }
 
 ADATA* ConcatenateADATA(ADATA* first, ADATA* second) {
     ADATA* both = zv::guarded(NO_PIECE, [=] {
-        return pieceOf(zv::der::joined({viewOf(first), viewOf(second)}));
+        return piece_of(zv::der::joined({view_of(first), view_of(second)}));
     });
     if (both == nullptr) return nullptr;
     release(first);
@@ -60,7 +60,7 @@ ADATA* ConstructADATA(unsigned char tag, ADATA* first, va_list list) {
     for (ADATA* next = first; next != nullptr;)
         if ((next = va_arg(list, ADATA*)) != nullptr) content = ConcatenateADATA(content, next);
     ADATA* header =
-        zv::guarded(NO_PIECE, [=] { return pieceOf(zv::der::header(tag, viewOf(content).size())); });
+        zv::guarded(NO_PIECE, [=] { return piece_of(zv::der::header(tag, view_of(content).size())); });
     return ConcatenateADATA(header, content);
 }
 

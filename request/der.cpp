@@ -6,16 +6,16 @@ namespace {
 
 constexpr unsigned char ZERO[] = {0x00};
 
-unsigned char byteOf(std::size_t value, unsigned shift) {
+unsigned char byte_of(std::size_t value, unsigned shift) {
     return static_cast<unsigned char>(value >> shift);
 }
 
 } // namespace
 
 Bytes header(unsigned char tag, std::size_t length) {
-    if (length < 0x80) return {tag, byteOf(length, 0)};
-    if (length < 0x100) return {tag, 0x81, byteOf(length, 0)};
-    if (length < 0x10000) return {tag, 0x82, byteOf(length, 8), byteOf(length, 0)};
+    if (length < 0x80) return {tag, byte_of(length, 0)};
+    if (length < 0x100) return {tag, 0x81, byte_of(length, 0)};
+    if (length < 0x10000) return {tag, 0x82, byte_of(length, 8), byte_of(length, 0)};
     return {tag};
 }
 
@@ -32,17 +32,17 @@ Bytes tlv(unsigned char tag, std::initializer_list<View> parts) {
 }
 
 Bytes integer(View number) {
-    const bool looksNegative = !number.empty() && (number[0] & 0x80) != 0;
-    return tlv(TAG_INTEGER, {looksNegative ? View(ZERO) : View(), number});
+    const bool looks_negative = !number.empty() && (number[0] & 0x80) != 0;
+    return tlv(TAG_INTEGER, {looks_negative ? View(ZERO) : View(), number});
 }
 
-Bytes bitString(View content) {
+Bytes bit_string(View content) {
     return tlv(TAG_BIT_STRING, {ZERO, content});
 }
 
 Bytes algorithm(View oid) {
-    static constexpr unsigned char NONE[] = {0x05, 0x00};
-    return tlv(TAG_SEQUENCE, {oid, NONE});
+    static constexpr unsigned char none[] = {0x05, 0x00};
+    return tlv(TAG_SEQUENCE, {oid, none});
 }
 
 } // namespace zv::der

@@ -1,12 +1,12 @@
 // RichiestaCertificato: the one way into the request machinery.
-#include <cstring>
-
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
 #include "util/text.h"
+
+#include <cstring>
 
 namespace zv {
 
@@ -21,7 +21,7 @@ constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 constexpr std::size_t CENSUS_SIZE = 1536;
 constexpr int PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
 
-int takeCensus() {
+int take_census() {
     char census[CENSUS_SIZE] = {};
     const int code = FindAllObjects(zv::hSession, census);
     zv::trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? census : "");
@@ -29,55 +29,55 @@ int takeCensus() {
 }
 
 // A waiting pair has no certificate: what has one is in use.
-const char* whyInUse() {
+const char* why_in_use() {
     const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
-    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, certificate), zv::attribute(CKA_ID, zv::pendingLabel)};
+    CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, certificate), zv::attribute(CKA_ID, zv::pendingLabel)};
     CK_OBJECT_HANDLE object = 0;
     bool none = false;
-    const bool found = zv::findOne(zv::hSession, tmpl, object, none) == CKR_OK;
+    const bool found = zv::find_one(zv::hSession, tmpl, object, none) == CKR_OK;
     if (none) return nullptr;
     return found ? "la coppia di chiavi da scartare ha un certificato"
                  : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";
 }
 
 // Asked in front of a deletion, which cannot be taken back.
-bool mayDiscard(unsigned slotIndex) {
-    const char* reason = whyInUse();
-    if (reason == nullptr && !zv::loginStays(slotIndex)) reason = zv::OTHER_SLOT;
-    if (reason != nullptr) zv::reportNotSent(reason);
+bool may_discard(unsigned slot_index) {
+    const char* reason = why_in_use();
+    if (reason == nullptr && !zv::login_stays(slot_index)) reason = zv::OTHER_SLOT;
+    if (reason != nullptr) zv::report_not_sent(reason);
     return reason == nullptr;
 }
 
-void discardPending(char* modulePath, char* pin) {
-    const auto slotIndex = static_cast<unsigned>(zv::slotUtente);
+void discard_pending(char* module_path, char* pin) {
+    const auto slot_index = static_cast<unsigned>(zv::slotUtente);
     const int result =
-        mayDiscard(slotIndex) ? DeleteAllPending32(modulePath, pin, slotIndex, nullptr) : ZV_FAILED;
+        may_discard(slot_index) ? DeleteAllPending32(module_path, pin, slot_index, nullptr) : ZV_FAILED;
     if (result == 0) return;
-    zv::reportCode(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
+    zv::report_code(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
     finalizza();
 }
 
 // Whatever becomes of it, the request goes on; without a session the builder fails and says so.
-void actOnCensus(int code, char* modulePath, char* pin) {
+void act_on_census(int code, char* module_path, char* pin) {
     if (code == ZV_FAILED) {
         finalizza();
-        zv::reportCode(DISPATCH_TITLE, "FindObjects", static_cast<CK_RV>(code));
+        zv::report_code(DISPATCH_TITLE, "FindObjects", static_cast<CK_RV>(code));
     } else if ((code == PENDING_AND_FEW || code == PENDING_AND_MORE) && zv::cKeepKeys == 'D') {
-        discardPending(modulePath, pin);
+        discard_pending(module_path, pin);
     }
 }
 
 } // namespace
 
-unsigned short RichiestaCertificato(char* pemOut, char* modulePath, char* pin, char* cardType) {
+unsigned short RichiestaCertificato(char* pem_out, char* module_path, char* pin, char* card_type) {
     zv::trace(DISPATCH_TITLE, "I N I Z I O", CatItoA("tocontrol = ", zv::tocontrol));
     if (zv::hSession == 0) return 0;
-    actOnCensus(takeCensus(), modulePath, pin);
+    act_on_census(take_census(), module_path, pin);
     zv::trace(DISPATCH_TITLE, "Prima di RequestCertificate");
     const auto build =
-        std::strcmp(zv::orEmpty(cardType), "CNS") == 0 ? RequestCertificateCNS : RequestCertificate;
-    const unsigned short status = build(nullptr, pemOut, pin, 0, modulePath, nullptr);
-    zv::trace(DISPATCH_TITLE, CatItoAHex1("Ret Code = ", status), pemOut);
+        std::strcmp(zv::or_empty(card_type), "CNS") == 0 ? RequestCertificateCNS : RequestCertificate;
+    const unsigned short status = build(nullptr, pem_out, pin, 0, module_path, nullptr);
+    zv::trace(DISPATCH_TITLE, CatItoAHex1("Ret Code = ", status), pem_out);
     finalizza();
     zv::trace(DISPATCH_TITLE, "F I N E");
     return status;

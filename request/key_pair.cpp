@@ -1,14 +1,14 @@
 #include "request/key_pair.h"
 
-#include <cstring>
-#include <string_view>
-
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
+
+#include <cstring>
+#include <string_view>
 
 namespace zv {
 
@@ -39,46 +39,50 @@ constexpr struct {
      "di una nuova Smart Card."},
 };
 
-CK_RV generateOnce(const char* modulePath) {
-    static constexpr unsigned char F4[] = {0x01, 0x00, 0x01};
+CK_RV generate_once(const char* module_path) {
+    static constexpr unsigned char f4[] = {0x01, 0x00, 0x01};
     const CK_ULONG bits = keySize;
-    const CK_BBOOL bTrue = CK_TRUE;
+    const CK_BBOOL b_true = CK_TRUE;
     const std::string_view label = pendingLabel;
-    CK_ATTRIBUTE withExponent[] = {
-        attributeOf(CKA_MODULUS_BITS, bits),
-        attributeOf(CKA_PUBLIC_EXPONENT, F4),
-        attributeOf(CKA_TOKEN, bTrue),
+    CK_ATTRIBUTE with_exponent[] = {
+        attribute_of(CKA_MODULUS_BITS, bits),
+        attribute_of(CKA_PUBLIC_EXPONENT, f4),
+        attribute_of(CKA_TOKEN, b_true),
         attribute(CKA_LABEL, label),
         attribute(CKA_ID, label),
-        attributeOf(CKA_VERIFY, bTrue),
+        attribute_of(CKA_VERIFY, b_true),
     };
-    CK_ATTRIBUTE plain[] = {withExponent[0], withExponent[2], withExponent[3], withExponent[4],
-                            withExponent[5]};
-    CK_ATTRIBUTE privateTemplate[] = {
-        attributeOf(CKA_TOKEN, bTrue), attributeOf(CKA_PRIVATE, bTrue), attributeOf(CKA_SENSITIVE, bTrue),
-        attribute(CKA_LABEL, label),   attribute(CKA_ID, label),        attributeOf(CKA_DECRYPT, bTrue),
-        attributeOf(CKA_SIGN, bTrue),
+    CK_ATTRIBUTE plain[] = {with_exponent[0], with_exponent[2], with_exponent[3], with_exponent[4],
+                            with_exponent[5]};
+    CK_ATTRIBUTE private_template[] = {
+        attribute_of(CKA_TOKEN, b_true),
+        attribute_of(CKA_PRIVATE, b_true),
+        attribute_of(CKA_SENSITIVE, b_true),
+        attribute(CKA_LABEL, label),
+        attribute(CKA_ID, label),
+        attribute_of(CKA_DECRYPT, b_true),
+        attribute_of(CKA_SIGN, b_true),
     };
     // This module wants to be told the exponent; the others choose it.
-    const bool tellExponent = std::strstr(modulePath, "libcardos11.dylib") != nullptr;
-    const std::span publicTemplate =
-        tellExponent ? std::span<CK_ATTRIBUTE>(withExponent) : std::span<CK_ATTRIBUTE>(plain);
+    const bool tell_exponent = std::strstr(module_path, "libcardos11.dylib") != nullptr;
+    const std::span public_template =
+        tell_exponent ? std::span<CK_ATTRIBUTE>(with_exponent) : std::span<CK_ATTRIBUTE>(plain);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS_KEY_PAIR_GEN, nullptr, 0};
-    traceSession(REQUEST_TITLE, STEP, hSession);
+    trace_session(REQUEST_TITLE, STEP, hSession);
     return rv = call<&Functions::C_GenerateKeyPair>(
-               hSession, &mechanism, publicTemplate.data(), CK_ULONG{publicTemplate.size()}, privateTemplate,
-               CK_ULONG{std::size(privateTemplate)}, &hPublicKey, &hPrivateKey);
+               hSession, &mechanism, public_template.data(), CK_ULONG{public_template.size()},
+               private_template, CK_ULONG{std::size(private_template)}, &hPublicKey, &hPrivateKey);
 }
 
 // A login that succeeds ends the request, one that fails leads to the second try: deliberate.
-unsigned short generateAgain(const LoginData& login) {
-    rv = static_cast<CK_RV>(reopenSession(login));
+unsigned short generate_again(const LoginData& login) {
+    rv = static_cast<CK_RV>(reopen_session(login));
     if (rv == 0)
         return Failure(REQUEST_TITLE)
             .step("C_Login", rv)
             .sentence("Generazione chiavi fallita error inizializza (%s)", rv)
             .user("Errore nella generazione delle chiavi sulla smartcard (error inizializza %lx)", rv);
-    if (generateOnce(login.modulePath) == CKR_OK) return 0;
+    if (generate_once(login.module_path) == CKR_OK) return 0;
     return Failure(REQUEST_TITLE)
         .step(STEP, rv)
         .sentence("Generazione chiavi fallita (%s)", rv)
@@ -87,11 +91,11 @@ unsigned short generateAgain(const LoginData& login) {
 
 } // namespace
 
-unsigned short generateKeyPair(const LoginData& login) {
-    copyText(privateKeyId, pendingLabel);
-    if (generateOnce(login.modulePath) == CKR_OK) return 0;
-    reportCode(REQUEST_TITLE, STEP, rv);
-    if (rv == CKR_USER_NOT_LOGGED_IN) return generateAgain(login);
+unsigned short generate_key_pair(const LoginData& login) {
+    copy_text(private_key_id, pendingLabel);
+    if (generate_once(login.module_path) == CKR_OK) return 0;
+    report_code(REQUEST_TITLE, STEP, rv);
+    if (rv == CKR_USER_NOT_LOGGED_IN) return generate_again(login);
     for (const auto& [code, sentence] : REFUSALS)
         if (rv == code) return Failure(REQUEST_TITLE).sentence(sentence).user(GENERATION_ERROR, rv);
     return 0;

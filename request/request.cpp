@@ -7,10 +7,10 @@
 
 namespace {
 
-unsigned short preparePair(const zv::LoginData& login) {
+unsigned short prepare_pair(const zv::LoginData& login) {
     const int pending = CheckPendingKeys(nullptr, false);
     if (pending == 0) return 0;
-    if (pending == zv::NO_PENDING_KEY) return zv::generateKeyPair(login);
+    if (pending == zv::NO_PENDING_KEY) return zv::generate_key_pair(login);
     // The code is always shown as 0.
     return zv::Failure(zv::REQUEST_TITLE)
         .step("CheckPendingKeys", CKR_OK)
@@ -18,32 +18,32 @@ unsigned short preparePair(const zv::LoginData& login) {
         .sentence(szSockMsg);
 }
 
-unsigned short readBack(zv::PublicKey& key) {
+unsigned short read_back(zv::PublicKey& key) {
     const CK_RV result = key.read(zv::hPrivateKey, zv::PublicKey::MODULUS_SIZE, zv::PublicKey::EXPONENT_SIZE);
     if (result != CKR_OK) return zv::Failure(zv::REQUEST_TITLE).user(zv::KEY_READ_ERROR, result);
-    if (!key.isBlank(zv::keySize / 8)) return 0;
+    if (!key.is_blank(zv::keySize / 8)) return 0;
     return zv::Failure(zv::REQUEST_TITLE)
         .step("ErrAttributeValue", CKR_OK)
         .sentence(zv::REPEAT_GENERATION)
         .user(zv::REPEAT_GENERATION);
 }
 
-unsigned short buildRequest(const zv::LoginData& login, char* pemOut) {
+unsigned short build_request(const zv::LoginData& login, char* pem_out) {
     zv::PublicKey key;
-    unsigned short status = preparePair(login);
-    if (status == 0) status = readBack(key);
-    return status == 0 ? zv::completeRequest(key, zv::SUBJECT_TABLE, login, pemOut) : status;
+    unsigned short status = prepare_pair(login);
+    if (status == 0) status = read_back(key);
+    return status == 0 ? zv::complete_request(key, zv::SUBJECT_TABLE, login, pem_out) : status;
 }
 
 } // namespace
 
-unsigned short RequestCertificate(void*, char* pemOut, char* pin, unsigned short, char* modulePath, char*) {
+unsigned short RequestCertificate(void*, char* pem_out, char* pin, unsigned short, char* module_path, char*) {
     zv::keySize = 2048;
     zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
     char none[] = "";
-    const zv::LoginData login = {modulePath != nullptr ? modulePath : none, pin};
+    const zv::LoginData login = {module_path != nullptr ? module_path : none, pin};
     const unsigned short status =
-        zv::guarded<unsigned short>(ZV_FAILED, [&] { return buildRequest(login, pemOut); });
+        zv::guarded<unsigned short>(ZV_FAILED, [&] { return build_request(login, pem_out); });
     if (status == 0) zv::trace(zv::REQUEST_TITLE, "F I N E");
     return status;
 }

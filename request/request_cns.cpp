@@ -15,16 +15,16 @@ namespace {
 constexpr std::size_t MODULUS_ROOM = 1024, EXPONENT_ROOM = 17, MODULUS_CHECKED = 128;
 
 // When no key is found the handle keeps its value, and reading it decides.
-unsigned short findOwnKey() {
-    const CK_OBJECT_CLASS privateKey = CKO_PRIVATE_KEY;
-    zv::copyText(zv::privateKeyId, zv::OWN_PAIR);
-    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, privateKey), zv::attribute(CKA_ID, zv::OWN_PAIR)};
+unsigned short find_own_key() {
+    const CK_OBJECT_CLASS private_key = CKO_PRIVATE_KEY;
+    zv::copy_text(zv::private_key_id, zv::OWN_PAIR);
+    CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, private_key), zv::attribute(CKA_ID, zv::OWN_PAIR)};
     const auto take = [](CK_OBJECT_HANDLE key) { zv::hPrivateKey = key; };
-    // Left open for readOwnKey.
+    // Left open for read_own_key.
     const zv::Walked walked = zv::walk({.session = zv::hSession,
                                         .tmpl = tmpl,
                                         .most = zv::FIRST_OBJECT,
-                                        .exits = {.atEnd = zv::Exit::LeftOpen}},
+                                        .exits = {.at_end = zv::Exit::left_open}},
                                        take);
     if (walked.whole()) return 0;
     return zv::Failure(zv::REQUEST_TITLE)
@@ -32,32 +32,32 @@ unsigned short findOwnKey() {
 }
 
 // Reads the key inside the search that found it, which is closed on every way out.
-unsigned short readOwnKey(zv::PublicKey& key) {
+unsigned short read_own_key(zv::PublicKey& key) {
     const zv::Failure failure(zv::REQUEST_TITLE);
     const CK_RV result = key.read(zv::hPrivateKey, MODULUS_ROOM, EXPONENT_ROOM);
-    const bool blank = result == CKR_OK && key.isBlank(MODULUS_CHECKED);
+    const bool blank = result == CKR_OK && key.is_blank(MODULUS_CHECKED);
     if (blank) failure.step("ErrAttributeValue", CKR_OK);
-    const CK_RV ended = zv::endSearch({zv::hSession});
+    const CK_RV ended = zv::end_search({zv::hSession});
     if (result != CKR_OK) return failure.user(zv::KEY_READ_ERROR, result);
     if (!blank && ended == CKR_OK) return 0;
     if (!blank) failure.step("ErrAttributeValue", ended);
     return failure.sentence(zv::REPEAT_GENERATION).user(zv::REPEAT_GENERATION);
 }
 
-unsigned short buildOwnRequest(const zv::LoginData& login, char* pemOut) {
+unsigned short build_own_request(const zv::LoginData& login, char* pem_out) {
     zv::PublicKey key;
-    unsigned short status = findOwnKey();
-    if (status == 0) status = readOwnKey(key);
-    return status == 0 ? zv::completeRequest(key, zv::SUBJECT_TABLE_CNS, login, pemOut) : status;
+    unsigned short status = find_own_key();
+    if (status == 0) status = read_own_key(key);
+    return status == 0 ? zv::complete_request(key, zv::SUBJECT_TABLE_CNS, login, pem_out) : status;
 }
 
 } // namespace
 
-unsigned short RequestCertificateCNS(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
+unsigned short RequestCertificateCNS(void*, char* pem_out, char* pin, unsigned short, char* module_path,
                                      char*) {
     zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
     const unsigned short status = zv::guarded<unsigned short>(ZV_FAILED, [&] {
-        return buildOwnRequest({modulePath, pin}, pemOut);
+        return build_own_request({module_path, pin}, pem_out);
     });
     if (status != 0) return status;
     zv::rv = DataStore(zv::hSession, "pending_CNS_key", "1", "", false, true);

@@ -15,22 +15,22 @@ der::Bytes rdn(const NameAttributeRow& row, std::string_view text) {
 
 } // namespace
 
-der::Bytes buildName(const datiDN& subject, SubjectTable table) {
+der::Bytes build_name(const datiDN& subject, SubjectTable table) {
     der::Bytes rdns;
     std::size_t count = 0;
     for (const NamePlace& place : table) {
         const NameAttributeRow& row = nameAttribute(place.attribute);
-        const std::string_view value = cutAtCharacter(nameText(subject, place), row.longest());
+        const std::string_view value = cut_at_character(name_text(subject, place), row.longest());
         if (value.empty()) continue;
         rdns = der::joined({rdns, rdn(row, value)});
         ++count;
     }
     if (count == 0) {
-        reportSentence("Dati per costruire il distinguished name non specificati");
+        report_sentence("Dati per costruire il distinguished name non specificati");
         return {};
     }
     if (count > table.size()) {
-        reportSentence("Specificati troppi dati per costruire il distinguished name");
+        report_sentence("Specificati troppi dati per costruire il distinguished name");
         return {};
     }
     return der::tlv(der::TAG_SEQUENCE, {rdns});

@@ -1,29 +1,29 @@
 // Removal of objects by their identifier, which the log calls their label.
-#include <algorithm>
-#include <cstring>
-
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/traced.h"
 #include "util/text.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 constexpr char DELETION_TITLE[] = "DeleteObjectByLabel";
 
-void traceDeletion(const char* title, CK_SESSION_HANDLE session) {
+void trace_deletion(const char* title, CK_SESSION_HANDLE session) {
     zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
 }
 
 // The words of the log for one class. Objects of no known class have their class as the entry's length.
 struct ClassName {
     const char* name;
-    CK_OBJECT_CLASS lengthLimit;
+    CK_OBJECT_CLASS length_limit;
 };
 
-ClassName nameOf(CK_OBJECT_CLASS objectClass) {
-    switch (objectClass) {
+ClassName name_of(CK_OBJECT_CLASS object_class) {
+    switch (object_class) {
     case CKO_PRIVATE_KEY:
         return {"CKO_PRIVATE_KEY", 0};
     case CKO_PUBLIC_KEY:
@@ -31,7 +31,7 @@ ClassName nameOf(CK_OBJECT_CLASS objectClass) {
     case CKO_CERTIFICATE:
         return {"CKO_CERTIFICATE", 0};
     default:
-        return {"object_class", objectClass};
+        return {"object_class", object_class};
     }
 }
 
@@ -40,100 +40,100 @@ struct ObjectEntry {
     int length;
 };
 
-ObjectEntry entryFor(const ClassName& found, const char* before, const char* after = "") {
+ObjectEntry entry_for(const ClassName& found, const char* before, const char* after = "") {
     ObjectEntry entry;
-    zv::copyText(entry.text, before);
-    zv::appendText(entry.text, found.name);
-    zv::appendText(entry.text, after);
-    entry.length = static_cast<int>(std::min<CK_ULONG>(found.lengthLimit, std::strlen(entry.text)));
+    zv::copy_text(entry.text, before);
+    zv::append_text(entry.text, found.name);
+    zv::append_text(entry.text, after);
+    entry.length = static_cast<int>(std::min<CK_ULONG>(found.length_limit, std::strlen(entry.text)));
     return entry;
 }
 
-void logEntry(const ObjectEntry& entry) {
+void log_entry(const ObjectEntry& entry) {
     WriteLog(DELETION_TITLE, entry.text, entry.length, "", 0);
 }
 
 // A failed destroy never stops the scan.
-void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS objectClass,
+void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS object_class,
              const char* text) {
-    const ClassName found = nameOf(objectClass);
-    logEntry(entryFor(found, "Trovato Oggetto "));
-    if (zv::destroyObject(session, object) == CKR_OK)
-        return logEntry(entryFor(found, "Cancellazione Oggetto ", " effettuata"));
-    const ObjectEntry failed = entryFor(found, "Errore nella cancellazione Oggetto ");
+    const ClassName found = name_of(object_class);
+    log_entry(entry_for(found, "Trovato Oggetto "));
+    if (zv::destroy_object(session, object) == CKR_OK)
+        return log_entry(entry_for(found, "Cancellazione Oggetto ", " effettuata"));
+    const ObjectEntry failed = entry_for(found, "Errore nella cancellazione Oggetto ");
     WriteErr(DELETION_TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
 }
 
-void reportNotDeleted(const char* title, const char* text) {
+void report_not_deleted(const char* title, const char* text) {
     WriteErr(title, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
 }
 
-void logFound(const zv::SearchCall& call) {
-    if (call.step != zv::SearchStep::Next) return;
+void log_found(const zv::SearchCall& call) {
+    if (call.step != zv::SearchStep::next) return;
     if (call.result != CKR_OK)
-        zv::reportCode(DELETION_TITLE, call.name, call.result);
+        zv::report_code(DELETION_TITLE, call.name, call.result);
     else
-        zv::traceFound(DELETION_TITLE, call.object, call.found);
+        zv::trace_found(DELETION_TITLE, call.object, call.found);
 }
 
 // Data that cannot be read is passed over; a key or certificate ends the deletion.
-zv::Visit deleteIfNamed(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, const char* wanted) {
+zv::Visit delete_if_named(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, const char* wanted) {
     static constexpr char step[] = "C_GetAttributeValue";
     char id[257] = {};
-    CK_OBJECT_CLASS objectClass = 0;
-    CK_ATTRIBUTE tmpl[] = {{CKA_ID, id, sizeof id - 1}, {CKA_CLASS, &objectClass, sizeof objectClass}};
-    zv::traceSession(DELETION_TITLE, step, session);
+    CK_OBJECT_CLASS object_class = 0;
+    CK_ATTRIBUTE tmpl[] = {{CKA_ID, id, sizeof id - 1}, {CKA_CLASS, &object_class, sizeof object_class}};
+    zv::trace_session(DELETION_TITLE, step, session);
     zv::rv = zv::call<&zv::Functions::C_GetAttributeValue>(session, object, tmpl, CK_ULONG{2});
     if (zv::rv != CKR_OK) {
-        zv::reportCode(DELETION_TITLE, step, zv::rv);
-        return objectClass == CKO_DATA ? zv::Visit::GoOn : zv::Visit::GiveUp;
+        zv::report_code(DELETION_TITLE, step, zv::rv);
+        return object_class == CKO_DATA ? zv::Visit::go_on : zv::Visit::give_up;
     }
-    if (std::strstr(id, wanted) != nullptr) destroy(session, object, objectClass, wanted);
-    return zv::Visit::GoOn;
+    if (std::strstr(id, wanted) != nullptr) destroy(session, object, object_class, wanted);
+    return zv::Visit::go_on;
 }
 
 } // namespace
 
-unsigned int DeleteAnObject(unsigned long session, unsigned long objClass, char* id) {
+unsigned int DeleteAnObject(unsigned long session, unsigned long obj_class, char* id) {
     static constexpr char title[] = "DeleteAnObject";
-    traceDeletion(title, session);
-    CK_ATTRIBUTE tmpl[] = {zv::attributeOf(CKA_CLASS, objClass), zv::attribute(CKA_ID, zv::orEmpty(id))};
+    trace_deletion(title, session);
+    CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, obj_class), zv::attribute(CKA_ID, zv::or_empty(id))};
     CK_OBJECT_HANDLE object = 0;
     bool none = false;
-    CK_RV result = zv::findOne(session, tmpl, object, none);
+    CK_RV result = zv::find_one(session, tmpl, object, none);
     if (result == CKR_OK) {
         zv::trace(title, "Trovato Oggetto");
-        result = zv::destroyObject(session, object);
+        result = zv::destroy_object(session, object);
     }
     if (result == CKR_OK)
         zv::trace(title, "Cancellazione effettuata");
     else
-        reportNotDeleted(title, id);
+        report_not_deleted(title, id);
     return static_cast<unsigned int>(result);
 }
 
 int DeleteObjectByLabel(unsigned long session, char* text) {
-    const char* wanted = zv::orEmpty(text);
+    const char* wanted = zv::or_empty(text);
     const zv::Walked walked = zv::walk(
-        {.session = session, .log = {.after = logFound}},
-        [session, wanted](CK_OBJECT_HANDLE object) { return deleteIfNamed(session, object, wanted); });
-    if (walked.how == zv::Walked::End::NotStarted || walked.how == zv::Walked::End::NotEnded)
-        reportNotDeleted(DELETION_TITLE, wanted);
+        {.session = session, .log = {.after = log_found}},
+        [session, wanted](CK_OBJECT_HANDLE object) { return delete_if_named(session, object, wanted); });
+    if (walked.how == zv::Walked::End::not_started || walked.how == zv::Walked::End::not_ended)
+        report_not_deleted(DELETION_TITLE, wanted);
     return walked.whole() ? 0 : 1;
 }
 
 int DeleteCertAndKeys(unsigned long session, char* text, char*) {
-    traceDeletion("DeleteCertAndKeys", session);
+    trace_deletion("DeleteCertAndKeys", session);
     return DeleteObjectByLabel(session, text);
 }
 
 unsigned int DeleteCertCNS(unsigned long session) {
-    traceDeletion("DeleteCertCNS", session);
+    trace_deletion("DeleteCertCNS", session);
     char id[] = "CNS0";
     return DeleteAnObject(session, CKO_CERTIFICATE, id);
 }
 
 unsigned int DeleteCertCA(unsigned long session, char* id, char* kind) {
-    zv::trace("DeleteCertCA", zv::orEmpty(kind));
+    zv::trace("DeleteCertCA", zv::or_empty(kind));
     return DeleteAnObject(session, CKO_CERTIFICATE, id);
 }

@@ -1,58 +1,51 @@
-#ifndef ZV_STORE_OBJECTS_H
-#define ZV_STORE_OBJECTS_H
+#pragma once
+
+#include "pkcs11.h"
 
 #include <cstddef>
 #include <string_view>
 
-#include "pkcs11.h"
-
-/**
- * Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries
- * of their own. Each leaves the PKCS#11 result in zv::rv.
- */
+// Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries
+// of their own. Each leaves the PKCS#11 result in zv::rv.
 namespace zv {
 
-/**
- * Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and
- * 0 after a failure.
- */
-CK_RV readAttribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                    std::size_t size, std::size_t& length);
+// Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and
+// 0 after a failure.
+CK_RV read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                     std::size_t size, std::size_t& length);
 
-/** readAttribute for bytes that are of no use cut: a length above the room is CKR_BUFFER_TOO_SMALL. */
-CK_RV readWhole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                std::size_t size, std::size_t& length);
+// read_attribute for bytes that are of no use cut: a length above the room is CKR_BUFFER_TOO_SMALL.
+CK_RV read_whole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
+                 std::size_t size, std::size_t& length);
 
-/** Reads a number, such as a class; 0 after a failure, all ones when the module says that it gave it and did not. */
-CK_RV readNumber(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
-                 CK_ULONG& number);
+// Reads a number, such as a class; 0 after a failure, all ones when the module says that it gave it and did not.
+CK_RV read_number(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
+                  CK_ULONG& number);
 
-/** Reads a text of at most N - 1 bytes. */
+// Reads a text of at most N - 1 bytes.
 template <std::size_t N>
-CK_RV readText(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, char (&text)[N]) {
+CK_RV read_text(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, char (&text)[N]) {
     std::size_t length = 0;
-    const CK_RV result = readAttribute(session, object, type, text, N - 1, length);
+    const CK_RV result = read_attribute(session, object, type, text, N - 1, length);
     text[length] = '\0';
     return result;
 }
 
-/** True for a result after which an object is still worth looking at: it lacks the attribute, or hides it. */
-[[nodiscard]] bool isTolerated(CK_RV result);
+// True for a result after which an object is still worth looking at: it lacks the attribute, or hides it.
+[[nodiscard]] bool is_tolerated(CK_RV result);
 
-/** A template entry over the caller's bytes, which a module only reads. */
+// A template entry over the caller's bytes, which a module only reads.
 [[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t length);
 [[nodiscard]] CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string_view text);
 
-/** A template entry over a number or a truth value. */
-template <typename Value> CK_ATTRIBUTE attributeOf(CK_ATTRIBUTE_TYPE type, const Value& value) {
+// A template entry over a number or a truth value.
+template <typename Value> CK_ATTRIBUTE attribute_of(CK_ATTRIBUTE_TYPE type, const Value& value) {
     return attribute(type, &value, sizeof value);
 }
 
-CK_RV destroyObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
+CK_RV destroy_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
 
-/** Gives an object one text as CKA_ID and CKA_LABEL. */
-CK_RV relabelObject(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text);
+// Gives an object one text as CKA_ID and CKA_LABEL.
+CK_RV relabel_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text);
 
 } // namespace zv
-
-#endif

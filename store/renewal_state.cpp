@@ -12,6 +12,6 @@ datiDN dName;
 int slotUtente = 0;
 CK_OBJECT_HANDLE hPrivateKey = 0;
 CK_OBJECT_HANDLE hPublicKey = 0;
-char privateKeyId[256];
+char private_key_id[256];
 
 } // namespace zv

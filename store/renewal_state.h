@@ -1,32 +1,27 @@
-#ifndef ZV_STORE_RENEWAL_STATE_H
-#define ZV_STORE_RENEWAL_STATE_H
+#pragma once
 
 #include "pkcs11.h"
 #include "records.h"
 
-/** The renewal in progress: filled from the command block, read by every layer from here up. */
+// The renewal in progress: filled from the command block, read by every layer from here up.
 namespace zv {
 
-extern char pendingLabel[256];       ///< identifier of the pending pair
-extern char certificateLabel[256];   ///< identifier of the certificate being renewed
-extern char certAlias[256];          ///< identifier and label that the certificate and its pair receive
-extern char CAcertificateLabel[256]; ///< identifier and label of the authority's certificate
-extern char szPendingLabel[256];     ///< label prefix of an unfinished request's objects
-extern char cKeepKeys;               ///< keep flag of the command block
-extern datiDN dName;                 ///< subject of the request
-extern int slotUtente;               ///< slot index of the card, for a new login
-extern CK_OBJECT_HANDLE hPrivateKey; ///< pending private key; 0: none
-extern CK_OBJECT_HANDLE hPublicKey;  ///< pending public key; 0: none
-extern char privateKeyId[256];       ///< identifier of the private key that was looked for or made last
+extern char pendingLabel[256];       // identifier of the pending pair
+extern char certificateLabel[256];   // identifier of the certificate being renewed
+extern char certAlias[256];          // identifier and label that the certificate and its pair receive
+extern char CAcertificateLabel[256]; // identifier and label of the authority's certificate
+extern char szPendingLabel[256];     // label prefix of an unfinished request's objects
+extern char cKeepKeys;               // keep flag of the command block
+extern datiDN dName;                 // subject of the request
+extern int slotUtente;               // slot index of the card, for a new login
+extern CK_OBJECT_HANDLE hPrivateKey; // pending private key; 0: none
+extern CK_OBJECT_HANDLE hPublicKey;  // pending public key; 0: none
+extern char private_key_id[256];     // identifier of the private key that was looked for or made last
 
-/** Result of CheckPendingKeys when there is no private key. */
+// Result of CheckPendingKeys when there is no private key.
 constexpr int NO_PENDING_KEY = 100;
 
-/**
- * CheckPendingKeys for a private key with exactly privateKeyId: with another one it ends as without any.
- */
-[[nodiscard]] int checkSameKey();
+// CheckPendingKeys for a private key with exactly private_key_id: with another one it ends as without any.
+[[nodiscard]] int check_same_key();
 
 } // namespace zv
-
-#endif

@@ -1,12 +1,12 @@
 #include "store/traced.h"
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
-
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace zv {
 
@@ -16,11 +16,11 @@ constexpr unsigned long NONE = ~0UL;
 // Most entries of a template whose lengths are checked after a read.
 constexpr std::size_t MOST_ENTRIES = 16;
 
-bool isLonger(const CK_ATTRIBUTE& read, const CK_ULONG& room) {
+bool is_longer(const CK_ATTRIBUTE& read, const CK_ULONG& room) {
     return read.pValue != nullptr && read.ulValueLen > room;
 }
 
-CK_RV readBounded(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::span<CK_ATTRIBUTE> tmpl) {
+CK_RV read_bounded(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::span<CK_ATTRIBUTE> tmpl) {
     std::array<CK_ULONG, MOST_ENTRIES> room{};
     const auto checked = tmpl.first(tmpl.data() != nullptr ? std::min(tmpl.size(), room.size()) : 0);
     std::ranges::transform(checked, room.begin(), &CK_ATTRIBUTE::ulValueLen);
@@ -28,94 +28,94 @@ CK_RV readBounded(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::span<
         call<&Functions::C_GetAttributeValue>(session, object, tmpl.data(), CK_ULONG{tmpl.size()});
     if (result != CKR_OK) return result;
     for (std::size_t i = 0; i < checked.size(); ++i)
-        if (isLonger(checked[i], room[i])) return CKR_BUFFER_TOO_SMALL;
+        if (is_longer(checked[i], room[i])) return CKR_BUFFER_TOO_SMALL;
     return CKR_OK;
 }
 
 } // namespace
 
-void traceCall(const SearchCall& call) {
+void trace_call(const SearchCall& call) {
     // The start alone shows the session as an int.
-    if (call.step == SearchStep::Start)
+    if (call.step == SearchStep::start)
         trace(call.title, call.name, CatItoAHex1("hSession = ", static_cast<int>(call.session)));
     else
-        traceSession(call.title, call.name, call.session);
+        trace_session(call.title, call.name, call.session);
 }
 
-void reportCall(const SearchCall& call) {
+void report_call(const SearchCall& call) {
     if (call.result == CKR_OK) return;
     // A failed start has no entry with the step and the code, unlike the calls behind it.
-    if (call.step != SearchStep::Start) reportCode(call.title, call.name, call.result);
-    reportSentence(SEARCH_ERROR, call.result);
+    if (call.step != SearchStep::start) report_code(call.title, call.name, call.result);
+    report_sentence(SEARCH_ERROR, call.result);
 }
 
-CK_RV readTraced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
-                 std::span<CK_ATTRIBUTE> tmpl) {
-    static constexpr char STEP[] = "C_GetAttributeValue";
-    traceSession(title, STEP, session);
-    rv = readBounded(session, object, tmpl);
-    if (rv != CKR_OK) reportFailure(title, STEP, rv, READ_ERROR);
+CK_RV read_traced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
+                  std::span<CK_ATTRIBUTE> tmpl) {
+    static constexpr char step[] = "C_GetAttributeValue";
+    trace_session(title, step, session);
+    rv = read_bounded(session, object, tmpl);
+    if (rv != CKR_OK) report_failure(title, step, rv, READ_ERROR);
     return rv;
 }
 
-unsigned long findOne(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object,
-                      bool& none) {
-    static constexpr char TITLE[] = " .... FindAnObject FUN               .... ";
-    static constexpr auto traceLong = [](const SearchCall& call) {
-        traceSession(call.title, call.name, call.session);
+unsigned long find_one(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object,
+                       bool& none) {
+    static constexpr char title[] = " .... FindAnObject FUN               .... ";
+    static constexpr auto trace_long = [](const SearchCall& call) {
+        trace_session(call.title, call.name, call.session);
     };
     unsigned long result = NONE;
     const Search search = {.session = session,
                            .tmpl = tmpl,
                            .most = FIRST_OBJECT,
-                           .log = {traceLong, reportCall},
+                           .log = {trace_long, report_call},
                            .exits = ALWAYS_ENDED,
-                           .title = TITLE};
+                           .title = title};
     bool found = false;
     const Walked walked = walk(search, [&](CK_OBJECT_HANDLE first) {
         found = true;
         object = first;
-        CK_OBJECT_CLASS objectClass = 0;
-        CK_ATTRIBUTE entry = attributeOf(CKA_CLASS, objectClass);
-        result = readTraced(TITLE, session, first, {&entry, 1});
+        CK_OBJECT_CLASS object_class = 0;
+        CK_ATTRIBUTE entry = attribute_of(CKA_CLASS, object_class);
+        result = read_traced(title, session, first, {&entry, 1});
     });
     none = walked.whole() && !found;
     // A search that cannot be closed found nothing.
-    if (walked.how == Walked::End::NotEnded) return NONE;
+    if (walked.how == Walked::End::not_ended) return NONE;
     return walked.whole() ? result : walked.code;
 }
 
 } // namespace zv
 
 CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count) {
-    return zv::startSearch({.session = session, .tmpl = {tmpl, count}, .log = zv::TRACED, .title = title});
+    return zv::start_search({.session = session, .tmpl = {tmpl, count}, .log = zv::TRACED, .title = title});
 }
 
-CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long maxCount,
+CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long max_count,
                   unsigned long* found) {
-    zv::SearchCall made = {zv::SearchStep::Next, "C_FindObjects", title, session, 1};
-    zv::traceCall(made);
-    zv::rv = zv::call<&zv::Functions::C_FindObjects>(session, handles, maxCount, found);
-    if (zv::rv == CKR_OK) zv::rv = zv::checkFound(*found, maxCount);
+    zv::SearchCall made = {zv::SearchStep::next, "C_FindObjects", title, session, 1};
+    zv::trace_call(made);
+    zv::rv = zv::call<&zv::Functions::C_FindObjects>(session, handles, max_count, found);
+    if (zv::rv == CKR_OK) zv::rv = zv::check_found(*found, max_count);
     made.result = zv::rv;
-    zv::reportCall(made);
+    zv::report_call(made);
     return zv::rv;
 }
 
 CK_RV FindObjectsFinal(void*, char* title, unsigned long session) {
-    return zv::endSearch({.session = session, .log = zv::TRACED, .title = title});
+    return zv::end_search({.session = session, .log = zv::TRACED, .title = title});
 }
 
 CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object, CK_ATTRIBUTE* tmpl,
                         unsigned long count) {
-    return zv::readTraced(title, session, object, {tmpl, count});
+    return zv::read_traced(title, session, object, {tmpl, count});
 }
 
 unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
                            unsigned long* object) {
     bool none = false;
     CK_OBJECT_HANDLE first = 0;
-    const unsigned long result = zv::findOne(session, {tmpl, count}, first, none);
+    const unsigned long result = zv::find_one(session, {tmpl, count}, first, none);
     if (object != nullptr && first != 0) *object = first;
     return result;
 }

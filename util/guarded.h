@@ -1,13 +1,12 @@
-#ifndef ZV_UTIL_GUARDED_H
-#define ZV_UTIL_GUARDED_H
+#pragma once
 
 #include <exception>
 #include <type_traits>
 
-/** Where exceptions end: none leaves the library. */
+// Where exceptions end: none leaves the library.
 namespace zv {
 
-/** What body returns; when it throws, fallback, or what it returns if it is a function. */
+// What body returns; when it throws, fallback, or what it returns if it is a function.
 template <typename Fallback, typename Body> auto guarded(Fallback fallback, Body&& body) {
     try {
         if constexpr (std::is_invocable_v<Fallback>)
@@ -22,7 +21,7 @@ template <typename Fallback, typename Body> auto guarded(Fallback fallback, Body
     }
 }
 
-/** Runs body as far as it gets. */
+// Runs body as far as it gets.
 template <typename Body> void guarded(Body&& body) {
     try {
         body();
@@ -32,5 +31,3 @@ template <typename Body> void guarded(Body&& body) {
 }
 
 } // namespace zv
-
-#endif

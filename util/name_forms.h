@@ -1,20 +1,19 @@
-#ifndef ZV_UTIL_NAME_FORMS_H
-#define ZV_UTIL_NAME_FORMS_H
-
-#include <array>
+#pragma once
 
 #include "util/name_record.h"
 
+#include <array>
+
 namespace zv {
 
-/** A value, and how a form of a name spells its attribute. */
+// A value, and how a form of a name spells its attribute.
 struct NameSpelling {
     const char* text;
     NamePlace place;
 };
 
-/** The forms that names have: which attributes each carries, in which order. The orders are rules; so is a
- * spelling that is not the table's. */
+// The forms that names have: which attributes each carries, in which order. The orders are rules; so is a
+// spelling that is not the table's.
 namespace forms {
 
 using enum NameAttribute;
@@ -27,28 +26,32 @@ constexpr std::string_view oid(NameAttribute attribute) {
     return nameAttribute(attribute).oid;
 }
 
-constexpr std::string_view bareOid(NameAttribute attribute) {
+constexpr std::string_view bare_oid(NameAttribute attribute) {
     return oid(attribute).substr(0, oid(attribute).size() - 1);
 }
 
-/** Short names known in a host's subject; each becomes its OID, one after the other. */
+// Short names known in a host's subject; each becomes its OID, one after the other.
 inline constexpr NameSpelling HOST_NAMES[] = {
     slash(orgUnit), slash(email), {"/gn=", givenName}, slash(serialNumber)};
 
-/** A host's subject is broken into lines in front of these, one after the other. */
+// A host's subject is broken into lines in front of these, one after the other.
 inline constexpr std::string_view HOST_LINE_STARTS[] = {
-    oid(country),     oid(organization), oid(orgUnit),       oid(commonName),          oid(description),
-    oid(dnQualifier), oid(email),        oid(serialNumber),  oid(givenName),           oid(surname),
-    oid(locality),    bareOid(title),    bareOid(pseudonym), bareOid(stateOrProvince),
+    oid(country),        oid(organization),
+    oid(orgUnit),        oid(commonName),
+    oid(description),    oid(dnQualifier),
+    oid(email),          oid(serialNumber),
+    oid(givenName),      oid(surname),
+    oid(locality),       bare_oid(title),
+    bare_oid(pseudonym), bare_oid(stateOrProvince),
 };
 
-/** Looked for in each line of a host's subject; the first that is found, in this order, takes the line. */
+// Looked for in each line of a host's subject; the first that is found, in this order, takes the line.
 inline constexpr NameAttribute HOST_LINE[] = {
     commonName,   country, locality,     description, dnQualifier, email,     givenName,
     organization, orgUnit, serialNumber, surname,     title,       pseudonym, stateOrProvince,
 };
 
-/** Keys of a command block, written and looked for in this order. */
+// Keys of a command block, written and looked for in this order.
 inline constexpr NameSpelling BLOCK[] = {
     {"commonname:", commonName},
     {"country:", country},
@@ -70,17 +73,17 @@ inline constexpr NameSpelling BLOCK[] = {
     {"stateOrProvince:", stateOrProvince},
 };
 
-/** RDNs of a request, in this order. */
+// RDNs of a request, in this order.
 inline constexpr NamePlace REQUEST[] = {
     country,      organization, {orgUnit, 0}, {orgUnit, 1}, {orgUnit, 2}, {orgUnit, 3},
     {orgUnit, 4}, commonName,   email,        description,  dnQualifier,  serialNumber,
     surname,      givenName,    locality,     title,        pseudonym,    stateOrProvince,
 };
 
-/** What a services card's request leaves out. */
+// What a services card's request leaves out.
 inline constexpr NameAttribute NOT_ON_SERVICES_CARD[] = {title, pseudonym};
 
-/** RDNs of a services card's request. */
+// RDNs of a services card's request.
 inline constexpr auto SERVICES_CARD_REQUEST = [] {
     std::array<NamePlace, std::size(REQUEST) - std::size(NOT_ON_SERVICES_CARD)> places;
     std::copy_if(std::begin(REQUEST), std::end(REQUEST), places.begin(), [](const NamePlace& place) {
@@ -90,14 +93,14 @@ inline constexpr auto SERVICES_CARD_REQUEST = [] {
     return places;
 }();
 
-/** Short names in the names of a card's certificates; each becomes its OID, one after the other. */
+// Short names in the names of a card's certificates; each becomes its OID, one after the other.
 inline constexpr NameAttribute CARD[] = {
     commonName, dnQualifier,  email,   pseudonym, title,   description, serialNumber,
     orgUnit,    organization, surname, givenName, country, locality,    stateOrProvince,
 };
 
-/** Short names behind the blank or slash that separates attributes; "SN" is another attribute here than on a
- * card. */
+// Short names behind the blank or slash that separates attributes; "SN" is another attribute here than on a
+// card.
 inline constexpr NameSpelling COMMA_SEPARATED[] = {
     {" dnQualifier=", dnQualifier},
     {"/dnQualifier=", dnQualifier},
@@ -112,7 +115,7 @@ inline constexpr NameSpelling COMMA_SEPARATED[] = {
     {" C=", country},
 };
 
-/** Lines of a name in the log. */
+// Lines of a name in the log.
 inline constexpr NameSpelling LOG[] = {
     {"DN_country = ", country},         {"DN_organization = ", organization},
     {"DN_orgUnit[0] = ", {orgUnit, 0}}, {"DN_orgUnit[1] = ", {orgUnit, 1}},
@@ -130,5 +133,3 @@ static_assert(std::size(HOST_LINE_STARTS) == KNOWN && std::size(HOST_LINE) == KN
 } // namespace forms
 
 } // namespace zv
-
-#endif

@@ -1,15 +1,14 @@
-#ifndef ZV_UTIL_NAME_RECORD_H
-#define ZV_UTIL_NAME_RECORD_H
-
-#include <string_view>
+#pragma once
 
 #include "name_attributes.h"
 #include "util/text.h"
 
-/** The values of a name record, by attribute. */
+#include <string_view>
+
+// The values of a name record, by attribute.
 namespace zv {
 
-/** One value: the attribute, and which of its values. */
+// One value: the attribute, and which of its values.
 struct NamePlace {
     NameAttribute attribute{};
     std::size_t unit = 0;
@@ -18,21 +17,19 @@ struct NamePlace {
     constexpr NamePlace(NameAttribute only, std::size_t which = 0) : attribute(only), unit(which) {}
 
     [[nodiscard]] constexpr std::size_t width() const { return nameAttribute(attribute).width; }
-    /** Where in datiDN the value begins. */
+    // Where in datiDN the value begins.
     [[nodiscard]] constexpr std::size_t offset() const {
         return nameAttribute(attribute).offset + unit * width();
     }
 };
 
-[[nodiscard]] inline std::string_view nameText(const datiDN& name, const NamePlace& place) {
-    return boundedText(reinterpret_cast<const char*>(&name) + place.offset(), place.width());
+[[nodiscard]] inline std::string_view name_text(const datiDN& name, const NamePlace& place) {
+    return bounded_text(reinterpret_cast<const char*>(&name) + place.offset(), place.width());
 }
 
-/** Copies as much of a value as its field has room for. */
-inline void setNameText(datiDN& name, const NamePlace& place, std::string_view value) {
-    copyText(reinterpret_cast<char*>(&name) + place.offset(), place.width(), value);
+// Copies as much of a value as its field has room for.
+inline void set_name_text(datiDN& name, const NamePlace& place, std::string_view value) {
+    copy_text(reinterpret_cast<char*>(&name) + place.offset(), place.width(), value);
 }
 
 } // namespace zv
-
-#endif

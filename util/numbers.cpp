@@ -1,11 +1,11 @@
 // Numbers as texts. The "Hex" helpers write "0x" and decimal digits: the log's readers expect that form.
+#include "routines.h"
+#include "util/text.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
-
-#include "routines.h"
-#include "util/text.h"
 
 char ILtoAbuff[32];
 char ILtoAbuffHex[32];
@@ -18,22 +18,22 @@ char x3[32];
 
 namespace {
 
-// The prefix may be an earlier result in the same buffer: copyText moves it.
-char* joinPrefix(char (&buffer)[128], const char* prefix, std::string_view tail) {
-    zv::copyText(buffer, sizeof buffer - tail.size(), zv::orEmpty(prefix));
-    zv::appendText(buffer, tail);
+// The prefix may be an earlier result in the same buffer: copy_text moves it.
+char* join_prefix(char (&buffer)[128], const char* prefix, std::string_view tail) {
+    zv::copy_text(buffer, sizeof buffer - tail.size(), zv::or_empty(prefix));
+    zv::append_text(buffer, tail);
     return buffer;
 }
 
-char* joinHex(char (&buffer)[128], const char* prefix, const char* digits) {
+char* join_hex(char (&buffer)[128], const char* prefix, const char* digits) {
     char tail[34];
     (void)std::snprintf(tail, sizeof tail, "0x%s", digits);
-    return joinPrefix(buffer, prefix, tail);
+    return join_prefix(buffer, prefix, tail);
 }
 
-char* writeHex(char* destination, const char* prefix, const char* digits) {
+char* write_hex(char* destination, const char* prefix, const char* digits) {
     if (destination == nullptr) return nullptr;
-    const char* start = zv::orEmpty(prefix);
+    const char* start = zv::or_empty(prefix);
     const std::size_t length = std::strlen(start);
     std::memmove(destination, start, length + 1);
     std::memcpy(destination + length, "0x", sizeof "0x");
@@ -72,35 +72,35 @@ char* LtoAHex(long value) {
 }
 
 char* CatItoA(const char* prefix, int value) {
-    return joinPrefix(CatILtoAbuff, prefix, ItoA(value));
+    return join_prefix(CatILtoAbuff, prefix, ItoA(value));
 }
 
 char* CatLtoA(const char* prefix, long value) {
-    return joinPrefix(CatILtoAbuff, prefix, LtoA(value));
+    return join_prefix(CatILtoAbuff, prefix, LtoA(value));
 }
 
 char* CatItoAHex(char* destination, const char* prefix, int value) {
-    return writeHex(destination, prefix, ItoAHex(value));
+    return write_hex(destination, prefix, ItoAHex(value));
 }
 
 char* CatLtoAHex(char* destination, const char* prefix, long value) {
-    return writeHex(destination, prefix, LtoAHex(value));
+    return write_hex(destination, prefix, LtoAHex(value));
 }
 
 char* CatItoAHex1(const char* prefix, int value) {
-    return joinHex(CatILtoAbuffHex1, prefix, ItoAHex(value));
+    return join_hex(CatILtoAbuffHex1, prefix, ItoAHex(value));
 }
 
 char* CatLtoAHex1(const char* prefix, long value) {
-    return joinHex(CatILtoAbuffHex1, prefix, LtoAHex(value));
+    return join_hex(CatILtoAbuffHex1, prefix, LtoAHex(value));
 }
 
 char* CatItoAHex2(const char* prefix, int value) {
-    return joinHex(CatILtoAbuffHex2, prefix, ItoAHex(value));
+    return join_hex(CatILtoAbuffHex2, prefix, ItoAHex(value));
 }
 
 char* CatLtoAHex2(const char* prefix, long value) {
-    return joinHex(CatILtoAbuffHex2, prefix, LtoAHex(value));
+    return join_hex(CatILtoAbuffHex2, prefix, LtoAHex(value));
 }
 
 char* XX(char* text, char* output) {
@@ -127,11 +127,11 @@ char* X3(char* text) {
 }
 
 long DataToLong(char* date) {
-    const std::string_view text = zv::orEmpty(date);
+    const std::string_view text = zv::or_empty(date);
     if (text.empty()) return 0;
     const auto number = [text](std::size_t position, std::size_t digits) {
         char part[5];
-        zv::copyText(part, position < text.size() ? text.substr(position, digits) : std::string_view());
+        zv::copy_text(part, position < text.size() ? text.substr(position, digits) : std::string_view());
         return std::strtol(part, nullptr, 10);
     };
     return number(6, 4) * 10000 + number(3, 2) * 100 + number(0, 2);

@@ -1,15 +1,15 @@
 // Joining, searching and measuring texts.
-#include <string>
-
 #include "routines.h"
 #include "util/guarded.h"
 #include "util/text.h"
+
+#include <string>
 
 char CatSZtoSZbuff[256];
 
 namespace {
 
-std::string upperCased(const char* text) {
+std::string upper_cased(const char* text) {
     std::string copy(text);
     _strupr(copy.data());
     return copy;
@@ -18,15 +18,15 @@ std::string upperCased(const char* text) {
 } // namespace
 
 char* CatSZtoSZ(const char* first, const char* second) {
-    zv::copyText(CatSZtoSZbuff, zv::orEmpty(first));
-    zv::appendText(CatSZtoSZbuff, zv::orEmpty(second));
+    zv::copy_text(CatSZtoSZbuff, zv::or_empty(first));
+    zv::append_text(CatSZtoSZbuff, zv::or_empty(second));
     return CatSZtoSZbuff;
 }
 
 char* strstrICase(const char* haystack, const char* needle) {
     if (haystack == nullptr || needle == nullptr) return nullptr;
     const std::size_t place =
-        zv::guarded(std::string::npos, [=] { return upperCased(haystack).find(upperCased(needle)); });
+        zv::guarded(std::string::npos, [=] { return upper_cased(haystack).find(upper_cased(needle)); });
     return place == std::string::npos ? nullptr : const_cast<char*>(haystack) + place;
 }
 

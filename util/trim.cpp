@@ -1,13 +1,13 @@
 // Letter case, blanks and separators, changed in place.
+#include "routines.h"
+
 #include <cctype>
 #include <cstring>
-
-#include "routines.h"
 
 namespace {
 
 // Writes only what differs: a text that is right already may stand in memory that is not to be written.
-template <typename Change> char* changeEach(char* text, Change change) {
+template <typename Change> char* change_each(char* text, Change change) {
     for (char* c = text; c != nullptr && *c != '\0'; ++c) {
         const char changed = change(*c);
         if (changed != *c) *c = changed;
@@ -18,17 +18,17 @@ template <typename Change> char* changeEach(char* text, Change change) {
 } // namespace
 
 char* _strupr(char* text) {
-    return changeEach(text,
-                      [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+    return change_each(text,
+                       [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
 }
 
 char* _strlwr(char* text) {
-    return changeEach(text,
-                      [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    return change_each(text,
+                       [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
 }
 
 char* VirgolaToPunto(char* text) {
-    return changeEach(text, [](char c) { return c == ',' ? '.' : c; });
+    return change_each(text, [](char c) { return c == ',' ? '.' : c; });
 }
 
 char* RTrim(char* text) {

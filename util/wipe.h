@@ -1,11 +1,10 @@
-#ifndef ZV_UTIL_WIPE_H
-#define ZV_UTIL_WIPE_H
+#pragma once
 
 #include <cstddef>
 
 namespace zv {
 
-/** Overwrites memory that held a secret; not left out by the compiler. */
+// Overwrites memory that held a secret; not left out by the compiler.
 inline void wipe(void* memory, std::size_t size) {
     auto* byte = static_cast<volatile unsigned char*>(memory);
     while (size-- > 0)
@@ -13,5 +12,3 @@ inline void wipe(void* memory, std::size_t size) {
 }
 
 } // namespace zv
-
-#endif

@@ -11,13 +11,13 @@
 namespace simcard {
 namespace {
 
-constexpr const char* key_file = "key.pem";
-constexpr const char* certificate_file = "certificate.pem";
+constexpr const char* KEY_FILE = "key.pem";
+constexpr const char* CERTIFICATE_FILE = "certificate.pem";
 
 // Wide enough that every certificate of a card, also one made as long expired, lies within it.
 Validity authority_validity() {
     const std::time_t now = std::time(nullptr);
-    return {now - 10 * one_year, now + 20 * one_year};
+    return {now - 10 * ONE_YEAR, now + 20 * ONE_YEAR};
 }
 
 DistinguishedName authority_name() {
@@ -35,12 +35,12 @@ void create(const std::filesystem::path& folder, KeySource& keys) {
     const DistinguishedName name = authority_name();
     const Certificate certificate =
         build_certificate({*name, *key, authority_kind(), authority_validity(), nullptr, *key});
-    write_private_key(fresh.path() / key_file, *key);
-    write_file(fresh.path() / certificate_file, certificate_text(*certificate, CertificateForm::pem),
+    write_private_key(fresh.path() / KEY_FILE, *key);
+    write_file(fresh.path() / CERTIFICATE_FILE, certificate_text(*certificate, CertificateForm::pem),
                Access::everyone_reads);
     std::error_code error;
     std::filesystem::rename(fresh.path(), folder, error);
-    if (error && !std::filesystem::exists(folder / key_file))
+    if (error && !std::filesystem::exists(folder / KEY_FILE))
         throw Failure("Cannot make " + folder.string() + " (" + error.message() + ").");
 }
 
@@ -56,8 +56,8 @@ Authority Authority::open_or_create(const std::filesystem::path& folder, KeySour
 
 Authority Authority::open(const std::filesystem::path& folder) {
     if (!std::filesystem::exists(folder)) throw Refusal("There is no authority in " + folder.string() + ".");
-    PrivateKey key = KeySource::from_file(folder / key_file).next();
-    Certificate certificate = read_certificate(folder / certificate_file);
+    PrivateKey key = KeySource::from_file(folder / KEY_FILE).next();
+    Certificate certificate = read_certificate(folder / CERTIFICATE_FILE);
     if (X509_check_private_key(certificate.get(), key.get()) != 1)
         throw Refusal("In " + folder.string() +
                       " the authority's key and certificate do not belong together.");

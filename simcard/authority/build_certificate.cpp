@@ -9,7 +9,7 @@ namespace simcard {
 namespace {
 
 // 16 bytes. Every other one has its top bit set, and so begins with a byte of zero in the certificate.
-constexpr int serial_bits = 128;
+constexpr int SERIAL_BITS = 128;
 
 void need(int result, const char* step) {
     if (result != 1) fail_with_openssl_reason(step);
@@ -17,7 +17,7 @@ void need(int result, const char* step) {
 
 void set_serial(X509& certificate) {
     const BigNumber number = made(BigNumber(BN_new()));
-    need(BN_rand(number.get(), serial_bits, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ODD), "Choosing a serial number");
+    need(BN_rand(number.get(), SERIAL_BITS, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ODD), "Choosing a serial number");
     if (BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(&certificate)) == nullptr)
         fail_with_openssl_reason("Setting the serial number");
 }

@@ -9,12 +9,12 @@ struct CertificatePlan {
     EVP_PKEY& subject_key;
     const CertificateKind& kind;
     Validity validity;
-    /// The certificate of whoever signs; null when the certificate is its own.
+    // The certificate of whoever signs; null when the certificate is its own.
     X509* issuer;
     EVP_PKEY& signing_key;
 };
 
-/// Builds and signs the certificate. @throws Failure with OpenSSL's reason.
+// Builds and signs the certificate. @throws Failure with OpenSSL's reason.
 [[nodiscard]] Certificate build_certificate(const CertificatePlan& plan);
 
 } // namespace simcard

@@ -11,10 +11,10 @@ enum class CertificateForm { pem, der };
 
 [[nodiscard]] std::string certificate_text(X509& certificate, CertificateForm form);
 
-/// A PKCS#7 bundle, nothing signed, that carries the certificate and its issuer's.
+// A PKCS#7 bundle, nothing signed, that carries the certificate and its issuer's.
 [[nodiscard]] std::string bundle_text(X509& certificate, X509& issuer, CertificateForm form);
 
-/// Reads one certificate in PEM. @throws Refusal when the file holds none.
+// Reads one certificate in PEM. @throws Refusal when the file holds none.
 [[nodiscard]] Certificate read_certificate(const std::filesystem::path& path);
 
 } // namespace simcard

@@ -3,16 +3,17 @@
 #include "simcard/authority/errors.h"
 #include "simcard/authority/openssl_handles.h"
 
+#include <openssl/x509v3.h>
+
 #include <array>
 #include <memory>
-#include <openssl/x509v3.h>
 #include <string>
 
 namespace simcard {
 namespace {
 
 // The policies stand under 2.999, the arc that is set aside for examples.
-constexpr std::array<CertificateKind, 3> kinds{{
+constexpr std::array<CertificateKind, 3> KINDS{{
     {"signature", "2.999.1.1", R"(
 [extensions]
 subjectKeyIdentifier = hash
@@ -56,7 +57,7 @@ explicitText = UTF8:Carta dei servizi dimostrativa, senza valore legale
 )"},
 }};
 
-constexpr CertificateKind authority{"authority", "", R"(
+constexpr CertificateKind AUTHORITY{"authority", "", R"(
 [extensions]
 subjectKeyIdentifier = hash
 basicConstraints = critical, CA:TRUE, pathlen:0
@@ -79,22 +80,22 @@ std::string policy_of(X509& certificate) {
 } // namespace
 
 std::span<const CertificateKind> holder_kinds() {
-    return kinds;
+    return KINDS;
 }
 
 const CertificateKind& authority_kind() {
-    return authority;
+    return AUTHORITY;
 }
 
 const CertificateKind& kind_named(std::string_view name) {
-    for (const CertificateKind& kind : kinds)
+    for (const CertificateKind& kind : KINDS)
         if (kind.name == name) return kind;
     throw Refusal("There is no kind of certificate named \"" + std::string(name) + "\".");
 }
 
 const CertificateKind& kind_of(X509& certificate) {
     const std::string policy = policy_of(certificate);
-    for (const CertificateKind& kind : kinds)
+    for (const CertificateKind& kind : KINDS)
         if (policy == kind.policy) return kind;
     throw Refusal("The certificate's policy is none of this authority's.");
 }

@@ -1,7 +1,8 @@
 #include "simcard/authority/errors.h"
 
-#include <array>
 #include <openssl/err.h>
+
+#include <array>
 
 namespace simcard {
 

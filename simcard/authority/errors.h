@@ -5,20 +5,20 @@
 
 namespace simcard {
 
-/// What was asked for is wrong or not allowed: the caller's input has to change. One sentence for a person.
+// What was asked for is wrong or not allowed: the caller's input has to change. One sentence for a person.
 class Refusal : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// What was asked for is fine, but it could not be done (disk, memory, SoftHSM, OpenSSL). One sentence.
+// What was asked for is fine, but it could not be done (disk, memory, SoftHSM, OpenSSL). One sentence.
 class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Ends the current step with a Failure that names the step and OpenSSL's own reason for it.
+// Ends the current step with a Failure that names the step and OpenSSL's own reason for it.
 [[noreturn]] void fail_with_openssl_reason(const std::string& step);
 
-/// Passes on an object that OpenSSL made; none at all means that memory ran out.
+// Passes on an object that OpenSSL made; none at all means that memory ran out.
 template <class Owner> [[nodiscard]] Owner made(Owner owner) {
     if (!owner) throw Failure("OpenSSL ran out of memory.");
     return owner;

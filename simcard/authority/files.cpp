@@ -2,18 +2,19 @@
 
 #include "simcard/authority/errors.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
 namespace simcard {
 namespace {
 
-constexpr std::size_t largest_file = std::size_t{1024} * 1024;
+constexpr std::size_t LARGEST_FILE = std::size_t{1024} * 1024;
 
 class Descriptor {
   public:
@@ -51,7 +52,7 @@ std::string read_file(const std::filesystem::path& path) {
     struct stat facts {};
     ::fstat(file.get(), &facts);
     std::string content(
-        std::clamp<std::size_t>(static_cast<std::size_t>(facts.st_size), 8192, largest_file) + 1, '\0');
+        std::clamp<std::size_t>(static_cast<std::size_t>(facts.st_size), 8192, LARGEST_FILE) + 1, '\0');
     std::size_t used = 0;
     for (;;) {
         const ssize_t count = ::read(file.get(), content.data() + used, content.size() - used);
@@ -59,7 +60,7 @@ std::string read_file(const std::filesystem::path& path) {
         if (count < 0) throw Refusal("Cannot read " + path.string() + because_of_system());
         if (count == 0) break;
         used += static_cast<std::size_t>(count);
-        if (used > largest_file) throw Refusal(path.string() + " is too large to be read here.");
+        if (used > LARGEST_FILE) throw Refusal(path.string() + " is too large to be read here.");
         if (used == content.size()) content.resize(2 * used);
     }
     content.resize(used);

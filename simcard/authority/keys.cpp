@@ -23,7 +23,7 @@ int no_passphrase(char*, int, int, void*) {
 }
 
 void check_is_usable(const EVP_PKEY& key, const std::filesystem::path& path) {
-    if (!EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_get_bits(&key) != static_cast<int>(key_bits))
+    if (!EVP_PKEY_is_a(&key, "RSA") || EVP_PKEY_get_bits(&key) != static_cast<int>(KEY_BITS))
         throw Refusal(path.string() + " holds a key that is not RSA of 2048 bits.");
 }
 
@@ -46,7 +46,7 @@ KeySource KeySource::from_file(const std::filesystem::path& path) {
 PrivateKey KeySource::next() {
     PrivateKey key;
     if (ready_.empty()) {
-        key.reset(EVP_RSA_gen(key_bits));
+        key.reset(EVP_RSA_gen(KEY_BITS));
         if (!key) fail_with_openssl_reason("Making a key pair");
     } else {
         key = std::move(ready_.front());

@@ -7,31 +7,27 @@
 
 namespace simcard {
 
-constexpr unsigned key_bits = 2048;
+constexpr unsigned KEY_BITS = 2048;
 
-/**
- * Where the key pairs of cards and authorities come from: those made ready, in their order, then new ones
- * (RSA of `key_bits`, exponent 65537). Making one takes a while, so tests bring theirs.
- */
+// Where the key pairs of cards and authorities come from: those made ready, in their order, then new ones
+// (RSA of `key_bits`, exponent 65537). Making one takes a while, so tests bring theirs.
 class KeySource {
   public:
     KeySource() = default;
 
-    /**
-     * Reads every private key of a PEM file.
-     *
-     * @throws Refusal when the file cannot be read, or holds something else than RSA keys of `key_bits`.
-     */
+    // Reads every private key of a PEM file.
+    //
+    // @throws Refusal when the file cannot be read, or holds something else than RSA keys of `key_bits`.
     [[nodiscard]] static KeySource from_file(const std::filesystem::path& path);
 
-    /// The next key pair. @throws Failure when it cannot be made.
+    // The next key pair. @throws Failure when it cannot be made.
     [[nodiscard]] PrivateKey next();
 
   private:
     std::deque<PrivateKey> ready_;
 };
 
-/// Writes a private key as PEM (PKCS#8, not encrypted) for its owner alone.
+// Writes a private key as PEM (PKCS#8, not encrypted) for its owner alone.
 void write_private_key(const std::filesystem::path& path, EVP_PKEY& key);
 
 } // namespace simcard

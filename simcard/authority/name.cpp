@@ -3,14 +3,15 @@
 #include "simcard/authority/errors.h"
 #include "simcard/authority/memory_bio.h"
 
-#include <array>
 #include <openssl/err.h>
 #include <openssl/objects.h>
+
+#include <array>
 
 namespace simcard {
 namespace {
 
-constexpr std::size_t card_number_digits = 16;
+constexpr std::size_t CARD_NUMBER_DIGITS = 16;
 
 std::string sha1_in_base64(const std::string& text) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
@@ -48,7 +49,7 @@ DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualif
 
 DistinguishedName services_card_name(const Holder& holder, const std::string& card_number) {
     std::string number = card_number;
-    if (number.size() < card_number_digits) number.insert(0, card_number_digits - number.size(), '0');
+    if (number.size() < CARD_NUMBER_DIGITS) number.insert(0, CARD_NUMBER_DIGITS - number.size(), '0');
     const std::string card = holder.codice_fiscale + "/" + number + ".";
     DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
     add_to_name(*name, NID_countryName, "IT");

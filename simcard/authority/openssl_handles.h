@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <openssl/bio.h>
 #include <openssl/bn.h>
 #include <openssl/cms.h>
@@ -9,6 +8,8 @@
 #include <openssl/pkcs7.h>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
+
+#include <memory>
 
 // Owners of OpenSSL objects: each releases what it holds when it goes out of scope.
 namespace simcard {

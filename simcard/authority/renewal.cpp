@@ -43,9 +43,9 @@ Renewal answer_request(const Authority& authority, std::string_view file, const 
         throw Refusal("A request that nobody signed needs a kind.");
     const CertificateKind& kind = terms.kind != nullptr ? *terms.kind : kind_of(*verified.signer);
 
-    const std::time_t start = std::time(nullptr) + terms.starts_in * one_day;
+    const std::time_t start = std::time(nullptr) + terms.starts_in * ONE_DAY;
     EVP_PKEY& key = *X509_REQ_get0_pubkey(verified.request.get());
-    Certificate certificate = authority.issue(*subject, key, kind, {start, start + terms.days * one_day});
+    Certificate certificate = authority.issue(*subject, key, kind, {start, start + terms.days * ONE_DAY});
     return {std::move(certificate), std::move(verified), kind};
 }
 

@@ -3,18 +3,19 @@
 #include "simcard/authority/errors.h"
 #include "simcard/authority/memory_bio.h"
 
-#include <algorithm>
-#include <cctype>
 #include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 
+#include <algorithm>
+#include <cctype>
+
 namespace simcard {
 namespace {
 
-constexpr char der_sequence = 0x30; // every binary form starts with it; no base64 text of one does
-constexpr const char* not_a_request = "The file holds no certificate request that can be read.";
+constexpr char DER_SEQUENCE = 0x30; // every binary form starts with it; no base64 text of one does
+constexpr const char* NOT_A_REQUEST = "The file holds no certificate request that can be read.";
 
 struct PemBlock {
     std::string kind;
@@ -29,7 +30,7 @@ PemBlock read_pem(std::string_view text) {
     long length = 0;
     if (PEM_read_bio(source.get(), &kind, &header, &bytes, &length) != 1) {
         ERR_clear_error();
-        throw Refusal(not_a_request);
+        throw Refusal(NOT_A_REQUEST);
     }
     PemBlock block{kind, {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)}};
     OPENSSL_free(kind);
@@ -47,7 +48,7 @@ std::string from_base64(std::string_view text) {
                                        reinterpret_cast<const unsigned char*>(packed.data()),
                                        static_cast<int>(packed.size()));
     const auto padding = static_cast<std::size_t>(std::count(packed.begin(), packed.end(), '='));
-    if (length <= 0 || padding > 2) throw Refusal(not_a_request);
+    if (length <= 0 || padding > 2) throw Refusal(NOT_A_REQUEST);
     bytes.resize(static_cast<std::size_t>(length) - padding);
     return bytes;
 }
@@ -73,20 +74,20 @@ CertificateRequest decode_pem_request(std::string_view text) {
     CertificateRequest request;
     if (block.kind == PEM_STRING_X509_REQ || block.kind == PEM_STRING_X509_REQ_OLD)
         request = decode_whole<CertificateRequest>(d2i_X509_REQ, block.der);
-    if (!request) throw Refusal(not_a_request);
+    if (!request) throw Refusal(NOT_A_REQUEST);
     return request;
 }
 
 DecodedRequest decode_request(std::string_view file) {
     if (file.empty()) throw Refusal("The request file is empty.");
     std::string der;
-    if (file.front() == der_sequence)
+    if (file.front() == DER_SEQUENCE)
         der = file;
     else
         der = is_pem(file) ? read_pem(file).der : from_base64(file);
     if (auto message = decode_whole<CmsMessage>(d2i_CMS_ContentInfo, der)) return message;
     if (auto request = decode_whole<CertificateRequest>(d2i_X509_REQ, der)) return request;
-    throw Refusal(not_a_request);
+    throw Refusal(NOT_A_REQUEST);
 }
 
 } // namespace simcard

@@ -8,18 +8,16 @@
 
 namespace simcard {
 
-/// What a request file holds: a request inside a signed message, or the request alone.
+// What a request file holds: a request inside a signed message, or the request alone.
 using DecodedRequest = std::variant<CmsMessage, CertificateRequest>;
 
-/**
- * Reads a request file in whatever form it comes: base64 without frame (what the renewal library returns),
- * PEM, or binary; a signed message (PKCS#7) or a bare PKCS#10 request. Nothing is verified yet.
- *
- * @throws Refusal when it is none of these, is cut short, or has bytes behind its end.
- */
+// Reads a request file in whatever form it comes: base64 without frame (what the renewal library returns),
+// PEM, or binary; a signed message (PKCS#7) or a bare PKCS#10 request. Nothing is verified yet.
+//
+// @throws Refusal when it is none of these, is cut short, or has bytes behind its end.
 [[nodiscard]] DecodedRequest decode_request(std::string_view file);
 
-/// Reads a PKCS#10 request in PEM. @throws Refusal as above.
+// Reads a PKCS#10 request in PEM. @throws Refusal as above.
 [[nodiscard]] CertificateRequest decode_pem_request(std::string_view text);
 
 } // namespace simcard

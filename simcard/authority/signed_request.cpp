@@ -6,10 +6,11 @@
 #include "simcard/authority/name.h"
 #include "simcard/authority/request_encoding.h"
 
-#include <array>
 #include <openssl/err.h>
 #include <openssl/objects.h>
 #include <openssl/x509v3.h>
+
+#include <array>
 
 namespace simcard {
 namespace {
@@ -82,7 +83,7 @@ std::vector<std::string> notices_about(X509& signer) {
 VerifiedRequest verify_bare_request(CertificateRequest request) {
     EVP_PKEY* key = X509_REQ_get0_pubkey(request.get());
     require(key != nullptr && EVP_PKEY_is_a(key, "RSA") &&
-                EVP_PKEY_get_bits(key) >= static_cast<int>(key_bits),
+                EVP_PKEY_get_bits(key) >= static_cast<int>(KEY_BITS),
             "The key in the request is not RSA of 2048 bits or more.");
     require(X509_REQ_verify(request.get(), key) == 1,
             "The request is not signed by the key that it carries.");

@@ -20,13 +20,13 @@ struct Field {
     std::variant<TextField, NumberField, FlagField> member;
 };
 
-constexpr std::size_t unbounded = 1000;
+constexpr std::size_t UNBOUNDED = 1000;
 
-const Field fields[] = {
+const Field FIELDS[] = {
     {"reader", TextField{&Card::reader, 64}},
-    {"atr", TextField{&Card::atr, unbounded}},
+    {"atr", TextField{&Card::atr, UNBOUNDED}},
     {"serial", TextField{&Card::serial, 16}},
-    {"profile", TextField{&Card::profile, unbounded}},
+    {"profile", TextField{&Card::profile, UNBOUNDED}},
     {"label", TextField{&Card::label, 32}},
     {"token", TextField{&Card::token, 16}},
     {"pin_tries_left", &Card::pin_tries_left},
@@ -35,8 +35,8 @@ const Field fields[] = {
     {"insertions", &Card::insertions},
     {"latency_us", &Card::latency_us},
     {"capacity", &Card::capacity},
-    {"pin_each_signature", TextField{&Card::pin_each_signature, unbounded}},
-    {"signature_pin", TextField{&Card::signature_pin, unbounded}},
+    {"pin_each_signature", TextField{&Card::pin_each_signature, UNBOUNDED}},
+    {"signature_pin", TextField{&Card::signature_pin, UNBOUNDED}},
 };
 
 std::string_view trimmed(std::string_view text) {
@@ -49,7 +49,7 @@ std::string_view trimmed(std::string_view text) {
     throw CardProblem("card.ini: \"" + std::string(key) + "\" " + why + ".");
 }
 
-/// Puts a value into the member that it is for, and gives a member's value as text.
+// Puts a value into the member that it is for, and gives a member's value as text.
 struct Access {
     Card& card;
     const char* key;
@@ -77,7 +77,7 @@ std::string value_of(const Card& card, const Field& field) {
 }
 
 void put_line(Card& card, std::string_view key, std::string_view value) {
-    for (const Field& field : fields)
+    for (const Field& field : FIELDS)
         if (key == field.key) {
             const Access access{card, field.key};
             return std::visit([&](const auto& member) { access.put(member, value); }, field.member);
@@ -115,7 +115,7 @@ Card parse_card(std::string_view text) {
 
 std::string card_text(const Card& card) {
     std::string text;
-    for (const Field& field : fields)
+    for (const Field& field : FIELDS)
         append_line(text, field.key, value_of(card, field));
     for (const auto& [key, value] : card.others)
         append_line(text, key, value);

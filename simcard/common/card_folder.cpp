@@ -3,17 +3,18 @@
 #include "simcard/common/environment.h"
 #include "simcard/common/problem.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <iterator>
-#include <sys/file.h>
 #include <tuple>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -32,7 +33,7 @@ void write_all(int descriptor, std::string_view text, const fs::path& path) {
     }
 }
 
-/// A file that takes another one's place once it is complete.
+// A file that takes another one's place once it is complete.
 class Replacement {
   public:
     explicit Replacement(const fs::path& target) : target_(target), name_(target.string() + ".XXXXXX") {
@@ -71,16 +72,16 @@ fs::path cards_home() {
 }
 
 Card load_card(const fs::path& folder) {
-    std::ifstream file(folder / card_file, std::ios::binary);
+    std::ifstream file(folder / CARD_FILE, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) throw CardProblem("Cannot read " + (folder / card_file).string() + ".");
+    if (!file) throw CardProblem("Cannot read " + (folder / CARD_FILE).string() + ".");
     Card card = parse_card(text);
     card.folder = folder;
     return card;
 }
 
 void save_card(const Card& card) {
-    replace_file(card.folder / card_file, card_text(card));
+    replace_file(card.folder / CARD_FILE, card_text(card));
 }
 
 void replace_file(const fs::path& path, std::string_view content) {
@@ -91,7 +92,7 @@ std::vector<Card> list_cards(const fs::path& home, std::vector<std::string>* pro
     std::vector<Card> cards;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(home, error)) {
-        if (entry.is_symlink(error) || !fs::exists(entry.path() / card_file, error)) continue;
+        if (entry.is_symlink(error) || !fs::exists(entry.path() / CARD_FILE, error)) continue;
         try {
             cards.push_back(load_card(entry.path()));
         } catch (const CardProblem& problem) {

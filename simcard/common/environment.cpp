@@ -1,7 +1,8 @@
 #include "simcard/common/environment.h"
 
-#include <cstdlib>
 #include <unistd.h>
+
+#include <cstdlib>
 
 namespace simcard {
 

@@ -20,7 +20,7 @@ void check(CK_RV result, const char* step) {
     if (result != CKR_OK) throw SoftHsmProblem(std::string("SoftHSM refused to ") + step + ".", result);
 }
 
-/// Sets the PIN of the user, as the security officer.
+// Sets the PIN of the user, as the security officer.
 void set_user_pin(const SoftHsm& hsm, CK_SLOT_ID slot, std::string so_pin, std::string user_pin) {
     CK_SESSION_HANDLE session = 0;
     check(hsm->C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session),
@@ -30,7 +30,7 @@ void set_user_pin(const SoftHsm& hsm, CK_SLOT_ID slot, std::string so_pin, std::
     check(hsm->C_CloseSession(session), "close a session");
 }
 
-/// Makes a token in the blank slot that SoftHSM always offers, and gives SoftHSM's serial number of it.
+// Makes a token in the blank slot that SoftHSM always offers, and gives SoftHSM's serial number of it.
 std::string make_token(const SoftHsm& hsm, const Card& settings, std::string so_pin, std::string user_pin) {
     const auto slot = hsm.slot_of("");
     if (!slot) throw CardProblem("SoftHSM offers no slot for a new token.");
@@ -51,7 +51,7 @@ std::set<fs::path> folders(const fs::path& home) {
     return found;
 }
 
-/// The folders that were not there before.
+// The folders that were not there before.
 class NewFolders {
   public:
     explicit NewFolders(const fs::path& home) : home_(home), before_(folders(home)) {}

@@ -2,12 +2,13 @@
 
 #include "simcard/common/problem.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace simcard {
 

@@ -13,9 +13,9 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr const char* order_file = "objects";
+constexpr const char* ORDER_FILE = "objects";
 
-/// The bytes of an attribute; empty when the object does not have it or keeps it to itself.
+// The bytes of an attribute; empty when the object does not have it or keeps it to itself.
 std::string attribute(const CK_FUNCTION_LIST& hsm, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
                       CK_ATTRIBUTE_TYPE type) {
     std::array<char, 4096> room;
@@ -24,7 +24,7 @@ std::string attribute(const CK_FUNCTION_LIST& hsm, CK_SESSION_HANDLE session, CK
     return {};
 }
 
-/// FNV-1a, 64 bits: it has to tell objects apart, not to withstand anybody.
+// FNV-1a, 64 bits: it has to tell objects apart, not to withstand anybody.
 std::uint64_t mixed(std::uint64_t sum, std::string_view bytes) {
     for (const char byte : bytes)
         sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3U;
@@ -33,7 +33,7 @@ std::uint64_t mixed(std::uint64_t sum, std::string_view bytes) {
 
 std::vector<std::string> read_lines(const fs::path& folder) {
     std::vector<std::string> lines;
-    std::ifstream file(folder / order_file);
+    std::ifstream file(folder / ORDER_FILE);
     for (std::string line; std::getline(file, line);)
         lines.push_back(line);
     return lines;
@@ -43,7 +43,7 @@ void write_lines(const fs::path& folder, const std::vector<std::string>& lines) 
     std::string text;
     for (const std::string& line : lines)
         text.append(line).append("\n");
-    replace_file(folder / order_file, text);
+    replace_file(folder / ORDER_FILE, text);
 }
 
 } // namespace

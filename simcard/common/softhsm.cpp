@@ -4,8 +4,9 @@
 #include "simcard/common/memory_file.h"
 #include "simcard/common/text.h"
 
-#include <cstdlib>
 #include <dlfcn.h>
+
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -16,20 +17,20 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr const char* variable = "SOFTHSM2_CONF";
+constexpr const char* VARIABLE = "SOFTHSM2_CONF";
 
-/// Sets SoftHSM's variable while it lives.
+// Sets SoftHSM's variable while it lives.
 class Setting {
   public:
     explicit Setting(const std::string& value) {
-        if (const char* before = std::getenv(variable)) before_ = before;
-        ::setenv(variable, value.c_str(), 1);
+        if (const char* before = std::getenv(VARIABLE)) before_ = before;
+        ::setenv(VARIABLE, value.c_str(), 1);
     }
     ~Setting() {
         if (before_)
-            ::setenv(variable, before_->c_str(), 1);
+            ::setenv(VARIABLE, before_->c_str(), 1);
         else
-            ::unsetenv(variable);
+            ::unsetenv(VARIABLE);
     }
     Setting(const Setting&) = delete;
     Setting& operator=(const Setting&) = delete;
@@ -50,7 +51,7 @@ std::string whole_file(const std::string& path) {
     return content;
 }
 
-/// SoftHSM's configuration. Its parser ends a value at some characters and cuts a long line.
+// SoftHSM's configuration. Its parser ends a value at some characters and cuts a long line.
 std::string configuration(const fs::path& home) {
     const std::string folder = fs::absolute(home).string();
     if (folder.find_first_of("#=\r\n") != std::string::npos || folder.size() > 900 ||

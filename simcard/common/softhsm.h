@@ -12,7 +12,7 @@ namespace simcard {
 
 class MemoryFile;
 
-/// SoftHSM could not be loaded or started; code() is what a module's C_Initialize answers for it.
+// SoftHSM could not be loaded or started; code() is what a module's C_Initialize answers for it.
 class SoftHsmProblem : public CardProblem {
   public:
     SoftHsmProblem(const std::string& what, CK_RV code) : CardProblem(what), code_(code) {}
@@ -22,17 +22,15 @@ class SoftHsmProblem : public CardProblem {
     CK_RV code_;
 };
 
-/**
- * SoftHSM, running on a folder of cards as its token folder while this lives.
- *
- * The library is the file named by $ZVSIMCARD_SOFTHSM, else the one found when this was built. A process may
- * hold several at once, also beside a SoftHSM that somebody else started: each but the first gets a copy
- * of the library of its own. Starting one sets SOFTHSM2_CONF for a moment and puts it back: no other thread
- * may use the environment meanwhile.
- */
+// SoftHSM, running on a folder of cards as its token folder while this lives.
+//
+// The library is the file named by $ZVSIMCARD_SOFTHSM, else the one found when this was built. A process may
+// hold several at once, also beside a SoftHSM that somebody else started: each but the first gets a copy
+// of the library of its own. Starting one sets SOFTHSM2_CONF for a moment and puts it back: no other thread
+// may use the environment meanwhile.
 class SoftHsm {
   public:
-    /// Starts it; `init_args` is what C_Initialize takes. @throws SoftHsmProblem
+    // Starts it; `init_args` is what C_Initialize takes. @throws SoftHsmProblem
     explicit SoftHsm(const std::filesystem::path& home, CK_VOID_PTR init_args = nullptr);
     ~SoftHsm();
     SoftHsm(const SoftHsm&) = delete;
@@ -41,7 +39,7 @@ class SoftHsm {
     [[nodiscard]] CK_FUNCTION_LIST* operator->() const { return functions_; }
     [[nodiscard]] CK_FUNCTION_LIST* get() const { return functions_; }
 
-    /// The slot of the token with that serial number of SoftHSM's own; of a blank one when it is empty.
+    // The slot of the token with that serial number of SoftHSM's own; of a blank one when it is empty.
     [[nodiscard]] std::optional<CK_SLOT_ID> slot_of(std::string_view token) const;
 
   private:

@@ -6,14 +6,14 @@
 namespace simcard {
 namespace {
 
-constexpr CK_ULONG huge_count = 0x7FFFFFFF;
-constexpr CK_ULONG past_the_end = 4096;
+constexpr CK_ULONG HUGE_COUNT = 0x7FFFFFFF;
+constexpr CK_ULONG PAST_THE_END = 4096;
 
 template <std::size_t Size> void fill(CK_UTF8CHAR (&field)[Size]) {
     std::fill(std::begin(field), std::end(field), static_cast<CK_UTF8CHAR>('X'));
 }
 
-/// Fills the texts of a record that describes the module, a slot or a token.
+// Fills the texts of a record that describes the module, a slot or a token.
 void fill_texts(std::string_view type, const Call& call, std::size_t index) {
     if (type == "CK_INFO_PTR") {
         fill(call.pointer<CK_INFO>(index)->manufacturerID);
@@ -31,14 +31,14 @@ void fill_texts(std::string_view type, const Call& call, std::size_t index) {
 }
 
 void falsify_size(Absurdity kind, CK_ULONG& size, CK_ULONG room, bool is_count) {
-    if (kind == Absurdity::count && is_count) size = huge_count;
-    if (kind == Absurdity::length && !is_count) size = std::max(size, room) + past_the_end;
+    if (kind == Absurdity::count && is_count) size = HUGE_COUNT;
+    if (kind == Absurdity::length && !is_count) size = std::max(size, room) + PAST_THE_END;
     if (kind == Absurdity::unavailable) size = CK_UNAVAILABLE_INFORMATION;
     if (kind == Absurdity::brief && !is_count && size != 0) --size;
 }
 
 void falsify_attribute(Absurdity kind, CK_ATTRIBUTE& entry, CK_ULONG room) {
-    if (kind == Absurdity::length) entry.ulValueLen = std::max(entry.ulValueLen, room) + past_the_end;
+    if (kind == Absurdity::length) entry.ulValueLen = std::max(entry.ulValueLen, room) + PAST_THE_END;
     if (kind == Absurdity::unavailable) entry.ulValueLen = CK_UNAVAILABLE_INFORMATION;
     if (kind != Absurdity::text || !entry.pValue) return;
     std::memset(entry.pValue, 'X', room);

@@ -5,7 +5,7 @@
 
 namespace simcard {
 
-/// Makes the answer of a call that succeeded absurd. Writes nothing past the caller's buffers.
+// Makes the answer of a call that succeeded absurd. Writes nothing past the caller's buffers.
 void falsify(Absurdity kind, const Call& call, const Rooms& rooms);
 
 } // namespace simcard

@@ -10,25 +10,25 @@
 
 namespace simcard {
 
-/// Each function's place in the function list.
-template <Function> inline constexpr auto member_of = nullptr;
+// Each function's place in the function list.
+template <Function> inline constexpr auto MEMBER_OF = nullptr;
 #define ZVSIMCARD_MEMBER(name, parameters, names)                                                            \
-    template <> inline constexpr auto member_of<Function::name> = &CK_FUNCTION_LIST::name;
+    template <> inline constexpr auto MEMBER_OF<Function::name> = &CK_FUNCTION_LIST::name;
 CK_EACH_FUNCTION(ZVSIMCARD_MEMBER)
 #undef ZVSIMCARD_MEMBER
 
-/// Calls a function of a list with arguments that were made numbers.
+// Calls a function of a list with arguments that were made numbers.
 using Invoke = CK_RV (*)(const CK_FUNCTION_LIST& list, std::span<const CK_ULONG> arguments);
 
-/// One call, its arguments as numbers: a pointer is its address.
+// One call, its arguments as numbers: a pointer is its address.
 struct Call {
     Function function;
-    std::array<CK_ULONG, most_parameters> arguments;
+    std::array<CK_ULONG, MOST_PARAMETERS> arguments;
     Invoke invoke;
 
     [[nodiscard]] const std::vector<Parameter>& parameters() const { return info(function).parameters; }
 
-    /// An argument that is a pointer.
+    // An argument that is a pointer.
     template <class T> [[nodiscard]] T* pointer(std::size_t index) const {
         return std::bit_cast<T*>(arguments[index]);
     }
@@ -53,7 +53,7 @@ template <class T> T from_number(CK_ULONG number) {
 template <Function F, class... A> Call make_call(A... arguments) {
     constexpr Invoke invoke = [](const CK_FUNCTION_LIST& list, std::span<const CK_ULONG> numbers) {
         return [&]<std::size_t... I>(std::index_sequence<I...>) {
-            return (list.*member_of<F>)(from_number<A>(numbers[I])...);
+            return (list.*MEMBER_OF<F>)(from_number<A>(numbers[I])...);
         }
         (std::index_sequence_for<A...>{});
     };

@@ -6,16 +6,17 @@
 #include "simcard/module/describe.h"
 #include "simcard/module/state.h"
 
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <dlfcn.h>
-#include <fcntl.h>
 #include <iostream>
 #include <numeric>
 #include <thread>
-#include <unistd.h>
 
 namespace simcard {
 namespace {
@@ -31,14 +32,14 @@ template <class D> const D* find(const std::vector<Deed>& deeds) {
     std::abort();
 }
 
-/// Rules that count over the whole run of a program need the module to stay when the program unloads it.
+// Rules that count over the whole run of a program need the module to stay when the program unloads it.
 void stay_loaded() {
     Dl_info self{};
     if (::dladdr(reinterpret_cast<void*>(&stay_loaded), &self) != 0)
         ::dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-/// The slot that a call goes to, the first one when it goes to none.
+// The slot that a call goes to, the first one when it goes to none.
 CK_SLOT_ID slot_of(const Call& call) {
     const auto& parameters = call.parameters();
     if (parameters.empty()) return 0;

@@ -14,17 +14,17 @@
 
 namespace simcard {
 
-/// What zvsimcard_control.h lets a test do to the calls of this process. It outlives C_Finalize.
+// What zvsimcard_control.h lets a test do to the calls of this process. It outlives C_Finalize.
 class Control {
   public:
-    /// Takes rules, trace and key file from the environment.
+    // Takes rules, trace and key file from the environment.
     Control();
 
-    /// Does a call through `perform`, or not, as the rules say; counts and records it.
+    // Does a call through `perform`, or not, as the rules say; counts and records it.
     [[nodiscard]] CK_RV around(const Call& call, const std::function<CK_RV()>& perform);
 
     [[nodiscard]] bool environment_understood() const { return environment_understood_; }
-    /// 0, or the number of the first rule that is not understood.
+    // 0, or the number of the first rule that is not understood.
     [[nodiscard]] int add_rules(std::string_view text);
     [[nodiscard]] unsigned long rules_left() const;
     [[nodiscard]] unsigned long calls(std::optional<Function> function) const;
@@ -41,7 +41,7 @@ class Control {
     void record(const Call& call, const Rooms& rooms, std::optional<CK_RV> result);
 
     std::vector<Rule> rules_;
-    std::array<unsigned long, function_count> counts_{};
+    std::array<unsigned long, FUNCTION_COUNT> counts_{};
     std::filesystem::path key_file_;
     std::filesystem::path trace_file_;
     std::string recorded_;
@@ -49,13 +49,13 @@ class Control {
     bool environment_understood_ = true;
 };
 
-/// The one control of this copy of the module.
+// The one control of this copy of the module.
 [[nodiscard]] Control& control();
 
-/// Held during every call into the module: a card does one thing at a time.
+// Held during every call into the module: a card does one thing at a time.
 [[nodiscard]] std::mutex& gate();
 
-/// The folder of the card in a slot, whether the module is initialised or not.
+// The folder of the card in a slot, whether the module is initialised or not.
 [[nodiscard]] std::optional<std::filesystem::path> folder_of_slot(CK_SLOT_ID slot);
 
 } // namespace simcard

@@ -13,7 +13,7 @@ namespace {
 using simcard::control;
 using simcard::gate;
 
-/// Changes the card in a slot by `change`; 0 when that was done.
+// Changes the card in a slot by `change`; 0 when that was done.
 int change_card(unsigned long slot, void (*change)(const std::filesystem::path&)) noexcept {
     try {
         const std::lock_guard held(gate());

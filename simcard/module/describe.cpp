@@ -15,7 +15,7 @@ struct AttributeName {
 
 #define ZVSIMCARD_NAMED(attribute)                                                                           \
     { attribute, #attribute }
-constexpr AttributeName attribute_names[] = {
+constexpr AttributeName ATTRIBUTE_NAMES[] = {
     ZVSIMCARD_NAMED(CKA_CLASS),
     ZVSIMCARD_NAMED(CKA_TOKEN),
     ZVSIMCARD_NAMED(CKA_PRIVATE),
@@ -58,7 +58,7 @@ std::string hexadecimal_number(CK_ULONG number) {
 }
 
 std::string name_of(CK_ATTRIBUTE_TYPE type) {
-    for (const auto& [known, name] : attribute_names)
+    for (const auto& [known, name] : ATTRIBUTE_NAMES)
         if (known == type) return name;
     return hexadecimal_number(type);
 }
@@ -71,7 +71,7 @@ std::string bytes_at(const void* place, CK_ULONG length) {
     return hexadecimal({static_cast<const char*>(place), length});
 }
 
-/// "CKA_ID 255>3 445330": the room given, the length told, and the value where there is one in the room.
+// "CKA_ID 255>3 445330": the room given, the length told, and the value where there is one in the room.
 std::string describe_attribute(const CK_ATTRIBUTE& entry, CK_ULONG room, bool succeeded) {
     std::string text = name_of(entry.type) + " " + std::to_string(room);
     if (entry.ulValueLen != room) text += ">" + std::to_string(entry.ulValueLen);
@@ -96,7 +96,7 @@ std::string describe_mechanism(const CK_MECHANISM& mechanism) {
     return text;
 }
 
-/// How many numbers stand where a parameter points: one, or as many as the call says within the caller's room.
+// How many numbers stand where a parameter points: one, or as many as the call says within the caller's room.
 CK_ULONG numbers_at(const Call& call, const Rooms& rooms, std::size_t index) {
     const auto& parameters = call.parameters();
     const bool is_search = call.function == Function::C_FindObjects;
@@ -121,7 +121,7 @@ std::string describe_number(const Call& call, std::size_t index) {
     return in_bits ? hexadecimal_number(value) : std::to_string(value);
 }
 
-/// The text of an argument; none for what is not recorded.
+// The text of an argument; none for what is not recorded.
 std::optional<std::string> describe_argument(const Call& call, const Rooms& rooms, std::size_t index,
                                              bool succeeded) {
     const Role role = call.parameters()[index].role;

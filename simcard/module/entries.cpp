@@ -12,7 +12,7 @@
 namespace simcard {
 namespace {
 
-/// Turns what went wrong inside into what a module answers: no exception leaves it.
+// Turns what went wrong inside into what a module answers: no exception leaves it.
 CK_RV answer_of_failure() {
     try {
         throw;
@@ -26,7 +26,7 @@ CK_RV answer_of_failure() {
     return CKR_DEVICE_ERROR;
 }
 
-/// Does a call by a card's own function, or by SoftHSM's.
+// Does a call by a card's own function, or by SoftHSM's.
 CK_RV perform(const Call& call, bool own) noexcept {
     try {
         return own ? call.invoke(own_functions(), call.arguments) : forward(call);
@@ -35,7 +35,7 @@ CK_RV perform(const Call& call, bool own) noexcept {
     }
 }
 
-/// The way that every call takes: the control stands around it.
+// The way that every call takes: the control stands around it.
 CK_RV dispatch(const Call& call, bool own) noexcept {
     try {
         const std::lock_guard held(gate());
@@ -46,7 +46,7 @@ CK_RV dispatch(const Call& call, bool own) noexcept {
 }
 
 template <Function F, class... A> CK_RV enter(A... arguments) noexcept {
-    return dispatch(make_call<F>(arguments...), own_functions().*member_of<F> != nullptr);
+    return dispatch(make_call<F>(arguments...), own_functions().*MEMBER_OF<F> != nullptr);
 }
 
 } // namespace

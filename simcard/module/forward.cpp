@@ -15,7 +15,7 @@ namespace {
 
 struct Target {
     Slot* slot = nullptr;
-    CK_SESSION_HANDLE session = 0; ///< SoftHSM's
+    CK_SESSION_HANDLE session = 0; // SoftHSM's
 };
 
 CK_RV exchange_slot(CK_ULONG& argument, Target& target) {
@@ -35,7 +35,7 @@ CK_RV exchange_session(CK_ULONG& argument, Target& target) {
     return CKR_OK;
 }
 
-/// A handle that is none of ours becomes one that SoftHSM does not know.
+// A handle that is none of ours becomes one that SoftHSM does not know.
 void exchange_object(CK_ULONG& argument) {
     const auto found = state().objects.find(argument);
     argument = found == state().objects.end() ? CK_INVALID_HANDLE : found->second.hidden;
@@ -60,7 +60,7 @@ bool makes_objects(const Call& call) {
                        [](const Parameter& parameter) { return parameter.role == Role::new_objects; });
 }
 
-/// How many token objects the call asks for: a template each. A copy is one unless its template says no.
+// How many token objects the call asks for: a template each. A copy is one unless its template says no.
 CK_ULONG token_objects_asked(const Call& call) {
     const auto& parameters = call.parameters();
     const bool unsaid = call.function == Function::C_CopyObject;
@@ -73,8 +73,8 @@ CK_ULONG token_objects_asked(const Call& call) {
     return asked;
 }
 
-/// The objects on a card, also those that nobody has seen because nobody is logged in: a file each, beside
-/// the token's own.
+// The objects on a card, also those that nobody has seen because nobody is logged in: a file each, beside
+// the token's own.
 CK_ULONG objects_on(const fs::path& folder) {
     std::error_code error;
     CK_ULONG found = 0;
@@ -101,14 +101,14 @@ bool logged_in(CK_SESSION_HANDLE session) {
     return info.state != CKS_RO_PUBLIC_SESSION && info.state != CKS_RW_PUBLIC_SESSION;
 }
 
-/// Whether a call is to change what the card holds. SoftHSM lets everybody change public objects, cards do not.
+// Whether a call is to change what the card holds. SoftHSM lets everybody change public objects, cards do not.
 bool changes_card(const Call& call, const Target& target) {
     if (call.function == Function::C_DestroyObject || call.function == Function::C_SetAttributeValue)
         return is_token_object(target.session, call.arguments[1]);
     return makes_objects(call) && token_objects_asked(call) > 0;
 }
 
-/// Gives the objects that a call made handles of ours, and a place in the card's order.
+// Gives the objects that a call made handles of ours, and a place in the card's order.
 void take_in_objects(const Call& call, const Target& target) {
     const auto& parameters = call.parameters();
     for (std::size_t i = 0; i < parameters.size(); ++i) {

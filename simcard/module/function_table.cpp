@@ -7,7 +7,7 @@
 namespace simcard {
 namespace {
 
-constexpr std::pair<std::string_view, Role> role_of_type[] = {
+constexpr std::pair<std::string_view, Role> ROLE_OF_TYPE[] = {
     {"CK_SLOT_ID", Role::slot},
     {"CK_SESSION_HANDLE", Role::session},
     {"CK_OBJECT_HANDLE", Role::object},
@@ -25,16 +25,16 @@ constexpr std::pair<std::string_view, Role> role_of_type[] = {
     {"CK_BBOOL", Role::number},
 };
 
-constexpr std::string_view secrets[] = {"pPin", "ulPinLen", "pOldPin", "ulOldLen", "pNewPin", "ulNewLen"};
+constexpr std::string_view SECRETS[] = {"pPin", "ulPinLen", "pOldPin", "ulOldLen", "pNewPin", "ulNewLen"};
 
 Role role_of(std::string_view type, std::string_view name) {
-    if (std::find(std::begin(secrets), std::end(secrets), name) != std::end(secrets)) return Role::secret;
-    for (const auto& [known, role] : role_of_type)
+    if (std::find(std::begin(SECRETS), std::end(SECRETS), name) != std::end(SECRETS)) return Role::secret;
+    for (const auto& [known, role] : ROLE_OF_TYPE)
         if (known == type) return role;
     return Role::other;
 }
 
-/// Takes apart a list such as "(CK_SLOT_ID slotID, CK_SLOT_INFO_PTR pInfo)".
+// Takes apart a list such as "(CK_SLOT_ID slotID, CK_SLOT_INFO_PTR pInfo)".
 std::vector<Parameter> parse(std::string_view text) {
     std::vector<Parameter> parameters;
     text = text.substr(1, text.size() - 2);
@@ -51,8 +51,8 @@ std::vector<Parameter> parse(std::string_view text) {
     return parameters;
 }
 
-const std::array<FunctionInfo, function_count>& table() {
-    static const std::array<FunctionInfo, function_count> functions = {{
+const std::array<FunctionInfo, FUNCTION_COUNT>& table() {
+    static const std::array<FunctionInfo, FUNCTION_COUNT> functions = {{
 #define ZVSIMCARD_ROW(name, parameters, names) {#name, parse(#parameters)},
         CK_EACH_FUNCTION(ZVSIMCARD_ROW)
 #undef ZVSIMCARD_ROW
@@ -67,7 +67,7 @@ const FunctionInfo& info(Function function) {
 }
 
 std::optional<Function> function_named(std::string_view name) {
-    for (std::size_t i = 0; i < function_count; ++i)
+    for (std::size_t i = 0; i < FUNCTION_COUNT; ++i)
         if (table()[i].name == name) return static_cast<Function>(i);
     return std::nullopt;
 }

@@ -10,7 +10,7 @@
 
 namespace simcard {
 
-/// The functions of PKCS#11, in the order of the function list.
+// The functions of PKCS#11, in the order of the function list.
 enum class Function : unsigned {
 #define ZVSIMCARD_NAME(name, parameters, names) name,
     CK_EACH_FUNCTION(ZVSIMCARD_NAME)
@@ -18,24 +18,24 @@ enum class Function : unsigned {
 };
 
 #define ZVSIMCARD_ONE(name, parameters, names) Function::name,
-inline constexpr std::size_t function_count =
+inline constexpr std::size_t FUNCTION_COUNT =
     std::initializer_list<Function>{CK_EACH_FUNCTION(ZVSIMCARD_ONE)}.size();
 #undef ZVSIMCARD_ONE
 
-inline constexpr std::size_t most_parameters = 8;
+inline constexpr std::size_t MOST_PARAMETERS = 8;
 
-/// What a parameter is to a module that stands between its caller and another module.
+// What a parameter is to a module that stands between its caller and another module.
 enum class Role {
     number,
     slot,
     session,
-    object,      ///< handle of an object
-    new_objects, ///< where the handles of objects go
-    numbers,     ///< where other handles, slots or mechanisms go
-    size,        ///< where a length or a count goes
-    attributes,  ///< a template; the parameter behind it is the count
+    object,      // handle of an object
+    new_objects, // where the handles of objects go
+    numbers,     // where other handles, slots or mechanisms go
+    size,        // where a length or a count goes
+    attributes,  // a template; the parameter behind it is the count
     mechanism,
-    secret, ///< a PIN or its length
+    secret, // a PIN or its length
     other,
 };
 
@@ -50,10 +50,10 @@ struct FunctionInfo {
     std::vector<Parameter> parameters;
 };
 
-/// Name and parameters of a function.
+// Name and parameters of a function.
 [[nodiscard]] const FunctionInfo& info(Function function);
 
-/// The function of that name, such as "C_Login".
+// The function of that name, such as "C_Login".
 [[nodiscard]] std::optional<Function> function_named(std::string_view name);
 
 } // namespace simcard

@@ -4,10 +4,11 @@
 #include "simcard/common/problem.h"
 
 #include <fcntl.h>
+#include <unistd.h>
+
 #include <fstream>
 #include <optional>
 #include <sstream>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 

@@ -4,10 +4,10 @@
 
 namespace simcard {
 
-/// The functions for which a card's answer is not SoftHSM's; the other entries are null.
+// The functions for which a card's answer is not SoftHSM's; the other entries are null.
 [[nodiscard]] const CK_FUNCTION_LIST& own_functions();
 
-/// The function list that callers get.
+// The function list that callers get.
 [[nodiscard]] CK_FUNCTION_LIST* public_functions();
 
 namespace own {

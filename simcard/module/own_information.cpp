@@ -10,8 +10,8 @@
 namespace simcard::own {
 namespace {
 
-constexpr const char* manufacturer = "zvRenew simulated card";
-constexpr CK_FLAGS all_user_pin_flags = CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED;
+constexpr const char* MANUFACTURER = "zvRenew simulated card";
+constexpr CK_FLAGS ALL_USER_PIN_FLAGS = CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED;
 
 CK_FLAGS user_pin_flags(const Card& card) {
     CK_FLAGS flags = 0;
@@ -35,7 +35,7 @@ std::vector<CK_SLOT_ID> listed_slots(bool with_card_only) {
 CK_RV get_info(CK_INFO_PTR info) {
     const CK_RV result = forward<Function::C_GetInfo>(info);
     if (result != CKR_OK) return result;
-    pad(info->manufacturerID, manufacturer);
+    pad(info->manufacturerID, MANUFACTURER);
     pad(info->libraryDescription, "Simulated smart cards");
     return CKR_OK;
 }
@@ -59,7 +59,7 @@ CK_RV get_slot_info(CK_SLOT_ID slot, CK_SLOT_INFO_PTR info) {
     const Card& card = state().slots[slot].card();
     *info = CK_SLOT_INFO{};
     pad(info->slotDescription, card.reader);
-    pad(info->manufacturerID, manufacturer);
+    pad(info->manufacturerID, MANUFACTURER);
     info->flags = CKF_REMOVABLE_DEVICE | CKF_HW_SLOT | (card.inserted ? CKF_TOKEN_PRESENT : 0);
     info->hardwareVersion = info->firmwareVersion = {1, 0};
     return CKR_OK;
@@ -69,11 +69,11 @@ CK_RV get_token_info(CK_SLOT_ID slot, CK_TOKEN_INFO_PTR info) {
     const CK_RV result = forward<Function::C_GetTokenInfo>(slot, info);
     if (result != CKR_OK) return result;
     const Card& card = state().slots[slot].card();
-    pad(info->manufacturerID, manufacturer);
+    pad(info->manufacturerID, MANUFACTURER);
     pad(info->model, card.profile);
     pad(info->label, card.label);
     pad(info->serialNumber, card.serial);
-    info->flags = (info->flags & ~all_user_pin_flags) | user_pin_flags(card);
+    info->flags = (info->flags & ~ALL_USER_PIN_FLAGS) | user_pin_flags(card);
     return CKR_OK;
 }
 

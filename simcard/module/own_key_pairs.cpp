@@ -13,13 +13,13 @@
 namespace simcard::own {
 namespace {
 
-constexpr CK_ATTRIBUTE_TYPE part_types[RsaKey::parts] = {
+constexpr CK_ATTRIBUTE_TYPE PART_TYPES[RsaKey::PARTS] = {
     CKA_MODULUS, CKA_PUBLIC_EXPONENT, CKA_PRIVATE_EXPONENT, CKA_PRIME_1,
     CKA_PRIME_2, CKA_EXPONENT_1,      CKA_EXPONENT_2,       CKA_COEFFICIENT,
 };
 
-/// The public exponent of the keys in the file, 65537.
-constexpr std::string_view usual_exponent("\x01\x00\x01", 3);
+// The public exponent of the keys in the file, 65537.
+constexpr std::string_view USUAL_EXPONENT("\x01\x00\x01", 3);
 
 CK_ATTRIBUTE entry_of(CK_ATTRIBUTE_TYPE type, const std::string& value) {
     return {type, const_cast<char*>(value.data()), value.size()};
@@ -29,7 +29,7 @@ template <class T> CK_ATTRIBUTE entry_for(CK_ATTRIBUTE_TYPE type, T& value) {
     return {type, &value, sizeof value};
 }
 
-/// A session of SoftHSM's own beside the caller's: what the caller has under way stays as it is.
+// A session of SoftHSM's own beside the caller's: what the caller has under way stays as it is.
 class SideSession {
   public:
     explicit SideSession(const Session& beside) {
@@ -71,12 +71,12 @@ bool SideSession::read_part(CK_OBJECT_HANDLE key, CK_ATTRIBUTE_TYPE type, std::s
     return true;
 }
 
-/// Makes a key pair that ends with its PKCS#11 session, open to be read.
+// Makes a key pair that ends with its PKCS#11 session, open to be read.
 std::optional<RsaKey> SideSession::generate(CK_ULONG bits) {
     CK_BBOOL yes = CK_TRUE;
     CK_BBOOL no = CK_FALSE;
     CK_MECHANISM mechanism{CKM_RSA_PKCS_KEY_PAIR_GEN, nullptr, 0};
-    std::string exponent(usual_exponent);
+    std::string exponent(USUAL_EXPONENT);
     CK_ATTRIBUTE open[] = {entry_for(CKA_MODULUS_BITS, bits), entry_of(CKA_PUBLIC_EXPONENT, exponent)};
     CK_ATTRIBUTE secret[] = {entry_for(CKA_PRIVATE, no), entry_for(CKA_SENSITIVE, no),
                              entry_for(CKA_EXTRACTABLE, yes)};
@@ -86,12 +86,12 @@ std::optional<RsaKey> SideSession::generate(CK_ULONG bits) {
         CKR_OK)
         return std::nullopt;
     RsaKey key;
-    for (std::size_t part = 0; part < RsaKey::parts; ++part)
-        if (!read_part(private_key, part_types[part], key.numbers[part])) return std::nullopt;
+    for (std::size_t part = 0; part < RsaKey::PARTS; ++part)
+        if (!read_part(private_key, PART_TYPES[part], key.numbers[part])) return std::nullopt;
     return key;
 }
 
-/// The size of the key pair asked for, when it is one that the file can serve.
+// The size of the key pair asked for, when it is one that the file can serve.
 std::optional<CK_ULONG> size_asked(const CK_MECHANISM* mechanism, const CK_ATTRIBUTE* attributes,
                                    CK_ULONG count) {
     if (!mechanism || mechanism->mechanism != CKM_RSA_PKCS_KEY_PAIR_GEN) return std::nullopt;
@@ -99,7 +99,7 @@ std::optional<CK_ULONG> size_asked(const CK_MECHANISM* mechanism, const CK_ATTRI
     for (const CK_ATTRIBUTE* entry = attributes; entry != attributes + count; ++entry) {
         const std::string_view value(static_cast<const char*>(entry->pValue),
                                      entry->pValue ? entry->ulValueLen : 0);
-        if (entry->type == CKA_PUBLIC_EXPONENT && value != usual_exponent) return std::nullopt;
+        if (entry->type == CKA_PUBLIC_EXPONENT && value != USUAL_EXPONENT) return std::nullopt;
         if (entry->type == CKA_MODULUS_BITS && value.size() == sizeof(CK_ULONG)) {
             bits.emplace();
             std::copy(value.begin(), value.end(), reinterpret_cast<char*>(&*bits));
@@ -117,8 +117,8 @@ std::optional<RsaKey> ready_made(const Session& session, CK_ULONG bits) {
     return made;
 }
 
-/// A template for C_CreateObject out of one for the generation: the caller's entries, what the key is, its
-/// numbers.
+// A template for C_CreateObject out of one for the generation: the caller's entries, what the key is, its
+// numbers.
 class Creation {
   public:
     Creation(const CK_ATTRIBUTE* attributes, CK_ULONG count, CK_OBJECT_CLASS object_class, bool is_private)
@@ -137,7 +137,7 @@ class Creation {
     [[nodiscard]] CK_RV create(CK_SESSION_HANDLE session, const RsaKey& key, std::size_t parts,
                                CK_OBJECT_HANDLE* handle) {
         for (std::size_t part = 0; part < parts; ++part)
-            entries_.push_back(entry_of(part_types[part], key.numbers[part]));
+            entries_.push_back(entry_of(PART_TYPES[part], key.numbers[part]));
         return forward<Function::C_CreateObject>(session, entries_.data(), CK_ULONG{entries_.size()}, handle);
     }
 
@@ -153,17 +153,17 @@ class Creation {
     std::vector<CK_ATTRIBUTE> entries_;
 };
 
-/// Writes a key pair to the card, both keys or none.
+// Writes a key pair to the card, both keys or none.
 CK_RV write_pair(CK_SESSION_HANDLE session, const RsaKey& key, Creation& open, CK_OBJECT_HANDLE* public_key,
                  Creation& secret, CK_OBJECT_HANDLE* private_key) {
     CK_RV result = open.create(session, key, 2, public_key);
     if (result != CKR_OK) return result;
-    result = secret.create(session, key, RsaKey::parts, private_key);
+    result = secret.create(session, key, RsaKey::PARTS, private_key);
     if (result != CKR_OK) static_cast<void>(destroy_object(session, *public_key));
     return result;
 }
 
-/// The template of a private key, with what the card makes of it: such a key may want the PIN before each signature.
+// The template of a private key, with what the card makes of it: such a key may want the PIN before each signature.
 std::vector<CK_ATTRIBUTE> as_the_card_makes_it(const Session& session, const CK_ATTRIBUTE* attributes,
                                                CK_ULONG count) {
     static CK_BBOOL yes = CK_TRUE;

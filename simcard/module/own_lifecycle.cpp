@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 namespace simcard::own {
 namespace {
 
-/// The folder of cards, made when it is not there: SoftHSM does not start without one.
+// The folder of cards, made when it is not there: SoftHSM does not start without one.
 fs::path existing_home() {
     fs::path home = cards_home();
     std::error_code error;

@@ -9,14 +9,14 @@
 namespace simcard::own {
 namespace {
 
-/// An object's fingerprint, read from the card the first time.
+// An object's fingerprint, read from the card the first time.
 const std::string& fingerprint_of(const Session& session, Object& object) {
     if (object.fingerprint.empty())
         object.fingerprint = fingerprint(*state().hsm->get(), session.hidden, object.hidden);
     return object.fingerprint;
 }
 
-/// What a search that SoftHSM has started finds, in SoftHSM's order, which means nothing.
+// What a search that SoftHSM has started finds, in SoftHSM's order, which means nothing.
 std::vector<CK_OBJECT_HANDLE> drain(const Session& session) {
     std::vector<CK_OBJECT_HANDLE> found;
     std::array<CK_OBJECT_HANDLE, 64> some;
@@ -43,7 +43,7 @@ std::vector<Found> with_fingerprints(const Session& session, const std::vector<C
     return found;
 }
 
-/// Handles of ours for what was found, in the order of the card.
+// Handles of ours for what was found, in the order of the card.
 std::deque<CK_OBJECT_HANDLE> in_order(const Session& session, const std::vector<CK_OBJECT_HANDLE>& hidden) {
     const ObjectOrder order(folder_of(session));
     auto found = with_fingerprints(session, hidden);
@@ -58,7 +58,7 @@ std::deque<CK_OBJECT_HANDLE> in_order(const Session& session, const std::vector<
     return handles;
 }
 
-/// Does what changes an object or destroys it, and keeps its place in the order.
+// Does what changes an object or destroys it, and keeps its place in the order.
 template <class Change>
 CK_RV keeping_order(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, Change change) {
     const CK_RV reached = state().reach_session(session);

@@ -23,7 +23,7 @@ void restore_tries(const std::filesystem::path& folder) {
     update_card(folder, [](Card& card) { card.pin_tries_left = card.pin_tries_max; });
 }
 
-/// Lets the user's PIN be compared, and counts. No other process compares meanwhile.
+// Lets the user's PIN be compared, and counts. No other process compares meanwhile.
 CK_RV counted(const std::filesystem::path& folder, const std::function<CK_RV()>& compare) {
     const CardLock lock(folder);
     Card card = load_card(folder);
@@ -36,8 +36,8 @@ CK_RV counted(const std::filesystem::path& folder, const std::function<CK_RV()>&
     return result;
 }
 
-/// The PIN that a key wants before a signature, where it has one of its own. SoftHSM then gets the user's, or for a
-/// wrong one a wrong one.
+// The PIN that a key wants before a signature, where it has one of its own. SoftHSM then gets the user's, or for a
+// wrong one a wrong one.
 CK_RV compare_signature_pin(CK_SESSION_HANDLE session, std::string_view pin, const std::string& wanted) {
     std::string text = state().user_pins[state().session(session)->slot];
     if (pin != wanted) text += '?';

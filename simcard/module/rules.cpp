@@ -26,7 +26,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// The part in front of a separator; the rest stays in `text`.
+// The part in front of a separator; the rest stays in `text`.
 std::string_view take(std::string_view& text, std::string_view separators) {
     const auto end = std::min(text.find_first_of(separators), text.size());
     const auto part = trimmed(text.substr(0, end));
@@ -83,7 +83,7 @@ std::optional<Deed> parse_deed(std::string_view name, std::string_view value) {
     return std::nullopt;
 }
 
-/// Reads "FUNCTION:WHEN:DEED" or "FUNCTION:WHEN:DEED:VALUE".
+// Reads "FUNCTION:WHEN:DEED" or "FUNCTION:WHEN:DEED:VALUE".
 std::optional<Rule> parse_rule(std::string_view text) {
     Rule rule;
     const auto function = take(text, ":");

@@ -10,7 +10,7 @@
 namespace simcard {
 namespace {
 
-constexpr std::size_t most_slots = 10;
+constexpr std::size_t MOST_SLOTS = 10;
 
 #ifdef __APPLE__
 auto changed_at(const struct stat& file) {
@@ -30,7 +30,7 @@ Slot::Slot(Card card, std::optional<CK_SLOT_ID> token) : card_(std::move(card)),
 
 bool Slot::file_changed() {
     struct stat now {};
-    if (::stat((card_.folder / card_file).c_str(), &now) != 0) return true;
+    if (::stat((card_.folder / CARD_FILE).c_str(), &now) != 0) return true;
     const bool same = now.st_ino == seen_.st_ino && changed_at(now) == changed_at(seen_);
     seen_ = now;
     return !same;
@@ -50,7 +50,7 @@ bool Slot::was_taken_out() {
 
 std::vector<Slot> make_slots(const std::vector<Card>& cards, const SoftHsm& hsm) {
     std::vector<Slot> slots;
-    for (std::size_t i = 0; i < std::min(cards.size(), most_slots); ++i)
+    for (std::size_t i = 0; i < std::min(cards.size(), MOST_SLOTS); ++i)
         slots.emplace_back(cards[i], hsm.slot_of(cards[i].token));
     return slots;
 }

@@ -12,12 +12,12 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr const char* copy_folder = "as-made";
+constexpr const char* COPY_FOLDER = "as-made";
 
 // What the card consists of, beside card.ini, which is put back under its own rules; locks are of the moment.
 bool is_content(const fs::directory_entry& entry) {
     const fs::path& file = entry.path();
-    return entry.is_regular_file() && file.extension() != ".lock" && file.filename() != card_file;
+    return entry.is_regular_file() && file.extension() != ".lock" && file.filename() != CARD_FILE;
 }
 
 void copy_content(const fs::path& from, const fs::path& to) {
@@ -50,16 +50,16 @@ void make_missing_locks(const fs::path& folder) {
 } // namespace
 
 void keep_as_made(const Card& card) {
-    const fs::path as_made = card.folder / copy_folder;
+    const fs::path as_made = card.folder / COPY_FOLDER;
     fs::create_directory(as_made);
     fs::permissions(as_made, fs::perms::owner_all);
     copy_content(card.folder, as_made);
-    fs::copy_file(card.folder / card_file, as_made / card_file);
+    fs::copy_file(card.folder / CARD_FILE, as_made / CARD_FILE);
 }
 
 void put_back_as_made(const fs::path& folder) {
-    const fs::path as_made = folder / copy_folder;
-    if (!fs::exists(as_made / card_file))
+    const fs::path as_made = folder / COPY_FOLDER;
+    if (!fs::exists(as_made / CARD_FILE))
         throw Refusal("The card \"" + folder.filename().string() + "\" was not kept as it was made.");
     update_card(folder, [&](Card& card) {
         if (!card.inserted && holds_a_card(folder.parent_path(), card.reader))

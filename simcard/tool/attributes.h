@@ -9,7 +9,7 @@
 
 namespace simcard {
 
-/// A PKCS#11 template that owns its values and wipes them at the end: some are private keys.
+// A PKCS#11 template that owns its values and wipes them at the end: some are private keys.
 class Attributes {
   public:
     Attributes() = default;

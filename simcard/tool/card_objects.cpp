@@ -5,6 +5,7 @@
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>
 #include <openssl/x509.h>
+
 #include <span>
 
 namespace simcard {
@@ -15,12 +16,12 @@ struct KeyNumber {
     const char* name;
 };
 
-constexpr KeyNumber public_numbers[] = {
+constexpr KeyNumber PUBLIC_NUMBERS[] = {
     {CKA_MODULUS, OSSL_PKEY_PARAM_RSA_N},
     {CKA_PUBLIC_EXPONENT, OSSL_PKEY_PARAM_RSA_E},
 };
 
-constexpr KeyNumber private_numbers[] = {
+constexpr KeyNumber PRIVATE_NUMBERS[] = {
     {CKA_PRIVATE_EXPONENT, OSSL_PKEY_PARAM_RSA_D},   {CKA_PRIME_1, OSSL_PKEY_PARAM_RSA_FACTOR1},
     {CKA_PRIME_2, OSSL_PKEY_PARAM_RSA_FACTOR2},      {CKA_EXPONENT_1, OSSL_PKEY_PARAM_RSA_EXPONENT1},
     {CKA_EXPONENT_2, OSSL_PKEY_PARAM_RSA_EXPONENT2}, {CKA_COEFFICIENT, OSSL_PKEY_PARAM_RSA_COEFFICIENT1},
@@ -63,7 +64,7 @@ Attributes public_key_object(const EVP_PKEY& key, std::string_view id) {
         .add_number(CKA_KEY_TYPE, CKK_RSA)
         .add_flag(CKA_VERIFY, true)
         .add_flag(CKA_ENCRYPT, true);
-    add_key_numbers(object, key, public_numbers);
+    add_key_numbers(object, key, PUBLIC_NUMBERS);
     return object;
 }
 
@@ -75,8 +76,8 @@ Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool ask
         .add_flag(CKA_EXTRACTABLE, false);
     object.add_flag(CKA_SIGN, true).add_flag(CKA_DECRYPT, true);
     if (asks) object.add_flag(CKA_ALWAYS_AUTHENTICATE, true);
-    add_key_numbers(object, key, public_numbers);
-    add_key_numbers(object, key, private_numbers);
+    add_key_numbers(object, key, PUBLIC_NUMBERS);
+    add_key_numbers(object, key, PRIVATE_NUMBERS);
     return object;
 }
 

@@ -9,13 +9,13 @@ namespace simcard {
 
 [[nodiscard]] Attributes public_key_object(const EVP_PKEY& key, std::string_view id);
 
-/// Private, sensitive, not extractable; signs and decrypts, with the PIN before each use when it asks for it.
+// Private, sensitive, not extractable; signs and decrypts, with the PIN before each use when it asks for it.
 [[nodiscard]] Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool asks = false);
 
-/// X.509, with subject, issuer and serial number in DER beside the value.
+// X.509, with subject, issuer and serial number in DER beside the value.
 [[nodiscard]] Attributes certificate_object(X509& certificate, std::string_view id);
 
-/// Data that is read without the PIN; it has no CKA_ID.
+// Data that is read without the PIN; it has no CKA_ID.
 [[nodiscard]] Attributes public_data_object(std::string_view label, std::string_view value);
 
 } // namespace simcard

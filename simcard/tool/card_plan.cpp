@@ -4,18 +4,19 @@
 #include "simcard/authority/errors.h"
 #include "simcard/common/card_folder.h"
 
-#include <algorithm>
 #include <openssl/rand.h>
+
+#include <algorithm>
 
 namespace simcard {
 namespace {
 
 // What any text may consist of here, beside letters and digits.
-constexpr std::string_view in_names = ".-_";
+constexpr std::string_view IN_NAMES = ".-_";
 // Names of readers stand in lists and configuration files: no separator of theirs may be in one.
-constexpr std::string_view in_readers = " .-_()/+,:'";
+constexpr std::string_view IN_READERS = " .-_()/+,:'";
 
-constexpr int days_past = -6 * 365; // three years of life before that are still within the authority's time
+constexpr int DAYS_PAST = -6 * 365; // three years of life before that are still within the authority's time
 
 bool consists_of_letters_and(std::string_view others, std::string_view text) {
     return std::all_of(text.begin(), text.end(), [&](char c) {
@@ -32,7 +33,7 @@ void check_text(const char* what, std::string_view text, std::size_t most, std::
 }
 
 void check_days(int days) {
-    if (days < days_past || days > longest_days)
+    if (days < DAYS_PAST || days > LONGEST_DAYS)
         throw Refusal("A card's certificate ends within 10 years from now, or ended within the last 6.");
 }
 
@@ -63,9 +64,9 @@ bool holds_a_card(const std::filesystem::path& home, const std::string& reader) 
 CardPlan completed(CardPlan plan, const std::filesystem::path& home) {
     if (plan.reader.empty()) plan.reader = free_reader(home);
     if (plan.serial.empty()) plan.serial = random_serial();
-    check_text("name", plan.name, 32, in_names);
+    check_text("name", plan.name, 32, IN_NAMES);
     if (plan.name.front() == '.') throw Refusal("A card's name cannot start with a dot.");
-    check_text("reader", plan.reader, 63, in_readers);
+    check_text("reader", plan.reader, 63, IN_READERS);
     if (plan.reader.front() == ' ' || plan.reader.back() == ' ')
         throw Refusal("A reader's name cannot start or end with a blank.");
     check_text("serial number", plan.serial, 16, "");

@@ -5,6 +5,7 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+
 #include <memory>
 
 namespace fs = std::filesystem;
@@ -12,7 +13,7 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr const char* description =
+constexpr const char* DESCRIPTION =
     "Makes simulated smart cards for demonstrations and tests, and plays the authority that certifies them.\n"
     "Exit codes: 0 done, 1 refused, 2 wrong usage, 3 failed.";
 
@@ -102,7 +103,7 @@ void add_config_command(CLI::App& program, const Home& home) {
 } // namespace
 
 int run_command_line(int argc, char** argv) {
-    CLI::App program(description, "zvsimcard-tool");
+    CLI::App program(DESCRIPTION, "zvsimcard-tool");
     Home home;
     program.add_option("--home", home.given,
                        "Folder of cards (default: $ZVSIMCARD_HOME, else the user's own)");

@@ -10,11 +10,11 @@
 // The tool's commands, each with what the command line gave for it. A failure is thrown.
 namespace simcard {
 
-/// Where the folder of cards is; known once the command line is read.
+// Where the folder of cards is; known once the command line is read.
 struct Home {
     std::string given;
     [[nodiscard]] std::filesystem::path path() const;
-    /// The folder of the card of that name. @throws Refusal when there is no such card.
+    // The folder of the card of that name. @throws Refusal when there is no such card.
     [[nodiscard]] std::filesystem::path card(const std::string& name) const;
 };
 
@@ -27,7 +27,7 @@ struct CreateOptions {
 void create(CreateOptions& options, const std::filesystem::path& home);
 
 struct ListOptions {
-    std::string card; ///< empty: every card
+    std::string card; // empty: every card
     Secret pin;
     bool json = false;
 };
@@ -48,7 +48,7 @@ struct IssueOptions {
 };
 void issue(IssueOptions& options, const std::filesystem::path& home);
 
-/// Writes the zvcrypt.conf that brings in the cards; an empty file name is the standard output.
+// Writes the zvcrypt.conf that brings in the cards; an empty file name is the standard output.
 void write_configuration(const std::string& file, const std::filesystem::path& home);
 
 } // namespace simcard

@@ -13,7 +13,7 @@ fs::path Home::path() const {
 fs::path Home::card(const std::string& name) const {
     fs::path folder = path() / name;
     const bool inside = !name.empty() && fs::path(name).filename() == name && name != "." && name != "..";
-    if (!inside || fs::is_symlink(folder) || !fs::is_regular_file(folder / card_file))
+    if (!inside || fs::is_symlink(folder) || !fs::is_regular_file(folder / CARD_FILE))
         throw Refusal("There is no card named \"" + name + "\" in " + path().string() + ".");
     return folder;
 }

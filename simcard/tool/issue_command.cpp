@@ -9,7 +9,7 @@
 namespace simcard {
 
 void issue(IssueOptions& options, const std::filesystem::path& home) {
-    if (options.terms.days < 1 || options.terms.days > longest_days)
+    if (options.terms.days < 1 || options.terms.days > LONGEST_DAYS)
         throw Refusal("A certificate is issued for 1 day to 10 years.");
     if (!options.kind.empty()) options.terms.kind = &kind_named(options.kind);
     const Authority authority = Authority::open(Authority::folder_beside_cards(home));

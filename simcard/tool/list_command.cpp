@@ -2,10 +2,11 @@
 #include "simcard/tool/commands.h"
 #include "simcard/tool/object_view.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 namespace simcard {
 namespace {

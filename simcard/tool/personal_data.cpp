@@ -6,8 +6,8 @@
 namespace simcard {
 namespace {
 
-constexpr const char* issuer = "ZVSIM";
-constexpr std::size_t longest_field = 0xFF;
+constexpr const char* ISSUER = "ZVSIM";
+constexpr std::size_t LONGEST_FIELD = 0xFF;
 
 std::string length_in_digits(std::string_view text, int digits) {
     std::array<char, 17> number{};
@@ -16,7 +16,7 @@ std::string length_in_digits(std::string_view text, int digits) {
 }
 
 std::string field(std::string_view text) {
-    text = text.substr(0, longest_field);
+    text = text.substr(0, LONGEST_FIELD);
     return length_in_digits(text, 2) + std::string(text);
 }
 
@@ -31,7 +31,7 @@ std::string day_of(std::time_t time) {
 } // namespace
 
 std::string personal_data(const Holder& holder, Validity card) {
-    const std::string fields = field(issuer) + field(day_of(card.from)) + field(day_of(card.to)) +
+    const std::string fields = field(ISSUER) + field(day_of(card.from)) + field(day_of(card.to)) +
                                field(holder.surname) + field(holder.given_name) +
                                field(holder.codice_fiscale);
     return length_in_digits(fields, 6) + fields;

@@ -18,12 +18,12 @@ namespace fs = std::filesystem;
 namespace simcard {
 namespace {
 
-constexpr std::time_t certificate_life = 3 * one_year;
+constexpr std::time_t CERTIFICATE_LIFE = 3 * ONE_YEAR;
 
 Validity validity_ending_in(int days) {
     const std::time_t now = std::time(nullptr);
-    const std::time_t end = now + days * one_day;
-    return {std::min(now, end - certificate_life), end};
+    const std::time_t end = now + days * ONE_DAY;
+    return {std::min(now, end - CERTIFICATE_LIFE), end};
 }
 
 void make_home(const fs::path& home) {
@@ -56,7 +56,7 @@ void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair,
 // A services card outlives its first certificate by another one's life.
 Validity card_life(const CardPlan& plan) {
     const Validity first = validity_ending_in(plan.cns_days);
-    return {first.from, first.to + certificate_life};
+    return {first.from, first.to + CERTIFICATE_LIFE};
 }
 
 void store_objects(const fs::path& tokens, const Card& card, const CardPlan& plan, const Authority& authority,
@@ -88,7 +88,7 @@ Card personalise_card(const fs::path& home, const CardPlan& wanted, KeySource& k
     const Authority authority = Authority::open_or_create(Authority::folder_beside_cards(home), keys);
     // In a folder of its own until it is complete: nobody else's SoftHSM takes it for a token meanwhile.
     const TemporaryFolder workshop(home / ".making");
-    Card card = make_card(workshop.path(), settings(plan), officer_pin, plan.pin.text());
+    Card card = make_card(workshop.path(), settings(plan), OFFICER_PIN, plan.pin.text());
     store_objects(workshop.path(), card, plan, authority, keys);
     keep_as_made(card);
     move_in(card, home / plan.name);

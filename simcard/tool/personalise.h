@@ -11,38 +11,36 @@
 
 namespace simcard {
 
-/// PINs of a simulated card that is made without saying others.
-inline constexpr const char* default_pin = "12345678";
-inline constexpr const char* officer_pin = "87654321";
+// PINs of a simulated card that is made without saying others.
+inline constexpr const char* DEFAULT_PIN = "12345678";
+inline constexpr const char* OFFICER_PIN = "87654321";
 
-/// What a card is made with.
+// What a card is made with.
 struct CardPlan {
-    /// Name of the card's folder: letters, digits, '.', '-' and '_', at most 32.
+    // Name of the card's folder: letters, digits, '.', '-' and '_', at most 32.
     std::string name = {};
     const Profile* profile = nullptr;
-    /// Empty: "Simulated Reader" and the first free number from 0 to 9.
+    // Empty: "Simulated Reader" and the first free number from 0 to 9.
     std::string reader = {};
-    /// Serial number, at most 16 letters and digits. Empty: a random one.
+    // Serial number, at most 16 letters and digits. Empty: a random one.
     std::string serial = {};
-    /// 4 to 31 characters.
-    Secret pin = default_pin;
+    // 4 to 31 characters.
+    Secret pin = DEFAULT_PIN;
     Holder holder = {};
-    /// In how many days the certificates end; negative for one that has ended.
+    // In how many days the certificates end; negative for one that has ended.
     int signature_days = 30;
     int authentication_days = 2 * 365;
     int cns_days = 30;
 };
 
-/**
- * Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the copy to which it can be reset. The folder of cards and its authority are made when there
- * are none. Other processes see the card when it is complete.
- *
- * Ready-made keys make this a matter of some 50 ms.
- * @param keys  gives the authority's key, when one is made, then a key for each pair of the profile
- * @return the card as written
- * @throws Refusal when the plan cannot be followed (names, a reader that holds a card); Failure or
- * CardProblem when making it fails. Nothing is left of it then.
- */
+// Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the copy to which it can be reset. The folder of cards and its authority are made when there
+// are none. Other processes see the card when it is complete.
+//
+// Ready-made keys make this a matter of some 50 ms.
+// @param keys  gives the authority's key, when one is made, then a key for each pair of the profile
+// @return the card as written
+// @throws Refusal when the plan cannot be followed (names, a reader that holds a card); Failure or
+// CardProblem when making it fails. Nothing is left of it then.
 [[nodiscard]] Card personalise_card(const std::filesystem::path& home, const CardPlan& plan, KeySource& keys);
 
 } // namespace simcard

@@ -8,35 +8,35 @@
 namespace simcard {
 namespace {
 
-constexpr std::array<PairPlan, 2> signature_pairs{{
+constexpr std::array<PairPlan, 2> SIGNATURE_PAIRS{{
     {"DS0", "signature", &CardPlan::signature_days},
     {"AUTHCertificate0", "authentication", &CardPlan::authentication_days},
 }};
 
 // A services card's own pair comes first.
-constexpr std::array<PairPlan, 2> services_pairs{{
+constexpr std::array<PairPlan, 2> SERVICES_PAIRS{{
     {"CNS0", "cns", &CardPlan::cns_days, services_card_name},
     {"DS0", "signature", &CardPlan::signature_days},
 }};
 
 // The ATRs offer T=1 alone and carry the profile's name as historical bytes ("ZVSIMSIG", "ZVSIMCNS",
 // "ZVSIMCSG", "ZVSIMSGP").
-constexpr std::array<Profile, 4> all{{
-    {"signature", "3B8880015A5653494D5349470F", "", signature_pairs, "Korvalenta Firma Dig"},
-    {"cns", "3B8880015A5653494D434E530C", "cns", std::span(services_pairs).first<1>(), nullptr, true},
-    {"cns-signature", "3B8880015A5653494D43534705", "cns", services_pairs, nullptr, true},
-    {"signature-pin", "3B8880015A5653494D53475016", "", signature_pairs, "Korvalenta Firma Dig", false, "DS"},
+constexpr std::array<Profile, 4> ALL{{
+    {"signature", "3B8880015A5653494D5349470F", "", SIGNATURE_PAIRS, "Korvalenta Firma Dig"},
+    {"cns", "3B8880015A5653494D434E530C", "cns", std::span(SERVICES_PAIRS).first<1>(), nullptr, true},
+    {"cns-signature", "3B8880015A5653494D43534705", "cns", SERVICES_PAIRS, nullptr, true},
+    {"signature-pin", "3B8880015A5653494D53475016", "", SIGNATURE_PAIRS, "Korvalenta Firma Dig", false, "DS"},
 }};
 
 } // namespace
 
 std::span<const Profile> profiles() {
-    return all;
+    return ALL;
 }
 
 const Profile& profile_named(std::string_view name) {
     std::string known;
-    for (const Profile& profile : all) {
+    for (const Profile& profile : ALL) {
         if (profile.name == name) return profile;
         known += (known.empty() ? "" : ", ") + std::string(profile.name);
     }

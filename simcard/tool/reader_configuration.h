@@ -5,8 +5,8 @@
 
 namespace simcard {
 
-/// The lines of a zvcrypt.conf that bring in the cards of a folder: a software reader for each reader that
-/// has a card, in it or taken out, and the module for each profile's ATR.
+// The lines of a zvcrypt.conf that bring in the cards of a folder: a software reader for each reader that
+// has a card, in it or taken out, and the module for each profile's ATR.
 [[nodiscard]] std::string reader_configuration(const std::filesystem::path& home);
 
 } // namespace simcard

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <openssl/crypto.h>
+
 #include <string>
 #include <utility>
 
 namespace simcard {
 
-/// A PIN: a text whose memory is wiped when it goes.
+// A PIN: a text whose memory is wiped when it goes.
 class Secret {
   public:
     Secret() = default;
@@ -22,7 +23,7 @@ class Secret {
     ~Secret() { wipe(); }
 
     [[nodiscard]] const std::string& text() const { return text_; }
-    /// For the command line to fill.
+    // For the command line to fill.
     [[nodiscard]] std::string& text() { return text_; }
 
   private:

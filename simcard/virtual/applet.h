@@ -7,7 +7,7 @@
 
 namespace simcard {
 
-/// What answers the commands of a card (ISO/IEC 7816-4): the program on its chip.
+// What answers the commands of a card (ISO/IEC 7816-4): the program on its chip.
 class Applet {
   public:
     Applet() = default;
@@ -15,15 +15,15 @@ class Applet {
     Applet(const Applet&) = delete;
     Applet& operator=(const Applet&) = delete;
 
-    /// The card got power, or was reset: what a chip forgets then (a verified PIN, the selected file) goes.
+    // The card got power, or was reset: what a chip forgets then (a verified PIN, the selected file) goes.
     virtual void reset() {}
-    /// The card lost its power.
+    // The card lost its power.
     virtual void power_off() { reset(); }
-    /// The answer to a command: data, then the two status bytes. At most 65535 bytes.
+    // The answer to a command: data, then the two status bytes. At most 65535 bytes.
     [[nodiscard]] virtual std::vector<std::uint8_t> answer(std::span<const std::uint8_t> command) = 0;
 };
 
-/// Knows no command: 6D00 to each.
+// Knows no command: 6D00 to each.
 class EmptyApplet : public Applet {
   public:
     [[nodiscard]] std::vector<std::uint8_t> answer(std::span<const std::uint8_t>) override {

@@ -3,7 +3,7 @@
 namespace simcard {
 namespace {
 
-/// Takes bytes from the front; a command that ends too early is refused.
+// Takes bytes from the front; a command that ends too early is refused.
 class Front {
   public:
     explicit Front(std::span<const std::uint8_t> bytes) : rest_(bytes) {}
@@ -26,13 +26,13 @@ class Front {
     std::span<const std::uint8_t> rest_;
 };
 
-constexpr std::size_t all_short = 0x100, all_extended = 0x10000;
+constexpr std::size_t ALL_SHORT = 0x100, ALL_EXTENDED = 0x10000;
 
 // Where the length of data or answer begins with 00, both have two bytes.
 void parse_body(Front& front, Command& command) {
     if (front.left() == 1) {
         command.expected = front.number(1);
-        if (command.expected == 0) command.expected = all_short;
+        if (command.expected == 0) command.expected = ALL_SHORT;
         return;
     }
     std::size_t width = 1, length = front.number(1);
@@ -40,7 +40,7 @@ void parse_body(Front& front, Command& command) {
         width = 2;
         length = front.number(2);
         if (front.left() == 0) {
-            command.expected = length == 0 ? all_extended : length;
+            command.expected = length == 0 ? ALL_EXTENDED : length;
             return;
         }
     }
@@ -48,11 +48,11 @@ void parse_body(Front& front, Command& command) {
     command.data.assign(data.begin(), data.end());
     if (front.left() == 0) return;
     command.expected = front.number(width);
-    if (command.expected == 0) command.expected = width == 1 ? all_short : all_extended;
+    if (command.expected == 0) command.expected = width == 1 ? ALL_SHORT : ALL_EXTENDED;
     if (front.left() != 0) throw Refused(Status::wrong_length);
 }
 
-/// The length of an object behind its tag.
+// The length of an object behind its tag.
 std::size_t object_length(Front& front) {
     const std::size_t first = front.number(1);
     if (first < 0x80) return first;

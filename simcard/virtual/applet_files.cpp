@@ -5,9 +5,9 @@
 namespace simcard {
 namespace {
 
-constexpr std::uint16_t master_id = 0x3F00;
-constexpr std::size_t largest_file = 0x7FFF;
-constexpr std::size_t most_files = 256;
+constexpr std::uint16_t MASTER_ID = 0x3F00;
+constexpr std::size_t LARGEST_FILE = 0x7FFF;
+constexpr std::size_t MOST_FILES = 256;
 
 enum Condition : std::uint8_t { always = 0x00, with_pin = 0x90 };
 
@@ -21,7 +21,7 @@ void require(const CardFile& file, Access access, bool pin_given) {
     if (condition != always && !(condition == with_pin && pin_given)) throw Refused(Status::not_allowed);
 }
 
-/// What a CREATE FILE describes.
+// What a CREATE FILE describes.
 CardFile described(std::span<const std::uint8_t> data) {
     auto objects = find_object(data, 0x6F);
     if (!objects) objects = find_object(data, 0x62);
@@ -38,11 +38,11 @@ CardFile described(std::span<const std::uint8_t> data) {
     auto size = find_object(*objects, 0x80);
     if (!size) size = find_object(*objects, 0x81);
     if (!file.is_folder) file.content.resize(size ? number(*size) : 0);
-    if (file.content.size() > largest_file) throw Refused(Status::no_space);
+    if (file.content.size() > LARGEST_FILE) throw Refused(Status::no_space);
     return file;
 }
 
-/// The bytes of the selected data file from the command's offset on.
+// The bytes of the selected data file from the command's offset on.
 std::span<const std::uint8_t> from_offset(const CardFile& file, const Command& command) {
     if (file.is_folder) throw Refused(Status::no_conditions);
     if (command.p1 >= 0x80) throw Refused(Status::wrong_parameters);
@@ -69,7 +69,7 @@ CardFile* CardFile::named(std::span<const std::uint8_t> wanted) {
 }
 
 CardFiles::CardFiles() {
-    master_.id = master_id;
+    master_.id = MASTER_ID;
     master_.is_folder = true;
     master_.description = {0x82, 0x01, 0x38, 0x83, 0x02, 0x3F, 0x00};
 }
@@ -83,8 +83,8 @@ CardFile* CardFiles::found(const Command& command) {
     if (command.p1 == parent) return folder().parent;
     if (command.p1 == name) return master_.named(command.data);
     if (command.p1 == id) {
-        const std::uint16_t wanted = command.data.empty() ? master_id : number(command.data);
-        if (wanted == master_id) return &master_;
+        const std::uint16_t wanted = command.data.empty() ? MASTER_ID : number(command.data);
+        if (wanted == MASTER_ID) return &master_;
         if (CardFile* below = folder().child(wanted)) return below;
         return folder().id == wanted ? &folder() : nullptr;
     }
@@ -109,8 +109,8 @@ void CardFiles::create(const Command& command, bool pin_given) {
     CardFile file = described(command.data);
     CardFile& in = folder();
     require(in, file.is_folder ? Access::create_folder : Access::create_file, pin_given);
-    if (file.id == master_id || in.child(file.id) != nullptr) throw Refused(Status::file_exists);
-    if (in.files.size() >= most_files) throw Refused(Status::no_space);
+    if (file.id == MASTER_ID || in.child(file.id) != nullptr) throw Refused(Status::file_exists);
+    if (in.files.size() >= MOST_FILES) throw Refused(Status::no_space);
     file.parent = &in;
     selected_ = &in.files.emplace_back(std::move(file));
 }

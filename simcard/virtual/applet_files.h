@@ -7,8 +7,8 @@
 
 namespace simcard {
 
-/// What a file's access conditions speak of: the place of each in the eight bytes of tag 86. A folder's and a
-/// data file's share their first places.
+// What a file's access conditions speak of: the place of each in the eight bytes of tag 86. A folder's and a
+// data file's share their first places.
 enum class Access : std::size_t {
     delete_itself = 1,
     create_folder = 5,
@@ -17,34 +17,34 @@ enum class Access : std::size_t {
     read = 7,
 };
 
-/// A file of the card: a folder (DF) with files in it, or data (EF).
+// A file of the card: a folder (DF) with files in it, or data (EF).
 struct CardFile {
     std::uint16_t id = 0;
     bool is_folder = false;
-    Octets name;        ///< a folder's application identifier
-    Octets description; ///< the objects it was created with, given back when it is selected
+    Octets name;        // a folder's application identifier
+    Octets description; // the objects it was created with, given back when it is selected
     std::array<std::uint8_t, 8> access{};
     Octets content;
     CardFile* parent = nullptr;
     std::list<CardFile> files{};
 
     [[nodiscard]] CardFile* child(std::uint16_t wanted);
-    /// A folder below that has the name, or begins with it.
+    // A folder below that has the name, or begins with it.
     [[nodiscard]] CardFile* named(std::span<const std::uint8_t> wanted);
 };
 
-/// The files of a card, and which of them is selected (ISO/IEC 7816-4, 7.1 to 7.3 and 7816-9).
+// The files of a card, and which of them is selected (ISO/IEC 7816-4, 7.1 to 7.3 and 7816-9).
 class CardFiles {
   public:
     CardFiles();
 
-    /// Selects the master file.
+    // Selects the master file.
     void reset() { selected_ = &master_; }
-    /// SELECT by file identifier, path or name. Gives what the file says of itself.
+    // SELECT by file identifier, path or name. Gives what the file says of itself.
     [[nodiscard]] Octets select(const Command& command);
-    /// CREATE FILE in the selected folder; selects it.
+    // CREATE FILE in the selected folder; selects it.
     void create(const Command& command, bool pin_given);
-    /// DELETE FILE: a file of the selected folder, or the selected file; its folder is selected then.
+    // DELETE FILE: a file of the selected folder, or the selected file; its folder is selected then.
     void remove(const Command& command, bool pin_given);
     [[nodiscard]] Octets read(const Command& command, bool pin_given) const;
     void update(const Command& command, bool pin_given);

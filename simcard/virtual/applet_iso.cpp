@@ -23,11 +23,11 @@ enum Instruction : std::uint8_t {
     delete_file = 0xE4,
 };
 
-constexpr std::array<std::uint8_t, 12> own_name = {0xF2, 0x76, 0xA2, 0x88, 0xBC, 0xFB,
+constexpr std::array<std::uint8_t, 12> OWN_NAME = {0xF2, 0x76, 0xA2, 0x88, 0xBC, 0xFB,
                                                    0xA6, 0x9D, 0x34, 0xF3, 0x10, 0x01};
-/// Version 0.6 of the command set, with nothing of what it leaves to choose.
-constexpr std::array<std::uint8_t, 3> own_version = {0x00, 0x06, 0x00};
-constexpr std::size_t longest_chain = 4096;
+// Version 0.6 of the command set, with nothing of what it leaves to choose.
+constexpr std::array<std::uint8_t, 3> OWN_VERSION = {0x00, 0x06, 0x00};
+constexpr std::size_t LONGEST_CHAIN = 4096;
 
 Octets status_bytes(std::uint16_t status) {
     return {static_cast<std::uint8_t>(status >> 8), static_cast<std::uint8_t>(status & 0xFF)};
@@ -46,7 +46,7 @@ void IsoApplet::reset() {
 
 std::vector<std::uint8_t> IsoApplet::answer(std::span<const std::uint8_t> bytes) try {
     Command command = parse_command(bytes);
-    if (chained_.size() + command.data.size() > longest_chain) {
+    if (chained_.size() + command.data.size() > LONGEST_CHAIN) {
         chained_.clear();
         throw Refused(Status::wrong_length);
     }
@@ -111,9 +111,9 @@ Octets IsoApplet::run(const Command& command) {
 
 Octets IsoApplet::select(const Command& command) {
     constexpr std::uint8_t by_name = 0x04;
-    if (command.p1 != by_name || !std::ranges::equal(command.data, own_name)) return files_.select(command);
+    if (command.p1 != by_name || !std::ranges::equal(command.data, OWN_NAME)) return files_.select(command);
     files_.reset();
-    return {own_version.begin(), own_version.end()};
+    return {OWN_VERSION.begin(), OWN_VERSION.end()};
 }
 
 CardPin& IsoApplet::pin_named(std::uint8_t reference) {
@@ -142,19 +142,19 @@ void IsoApplet::change(const Command& command) {
         pin.set(command.data);
         return;
     }
-    if (command.data.size() != 2 * CardPin::longest) throw Refused(Status::wrong_length);
+    if (command.data.size() != 2 * CardPin::LONGEST) throw Refused(Status::wrong_length);
     const std::span<const std::uint8_t> both = command.data;
-    pin.verify(both.first(CardPin::longest));
-    pin.set(both.last(CardPin::longest));
+    pin.verify(both.first(CardPin::LONGEST));
+    pin.set(both.last(CardPin::LONGEST));
 }
 
 void IsoApplet::unblock(const Command& command) {
-    if (command.parameters() != 0x0001 || command.data.size() != 2 * CardPin::longest)
+    if (command.parameters() != 0x0001 || command.data.size() != 2 * CardPin::LONGEST)
         throw Refused(Status::wrong_parameters);
     const std::span<const std::uint8_t> both = command.data;
-    puk_.verify(both.first(CardPin::longest));
+    puk_.verify(both.first(CardPin::LONGEST));
     puk_.forget();
-    pin_.set(both.last(CardPin::longest));
+    pin_.set(both.last(CardPin::LONGEST));
 }
 
 } // namespace simcard

@@ -7,13 +7,11 @@
 
 namespace simcard {
 
-/**
- * A signature card with files, a PIN and RSA keys, in the command set that OpenSC knows as IsoApplet: new, with
- * nothing on it, whenever the program starts. `pkcs15-init` gives it its PINs and its first files.
- *
- * Whatever is written needs the PIN, as its file says; key pairs are made and used with it alone. Three wrong
- * PINs block it, the PUK sets another.
- */
+// A signature card with files, a PIN and RSA keys, in the command set that OpenSC knows as IsoApplet: new, with
+// nothing on it, whenever the program starts. `pkcs15-init` gives it its PINs and its first files.
+//
+// Whatever is written needs the PIN, as its file says; key pairs are made and used with it alone. Three wrong
+// PINs block it, the PUK sets another.
 class IsoApplet : public Applet {
   public:
     void reset() override;
@@ -22,7 +20,7 @@ class IsoApplet : public Applet {
   private:
     [[nodiscard]] Octets run(const Command& command);
     [[nodiscard]] Octets select(const Command& command);
-    /// The first part of what there is to answer, at most as much as the command expects.
+    // The first part of what there is to answer, at most as much as the command expects.
     [[nodiscard]] Octets next_part(std::size_t expected);
     void verify(const Command& command);
     void change(const Command& command);
@@ -33,8 +31,8 @@ class IsoApplet : public Applet {
     CardFiles files_;
     CardKeys keys_;
     CardPin pin_, puk_;
-    Octets chained_; ///< the data of a command's parts so far
-    Octets waiting_; ///< answer that GET RESPONSE will fetch
+    Octets chained_; // the data of a command's parts so far
+    Octets waiting_; // answer that GET RESPONSE will fetch
 };
 
 } // namespace simcard

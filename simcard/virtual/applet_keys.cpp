@@ -1,6 +1,7 @@
 #include "simcard/virtual/applet_keys.h"
 
 #include "simcard/authority/errors.h"
+
 #include <openssl/core_names.h>
 #include <openssl/err.h>
 #include <openssl/rsa.h>
@@ -22,7 +23,7 @@ Octets number_of(const EVP_PKEY& key, const char* name) {
     return bytes;
 }
 
-/// One of OpenSSL's operations with a private key.
+// One of OpenSSL's operations with a private key.
 Octets with_key(EVP_PKEY& key, int (*begin)(EVP_PKEY_CTX*),
                 int (*run)(EVP_PKEY_CTX*, unsigned char*, std::size_t*, const unsigned char*, std::size_t),
                 std::span<const std::uint8_t> data) {

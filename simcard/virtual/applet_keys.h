@@ -7,16 +7,16 @@
 
 namespace simcard {
 
-/// The private keys of a card, RSA of 2048 bits, by their numbers.
+// The private keys of a card, RSA of 2048 bits, by their numbers.
 class CardKeys {
   public:
-    /// MANAGE SECURITY ENVIRONMENT: which key, and what it is to do.
+    // MANAGE SECURITY ENVIRONMENT: which key, and what it is to do.
     void choose(const Command& command);
-    /// Forgets the choice.
+    // Forgets the choice.
     void reset() { algorithm_ = key_ = 0; }
-    /// GENERATE ASYMMETRIC KEY PAIR under the number chosen; gives the public key.
+    // GENERATE ASYMMETRIC KEY PAIR under the number chosen; gives the public key.
     [[nodiscard]] Octets generate();
-    /// PERFORM SECURITY OPERATION: signs a DigestInfo, or deciphers (PKCS #1, version 1.5).
+    // PERFORM SECURITY OPERATION: signs a DigestInfo, or deciphers (PKCS #1, version 1.5).
     [[nodiscard]] Octets perform(const Command& command) const;
 
   private:

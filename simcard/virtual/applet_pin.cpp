@@ -1,12 +1,13 @@
 #include "simcard/virtual/applet_pin.h"
 
-#include <algorithm>
 #include <openssl/crypto.h>
+
+#include <algorithm>
 
 namespace simcard {
 namespace {
 
-/// A secret comes padded with zeros.
+// A secret comes padded with zeros.
 std::span<const std::uint8_t> unpadded(std::span<const std::uint8_t> secret) {
     while (!secret.empty() && secret.back() == 0)
         secret = secret.first(secret.size() - 1);
@@ -29,7 +30,7 @@ void CardPin::verify(std::span<const std::uint8_t> secret) {
     if (tries_ == 0) throw Refused(Status::blocked);
     given_ =
         secret.size() == value_.size() && CRYPTO_memcmp(secret.data(), value_.data(), value_.size()) == 0;
-    tries_ = given_ ? most_tries : tries_ - 1;
+    tries_ = given_ ? MOST_TRIES : tries_ - 1;
     if (!given_) throw Refused(tries_status());
 }
 
@@ -42,10 +43,10 @@ void CardPin::ask() const {
 void CardPin::set(std::span<const std::uint8_t> secret) {
     secret = unpadded(secret);
     constexpr std::size_t shortest = 4;
-    if (secret.size() < shortest || secret.size() > longest) throw Refused(Status::wrong_data);
+    if (secret.size() < shortest || secret.size() > LONGEST) throw Refused(Status::wrong_data);
     OPENSSL_cleanse(value_.data(), value_.size());
     value_.assign(secret.begin(), secret.end());
-    tries_ = most_tries;
+    tries_ = MOST_TRIES;
 }
 
 } // namespace simcard

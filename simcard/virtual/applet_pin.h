@@ -4,7 +4,7 @@
 
 namespace simcard {
 
-/// A secret that the card compares: a PIN, or the PUK that unlocks it (ISO/IEC 7816-4, 7.5).
+// A secret that the card compares: a PIN, or the PUK that unlocks it (ISO/IEC 7816-4, 7.5).
 class CardPin {
   public:
     CardPin() = default;
@@ -14,25 +14,25 @@ class CardPin {
 
     [[nodiscard]] bool is_set() const { return !value_.empty(); }
     [[nodiscard]] bool is_given() const { return given_; }
-    /// What was given is forgotten.
+    // What was given is forgotten.
     void forget() { given_ = false; }
 
-    /// Compares. @throws Refused with the tries left, or as blocked.
+    // Compares. @throws Refused with the tries left, or as blocked.
     void verify(std::span<const std::uint8_t> secret);
-    /// Says by its status what verify() without a secret asks. @throws Refused unless it was given.
+    // Says by its status what verify() without a secret asks. @throws Refused unless it was given.
     void ask() const;
-    /// Sets the secret and gives all tries back. @throws Refused when it is too short or too long.
+    // Sets the secret and gives all tries back. @throws Refused when it is too short or too long.
     void set(std::span<const std::uint8_t> secret);
 
-    static constexpr std::size_t longest = 16;
+    static constexpr std::size_t LONGEST = 16;
 
   private:
-    static constexpr int most_tries = 3;
+    static constexpr int MOST_TRIES = 3;
 
     [[nodiscard]] std::uint16_t tries_status() const;
 
     Octets value_;
-    int tries_ = most_tries;
+    int tries_ = MOST_TRIES;
     bool given_ = false;
 };
 

@@ -1,19 +1,20 @@
 #include "simcard/virtual/child.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
 #include <utility>
 
 namespace simcard {
 namespace {
 
-constexpr int not_started = 127;
-constexpr int by_signal = 128;
+constexpr int NOT_STARTED = 127;
+constexpr int BY_SIGNAL = 128;
 
 [[noreturn]] void become(const std::vector<char*>& arguments, const std::string& log) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -24,7 +25,7 @@ constexpr int by_signal = 128;
     }
     ::execvp(arguments[0], arguments.data());
     std::perror(arguments[0]);
-    ::_exit(not_started);
+    ::_exit(NOT_STARTED);
 }
 
 } // namespace
@@ -56,7 +57,7 @@ int Child::wait() {
     while (::waitpid(process_, &status, 0) < 0 && errno == EINTR)
         continue;
     process_ = -1;
-    return WIFSIGNALED(status) ? by_signal + WTERMSIG(status) : WEXITSTATUS(status);
+    return WIFSIGNALED(status) ? BY_SIGNAL + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 bool Child::runs() const {

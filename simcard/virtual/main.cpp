@@ -7,7 +7,7 @@ namespace {
 
 enum ExitCode { done = 0, wrong_usage = 2, failed = 3 };
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds PATIENCE{5};
 
 int run(const std::vector<std::string>& arguments) {
     const simcard::Options options = simcard::parse_options(arguments);
@@ -17,7 +17,7 @@ int run(const std::vector<std::string>& arguments) {
     }
     const auto applet = simcard::make_applet(options);
     simcard::hold_stop_signals();
-    simcard::ReaderLink reader(options.port, patience);
+    simcard::ReaderLink reader(options.port, PATIENCE);
     simcard::play(reader, options, *applet);
     return done;
 }

@@ -10,7 +10,7 @@
 namespace simcard {
 namespace {
 
-/// An option: one with a value has a name for it.
+// An option: one with a value has a name for it.
 struct Option {
     const char* name;
     const char* value;
@@ -30,12 +30,12 @@ void set_atr(Options& options, const std::string& text) {
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                  [](char c) { return c != ' ' && c != ':'; });
     const auto bytes = from_hexadecimal(digits);
-    if (!bytes || bytes->size() < 2 || bytes->size() > longest_atr)
+    if (!bytes || bytes->size() < 2 || bytes->size() > LONGEST_ATR)
         throw WrongUsage("\"" + text + "\" is not an ATR (2 to 33 bytes in hexadecimal).");
     options.atr.assign(bytes->begin(), bytes->end());
 }
 
-constexpr std::array known_options = {
+constexpr std::array KNOWN_OPTIONS = {
     Option{"--port", "NUMBER", "TCP port of the virtual reader on this machine (36865)", set_port},
     Option{"--atr", "HEX", "answer to reset of the card (3B80800101)", set_atr},
     Option{"--mute", nullptr, "the card gives no answer to a reset",
@@ -45,13 +45,13 @@ constexpr std::array known_options = {
     Option{"--help", nullptr, "this text", [](Options& options, const std::string&) { options.help = true; }},
 };
 
-/// An applet that can be chosen by its name.
+// An applet that can be chosen by its name.
 struct KnownApplet {
     const char* name;
     std::unique_ptr<Applet> (*make)(const Options&);
 };
 
-constexpr std::array known_applets = {
+constexpr std::array KNOWN_APPLETS = {
     KnownApplet{"none",
                 [](const Options&) -> std::unique_ptr<Applet> { return std::make_unique<EmptyApplet>(); }},
     KnownApplet{"iso",
@@ -63,9 +63,9 @@ constexpr std::array known_applets = {
 Options parse_options(const std::vector<std::string>& arguments) {
     Options options;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
-        const auto* option = std::find_if(known_options.begin(), known_options.end(),
+        const auto* option = std::find_if(KNOWN_OPTIONS.begin(), KNOWN_OPTIONS.end(),
                                           [&](const Option& known) { return *argument == known.name; });
-        if (option == known_options.end()) throw WrongUsage("Unknown option: " + *argument);
+        if (option == KNOWN_OPTIONS.end()) throw WrongUsage("Unknown option: " + *argument);
         const bool valued = option->value != nullptr;
         if (valued && argument + 1 == arguments.end()) throw WrongUsage(*argument + " needs a value.");
         if (valued) ++argument;
@@ -76,7 +76,7 @@ Options parse_options(const std::vector<std::string>& arguments) {
 
 std::string usage() {
     std::string text = "zvvirtualcard: plays a smart card in a virtual reader of the PC/SC service.\n";
-    for (const Option& option : known_options) {
+    for (const Option& option : KNOWN_OPTIONS) {
         std::string line = "  " + std::string(option.name) + (option.value == nullptr ? "" : " ") +
                            (option.value == nullptr ? "" : option.value);
         line.resize(std::max<std::size_t>(line.size() + 1, 20), ' ');
@@ -86,9 +86,9 @@ std::string usage() {
 }
 
 std::unique_ptr<Applet> make_applet(const Options& options) {
-    const auto* applet = std::find_if(known_applets.begin(), known_applets.end(),
+    const auto* applet = std::find_if(KNOWN_APPLETS.begin(), KNOWN_APPLETS.end(),
                                       [&](const KnownApplet& known) { return options.applet == known.name; });
-    if (applet == known_applets.end()) throw WrongUsage("Unknown applet: " + options.applet);
+    if (applet == KNOWN_APPLETS.end()) throw WrongUsage("Unknown applet: " + options.applet);
     return applet->make(options);
 }
 

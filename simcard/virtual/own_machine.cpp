@@ -1,16 +1,17 @@
 #include "simcard/virtual/own_machine.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <net/if.h>
 #include <sched.h>
-#include <string>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
-#include <system_error>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <system_error>
 
 namespace simcard {
 namespace {

@@ -10,7 +10,7 @@ enum Contact : std::uint8_t { power_off = 0, power_on = 1, reset = 2, give_atr =
 
 // The reader asks for the ATR also to find out whether a card is there, and gives up a card that sends none.
 // To one past the longest it answers that the card does not, and the card stays.
-constexpr std::array<std::uint8_t, longest_atr + 1> no_atr{};
+constexpr std::array<std::uint8_t, LONGEST_ATR + 1> NO_ATR{};
 
 } // namespace
 
@@ -29,7 +29,7 @@ void play(ReaderLink& reader, const Options& options, Applet& applet) {
             applet.reset();
             break;
         case give_atr:
-            reader.send(options.mute ? std::span<const std::uint8_t>(no_atr) : options.atr);
+            reader.send(options.mute ? std::span<const std::uint8_t>(NO_ATR) : options.atr);
             break;
         default:
             break;

@@ -6,8 +6,8 @@
 
 namespace simcard {
 
-/// Is the card in the reader until the reader is gone or a signal to stop comes.
-/// @throws std::system_error
+// Is the card in the reader until the reader is gone or a signal to stop comes.
+// @throws std::system_error
 void play(ReaderLink& reader, const Options& options, Applet& applet);
 
 } // namespace simcard

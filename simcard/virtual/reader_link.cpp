@@ -2,27 +2,28 @@
 
 #include "simcard/virtual/stop_signal.h"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <system_error>
 #include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
 
 namespace simcard {
 namespace {
 
-constexpr std::chrono::milliseconds between_tries{50};
-constexpr std::chrono::milliseconds forever{-1};
-constexpr std::size_t longest_body = 0xFFFF;
+constexpr std::chrono::milliseconds BETWEEN_TRIES{50};
+constexpr std::chrono::milliseconds FOREVER{-1};
+constexpr std::size_t LONGEST_BODY = 0xFFFF;
 
 [[noreturn]] void fail(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A connected socket, or a negative number with the reason in errno.
+// A connected socket, or a negative number with the reason in errno.
 int connect_to(std::uint16_t port) {
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     if (socket < 0) return socket;
@@ -37,8 +38,8 @@ int connect_to(std::uint16_t port) {
     return -1;
 }
 
-/// The reader sends a message in two pieces and waits for the first one's acknowledgement, which a system may
-/// hold back for some 40 ms. The setting does not last; without it messages are as slow as that.
+// The reader sends a message in two pieces and waits for the first one's acknowledgement, which a system may
+// hold back for some 40 ms. The setting does not last; without it messages are as slow as that.
 void acknowledge_at_once([[maybe_unused]] int socket) {
 #ifdef TCP_QUICKACK
     const int on = 1;
@@ -53,7 +54,7 @@ ReaderLink::ReaderLink(std::uint16_t port, std::chrono::milliseconds limit) {
     while ((socket_ = connect_to(port)) < 0) {
         if (errno != ECONNREFUSED || std::chrono::steady_clock::now() > end)
             fail("no virtual reader on this port");
-        if (wait_readable(-1, between_tries) == Wait::stopped) return;
+        if (wait_readable(-1, BETWEEN_TRIES) == Wait::stopped) return;
     }
     const int on = 1;
     (void)::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -66,7 +67,7 @@ ReaderLink::~ReaderLink() {
 bool ReaderLink::fill(std::span<std::uint8_t> bytes) {
     while (!bytes.empty()) {
         acknowledge_at_once(socket_);
-        if (wait_readable(socket_, forever) == Wait::stopped) return false;
+        if (wait_readable(socket_, FOREVER) == Wait::stopped) return false;
         const auto count = ::recv(socket_, bytes.data(), bytes.size(), 0);
         if (count == 0 || (count < 0 && errno == ECONNRESET)) return false;
         if (count < 0) fail("the reader cannot be heard");
@@ -84,7 +85,7 @@ std::optional<std::vector<std::uint8_t>> ReaderLink::receive() {
 }
 
 void ReaderLink::send(std::span<const std::uint8_t> body) {
-    body = body.first(std::min(body.size(), longest_body));
+    body = body.first(std::min(body.size(), LONGEST_BODY));
     std::vector<std::uint8_t> message = {static_cast<std::uint8_t>(body.size() >> 8),
                                          static_cast<std::uint8_t>(body.size() & 0xFF)};
     message.insert(message.end(), body.begin(), body.end());

@@ -7,7 +7,7 @@ namespace {
 
 enum ExitCode { done = 0, wrong_usage = 2, failed = 3 };
 
-constexpr const char* usage =
+constexpr const char* USAGE =
     "zvvirtualreaders [--name NAME] [--card ATR]... COMMAND [ARGUMENT...]\n"
     "Runs a command where the PC/SC service has two virtual readers and nothing else. No other program sees "
     "them.\n"
@@ -23,7 +23,7 @@ struct Order {
     std::vector<std::string> command;
 };
 
-/// @throws std::invalid_argument
+// @throws std::invalid_argument
 Order parse(const std::vector<std::string>& arguments) {
     Order order;
     auto at = arguments.begin();
@@ -37,7 +37,7 @@ Order parse(const std::vector<std::string>& arguments) {
     }
     order.command.assign(at, arguments.end());
     const bool writable = !order.name.empty() && order.name.find_first_of("\"\n") == std::string::npos;
-    if (!writable || order.command.empty() || order.cards.size() > simcard::VirtualReaders::count)
+    if (!writable || order.command.empty() || order.cards.size() > simcard::VirtualReaders::COUNT)
         throw std::invalid_argument("order");
     return order;
 }
@@ -58,12 +58,12 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> arguments(argv + 1, argv + argc);
         if (arguments == std::vector<std::string>{"--help"}) {
-            std::cout << usage;
+            std::cout << USAGE;
             return done;
         }
         return run(parse(arguments));
     } catch (const std::invalid_argument&) {
-        std::cerr << usage;
+        std::cerr << USAGE;
         return wrong_usage;
     } catch (const std::exception& reason) {
         std::cerr << reason.what() << '\n';

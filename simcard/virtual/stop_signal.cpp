@@ -1,14 +1,15 @@
 #include "simcard/virtual/stop_signal.h"
 
+#include <sys/select.h>
+
 #include <cerrno>
 #include <csignal>
-#include <sys/select.h>
 #include <system_error>
 
 namespace simcard {
 namespace {
 
-constexpr int stop_signals[] = {SIGTERM, SIGINT, SIGHUP};
+constexpr int STOP_SIGNALS[] = {SIGTERM, SIGINT, SIGHUP};
 
 volatile std::sig_atomic_t stopped = 0;
 sigset_t while_waiting;
@@ -24,12 +25,12 @@ void hold_stop_signals() {
     action.sa_handler = note_stop;
     sigset_t held;
     sigemptyset(&held);
-    for (const int signal : stop_signals) {
+    for (const int signal : STOP_SIGNALS) {
         ::sigaction(signal, &action, nullptr);
         sigaddset(&held, signal);
     }
     ::pthread_sigmask(SIG_BLOCK, &held, &while_waiting);
-    for (const int signal : stop_signals)
+    for (const int signal : STOP_SIGNALS)
         sigdelset(&while_waiting, signal);
     (void)std::signal(SIGPIPE, SIG_IGN); // a reader that is gone is a failed write
 }

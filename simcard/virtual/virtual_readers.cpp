@@ -2,31 +2,32 @@
 
 #include "simcard/virtual/own_machine.h"
 
+#include <winscard.h>
+
 #include <chrono>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
-#include <winscard.h>
 
 namespace fs = std::filesystem;
 
 namespace simcard {
 namespace {
 
-constexpr const char* service_folder = "/run/pcscd";
+constexpr const char* SERVICE_FOLDER = "/run/pcscd";
 
 // A card for the first reader goes there, one for the second to the next port.
-constexpr int first_port = 0x9001;
+constexpr int FIRST_PORT = 0x9001;
 
-constexpr std::chrono::seconds patience{5};
-constexpr std::chrono::milliseconds between_looks{10};
+constexpr std::chrono::seconds PATIENCE{5};
+constexpr std::chrono::milliseconds BETWEEN_LOOKS{10};
 
 bool comes_true(const std::function<bool()>& holds) {
-    for (const auto end = std::chrono::steady_clock::now() + patience; !holds();) {
+    for (const auto end = std::chrono::steady_clock::now() + PATIENCE; !holds();) {
         if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(between_looks);
+        std::this_thread::sleep_for(BETWEEN_LOOKS);
     }
     return true;
 }
@@ -41,7 +42,7 @@ bool service_answers() {
 
 std::string configuration(const std::string& name) {
     if (name.empty()) return {};
-    const std::string port = std::to_string(first_port);
+    const std::string port = std::to_string(FIRST_PORT);
     return "FRIENDLYNAME \"" + name + "\"\nDEVICENAME /dev/null:" + port +
            "\nLIBPATH " VPCD_DRIVER "\nCHANNELID " + port + "\n";
 }
@@ -86,12 +87,12 @@ void VirtualReaders::start(const std::string& name) {
 
 void VirtualReaders::stop() {
     service_.reset();
-    fs::remove_all(service_folder);
+    fs::remove_all(SERVICE_FOLDER);
 }
 
 void VirtualReaders::insert(int reader, const std::vector<std::string>& options) {
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "zvvirtualcard";
-    std::vector<std::string> command = {program, "--port", std::to_string(first_port + reader)};
+    std::vector<std::string> command = {program, "--port", std::to_string(FIRST_PORT + reader)};
     command.insert(command.end(), options.begin(), options.end());
     cards_.emplace(reader, command);
     await_card(reader, true);

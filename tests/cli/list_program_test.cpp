@@ -7,7 +7,7 @@ using zvtest::ProgramTest;
 
 class ListProgramTest : public ProgramTest {
   protected:
-    /// Removes a certificate and its keys, as the advice says.
+    // Removes a certificate and its keys, as the advice says.
     void remove_with_other_software(const std::string& hex) {
         const std::string one = other_program("--delete-object --type $t --id " + hex);
         ASSERT_EQ(shell("for t in cert pubkey privkey; do " + one + " || exit; done").code, 0);
@@ -120,7 +120,7 @@ TEST_F(ListProgramTest, WritesTheLogBelowItsOwnHomeOrWorksWithoutOne) {
     EXPECT_EQ(std::filesystem::status(home() / ".trevallo").permissions(), std::filesystem::perms::owner_all);
     const std::string log = simcard::read_file(home() / ".trevallo" / "zvRenew.log");
     EXPECT_NE(log.find("rinnovo_Card_readCerts"), std::string::npos);
-    EXPECT_EQ(log.find(simcard::default_pin), std::string::npos);
+    EXPECT_EQ(log.find(simcard::DEFAULT_PIN), std::string::npos);
 
     std::filesystem::remove_all(home() / ".trevallo");
     simcard::write_file(home() / ".trevallo", "", simcard::Access::owner_only);

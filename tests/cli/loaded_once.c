@@ -1,5 +1,6 @@
 // The simulated card behind a front that, as opencryptoki's, a process cannot load a second time.
 #include "pkcs11.h"
+
 #include <dlfcn.h>
 #include <stdlib.h>
 

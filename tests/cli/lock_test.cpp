@@ -1,11 +1,11 @@
 #include "cli/lock.h"
-
 #include "cli/outcome.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <optional>
 #include <unistd.h>
+
+#include <optional>
 
 namespace {
 

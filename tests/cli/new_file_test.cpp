@@ -1,13 +1,13 @@
-#include "cli/new_file.h"
-
 #include "cli/key_material.h"
+#include "cli/new_file.h"
 #include "cli/outcome.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 static int error = 0; // what a file system answers that cannot rename without replacing
 

@@ -40,7 +40,7 @@ TEST_F(PinProgramTest, AWrongPinCostsOneTryAndTheLastIsNotTakenNorALockedOne) {
     EXPECT_TRUE(outcome.says("--final-try"));
     EXPECT_TRUE(zvrenew("readers").says("one try is left"));
 
-    give_pin(simcard::default_pin);
+    give_pin(simcard::DEFAULT_PIN);
     EXPECT_EQ(with_pin("list --final-try").code, 0);
     EXPECT_FALSE(zvrenew("readers").says("tries"));
 

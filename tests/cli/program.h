@@ -2,13 +2,14 @@
 
 #include "tests/simcard_tool/test_cards.h"
 
-#include <array>
-#include <cstdio>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
 
 namespace zvtest {
 
@@ -19,15 +20,15 @@ namespace fs = std::filesystem;
 inline constexpr const char* with_sanitizer =
     "LD_PRELOAD=$(g++ -print-file-name=libasan.so) ASAN_OPTIONS=detect_leaks=0 ";
 #else
-inline constexpr const char* with_sanitizer = "";
+inline constexpr const char* WITH_SANITIZER = "";
 #endif
 
-/// What a run of the program gave.
+// What a run of the program gave.
 struct Outcome {
     int code = -1;
-    std::string out;   ///< standard output
-    std::string err;   ///< standard error
-    std::string calls; ///< PKCS#11 calls made, one a line
+    std::string out;   // standard output
+    std::string err;   // standard error
+    std::string calls; // PKCS#11 calls made, one a line
 
     [[nodiscard]] bool says(const std::string& text) const {
         return out.find(text) != std::string::npos || err.find(text) != std::string::npos;
@@ -38,7 +39,7 @@ struct Outcome {
             if (at == 0 || calls[at - 1] == '\n') ++found;
         return found;
     }
-    /// Whether any call could have changed the card.
+    // Whether any call could have changed the card.
     [[nodiscard]] bool changed_card() const {
         return count("C_GenerateKeyPair") + count("C_CreateObject") + count("C_DestroyObject") +
                    count("C_SetAttributeValue") !=
@@ -46,7 +47,7 @@ struct Outcome {
     }
 };
 
-/// What "on_card" is when these identifiers have each a certificate and both keys.
+// What "on_card" is when these identifiers have each a certificate and both keys.
 inline nlohmann::json whole(const std::vector<std::string>& ids) {
     nlohmann::json list = nlohmann::json::array();
     for (const std::string& id : ids)
@@ -54,7 +55,7 @@ inline nlohmann::json whole(const std::vector<std::string>& ids) {
     return list;
 }
 
-/// zvrenew with a home, a working folder and simulated cards of the test's own.
+// zvrenew with a home, a working folder and simulated cards of the test's own.
 class ProgramTest : public testing::Test {
   protected:
     ProgramTest() {
@@ -64,15 +65,15 @@ class ProgramTest : public testing::Test {
                             "u:x:" + std::to_string(::getuid()) + ":" + std::to_string(::getgid()) +
                                 "::" + home().string() + ":/bin/sh\n",
                             simcard::Access::owner_only);
-        give_pin(simcard::default_pin);
+        give_pin(simcard::DEFAULT_PIN);
     }
 
-    /// A card whose signature certificate, or a services card's own, ends in so many days.
+    // A card whose signature certificate, or a services card's own, ends in so many days.
     void make_card(int days = 12, const char* profile = "signature") {
         cards_.make({.profile = &simcard::profile_named(profile), .signature_days = days, .cns_days = days});
         cards_.configure();
     }
-    /// A card with signature pairs under these identifiers, certificates included.
+    // A card with signature pairs under these identifiers, certificates included.
     void make_card_with(const std::vector<const char*>& ids) {
         simcard::Profile profile = simcard::profile_named("signature");
         std::vector<simcard::PairPlan> pairs;
@@ -87,11 +88,11 @@ class ProgramTest : public testing::Test {
         simcard::write_file(pin_file(), pin + "\n", simcard::Access::owner_only);
     }
 
-    /// Runs zvrenew in the working folder; `rules` go to the simulated card.
+    // Runs zvrenew in the working folder; `rules` go to the simulated card.
     Outcome zvrenew(const std::string& arguments, const std::string& rules = {}) {
         return shell(command(arguments, rules));
     }
-    /// The same, with the PIN's file.
+    // The same, with the PIN's file.
     Outcome with_pin(const std::string& arguments, const std::string& rules = {}) {
         return zvrenew(arguments + " --pin-file " + pin_file().string(), rules);
     }
@@ -99,14 +100,14 @@ class ProgramTest : public testing::Test {
         return nlohmann::json::parse(with_pin(arguments + " --json").out);
     }
 
-    /// What the shell is told to run zvrenew.
+    // What the shell is told to run zvrenew.
     [[nodiscard]] std::string command(const std::string& arguments, const std::string& rules = {}) const {
         return "env LD_PRELOAD=" NSS_WRAPPER " ASAN_OPTIONS=verify_asan_link_order=0 NSS_WRAPPER_PASSWD=" +
                passwd().string() + " NSS_WRAPPER_GROUP=/etc/group ZVSIMCARD_TRACE=" + trace().string() +
                " ZVSIMCARD_RULES='" + rules + "' " ZVRENEW " " + arguments;
     }
 
-    /// Runs a command in the working folder.
+    // Runs a command in the working folder.
     Outcome shell(const std::string& command) {
         fs::remove(trace());
         const fs::path errors = folder_.path() / "stderr";
@@ -122,9 +123,9 @@ class ProgramTest : public testing::Test {
         return outcome;
     }
 
-    /// What the shell is told to look at the card with another program, logged in.
+    // What the shell is told to look at the card with another program, logged in.
     static std::string other_program(const std::string& arguments) {
-        return with_sanitizer + std::string("pkcs11-tool --module " ZVSIMCARD_MODULE " -l --pin 12345678 ") +
+        return WITH_SANITIZER + std::string("pkcs11-tool --module " ZVSIMCARD_MODULE " -l --pin 12345678 ") +
                arguments;
     }
     Outcome tool(const std::string& arguments) { return shell(ZVSIMCARD_TOOL " " + arguments); }

@@ -1,9 +1,10 @@
 // The PIN typed at a terminal.
 #include "tests/cli/program.h"
 
-#include <csignal>
 #include <sys/stat.h>
 #include <termios.h>
+
+#include <csignal>
 
 #ifdef __APPLE__
 #include <util.h>

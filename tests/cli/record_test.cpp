@@ -7,11 +7,11 @@ namespace {
 
 using namespace cli;
 
-constexpr const char* dates = "#01/02/2025 10:00:00#29/02/2028 23:59:59#";
+constexpr const char* DATES = "#01/02/2025 10:00:00#29/02/2028 23:59:59#";
 
 std::string signature_record(const std::string& notice) {
     return "2.5.4.6=IT2.5.4.3=Ada 22.5.4.5=TINIT-X#2.5.4.6=IT2.5.4.10=Ente#77#1.2.3,1.2.4#0A0B" +
-           std::string(dates) + "DS0#" + notice + "#ABCD#CLLDAA80A41Z999U";
+           std::string(DATES) + "DS0#" + notice + "#ABCD#CLLDAA80A41Z999U";
 }
 
 TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
@@ -26,7 +26,7 @@ TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
     EXPECT_EQ(record->fiscal_code, "CLLDAA80A41Z999U");
     EXPECT_EQ(day_of(record->ends), "2028-02-29");
     const auto named =
-        parse_record("2.5.4.3=Bar #1#2.5.4.10=Ente####" + std::string(dates + 1) + "AUTHCertificate0#ABCD#",
+        parse_record("2.5.4.3=Bar #1#2.5.4.10=Ente####" + std::string(DATES + 1) + "AUTHCertificate0#ABCD#",
                      Kind::authentication, false);
     ASSERT_TRUE(named);
     EXPECT_EQ(named->subject.value("CN"), "Bar #1");
@@ -41,7 +41,7 @@ TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
 TEST(RecordTest, RefusesWhatIsNoRecord) {
     const std::string whole = signature_record("n");
     for (const std::string& text : {std::string(), std::string("####################"), whole.substr(0, 90),
-                                    "a#b#c#d#e" + std::string(dates) + "DS0"})
+                                    "a#b#c#d#e" + std::string(DATES) + "DS0"})
         EXPECT_FALSE(parse_record(text, Kind::signature, false)) << text;
     for (const char* date : {"", "1/02/2025 10:00:00", "01-02-2025 10:00:00", "01/13/2025 10:00:00",
                              "-1/02/2025 10:00:00", "0x/02/2025 10:00:00", "01/02/2025 10:00:00 "})

@@ -10,19 +10,18 @@ class ServicesProgramTest : public ProgramTest {
     // A card whose request is under way, the request in "request" and its certificate in "certificate".
     void prepare() {
         make_card(12, "cns");
-        request_ = with_pin("request services --out request");
-        ASSERT_EQ(request_.code, 0) << request_.err;
+        request = with_pin("request services --out request");
+        ASSERT_EQ(request.code, 0) << request.err;
         ASSERT_EQ(tool("issue request --out certificate").code, 0);
     }
-    Outcome request_;
+    Outcome request;
 };
 
 TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
     prepare();
-    EXPECT_EQ(request_.count("C_GenerateKeyPair"), 0U);
-    EXPECT_TRUE(request_.says("=, SN=Collaudo, GN=Ada\n"))
-        << "what follows the common name: " << request_.out;
-    EXPECT_TRUE(request_.says("--request request --remove-old"));
+    EXPECT_EQ(request.count("C_GenerateKeyPair"), 0U);
+    EXPECT_TRUE(request.says("=, SN=Collaudo, GN=Ada\n")) << "what follows the common name: " << request.out;
+    EXPECT_TRUE(request.says("--request request --remove-old"));
     const auto before = json("list");
     EXPECT_EQ(before["services_waiting"], true);
     EXPECT_TRUE(with_pin("list").says("DUE, request under way"));

@@ -2,8 +2,9 @@
 #include "cli/note.h"
 #include "zvRenew.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
+
+#include <cstring>
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "raw_certificate.h"
+#include "tests/crypt/raw_certificate.h"
 
 using namespace test;
 
@@ -18,9 +18,9 @@ int parts(unsigned char* der, unsigned long length, char* out, int) {
                      &sizes[2]);
 }
 
-constexpr Field ski = zv_X509V3_get_subject_key_identifier;
-constexpr Field fields[] = {kvGetSubjectDN, kvGetIssuerDN, kvX509GetSerial,   kvGetIUT,
-                            kvGetCodFisc,   ski,           kvGetExplicitText, kvGetCertificatePolicies,
+constexpr Field SKI = zv_X509V3_get_subject_key_identifier;
+constexpr Field FIELDS[] = {kvGetSubjectDN, kvGetIssuerDN, kvX509GetSerial,   kvGetIUT,
+                            kvGetCodFisc,   SKI,           kvGetExplicitText, kvGetCertificatePolicies,
                             dates,          parts};
 
 // What authorities issue, small and large.
@@ -40,17 +40,17 @@ std::vector<Bytes> corpus() {
     const std::string key = tlv(sequence, tlv(sequence, oid("ED25519")) + tlv(3, std::string(33, '\0')));
     return {encode(Raw{.serial = "\0\xF0\x01"s, .subject = holder, .extensions = known}),
             encode(Raw{.subject = "", .key = key, .extensions = other}),
-            encode(Raw{.serial = "\x80", .subject = wide, .key = rsaKey(4096)}),
+            encode(Raw{.serial = "\x80", .subject = wide, .key = rsa_key(4096)}),
             encode(Raw{.extensions = extension("certificatePolicies", tlv(sequence, policies)) + other +
                                      other + extension("1.2.3.4.5", large)}),
             make(Shape{}).der}; // an EC key
 }
 
 // For that reason, which every operation gives.
-void expectBad(const std::string& der, const char* reason) {
-    for (const Field field : fields) {
+void expect_bad(const std::string& der, const char* reason) {
+    for (const Field field : FIELDS) {
         EXPECT_EQ(read(field, {der.begin(), der.end()}, 64, ZVC_ERR_BAD_CERTIFICATE), "");
-        EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
+        EXPECT_NE(last_error().find(reason), std::string::npos) << last_error();
     }
 }
 
@@ -61,7 +61,7 @@ TEST(Certificates, EveryFieldIsCutAtACharacterAtAnySize) {
     EXPECT_EQ(read(kvGetSubjectDN, escaped, 14, ZVC_ERR_CUT), R"(/O=a\x0A)");
     EXPECT_EQ(read(kvGetSubjectDN, escaped, 8, ZVC_ERR_CUT), "/O=a");
     for (const auto& der : corpus())
-        for (const Field field : fields) {
+        for (const Field field : FIELDS) {
             const std::string whole = read(field, der, 4096);
             const int length = static_cast<int>(whole.size());
             for (int size = std::max(1, length - 300); size <= length + 1; ++size) {
@@ -75,32 +75,32 @@ TEST(Certificates, EveryFieldIsCutAtACharacterAtAnySize) {
 }
 
 TEST(Certificates, EveryTruncationIsRefused) {
-    expectBad("", "vuoto");
+    expect_bad("", "vuoto");
     for (const auto& certificate : corpus()) {
-        const std::string der = asText(certificate);
+        const std::string der = as_text(certificate);
         const std::size_t step = der.size() > 1000 ? 97 : 1;
         for (std::size_t size = 1; size < der.size(); size += step)
-            expectBad(der.substr(0, size), "incompleto");
+            expect_bad(der.substr(0, size), "incompleto");
         for (std::size_t size = 0; size + 4 < der.size(); size += 3 * step)
-            expectBad(tlv(sequence, der.substr(4, size)), ""); // of the right length again
+            expect_bad(tlv(sequence, der.substr(4, size)), ""); // of the right length again
     }
 }
 
 TEST(Certificates, WhatIsNoDerIsRefused) {
-    const std::string good = asText(encode(Raw{}));
+    const std::string good = as_text(encode(Raw{}));
     std::string nested = "x";
     for (int i = 0; i < 5000; ++i)
         nested = tlv(sequence, nested);
     const std::pair<std::string, const char*> rows[] = {
         {"\x30\x80" + good.substr(4) + "\0\0"s, "indefinite"},
-        {asText(encode(Raw{.subject = "\x31\x80\0\0"s})), "indefinite"},
+        {as_text(encode(Raw{.subject = "\x31\x80\0\0"s})), "indefinite"},
         {nested, "annidati"},
-        {asText(encode(Raw{.key = nested})), "annidati"},
+        {as_text(encode(Raw{.key = nested})), "annidati"},
         {"\x30\x84\xFF\xFF\xFF\xFF" + good.substr(4), "lunghezze errate"},
         {tlv(sequence, good.substr(4) + tlv(5, "")), "non è leggibile"}}; // more behind the signature
     EXPECT_EQ(read(dates, encode(Raw{.subject = tlv(5, "")}), 64, ZVC_ERR_BAD_CERTIFICATE), "");
     for (const auto& [der, reason] : rows)
-        expectBad(der, reason);
+        expect_bad(der, reason);
     char out[8];
     EXPECT_EQ(kvGetIUT(encode(Raw{}).data(), ~0UL, out, sizeof out), ZVC_ERR_BAD_CERTIFICATE);
 }
@@ -111,8 +111,8 @@ TEST(Certificates, EveryByteChangedKeepsTheBuffers) {
         for (auto& byte : der)
             for (const int changed : {0x80, 0xFF, byte + 1}) {
                 const auto kept = std::exchange(byte, static_cast<unsigned char>(changed));
-                for (const Field field : fields)
-                    (void)read(field, der, 40, any_code);
+                for (const Field field : FIELDS)
+                    (void)read(field, der, 40, ANY_CODE);
                 byte = kept;
             }
 }

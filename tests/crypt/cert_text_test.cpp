@@ -1,4 +1,4 @@
-#include "certificates.h"
+#include "tests/crypt/certificates.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,8 @@ class CertText : public testing::Test {
     }
     [[nodiscard]] Bytes found() const { return {record.der, record.der + record.derLength}; }
 
-    test::Certificate root = test::makeAuthority("Radice");
-    test::Certificate authority = test::makeAuthority("Autorità", &root);
+    test::Certificate root = test::make_authority("Radice");
+    test::Certificate authority = test::make_authority("Autorità", &root);
     test::Certificate holder = test::make({.issuer = &authority});
     test::Certificate another = test::make({.subject = "CN=Altro", .issuer = &authority});
     datiCert record{};
@@ -80,7 +80,7 @@ TEST_F(CertText, EveryFormGivesTheHoldersCertificate) {
 // OpenSSL reads none of it.
 TEST_F(CertText, WhatAuthoritiesIssueComesOutByteByByte) {
     const auto tame =
-        test::make({.subject = test::wildSubject, .serial = test::wildSerial, .issuer = &authority});
+        test::make({.subject = test::WILD_SUBJECT, .serial = test::WILD_SERIAL, .issuer = &authority});
     const Bytes odd = test::wild(tame.der);
     const unsigned char* end = odd.data();
     ASSERT_EQ(d2i_X509(nullptr, &end, static_cast<long>(odd.size())), nullptr);
@@ -97,10 +97,10 @@ TEST_F(CertText, AnAuthorityWithoutTheMarkIsKnownByWhatItIssued) {
     const auto issued = test::make({.issuer = &old});
     EXPECT_EQ(split(pem(old.der) + pem(issued.der)), ZVC_OK) << reason;
     EXPECT_EQ(found(), issued.der);
-    const auto selfMade = test::make({.extensions = "basicConstraints = critical, CA:TRUE"});
-    for (const auto& alone : {old.der, selfMade.der})
+    const auto self_made = test::make({.extensions = "basicConstraints = critical, CA:TRUE"});
+    for (const auto& alone : {old.der, self_made.der})
         EXPECT_EQ(split(pem(alone)), ZVC_OK) << "alone it is a certificate like any other";
-    EXPECT_EQ(split(pem(selfMade.der) + pem(issued.der)), ZVC_OK) << reason;
+    EXPECT_EQ(split(pem(self_made.der) + pem(issued.der)), ZVC_OK) << reason;
     EXPECT_EQ(found(), issued.der);
 }
 
@@ -117,11 +117,11 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
                       begin = "-----BEGIN CERTIFICATE-----\n";
     const std::string end = "-----END CERTIFICATE-----", date = "240131010203Z";
     const Bytes chain = bundle({authority, holder});
-    Bytes badDate = holder.der; // of another type
-    *(std::search(badDate.begin(), badDate.end(), date.begin(), date.end()) - 2) = 0x04;
-    std::string longName = "CN=Lungo";
+    Bytes bad_date = holder.der; // of another type
+    *(std::search(bad_date.begin(), bad_date.end(), date.begin(), date.end()) - 2) = 0x04;
+    std::string long_name = "CN=Lungo";
     for (int unit = 0; unit < 8; ++unit)
-        longName += "|OU=" + std::string(60, 'x');
+        long_name += "|OU=" + std::string(60, 'x');
     const struct {
         std::string text;
         int code;
@@ -137,7 +137,7 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
         {base64(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(longer(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato è seguito da altri dati"},
         {pem(cut(holder.der)), ZVC_ERR_BAD_CERTIFICATE, "Il certificato"},
-        {base64(badDate), ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile"},
+        {base64(bad_date), ZVC_ERR_BAD_CERTIFICATE, "Il certificato non è leggibile"},
         {base64(longer(chain)), ZVC_ERR_TEXT_FORM, "PKCS#7 dei certificati è seguita da altri dati"},
         {pem(longer(trusted(holder)), "TRUSTED CERTIFICATE"), ZVC_ERR_BAD_CERTIFICATE, "TRUSTED"},
         {pem(holder.der, "PKCS7"), ZVC_ERR_TEXT_FORM, "busta PKCS#7 dei certificati non è leggibile"},
@@ -154,14 +154,14 @@ TEST_F(CertText, AnythingElseIsRefusedWithAReason) {
         {pem(bundle({}), "PKCS7"), ZVC_ERR_TEXT_FORM, "nessun certificato"},
         {pem(root.der), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
         {base64(bundle({authority, root})), ZVC_ERR_NO_HOLDER, "solo certificati di autorità"},
-        {pem(test::make({.subject = longName, .issuer = &authority}).der), ZVC_ERR_ROOM, "512 byte"},
+        {pem(test::make({.subject = long_name, .issuer = &authority}).der), ZVC_ERR_ROOM, "512 byte"},
         {one + pem(another.der), ZVC_ERR_TWO_HOLDERS, "più titolari"},
         {pem(bundle({another, authority, holder}), "CMS"), ZVC_ERR_TWO_HOLDERS, "più titolari"},
     };
     for (const auto& [text, code, sentence] : cases) {
         EXPECT_EQ(split(text), code) << text;
         EXPECT_NE(std::string(reason).find(sentence), std::string::npos) << reason << " for\n" << text;
-        EXPECT_EQ(test::lastError(), reason);
+        EXPECT_EQ(test::last_error(), reason);
         EXPECT_EQ(record.derLength, 0U);
     }
 }

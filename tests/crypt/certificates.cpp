@@ -1,4 +1,4 @@
-#include "raw_certificate.h"
+#include "tests/crypt/raw_certificate.h"
 
 #include <openssl/conf.h>
 #include <openssl/ec.h>
@@ -16,7 +16,7 @@ void require(bool done) {
     if (!done) throw std::runtime_error("the test's certificate cannot be made");
 }
 
-void setSubject(X509_NAME* name, const std::string& subject, int form) {
+void set_subject(X509_NAME* name, const std::string& subject, int form) {
     std::istringstream attributes(subject);
     for (std::string one; std::getline(attributes, one, '|');) {
         const auto value = reinterpret_cast<const unsigned char*>(one.data()) + one.find('=') + 1;
@@ -26,7 +26,7 @@ void setSubject(X509_NAME* name, const std::string& subject, int form) {
     }
 }
 
-void addExtensions(X509* certificate, const std::string& lines, X509* issuer) {
+void add_extensions(X509* certificate, const std::string& lines, X509* issuer) {
     const std::string text = "[ext]\n" + lines + "\n";
     const std::shared_ptr<BIO> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
     const std::shared_ptr<CONF> conf(NCONF_new(nullptr), NCONF_free);
@@ -47,18 +47,18 @@ Certificate make(const Shape& shape) {
     const std::shared_ptr<ASN1_INTEGER> serial(s2i_ASN1_INTEGER(nullptr, ("0x" + shape.serial).c_str()),
                                                ASN1_INTEGER_free);
     require(X509_set_serialNumber(it, serial.get()) == 1);
-    require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.notBefore.c_str()) == 1);
-    require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.notAfter.c_str()) == 1);
-    setSubject(X509_get_subject_name(it), shape.subject, shape.form);
+    require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.not_before.c_str()) == 1);
+    require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.not_after.c_str()) == 1);
+    set_subject(X509_get_subject_name(it), shape.subject, shape.form);
     const Certificate& issuer = shape.issuer == nullptr ? made : *shape.issuer;
     require(X509_set_issuer_name(it, X509_get_subject_name(issuer.x509.get())) == 1);
-    if (!shape.extensions.empty()) addExtensions(it, shape.extensions, issuer.x509.get());
+    if (!shape.extensions.empty()) add_extensions(it, shape.extensions, issuer.x509.get());
     require(X509_sign(it, issuer.key.get(), EVP_sha256()) > 0);
     made.der = encoded<X509>(i2d_X509, it);
     return made;
 }
 
-Certificate makeAuthority(const std::string& name, const Certificate* issuer) {
+Certificate make_authority(const std::string& name, const Certificate* issuer) {
     // Issuer and serial number tell a certificate apart, from its issuer's too.
     return make({.subject = "C=IT|CN=" + name,
                  .extensions = "basicConstraints = critical, CA:TRUE\nkeyUsage = keyCertSign",

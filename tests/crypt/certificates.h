@@ -28,18 +28,18 @@ struct Shape {
     // The section [ext] of an OpenSSL configuration; sections that it names may follow.
     std::string extensions = "basicConstraints = CA:FALSE";
     std::string serial = "0A01";
-    std::string notBefore = "20240131010203Z";
-    std::string notAfter = "20991231235959Z";
+    std::string not_before = "20240131010203Z";
+    std::string not_after = "20991231235959Z";
     const Certificate* issuer = nullptr; // itself without one
     KeyPtr key = nullptr;                // a new one without one
 };
 
 [[nodiscard]] Certificate make(const Shape& shape);
-[[nodiscard]] Certificate makeAuthority(const std::string& name, const Certificate* issuer = nullptr);
+[[nodiscard]] Certificate make_authority(const std::string& name, const Certificate* issuer = nullptr);
 // Puts what authorities issue into one that make() made with these: a BMPString of odd length, a Latin-1 byte in a
 // UTF8String, a serial number with a needless byte.
-inline constexpr const char* wildSubject = "O=abc|CN=Titolare";
-inline constexpr const char* wildSerial = "0F0F8A01";
+inline constexpr const char* WILD_SUBJECT = "O=abc|CN=Titolare";
+inline constexpr const char* WILD_SERIAL = "0F0F8A01";
 [[nodiscard]] Bytes wild(Bytes der);
 // The same, signed once more by the issuer.
 [[nodiscard]] Bytes wild(const Certificate& certificate, const Certificate& issuer);
@@ -54,7 +54,7 @@ template <class T> [[nodiscard]] Bytes encoded(int (*encode)(const T*, unsigned 
     return der;
 }
 
-[[nodiscard]] inline std::string lastError() {
+[[nodiscard]] inline std::string last_error() {
     char text[512];
     (void)kvLastError(text, sizeof text);
     return text;

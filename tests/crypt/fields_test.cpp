@@ -1,4 +1,4 @@
-#include "raw_certificate.h"
+#include "tests/crypt/raw_certificate.h"
 
 using namespace test;
 
@@ -8,7 +8,7 @@ std::string subject(const std::string& rdns) {
     return read(kvGetSubjectDN, encode(Raw{.subject = rdns}), 2048);
 }
 
-std::string codFisc(const std::string& name) {
+std::string cod_fisc(const std::string& name) {
     return read(kvGetCodFisc, make(Shape{.subject = name}).der, 128);
 }
 
@@ -62,13 +62,13 @@ TEST(Fields, SerialsAndKeyIdentifiersAreUpperCaseHexadecimal) {
     EXPECT_EQ(read(kvX509GetSerial, twenty, 41), "FEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFEFE");
     EXPECT_EQ(read(kvX509GetSerial, twenty, 6, ZVC_ERR_CUT), "FEFE");
     read(kvX509GetSerial, encode(Raw{.serial = ""}), 128, ZVC_ERR_BAD_CERTIFICATE);
-    const auto keyId = [](const std::string& value, int expected) {
+    const auto key_id = [](const std::string& value, int expected) {
         const auto der = encode(Raw{.extensions = extension("subjectKeyIdentifier", value)});
         return read(zv_X509V3_get_subject_key_identifier, der, 256, expected);
     };
-    EXPECT_EQ(keyId(tlv(4, "\xDE\xAD\x0B\xEF"), ZVC_OK), "DEAD0BEF");
+    EXPECT_EQ(key_id(tlv(4, "\xDE\xAD\x0B\xEF"), ZVC_OK), "DEAD0BEF");
     for (const auto& bad : {tlv(utf8, "DEAD"), tlv(4, "\xDE") + "x", ""s})
-        keyId(bad, ZVC_ERR_BAD_CERTIFICATE);
+        key_id(bad, ZVC_ERR_BAD_CERTIFICATE);
 }
 
 TEST(Fields, DatesOfEveryFormAreUtc) {
@@ -99,15 +99,15 @@ TEST(Fields, DatesOfEveryFormAreUtc) {
 TEST(Fields, CodiceFiscale) {
     const std::string code = "RSSMRA80A01H501U";
     for (const char* prefix : {"IT:", "TINIT-", ""})
-        EXPECT_EQ(codFisc("CN=Mario Rossi|serialNumber=" + (prefix + code)), code);
-    EXPECT_EQ(codFisc("serialNumber=TINIT-12345678901"), "12345678901");
-    EXPECT_EQ(codFisc("CN=" + code + "/6120016612345678.abcDEF=="), code);
-    EXPECT_EQ(codFisc("CN=RSSMRAULA0MH5L1U/1.x"), "RSSMRAULA0MH5L1U"); // letters in the place of digits
-    EXPECT_EQ(codFisc("serialNumber=TINIT-|CN=12345678901/1.x"), "12345678901");
+        EXPECT_EQ(cod_fisc("CN=Mario Rossi|serialNumber=" + (prefix + code)), code);
+    EXPECT_EQ(cod_fisc("serialNumber=TINIT-12345678901"), "12345678901");
+    EXPECT_EQ(cod_fisc("CN=" + code + "/6120016612345678.abcDEF=="), code);
+    EXPECT_EQ(cod_fisc("CN=RSSMRAULA0MH5L1U/1.x"), "RSSMRAULA0MH5L1U"); // letters in the place of digits
+    EXPECT_EQ(cod_fisc("serialNumber=TINIT-|CN=12345678901/1.x"), "12345678901");
     // Other numbers of a person are none, and what only resembles a code is no code.
     for (const char* other : {"serialNumber=IDCIT-CA12345AA", "serialNumber=VATIT-12345678901",
                               "CN=RSSMRA80101H501U/x", "CN=12345678901", "CN=123456789O1/x"})
-        EXPECT_EQ(codFisc(other), "") << other;
+        EXPECT_EQ(cod_fisc(other), "") << other;
 }
 
 TEST(Fields, PoliciesAndTheFirstExplicitText) {

@@ -1,5 +1,5 @@
-#include "certificates.h"
-#include "scratch.h"
+#include "tests/crypt/certificates.h"
+#include "tests/crypt/scratch.h"
 
 #include <sys/stat.h>
 
@@ -24,12 +24,12 @@ TEST_F(Files, Base64InLinesOf64AndBack) {
         std::string bytes(size, '\0');
         std::generate(bytes.begin(), bytes.end(), [n = 0]() mutable { return static_cast<char>(n++ * 7); });
         write("in", bytes);
-        ASSERT_EQ(convert("in", "out"), ZVC_OK) << test::lastError();
+        ASSERT_EQ(convert("in", "out"), ZVC_OK) << test::last_error();
         std::string text = test::base64({bytes.begin(), bytes.end()}), lines;
         for (std::size_t start = 0; start < text.size(); start += 64)
             lines += text.substr(start, 64) + "\n";
         EXPECT_EQ(content(path("out")), lines);
-        ASSERT_EQ(convert("out", "back", "d"), ZVC_OK) << test::lastError();
+        ASSERT_EQ(convert("out", "back", "d"), ZVC_OK) << test::last_error();
         EXPECT_EQ(content(path("back")), bytes);
     }
 }
@@ -47,7 +47,7 @@ TEST_F(Files, AnOutputReplacesWhatHasItsNameNeverWhatThatPointsTo) {
     write("precious", "keep me");
     fs::create_symlink(path("precious"), folder / "out");
     ::umask(0);
-    ASSERT_EQ(convert("in", "out"), ZVC_OK) << test::lastError();
+    ASSERT_EQ(convert("in", "out"), ZVC_OK) << test::last_error();
     EXPECT_EQ(content(path("precious")), "keep me");
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "out")));
     EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms::owner_read | fs::perms::owner_write);
@@ -66,7 +66,7 @@ TEST_F(Files, OnlyAPlainFileIsRead) {
     ASSERT_EQ(::mkfifo(path("fifo").c_str(), 0600), 0);
     for (const char* in : {"link", "fifo", ".", "missing"}) {
         EXPECT_EQ(convert(in, "out"), ZVC_ERR_INPUT) << in;
-        EXPECT_NE(test::lastError().find(path(in)), std::string::npos);
+        EXPECT_NE(test::last_error().find(path(in)), std::string::npos);
     }
     EXPECT_EQ(convert("in", "in"), ZVC_ERR_OUTPUT);
     EXPECT_EQ(content(path("in")), "abc") << "a file is not converted onto itself";

@@ -1,6 +1,6 @@
-#include "certificates.h"
 #include "crypt/atr.h"
-#include "scratch.h"
+#include "tests/crypt/certificates.h"
+#include "tests/crypt/scratch.h"
 
 #include <chrono>
 #include <regex>
@@ -8,7 +8,7 @@
 
 namespace {
 
-using test::lastError;
+using test::last_error;
 
 class Lookup : public test::Scratch {
   protected:
@@ -19,33 +19,33 @@ class Lookup : public test::Scratch {
     std::string readers(int expected = ZVC_OK) {
         char list[ZVC_READER_LIST_SIZE + 1] = {};
         list[ZVC_READER_LIST_SIZE] = 'x';
-        EXPECT_EQ(kvGetReader(list), expected) << lastError();
+        EXPECT_EQ(kvGetReader(list), expected) << last_error();
         EXPECT_EQ(list[ZVC_READER_LIST_SIZE], 'x');
         return list;
     }
     // With a folder its atr.ini is asked too.
-    std::string module(std::string reader, const char* iniDir = nullptr, int expected = ZVC_OK) {
+    std::string module(std::string reader, const char* ini_dir = nullptr, int expected = ZVC_OK) {
         char text[ZVC_MODULE_NAME_SIZE] = "x";
-        const int code = iniDir == nullptr ? kvGetPKCS11FromATR(reader.data(), text)
-                                           : kvGetPKCS11FromATRLite(reader.data(), text, iniDir);
-        EXPECT_EQ(code, expected) << lastError();
+        const int code = ini_dir == nullptr ? kvGetPKCS11FromATR(reader.data(), text)
+                                            : kvGetPKCS11FromATRLite(reader.data(), text, ini_dir);
+        EXPECT_EQ(code, expected) << last_error();
         return text;
     }
 };
 
-const std::string deskReader = "[reader Scrivania]\natr = 3BFF1800\n";
-const std::string cnsAtr = "3BFF1800008131FE45006B04050100012101434E5310318059";
-const std::string cnsReader = "[reader A]\natr = " + cnsAtr + "\n";
+const std::string DESK_READER = "[reader Scrivania]\natr = 3BFF1800\n";
+const std::string CNS_ATR = "3BFF1800008131FE45006B04050100012101434E5310318059";
+const std::string CNS_READER = "[reader A]\natr = " + CNS_ATR + "\n";
 
 } // namespace
 
 TEST_F(Lookup, WithoutServiceThereAreTheSoftwareReadersOrAReason) {
     EXPECT_EQ(readers(ZVC_ERR_NO_SERVICE), "");
-    EXPECT_NE(lastError().find("PC/SC"), std::string::npos);
+    EXPECT_NE(last_error().find("PC/SC"), std::string::npos);
     configure("\xEF\xBB\xBF[reader uno]\nname = Lettore [CCID] 00 00 ; il nome ha le parentesi\natr = 3b 00\n"
               "# commento\n  [reader due]  ; indentato\n\tatr = 3F:00\r\n");
     EXPECT_EQ(readers(), "Lettore [CCID] 00 00|due|");
-    EXPECT_EQ(lastError(), "");
+    EXPECT_EQ(last_error(), "");
     module("tre", nullptr, ZVC_ERR_NO_SERVICE);
 
     std::string eight;
@@ -59,10 +59,10 @@ TEST_F(Lookup, WithoutServiceThereAreTheSoftwareReadersOrAReason) {
 }
 
 TEST_F(Lookup, TheFirstPatternThatMatchesWinsAndItsFlagsStandUntilTheNextLookup) {
-    configure(deskReader + "[card troppo lunga]\natr = 3BFF180000\nmodule = libno.so\n"
-                           "[card altra]\natr = 3B.F19..\nmodule = libno.so\n"
-                           "[card jolly]\natr = 3b:xF:1?:.0\nmodule = libprima.so\nflags = cns touchsign\n"
-                           "[card esatta]\natr = 3BFF1800\nmodule = libseconda.so\n");
+    configure(DESK_READER + "[card troppo lunga]\natr = 3BFF180000\nmodule = libno.so\n"
+                            "[card altra]\natr = 3B.F19..\nmodule = libno.so\n"
+                            "[card jolly]\natr = 3b:xF:1?:.0\nmodule = libprima.so\nflags = cns touchsign\n"
+                            "[card esatta]\natr = 3BFF1800\nmodule = libseconda.so\n");
     EXPECT_EQ(module("Scrivania"), "libprima.so");
     EXPECT_EQ(kvIsCNSINCARD(), 1);
     EXPECT_EQ(kvIsTOUCHSIGN(), 1);
@@ -80,33 +80,33 @@ TEST(Atr, APatternWithoutDigitsMatchesNothing) {
 // Hosts close the card from exit handlers, when what a library made later is destroyed already.
 TEST_F(Lookup, AnExitHandlerMayCallAsBefore) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    configure(deskReader + "[card z]\natr = 3BFF1800\nmodule = un-modulo-dal-nome-piuttosto-lungo.so\n");
+    configure(DESK_READER + "[card z]\natr = 3BFF1800\nmodule = un-modulo-dal-nome-piuttosto-lungo.so\n");
     static const auto call = [] {
         char reader[] = "Scrivania", module[ZVC_MODULE_NAME_SIZE], missing[] = "/non/esiste/questo-modulo.so";
         if (kvGetPKCS11FromATR(reader, module) != ZVC_OK || kvInitialize(missing, 0) != ZVC_ERR_MODULE_LOAD ||
-            lastError().find(missing) == std::string::npos || kvFinalize() != ZVC_OK)
+            last_error().find(missing) == std::string::npos || kvFinalize() != ZVC_OK)
             ::_exit(3);
     };
     EXPECT_EXIT((std::atexit(call), call(), std::exit(0)), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Lookup, HostTableThenConfigurationThenBuiltInTable) {
-    configure(cnsReader + deskReader);
+    configure(CNS_READER + DESK_READER);
     EXPECT_EQ(module("A"), "opensc-pkcs11.so");
     EXPECT_EQ(kvIsCNSINCARD(), 1);
     EXPECT_EQ(module("Scrivania"), "") << "an unknown card is no failure";
     EXPECT_EQ(kvIsCNSINCARD(), 0);
-    configure(cnsReader + "[card c]\natr = " + cnsAtr + "\nmodule = libconf.so\n");
+    configure(CNS_READER + "[card c]\natr = " + CNS_ATR + "\nmodule = libconf.so\n");
     EXPECT_EQ(module("A"), "libconf.so");
     EXPECT_EQ(kvIsCNSINCARD(), 0);
 
     module("A", folder.c_str(), ZVC_ERR_CONFIG_FILE);
     write("atr.ini", "");
     EXPECT_EQ(module("A", folder.c_str()), "libconf.so");
-    write("atr.ini", "[card c]\natr = " + cnsAtr + "\nmodule = libhost.so\n");
+    write("atr.ini", "[card c]\natr = " + CNS_ATR + "\nmodule = libhost.so\n");
     EXPECT_EQ(module("A", folder.c_str()), "libhost.so");
     EXPECT_EQ(module("A"), "libconf.so");
-    write("atr.ini", deskReader);
+    write("atr.ini", DESK_READER);
     module("A", folder.c_str(), ZVC_ERR_CONFIG);
 }
 
@@ -127,10 +127,10 @@ TEST_F(Lookup, TheCardsOfTheDocumentedListAreFoundAsItSays) {
 }
 
 TEST_F(Lookup, AChangedFileIsReadAgain) {
-    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
+    const auto long_ago = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
     for (const char* name : {"libuno.so", "libdue.so"}) {
-        configure(deskReader + "[card z]\natr = 3BFF1800\nmodule = " + name + "\n");
-        std::filesystem::last_write_time(path("zvcrypt.conf"), longAgo);
+        configure(DESK_READER + "[card z]\natr = 3BFF1800\nmodule = " + name + "\n");
+        std::filesystem::last_write_time(path("zvcrypt.conf"), long_ago);
         EXPECT_EQ(module("Scrivania"), name) << "though path, size and date are the same";
         std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a clock tick at least
     }
@@ -161,8 +161,8 @@ TEST_F(Lookup, AMalformedLineIsNamed) {
     for (const auto& [text, reason] : cases) {
         configure(text);
         readers(ZVC_ERR_CONFIG);
-        EXPECT_NE(lastError().find(path("zvcrypt.conf, ") + reason), std::string::npos)
-            << text << lastError();
+        EXPECT_NE(last_error().find(path("zvcrypt.conf, ") + reason), std::string::npos)
+            << text << last_error();
     }
 }
 
@@ -175,7 +175,7 @@ TEST_F(Lookup, TheConfigurationIsTheFirstFileThatExists) {
     EXPECT_EQ(readers(), ".config|");
     ::setenv("XDG_CONFIG_HOME", path("xdg").c_str(), 1);
     EXPECT_EQ(readers(), "xdg|");
-    configure(deskReader);
+    configure(DESK_READER);
     EXPECT_EQ(readers(), "Scrivania|");
     for (const std::string& unreadable : {path("missing"), folder.string()}) {
         ::setenv("ZVCRYPT_CONF", unreadable.c_str(), 1);

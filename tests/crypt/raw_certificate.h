@@ -1,6 +1,6 @@
 #pragma once
 
-#include "certificates.h"
+#include "tests/crypt/certificates.h"
 
 #include <gtest/gtest.h>
 #include <openssl/objects.h>
@@ -12,7 +12,7 @@ using namespace std::string_literals;
 enum : int { utf8 = 0x0C, printable = 0x13, t61 = 0x14, ia5 = 0x16, utc = 0x17, generalized = 0x18 };
 enum : int { visible = 0x1A, universal = 0x1C, bmp = 0x1E, sequence = 0x30, set = 0x31 };
 
-inline std::string asText(const Bytes& der) {
+inline std::string as_text(const Bytes& der) {
     return {der.begin(), der.end()};
 }
 
@@ -22,9 +22,9 @@ inline std::string tlv(int tag, const std::string& content) {
     return static_cast<char>(tag) + more + static_cast<char>(size & 0xFF) + content;
 }
 
-inline std::string oid(const std::string& nameOrNumber) {
-    const std::shared_ptr<ASN1_OBJECT> object(OBJ_txt2obj(nameOrNumber.c_str(), 0), ASN1_OBJECT_free);
-    return asText(encoded<ASN1_OBJECT>(i2d_ASN1_OBJECT, object.get()));
+inline std::string oid(const std::string& name_or_number) {
+    const std::shared_ptr<ASN1_OBJECT> object(OBJ_txt2obj(name_or_number.c_str(), 0), ASN1_OBJECT_free);
+    return as_text(encoded<ASN1_OBJECT>(i2d_ASN1_OBJECT, object.get()));
 }
 
 inline std::string rdn(const std::string& type, int tag, const std::string& value) {
@@ -35,7 +35,7 @@ inline std::string extension(const std::string& type, const std::string& value) 
     return tlv(sequence, oid(type) + tlv(0x01, "\xFF") + tlv(0x04, value));
 }
 
-inline std::string rsaKey(std::size_t bits) {
+inline std::string rsa_key(std::size_t bits) {
     const auto key = tlv(sequence, tlv(2, '\0' + std::string(bits / 8, '\xC1')) + tlv(2, "\3"));
     return tlv(sequence, tlv(sequence, oid("rsaEncryption") + tlv(5, "")) + tlv(3, '\0' + key));
 }
@@ -44,7 +44,7 @@ struct Raw {
     std::string serial = "\x0A"; // content bytes
     std::string subject = rdn("CN", utf8, "Titolare");
     std::string validity = tlv(utc, "240131010203Z") + tlv(generalized, "20991231235959Z");
-    std::string key = rsaKey(1024);
+    std::string key = rsa_key(1024);
     std::string extensions = "";
 };
 
@@ -65,15 +65,15 @@ struct Guarded : std::vector<char> {
 };
 
 using Field = int (*)(unsigned char*, unsigned long, char*, int);
-constexpr int any_code = -1;
+constexpr int ANY_CODE = -1;
 
 // Reads a field of a certificate that ends where its memory does: a copy has no room to spare.
 inline std::string read(Field field, Bytes der, int size = 512, int expected = ZVC_OK) {
     der.reserve(1);
     Guarded buffer(size);
     const int code = field(der.data(), der.size(), buffer.data(), size);
-    EXPECT_TRUE(code == expected || expected == any_code) << code << ' ' << lastError();
-    EXPECT_EQ(lastError().empty(), code == ZVC_OK) << code;
+    EXPECT_TRUE(code == expected || expected == ANY_CODE) << code << ' ' << last_error();
+    EXPECT_EQ(last_error().empty(), code == ZVC_OK) << code;
     EXPECT_LT(std::string(buffer.data()).size() + 1, buffer.size()) << "not terminated";
     return buffer.data();
 }

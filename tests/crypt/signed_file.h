@@ -1,6 +1,6 @@
 #pragma once
 
-#include "certificates.h"
+#include "tests/crypt/certificates.h"
 
 #include <openssl/cms.h>
 
@@ -35,12 +35,12 @@ struct Signed {
     template <class T> [[nodiscard]] T* attribute(int nid, int type) const {
         return static_cast<T*>(CMS_signed_get0_data_by_OBJ(signer, OBJ_nid2obj(nid), -3, type));
     }
-    [[nodiscard]] Bytes attributeBytes(int nid, int type) const {
+    [[nodiscard]] Bytes attribute_bytes(int nid, int type) const {
         const auto* text = attribute<ASN1_STRING>(nid, type);
         if (text == nullptr) return {};
         return {ASN1_STRING_get0_data(text), ASN1_STRING_get0_data(text) + ASN1_STRING_length(text)};
     }
-    [[nodiscard]] bool isBy(const Certificate& one) const {
+    [[nodiscard]] bool is_by(const Certificate& one) const {
         return CMS_SignerInfo_cert_cmp(signer, one.x509.get()) == 0 && holds(one);
     }
     [[nodiscard]] bool holds(const Certificate& one) const {

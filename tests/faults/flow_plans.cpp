@@ -24,8 +24,8 @@ Answer requested(SweepCard& host, int result) {
 
 Answer read(SweepCard& host) {
     const Reading reading = host.read();
-    Answer answer{reading.result, reading.keyPRA + " " + reading.keyAUT};
-    for (const int flag : {reading.pendingCNS, reading.pendingPRA, reading.pendingAUT})
+    Answer answer{reading.result, reading.key_pra + " " + reading.key_aut};
+    for (const int flag : {reading.pending_cns, reading.pending_pra, reading.pending_aut})
         answer.data += " " + std::to_string(flag);
     for (const auto* list : {&reading.cns, &reading.pra, &reading.aut})
         for (const std::string& record : *list)
@@ -33,27 +33,27 @@ Answer read(SweepCard& host) {
     return answer;
 }
 
-Answer findFree(SweepCard& host) {
+Answer find_free(SweepCard& host) {
     std::string pra, aut;
-    const int result = host.findFree(pra, aut);
+    const int result = host.find_free(pra, aut);
     return {result, pra + " " + aut};
 }
 
 Answer request(SweepCard& host) {
     return requested(host, host.request());
 }
-Answer requestNext(SweepCard& host) {
+Answer request_next(SweepCard& host) {
     return requested(host, host.request("DS5"));
 }
-Answer requestAnew(SweepCard& host) {
+Answer request_anew(SweepCard& host) {
     return requested(host, host.request("DS5", "DS0", true));
 }
-Answer requestOwn(SweepCard& host) {
-    return requested(host, host.requestAuthentication("CNS0", "CNS0"));
+Answer request_own(SweepCard& host) {
+    return requested(host, host.request_authentication("CNS0", "CNS0"));
 }
 
 // Leaves the pending pair that is not the next one that the card makes.
-Answer dropFirst(SweepCard& host) {
+Answer drop_first(SweepCard& host) {
     std::string pin = SweepCard::PIN, first = "DS3", library = host.path();
     if (__Initialize(0, pin.data(), library.data()) == CKR_OK)
         DeleteObjectByLabel(zv::hSession, first.data());
@@ -64,36 +64,37 @@ Answer dropFirst(SweepCard& host) {
 template <bool keep> Answer save(SweepCard& host) {
     return {host.save(host.certificate, keep), ""};
 }
-template <bool keep> Answer saveOwn(SweepCard& host) {
-    return {host.saveAuthentication(host.certificate, keep, "CNS0", "CNS0"), ""};
+template <bool keep> Answer save_own(SweepCard& host) {
+    return {host.save_authentication(host.certificate, keep, "CNS0", "CNS0"), ""};
 }
 
 } // namespace
 
-const std::vector<FlowPlan>& flowPlans() {
-    constexpr const char *S = "signature", *C = "cns-signature", *NONE = "^$", *MARKER = "pending_CNS_key";
-    const std::vector<Use> pending = {read, request}, ownPending = {read, requestOwn};
+const std::vector<FlowPlan>& flow_plans() {
+    constexpr const char *s = "signature", *c = "cns-signature", *none = "^$", *marker = "pending_CNS_key";
+    const std::vector<Use> pending = {read, request}, own_pending = {read, request_own};
     static const std::vector<FlowPlan> plans = {
-        {"read", "reading", S, "-", {read}, read, NONE},
-        {"free", "free identifiers", S, "-", {read}, findFree, NONE},
-        {"request", "request, new pair", S, "DS3", {read}, request, NONE},
-        {"request-pending", "request, pending pair", S, "DS3", pending, request, NONE},
+        {"read", "reading", s, "-", {read}, read, none},
+        {"free", "free identifiers", s, "-", {read}, find_free, none},
+        {"request", "request, new pair", s, "DS3", {read}, request, none},
+        {"request-pending", "request, pending pair", s, "DS3", pending, request, none},
         {"request-anew",
          "request, old pending pair removed",
-         S,
+         s,
          "DS5",
-         {read, request, requestNext, dropFirst},
-         requestAnew,
+         {read, request, request_next, drop_first},
+         request_anew,
          "key\\|DS5"},
-        {"store-keep", "storing, old pair kept", S, "DS3", pending, save<true>, NONE},
-        {"store-delete", "storing, old pair deleted", S, "DS3", pending, save<false>,
+        {"store-keep", "storing, old pair kept", s, "DS3", pending, save<true>, none},
+        {"store-delete", "storing, old pair deleted", s, "DS3", pending, save<false>,
          "\\|DS0\\||\\|Korvalenta"},
-        {"cns-read", "services card: reading", C, "-", ownPending, read, NONE},
-        {"cns-request", "services card: request, own pair", C, "-", {read}, requestOwn, NONE},
-        {"cns-request-new", "services card: request, new pair", C, "DS3", {read}, request, NONE},
-        {"cns-store-keep", "services card: storing, old kept", C, "CNS0", ownPending, saveOwn<true>, MARKER},
-        {"cns-store-delete", "services card: storing, old deleted", C, "CNS0", ownPending, saveOwn<false>,
-         "pending_CNS_key|certificate\\|CNS0", saveOwn<true>},
+        {"cns-read", "services card: reading", c, "-", own_pending, read, none},
+        {"cns-request", "services card: request, own pair", c, "-", {read}, request_own, none},
+        {"cns-request-new", "services card: request, new pair", c, "DS3", {read}, request, none},
+        {"cns-store-keep", "services card: storing, old kept", c, "CNS0", own_pending, save_own<true>,
+         marker},
+        {"cns-store-delete", "services card: storing, old deleted", c, "CNS0", own_pending, save_own<false>,
+         "pending_CNS_key|certificate\\|CNS0", save_own<true>},
     };
     return plans;
 }

@@ -2,13 +2,14 @@
 // tables of docs/faults.md; fails, and says of which case, when something is lost or the outcome has no name there.
 #include "tests/faults/bench.h"
 
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <array>
 #include <iostream>
 #include <numeric>
 #include <regex>
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -19,77 +20,77 @@ constexpr const char* DEEDS[] = {
     "answer:0xE0", "answer:0xE1", "answer:0x80000001",  "take-out",     "do-and-answer:0x30", "kill-before",
     "kill-after",  "absurd:text", "absurd:unavailable", "absurd:count", "absurd:length"};
 
-/// What becomes of a case. From BETWEEN on the rules leave the card worse, or the host uninformed.
-enum Kind { DONE, AGAIN, BETWEEN, KEEP, TWICE, HALF, REUSED, REFUSED, LESS, REST, MARKER, TWO, LOST, KINDS };
+// What becomes of a case. From `between` on the rules leave the card worse, or the host uninformed.
+enum Kind { done, again, between, keep, twice, half, reused, refused, less, rest, marker, two, lost, kinds };
 constexpr char KIND_HEADS[] =
     "| flow | calls | cases | done | second try | A | B | C | D | E | F | G | H | I | J | lost |";
 constexpr char TOLD_HEADS[] = "| flow | host | log: code | log: step | nobody | module open |";
-constexpr std::size_t CALLS = 0, CASES = 1, FIRST_KIND = 2, FIRST_TOLD = FIRST_KIND + KINDS;
-constexpr std::size_t OPEN = FIRST_TOLD + TOLD, WRONG = OPEN + 1, COLUMNS = WRONG + 1;
+constexpr std::size_t CALLS = 0, CASES = 1, FIRST_KIND = 2, FIRST_TOLD = FIRST_KIND + kinds;
+constexpr std::size_t OPEN = FIRST_TOLD + told, WRONG = OPEN + 1, COLUMNS = WRONG + 1;
 using Row = std::array<unsigned, COLUMNS>;
 
-Objects less(const Objects& all, const Objects& without) {
+Objects lacking_in(const Objects& all, const Objects& without) {
     Objects rest;
     std::set_difference(all.begin(), all.end(), without.begin(), without.end(), std::back_inserter(rest));
     return rest;
 }
 
-bool areAll(const Objects& objects, const std::string& pattern) {
+bool are_all(const Objects& objects, const std::string& pattern) {
     const std::regex wanted(pattern);
     return std::all_of(objects.begin(), objects.end(),
                        [&](const std::string& object) { return std::regex_search(object, wanted); });
 }
 
 // What no rule deletes is there and works.
-bool isWhole(const Bench& bench, const Objects& objects) {
-    return areAll(less(bench.start, objects), bench.plan.deletes);
+bool is_whole(const Bench& bench, const Objects& objects) {
+    return are_all(lacking_in(bench.start, objects), bench.plan.deletes);
 }
 
-bool hasTwoPairs(const Bench& bench, const Objects& objects) {
+bool has_two_pairs(const Bench& bench, const Objects& objects) {
     const std::string pending = std::string("private key|") + bench.plan.pending + "||";
     return std::count(objects.begin(), objects.end(), pending) > 1;
 }
 
 // A case whose host was not told of any failure.
-Kind hiddenKind(const Bench& bench, const Trial& trial, const Objects& missing, const Objects& more) {
-    if (trial.first.data == std::hash<std::string>()(REFUSAL)) return REFUSED;
-    if (missing.empty() && more.empty()) return has(bench.plan.name, "request") ? REUSED : LESS;
-    if (areAll(missing, "pending_CNS_key") && areAll(more, "pending_CNS_key")) return MARKER;
-    return missing.empty() && areAll(more, bench.plan.deletes) ? REST : LOST;
+Kind hidden_kind(const Bench& bench, const Trial& trial, const Objects& missing, const Objects& more) {
+    if (trial.first.data == std::hash<std::string>()(REFUSAL)) return refused;
+    if (missing.empty() && more.empty()) return has(bench.plan.name, "request") ? reused : less;
+    if (are_all(missing, "pending_CNS_key") && are_all(more, "pending_CNS_key")) return marker;
+    return missing.empty() && are_all(more, bench.plan.deletes) ? rest : lost;
 }
 
-Kind kindOf(const Bench& bench, const Trial& trial, const std::string& deed) {
+Kind kind_of(const Bench& bench, const Trial& trial, const std::string& deed) {
     const Trial& good = bench.undisturbed;
-    const auto isGood = [&](const Attempt& attempt, const Objects& objects) {
+    const auto is_good = [&](const Attempt& attempt, const Objects& objects) {
         return attempt.result == 0 && attempt.data == good.first.data && objects == good.after;
     };
-    if (!isWhole(bench, trial.between) || !isWhole(bench, trial.after)) return LOST;
-    if (hasTwoPairs(bench, trial.between) || hasTwoPairs(bench, trial.after))
-        return deed == "absurd:text" ? TWO : LOST;
-    const Objects lacking = less(good.after, trial.between);
-    if (!trial.killed && isGood(trial.first, trial.between)) return DONE;
+    if (!is_whole(bench, trial.between) || !is_whole(bench, trial.after)) return lost;
+    if (has_two_pairs(bench, trial.between) || has_two_pairs(bench, trial.after))
+        return deed == "absurd:text" ? two : lost;
+    const Objects lacking = lacking_in(good.after, trial.between);
+    if (!trial.killed && is_good(trial.first, trial.between)) return done;
     if (!trial.killed && trial.first.result == 0)
-        return hiddenKind(bench, trial, lacking, less(trial.between, good.after));
-    if (isGood(trial.second, trial.after))
-        return lacking.empty() || less(bench.start, trial.between).empty() ? AGAIN : BETWEEN;
-    if (isGood(trial.remedy, trial.remedied)) return KEEP;
-    const Objects missing = less(good.after, trial.after), more = less(trial.after, good.after);
+        return hidden_kind(bench, trial, lacking, lacking_in(trial.between, good.after));
+    if (is_good(trial.second, trial.after))
+        return lacking.empty() || lacking_in(bench.start, trial.between).empty() ? again : between;
+    if (is_good(trial.remedy, trial.remedied)) return keep;
+    const Objects missing = lacking_in(good.after, trial.after), more = lacking_in(trial.after, good.after);
     const std::string pair = std::string("\\|") + bench.plan.pending + "\\|";
-    if (trial.second.result != 0 || missing.size() + more.size() != 1) return LOST;
-    if (areAll(missing, "^$") && areAll(more, "certificate" + pair + ".*works")) return TWICE;
-    return areAll(more, "^$") && areAll(missing, "public key" + pair) ? HALF : LOST;
+    if (trial.second.result != 0 || missing.size() + more.size() != 1) return lost;
+    if (are_all(missing, "^$") && are_all(more, "certificate" + pair + ".*works")) return twice;
+    return are_all(more, "^$") && are_all(missing, "public key" + pair) ? half : lost;
 }
 
 // What must not happen whatever becomes of the card; empty when nothing of it did.
-std::string wrongIn(const Bench& bench, const Trial& trial, const std::string& function,
-                    const std::string& deed) {
-    const bool noOpener =
+std::string wrong_in(const Bench& bench, const Trial& trial, const std::string& function,
+                     const std::string& deed) {
+    const bool no_opener =
         function != "C_Initialize" && function != "C_Finalize" && function != "C_CloseSession";
     const unsigned long more = deed == "answer:0x101" ? 1 : 0;
     if (trial.crashed || trial.killed != deed.starts_with("kill")) return "the host crashed";
     if (trial.leaked) return "memory, a file or the module was not released";
-    if (trial.stuck && noOpener) return "a session was left open";
-    if (trial.first.spentTry || trial.second.spentTry) return "a PIN try was spent";
+    if (trial.stuck && no_opener) return "a session was left open";
+    if (trial.first.spent_try || trial.second.spent_try) return "a PIN try was spent";
     if (trial.first.logins > bench.undisturbed.first.logins + more) return "the PIN was sent more often";
     return "";
 }
@@ -111,24 +112,24 @@ void sweep(const FlowPlan& plan, std::size_t every, Row& row) {
         const std::size_t code = deed.find("answer:");
         const Trial trial = bench.run(
             rule, code == std::string::npos ? 0 : std::strtoul(deed.c_str() + code + 7, nullptr, 16));
-        const Kind kind = kindOf(bench, trial, deed);
-        const std::string wrong = wrongIn(bench, trial, function, deed);
+        const Kind kind = kind_of(bench, trial, deed);
+        const std::string wrong = wrong_in(bench, trial, function, deed);
         ++row[CASES], ++row[FIRST_KIND + kind];
         if (!trial.killed && trial.first.result != 0) ++row[FIRST_TOLD + trial.first.told];
         if (!trial.killed && trial.first.open) ++row[OPEN];
-        if (kind != LOST && wrong.empty()) continue;
+        if (kind != lost && wrong.empty()) continue;
         ++row[WRONG];
         report(bench, trial,
                function + " " + rule + ": " + (wrong.empty() ? "an outcome without a name" : wrong));
     }
 }
 
-void printTable(const std::string& heads, const std::vector<Row>& rows,
-                const std::vector<std::size_t>& columns) {
+void print_table(const std::string& heads, const std::vector<Row>& rows,
+                 const std::vector<std::size_t>& columns) {
     std::cout << heads << "\n" << std::regex_replace(heads, std::regex("[^|]+"), "---") << "\n";
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (rows[i][CASES] == 0) continue;
-        std::cout << "| " << (i < flowPlans().size() ? flowPlans()[i].title : "**all**") << " |";
+        std::cout << "| " << (i < flow_plans().size() ? flow_plans()[i].title : "**all**") << " |";
         for (const std::size_t column : columns)
             std::cout << " " << rows[i][column] << " |";
         std::cout << "\n";
@@ -148,12 +149,12 @@ int main(int argc, char** argv) {
     const std::string wanted = argc > 1 ? argv[1] : "all";
     const std::size_t every = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 1;
     ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
-    const std::size_t flows = flowPlans().size();
+    const std::size_t flows = flow_plans().size();
     auto* rows = static_cast<Row*>(::mmap(nullptr, (flows + 1) * sizeof(Row), PROT_READ | PROT_WRITE,
                                           MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     const auto lane = [&](bool requests) {
         for (std::size_t i = 0; i < flows; ++i)
-            if (const FlowPlan& plan = flowPlans()[i];
+            if (const FlowPlan& plan = flow_plans()[i];
                 has(plan.name, "request") == requests && (wanted == "all" || wanted == plan.name))
                 sweep(plan, every, rows[i]);
         return 0;
@@ -167,7 +168,7 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < flows * COLUMNS; ++i)
         rows[flows][i % COLUMNS] += rows[i / COLUMNS][i % COLUMNS];
     const std::vector<Row> all(rows, rows + flows + 1);
-    printTable(KIND_HEADS, all, range(CALLS, FIRST_TOLD));
-    printTable(TOLD_HEADS, all, range(FIRST_TOLD, WRONG));
+    print_table(KIND_HEADS, all, range(CALLS, FIRST_TOLD));
+    print_table(TOLD_HEADS, all, range(FIRST_TOLD, WRONG));
     return ended == 0 && all[flows][CASES] != 0 && all[flows][WRONG] == 0 ? 0 : 1;
 }

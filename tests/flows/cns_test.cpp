@@ -22,9 +22,9 @@ class ServicesCard : public Flow {
     explicit ServicesCard(const char* profile = "cns")
         : Flow({.profile = &simcard::profile_named(profile), .serial = "6090010012345678"}) {}
 
-    int requestOwn() { return requestAuthentication("CNS0", "CNS0"); }
-    int saveOwn(const std::string& certificate, bool keepOld) {
-        return saveAuthentication(certificate, keepOld, "CNS0", "CNS0");
+    int request_own() { return request_authentication("CNS0", "CNS0"); }
+    int save_own(const std::string& certificate, bool keep_old) {
+        return save_authentication(certificate, keep_old, "CNS0", "CNS0");
     }
     void relabel(const char* from, std::string to) {
         std::string pin = PIN, library = path();
@@ -55,22 +55,22 @@ simcard::Certificate parsed(const std::string& pem) {
     return simcard::Certificate(PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr));
 }
 
-simcard::Certificate certificateOf(const zv::Certificate& read) {
+simcard::Certificate certificate_of(const zv::Certificate& read) {
     const unsigned char* bytes = read.value;
-    return simcard::Certificate(d2i_X509(nullptr, &bytes, static_cast<long>(read.valueLength)));
+    return simcard::Certificate(d2i_X509(nullptr, &bytes, static_cast<long>(read.value_length)));
 }
 
-std::string dateOf(const ASN1_TIME* time, const char* form = "%d/%m/%Y %H:%M:%S", int daysLater = 0) {
+std::string date_of(const ASN1_TIME* time, const char* form = "%d/%m/%Y %H:%M:%S", int days_later = 0) {
     std::tm parts{};
     ASN1_TIME_to_tm(time, &parts);
-    parts.tm_mday += daysLater;
+    parts.tm_mday += days_later;
     timegm(&parts);
     char text[32];
     std::strftime(text, sizeof text, form, &parts);
     return text;
 }
 
-std::string hexOf(const ASN1_STRING* bytes) {
+std::string hex_of(const ASN1_STRING* bytes) {
     std::string text;
     for (int i = 0; i < ASN1_STRING_length(bytes); ++i) {
         char digits[3];
@@ -86,31 +86,31 @@ TEST_F(ServicesCardWithSignature, RecordsSayWhatOpenSslSays) {
     ASSERT_EQ(reading.cns.size(), 1u);
     ASSERT_EQ(reading.pra.size(), 1u);
     EXPECT_TRUE(reading.aut.empty());
-    const auto own = certificateOf(zv::Certificati[0]), signature = certificateOf(zv::Certificati[1]);
+    const auto own = certificate_of(zv::Certificati[0]), signature = certificate_of(zv::Certificati[1]);
     for (const auto& [record, certificate] :
          {std::pair{fields(reading.cns[0]), own.get()}, {fields(reading.pra[0]), signature.get()}}) {
         EXPECT_EQ(record[2], simcard::value_in_name(*X509_get_subject_name(certificate), NID_dnQualifier));
-        EXPECT_EQ(record[4], hexOf(X509_get0_serialNumber(certificate)));
-        EXPECT_EQ(record[5], dateOf(X509_get0_notBefore(certificate)));
-        EXPECT_EQ(record[6], dateOf(X509_get0_notAfter(certificate)));
-        EXPECT_EQ(record[record.size() - 2], hexOf(X509_get0_subject_key_id(certificate)));
+        EXPECT_EQ(record[4], hex_of(X509_get0_serialNumber(certificate)));
+        EXPECT_EQ(record[5], date_of(X509_get0_notBefore(certificate)));
+        EXPECT_EQ(record[6], date_of(X509_get0_notAfter(certificate)));
+        EXPECT_EQ(record[record.size() - 2], hex_of(X509_get0_subject_key_id(certificate)));
     }
     EXPECT_EQ(zv::sSubjectAute, fields(reading.cns[0])[0]);
     EXPECT_STREQ(zv::sLabelAute, "CNS0");
-    EXPECT_EQ(dateOf(X509_get0_notAfter(own.get()), "%d%m%Y", 3 * 365), zv::dtScadenza);
-    EXPECT_EQ(reading.keyPRA, "DS3");
-    EXPECT_EQ(reading.keyAUT, "") << "no authentication certificate";
-    EXPECT_EQ(reading.pendingCNS + reading.pendingPRA + reading.pendingAUT, 0);
+    EXPECT_EQ(date_of(X509_get0_notAfter(own.get()), "%d%m%Y", 3 * 365), zv::dtScadenza);
+    EXPECT_EQ(reading.key_pra, "DS3");
+    EXPECT_EQ(reading.key_aut, "") << "no authentication certificate";
+    EXPECT_EQ(reading.pending_cns + reading.pending_pra + reading.pending_aut, 0);
     EXPECT_FALSE(use2048Bit);
     EXPECT_TRUE(force2048PraGen);
 }
 
 TEST_F(ServicesCard, OnlyTheHoldersNameIsRewrittenAroundItsCommonName) {
     ASSERT_EQ(read().result, 0);
-    ASSERT_EQ(requestOwn(), 0);
-    const auto named = [](const char* commonName, const char* organisation) {
+    ASSERT_EQ(request_own(), 0);
+    const auto named = [](const char* common_name, const char* organisation) {
         simcard::DistinguishedName name(X509_NAME_new());
-        simcard::add_to_name(*name, NID_commonName, commonName);
+        simcard::add_to_name(*name, NID_commonName, common_name);
         simcard::add_to_name(*name, NID_organizationName, organisation);
         return name;
     };
@@ -118,14 +118,14 @@ TEST_F(ServicesCard, OnlyTheHoldersNameIsRewrittenAroundItsCommonName) {
     X509_set_subject_name(certificate.get(), named("Holder", "Somewhere").get());
     X509_set_issuer_name(certificate.get(), named("Issuer", "Elsewhere").get());
     X509_sign(certificate.get(), simcard::KeySource::from_file(ZV_TEST_KEYS).next().get(), EVP_sha256());
-    ASSERT_EQ(saveOwn(simcard::certificate_text(*certificate, simcard::CertificateForm::pem), false), 0);
+    ASSERT_EQ(save_own(simcard::certificate_text(*certificate, simcard::CertificateForm::pem), false), 0);
     const Lines record = fields(read().cns[0]);
     EXPECT_EQ(record[0], "2.5.4.3=Holder/O=Somewhere");
     EXPECT_EQ(record[1], "2.5.4.3=Issuer2.5.4.10=Elsewhere");
 }
 
 TEST_F(ServicesCard, KeysAreSearchedWhileTheFirstSearchIsOpen) {
-    const auto keySearches = [this] { return callsOf("C_FindObjectsInit", module.recorded()); };
+    const auto key_searches = [this] { return calls_of("C_FindObjectsInit", module.recorded()); };
     const std::string search =
         "C_FindObjectsInit hSession=1 pTemplate={CKA_CLASS 8 0300000000000000} ulCount=1";
     module.record();
@@ -133,12 +133,12 @@ TEST_F(ServicesCard, KeysAreSearchedWhileTheFirstSearchIsOpen) {
     EXPECT_TRUE(has(module.recorded(), "\n" + search + " -> 0x90\nC_FindObjectsFinal hSession=1 -> 0x0\n" +
                                            search + " -> 0x0\n"))
         << module.recorded();
-    const std::size_t searches = keySearches().size();
+    const std::size_t searches = key_searches().size();
     module.reset();
     module.record();
     module.add_rules("C_FindObjectsInit:3:answer:0");
     EXPECT_EQ(read().result, 0);
-    EXPECT_EQ(keySearches().size(), searches - 1) << "a module may allow it";
+    EXPECT_EQ(key_searches().size(), searches - 1) << "a module may allow it";
 }
 
 TEST_F(ServicesCardWithSignature, InventoryFailsWithoutAWordOfItsOwn) {
@@ -156,7 +156,7 @@ TEST_F(ServicesCardWithSignature, InventoryFailsWithoutAWordOfItsOwn) {
     module.add_rules("C_FindObjectsInit:5:answer:0x30");
     const Reading reading = read();
     EXPECT_EQ(reading.result, 0) << "a failed search for pending pairs is no failure";
-    EXPECT_EQ(reading.keyPRA, "");
+    EXPECT_EQ(reading.key_pra, "");
 }
 
 TEST_F(ServicesCardWithSignature, IdentifiersDecideTheList) {
@@ -204,7 +204,7 @@ TEST_F(ServicesCardWithSignature, SeriesNumbersDecide) {
     };
     const Reading reading = named("1205000000000001");
     EXPECT_EQ(reading.result, 0);
-    EXPECT_EQ(reading.keyPRA, "DS3");
+    EXPECT_EQ(reading.key_pra, "DS3");
     EXPECT_TRUE(is1205SerialToken && force2048PraGen);
     EXPECT_EQ(objects(), before) << "first keys are never deleted";
     EXPECT_EQ(named("1201000000000001").result, 100);
@@ -222,42 +222,42 @@ TEST_F(ServicesCard, ADllPathIsAServicesCard) {
     EXPECT_EQ(zv::Libreria, copy);
     EXPECT_FALSE(has(log.text(), "Lista lettori") || has(log.text(), "Dump Smart Card"))
         << "neither detection nor dump";
-    ASSERT_EQ(requestOwn(), 0) << "requests and storing go to the same module";
-    EXPECT_EQ(saveOwn(issue(), false), 0);
+    ASSERT_EQ(request_own(), 0) << "requests and storing go to the same module";
+    EXPECT_EQ(save_own(issue(), false), 0);
 }
 
 TEST_F(ServicesCard, RenewalKeepsTheKeyAndItsLogIsTheGoldenOne) {
     ASSERT_EQ(read().result, 0) << szBuffErr;
-    const auto old = certificateOf(zv::Certificati[0]);
-    ASSERT_EQ(requestOwn(), 0) << szBuffErr << szSockMsg;
+    const auto old = certificate_of(zv::Certificati[0]);
+    ASSERT_EQ(request_own(), 0) << szBuffErr << szSockMsg;
     EXPECT_EQ(module.calls("C_GenerateKeyPair"), 0u);
     EXPECT_EQ(objects(), marked);
     const std::string certificate = issue();
     EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(parsed(certificate).get()), X509_get0_pubkey(old.get())), 1);
     module.record();
-    ASSERT_EQ(saveOwn(certificate, false), 0) << szBuffErr << szSockMsg;
-    expectGolden("cns.log", maskedLog());
+    ASSERT_EQ(save_own(certificate, false), 0) << szBuffErr << szSockMsg;
+    expect_golden("cns.log", masked_log());
     EXPECT_EQ(changes(), "DestroyObject SetAttributeValue SetAttributeValue CreateObject DestroyObject ")
         << "the old certificate first, the marker last";
     EXPECT_EQ(objects().size(), 4u) << "the marker and the old certificate are gone";
-    EXPECT_TRUE(pairWorks("CNS0"));
+    EXPECT_TRUE(pair_works("CNS0"));
     const Reading after = read();
-    EXPECT_EQ(after.pendingCNS, 0);
+    EXPECT_EQ(after.pending_cns, 0);
     EXPECT_EQ(after.cns.size(), 1u);
-    EXPECT_EQ(X509_cmp(certificateOf(zv::Certificati[0]).get(), parsed(certificate).get()), 0);
+    EXPECT_EQ(X509_cmp(certificate_of(zv::Certificati[0]).get(), parsed(certificate).get()), 0);
 }
 
 TEST_F(ServicesCardWithSignature, EachKindHasItsOwnPendingMark) {
     ASSERT_EQ(read().result, 0);
-    ASSERT_EQ(requestOwn(), 0);
+    ASSERT_EQ(request_own(), 0);
     Reading reading = read();
-    EXPECT_EQ(reading.pendingCNS, 1);
+    EXPECT_EQ(reading.pending_cns, 1);
     EXPECT_EQ(fields(reading.cns[0]).size(), 11u);
     EXPECT_TRUE(reading.cns[0].ends_with("#CNS0"));
     EXPECT_EQ(fields(reading.pra[0]).size(), 11u) << "no mark";
     ASSERT_EQ(request("DS3", "DS0"), 0);
     reading = read();
-    EXPECT_EQ(reading.pendingPRA, 1);
+    EXPECT_EQ(reading.pending_pra, 1);
     EXPECT_TRUE(reading.pra[0].ends_with("#DS3")) << reading.pra[0];
     EXPECT_TRUE(reading.cns[0].ends_with("#CNS0"));
     EXPECT_TRUE(has(log.text(), "[]: Chiave Pending PRA:\n[]: DS3\n[]: Chiave Pending CNS: Si\n"));
@@ -276,14 +276,14 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
     for (const auto& [call, sentence] : failures) {
         module.reset();
         module.add_rules(call);
-        EXPECT_EQ(requestOwn(), 1) << call;
+        EXPECT_EQ(request_own(), 1) << call;
         EXPECT_TRUE(std::string(szSockMsg).ends_with(sentence)) << call << ": " << szSockMsg;
     }
     EXPECT_TRUE(has(log.text(),
                     "ErrAttributeValue\nErrore = 0x48\n** Messaggio di Errore\nGenerazione chiavi "
                     "fallita (Ripetere l'operazione)\n"));
     relabel("CNS0", "CNS1");
-    EXPECT_EQ(requestOwn(), 1) << "no key of that identifier";
+    EXPECT_EQ(request_own(), 1) << "no key of that identifier";
     EXPECT_STREQ(
         szSockMsg,
         "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error 82)");
@@ -292,8 +292,8 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
     module.reset();
     module.record();
     subject += "2.5.4.12=Dott.2.5.4.65=Nome2.5.4.8=RM";
-    ASSERT_EQ(requestOwn(), 0);
-    EXPECT_TRUE(callsOf("C_CreateObject", module.recorded())[0].starts_with(
+    ASSERT_EQ(request_own(), 0);
+    EXPECT_TRUE(calls_of("C_CreateObject", module.recorded())[0].starts_with(
         "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_LABEL 15 "
         "70656E64696E675F434E535F6B6579, CKA_PRIVATE 1 01, CKA_MODIFIABLE 1 00, CKA_TOKEN 1 01, CKA_VALUE 1 "
         "31}"));
@@ -301,23 +301,23 @@ TEST_F(ServicesCard, RequestMarksTheCardOnceWhole) {
                     .ends_with("SN=Collaudo, GN=Ada, ST=RM"))
         << "neither title nor pseudonym";
     subject = "2.5.4.6=IT2.5.4.3=" + std::string(990, 'n') + "2.5.4.12=Lost";
-    ASSERT_EQ(requestOwn(), 0) << "a title is left out anyway";
+    ASSERT_EQ(request_own(), 0) << "a title is left out anyway";
     subject = "2.5.4.12=Dott.";
-    EXPECT_EQ(requestOwn(), 1);
+    EXPECT_EQ(request_own(), 1);
     EXPECT_TRUE(has(log.text(), "Errore\nDati per costruire il distinguished name non specificati\n"));
     subject = "2.5.4.6=IT";
-    ASSERT_EQ(requestOwn(), 0) << "a marker that cannot be written again is no failure";
+    ASSERT_EQ(request_own(), 0) << "a marker that cannot be written again is no failure";
     EXPECT_EQ(objects(), marked);
 }
 
 TEST_F(ServicesCard, SecondSignatureIsThatOfTheSameKey) {
     ASSERT_EQ(read().result, 0);
     module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
-    EXPECT_EQ(requestOwn(), 0) << szSockMsg;
+    EXPECT_EQ(request_own(), 0) << szSockMsg;
     add({}, {"CNS0b"});
     module.reset();
     module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
-    EXPECT_EQ(requestOwn(), 1);
+    EXPECT_EQ(request_own(), 1);
     EXPECT_TRUE(has(szSockMsg, "(per SignIt error 64)")) << szSockMsg;
     EXPECT_TRUE(has(log.text(), "** Messaggio di Errore\nNon esiste alcuna chiave privata da certificare"));
     EXPECT_EQ(module.calls("C_Sign"), 1U);
@@ -337,25 +337,25 @@ TEST_F(ServicesCardWithSignature, ALivePairIsNotTheOldPendingOne) {
 
 TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {
     ASSERT_EQ(read().result, 0);
-    ASSERT_EQ(requestOwn(), 0);
+    ASSERT_EQ(request_own(), 0);
     const std::string certificate = issue();
     relabel("CNS0", "CNS0b"); // no certificate is exactly "CNS0"
-    EXPECT_EQ(saveOwn(certificate, false), -1);
+    EXPECT_EQ(save_own(certificate, false), -1);
     relabel("CNS0b", "CNS0");
     EXPECT_EQ(objects(), marked);
     module.add_rules("C_CreateObject:1:answer:0x31");
-    EXPECT_EQ(saveOwn(certificate, false), 1);
+    EXPECT_EQ(save_own(certificate, false), 1);
     Lines left = marked;
     std::erase(left, "certificate CNS0");
     EXPECT_EQ(objects(), left) << "the old one is gone, the marker is not";
     log.clear();
-    EXPECT_EQ(saveOwn(certificate, false), -1);
+    EXPECT_EQ(save_own(certificate, false), -1);
     EXPECT_TRUE(has(log.text(), "** DeleteAnObject\nErrore nella cancellazione\nLabel = CNS0\n"));
     EXPECT_EQ(objects(), left);
-    EXPECT_EQ(saveOwn(certificate, true), 0) << szBuffErr;
-    EXPECT_TRUE(pairWorks("CNS0"));
+    EXPECT_EQ(save_own(certificate, true), 0) << szBuffErr;
+    EXPECT_TRUE(pair_works("CNS0"));
     EXPECT_EQ(objects().size(), 4u);
-    EXPECT_EQ(saveOwn(certificate, true), 0) << "keeping keeps";
+    EXPECT_EQ(save_own(certificate, true), 0) << "keeping keeps";
     EXPECT_EQ(read().cns.size(), 2u);
 }
 

@@ -16,7 +16,7 @@ namespace zvtest {
 namespace {
 
 // The simulated card's module, or a copy of it under that name.
-std::filesystem::path moduleFile(const std::filesystem::path& folder, const char* name) {
+std::filesystem::path module_file(const std::filesystem::path& folder, const char* name) {
     if (name == nullptr) return ZVSIMCARD_MODULE;
     std::filesystem::copy_file(ZVSIMCARD_MODULE, folder / name);
     return folder / name;
@@ -26,13 +26,13 @@ std::filesystem::path moduleFile(const std::filesystem::path& folder, const char
 
 Flow::Flow() : Flow(simcard::CardPlan{.serial = "9000111122223333"}) {}
 
-Flow::Flow(const simcard::CardPlan& plan, const char* moduleName)
-    : card(cards.make(plan)), modulePath(moduleFile(log.folder(), moduleName)), module(modulePath) {
+Flow::Flow(const simcard::CardPlan& plan, const char* module_name)
+    : card(cards.make(plan)), module_path(module_file(log.folder(), module_name)), module(module_path) {
     loadErrorCodes();
     const std::filesystem::path conf = cards.configure();
     const std::string text = simcard::read_file(conf);
     std::ofstream(conf) << std::regex_replace(text, std::regex("module = .*"),
-                                              "module = " + modulePath.filename().string());
+                                              "module = " + module_path.filename().string());
     module.use_keys(ZV_TEST_KEYS);
     set_ATRini_path(nullptr);
     szSockMsg[0] = '\0';
@@ -45,15 +45,15 @@ Flow::~Flow() {
 }
 
 Reading Flow::read(std::string pin, const char* reader) {
-    Reading reading = readCard(reader, pin.data(), moduleDir());
+    Reading reading = read_card(reader, pin.data(), module_dir());
     subject = reading.subject();
     return reading;
 }
 
-int Flow::findFree(std::string& pra, std::string& aut, std::string pin) {
-    char keyPRA[ZV_KEY_ID_SIZE] = "?", keyAUT[ZV_KEY_ID_SIZE] = "?";
-    const int result = rinnovo_Card_findFreeCKAID(nullptr, pin.data(), keyPRA, keyAUT);
-    pra = keyPRA, aut = keyAUT;
+int Flow::find_free(std::string& pra, std::string& aut, std::string pin) {
+    char key_pra[ZV_KEY_ID_SIZE] = "?", key_aut[ZV_KEY_ID_SIZE] = "?";
+    const int result = rinnovo_Card_findFreeCKAID(nullptr, pin.data(), key_pra, key_aut);
+    pra = key_pra, aut = key_aut;
     return result;
 }
 
@@ -61,16 +61,16 @@ int Flow::request(std::string pending, std::string key, bool discard, std::strin
     std::vector<char> out(ZV_REQUEST_SIZE, '?');
     const int result = rinnovo_Card_createCertRequestPRA(out.data(), pending.c_str(), pin.data(), key.data(),
                                                          subject.c_str(), discard);
-    if (result == 0) requestText = out.data();
+    if (result == 0) request_text = out.data();
     return result;
 }
 
-int Flow::requestAuthentication(std::string pending, std::string key) {
+int Flow::request_authentication(std::string pending, std::string key) {
     std::vector<char> out(ZV_REQUEST_SIZE, '?');
     std::string pin = PIN;
     const int result = rinnovo_Card_createCertRequestAUT(out.data(), pending.c_str(), pin.data(), key.data(),
                                                          subject.c_str(), false);
-    if (result == 0) requestText = out.data();
+    if (result == 0) request_text = out.data();
     return result;
 }
 
@@ -81,9 +81,9 @@ simcard::Authority Flow::authority() const {
 std::string Flow::issue() {
     simcard::RenewalTerms terms;
     terms.bare_requests = true;
-    const auto signedRequest = simcard::answer_request(authority(), requestText, terms);
+    const auto signed_request = simcard::answer_request(authority(), request_text, terms);
     BIO* memory = BIO_new(BIO_s_mem());
-    PEM_write_bio_X509(memory, signedRequest.certificate.get());
+    PEM_write_bio_X509(memory, signed_request.certificate.get());
     char* text = nullptr;
     const long length = BIO_get_mem_data(memory, &text);
     std::string pem(text, static_cast<std::size_t>(length));
@@ -91,18 +91,18 @@ std::string Flow::issue() {
     return pem;
 }
 
-int Flow::save(const std::string& certificate, bool keepOld, std::string label, std::string pending,
+int Flow::save(const std::string& certificate, bool keep_old, std::string label, std::string pending,
                std::string pin) {
     std::string chain = certificate;
     label.resize(ZV_KEY_ID_SIZE);
-    return rinnovo_Card_saveCertPRA(pin.data(), label.data(), pending.data(), chain.data(), keepOld);
+    return rinnovo_Card_saveCertPRA(pin.data(), label.data(), pending.data(), chain.data(), keep_old);
 }
 
-int Flow::saveAuthentication(const std::string& certificate, bool keepOld, std::string label,
-                             std::string pending) {
+int Flow::save_authentication(const std::string& certificate, bool keep_old, std::string label,
+                              std::string pending) {
     std::string chain = certificate, pin = PIN;
     label.resize(ZV_KEY_ID_SIZE);
-    return rinnovo_Card_saveCertAUT(pin.data(), label.data(), pending.data(), chain.data(), keepOld);
+    return rinnovo_Card_saveCertAUT(pin.data(), label.data(), pending.data(), chain.data(), keep_old);
 }
 
 std::vector<std::string> Flow::objects() {
@@ -122,25 +122,25 @@ void Flow::add(const std::vector<std::string>& certificates, const std::vector<s
     for (const std::string& id : pairs)
         ASSERT_EQ(generate(module, zv::hSession, id, pair), CKR_OK);
     for (const std::string& id : certificates)
-        ASSERT_EQ(zv::createCertificate("", {}, 1, id.c_str(), {}), CKR_OK);
+        ASSERT_EQ(zv::create_certificate("", {}, 1, id.c_str(), {}), CKR_OK);
     finalizza();
 }
 
-bool Flow::pairWorks(const std::string& id) {
-    const std::filesystem::path data = log.folder() / "data", signedData = log.folder() / "data.p7m";
+bool Flow::pair_works(const std::string& id) {
+    const std::filesystem::path data = log.folder() / "data", signed_data = log.folder() / "data.p7m";
     std::ofstream(data) << "signed";
     std::string library = path();
     const bool works = kvInitialize(library.data(), 0) == 0 && kvLogin(PIN) == 0 &&
-                       kvSignFile(id.c_str(), "SHA256", data.c_str(), signedData.c_str()) == 0;
+                       kvSignFile(id.c_str(), "SHA256", data.c_str(), signed_data.c_str()) == 0;
     kvFinalize();
     return works;
 }
 
-int Flow::triesLeft() const {
+int Flow::tries_left() const {
     return static_cast<int>(simcard::load_card(card.folder).pin_tries_left);
 }
 
-std::string Flow::maskedLog() const {
+std::string Flow::masked_log() const {
     static const std::vector<std::pair<std::regex, std::string>> masks = {
         {std::regex(R"((ZVSIM08)\d{8}(08)\d{8})"), "$1(DAY)$2(DAY)"},
         {std::regex(R"((hSession|hModule|hPrivateKey|hPublicKey|SlotList) = 0x[1-9][0-9]*)"), "$1 = 0x#"},
@@ -158,7 +158,7 @@ std::string Flow::maskedLog() const {
         {std::regex(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)"), "DATE"},
     };
     std::string text = log.text();
-    const std::string folder = moduleDir();
+    const std::string folder = module_dir();
     for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos;)
         text.replace(at, folder.size(), "MODULES");
     for (const auto& [pattern, mask] : masks)
@@ -174,7 +174,7 @@ std::vector<std::string> fields(const std::string& record) {
     return all;
 }
 
-std::vector<std::string> callsOf(const std::string& function, const std::string& recorded) {
+std::vector<std::string> calls_of(const std::string& function, const std::string& recorded) {
     std::vector<std::string> calls;
     std::istringstream lines(recorded);
     for (std::string line; std::getline(lines, line);)
@@ -182,7 +182,7 @@ std::vector<std::string> callsOf(const std::string& function, const std::string&
     return calls;
 }
 
-void expectGolden(const std::string& name, const std::string& text) {
+void expect_golden(const std::string& name, const std::string& text) {
     const std::string file = std::string(GOLDEN_LOGS) + "/" + name;
     if (std::getenv("ZV_WRITE_GOLDEN") != nullptr) std::ofstream(file) << text;
     std::ifstream golden(file);

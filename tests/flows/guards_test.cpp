@@ -10,7 +10,7 @@ using namespace zvtest;
 
 class Guards : public PendingFlow {
   protected:
-    void expectStopped(int result, const std::string& reason, int code = ZV_NOT_SENT) {
+    void expect_stopped(int result, const std::string& reason, int code = ZV_NOT_SENT) {
         EXPECT_EQ(result, code) << reason;
         EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
         EXPECT_TRUE(has(log.text(), "[]: Operazione non inviata: " + reason)) << log.text();
@@ -24,27 +24,27 @@ class Guards : public PendingFlow {
 
 TEST_F(Guards, NamedPair) {
     const std::string missing = "manca l'identificativo";
-    expectStopped(request(""), missing);
-    expectStopped(request("  "), missing);
-    expectStopped(save(certificate, true, "DS0", ""), missing);
-    const std::string inUse = "l'identificativo pending e' contenuto in quello della chiave in uso";
-    expectStopped(request("DS0"), inUse);
-    expectStopped(request("DS"), inUse);
-    expectStopped(save(certificate, true, "DS0", "DS"), "l'identificativo pending e' parte");
+    expect_stopped(request(""), missing);
+    expect_stopped(request("  "), missing);
+    expect_stopped(save(certificate, true, "DS0", ""), missing);
+    const std::string in_use = "l'identificativo pending e' contenuto in quello della chiave in uso";
+    expect_stopped(request("DS0"), in_use);
+    expect_stopped(request("DS"), in_use);
+    expect_stopped(save(certificate, true, "DS0", "DS"), "l'identificativo pending e' parte");
 }
 
 TEST_F(Guards, OwnTargetAndOwnKey) {
-    expectStopped(save(certificate, false, "DS"), "la nuova coppia di chiavi verrebbe cancellata");
-    expectStopped(save(certificate, false, "DS3"), "la nuova coppia di chiavi verrebbe cancellata");
+    expect_stopped(save(certificate, false, "DS"), "la nuova coppia di chiavi verrebbe cancellata");
+    expect_stopped(save(certificate, false, "DS3"), "la nuova coppia di chiavi verrebbe cancellata");
     const std::string own = "la coppia di chiavi propria della carta CNS verrebbe cancellata";
-    expectStopped(save(certificate, false, "NS"), own);
-    expectStopped(request("CNS0", "DS0", true), own);
+    expect_stopped(save(certificate, false, "NS"), own);
+    expect_stopped(request("CNS0", "DS0", true), own);
     std::string pin = PIN, key = "CNS0";
     std::vector<char> out(ZV_REQUEST_SIZE);
-    expectStopped(
+    expect_stopped(
         rinnovo_Card_createCertRequestAUT(out.data(), "CNS0", pin.data(), key.data(), "2.5.4.6=IT", true),
         own);
-    expectStopped(
+    expect_stopped(
         rinnovo_Card_createCertRequestAUT(out.data(), "", pin.data(), key.data(), "2.5.4.6=IT", true),
         "manca l'identificativo");
 }
@@ -53,13 +53,13 @@ TEST_F(Guards, WholeSubject) {
     const std::string none = "il nome del titolare non ha alcun attributo noto";
     for (const char* name : {"/CN=Ada", "", "2.5.4.6= "}) {
         subject = name;
-        expectStopped(request("slot:DS4"), none);
+        expect_stopped(request("slot:DS4"), none);
     }
-    expectStopped(request(""), "manca l'identificativo");
+    expect_stopped(request(""), "manca l'identificativo");
     const std::string filled = "2.5.4.3=A2.5.4.13=" + std::string(1000, 'd');
     for (const char* last : {"2.5.4.6=IT", "/serialNumber=1", "2.5.4.3=B"}) {
         subject = filled + last;
-        expectStopped(request("DS4"), "il nome del titolare e' troppo lungo: un attributo andrebbe perso");
+        expect_stopped(request("DS4"), "il nome del titolare e' troppo lungo: un attributo andrebbe perso");
     }
     subject = filled;
     EXPECT_EQ(request("DS4"), 0) << "a value is cut to its width";
@@ -68,35 +68,36 @@ TEST_F(Guards, WholeSubject) {
 }
 
 TEST_F(Guards, ReadableCertificateComesBeforeTheBlock) {
-    expectStopped(save("junk", false), "il certificato non e' leggibile: ", ZV_FAILED);
-    expectStopped(save(std::string(9000, 'A'), false), "il testo del certificato e' troppo lungo", ZV_FAILED);
-    expectStopped(save("junk\nnot", false, "DS"), "la nuova coppia");
+    expect_stopped(save("junk", false), "il certificato non e' leggibile: ", ZV_FAILED);
+    expect_stopped(save(std::string(9000, 'A'), false), "il testo del certificato e' troppo lungo",
+                   ZV_FAILED);
+    expect_stopped(save("junk\nnot", false, "DS"), "la nuova coppia");
 }
 
 TEST_F(Guards, FaithfulBlock) {
     const std::string unfaithful = "il blocco di comando non riporta i dati ricevuti";
-    expectStopped(request("DS4", "DS0", false, "12345678 "), unfaithful);
-    expectStopped(request("DS4", "DS0", false, std::string(32, '1')), unfaithful);
-    expectStopped(request("DS4", "DS0", false, "1\nslot:3"), unfaithful);
-    expectStopped(request("DS4", "DS0\nszpin:0000"), unfaithful);
-    expectStopped(request("slot:DS4"), unfaithful);
-    expectStopped(request(std::string(256, 'D')), unfaithful);
-    expectStopped(save(certificate + std::string(7000, ' '), true), unfaithful);
-    expectStopped(save("END_STRING", true), unfaithful);
+    expect_stopped(request("DS4", "DS0", false, "12345678 "), unfaithful);
+    expect_stopped(request("DS4", "DS0", false, std::string(32, '1')), unfaithful);
+    expect_stopped(request("DS4", "DS0", false, "1\nslot:3"), unfaithful);
+    expect_stopped(request("DS4", "DS0\nszpin:0000"), unfaithful);
+    expect_stopped(request("slot:DS4"), unfaithful);
+    expect_stopped(request(std::string(256, 'D')), unfaithful);
+    expect_stopped(save(certificate + std::string(7000, ' '), true), unfaithful);
+    expect_stopped(save("END_STRING", true), unfaithful);
     subject = "2.5.4.3=slot:1";
-    expectStopped(request("DS4"), unfaithful);
+    expect_stopped(request("DS4"), unfaithful);
     subject = "2.5.4.6=IT2.5.4.3=A";
     zv::slot = 10;
-    expectStopped(request("DS4"), unfaithful);
+    expect_stopped(request("DS4"), unfaithful);
     zv::slot = 0;
-    EXPECT_EQ(triesLeft(), 3);
+    EXPECT_EQ(tries_left(), 3);
     EXPECT_EQ(request("DS4 "), 0) << "trailing blanks of a label do not matter";
 }
 
 // What the dispatcher stops fails as a deletion that did not come about.
 class Discarding : public PendingFlow {
   protected:
-    void expectKept(int result, const std::string& reason) {
+    void expect_kept(int result, const std::string& reason) {
         EXPECT_EQ(result, 1) << reason;
         EXPECT_TRUE(has(log.text(), "[]: Operazione non inviata: " + reason)) << log.text();
         EXPECT_TRUE(has(log.text(), "Cancellazione Oggetti\nErrore = 0x1\n")) << reason;
@@ -107,10 +108,11 @@ class Discarding : public PendingFlow {
 };
 
 TEST_F(Discarding, LeavesACertifiedPair) {
-    expectKept(request("AUTHCertificate0", "DS0", true), "la coppia di chiavi da scartare ha un certificato");
+    expect_kept(request("AUTHCertificate0", "DS0", true),
+                "la coppia di chiavi da scartare ha un certificato");
     for (const char* rule : {"Init:2:answer:0x30", ":11:answer:0xFFFFFFFFFFFFFFFF", "Final:2:answer:0x30"}) {
         module.add_rules(std::string("C_FindObjects") + rule);
-        expectKept(request("DS3", "DS0", true), "la ricerca del certificato");
+        expect_kept(request("DS3", "DS0", true), "la ricerca del certificato");
     }
 }
 
@@ -124,14 +126,14 @@ TEST_F(Discarding, AndRetryingStayOnTheCard) {
     };
     const std::string reason = "il nuovo login non raggiungerebbe la stessa carta";
     zv::slot = 8;
-    expectKept(request("DS3", "DS0", true), reason);
+    expect_kept(request("DS3", "DS0", true), reason);
     zv::slot = 0;
     list.C_GetSlotList = [](CK_BBOOL, CK_SLOT_ID_PTR slots, CK_ULONG_PTR count) {
         if (slots != nullptr) slots[0] = 5, slots[1] = 0;
         *count = 2;
         return CK_RV{CKR_OK};
     };
-    expectKept(request("DS3", "DS0", true), reason);
+    expect_kept(request("DS3", "DS0", true), reason);
     for (const char* refused : {"C_Sign", "C_GenerateKeyPair"}) {
         module.add_rules(refused + std::string(":1:answer:0x101"));
         EXPECT_EQ(request(refused[2] == 'S' ? "DS3" : "DS4"), 1);

@@ -25,12 +25,12 @@ TEST_F(Install, AuthoritysCertificateIsWrittenAsItIs) {
     char label[] = "Korvalenta Firma Dig";
     zv::CertificateParts parts;
     ASSERT_EQ(parts.read("t", certificate, certificate.derLength), 0);
-    const unsigned long serialLength = parts.serialLength;
+    const unsigned long serial_length = parts.serial_length;
     module.record();
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0);
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0)
         << "nothing looks for the first";
-    EXPECT_TRUE(has(module.recorded(), "CKA_SERIAL_NUMBER " + std::to_string(serialLength) + " "))
+    EXPECT_TRUE(has(module.recorded(), "CKA_SERIAL_NUMBER " + std::to_string(serial_length) + " "))
         << "never trimmed";
     EXPECT_EQ(objects().size(), 9u);
     EXPECT_TRUE(has(log.text(),
@@ -48,13 +48,13 @@ TEST_F(Install, SerialNumberLosesItsLeadingZeros) {
     zv::CertificateParts parts;
     const unsigned char serial[] = {0x00, 0x00, 0x8A, 0x01};
     std::copy(std::begin(serial), std::end(serial), parts.serial);
-    parts.serialLength = 4;
-    parts.trimSerial();
-    EXPECT_EQ(parts.serialLength, 2u);
+    parts.serial_length = 4;
+    parts.trim_serial();
+    EXPECT_EQ(parts.serial_length, 2u);
     EXPECT_EQ(static_cast<unsigned char>(parts.serial[0]), 0x8A);
     parts.serial[0] = parts.serial[1] = 0;
-    parts.trimSerial();
-    EXPECT_EQ(parts.serialLength, 0u);
+    parts.trim_serial();
+    EXPECT_EQ(parts.serial_length, 0u);
 }
 
 TEST_F(Install, TracedCallsDifferInWhatAFailureLogs) {
@@ -71,16 +71,16 @@ TEST_F(Install, TracedCallsDifferInWhatAFailureLogs) {
     CK_ATTRIBUTE entry = {CKA_VALUE, value, sizeof value};
     module.add_rules("C_GetAttributeValue:1:absurd:length");
     CK_OBJECT_HANDLE object = 0;
-    CK_OBJECT_CLASS objectClass = CKO_CERTIFICATE;
-    CK_ATTRIBUTE byClass = zv::attributeOf(CKA_CLASS, objectClass);
-    EXPECT_EQ(FindAnObject(zv::hSession, &byClass, 1, &object), CKR_BUFFER_TOO_SMALL);
+    CK_OBJECT_CLASS object_class = CKO_CERTIFICATE;
+    CK_ATTRIBUTE by_class = zv::attribute_of(CKA_CLASS, object_class);
+    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_BUFFER_TOO_SMALL);
     EXPECT_NE(object, 0u) << "the handle is written all the same";
     EXPECT_EQ(GetAttributeValue(nullptr, title, zv::hSession, object, &entry, 1), CKR_BUFFER_TOO_SMALL);
     EXPECT_TRUE(has(log.text(),
                     "** t\nC_GetAttributeValue\nErrore = 0x336\n** Messaggio di Errore\nErrore nella lettura "
                     "chiave sulla smartcard (Il risultato"));
     module.add_rules("C_FindObjects:1:absurd:count");
-    EXPECT_EQ(FindAnObject(zv::hSession, &byClass, 1, &object), CKR_GENERAL_ERROR);
+    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_GENERAL_ERROR);
 }
 
 } // namespace

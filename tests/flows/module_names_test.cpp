@@ -7,9 +7,9 @@ using namespace zvtest;
 
 struct NamedModule {
     const char* name;
-    bool tellsExponent; // of a new key pair
-    bool relabels;      // the pair, when its certificate is stored
-    bool relabelsBack;  // the pair, when it could not be stored
+    bool tells_exponent; // of a new key pair
+    bool relabels;       // the pair, when its certificate is stored
+    bool relabels_back;  // the pair, when it could not be stored
 };
 
 void PrintTo(const NamedModule& module, std::ostream* out) {
@@ -22,7 +22,7 @@ class ModuleNames : public Flow, public testing::WithParamInterface<NamedModule>
     // A "+" for every object that got the pair's texts since the record was begun.
     std::string relabelled() {
         std::string all;
-        for (const std::string& call : callsOf("C_SetAttributeValue", module.recorded()))
+        for (const std::string& call : calls_of("C_SetAttributeValue", module.recorded()))
             all += has(call, "pTemplate={CKA_ID 3 445333, CKA_LABEL 3 445333} ulCount=2 -> 0x0") ? "+" : call;
         module.reset();
         return all;
@@ -33,7 +33,7 @@ TEST_P(ModuleNames, DecideWhatIsSent) {
     ASSERT_EQ(read().result, 0) << szBuffErr;
     module.record();
     ASSERT_EQ(request(), 0) << szBuffErr << szSockMsg;
-    const std::string exponent = GetParam().tellsExponent ? "CKA_PUBLIC_EXPONENT 3 010001, " : "";
+    const std::string exponent = GetParam().tells_exponent ? "CKA_PUBLIC_EXPONENT 3 010001, " : "";
     EXPECT_TRUE(
         has(module.recorded(), "pPublicKeyTemplate={CKA_MODULUS_BITS 8 0008000000000000, " + exponent +
                                    "CKA_TOKEN 1 01, CKA_LABEL 3 445333, CKA_ID 3 445333, CKA_VERIFY 1 01} "
@@ -48,13 +48,13 @@ TEST_P(ModuleNames, DecideWhatIsSent) {
     module.record();
     module.add_rules("C_CreateObject:1:answer:0x31");
     EXPECT_EQ(save(certificate, true), 1);
-    const std::string pair = GetParam().relabels ? "++" : "", back = GetParam().relabelsBack ? "++" : "";
-    EXPECT_EQ(has(log.text(), "RechangeValueObject FUN"), GetParam().relabelsBack);
+    const std::string pair = GetParam().relabels ? "++" : "", back = GetParam().relabels_back ? "++" : "";
+    EXPECT_EQ(has(log.text(), "RechangeValueObject FUN"), GetParam().relabels_back);
     EXPECT_EQ(relabelled(), pair + back);
     module.record();
     ASSERT_EQ(save(certificate, false), 0) << szBuffErr;
     EXPECT_EQ(relabelled(), pair);
-    EXPECT_TRUE(pairWorks("DS3"));
+    EXPECT_TRUE(pair_works("DS3"));
     EXPECT_EQ(objects().size(), 6u);
 }
 
@@ -82,13 +82,13 @@ class OwnModule : public Flow {
 
 TEST_F(OwnModule, LeavesTheTextsOfAServicesCardsPair) {
     ASSERT_EQ(read().result, 0) << szBuffErr;
-    ASSERT_EQ(requestAuthentication("CNS0", "CNS0"), 0) << szBuffErr << szSockMsg;
+    ASSERT_EQ(request_authentication("CNS0", "CNS0"), 0) << szBuffErr << szSockMsg;
     const std::string certificate = issue();
     module.add_rules("C_CreateObject:1:answer:0x31");
-    EXPECT_EQ(saveAuthentication(certificate, false, "CNS0", "CNS0"), 1);
-    EXPECT_EQ(saveAuthentication(certificate, true, "CNS0", "CNS0"), 0);
+    EXPECT_EQ(save_authentication(certificate, false, "CNS0", "CNS0"), 1);
+    EXPECT_EQ(save_authentication(certificate, true, "CNS0", "CNS0"), 0);
     EXPECT_EQ(module.calls("C_SetAttributeValue"), 0u);
-    EXPECT_TRUE(pairWorks("CNS0"));
+    EXPECT_TRUE(pair_works("CNS0"));
 }
 
 } // namespace

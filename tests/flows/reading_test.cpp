@@ -17,7 +17,7 @@ TEST_F(Flow, NullArgumentsAreSkipped) {
     char *entries[ZV_LIST_ENTRIES] = {}, **none = nullptr;
     for (char** list : {none, entries})
         EXPECT_EQ(rinnovo_Card_readCerts(nullptr, pin.data(), 0, list, list, list, nullptr, nullptr, nullptr,
-                                         nullptr, nullptr, nullptr, moduleDir().c_str()),
+                                         nullptr, nullptr, nullptr, module_dir().c_str()),
                   0);
     EXPECT_EQ(rinnovo_Card_findFreeCKAID(nullptr, pin.data(), nullptr, nullptr), 0);
     EXPECT_EQ(rinnovo_Card_readCerts(nullptr, nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -29,7 +29,7 @@ TEST_F(Flow, NullArgumentsAreSkipped) {
 TEST_F(Flow, OneTypingErrorCostsOneTry) {
     const Reading reading = read("0000");
     EXPECT_EQ(reading.result, static_cast<int>(CKR_PIN_INCORRECT));
-    EXPECT_EQ(triesLeft(), 2);
+    EXPECT_EQ(tries_left(), 2);
     EXPECT_STREQ(szBuffErr, "");
     const std::string text = log.text();
     EXPECT_TRUE(has(text, "[]: Funzione 'renewDump': errore dump Smart Card\n"
@@ -38,13 +38,13 @@ TEST_F(Flow, OneTypingErrorCostsOneTry) {
                           "**  .... Finalizza FUN"));
     EXPECT_FALSE(has(log.raw(), "0000\n"));
     EXPECT_EQ(read().result, 0);
-    EXPECT_EQ(triesLeft(), 3);
+    EXPECT_EQ(tries_left(), 3);
 }
 
 TEST_F(Flow, ALockedPinIsNotTriedTwice) {
     for (int i = 0; i < 3; ++i)
         read("wrong");
-    EXPECT_EQ(triesLeft(), 0);
+    EXPECT_EQ(tries_left(), 0);
     module.reset();
     EXPECT_EQ(read().result, static_cast<int>(CKR_PIN_LOCKED));
     EXPECT_EQ(module.calls("C_Login"), 1u);
@@ -58,7 +58,7 @@ TEST_F(Flow, CardsAndReadersThatAreNotThere) {
     simcard::take_out_card(card.folder);
     EXPECT_EQ(read().result, -1);
     EXPECT_TRUE(has(log.text(), "CheckSmartCard getSlot fallita"));
-    EXPECT_EQ(findFree(pra, aut), -1);
+    EXPECT_EQ(find_free(pra, aut), -1);
     simcard::put_back_card(card.folder);
     EXPECT_EQ(read().result, 0);
     ::setenv("PCSCLITE_CSOCK_NAME", "/nonexistent/pcscd.comm", 1);
@@ -76,7 +76,7 @@ TEST_F(Flow, AnUnknownCardIsNotSupported) {
     EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
     std::string pra, aut;
     szBuffErr[0] = '\0';
-    EXPECT_EQ(findFree(pra, aut), 100);
+    EXPECT_EQ(find_free(pra, aut), 100);
     EXPECT_STREQ(szBuffErr, "Tipo di Smart Card non supportato");
     EXPECT_TRUE(
         has(log.text(), "[]: Tipo di Smart Card non supportato\n[]: Funzione CheckSmartCard() error!\n"));
@@ -107,7 +107,7 @@ TEST_F(Flow, AModuleThatAnswersOddlyIsLivedWith) {
 TEST_F(Flow, FreeIdentifiersFollowTheCard) {
     ASSERT_EQ(read().result, 0);
     std::string pra, aut;
-    ASSERT_EQ(findFree(pra, aut), 0);
+    ASSERT_EQ(find_free(pra, aut), 0);
     EXPECT_EQ(pra, "DS3");
     EXPECT_EQ(aut, "AUTHCertificate3");
     EXPECT_FALSE(use2048Bit);
@@ -116,14 +116,14 @@ TEST_F(Flow, FreeIdentifiersFollowTheCard) {
                     "[]: ---------------------------------\n"
                     "[]: Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!\n"));
     ASSERT_EQ(request("DS4"), 0);
-    ASSERT_EQ(requestAuthentication("AUTHCertificate5", "AUTHCertificate0"), 0);
-    ASSERT_EQ(findFree(pra, aut), 0);
+    ASSERT_EQ(request_authentication("AUTHCertificate5", "AUTHCertificate0"), 0);
+    ASSERT_EQ(find_free(pra, aut), 0);
     EXPECT_EQ(pra, "DS4") << "a pending pair";
     EXPECT_EQ(aut, "AUTHCertificate5");
     const Reading reading = read();
-    EXPECT_EQ(reading.pendingPRA + reading.pendingAUT, 1)
+    EXPECT_EQ(reading.pending_pra + reading.pending_aut, 1)
         << "an inventory reports the first pending pair alone";
-    EXPECT_EQ(reading.keyPRA, "DS4");
+    EXPECT_EQ(reading.key_pra, "DS4");
     EXPECT_TRUE(reading.pra[0].ends_with("#DS4"));
     EXPECT_TRUE(reading.aut[0].ends_with("#AUTHCertificate3")) << reading.aut[0];
 }
@@ -133,14 +133,14 @@ TEST_F(Flow, WhatStandsBehindTenOthersCounts) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(request(), 0);
     Reading reading = read();
-    EXPECT_EQ(reading.pendingPRA, 1) << "the thirteenth public key waits";
+    EXPECT_EQ(reading.pending_pra, 1) << "the thirteenth public key waits";
     ASSERT_EQ(save(issue(), true), 0);
     std::string pra, aut;
-    ASSERT_EQ(findFree(pra, aut), 0);
+    ASSERT_EQ(find_free(pra, aut), 0);
     EXPECT_EQ(pra, "DS4") << "the pair DS3 neither waits nor is free";
     EXPECT_TRUE(use2048Bit);
     reading = read();
-    EXPECT_EQ(reading.pendingPRA, 0);
+    EXPECT_EQ(reading.pending_pra, 0);
     EXPECT_EQ(fields(reading.pra.at(1))[7], "DS3");
     add(Lines(12, "DS9"));
     EXPECT_EQ((reading = read()).pra.size() + reading.aut.size(), 10u);
@@ -153,15 +153,15 @@ TEST_F(Flow, AFullSeriesHasNoFreeIdentifier) {
         ASSERT_EQ(save(issue(), true, "DS0", id), 0);
     }
     std::string pra, aut;
-    EXPECT_EQ(findFree(pra, aut), 1);
+    EXPECT_EQ(find_free(pra, aut), 1);
     EXPECT_EQ(pra, "DS");
     EXPECT_EQ(aut, "");
     EXPECT_TRUE(use2048Bit);
     EXPECT_TRUE(has(log.text(), "[]: Funzione findFreeCKAID() error!\n"));
     const Reading reading = read();
     EXPECT_EQ(reading.result, 0);
-    EXPECT_EQ(reading.keyPRA, "DS");
-    EXPECT_EQ(reading.keyAUT, "");
+    EXPECT_EQ(reading.key_pra, "DS");
+    EXPECT_EQ(reading.key_aut, "");
 }
 
 TEST_F(Flow, AModuleThatIsStartedAlreadyIsStartedAnew) {

@@ -25,7 +25,7 @@ TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
     ASSERT_EQ(read().result, 0);
     subject = "2.5.4.4=Rossi2.5.4.3=Ada Rossi/serialNumber=TINIT-X2.5.4.6=IT";
     ASSERT_EQ(request(), 0) << szBuffErr;
-    const auto pkcs10 = verified(requestText, authority());
+    const auto pkcs10 = verified(request_text, authority());
     EXPECT_EQ(X509_REQ_get_signature_nid(pkcs10.get()), NID_sha1WithRSAEncryption);
     EXPECT_EQ(simcard::readable(*X509_REQ_get_subject_name(pkcs10.get())),
               "C=IT, CN=Ada Rossi, serialNumber=TINIT-X, SN=Rossi");
@@ -37,11 +37,11 @@ TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {
 TEST_F(Flow, APendingPairIsUsedAgainAndDiscardedWhenAsked) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(request(), 0);
-    const auto first = verified(requestText, authority());
+    const auto first = verified(request_text, authority());
     module.reset();
     ASSERT_EQ(request(), 0);
     EXPECT_EQ(module.calls("C_GenerateKeyPair"), 0u);
-    const auto again = verified(requestText, authority());
+    const auto again = verified(request_text, authority());
     EXPECT_EQ(EVP_PKEY_eq(X509_REQ_get0_pubkey(first.get()), X509_REQ_get0_pubkey(again.get())), 1);
     module.use_keys(ZV_TEST_KEYS);
     log.clear();
@@ -92,7 +92,7 @@ TEST_F(Flow, NotLoggedInEndsTheRequestWhenTheNewLoginSucceeds) {
     module.add_rules("C_GenerateKeyPair:1:answer:0x101;C_Login:2:answer:0x30");
     EXPECT_EQ(request("DS4"), 1);
     EXPECT_EQ(module.calls("C_GenerateKeyPair"), 4u) << "a failing login leads to the second try";
-    EXPECT_EQ(triesLeft(), 3);
+    EXPECT_EQ(tries_left(), 3);
 }
 
 TEST_F(Flow, SignatureFailuresNameTheirCode) {
@@ -119,7 +119,7 @@ TEST_F(Flow, SignatureFailuresNameTheirCode) {
     EXPECT_TRUE(has(log.text(), "C_Sign\nErrore = 0x193\n** Messaggio di Errore\nFirma della sequenza"));
     EXPECT_EQ(request(), 0) << "the pair is used again";
     zv::PublicKey key;
-    key.modulus[1] = 0x80, key.modulusLength = 129;
+    key.modulus[1] = 0x80, key.modulus_length = 129;
     EXPECT_EQ(key.size(), 128u) << "a zero in front is no part of its length";
 }
 
@@ -142,8 +142,8 @@ TEST(RequestFile, StaysOursWhenAModuleClosesADescriptorAgain) {
     zv::RequestFile file;
     ASSERT_TRUE(file.create("request"));
     ::close(stale);
-    EXPECT_TRUE(file.isOurs());
-    zv::removeRequestFiles();
+    EXPECT_TRUE(file.is_ours());
+    zv::remove_request_files();
 }
 
 TEST_F(Flow, RequestFileIsOursOrTheRequestFails) {

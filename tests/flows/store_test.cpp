@@ -15,32 +15,32 @@ class Store : public Flow {
         ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
         log.clear();
     }
-    void addData(const char* label, const std::string& value, bool modifiable = true) {
+    void add_data(const char* label, const std::string& value, bool modifiable = true) {
         ASSERT_EQ(DataStore(zv::hSession, label, value.c_str(), "", modifiable, true), 0u);
     }
-    unsigned deleteOne(CK_OBJECT_CLASS objectClass, std::string id) {
-        return DeleteAnObject(zv::hSession, objectClass, id.data());
+    unsigned delete_one(CK_OBJECT_CLASS object_class, std::string id) {
+        return DeleteAnObject(zv::hSession, object_class, id.data());
     }
-    int deleteAll(std::string text) { return DeleteObjectByLabel(zv::hSession, text.data()); }
+    int delete_all(std::string text) { return DeleteObjectByLabel(zv::hSession, text.data()); }
 };
 
 TEST_F(Store, OneObjectIsDeletedByItsExactIdentifier) {
-    EXPECT_EQ(deleteOne(CKO_CERTIFICATE, "DS"), 0xFFFFFFFFu);
+    EXPECT_EQ(delete_one(CKO_CERTIFICATE, "DS"), 0xFFFFFFFFu);
     EXPECT_EQ(zv::rv, CKR_OK);
     EXPECT_TRUE(has(log.text(), "** DeleteAnObject\nErrore nella cancellazione\nLabel = DS\n"));
-    EXPECT_EQ(deleteOne(CKO_CERTIFICATE, "DS0"), 0u);
+    EXPECT_EQ(delete_one(CKO_CERTIFICATE, "DS0"), 0u);
     module.add_rules("C_FindObjectsFinal:1:do-and-answer:0x30");
-    EXPECT_EQ(deleteOne(CKO_PUBLIC_KEY, "DS0"), 0xFFFFFFFFu)
+    EXPECT_EQ(delete_one(CKO_PUBLIC_KEY, "DS0"), 0xFFFFFFFFu)
         << "a search that cannot be closed found nothing";
     module.add_rules("C_DestroyObject:1:answer:0x31");
-    EXPECT_EQ(deleteOne(CKO_PUBLIC_KEY, "DS0"), 0x31u);
+    EXPECT_EQ(delete_one(CKO_PUBLIC_KEY, "DS0"), 0x31u);
     EXPECT_EQ(objects().size(), 6u);
 }
 
 TEST_F(Store, DeletionByTextTakesEveryClassAndGoesOnAfterAFailure) {
-    addData("note", "text");
+    add_data("note", "text");
     module.add_rules("C_DestroyObject:1:answer:0x31");
-    EXPECT_EQ(deleteAll("S0"), 0);
+    EXPECT_EQ(delete_all("S0"), 0);
     EXPECT_TRUE(
         has(log.text(),
             "Trovato Oggetto CKO_PUBLIC_KEY\n\n** DeleteObjectByLabel\nErrore nella cancellazione Oggetto "
@@ -50,26 +50,26 @@ TEST_F(Store, DeletionByTextTakesEveryClassAndGoesOnAfterAFailure) {
               (Lines{"data  labelled note", "certificate AUTHCertificate0", "private key AUTHCertificate0",
                      "public key AUTHCertificate0", "public key DS0", "certificate Korvalenta Firma Dig"}));
     module.add_rules("C_FindObjectsInit:1:answer:0x30");
-    EXPECT_EQ(deleteAll("DS"), 1);
+    EXPECT_EQ(delete_all("DS"), 1);
     module.add_rules("C_FindObjects:1:answer:0x30");
-    EXPECT_EQ(deleteAll("DS"), 1);
-    EXPECT_EQ(deleteAll(""), 0);
+    EXPECT_EQ(delete_all("DS"), 1);
+    EXPECT_EQ(delete_all(""), 0);
     EXPECT_EQ(objects(), (Lines{"data  labelled note"})) << "data without an identifier is passed over";
 }
 
 TEST_F(Store, PendingPrefixIsDeletedWithANewSearchEach) {
     for (const char* label : {"pending_a", "other", "pending_b", "pending_CNS_key"})
-        addData(label, "1");
+        add_data(label, "1");
     module.reset();
     module.record();
     EXPECT_EQ(DeleteAllPending(nullptr), 0);
     EXPECT_EQ(module.calls("C_DestroyObject"), 3u);
     EXPECT_EQ(module.calls("C_FindObjectsInit"), 4u);
     EXPECT_EQ(module.calls("C_FindObjectsFinal"), 3u) << "the last search stays open";
-    zv::endSearch({zv::hSession});
+    zv::end_search({zv::hSession});
     EXPECT_TRUE(has(log.text(), "**  .... DeleteAllPending (Objects) FUN .... \nC_FindObjectsInit\n"));
-    addData("pending_a", "1");
-    addData("pending_b", "1");
+    add_data("pending_a", "1");
+    add_data("pending_b", "1");
     module.reset();
     module.add_rules("C_DestroyObject:2+:answer:0");
     EXPECT_EQ(DeleteAllPending(nullptr), 1) << "one that stays is not destroyed without end";
@@ -81,7 +81,7 @@ TEST_F(Store, PrivateKeyDecidesWhetherAPairIsPending) {
     EXPECT_EQ(CheckPendingKeys(nullptr, true), 0);
     EXPECT_NE(zv::hPrivateKey, 0u);
     EXPECT_NE(zv::hPublicKey, 0u);
-    ASSERT_EQ(deleteOne(CKO_PRIVATE_KEY, "DS0"), 0u);
+    ASSERT_EQ(delete_one(CKO_PRIVATE_KEY, "DS0"), 0u);
     log.clear();
     EXPECT_EQ(CheckPendingKeys(nullptr, false), 100);
     EXPECT_NE(zv::hPublicKey, 0u);
@@ -93,19 +93,19 @@ TEST_F(Store, PrivateKeyDecidesWhetherAPairIsPending) {
          {"C_FindObjectsInit", "C_FindObjects", "C_GetAttributeValue", "C_FindObjectsFinal"}) {
         module.add_rules(std::string(rule) + ":1:answer:0x30");
         EXPECT_EQ(CheckPendingKeys(nullptr, true), 1) << rule;
-        zv::endSearch({zv::hSession});
+        zv::end_search({zv::hSession});
     }
 }
 
 TEST_F(Store, MarkersAreWrittenOnceAndRemoved) {
-    const std::string longLabel(65, 'l'), longValue(2049, 'v');
+    const std::string long_label(65, 'l'), long_value(2049, 'v');
     module.reset();
-    EXPECT_EQ(DataStore(zv::hSession, longLabel.c_str(), "1", "", false, true), 0xFFFFFFFFu);
+    EXPECT_EQ(DataStore(zv::hSession, long_label.c_str(), "1", "", false, true), 0xFFFFFFFFu);
     EXPECT_EQ(DataStore(zv::hSession, "l", "", "", false, true), 0xFFFFFFFFu);
-    EXPECT_EQ(DataStore(zv::hSession, "l", longValue.c_str(), "", false, true), 0xFFFFFFFFu);
+    EXPECT_EQ(DataStore(zv::hSession, "l", long_value.c_str(), "", false, true), 0xFFFFFFFFu);
     EXPECT_EQ(module.calls(), 0u);
     module.record();
-    addData("pending_CNS_key", "1");
+    add_data("pending_CNS_key", "1");
     EXPECT_TRUE(has(module.recorded(),
                     "C_CreateObject hSession=1 pTemplate={CKA_CLASS 8 0000000000000000, CKA_LABEL 15 "
                     "70656E64696E675F434E535F6B6579, CKA_PRIVATE 1 01, CKA_MODIFIABLE 1 01, CKA_TOKEN 1 "
@@ -131,9 +131,9 @@ TEST_F(Store, CensusTellsWhatTheCardHolds) {
     std::strcpy(zv::pendingLabel, "AUTHCertificate0");
     char text[1536] = "";
     EXPECT_EQ(FindAllObjects(0, text), 4);
-    ASSERT_EQ(deleteAll("DS0"), 0);
-    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "Korvalenta Firma Dig"), 0u);
-    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
+    ASSERT_EQ(delete_all("DS0"), 0);
+    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "Korvalenta Firma Dig"), 0u);
+    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
     text[0] = '\0';
     EXPECT_EQ(FindAllObjects(0, text), 3);
     EXPECT_STREQ(text, "* Chiave pubblica \tkey type: RSA key\r\n* Chiave privata \tkey type: RSA key\r\n");
@@ -141,10 +141,10 @@ TEST_F(Store, CensusTellsWhatTheCardHolds) {
     text[1500] = '\0';
     FindAllObjects(0, text);
     EXPECT_EQ(std::string(text).substr(1500), "") << "whole lines only";
-    ASSERT_EQ(deleteAll(""), 0);
+    ASSERT_EQ(delete_all(""), 0);
     text[0] = '\0';
     EXPECT_EQ(FindAllObjects(0, text), 0);
-    addData("note", "x");
+    add_data("note", "x");
     EXPECT_EQ(FindAllObjects(0, text), 2);
     EXPECT_STREQ(text, "* Dati\r\n");
     module.add_rules("C_GetAttributeValue:2:answer:0x30");
@@ -153,12 +153,12 @@ TEST_F(Store, CensusTellsWhatTheCardHolds) {
 
 TEST_F(Store, BlankCardsHaveEveryIdentifierFree) {
     char pra[32], aut[32];
-    ASSERT_EQ(deleteAll(""), 0);
+    ASSERT_EQ(delete_all(""), 0);
     EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
     EXPECT_STREQ(pra, "DS3");
     EXPECT_STREQ(aut, "AUTHCertificate3");
     module.add_rules("C_GetAttributeValue:1:answer:0x30");
-    addData("note", "x");
+    add_data("note", "x");
     force2048PraGen = false;
     EXPECT_EQ(findFreeCKAID(pra, aut, false), -1);
     EXPECT_TRUE(force2048PraGen);
@@ -172,14 +172,14 @@ TEST_F(Store, BlankCardsHaveEveryIdentifierFree) {
 
 TEST_F(Store, FirstKeysAreNeverPending) {
     char pra[32], aut[32];
-    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "DS0"), 0u);
-    ASSERT_EQ(deleteOne(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
+    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "DS0"), 0u);
+    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
     EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
     EXPECT_STREQ(pra, "DS3");
     EXPECT_STREQ(aut, "AUTHCertificate3");
-    int pendingPRA = 0, pendingAUT = 0;
-    EXPECT_EQ(Find_ALL_Pending(&pendingPRA, &pendingAUT, pra, aut), 0);
-    EXPECT_EQ(pendingPRA + pendingAUT, 0);
+    int pending_pra = 0, pending_aut = 0;
+    EXPECT_EQ(Find_ALL_Pending(&pending_pra, &pending_aut, pra, aut), 0);
+    EXPECT_EQ(pending_pra + pending_aut, 0);
     EXPECT_STREQ(pra, "") << "no signature certificate, no proposal";
     EXPECT_STREQ(aut, "AUTHCertificate3") << "the authority's certificate counts as the other kind";
 }

@@ -10,22 +10,22 @@ class Storing : public PendingFlow {};
 TEST_F(Storing, CertificateIsWrittenWithNineAttributes) {
     module.record();
     ASSERT_EQ(save(certificate, true), 0);
-    const std::string line = callsOf("C_CreateObject", module.recorded()).at(0);
+    const std::string line = calls_of("C_CreateObject", module.recorded()).at(0);
     EXPECT_TRUE(has(line, "pTemplate={CKA_CLASS 8 0100000000000000, CKA_TOKEN 1 01, CKA_CERTIFICATE_TYPE 8 "
                           "0000000000000000, CKA_ID 3 445333, CKA_LABEL 3 445333, CKA_VALUE "))
         << line;
     EXPECT_TRUE(has(line, "CKA_SUBJECT ") && has(line, "CKA_ISSUER ") && has(line, "CKA_SERIAL_NUMBER "))
         << line;
-    EXPECT_TRUE(pairWorks("DS3") && pairWorks("DS0"));
+    EXPECT_TRUE(pair_works("DS3") && pair_works("DS0"));
     EXPECT_EQ(objects().size(), before.size() + 1);
     const Reading after = read();
     EXPECT_EQ(after.pra.size(), 2u);
-    EXPECT_EQ(after.pendingPRA, 0);
+    EXPECT_EQ(after.pending_pra, 0);
 }
 
 TEST_F(Storing, CertificateOfAnotherKeyIsRefusedAndThePairStays) {
-    requestText.clear();
-    ASSERT_EQ(requestAuthentication("AUTHCertificate3", "AUTHCertificate0"), 0);
+    request_text.clear();
+    ASSERT_EQ(request_authentication("AUTHCertificate3", "AUTHCertificate0"), 0);
     const std::string other = issue();
     before = objects();
     log.clear();

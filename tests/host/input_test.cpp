@@ -17,7 +17,7 @@ constexpr std::size_t ROOM = 1 << 17, ARGUMENTS = 14;
 struct Input {
     std::string text;
     unsigned long number;
-    unsigned long nulls; ///< a bit for each argument that is null
+    unsigned long nulls; // a bit for each argument that is null
 };
 using Memory = std::vector<std::unique_ptr<void, decltype(&std::free)>>;
 
@@ -44,10 +44,10 @@ template <class T> T argument(Input& input, Memory& memory) {
 
 // Calls a routine and says whether that gave 0; with a variable it does nothing.
 using Routine = std::function<bool(Input)>;
-template <class T> Routine routineOf(T*) {
+template <class T> Routine routine_of(T*) {
     return [](const Input&) { return false; };
 }
-template <class R, class... A> Routine routineOf(R (*routine)(A...)) {
+template <class R, class... A> Routine routine_of(R (*routine)(A...)) {
     return [routine]([[maybe_unused]] Input input) {
         Memory memory;
         const std::tuple<A...> made{argument<A>(input, memory)...};
@@ -59,11 +59,11 @@ template <class R, class... A> Routine routineOf(R (*routine)(A...)) {
 class Hostile : public Flow {
   protected:
     // The card logged in to when it is to be used, and as it was made when its PIN is locked.
-    void prepare(bool withCard) {
+    void prepare(bool with_card) {
         std::string pin = PIN, library = path();
-        if (withCard && zv::hSession != 0) return;
+        if (with_card && zv::hSession != 0) return;
         finalizza();
-        if (!withCard || __Initialize(0, pin.data(), library.data()) == 0) return;
+        if (!with_card || __Initialize(0, pin.data(), library.data()) == 0) return;
         finalizza();
         simcard::put_back_as_made(card.folder);
         if (__Initialize(0, pin.data(), library.data()) != 0) ::_exit(3);
@@ -72,25 +72,25 @@ class Hostile : public Flow {
 
 TEST_F(Hostile, ArgumentsOfEveryRoutine) {
     const std::pair<std::string, Routine> routines[] = {
-#define ENTRY(name) {#name, routineOf(&name)},
+#define ENTRY(name) {#name, routine_of(&name)},
 #include "exports.inc"
 #undef ENTRY
     };
     ASSERT_EQ(read().result, 0);
     const auto at = log.folder() / "at";
     const Ending ending = in_child([&] {
-        for (const bool withCard : {false, true})
+        for (const bool with_card : {false, true})
             for (const auto& [name, routine] : routines) {
                 std::ofstream(at) << name;
                 std::vector<Input> inputs = {{"DS0", 4096, ~0UL}};
                 for (const std::string& text :
                      std::initializer_list<std::string>{"", std::string(1 << 18, 'A'), "\xC3\xA0\xFF\x80",
                                                         "%5d%s%n", "DS0\nslot:9\nszpin:0\nEND_STRING\r\n"})
-                    inputs.push_back({text, withCard ? 64UL : 0UL, 0});
+                    inputs.push_back({text, with_card ? 64UL : 0UL, 0});
                 for (std::size_t place = 0; place < ARGUMENTS; ++place)
                     inputs.push_back({"DS0", 64, 1UL << place});
                 for (const Input& input : inputs) {
-                    prepare(withCard);
+                    prepare(with_card);
                     const bool gave0 = routine(input);
                     if (gave0 && input.nulls == 0 && name.starts_with("rinnovo_")) return 2;
                 }

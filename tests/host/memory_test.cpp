@@ -9,12 +9,12 @@
 namespace {
 
 bool armed = false;
-unsigned long made = 0, refusedAt = 0;
+unsigned long made = 0, refused_at = 0;
 
 // Once in a process.
 bool refused() {
-    if (!armed || ++made != refusedAt) return false;
-    refusedAt = 0, errno = ENOMEM;
+    if (!armed || ++made != refused_at) return false;
+    refused_at = 0, errno = ENOMEM;
     return true;
 }
 
@@ -65,25 +65,25 @@ namespace {
 using namespace zvtest;
 
 // Refuses so many allocations of a flow, evenly spread, each in a run of its own.
-void refuseIn(const FlowPlan& plan, unsigned long cases) {
-    refusedAt = 0;
+void refuse_in(const FlowPlan& plan, unsigned long cases) {
+    refused_at = 0;
     Bench bench(plan);
     const unsigned long all = made;
     ASSERT_GT(all, 0u) << plan.name;
     const Trial& good = bench.undisturbed;
-    const auto isGood = [&](const Attempt& attempt, const Objects& objects) {
+    const auto is_good = [&](const Attempt& attempt, const Objects& objects) {
         return attempt.result == 0 && attempt.data == good.first.data && objects == good.after;
     };
     for (unsigned long at = 1; at <= all; at += std::max(all / cases, 1UL)) {
-        refusedAt = at;
+        refused_at = at;
         const Trial trial = bench.run("", 0);
         const auto& [first, second] = std::tie(trial.first, trial.second);
         // A field of a certificate that cannot be read is an empty one.
         const bool lacks = has(plan.name, "read") && first.result == 0 && trial.between == good.after;
-        EXPECT_TRUE(lacks || isGood(first, trial.between) || isGood(second, trial.after) ||
-                    isGood(trial.remedy, trial.remedied))
+        EXPECT_TRUE(lacks || is_good(first, trial.between) || is_good(second, trial.after) ||
+                    is_good(trial.remedy, trial.remedied))
             << plan.name << ", allocation " << at << ": " << first.result << ", then " << second.result;
-        EXPECT_FALSE(trial.crashed || trial.leaked || trial.stuck || first.spentTry || second.spentTry)
+        EXPECT_FALSE(trial.crashed || trial.leaked || trial.stuck || first.spent_try || second.spent_try)
             << plan.name << ", allocation " << at;
     }
 }
@@ -96,9 +96,9 @@ TEST(Memory, RunsOut) {
     CK_EACH_FUNCTION(PUT)
     ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
     const char* cases = std::getenv("ZV_MEMORY_CASES");
-    for (const FlowPlan& plan : flowPlans())
+    for (const FlowPlan& plan : flow_plans())
         if (has("read free request store-delete", plan.name))
-            refuseIn(plan, std::strtoul(cases != nullptr ? cases : "6", nullptr, 10));
+            refuse_in(plan, std::strtoul(cases != nullptr ? cases : "6", nullptr, 10));
     *loaded.list() = module;
 }
 

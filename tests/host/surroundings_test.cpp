@@ -4,10 +4,11 @@
 #include "tests/flows/flow.h"
 #include "tests/support/process.h"
 
-#include <csignal>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/time.h>
+
+#include <csignal>
 
 namespace {
 
@@ -18,9 +19,9 @@ class Surroundings : public PendingFlow {
     // 0, 1 for a failure that the host is told of, 2 for any other.
     int told(int result) { return result == 0 ? 0 : szBuffErr[0] != '\0' ? 1 : 2; }
     // A reading that fails tells by its code alone: another process may take away what it has just found.
-    int readAndRequest(const std::string& pending, const char* reader = READER) {
+    int read_and_request(const std::string& pending, const char* reader = READER) {
         const int code = read(PIN, reader).result != 0 ? 1 : told(request(pending));
-        std::ofstream(log.folder() / pending) << (code == 0 ? requestText : "");
+        std::ofstream(log.folder() / pending) << (code == 0 ? request_text : "");
         return code;
     }
 };
@@ -46,7 +47,7 @@ TEST_F(Surroundings, TmpThatIsFullOrReadOnlyOrGone) {
         EXPECT_EQ(ending.code, code) << type << ' ' << flags << ' ' << used;
     }
     EXPECT_EQ(save(certificate, false), 0) << szBuffErr;
-    EXPECT_TRUE(pairWorks("DS3"));
+    EXPECT_TRUE(pair_works("DS3"));
 }
 
 TEST_F(Surroundings, SignalsDuringTheKeyGeneration) {
@@ -67,28 +68,28 @@ TEST_F(Surroundings, SignalsDuringTheKeyGeneration) {
     ::signal(SIGPIPE, SIG_DFL);
     EXPECT_GT(seen, 30);
     EXPECT_EQ(save(issue(), true, "DS0", "DS4"), 0);
-    EXPECT_TRUE(pairWorks("DS4"));
+    EXPECT_TRUE(pair_works("DS4"));
 }
 
 TEST_F(Surroundings, TwoProcessesAtOnceOnOneCardAndOnTwo) {
-    static constexpr const char* READERS[] = {READER, "Simulated Reader 1"};
-    const simcard::Card other = cards.make({.name = "other", .reader = READERS[1]});
+    static constexpr const char* readers[] = {READER, "Simulated Reader 1"};
+    const simcard::Card other = cards.make({.name = "other", .reader = readers[1]});
     cards.configure();
     const std::size_t kept = before.size();
     for (const std::string pending : {"DS4", "DS5"})
         before.insert(before.end(), {"private key " + pending, "public key " + pending});
-    for (const char* reader : READERS) {
+    for (const char* reader : readers) {
         const pid_t child = ::fork();
-        if (child == 0) ::_exit(readAndRequest("DS5", reader));
-        EXPECT_LE(in_child([&] { return readAndRequest("DS4"); }).code, 1);
+        if (child == 0) ::_exit(read_and_request("DS5", reader));
+        EXPECT_LE(in_child([&] { return read_and_request("DS4"); }).code, 1);
         int there = 0;
         ::waitpid(child, &there, 0);
         EXPECT_TRUE(WIFEXITED(there) && WEXITSTATUS(there) <= 1) << there;
         for (const std::string pending : {"DS4", "DS5"}) {
-            requestText = simcard::read_file(log.folder() / pending);
-            EXPECT_TRUE(requestText.empty() || !issue().empty()) << pending;
+            request_text = simcard::read_file(log.folder() / pending);
+            EXPECT_TRUE(request_text.empty() || !issue().empty()) << pending;
             const char* holder = pending == "DS4" ? READER : reader;
-            EXPECT_EQ(in_child([&] { return readAndRequest(pending, holder); }).code, 0);
+            EXPECT_EQ(in_child([&] { return read_and_request(pending, holder); }).code, 0);
         }
         const auto all = objects();
         EXPECT_TRUE(std::is_permutation(all.begin(), all.end(), before.begin(), before.end()));

@@ -3,15 +3,16 @@
 // "-" comes from standard input: this host then keeps no copy of it.
 #include "tests/support/host.h"
 
+#include <dlfcn.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <unistd.h>
 
 extern "C" char* getLogPath(void);
 
@@ -21,10 +22,10 @@ using Arguments = std::vector<std::string>;
 
 char pin[64];
 
-int findFree() {
-    char keyPRA[ZV_KEY_ID_SIZE] = "", keyAUT[ZV_KEY_ID_SIZE] = "";
-    const int result = rinnovo_Card_findFreeCKAID(nullptr, pin, keyPRA, keyAUT);
-    std::cout << keyPRA << ' ' << keyAUT;
+int find_free() {
+    char key_pra[ZV_KEY_ID_SIZE] = "", key_aut[ZV_KEY_ID_SIZE] = "";
+    const int result = rinnovo_Card_findFreeCKAID(nullptr, pin, key_pra, key_aut);
+    std::cout << key_pra << ' ' << key_aut;
     return result;
 }
 
@@ -51,8 +52,9 @@ int store(Arguments at) {
 
 // Numbers of certificates for CNS, PRA and AUT, what is pending, and the two identifiers.
 void print(const zvtest::Reading& card) {
-    std::cout << card.cns.size() << card.pra.size() << card.aut.size() << (card.pendingCNS == 1 ? " CNS" : "")
-              << (card.pendingPRA == 1 ? " PRA" : "") << ' ' << card.keyPRA << ' ' << card.keyAUT;
+    std::cout << card.cns.size() << card.pra.size() << card.aut.size()
+              << (card.pending_cns == 1 ? " CNS" : "") << (card.pending_pra == 1 ? " PRA" : "") << ' '
+              << card.key_pra << ' ' << card.key_aut;
 }
 
 } // namespace
@@ -64,10 +66,10 @@ int main(int argc, char** argv) {
     if (at[2] == "-kept") (void)::dlopen(at[0].c_str(), RTLD_NOW);
     at[1].copy(pin, sizeof pin - 1);
     if (at[1] == "-" && ::read(0, pin, sizeof pin - 1) <= 0) return 2;
-    const auto card = zvtest::readCard(nullptr, pin, std::filesystem::path(at[0]).parent_path());
+    const auto card = zvtest::read_card(nullptr, pin, std::filesystem::path(at[0]).parent_path());
     int result = card.result;
     if (result == 0 && at[3] == "read") print(card);
-    if (result == 0 && at[3] == "free") result = findFree();
+    if (result == 0 && at[3] == "free") result = find_free();
     if (result == 0 && at[3] == "request") result = request(at, card);
     if (result == 0 && at[3] == "store") result = store(at);
     std::fill_n(static_cast<volatile char*>(pin), sizeof pin, '\0');

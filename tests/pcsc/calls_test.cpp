@@ -1,9 +1,10 @@
 // What no real service does when a test wants it: this program's own PC/SC functions answer in its place.
 #include "zvCrypt.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <winscard.h>
+
+#include <cstring>
 
 namespace {
 

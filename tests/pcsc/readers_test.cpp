@@ -9,8 +9,8 @@
 namespace {
 
 using namespace std::string_literals;
-const std::string cns = "3BFF1800008131FE45006B04050100012101434E5310318059", desk = "Desk Reader 00 00",
-                  other = "Desk Reader 00 01";
+const std::string CNS = "3BFF1800008131FE45006B04050100012101434E5310318059", DESK = "Desk Reader 00 00",
+                  OTHER = "Desk Reader 00 01";
 
 class Readers : public testing::Test {
   protected:
@@ -38,8 +38,8 @@ class Readers : public testing::Test {
     }
     using Found = std::pair<int, std::string>; // what detection gives, and the module that it chose
     static Found detect(const char* reader = nullptr) {
-        bool touchSign = false;
-        const int code = CheckSmartCard(touchSign, const_cast<char*>(reader));
+        bool touch_sign = false;
+        const int code = CheckSmartCard(touch_sign, const_cast<char*>(reader));
         return {code, zv::Libreria};
     }
 
@@ -60,34 +60,34 @@ TEST_F(Readers, CardsComeAndGo) {
     pcsc.stop();
 
     pcsc.start();
-    EXPECT_EQ(list(), desk + "|" + other + "|");
+    EXPECT_EQ(list(), DESK + "|" + OTHER + "|");
     EXPECT_EQ(detect(), Found(ZVC_ERR_NO_CARD, ""));
-    pcsc.insert(1, {"--atr", cns});
-    EXPECT_EQ(list(), other + "|" + desk + "|") << "the one with a card first";
-    EXPECT_EQ(module(other), "opensc-pkcs11.so CNS");
-    EXPECT_EQ(module(desk), "19 Nessuna smart card nel lettore " + desk);
+    pcsc.insert(1, {"--atr", CNS});
+    EXPECT_EQ(list(), OTHER + "|" + DESK + "|") << "the one with a card first";
+    EXPECT_EQ(module(OTHER), "opensc-pkcs11.so CNS");
+    EXPECT_EQ(module(DESK), "19 Nessuna smart card nel lettore " + DESK);
     EXPECT_EQ(detect(), Found(-1, "/nowhere/opensc-pkcs11.so"));
     EXPECT_TRUE(zv::isCNS);
     SCARDHANDLE context = 0, card = 0;
     DWORD protocol = 0;
     ::SCardEstablishContext(SCARD_SCOPE_SYSTEM, nullptr, nullptr, &context);
-    ASSERT_EQ(::SCardConnect(context, other.c_str(), SCARD_SHARE_EXCLUSIVE, 3, &card, &protocol), 0);
-    EXPECT_EQ(module(other), "opensc-pkcs11.so CNS") << "another program has the card to itself";
+    ASSERT_EQ(::SCardConnect(context, OTHER.c_str(), SCARD_SHARE_EXCLUSIVE, 3, &card, &protocol), 0);
+    EXPECT_EQ(module(OTHER), "opensc-pkcs11.so CNS") << "another program has the card to itself";
     ::SCardReleaseContext(context);
     pcsc.insert(0, {"--mute"});
-    EXPECT_EQ(list(), other + "|" + desk + "|") << "the one whose card answers first";
-    EXPECT_EQ(module(desk), "20 La smart card nel lettore " + desk +
+    EXPECT_EQ(list(), OTHER + "|" + DESK + "|") << "the one whose card answers first";
+    EXPECT_EQ(module(DESK), "20 La smart card nel lettore " + DESK +
                                 " non risponde: controllare che sia inserita dal lato giusto");
     pcsc.pull(1);
-    EXPECT_EQ(module(other), "19 Nessuna smart card nel lettore " + other);
+    EXPECT_EQ(module(OTHER), "19 Nessuna smart card nel lettore " + OTHER);
     pcsc.stop();
-    EXPECT_EQ(module(desk), gone) << "the service was killed";
+    EXPECT_EQ(module(DESK), gone) << "the service was killed";
 }
 
 TEST_F(Readers, TheTableSaysWhichModule) {
     pcsc.start();
     pcsc.insert(0, {"--atr", "3B021450"});
-    EXPECT_EQ(module(desk), "") << "an unknown card";
+    EXPECT_EQ(module(DESK), "") << "an unknown card";
     EXPECT_EQ(detect(), Found(100, ""));
     std::ofstream(log.folder() / "atr.ini") << "[card a]\natr = 3B02....\nmodule = libhost.so\nflags = cns\n";
     set_ATRini_path(log.folder().c_str());

@@ -29,10 +29,10 @@ TEST_F(PcscRenewal, ReadsRequestsAndStores) {
     pcsc.insert(1, {"--atr", card.atr});
     const Reading again = read(PIN, nullptr);
     ASSERT_EQ(again.result, 0) << szBuffErr;
-    EXPECT_EQ(again.pendingPRA, 1);
+    EXPECT_EQ(again.pending_pra, 1);
     ASSERT_EQ(save(issued, false), 0) << szBuffErr;
-    EXPECT_TRUE(pairWorks("DS3"));
-    EXPECT_EQ(triesLeft(), 3);
+    EXPECT_TRUE(pair_works("DS3"));
+    EXPECT_EQ(tries_left(), 3);
 }
 
 } // namespace zvtest

@@ -3,6 +3,7 @@
 #include "tests/flows/flow.h"
 
 #include <dlfcn.h>
+
 #include <iostream>
 
 namespace {
@@ -13,7 +14,7 @@ void require(bool right, const std::string& what) {
     if (!right) throw std::runtime_error("Not as it is to be: " + what + ' ' + szBuffErr);
 }
 
-long memoryInKiB() {
+long memory_in_kib() {
     long memory = 0;
     FILE* ps = ::popen(("ps -o rss= -p " + std::to_string(::getpid())).c_str(), "r");
     require(std::fscanf(ps, "%ld", &memory) == 1 && ::pclose(ps) == 0, "the memory");
@@ -21,7 +22,7 @@ long memoryInKiB() {
 }
 
 // Handles are given from the lowest on: one that is kept moves it up.
-int freeHandle() {
+int free_handle() {
     const int handle = ::dup(1);
     return ::close(handle), handle;
 }
@@ -32,12 +33,12 @@ class Endurance : public zvtest::Flow {
     void TestBody() override {}
 
     void read(std::string pin = PIN, int result = 0) {
-        reading_ = zvtest::readCard(READER, pin.data(), modules_);
+        reading_ = zvtest::read_card(READER, pin.data(), modules_);
         check("reading", reading_.result == result);
     }
     void renew() {
         read();
-        const std::string pending = reading_.keyPRA, old = std::exchange(inUse_, pending);
+        const std::string pending = reading_.key_pra, old = std::exchange(in_use_, pending);
         subject = reading_.subject();
         check("request", request(pending, old) == 0),
             check("storing", save(issue(), false, old, pending) == 0);
@@ -45,10 +46,10 @@ class Endurance : public zvtest::Flow {
         require(zvtest::has(reading_.pra.at(0), "#" + pending), "the new certificate");
     }
     void row(long readings, long renewals) {
-        const int handle = freeHandle();
+        const int handle = free_handle();
         std::ifstream maps("/proc/self/maps");
-        std::cout << "| " << readings << " | " << renewals << " | " << memoryInKiB() << " | " << handle
-                  << " | " << std::count(std::istreambuf_iterator<char>(maps), {}, '\n') << " | " << mostLog_
+        std::cout << "| " << readings << " | " << renewals << " | " << memory_in_kib() << " | " << handle
+                  << " | " << std::count(std::istreambuf_iterator<char>(maps), {}, '\n') << " | " << most_log_
                   << " | " << rotations_ << " |" << std::endl;
     }
 
@@ -56,21 +57,21 @@ class Endurance : public zvtest::Flow {
     void check(const char* what, bool right) {
         require(right, what);
         require(::dlopen(copy_.c_str(), RTLD_NOW | RTLD_NOLOAD) == nullptr, "the module is still loaded");
-        require(freeHandle() == handle_, "a file is still open");
+        require(free_handle() == handle_, "a file is still open");
         const std::uintmax_t size = fs::file_size(log.path());
         // The last lines of a call come after its last look at the log's size.
         require(size <= 0x100000 + 1024, "the log is too long");
-        if (size < lastLog_ && ++rotations_ > 0)
+        if (size < last_log_ && ++rotations_ > 0)
             require(fs::file_size(log.path().string() + ".1") == 0, "the rotated log");
-        mostLog_ = std::max(mostLog_, lastLog_ = size);
+        most_log_ = std::max(most_log_, last_log_ = size);
     }
 
     // A copy of the module, which only the library loads.
-    const fs::path modules_ = log.folder() / "modules", copy_ = modules_ / modulePath.filename();
+    const fs::path modules_ = log.folder() / "modules", copy_ = modules_ / module_path.filename();
     zvtest::Reading reading_;
-    std::string inUse_ = "DS0";
-    int handle_ = freeHandle(), rotations_ = 0;
-    std::uintmax_t lastLog_ = 0, mostLog_ = 0;
+    std::string in_use_ = "DS0";
+    int handle_ = free_handle(), rotations_ = 0;
+    std::uintmax_t last_log_ = 0, most_log_ = 0;
 };
 
 } // namespace
@@ -84,9 +85,9 @@ int main(int, char** argv) try {
         // One in ten with a wrong PIN; the next one gives the card its tries back.
         read % 10 == 5 ? card.read("12345670", CKR_PIN_INCORRECT) : card.read();
         if (read * 4 % readings == 0) card.row(read, renewed);
-        if (read == readings / 2) middle = memoryInKiB();
+        if (read == readings / 2) middle = memory_in_kib();
     }
-    require(memoryInKiB() - middle <= std::atol(argv[3]), "memory grew from the middle to the end");
+    require(memory_in_kib() - middle <= std::atol(argv[3]), "memory grew from the middle to the end");
 } catch (const std::exception& error) {
     return std::cout << error.what() << '\n', 1;
 }

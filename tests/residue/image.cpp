@@ -1,12 +1,13 @@
 // image FILE PROGRAM ARGUMENT...: runs a program and writes to the file all that it could be made to dump, arguments and
 // environment included, when it says so (SIGURG) and when it is about to end. Its exit code is the program's.
-#include <algorithm>
-#include <csignal>
 #include <fcntl.h>
-#include <fstream>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
 
 static void add(const std::string& process, std::ofstream& out) {
     static char piece[1 << 20];

@@ -4,29 +4,30 @@
 #include "tests/support/module.h"
 
 #include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
 // A card and its objects, in few words.
 namespace zvtest {
 
-/// A card without objects, and a session that its user is logged in to.
+// A card without objects, and a session that its user is logged in to.
 class EmptyCard : public testing::Test {
   protected:
     void SetUp() override {
-        ASSERT_EQ(module_->C_Initialize(nullptr), CKR_OK);
-        session_ = module_.open();
-        ASSERT_EQ(module_.login(session_, user_pin), CKR_OK);
+        ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+        session = module.open();
+        ASSERT_EQ(module.login(session, USER_PIN), CKR_OK);
     }
     void restart() {
-        ASSERT_EQ(module_->C_Finalize(nullptr), CKR_OK);
+        ASSERT_EQ(module->C_Finalize(nullptr), CKR_OK);
         SetUp();
     }
 
-    EmptyCards cards_;
-    simcard::Card card_ = cards_.add();
-    Module module_;
-    CK_SESSION_HANDLE session_ = 0;
+    EmptyCards cards;
+    simcard::Card card = cards.add();
+    Module module;
+    CK_SESSION_HANDLE session = 0;
 };
 
 template <class T> CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, T& value) {
@@ -36,7 +37,7 @@ inline CK_ATTRIBUTE attribute(CK_ATTRIBUTE_TYPE type, std::string& value) {
     return {type, value.data(), value.size()};
 }
 
-/// Stores a public data object under a label; its handle, or 0.
+// Stores a public data object under a label; its handle, or 0.
 inline CK_OBJECT_HANDLE store(Module& module, CK_SESSION_HANDLE session, std::string label,
                               CK_RV* result = nullptr) {
     CK_OBJECT_CLASS data = CKO_DATA;
@@ -63,7 +64,7 @@ inline std::string read(Module& module, CK_SESSION_HANDLE session, CK_OBJECT_HAN
     return value;
 }
 
-/// All objects, three at a time.
+// All objects, three at a time.
 inline std::vector<CK_OBJECT_HANDLE> find_all(Module& module, CK_SESSION_HANDLE session) {
     std::vector<CK_OBJECT_HANDLE> found;
     CK_OBJECT_HANDLE some[3];
@@ -75,7 +76,7 @@ inline std::vector<CK_OBJECT_HANDLE> find_all(Module& module, CK_SESSION_HANDLE 
     return found;
 }
 
-/// The labels of all objects, each followed by a blank.
+// The labels of all objects, each followed by a blank.
 inline std::string labels(Module& module, CK_SESSION_HANDLE session) {
     std::string text;
     for (const CK_OBJECT_HANDLE object : find_all(module, session))
@@ -88,7 +89,7 @@ struct Pair {
     CK_OBJECT_HANDLE secret = 0;
 };
 
-/// Asks for an RSA key pair of 1,024 bits under an identifier.
+// Asks for an RSA key pair of 1,024 bits under an identifier.
 inline CK_RV generate(Module& module, CK_SESSION_HANDLE session, std::string id, Pair& pair) {
     CK_BBOOL yes = CK_TRUE;
     CK_ULONG bits = 1024;

@@ -5,9 +5,9 @@ using namespace zvtest;
 
 namespace {
 
-constexpr CK_FLAGS pin_flags = CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED;
+constexpr CK_FLAGS PIN_FLAGS = CKF_USER_PIN_COUNT_LOW | CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED;
 
-/// Loads the module in a process of its own and logs in; the result of the login.
+// Loads the module in a process of its own and logs in; the result of the login.
 CK_RV login_elsewhere(const char* pin) {
     const Ending ending = in_child([pin] {
         Module module;
@@ -21,7 +21,7 @@ class PinInOneProcess : public EmptyCard {
   protected:
     void SetUp() override {
         EmptyCard::SetUp();
-        ASSERT_EQ(module_->C_Logout(session_), CKR_OK);
+        ASSERT_EQ(module->C_Logout(session), CKR_OK);
     }
 };
 
@@ -37,43 +37,43 @@ TEST(Pin, IsCountedOverProcesses) {
         CK_FLAGS flags;
     } logins[] = {{"00000", CKR_PIN_INCORRECT, low},
                   {"", CKR_PIN_INCORRECT, low | CKF_USER_PIN_FINAL_TRY},
-                  {user_pin, CKR_OK, 0},
+                  {USER_PIN, CKR_OK, 0},
                   {"00000", CKR_PIN_INCORRECT, low},
                   {"", CKR_PIN_INCORRECT, low | CKF_USER_PIN_FINAL_TRY},
                   {"00000", CKR_PIN_INCORRECT, low | CKF_USER_PIN_LOCKED},
-                  {user_pin, CKR_PIN_LOCKED, low | CKF_USER_PIN_LOCKED},
+                  {USER_PIN, CKR_PIN_LOCKED, low | CKF_USER_PIN_LOCKED},
                   {"00000", CKR_PIN_LOCKED, low | CKF_USER_PIN_LOCKED}};
     for (const auto& login : logins) {
         SCOPED_TRACE(&login - logins);
         EXPECT_EQ(login_elsewhere(login.pin), login.answer);
         Module module;
         module->C_Initialize(nullptr);
-        EXPECT_EQ(module.token_flags() & pin_flags, login.flags);
+        EXPECT_EQ(module.token_flags() & PIN_FLAGS, login.flags);
     }
 }
 
 TEST_F(PinInOneProcess, LosesNoTryWhereNothingIsCompared) {
-    EXPECT_EQ(module_->C_Login(session_, CKU_USER, nullptr, 0), CKR_ARGUMENTS_BAD);
-    EXPECT_EQ(module_.login(session_ + 1, "00000"), CKR_SESSION_HANDLE_INVALID);
-    EXPECT_EQ(module_.login(session_, "00000000", CKU_SO), CKR_PIN_INCORRECT);
-    EXPECT_EQ(module_.login(session_, user_pin), CKR_OK);
-    EXPECT_EQ(module_.login(session_, "00000"), CKR_USER_ALREADY_LOGGED_IN);
-    EXPECT_EQ(module_.token_flags() & pin_flags, 0U);
+    EXPECT_EQ(module->C_Login(session, CKU_USER, nullptr, 0), CKR_ARGUMENTS_BAD);
+    EXPECT_EQ(module.login(session + 1, "00000"), CKR_SESSION_HANDLE_INVALID);
+    EXPECT_EQ(module.login(session, "00000000", CKU_SO), CKR_PIN_INCORRECT);
+    EXPECT_EQ(module.login(session, USER_PIN), CKR_OK);
+    EXPECT_EQ(module.login(session, "00000"), CKR_USER_ALREADY_LOGGED_IN);
+    EXPECT_EQ(module.token_flags() & PIN_FLAGS, 0U);
 }
 
 TEST_F(PinInOneProcess, IsCountedInChangesAndFreedByTheOfficer) {
     CK_UTF8CHAR wrong[] = "00000";
     CK_UTF8CHAR fresh[] = "54321";
     for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(module_->C_SetPIN(session_, wrong, 5, fresh, 5), CKR_PIN_INCORRECT);
-    EXPECT_EQ(module_->C_SetPIN(session_, wrong, 5, fresh, 5), CKR_PIN_LOCKED);
-    EXPECT_EQ(module_.login(session_, user_pin), CKR_PIN_LOCKED);
+        EXPECT_EQ(module->C_SetPIN(session, wrong, 5, fresh, 5), CKR_PIN_INCORRECT);
+    EXPECT_EQ(module->C_SetPIN(session, wrong, 5, fresh, 5), CKR_PIN_LOCKED);
+    EXPECT_EQ(module.login(session, USER_PIN), CKR_PIN_LOCKED);
 
-    ASSERT_EQ(module_.login(session_, so_pin, CKU_SO), CKR_OK);
-    ASSERT_EQ(module_->C_InitPIN(session_, fresh, 5), CKR_OK);
-    ASSERT_EQ(module_->C_Logout(session_), CKR_OK);
-    EXPECT_EQ(module_.token_flags() & pin_flags, 0U);
-    EXPECT_EQ(module_.login(session_, "54321"), CKR_OK);
+    ASSERT_EQ(module.login(session, SO_PIN, CKU_SO), CKR_OK);
+    ASSERT_EQ(module->C_InitPIN(session, fresh, 5), CKR_OK);
+    ASSERT_EQ(module->C_Logout(session), CKR_OK);
+    EXPECT_EQ(module.token_flags() & PIN_FLAGS, 0U);
+    EXPECT_EQ(module.login(session, "54321"), CKR_OK);
 }
 
 // Also of keys that are made on the card, and where the PIN that they want is not the user's.
@@ -82,40 +82,40 @@ TEST_F(EmptyCard, HasKeysThatWantAPinForEachSignature) {
         CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
         CK_BYTE text[] = "text", signature[128];
         CK_ULONG length = sizeof signature;
-        EXPECT_EQ(module_->C_SignInit(session_, &mechanism, key), CKR_OK);
-        const CK_RV answer = pin ? module_.login(session_, pin, CKU_CONTEXT_SPECIFIC) : CK_RV{CKR_OK};
+        EXPECT_EQ(module->C_SignInit(session, &mechanism, key), CKR_OK);
+        const CK_RV answer = pin ? module.login(session, pin, CKU_CONTEXT_SPECIFIC) : CK_RV{CKR_OK};
         if (login) *login = answer;
-        return module_->C_Sign(session_, text, sizeof text, signature, &length);
+        return module->C_Sign(session, text, sizeof text, signature, &length);
     };
     Pair asks, other;
     for (const char* own : {"", "2468"}) {
-        simcard::update_card(card_.folder, [own](simcard::Card& card) {
+        simcard::update_card(card.folder, [own](simcard::Card& card) {
             card.pin_each_signature = "DS";
             card.signature_pin = own;
         });
         restart();
-        ASSERT_EQ(generate(module_, session_, "DS3", asks), CKR_OK);
-        ASSERT_EQ(generate(module_, session_, "AUTHCertificate3", other), CKR_OK);
-        EXPECT_EQ(read(module_, session_, asks.secret, CKA_ALWAYS_AUTHENTICATE), std::string(1, CK_TRUE));
-        const char* right = *own ? own : user_pin;
+        ASSERT_EQ(generate(module, session, "DS3", asks), CKR_OK);
+        ASSERT_EQ(generate(module, session, "AUTHCertificate3", other), CKR_OK);
+        EXPECT_EQ(read(module, session, asks.secret, CKA_ALWAYS_AUTHENTICATE), std::string(1, CK_TRUE));
+        const char* right = *own ? own : USER_PIN;
         CK_RV login = 0;
         EXPECT_EQ(sign(other.secret, nullptr), CKR_OK);
         EXPECT_EQ(sign(asks.secret, nullptr), CKR_USER_NOT_LOGGED_IN) << own;
         EXPECT_EQ(sign(asks.secret, right), CKR_OK) << own;
         EXPECT_EQ(sign(asks.secret, nullptr), CKR_USER_NOT_LOGGED_IN) << own << ": for one signature";
-        EXPECT_EQ(sign(asks.secret, *own ? user_pin : "2468", &login), CKR_USER_NOT_LOGGED_IN) << own;
+        EXPECT_EQ(sign(asks.secret, *own ? USER_PIN : "2468", &login), CKR_USER_NOT_LOGGED_IN) << own;
         EXPECT_EQ(login, CKR_PIN_INCORRECT);
-        EXPECT_EQ(simcard::load_card(card_.folder).pin_tries_left, 2U);
+        EXPECT_EQ(simcard::load_card(card.folder).pin_tries_left, 2U);
         EXPECT_EQ(sign(asks.secret, right), CKR_OK) << own;
     }
 }
 
 TEST_F(EmptyCard, IsErasedByTheOfficer) {
-    ASSERT_NE(store(module_, session_, "old"), 0U);
-    ASSERT_EQ(module_->C_CloseAllSessions(0), CKR_OK);
+    ASSERT_NE(store(module, session, "old"), 0U);
+    ASSERT_EQ(module->C_CloseAllSessions(0), CKR_OK);
     CK_UTF8CHAR officer[] = "87654321";
     std::string label = "fresh" + std::string(27, ' ');
-    ASSERT_EQ(module_->C_InitToken(0, officer, 8, reinterpret_cast<CK_UTF8CHAR*>(label.data())), CKR_OK);
-    EXPECT_EQ(simcard::load_card(card_.folder).label, "fresh");
-    EXPECT_EQ(labels(module_, module_.open()), "");
+    ASSERT_EQ(module->C_InitToken(0, officer, 8, reinterpret_cast<CK_UTF8CHAR*>(label.data())), CKR_OK);
+    EXPECT_EQ(simcard::load_card(card.folder).label, "fresh");
+    EXPECT_EQ(labels(module, module.open()), "");
 }

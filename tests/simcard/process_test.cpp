@@ -19,7 +19,7 @@ TEST(Process, KeepsItsEnvironment) {
         if (before) ::setenv("SOFTHSM2_CONF", before, 1);
         Module module;
         ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
-        ASSERT_EQ(module.login(module.open(), user_pin), CKR_OK);
+        ASSERT_EQ(module.login(module.open(), USER_PIN), CKR_OK);
         EXPECT_STREQ(std::getenv("SOFTHSM2_CONF"), before);
     }
     ::unsetenv("SOFTHSM2_CONF");
@@ -29,22 +29,22 @@ TEST_F(EmptyCard, IsSharedByAModuleThatIsLoadedTwice) {
     {
         Module second;
         EXPECT_EQ(second->C_Initialize(nullptr), CKR_CRYPTOKI_ALREADY_INITIALIZED);
-        EXPECT_EQ(second.list(), module_.list());
+        EXPECT_EQ(second.list(), module.list());
     }
-    EXPECT_EQ(module_->C_Finalize(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
+    EXPECT_EQ(module->C_Finalize(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
 }
 
 TEST_F(EmptyCard, IsSeenByCopiesOfTheModuleBesideEachOther) {
-    const auto path = cards_.path() / "libcardos11.so";
+    const auto path = cards.path() / "libcardos11.so";
     std::filesystem::copy_file(ZVSIMCARD_MODULE, path);
-    const simcard::SoftHsm hosts_own(cards_.path());
+    const simcard::SoftHsm hosts_own(cards.path());
     Module copy(path);
-    ASSERT_EQ(module_.add_rules("C_Login:*:answer:0x5"), 0);
+    ASSERT_EQ(module.add_rules("C_Login:*:answer:0x5"), 0);
     ASSERT_EQ(copy->C_Initialize(nullptr), CKR_OK);
     const auto session = copy.open();
-    EXPECT_EQ(copy.login(session, user_pin), CKR_OK);
-    EXPECT_EQ(module_.login(session_, user_pin), CKR_GENERAL_ERROR);
-    ASSERT_EQ(module_->C_Finalize(nullptr), CKR_OK);
+    EXPECT_EQ(copy.login(session, USER_PIN), CKR_OK);
+    EXPECT_EQ(module.login(session, USER_PIN), CKR_GENERAL_ERROR);
+    ASSERT_EQ(module->C_Finalize(nullptr), CKR_OK);
     EXPECT_NE(store(copy, session, "still there"), 0U);
 }
 

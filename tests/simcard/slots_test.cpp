@@ -58,8 +58,8 @@ TEST(Slots, LeaveOutWhatIsNoCard) {
     const auto broken = cards.add("B");
     auto foreign = cards.add("C");
     cards.add("D");
-    std::filesystem::remove(stray.folder / simcard::card_file);
-    std::ofstream(broken.folder / simcard::card_file) << "reader = B\npin_tries_left = many\n";
+    std::filesystem::remove(stray.folder / simcard::CARD_FILE);
+    std::ofstream(broken.folder / simcard::CARD_FILE) << "reader = B\npin_tries_left = many\n";
     foreign.token = "unknown";
     simcard::save_card(foreign);
 
@@ -96,7 +96,7 @@ TEST(CardFolder, HoldsNothingOfACardWhosePinIsRefused) {
     EmptyCards cards;
     simcard::Card settings;
     settings.reader = "A";
-    EXPECT_THROW(static_cast<void>(simcard::make_card(cards.path(), settings, so_pin, "1")),
+    EXPECT_THROW(static_cast<void>(simcard::make_card(cards.path(), settings, SO_PIN, "1")),
                  simcard::CardProblem);
     EXPECT_TRUE(std::filesystem::is_empty(cards.path()));
 }

@@ -20,7 +20,7 @@ std::vector<std::string> summary(const Card& card, const std::string& pin) {
     return lines;
 }
 
-const std::vector<std::string> as_made{"certificate AUTHCertificate0",
+const std::vector<std::string> AS_MADE{"certificate AUTHCertificate0",
                                        "private key AUTHCertificate0",
                                        "public key AUTHCertificate0",
                                        "certificate DS0",
@@ -34,7 +34,7 @@ void change_everything(const Card& card) {
     const CK_SESSION_HANDLE session = module.open();
     CK_UTF8CHAR before[] = "first pin", after[] = "12345678";
     ASSERT_EQ(module->C_SetPIN(session, before, 9, after, 8), CKR_OK);
-    ASSERT_EQ(module.login(session, default_pin), CKR_OK);
+    ASSERT_EQ(module.login(session, DEFAULT_PIN), CKR_OK);
     ASSERT_NE(zvtest::store(module, session, "later"), 0U);
     for (const auto& entry : std::filesystem::directory_iterator(card.folder))
         if (entry.path().extension() == ".object" && entry.path().filename() != "token.object") {
@@ -51,12 +51,12 @@ void change_everything(const Card& card) {
 TEST(CardTest, IsPutBackAsItWasMade) {
     TestCards cards;
     const Card card = cards.make({.reader = "Desk (left)", .pin = "first pin"});
-    EXPECT_EQ(summary(card, "first pin"), as_made);
+    EXPECT_EQ(summary(card, "first pin"), AS_MADE);
     EXPECT_THROW((void)view_objects(card, "0000"), Refusal);
     ASSERT_NO_FATAL_FAILURE(change_everything(card));
 
     put_back_as_made(card.folder);
-    EXPECT_EQ(summary(card, "first pin"), as_made);
+    EXPECT_EQ(summary(card, "first pin"), AS_MADE);
     const Card back = load_card(card.folder);
     EXPECT_EQ(back.reader, "Desk (left)");
     EXPECT_EQ(back.pin_tries_left, 3U);
@@ -73,7 +73,7 @@ TEST(CardTest, ShowsItsObjectsInTheOrderOfTheirMakingAndLetsThemBeDestroyed) {
         const CK_SESSION_HANDLE session = module.open();
         EXPECT_EQ(zvtest::labels(module, session),
                   "DS0 DS0 AUTHCertificate0 AUTHCertificate0 Korvalenta Firma Dig ");
-        ASSERT_EQ(module.login(session, default_pin), CKR_OK);
+        ASSERT_EQ(module.login(session, DEFAULT_PIN), CKR_OK);
         for (const CK_OBJECT_HANDLE object : zvtest::find_all(module, session)) {
             EXPECT_EQ(zvtest::read(module, session, object, CKA_PRIVATE_EXPONENT), "?");
             EXPECT_EQ(module->C_DestroyObject(session, object), CKR_OK) << time;

@@ -1,10 +1,11 @@
 // The program as a person or a script runs it: its exit codes, what it says, and what it never deletes.
 #include "tests/simcard_tool/test_cards.h"
 
-#include <array>
-#include <cstdio>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
 
 namespace {
 

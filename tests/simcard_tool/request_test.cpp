@@ -6,17 +6,18 @@
 #include "simcard/authority/name.h"
 #include "simcard/authority/renewal.h"
 
-#include <future>
 #include <gtest/gtest.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
+
+#include <future>
 #include <set>
 
 namespace {
 
 using namespace simcard;
 
-constexpr unsigned cades = CMS_BINARY | CMS_CADES;
+constexpr unsigned CADES = CMS_BINARY | CMS_CADES;
 
 std::string base64_lines(const std::string& bytes) {
     const Bio text = writing();
@@ -49,7 +50,7 @@ class AuthorityTest : public testing::Test {
     Certificate certificate_from(const Authority& issuer, int days, const char* kind = "signature") {
         const std::time_t now = std::time(nullptr);
         return issuer.issue(*holder_name(ada, "1"), old_key, kind_named(kind),
-                            {now - 400 * one_day, now + days * one_day});
+                            {now - 400 * ONE_DAY, now + days * ONE_DAY});
     }
 
     // A request signed with SHA-1, as cards sign theirs.
@@ -63,7 +64,7 @@ class AuthorityTest : public testing::Test {
         return std::string(written(*text));
     }
 
-    std::string signed_message(const std::string& content, X509& certificate, unsigned flags = cades) {
+    std::string signed_message(const std::string& content, X509& certificate, unsigned flags = CADES) {
         const Bio source = reading(content);
         const CmsMessage made_here(CMS_sign(&certificate, &old_key, nullptr, source.get(), flags));
         const Bio bytes = writing();
@@ -158,9 +159,9 @@ TEST_F(AuthorityTest, RefusesWhatSaysTooLittle) {
         EXPECT_EQ(refusal(signed_message(request, *signer, flags)),
                   "The signature lacks a signed attribute (content type, message digest or "
                   "signing-certificate-v2).");
-    EXPECT_EQ(refusal(signed_message(request, *signer, cades | CMS_NOCERTS)),
+    EXPECT_EQ(refusal(signed_message(request, *signer, CADES | CMS_NOCERTS)),
               "The message does not carry its signer's certificate.");
-    EXPECT_EQ(refusal(signed_message(request, *signer, cades | CMS_DETACHED)),
+    EXPECT_EQ(refusal(signed_message(request, *signer, CADES | CMS_DETACHED)),
               "The signed message carries no request.");
     const std::string base64 = base64_lines(message);
     for (const std::string& file :

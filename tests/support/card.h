@@ -10,10 +10,10 @@
 
 namespace zvtest {
 
-inline constexpr const char* so_pin = "87654321";
-inline constexpr const char* user_pin = "12345";
+inline constexpr const char* SO_PIN = "87654321";
+inline constexpr const char* USER_PIN = "12345";
 
-/// A new folder, removed with what it holds at the end.
+// A new folder, removed with what it holds at the end.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
@@ -34,7 +34,7 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-/// A folder of cards of a test's own that ZVSIMCARD_HOME names while it lives. Its cards hold no objects.
+// A folder of cards of a test's own that ZVSIMCARD_HOME names while it lives. Its cards hold no objects.
 class EmptyCards {
   public:
     EmptyCards() { ::setenv("ZVSIMCARD_HOME", path().c_str(), 1); }
@@ -44,14 +44,14 @@ class EmptyCards {
 
     [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
 
-    /// Makes a card with the two PINs above.
+    // Makes a card with the two PINs above.
     simcard::Card add(const std::string& reader = "Desk Reader 00 00", const std::string& serial = "") {
         simcard::Card settings;
         settings.reader = reader;
         settings.serial = serial;
         settings.label = "card";
         settings.profile = "signature";
-        return simcard::make_card(path(), settings, so_pin, user_pin);
+        return simcard::make_card(path(), settings, SO_PIN, USER_PIN);
     }
 
   private:

@@ -11,7 +11,7 @@
 
 namespace zvtest {
 
-/// A log of the test's own in place of the user's, for as long as it lives; then nothing is logged.
+// A log of the test's own in place of the user's, for as long as it lives; then nothing is logged.
 class LogFile {
   public:
     LogFile() {
@@ -42,9 +42,10 @@ class LogFile {
         text << file.rdbuf();
         return text.str();
     }
-    /// What was logged, the times gone: "[]: line" and "** title".
+    // What was logged, the times gone: "[]: line" and "** title".
     [[nodiscard]] std::string text() const {
-        static const std::string title = "********** - 24/Nov/2026 22:05:00 - ", line = "[24 Nov 2026 22:05:00]: ";
+        static const std::string title = "********** - 24/Nov/2026 22:05:00 - ",
+                                 line = "[24 Nov 2026 22:05:00]: ";
         std::istringstream all(raw());
         std::string masked;
         for (std::string read; std::getline(all, read);) {

@@ -4,6 +4,7 @@
 #include "simcard/control.h"
 
 #include <dlfcn.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -12,7 +13,7 @@ namespace zvtest {
 // A function of the control, found in the module.
 #define ZVTEST_CONTROL(name) function<decltype(&name)>(#name)
 
-/// The simulated card's module (or a copy of its file), loaded while this lives, with its control.
+// The simulated card's module (or a copy of its file), loaded while this lives, with its control.
 class Module {
   public:
     explicit Module(const std::string& path = ZVSIMCARD_MODULE)
@@ -53,7 +54,7 @@ class Module {
     CK_RV login(CK_SESSION_HANDLE session, std::string pin, CK_USER_TYPE user = CKU_USER) {
         return list_->C_Login(session, user, reinterpret_cast<CK_UTF8CHAR*>(pin.data()), pin.size());
     }
-    /// A read/write session with a slot; 0 when there is none.
+    // A read/write session with a slot; 0 when there is none.
     [[nodiscard]] CK_SESSION_HANDLE open(CK_SLOT_ID slot = 0) {
         CK_SESSION_HANDLE session = 0;
         list_->C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session);

@@ -5,13 +5,13 @@
 
 namespace zvtest {
 
-/// How a child process ended: its exit code, or the signal that ended it.
+// How a child process ended: its exit code, or the signal that ended it.
 struct Ending {
     int code = -1;
     int signal = 0;
 };
 
-/// Runs something in a child process, whose exit code is what it gives. Modules must not be initialised here.
+// Runs something in a child process, whose exit code is what it gives. Modules must not be initialised here.
 template <class F> Ending in_child(F run) {
     const pid_t child = ::fork();
     if (child == 0) ::_exit(static_cast<int>(run()));

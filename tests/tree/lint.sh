@@ -15,7 +15,7 @@ trap 'rm -f "$log"' EXIT
 sed -n -E 's/^ *"file": "(.*)",?$/\1/p' "$build/compile_commands.json" |
     grep -E "^$build/(CMakeFiles|crypt|cli|simcard)/.*/Unity/" |
     xargs -P "$(getconf _NPROCESSORS_ONLN)" -n 1 clang-tidy --quiet -p "$build" --config-file=.clang-tidy \
-        --header-filter="/(include|$(echo $folders | tr ' ' '|'))/" 2>"$log" || { cat "$log"; exit 1; }
+        --header-filter="/($(echo $folders | tr ' ' '|'))/" 2>"$log" || { cat "$log"; exit 1; }
 # shellcheck disable=SC2086
 cppcheck --enable=warning,performance,portability --inline-suppr --std=c++20 --language=c++ --quiet -j 2 \
     --suppress=missingIncludeSystem --error-exitcode=1 -I include -I . -I crypt $folders

@@ -1,9 +1,9 @@
 // A host with global names of its own that the library has too: neither may disturb the other. Its argument
 // is a file for the log.
+#include "zvRenew.h"
+
 #include <cstdio>
 #include <cstring>
-
-#include "zvRenew.h"
 
 extern "C" {
 // The library's, by hand: routines.h would declare its replace and SET, which are the host's here.

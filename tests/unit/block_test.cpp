@@ -1,12 +1,11 @@
 #include "api/command_block.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "card/session.h"
 #include "store/renewal_state.h"
 #include "tests/support/log_file.h"
 
 #include <gtest/gtest.h>
-
-#include "card/session.h"
 
 namespace {
 
@@ -23,7 +22,7 @@ std::string write(std::string label, const char* pin = "12345", const char* chai
 
 REQRENIN parsed(const std::string& block) {
     REQRENIN record{};
-    zv::parseBlock(block, record);
+    zv::parse_block(block, record);
     return record;
 }
 

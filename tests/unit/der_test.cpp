@@ -23,20 +23,20 @@ ADATA* zeros(unsigned long size) {
     return CreateADATA(nullptr, size, 0);
 }
 
-Bytes headerOf(unsigned long size) {
+Bytes header_of(unsigned long size) {
     Bytes all = taken(SEQUENCE(zeros(size), nullptr));
     all.resize(all.size() - size);
     return all;
 }
 
 TEST(Der, LengthsAreCanonicalUpTo65535Bytes) {
-    EXPECT_EQ(headerOf(0), (Bytes{0x30, 0x00}));
-    EXPECT_EQ(headerOf(127), (Bytes{0x30, 0x7F}));
-    EXPECT_EQ(headerOf(128), (Bytes{0x30, 0x81, 0x80}));
-    EXPECT_EQ(headerOf(255), (Bytes{0x30, 0x81, 0xFF}));
-    EXPECT_EQ(headerOf(256), (Bytes{0x30, 0x82, 0x01, 0x00}));
-    EXPECT_EQ(headerOf(65535), (Bytes{0x30, 0x82, 0xFF, 0xFF}));
-    EXPECT_EQ(headerOf(65536), (Bytes{0x30}));
+    EXPECT_EQ(header_of(0), (Bytes{0x30, 0x00}));
+    EXPECT_EQ(header_of(127), (Bytes{0x30, 0x7F}));
+    EXPECT_EQ(header_of(128), (Bytes{0x30, 0x81, 0x80}));
+    EXPECT_EQ(header_of(255), (Bytes{0x30, 0x81, 0xFF}));
+    EXPECT_EQ(header_of(256), (Bytes{0x30, 0x82, 0x01, 0x00}));
+    EXPECT_EQ(header_of(65535), (Bytes{0x30, 0x82, 0xFF, 0xFF}));
+    EXPECT_EQ(header_of(65536), (Bytes{0x30}));
 }
 
 TEST(Der, ListsEndAtTheFirstNull) {
@@ -69,10 +69,10 @@ TEST(Der, PiecesArePaddedAndJoined) {
 TEST(Pem, IsOneLineThatMustFitWithItsBreaks) {
     std::vector<char> out(zv::PEM_SIZE, '?');
     const Bytes small(100), large(6100);
-    ASSERT_TRUE(zv::writePem(small, out.data()));
+    ASSERT_TRUE(zv::write_pem(small, out.data()));
     EXPECT_EQ(std::string(out.data()), "-----BEGIN CERTIFICATE REQUEST-----\n" + std::string(134, 'A') +
                                            "==\n-----END CERTIFICATE REQUEST-----\n");
-    EXPECT_FALSE(zv::writePem(large, out.data()));
+    EXPECT_FALSE(zv::write_pem(large, out.data()));
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "tests/support/log_file.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -98,11 +97,11 @@ TEST(Log, Records) {
 
 TEST(Messages, AreLookedUpWithinTheTable) {
     loadErrorCodes();
-    EXPECT_STREQ(zv::errorMessage(CKR_OK), "Operazione completata con successo");
+    EXPECT_STREQ(zv::error_message(CKR_OK), "Operazione completata con successo");
     EXPECT_STREQ(errorMessages[0x82], "Il riferimento dell'oggetto specificato r' invalido");
     EXPECT_STREQ(errorMessages[0x1A1], "CKR_MUTEX_NOT_LOCKED");
     for (const CK_RV code : {0x4UL, 0x130UL, 0x1A2UL, 0x200UL, 0x80000001UL, ~0UL})
-        EXPECT_STREQ(zv::errorMessage(code), "") << code;
+        EXPECT_STREQ(zv::error_message(code), "") << code;
     int filled = 0;
     for (const auto& message : errorMessages)
         filled += message[0] != '\0' ? 1 : 0;

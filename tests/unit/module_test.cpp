@@ -13,12 +13,12 @@ std::string odd(const std::string& name) {
     return std::string(ODD_MODULES) + "/odd_" + name + ".so";
 }
 
-CK_RV openLight(std::string path, int slot = 3) {
+CK_RV open_light(std::string path, int slot = 3) {
     char pin[] = "";
     return __Initialize(slot, pin, path.data());
 }
 
-int openFull(std::string path, unsigned index = 0) {
+int open_full(std::string path, unsigned index = 0) {
     char pin[] = "";
     return inizializza(path.data(), pin, index, nullptr, CKU_USER);
 }
@@ -38,20 +38,20 @@ class OddModule : public testing::Test {
 };
 
 TEST_F(OddModule, BlankAndEmptyPathsLoadNothing) {
-    EXPECT_EQ(openLight(" /x"), UNUSABLE);
+    EXPECT_EQ(open_light(" /x"), UNUSABLE);
     EXPECT_EQ(log.text(), "** INIZIALIZZA_FUN\nSlotNum = 0x3\n\n");
     EXPECT_EQ(zv::slotID, 3u);
-    EXPECT_EQ(openLight("", -48), UNUSABLE);
+    EXPECT_EQ(open_light("", -48), UNUSABLE);
     EXPECT_EQ(zv::slotID, static_cast<CK_SLOT_ID>(-48L));
     EXPECT_EQ(zv::hModule, nullptr) << "an empty path would open this very program";
-    EXPECT_EQ(openFull(""), 1);
+    EXPECT_EQ(open_full(""), 1);
     EXPECT_STREQ(szSockMsg, "Errore nel caricamento della libreria di gestione della smartcard\n (error )");
 }
 
 TEST_F(OddModule, WithoutAFunctionListIsUnusable) {
     for (const char* name : {"no_list_function", "null_list", "failed_list"}) {
         log.clear();
-        EXPECT_EQ(openLight(odd(name)), UNUSABLE) << name;
+        EXPECT_EQ(open_light(odd(name)), UNUSABLE) << name;
         EXPECT_NE(log.text().find("GetProcAddress\nRet Code = 0x-1\n"), std::string::npos) << name;
         EXPECT_EQ(zv::call<&zv::Functions::C_Initialize>(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED) << name;
         finalizza();
@@ -61,12 +61,12 @@ TEST_F(OddModule, WithoutAFunctionListIsUnusable) {
 }
 
 TEST_F(OddModule, FullOpenerWordsTheMissingListInTwoWays) {
-    EXPECT_EQ(openFull(odd("no_list_function")), 1);
+    EXPECT_EQ(open_full(odd("no_list_function")), 1);
     EXPECT_STREQ(szSockMsg,
                  "Errore nel caricamento delle funzioni dalla libreria di gestione della smartcard (error )");
     EXPECT_EQ(log.text().find("Messaggio di Errore"), std::string::npos);
     zv::rv = CKR_PIN_LOCKED;
-    EXPECT_EQ(openFull(odd("null_list")), 1);
+    EXPECT_EQ(open_full(odd("null_list")), 1);
     EXPECT_NE(log.text().find(
                   "pC_GetFunctionList\nErrore = 0x164\n** Messaggio di Errore\nErrore nella lista delle"),
               std::string::npos)
@@ -74,19 +74,19 @@ TEST_F(OddModule, FullOpenerWordsTheMissingListInTwoWays) {
 }
 
 TEST_F(OddModule, ListOfAnEarlierModuleIsNotUsed) {
-    openLight(odd("absurd"));
+    open_light(odd("absurd"));
     ASSERT_NE(zv::p, nullptr);
     const CK_FUNCTION_LIST* older = zv::p;
     finalizza();
     EXPECT_EQ(zv::p, older);
     EXPECT_EQ(zv::call<&zv::Functions::C_Finalize>(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
-    openLight(odd("null_list"));
+    open_light(odd("null_list"));
     EXPECT_EQ(zv::call<&zv::Functions::C_Finalize>(nullptr), CKR_CRYPTOKI_NOT_INITIALIZED);
 }
 
 TEST_F(OddModule, NullEntriesAnswerNotSupported) {
-    EXPECT_EQ(openLight(odd("empty_list")), CKR_FUNCTION_NOT_SUPPORTED);
-    EXPECT_EQ(openFull(odd("empty_list")), 1);
+    EXPECT_EQ(open_light(odd("empty_list")), CKR_FUNCTION_NOT_SUPPORTED);
+    EXPECT_EQ(open_full(odd("empty_list")), 1);
     EXPECT_STREQ(szSockMsg,
                  "Errore nella inizializzazione della libreria di gestione della smartcard (Funzione "
                  "richiesta non supportata dalla libreria crittografica)");
@@ -102,13 +102,13 @@ TEST_F(OddModule, DescriptionThatRunsOnIsCutAndASecondCountIsNotBelieved) {
 
 TEST_F(OddModule, SlotIndicesBeyondListAndCacheAreRefused) {
     for (const unsigned index : {1u, 8u, 0xFFFFFFD0u}) {
-        EXPECT_EQ(openFull(odd("absurd"), index), 1) << index;
+        EXPECT_EQ(open_full(odd("absurd"), index), 1) << index;
         EXPECT_EQ(std::string(szSockMsg).rfind("Errore nella ricerca slots (", 0), 0u) << index;
     }
-    EXPECT_EQ(openFull(odd("absurd"), 0), 0) << "no login is asked for with an empty PIN";
+    EXPECT_EQ(open_full(odd("absurd"), 0), 0) << "no login is asked for with an empty PIN";
     EXPECT_EQ(zv::vettoreSlotID[0], 7u);
     log.clear();
-    EXPECT_EQ(openFull(odd("absurd"), 0), 0);
+    EXPECT_EQ(open_full(odd("absurd"), 0), 0);
     EXPECT_EQ(log.text().find("C_GetSlotList"), std::string::npos) << "the slot is known";
 }
 

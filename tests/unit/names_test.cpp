@@ -41,21 +41,23 @@ TEST(NameInput, WidthsAndSurplusUnits) {
     EXPECT_STREQ(zv::dNameRen.stateOrProvince, "RM");
 }
 
-std::string replacedIn(std::string text, std::string from, std::string to) {
+std::string replaced_in(std::string text, std::string from, std::string to) {
     replace(text.data(), from.data(), to.data());
     return zv::newstring;
 }
 
 TEST(NameInput, ReplacementKeepsWithin1023Characters) {
-    EXPECT_EQ(replacedIn("aaa", "aa", "b"), "ba");
-    EXPECT_EQ(replacedIn("abc", "", "x"), "abc");
-    EXPECT_EQ(replacedIn(std::string(2000, 'x'), "y", ""), std::string(1023, 'x'));
+    EXPECT_EQ(replaced_in("aaa", "aa", "b"), "ba");
+    EXPECT_EQ(replaced_in("abc", "", "x"), "abc");
+    EXPECT_EQ(replaced_in(std::string(2000, 'x'), "y", ""), std::string(1023, 'x'));
     const std::string head(1020, 'x');
-    EXPECT_EQ(replacedIn(head + "a", "a", "bb"), head + "bb");
-    EXPECT_EQ(replacedIn(head + "ab", "a", "12345"), head + "ab") << "an occurrence that would not fit stays";
-    EXPECT_EQ(replacedIn(head + "abcd", "a", "12345"), head) << "what would not fit unreplaced is dropped";
-    EXPECT_EQ(replacedIn(head + "aXX", "a", "bb"), head + "bb") << "a rest that would not fit is dropped";
-    EXPECT_EQ(replacedIn("a" + head + "xxxxa", "a", "b"), "b") << "building stops where a part would not fit";
+    EXPECT_EQ(replaced_in(head + "a", "a", "bb"), head + "bb");
+    EXPECT_EQ(replaced_in(head + "ab", "a", "12345"), head + "ab")
+        << "an occurrence that would not fit stays";
+    EXPECT_EQ(replaced_in(head + "abcd", "a", "12345"), head) << "what would not fit unreplaced is dropped";
+    EXPECT_EQ(replaced_in(head + "aXX", "a", "bb"), head + "bb") << "a rest that would not fit is dropped";
+    EXPECT_EQ(replaced_in("a" + head + "xxxxa", "a", "b"), "b")
+        << "building stops where a part would not fit";
 }
 
 TEST(InventoryNames, EveryOccurrenceBecomesAnOid) {
@@ -63,7 +65,7 @@ TEST(InventoryNames, EveryOccurrenceBecomesAnOid) {
     EXPECT_EQ(__DescrToOid(name, scratch), 0);
     EXPECT_STREQ(name, "2.5.4.6=IT2.5.4.11=A2.5.4.11=B2.5.4.3=N2.5.4.5=S2.5.4.4=R");
     char small[24] = "/C=IT/C=IT/C=IT/C=IT";
-    zv::rewriteName(small, sizeof small);
+    zv::rewrite_name(small, sizeof small);
     EXPECT_STREQ(small, "2.5.4.6=IT2.5.4.6=IT2.5");
 }
 
@@ -71,14 +73,14 @@ TEST(InventoryNames, AServicesCardHasItsCommonNameLast) {
     char scratch[4096], plain[512] = "/C=IT/O=X";
     EXPECT_EQ(__DescrToOidCNS(plain, scratch), 1);
     EXPECT_STREQ(plain, "/C=IT/O=X");
-    char shortName[512] = "/C=IT/CN=RSSMRA/123/OU=tail";
-    EXPECT_EQ(__DescrToOidCNS(shortName, scratch), 0);
-    EXPECT_STREQ(shortName, "2.5.4.6=IT2.5.4.3=RSSMRA/123/OU=tail") << "the copied value is not rewritten";
+    char short_name[512] = "/C=IT/CN=RSSMRA/123/OU=tail";
+    EXPECT_EQ(__DescrToOidCNS(short_name, scratch), 0);
+    EXPECT_STREQ(short_name, "2.5.4.6=IT2.5.4.3=RSSMRA/123/OU=tail") << "the copied value is not rewritten";
     const std::string value(62, 'v');
-    char longName[512];
-    std::strcpy(longName, ("/C=IT/CN=" + value + "rest/OU=u").c_str());
-    EXPECT_EQ(__DescrToOidCNS(longName, scratch), 0);
-    EXPECT_EQ(std::string(longName), "2.5.4.6=IT2.5.4.3=" + value + "rest2.5.4.11=u");
+    char long_name[512];
+    std::strcpy(long_name, ("/C=IT/CN=" + value + "rest/OU=u").c_str());
+    EXPECT_EQ(__DescrToOidCNS(long_name, scratch), 0);
+    EXPECT_EQ(std::string(long_name), "2.5.4.6=IT2.5.4.3=" + value + "rest2.5.4.11=u");
 }
 
 std::string rewritten(const std::string& text, int rounds = 0) {

@@ -64,5 +64,6 @@ EXPORTED CK_RV C_GetFunctionList(CK_FUNCTION_LIST_PTR_PTR given) {
 #endif
 
 /* Not every variant uses every function. */
-EXPORTED const void* odd_module_parts[] = {(const void*)initialize, (const void*)finalize, (const void*)slot_list,
-                                           (const void*)slot_info,  (const void*)open_session, &list};
+EXPORTED const void* odd_module_parts[] = {(const void*)initialize,   (const void*)finalize,
+                                           (const void*)slot_list,    (const void*)slot_info,
+                                           (const void*)open_session, &list};

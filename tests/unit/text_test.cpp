@@ -77,10 +77,10 @@ TEST(Fields, AreFoundAtTheirStartOnly) {
 }
 
 TEST(Numbers, DatesAndEncodings) {
-    char date[] = "31/12/2024", shortDate[] = "31/12", empty[] = "", hundred[] = "100",
+    char date[] = "31/12/2024", short_date[] = "31/12", empty[] = "", hundred[] = "100",
          huge[] = "99999999999999999999";
     EXPECT_EQ(DataToLong(date), 20241231);
-    EXPECT_EQ(DataToLong(shortDate), 1231);
+    EXPECT_EQ(DataToLong(short_date), 1231);
     EXPECT_EQ(DataToLong(empty), 0);
     char bytes[] = {'a', 0, 'b', 0, 0};
     EXPECT_EQ(HexLen(bytes, 5), 3) << "up to the last byte that is not zero";
