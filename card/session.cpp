@@ -67,9 +67,9 @@ CK_RV login(CK_USER_TYPE user, const char* pin) {
 
 void finalizza() {
     static constexpr char title[] = " .... Finalizza FUN                  .... ";
-    const auto trace_state = [](const char* title) {
+    const auto trace_state = [](const char* step) {
         char* session = CatLtoAHex1("hSession = ", static_cast<long>(zv::hSession));
-        WriteLog(title, session, 0, CatLtoAHex2("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
+        WriteLog(step, session, 0, CatLtoAHex2("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
     };
     trace_state(title);
     if (zv::hSession != 0) {
