@@ -1,6 +1,6 @@
 // Memory that runs out: at one of the allocations that a host's call makes outside the card's module.
 #include "pkcs11_functions.h"
-#include "tests/faults/bench.h"
+#include "tests/sweeps/bench.h"
 
 #include <cerrno>
 #include <new>

@@ -1,5 +1,5 @@
 #include "simcard/authority/memory_bio.h"
-#include "tests/faults/bench.h"
+#include "tests/sweeps/bench.h"
 
 #include <openssl/pem.h>
 

@@ -1,6 +1,6 @@
 // Lets every call of every flow fail in every way and judges what is left: fault_sweep all|FLOW [EVERY]. Writes the
-// tables of docs/faults.md; fails, and says of which case, when something is lost or the outcome has no name there.
-#include "tests/faults/bench.h"
+// tables of docs/sweep.md; fails, and says of which case, when something is lost or the outcome has no name there.
+#include "tests/sweeps/bench.h"
 
 #include <sys/mman.h>
 #include <sys/wait.h>

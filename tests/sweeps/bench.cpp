@@ -1,4 +1,4 @@
-#include "tests/faults/bench.h"
+#include "tests/sweeps/bench.h"
 
 #include "diag/messages.h"
 #include "simcard/common/card_folder.h"
