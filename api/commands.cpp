@@ -3,6 +3,7 @@
 #include "api/state.h"
 #include "card/session.h"
 #include "diag/log.h"
+#include "store/deletion.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 #include "util/wipe.h"
@@ -52,8 +53,9 @@ int give_result(char* out, unsigned* out_len) {
 }
 
 int delete_replaced(REQRENIN& record) {
-    if (std::strcmp(record.szTipoCert, "CNS") == 0) return static_cast<int>(DeleteCertCNS(zv::hSession));
-    return DeleteCertAndKeys(zv::hSession, record.certificateLabel, record.szTipoCert);
+    if (std::strcmp(record.szTipoCert, "CNS") == 0)
+        return static_cast<int>(zv::delete_own_certificate(zv::hSession));
+    return zv::delete_certificate_and_keys(zv::hSession, record.certificateLabel) ? 0 : ZV_FAILED;
 }
 
 int store_under_pending(REQRENIN& record, char* out, unsigned* out_len) {
@@ -65,7 +67,7 @@ int replace_certificate(REQRENIN& record, char* out, unsigned* out_len) {
     const int result = delete_replaced(record);
     if (result != 0) return result;
     if (std::strcmp(record.szTipoCert, "PRA") == 0)
-        DeleteCertCA(zv::hSession, zv::CAcertificateLabel, record.szTipoCert);
+        zv::delete_authority_certificate(zv::hSession, zv::CAcertificateLabel, record.szTipoCert);
     return store_under_pending(record, out, out_len);
 }
 

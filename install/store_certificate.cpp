@@ -2,6 +2,7 @@
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "install/modules.h"
+#include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 
@@ -35,8 +36,8 @@ int MemorizzazioneCertificato(void*, char* cert_text, char* pkcs11_library, char
     if (read_certificate(cert_text, certificate) != 0) return ZV_FAILED;
 
     zv::trace(STORE_TITLE, "CheckPendingKeys");
-    if (const int missing = CheckPendingKeys(nullptr, true))
-        return zv::Failure(STORE_TITLE).step("CheckPendingKeys", missing);
+    if (const auto search = zv::find_pending_pair(true).search; search != zv::PairSearch::found)
+        return zv::Failure(STORE_TITLE).step("CheckPendingKeys", static_cast<int>(search));
 
     zv::trace(STORE_TITLE, "ChangeValueObject");
     if (!zv::module_named(pkcs11_library, NOT_RELABELLED) && ChangeValueObject(nullptr, zv::certAlias) != 0)

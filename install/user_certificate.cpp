@@ -5,6 +5,7 @@
 #include "diag/messages.h"
 #include "install/certificate_object.h"
 #include "install/modules.h"
+#include "store/marker.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 
@@ -38,13 +39,13 @@ enum class Match { yes, no, unreadable };
 
 Match match_pending_key(const datiCert& certificate, unsigned long der_length) {
     unsigned char modulus[MODULUS_SIZE];
-    std::size_t length = 0;
-    zv::read_whole(zv::hSession, zv::hPrivateKey, CKA_MODULUS, modulus, sizeof modulus, length);
-    if (zv::rv == CKR_OK)
-        return contains_modulus(certificate.der, der_length, modulus, length) ? Match::yes : Match::no;
-    zv::report_code(USER_TITLE, "C_GetAttributeValue", zv::rv);
+    const zv::Read read = zv::read_attribute(zv::hSession, zv::hPrivateKey, CKA_MODULUS,
+                                             std::as_writable_bytes(std::span(modulus)), zv::TooLong::fails);
+    if (read.code == CKR_OK)
+        return contains_modulus(certificate.der, der_length, modulus, read.length) ? Match::yes : Match::no;
+    zv::report_code(USER_TITLE, "C_GetAttributeValue", read.code);
     // Some modules do not read keys at all: the certificate is then taken as it is.
-    return zv::rv == CKR_FUNCTION_FAILED ? Match::yes : Match::unreadable;
+    return read.code == CKR_FUNCTION_FAILED ? Match::yes : Match::unreadable;
 }
 
 } // namespace
@@ -78,7 +79,6 @@ int InstallUserCertificate(void*, datiCert* cert, unsigned long der_length, char
     }
     zv::trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.
-    char marker[] = "pending_CNS_key";
-    zv::rv = DeleteDataPendingCNS(zv::hSession, marker);
+    zv::delete_data(zv::hSession, "pending_CNS_key");
     return 0;
 }

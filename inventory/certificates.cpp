@@ -13,21 +13,21 @@ int numCertificate = 0;
 namespace {
 
 // A failed read leaves the field as it is.
-template <typename Field>
-bool read_field(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Field& field, std::size_t& length) {
-    unsigned char buffer[sizeof(Certificate::value)];
-    if (read_attribute(hSession, object, type, buffer, sizeof field, length) != CKR_OK) return false;
+template <typename Field> Read read_field(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Field& field) {
+    std::byte buffer[sizeof field];
+    const Read read = read_attribute(hSession, object, type, buffer);
+    if (read.code != CKR_OK) return read;
     std::memcpy(field, buffer, sizeof field);
-    std::memset(reinterpret_cast<char*>(field) + length, 0, sizeof field - length);
-    return true;
+    std::memset(reinterpret_cast<char*>(field) + read.length, 0, sizeof field - read.length);
+    return read;
 }
 
 void read_certificate(CK_OBJECT_HANDLE object, Certificate& certificate) {
-    std::size_t length = 0;
-    read_field(object, CKA_ID, certificate.id, length);
-    read_field(object, CKA_LABEL, certificate.label, length);
-    read_field(object, CKA_SERIAL_NUMBER, certificate.serial_number, length);
-    if (read_field(object, CKA_VALUE, certificate.value, length)) certificate.value_length = length;
+    read_field(object, CKA_ID, certificate.id);
+    read_field(object, CKA_LABEL, certificate.label);
+    read_field(object, CKA_SERIAL_NUMBER, certificate.serial_number);
+    const Read value = read_field(object, CKA_VALUE, certificate.value);
+    if (value.code == CKR_OK) certificate.value_length = value.length;
 }
 
 template <std::size_t... N> void terminate(char (&... texts)[N]) {

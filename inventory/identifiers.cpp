@@ -1,5 +1,6 @@
 #include "inventory/identifiers.h"
 
+#include "store/deletion.h"
 #include "util/text.h"
 
 bool presente(const ckaid* table, const char* id) {
@@ -74,7 +75,7 @@ bool read_signature_certificates(const IdentifierTables& tables, char* key_pra) 
         if (in_series(id, SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
         if (!is1205SerialToken) continue;
         force2048PraGen = true;
-        if (in_series(key_pra, SIGNATURE_SERIES, '0', '2') && DeleteObjectByLabel(hSession, key_pra) == 0)
+        if (in_series(key_pra, SIGNATURE_SERIES, '0', '2') && delete_all_with(hSession, key_pra))
             key_pra[0] = '\0';
     }
     return found;

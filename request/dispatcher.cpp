@@ -2,6 +2,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
+#include "store/pending_deletion.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
 #include "util/text.h"
@@ -28,16 +29,14 @@ int take_census() {
     return code;
 }
 
-// A waiting pair has no certificate: what has one is in use.
+// A pending pair has no certificate: what has one is in use.
 const char* why_in_use() {
     const CK_OBJECT_CLASS certificate = CKO_CERTIFICATE;
     CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, certificate), zv::attribute(CKA_ID, zv::pendingLabel)};
-    CK_OBJECT_HANDLE object = 0;
-    bool none = false;
-    const bool found = zv::find_one(zv::hSession, tmpl, object, none) == CKR_OK;
-    if (none) return nullptr;
-    return found ? "la coppia di chiavi da scartare ha un certificato"
-                 : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";
+    const zv::Found found = zv::find_one(zv::hSession, tmpl);
+    if (found.none) return nullptr;
+    return found.code == CKR_OK ? "la coppia di chiavi da scartare ha un certificato"
+                                : "la ricerca del certificato della coppia di chiavi da scartare e' fallita";
 }
 
 // Asked in front of a deletion, which cannot be taken back.
@@ -50,10 +49,8 @@ bool may_discard(unsigned slot_index) {
 
 void discard_pending(char* module_path, char* pin) {
     const auto slot_index = static_cast<unsigned>(zv::slotUtente);
-    const int result =
-        may_discard(slot_index) ? DeleteAllPending32(module_path, pin, slot_index, nullptr) : ZV_FAILED;
-    if (result == 0) return;
-    zv::report_code(DISPATCH_TITLE, "Cancellazione Oggetti", static_cast<CK_RV>(result));
+    if (may_discard(slot_index) && zv::delete_pending_pair(module_path, pin, slot_index)) return;
+    zv::report_code(DISPATCH_TITLE, "Cancellazione Oggetti", ZV_FAILED);
     finalizza();
 }
 

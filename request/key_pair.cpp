@@ -92,7 +92,6 @@ unsigned short generate_again(const LoginData& login) {
 } // namespace
 
 unsigned short generate_key_pair(const LoginData& login) {
-    copy_text(private_key_id, pendingLabel);
     if (generate_once(login.module_path) == CKR_OK) return 0;
     report_code(REQUEST_TITLE, STEP, rv);
     if (rv == CKR_USER_NOT_LOGGED_IN) return generate_again(login);

@@ -3,6 +3,7 @@
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
+#include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
 #include "util/text.h"
@@ -65,8 +66,8 @@ unsigned short sign_again(der::Bytes& info, const PublicKey& key, const LoginDat
             .sentence("Firma sequenza di hash fallita error inizializza (%s)", rv)
             .user("Firma sequenza di hash fallita (error login %lx)", rv);
     }
-    if (const int missing = check_same_key()) {
-        const auto code = static_cast<CK_RV>(missing);
+    if (const PairSearch again = find_pair_again(key.id); again != PairSearch::found) {
+        const auto code = static_cast<CK_RV>(again);
         return Failure(REQUEST_TITLE)
             .step("CheckPendingKeys", code)
             .user("Errore nella ricerca delle chiavi pending generate sulla smartcard (per SignIt error %lx)",

@@ -19,6 +19,7 @@ struct PublicKey {
     unsigned char modulus[MODULUS_SIZE] = {};
     unsigned char exponent[EXPONENT_SIZE] = {};
     unsigned long modulus_length = 0, exponent_length = 0;
+    char id[256] = ""; // identifier of its private key: the one that was looked for, or made
 
     // Reads both from a private key, each with the given room. Returns the PKCS#11 result, logged when it is
     // a failure; a number that is none is one.

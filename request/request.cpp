@@ -2,15 +2,19 @@
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "request/key_pair.h"
+#include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "util/guarded.h"
+#include "util/text.h"
 
 namespace {
 
-unsigned short prepare_pair(const zv::LoginData& login) {
-    const int pending = CheckPendingKeys(nullptr, false);
-    if (pending == 0) return 0;
-    if (pending == zv::NO_PENDING_KEY) return zv::generate_key_pair(login);
+unsigned short prepare_pair(const zv::LoginData& login, zv::PublicKey& key) {
+    const zv::PendingPair pending = zv::find_pending_pair(false);
+    const bool generate = pending.search == zv::PairSearch::no_private_key;
+    zv::copy_text(key.id, generate ? zv::pendingLabel : pending.id);
+    if (pending.search == zv::PairSearch::found) return 0;
+    if (generate) return zv::generate_key_pair(login);
     // The code is always shown as 0.
     return zv::Failure(zv::REQUEST_TITLE)
         .step("CheckPendingKeys", CKR_OK)
@@ -30,7 +34,7 @@ unsigned short read_back(zv::PublicKey& key) {
 
 unsigned short build_request(const zv::LoginData& login, char* pem_out) {
     zv::PublicKey key;
-    unsigned short status = prepare_pair(login);
+    unsigned short status = prepare_pair(login, key);
     if (status == 0) status = read_back(key);
     return status == 0 ? zv::complete_request(key, zv::SUBJECT_TABLE, login, pem_out) : status;
 }

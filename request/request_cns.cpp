@@ -4,6 +4,7 @@
 #include "diag/log.h"
 #include "inventory/identifiers.h"
 #include "request/pkcs10.h"
+#include "store/marker.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
@@ -15,11 +16,11 @@ namespace {
 constexpr std::size_t MODULUS_ROOM = 1024, EXPONENT_ROOM = 17, MODULUS_CHECKED = 128;
 
 // When no key is found the handle keeps its value, and reading it decides.
-unsigned short find_own_key() {
+unsigned short find_own_key(zv::PublicKey& key) {
     const CK_OBJECT_CLASS private_key = CKO_PRIVATE_KEY;
-    zv::copy_text(zv::private_key_id, zv::OWN_PAIR);
+    zv::copy_text(key.id, zv::OWN_PAIR);
     CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, private_key), zv::attribute(CKA_ID, zv::OWN_PAIR)};
-    const auto take = [](CK_OBJECT_HANDLE key) { zv::hPrivateKey = key; };
+    const auto take = [](CK_OBJECT_HANDLE object) { zv::hPrivateKey = object; };
     // Left open for read_own_key.
     const zv::Walked walked = zv::walk({.session = zv::hSession,
                                         .tmpl = tmpl,
@@ -46,7 +47,7 @@ unsigned short read_own_key(zv::PublicKey& key) {
 
 unsigned short build_own_request(const zv::LoginData& login, char* pem_out) {
     zv::PublicKey key;
-    unsigned short status = find_own_key();
+    unsigned short status = find_own_key(key);
     if (status == 0) status = read_own_key(key);
     return status == 0 ? zv::complete_request(key, zv::SUBJECT_TABLE_CNS, login, pem_out) : status;
 }
@@ -60,7 +61,7 @@ unsigned short RequestCertificateCNS(void*, char* pem_out, char* pin, unsigned s
         return build_own_request({module_path, pin}, pem_out);
     });
     if (status != 0) return status;
-    zv::rv = DataStore(zv::hSession, "pending_CNS_key", "1", "", false, true);
+    zv::write_data(zv::hSession, {"pending_CNS_key", "1", false, true});
     zv::trace(zv::REQUEST_TITLE, "F I N E");
     return 0;
 }

@@ -1,4 +1,5 @@
-// Removal of objects by their identifier, which the log calls their label.
+#include "store/deletion.h"
+
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
@@ -94,46 +95,43 @@ zv::Visit delete_if_named(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, co
 
 } // namespace
 
-unsigned int DeleteAnObject(unsigned long session, unsigned long obj_class, char* id) {
+CK_RV zv::delete_first(CK_SESSION_HANDLE session, CK_OBJECT_CLASS object_class, const char* id) {
     static constexpr char title[] = "DeleteAnObject";
     trace_deletion(title, session);
-    CK_ATTRIBUTE tmpl[] = {zv::attribute_of(CKA_CLASS, obj_class), zv::attribute(CKA_ID, zv::or_empty(id))};
-    CK_OBJECT_HANDLE object = 0;
-    bool none = false;
-    CK_RV result = zv::find_one(session, tmpl, object, none);
+    CK_ATTRIBUTE tmpl[] = {attribute_of(CKA_CLASS, object_class), attribute(CKA_ID, id)};
+    const Found found = find_one(session, tmpl);
+    CK_RV result = found.code;
     if (result == CKR_OK) {
-        zv::trace(title, "Trovato Oggetto");
-        result = zv::destroy_object(session, object);
+        trace(title, "Trovato Oggetto");
+        result = destroy_object(session, found.object);
     }
     if (result == CKR_OK)
-        zv::trace(title, "Cancellazione effettuata");
+        trace(title, "Cancellazione effettuata");
     else
         report_not_deleted(title, id);
-    return static_cast<unsigned int>(result);
+    return result;
 }
 
-int DeleteObjectByLabel(unsigned long session, char* text) {
-    const char* wanted = zv::or_empty(text);
-    const zv::Walked walked = zv::walk(
-        {.session = session, .log = {.after = log_found}},
-        [session, wanted](CK_OBJECT_HANDLE object) { return delete_if_named(session, object, wanted); });
-    if (walked.how == zv::Walked::End::not_started || walked.how == zv::Walked::End::not_ended)
-        report_not_deleted(DELETION_TITLE, wanted);
-    return walked.whole() ? 0 : 1;
+bool zv::delete_all_with(CK_SESSION_HANDLE session, const char* text) {
+    const Walked walked =
+        walk({.session = session, .log = {.after = log_found}},
+             [session, text](CK_OBJECT_HANDLE object) { return delete_if_named(session, object, text); });
+    if (walked.how == Walked::End::not_started || walked.how == Walked::End::not_ended)
+        report_not_deleted(DELETION_TITLE, text);
+    return walked.whole();
 }
 
-int DeleteCertAndKeys(unsigned long session, char* text, char*) {
+bool zv::delete_certificate_and_keys(CK_SESSION_HANDLE session, const char* id) {
     trace_deletion("DeleteCertAndKeys", session);
-    return DeleteObjectByLabel(session, text);
+    return delete_all_with(session, id);
 }
 
-unsigned int DeleteCertCNS(unsigned long session) {
+CK_RV zv::delete_own_certificate(CK_SESSION_HANDLE session) {
     trace_deletion("DeleteCertCNS", session);
-    char id[] = "CNS0";
-    return DeleteAnObject(session, CKO_CERTIFICATE, id);
+    return delete_first(session, CKO_CERTIFICATE, "CNS0");
 }
 
-unsigned int DeleteCertCA(unsigned long session, char* id, char* kind) {
-    zv::trace("DeleteCertCA", zv::or_empty(kind));
-    return DeleteAnObject(session, CKO_CERTIFICATE, id);
+CK_RV zv::delete_authority_certificate(CK_SESSION_HANDLE session, const char* id, const char* kind) {
+    trace("DeleteCertCA", kind);
+    return delete_first(session, CKO_CERTIFICATE, id);
 }

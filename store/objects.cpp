@@ -3,49 +3,25 @@
 #include "card/session.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zv {
 
-namespace {
-
-// Gives the length as the module says it.
-CK_RV read_one(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-               std::size_t size, CK_ULONG& length) {
-    std::memset(buffer, 0, size);
-    CK_ATTRIBUTE entry = {type, buffer, size};
+Read read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
+                    std::span<std::byte> room, TooLong too_long) {
+    std::ranges::fill(room, std::byte{0});
+    CK_ATTRIBUTE entry = {type, room.data(), room.size()};
     rv = call<&Functions::C_GetAttributeValue>(session, object, &entry, CK_ULONG{1});
-    length = rv == CKR_OK ? entry.ulValueLen : 0;
-    return rv;
-}
-
-} // namespace
-
-CK_RV read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                     std::size_t size, std::size_t& length) {
-    CK_ULONG given = 0;
-    read_one(session, object, type, buffer, size, given);
-    length = std::min<std::size_t>(given, size);
-    return rv;
-}
-
-CK_RV read_whole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                 std::size_t size, std::size_t& length) {
-    CK_ULONG given = 0;
-    read_one(session, object, type, buffer, size, given);
-    if (given > size) rv = CKR_BUFFER_TOO_SMALL;
-    length = rv == CKR_OK ? given : 0;
-    return rv;
+    if (rv == CKR_OK && too_long == TooLong::fails && entry.ulValueLen > room.size())
+        rv = CKR_BUFFER_TOO_SMALL;
+    return {rv, rv == CKR_OK ? std::min<std::size_t>(entry.ulValueLen, room.size()) : 0};
 }
 
 CK_RV read_number(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
                   CK_ULONG& number) {
-    std::size_t length = 0;
-    read_attribute(session, object, type, &number, sizeof number, length);
+    const Read read = read_attribute(session, object, type, std::as_writable_bytes(std::span(&number, 1)));
     // A number that was promised and not given is none that anybody knows.
-    if (rv == CKR_OK && length != sizeof number) number = CK_UNAVAILABLE_INFORMATION;
-    if (rv != CKR_OK) number = 0;
-    return rv;
+    if (read.length != sizeof number) number = read.code == CKR_OK ? CK_UNAVAILABLE_INFORMATION : 0;
+    return read.code;
 }
 
 bool is_tolerated(CK_RV result) {

@@ -3,20 +3,24 @@
 #include "pkcs11.h"
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 // Silent reads of the card's objects, one object and one attribute at a time, for routines with log entries
 // of their own. Each leaves the PKCS#11 result in zv::rv.
 namespace zv {
 
-// Reads one attribute into a buffer, cleared first. length is what the module gave, never more than size, and
-// 0 after a failure.
-CK_RV read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                     std::size_t size, std::size_t& length);
+struct Read {
+    CK_RV code;
+    std::size_t length; // of what is in the room; 0 after a failure
+};
 
-// read_attribute for bytes that are of no use cut: a length above the room is CKR_BUFFER_TOO_SMALL.
-CK_RV read_whole(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, void* buffer,
-                 std::size_t size, std::size_t& length);
+// What becomes of a value that is longer than its room.
+enum class TooLong { cut, fails };
+
+// Reads one attribute into room, cleared first.
+Read read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
+                    std::span<std::byte> room, TooLong too_long = TooLong::cut);
 
 // Reads a number, such as a class; 0 after a failure, all ones when the module says that it gave it and did not.
 CK_RV read_number(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
@@ -25,10 +29,9 @@ CK_RV read_number(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBU
 // Reads a text of at most N - 1 bytes.
 template <std::size_t N>
 CK_RV read_text(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, char (&text)[N]) {
-    std::size_t length = 0;
-    const CK_RV result = read_attribute(session, object, type, text, N - 1, length);
-    text[length] = '\0';
-    return result;
+    const Read read = read_attribute(session, object, type, std::as_writable_bytes(std::span(text, N - 1)));
+    text[read.length] = '\0';
+    return read.code;
 }
 
 // True for a result after which an object is still worth looking at: it lacks the attribute, or hides it.

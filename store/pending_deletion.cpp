@@ -1,10 +1,12 @@
 // Removal of what an unfinished request left behind.
+#include "store/pending_deletion.h"
+
 #include "card/session.h"
 #include "diag/log.h"
+#include "store/deletion.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
-#include "util/guarded.h"
 
 #include <algorithm>
 #include <cstring>
@@ -30,35 +32,30 @@ zv::Visit destroy_if_pending(const char* title, CK_OBJECT_HANDLE object,
     return zv::destroy_object(zv::hSession, object) == CKR_OK ? zv::Visit::stop : zv::Visit::give_up;
 }
 
-int delete_all_pending() {
+} // namespace
+
+bool zv::delete_pending_objects() {
     static constexpr char title[] = " .... DeleteAllPending (Objects) FUN .... ";
-    // The last search stays open.
-    const zv::Search search = {
-        .session = zv::hSession, .log = zv::TRACED, .exits = {.at_end = zv::Exit::left_open}, .title = title};
+    const Search search = {
+        .session = hSession, .log = TRACED, .exits = {.at_end = Exit::left_open}, .title = title};
     for (std::vector<CK_OBJECT_HANDLE> gone;;) {
         const std::size_t before = gone.size();
-        const zv::Walked walked = zv::walk(
+        const Walked walked = walk(
             search, [&gone](CK_OBJECT_HANDLE object) { return destroy_if_pending(title, object, gone); });
-        if (!walked.whole()) return ZV_FAILED;
-        if (gone.size() == before) return 0;
+        if (!walked.whole()) return false;
+        if (gone.size() == before) return true;
         // A destroyed object may disturb the search that found it: a new one goes on.
-        if (zv::end_search(search) != CKR_OK) return ZV_FAILED;
+        if (end_search(search) != CKR_OK) return false;
     }
 }
 
-} // namespace
-
-int DeleteAllPending(void*) {
-    return zv::guarded(ZV_FAILED, delete_all_pending);
-}
-
-int DeleteAllPending32(char* library, char* pin, unsigned int slot_index, void*) {
+bool zv::delete_pending_pair(char* module_path, char* pin, unsigned slot_index) {
     static constexpr char title[] = "DeleteAllPending32";
-    zv::trace(title, "I N I Z I O");
-    if (DeleteAnObject(zv::hSession, CKO_PUBLIC_KEY, zv::pendingLabel) != 0) return ZV_FAILED;
-    if (DeleteAnObject(zv::hSession, CKO_PRIVATE_KEY, zv::pendingLabel) != 0) return ZV_FAILED;
+    trace(title, "I N I Z I O");
+    if (delete_first(hSession, CKO_PUBLIC_KEY, pendingLabel) != CKR_OK) return false;
+    if (delete_first(hSession, CKO_PRIVATE_KEY, pendingLabel) != CKR_OK) return false;
     finalizza();
-    if (inizializza(library, pin, slot_index, nullptr, CKU_USER) != 0) return ZV_FAILED;
-    zv::trace(title, "F I N E");
-    return 0;
+    if (inizializza(module_path, pin, slot_index, nullptr, CKU_USER) != 0) return false;
+    trace(title, "F I N E");
+    return true;
 }

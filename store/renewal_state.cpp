@@ -12,6 +12,5 @@ datiDN dName;
 int slotUtente = 0;
 CK_OBJECT_HANDLE hPrivateKey = 0;
 CK_OBJECT_HANDLE hPublicKey = 0;
-char private_key_id[256];
 
 } // namespace zv

@@ -16,12 +16,5 @@ extern datiDN dName;                 // subject of the request
 extern int slotUtente;               // slot index of the card, for a new login
 extern CK_OBJECT_HANDLE hPrivateKey; // pending private key; 0: none
 extern CK_OBJECT_HANDLE hPublicKey;  // pending public key; 0: none
-extern char private_key_id[256];     // identifier of the private key that was looked for or made last
-
-// Result of CheckPendingKeys when there is no private key.
-constexpr int NO_PENDING_KEY = 100;
-
-// CheckPendingKeys for a private key with exactly private_key_id: with another one it ends as without any.
-[[nodiscard]] int check_same_key();
 
 } // namespace zv

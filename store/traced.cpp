@@ -58,64 +58,38 @@ CK_RV read_traced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE
     return rv;
 }
 
-unsigned long find_one(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object,
-                       bool& none) {
+CK_RV find_traced(const char* title, CK_SESSION_HANDLE session, std::span<CK_OBJECT_HANDLE> room,
+                  CK_ULONG& found) {
+    SearchCall made = {SearchStep::next, "C_FindObjects", title, session, 1};
+    trace_call(made);
+    rv = call<&Functions::C_FindObjects>(session, room.data(), CK_ULONG{room.size()}, &found);
+    if (rv == CKR_OK) rv = check_found(found, room.size());
+    made.result = rv;
+    report_call(made);
+    return rv;
+}
+
+Found find_one(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl) {
     static constexpr char title[] = " .... FindAnObject FUN               .... ";
     static constexpr auto trace_long = [](const SearchCall& call) {
         trace_session(call.title, call.name, call.session);
     };
-    unsigned long result = NONE;
     const Search search = {.session = session,
                            .tmpl = tmpl,
                            .most = FIRST_OBJECT,
                            .log = {trace_long, report_call},
                            .exits = ALWAYS_ENDED,
                            .title = title};
-    bool found = false;
+    Found found = {.code = NONE, .none = true};
     const Walked walked = walk(search, [&](CK_OBJECT_HANDLE first) {
-        found = true;
-        object = first;
         CK_OBJECT_CLASS object_class = 0;
         CK_ATTRIBUTE entry = attribute_of(CKA_CLASS, object_class);
-        result = read_traced(title, session, first, {&entry, 1});
+        found = {read_traced(title, session, first, {&entry, 1}), first, false};
     });
-    none = walked.whole() && !found;
+    if (walked.whole()) return found;
     // A search that cannot be closed found nothing.
-    if (walked.how == Walked::End::not_ended) return NONE;
-    return walked.whole() ? result : walked.code;
+    const bool not_ended = walked.how == Walked::End::not_ended;
+    return {not_ended ? NONE : walked.code, found.object, false};
 }
 
 } // namespace zv
-
-CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count) {
-    return zv::start_search({.session = session, .tmpl = {tmpl, count}, .log = zv::TRACED, .title = title});
-}
-
-CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long max_count,
-                  unsigned long* found) {
-    zv::SearchCall made = {zv::SearchStep::next, "C_FindObjects", title, session, 1};
-    zv::trace_call(made);
-    zv::rv = zv::call<&zv::Functions::C_FindObjects>(session, handles, max_count, found);
-    if (zv::rv == CKR_OK) zv::rv = zv::check_found(*found, max_count);
-    made.result = zv::rv;
-    zv::report_call(made);
-    return zv::rv;
-}
-
-CK_RV FindObjectsFinal(void*, char* title, unsigned long session) {
-    return zv::end_search({.session = session, .log = zv::TRACED, .title = title});
-}
-
-CK_RV GetAttributeValue(void*, char* title, unsigned long session, unsigned long object, CK_ATTRIBUTE* tmpl,
-                        unsigned long count) {
-    return zv::read_traced(title, session, object, {tmpl, count});
-}
-
-unsigned long FindAnObject(unsigned long session, CK_ATTRIBUTE* tmpl, unsigned long count,
-                           unsigned long* object) {
-    bool none = false;
-    CK_OBJECT_HANDLE first = 0;
-    const unsigned long result = zv::find_one(session, {tmpl, count}, first, none);
-    if (object != nullptr && first != 0) *object = first;
-    return result;
-}

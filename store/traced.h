@@ -16,9 +16,18 @@ inline constexpr char READ_ERROR[] = "Errore nella lettura chiave sulla smartcar
 CK_RV read_traced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
                   std::span<CK_ATTRIBUTE> tmpl);
 
-// FindAnObject, which gives all ones also when its search failed: none is true only after a search that worked
-// and found nothing.
-[[nodiscard]] unsigned long find_one(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl,
-                                     CK_OBJECT_HANDLE& object, bool& none);
+// Asks an open search for as many objects as there is room for.
+CK_RV find_traced(const char* title, CK_SESSION_HANDLE session, std::span<CK_OBJECT_HANDLE> room,
+                  CK_ULONG& found);
+
+// A search for the first object, whose class is read: what failed; all ones when nothing was found, or the search could
+// not be ended.
+struct Found {
+    CK_RV code;
+    CK_OBJECT_HANDLE object = 0;
+    bool none = false; // the search worked and found nothing
+};
+
+[[nodiscard]] Found find_one(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl);
 
 } // namespace zv

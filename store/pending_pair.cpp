@@ -1,4 +1,5 @@
-// CheckPendingKeys: finds the key pair that an unfinished request left on the card.
+#include "store/pending_pair.h"
+
 #include "card/session.h"
 #include "diag/log.h"
 #include "store/objects.h"
@@ -30,18 +31,18 @@ zv::Visit take_if_pending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, ch
     return zv::Visit::go_on;
 }
 
-zv::Visit examine(CK_OBJECT_HANDLE object) {
+zv::Visit examine(CK_OBJECT_HANDLE object, zv::PendingPair& pair) {
     CK_OBJECT_CLASS object_class = 0;
     if (zv::read_number(zv::hSession, object, CKA_CLASS, object_class) != CKR_OK)
         return unreadable("Errore nella lettura tipologia oggetto sulla smartcard (%s)");
-    char id[256];
+    char id[sizeof pair.id];
     if (object_class == CKO_PUBLIC_KEY)
         return take_if_pending(object, zv::hPublicKey, id,
                                "Errore lettura CKA_ID chiave pubblica sulla smartcard (%s)");
     if (object_class != CKO_PRIVATE_KEY) return zv::Visit::go_on;
     const zv::Visit said = take_if_pending(object, zv::hPrivateKey, id,
                                            "Errore lettura CKA_ID chiave privata sulla smartcard (%s)");
-    if (zv::hPrivateKey == object) zv::copy_text(zv::private_key_id, id);
+    if (zv::hPrivateKey == object) zv::copy_text(pair.id, id);
     return said;
 }
 
@@ -64,29 +65,28 @@ void report_step(const zv::SearchCall& call) {
 
 } // namespace
 
-int CheckPendingKeys(void*, bool report_missing) {
-    zv::hPrivateKey = 0;
-    zv::hPublicKey = 0;
-    zv::trace(PENDING_TITLE, "I N I Z I O");
-    const zv::Walked walked = zv::walk({.session = zv::hSession,
-                                        .log = {trace_step, report_step},
-                                        .exits = {.when_find_fails = zv::Exit::left_open}},
-                                       examine);
-    if (!walked.whole()) return ZV_FAILED;
+zv::PendingPair zv::find_pending_pair(bool report_missing) {
+    PendingPair pair;
+    hPrivateKey = 0;
+    hPublicKey = 0;
+    trace(PENDING_TITLE, "I N I Z I O");
+    const Walked walked = walk({.session = hSession,
+                                .log = {trace_step, report_step},
+                                .exits = {.when_find_fails = Exit::left_open}},
+                               [&pair](CK_OBJECT_HANDLE object) { return examine(object, pair); });
+    if (!walked.whole()) return pair;
     // The private key alone decides.
-    const bool found = zv::hPrivateKey != 0;
-    zv::trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
-    zv::trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
-    if (found) return 0;
-    if (report_missing) report_no_key();
-    return zv::NO_PENDING_KEY;
+    const bool found = hPrivateKey != 0;
+    trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
+    trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
+    if (!found && report_missing) report_no_key();
+    pair.search = found ? PairSearch::found : PairSearch::no_private_key;
+    return pair;
 }
 
-int zv::check_same_key() {
-    char wanted[sizeof private_key_id];
-    copy_text(wanted, private_key_id);
-    const int result = CheckPendingKeys(nullptr, true);
-    if (result != 0 || std::strcmp(private_key_id, wanted) == 0) return result;
+zv::PairSearch zv::find_pair_again(const char* id) {
+    const PendingPair pair = find_pending_pair(true);
+    if (pair.search != PairSearch::found || std::strcmp(pair.id, id) == 0) return pair.search;
     report_no_key();
-    return NO_PENDING_KEY;
+    return PairSearch::no_private_key;
 }
