@@ -1,24 +1,26 @@
 #pragma once
 
-#include "crypt/certificate.h"
+#include "crypt/openssl_ptr.h"
 #include "crypt/session.h"
 
-#include <string_view>
+#include <vector>
 
+// The card's objects. Cards are slow: handles are fetched in batches, and an object's attributes in one call with room
+// enough.
 namespace zvcrypt {
 
-// A private key of the card that signs, its certificate, and that certificate's issuer if the card holds it.
-struct CardSigner {
-    CK_OBJECT_HANDLE key = CK_INVALID_HANDLE;
-    Certificate certificate;
-    Certificate issuer; // empty when the card does not hold it
-};
+[[nodiscard]] CK_ATTRIBUTE attribute_of(CK_ATTRIBUTE_TYPE type, const void* value, std::size_t size);
 
-// Finds the key and its certificate under that CKA_ID. Where several carry it, a pair that fits by its modulus
-// is taken, and of a key's certificates the preferred one. ZVC_ERR_KEY or ZVC_ERR_CERTIFICATE without one.
-[[nodiscard]] CardSigner find_signer(const Session& session, std::string_view key_id);
+[[nodiscard]] CK_ATTRIBUTE attribute_into(CK_ATTRIBUTE_TYPE type, Bytes& room);
 
-// The card's RSA operation (CKM_RSA_PKCS). ZVC_ERR_KEY when the key cannot do it.
-[[nodiscard]] Bytes sign_on_card(const Session& session, CK_OBJECT_HANDLE key, const Bytes& digest_info);
+// The bytes that a read left in its room; none when the attribute is absent or the module's length absurd.
+[[nodiscard]] Bytes value_of(const CK_ATTRIBUTE& attribute, const Bytes& room);
+
+// Every object with these attributes.
+[[nodiscard]] std::vector<CK_OBJECT_HANDLE> find_objects(const Session& session,
+                                                         std::vector<CK_ATTRIBUTE> attributes);
+
+// A read that left some attributes out still gives the others.
+[[nodiscard]] bool gave_something(CK_RV result);
 
 } // namespace zvcrypt

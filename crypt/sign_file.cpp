@@ -1,7 +1,8 @@
 #include "crypt/base64.h"
-#include "crypt/card_objects.h"
+#include "crypt/card_signature.h"
 #include "crypt/cms.h"
 #include "crypt/files.h"
+#include "crypt/signer.h"
 
 #include <functional>
 
