@@ -3,6 +3,7 @@
 #include "api/state.h"
 #include "card/session.h"
 #include "diag/log.h"
+#include "install/issued_certificate.h"
 #include "store/deletion.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
@@ -121,7 +122,7 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
 int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     zv::clear(zv::buffer);
-    const int result = MemorizzazioneCertificato(nullptr, rec->szCertChain, rec->szDll, rec->szPin);
+    const int result = zv::install_issued(rec->szCertChain, rec->szDll);
     zv::trace("Dopo Memorizzazione", zv::buffer, CatItoAHex1("Ret Code = ", result));
     return result != 0 ? result : give_result(out, out_len);
 }

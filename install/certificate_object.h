@@ -2,31 +2,45 @@
 
 #include "card/session.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+
 // The certificate object that is written to the card: one template, whose lengths alone change.
 namespace zv {
 
 constexpr std::size_t CERTIFICATE_ENTRIES = 9;
-constexpr unsigned long NAME_SIZE = 512, SERIAL_SIZE = 256;
 
 extern CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES];
 extern CK_OBJECT_HANDLE hCert; // the object created last
 
-// Subject, issuer and serial number of a certificate, as the crypto library takes them out of it.
+// A part of a certificate, as the crypto library takes it out: how much there is never counts for more than its room.
+template <std::size_t N> struct CertificatePart {
+    std::array<unsigned char, N> buffer{};
+    unsigned long length = N;
+    char* data() { return reinterpret_cast<char*>(buffer.data()); }
+    [[nodiscard]] std::span<const unsigned char> bytes() const {
+        return std::span(buffer).first(std::min<std::size_t>(length, N));
+    }
+};
+
 struct CertificateParts {
-    char subject[NAME_SIZE] = {};
-    char issuer[NAME_SIZE] = {};
-    char serial[SERIAL_SIZE] = {};
-    unsigned long subject_length = NAME_SIZE, issuer_length = NAME_SIZE, serial_length = SERIAL_SIZE;
+    CertificatePart<512> subject, issuer;
+    CertificatePart<256> serial;
 
     // Returns the crypto library's code; a failure is logged under title.
-    int read(const char* title, datiCert& certificate, unsigned long der_length);
+    int read(const char* title, std::span<unsigned char> der);
     // Drops the zero bytes in front of the serial number.
     void trim_serial();
 };
 
+// Logs that a certificate is about to be created, and where its handle will go.
+void trace_creation(CK_SESSION_HANDLE session, CK_ULONG entries, const CK_OBJECT_HANDLE* created);
+
 // Fills the template, logs the call and creates the object. Returns the PKCS#11 result, logged when it is a
 // failure.
-CK_RV create_certificate(const char* title, const datiCert& certificate, unsigned long der_length,
-                         const char* label, const CertificateParts& parts);
+CK_RV create_certificate(const char* title, std::span<const unsigned char> der, const char* label,
+                         const CertificateParts& parts);
 
 } // namespace zv

@@ -1,7 +1,9 @@
-// CrtB64ToDer: a PEM certificate as DER.
+#include "install/certificate_text.h"
+
 #include "diag/log.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string_view>
 
@@ -14,23 +16,25 @@ constexpr int DER_SIZE = 8191;
 constexpr unsigned char INVALID = 0x80;
 
 // Byte 0xFF is left at 0, and so decodes like "A" or "=".
-unsigned char table[256];
-
-void build_table() {
-    static constexpr std::string_view alphabet =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::fill_n(table, 255, INVALID);
-    for (std::size_t value = 0; value < alphabet.size(); ++value)
-        table[static_cast<unsigned char>(alphabet[value])] = static_cast<unsigned char>(value);
-    table[std::size_t{'='}] = 0;
+constexpr auto build_table() {
+    std::array<unsigned char, 256> values{};
+    std::fill_n(values.begin(), 255, INVALID);
+    unsigned char value = 0;
+    for (const char digit :
+         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"))
+        values[static_cast<unsigned char>(digit)] = value++;
+    values[std::size_t{'='}] = 0;
+    return values;
 }
+
+constexpr std::array DIGITS = build_table();
 
 // The next four characters that the table knows. Returns how many there were.
 int next_group(const char*& text, unsigned char (&group)[4]) {
     int taken = 0;
     for (; taken < 4 && *text != '\0'; ++text) {
         const auto byte = static_cast<unsigned char>(*text);
-        if (table[byte] != INVALID) group[taken++] = byte;
+        if (DIGITS[byte] != INVALID) group[taken++] = byte;
     }
     return taken;
 }
@@ -51,10 +55,9 @@ const char* cut_body(char* pem) {
 
 } // namespace
 
-int CrtB64ToDer(char* pem, char* der) {
-    zv::trace(TEXT_TITLE, "I N I Z I O");
-    zv::trace(TEXT_TITLE, "Certificato =", pem);
-    build_table();
+int zv::decode_certificate(char* pem, char* der) {
+    trace(TEXT_TITLE, "I N I Z I O");
+    trace(TEXT_TITLE, "Certificato =", pem);
     const char* text = pem != nullptr ? cut_body(pem) : nullptr;
     if (text == nullptr || der == nullptr) return 0;
     int total = 0;
@@ -65,13 +68,13 @@ int CrtB64ToDer(char* pem, char* der) {
         if (taken < 4) return 0;
         bytes = bytes_of(group);
         if (total + bytes > DER_SIZE) return 0;
-        const unsigned value = static_cast<unsigned>(table[group[0]]) << 18 |
-                               static_cast<unsigned>(table[group[1]]) << 12 |
-                               static_cast<unsigned>(table[group[2]]) << 6 | table[group[3]];
+        const unsigned value = static_cast<unsigned>(DIGITS[group[0]]) << 18 |
+                               static_cast<unsigned>(DIGITS[group[1]]) << 12 |
+                               static_cast<unsigned>(DIGITS[group[2]]) << 6 | DIGITS[group[3]];
         for (int i = 0; i < bytes; ++i)
             der[total++] = static_cast<char>(value >> (16 - 8 * i));
     }
     WriteLog(TEXT_TITLE, CatItoA("dimensione = ", total), 0, der, DER_SIZE);
-    zv::trace(TEXT_TITLE, "F I N E");
+    trace(TEXT_TITLE, "F I N E");
     return total;
 }

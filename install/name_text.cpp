@@ -1,4 +1,5 @@
-// Distinguished names written with short names, rewritten to numeric OIDs.
+#include "install/name_text.h"
+
 #include "routines.h"
 #include "util/name_forms.h"
 #include "util/text.h"
@@ -33,9 +34,6 @@ constinit std::array DescrOid = name_pairs();
 
 namespace {
 
-constexpr std::size_t TEXT_SIZE = 8216;
-constexpr int NAMES = 16;
-
 // ", X=" becomes "/X=".
 void slash_for(char* text, const char* separator) {
     char* comma = strstrICase(text, separator);
@@ -46,7 +44,7 @@ void slash_for(char* text, const char* separator) {
 
 } // namespace
 
-int CommaToSlash(char* dn, char*) {
+int zv::slash_commas(char* dn) {
     static constexpr char description[] = ", D=";
     int rounds = 0;
     for (char* match = strstrICase(dn, description); match != nullptr;
@@ -58,22 +56,21 @@ int CommaToSlash(char* dn, char*) {
     return rounds;
 }
 
-int DescrToOid(char* dn, char* work) {
-    const int rounds = CommaToSlash(dn, work);
+int zv::write_oids(char* dn, char* work) {
+    const int rounds = slash_commas(dn);
     for (bool replaced = true; replaced;) {
         replaced = false;
         // One occurrence a row in each pass.
-        for (const auto& [pattern, replacement] : zv::DescrOid)
-            replaced = zv::replace_first(dn, TEXT_SIZE, pattern, replacement, work) || replaced;
+        for (const auto& [pattern, replacement] : DescrOid)
+            replaced = replace_first(dn, NAME_TEXT_SIZE, pattern, replacement, work) || replaced;
     }
     return rounds;
 }
 
-int ConvertiCertificato(char** dns) {
-    if (dns == nullptr) return 0;
-    char work[TEXT_SIZE];
-    int result = 0;
-    for (int i = 0; i < NAMES; ++i)
-        if (dns[i] != nullptr) result = DescrToOid(dns[i], work);
-    return result;
+int zv::write_oids(std::span<char* const> names) {
+    char work[NAME_TEXT_SIZE];
+    int rounds = 0;
+    for (char* name : names)
+        if (name != nullptr) rounds = write_oids(name, work);
+    return rounds;
 }

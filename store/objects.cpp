@@ -40,9 +40,4 @@ CK_RV destroy_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
     return rv = call<&Functions::C_DestroyObject>(session, object);
 }
 
-CK_RV relabel_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text) {
-    CK_ATTRIBUTE change[] = {attribute(CKA_ID, text), attribute(CKA_LABEL, text)};
-    return rv = call<&Functions::C_SetAttributeValue>(session, object, change, CK_ULONG{2});
-}
-
 } // namespace zv

@@ -48,7 +48,4 @@ template <typename Value> CK_ATTRIBUTE attribute_of(CK_ATTRIBUTE_TYPE type, cons
 
 CK_RV destroy_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object);
 
-// Gives an object one text as CKA_ID and CKA_LABEL.
-CK_RV relabel_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::string_view text);
-
 } // namespace zv

@@ -122,7 +122,7 @@ void Flow::add(const std::vector<std::string>& certificates, const std::vector<s
     for (const std::string& id : pairs)
         ASSERT_EQ(generate(module, zv::hSession, id, pair), CKR_OK);
     for (const std::string& id : certificates)
-        ASSERT_EQ(zv::create_certificate("", {}, 1, id.c_str(), {}), CKR_OK);
+        ASSERT_EQ(zv::create_certificate("", std::array<unsigned char, 1>{}, id.c_str(), {}), CKR_OK);
     finalizza();
 }
 

@@ -1,4 +1,5 @@
 // Certificates written by themselves, and the traces of single steps.
+#include "install/certificate.h"
 #include "install/certificate_object.h"
 #include "store/objects.h"
 #include "tests/flows/flow.h"
@@ -24,8 +25,8 @@ class Install : public Flow {
 TEST_F(Install, AuthoritysCertificateIsWrittenAsItIs) {
     char label[] = "Korvalenta Firma Dig";
     zv::CertificateParts parts;
-    ASSERT_EQ(parts.read("t", certificate, certificate.derLength), 0);
-    const unsigned long serial_length = parts.serial_length;
+    ASSERT_EQ(parts.read("t", zv::der_of(&certificate, certificate.derLength)), 0);
+    const unsigned long serial_length = parts.serial.length;
     module.record();
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0);
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0)
@@ -47,14 +48,14 @@ TEST_F(Install, AuthoritysCertificateIsWrittenAsItIs) {
 TEST_F(Install, SerialNumberLosesItsLeadingZeros) {
     zv::CertificateParts parts;
     const unsigned char serial[] = {0x00, 0x00, 0x8A, 0x01};
-    std::copy(std::begin(serial), std::end(serial), parts.serial);
-    parts.serial_length = 4;
+    std::copy(std::begin(serial), std::end(serial), parts.serial.buffer.begin());
+    parts.serial.length = 4;
     parts.trim_serial();
-    EXPECT_EQ(parts.serial_length, 2u);
-    EXPECT_EQ(static_cast<unsigned char>(parts.serial[0]), 0x8A);
-    parts.serial[0] = parts.serial[1] = 0;
+    EXPECT_EQ(parts.serial.length, 2u);
+    EXPECT_EQ(parts.serial.buffer[0], 0x8A);
+    parts.serial.buffer[0] = parts.serial.buffer[1] = 0;
     parts.trim_serial();
-    EXPECT_EQ(parts.serial_length, 0u);
+    EXPECT_EQ(parts.serial.length, 0u);
 }
 
 TEST_F(Install, TracedCallsDifferInWhatAFailureLogs) {

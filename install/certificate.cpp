@@ -1,0 +1,91 @@
+#include "install/certificate.h"
+
+#include "diag/failure.h"
+#include "diag/log.h"
+#include "diag/messages.h"
+#include "install/certificate_object.h"
+#include "install/label.h"
+#include "store/marker.h"
+#include "store/objects.h"
+#include "store/renewal_state.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr char USER_TITLE[] = " .... InstallUserCertificate FUN     .... ";
+constexpr std::size_t MODULUS_SIZE = 256;
+
+// The pair gets its pending text back.
+int undone(const char* label, char* module_path, const char* sentence) {
+    if (zv::may_label_back(module_path)) zv::change_labels(label, zv::pendingLabel);
+    return zv::Failure(USER_TITLE).sentence(sentence);
+}
+
+// One pass without going back: a byte that differs starts the count anew and is not tried as a start itself.
+bool contains(std::span<const unsigned char> der, std::span<const unsigned char> modulus) {
+    std::size_t matched = 0;
+    for (std::size_t i = 0; i < der.size() && matched < modulus.size(); ++i)
+        matched = der[i] == modulus[matched] ? matched + 1 : 0;
+    return matched == modulus.size();
+}
+
+enum class Match { yes, no, unreadable };
+
+Match match_pending_key(std::span<const unsigned char> der) {
+    unsigned char modulus[MODULUS_SIZE];
+    const zv::Read read = zv::read_attribute(zv::hSession, zv::hPrivateKey, CKA_MODULUS,
+                                             std::as_writable_bytes(std::span(modulus)), zv::TooLong::fails);
+    if (read.code == CKR_OK)
+        return contains(der, std::span(modulus).first(read.length)) ? Match::yes : Match::no;
+    zv::report_code(USER_TITLE, "C_GetAttributeValue", read.code);
+    // Some modules do not read keys at all: the certificate is then taken as it is.
+    return read.code == CKR_FUNCTION_FAILED ? Match::yes : Match::unreadable;
+}
+
+} // namespace
+
+int zv::install_user_certificate(std::span<unsigned char> der, const char* label, char* module_path) {
+    trace(USER_TITLE, "I N I Z I O");
+    trace_session(USER_TITLE, "C_GetAttributeValue", hSession);
+    if (der.data() == nullptr) return ZV_FAILED;
+    switch (match_pending_key(der)) {
+    case Match::yes:
+        break;
+    case Match::unreadable:
+        return undone(label, module_path, "");
+    case Match::no:
+        WriteErr(USER_TITLE, "C_CreateObject", 0,
+                 "Certificato non corrispondente alle chiavi presenti sulla smartcard", 0);
+        return undone(label, module_path,
+                      "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
+    }
+    CertificateParts parts;
+    if (parts.read(USER_TITLE, der) != 0) return undone(label, module_path, "");
+    parts.trim_serial();
+    if (create_certificate(USER_TITLE, der, label, parts) != CKR_OK) {
+        Sentence sentence;
+        (void)std::snprintf(sentence, sizeof sentence,
+                            "Certificato non memorizzato correttamente sulla smartcard (%s)",
+                            error_message(rv));
+        return undone(label, module_path, sentence);
+    }
+    trace(USER_TITLE, "F I N E");
+    // A marker is on a services card only, but is looked for on every card.
+    delete_data(hSession, "pending_CNS_key");
+    return 0;
+}
+
+int zv::install_authority_certificate(std::span<unsigned char> der, const char* label) {
+    static constexpr char title[] = " .... InstallCACertificate FUN       .... ";
+    trace(title, "I N I Z I O");
+    if (der.data() == nullptr) return ZV_FAILED;
+    CertificateParts parts;
+    if (parts.read(title, der) != 0)
+        return Failure(title).sentence("Problemi in Conversione ISSUER e SUBJECT a DER");
+    if (create_certificate(title, der, label, parts) != CKR_OK)
+        return Failure(title).sentence("Certificato CA non memorizzato correttamente sulla smartcard (%s)",
+                                       rv);
+    trace(title, "F I N E");
+    return 0;
+}
