@@ -14,7 +14,6 @@
 namespace {
 
 constexpr char USER_TITLE[] = " .... InstallUserCertificate FUN     .... ";
-constexpr std::size_t MODULUS_SIZE = 256;
 
 // The pair gets its pending text back.
 int undone(const char* label, char* module_path, const char* sentence) {
@@ -33,7 +32,7 @@ bool contains(std::span<const unsigned char> der, std::span<const unsigned char>
 enum class Match { yes, no, unreadable };
 
 Match match_pending_key(std::span<const unsigned char> der) {
-    unsigned char modulus[MODULUS_SIZE];
+    unsigned char modulus[256];
     const zv::Read read = zv::read_attribute(zv::hSession, zv::hPrivateKey, CKA_MODULUS,
                                              std::as_writable_bytes(std::span(modulus)), zv::TooLong::fails);
     if (read.code == CKR_OK)

@@ -12,7 +12,7 @@ namespace {
 constexpr char ISSUED_TITLE[] = " .... MemorizzazioneCertificato FUN  .... ";
 constexpr int EXPLANATION_SIZE = 512;
 
-int read_certificate(char* issued, datiCert& certificate) {
+int read_issued(char* issued, datiCert& certificate) {
     char text[ZVC_CERT_TEXT_SIZE] = {};
     zv::Sentence explanation = {};
     writeBuff(issued, text);
@@ -31,7 +31,7 @@ int read_certificate(char* issued, datiCert& certificate) {
 int zv::install_issued(char* text, char* module_path) {
     trace(ISSUED_TITLE, "I N I Z I O");
     datiCert certificate{};
-    if (read_certificate(text, certificate) != 0) return ZV_FAILED;
+    if (read_issued(text, certificate) != 0) return ZV_FAILED;
 
     trace(ISSUED_TITLE, "CheckPendingKeys");
     if (const auto search = find_pending_pair(true).search; search != PairSearch::found)

@@ -16,13 +16,13 @@ char zv::crtLabel[256];
 
 namespace {
 
-constexpr std::size_t MOST_LABEL = sizeof zv::crtLabel - 1;
+constexpr std::size_t LONGEST_LABEL = sizeof zv::crtLabel - 1;
 constexpr char CHANGE_TITLE[] = " .... ChangeValueObject FUN          .... ";
 constexpr char RECHANGE_TITLE[] = " .... RechangeValueObject FUN        .... ";
 constexpr char CHANGE_STEP[] = "C_SetAttributeValue";
 
 CK_RV change(CK_OBJECT_HANDLE object, const char* label) {
-    const std::string_view text = zv::bounded_text(label, MOST_LABEL);
+    const std::string_view text = zv::bounded_text(label, LONGEST_LABEL);
     CK_ATTRIBUTE both[] = {zv::attribute(CKA_ID, text), zv::attribute(CKA_LABEL, text)};
     return zv::rv = zv::call<&zv::Functions::C_SetAttributeValue>(zv::hSession, object, both, CK_ULONG{2});
 }
@@ -60,7 +60,7 @@ bool is_none_of(char* module_path, std::initializer_list<const char*> names) {
 } // namespace
 
 void zv::label_certificate(CK_ATTRIBUTE& id, CK_ATTRIBUTE& label, const char* text) {
-    const std::string_view kept = bounded_text(text, MOST_LABEL);
+    const std::string_view kept = bounded_text(text, LONGEST_LABEL);
     clear(crtLabel);
     copy_text(crtLabel, kept);
     id.ulValueLen = label.ulValueLen = kept.size();

@@ -4,9 +4,9 @@
 #include "diag/log.h"
 #include "store/objects.h"
 #include "store/traced.h"
-#include "util/text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -17,38 +17,18 @@ void trace_deletion(const char* title, CK_SESSION_HANDLE session) {
     zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
 }
 
-// The words of the log for one class. Objects of no known class have their class as the entry's length.
-struct ClassName {
-    const char* name;
-    CK_OBJECT_CLASS length_limit;
-};
-
-ClassName name_of(CK_OBJECT_CLASS object_class) {
-    switch (object_class) {
-    case CKO_PRIVATE_KEY:
-        return {"CKO_PRIVATE_KEY", 0};
-    case CKO_PUBLIC_KEY:
-        return {"CKO_PUBLIC_KEY", 0};
-    case CKO_CERTIFICATE:
-        return {"CKO_CERTIFICATE", 0};
-    default:
-        return {"object_class", object_class};
-    }
-}
-
+// What is logged of an object of one class. Objects of no known class have their class as the entry's length.
 struct ObjectEntry {
+    ObjectEntry(const char* before, CK_OBJECT_CLASS object_class, const char* after = "") {
+        static constexpr const char* names[] = {"CKO_CERTIFICATE", "CKO_PUBLIC_KEY", "CKO_PRIVATE_KEY"};
+        const bool known = object_class >= CKO_CERTIFICATE && object_class <= CKO_PRIVATE_KEY;
+        const char* name = known ? names[object_class - CKO_CERTIFICATE] : "object_class";
+        const int written = std::snprintf(text, sizeof text, "%s%s%s", before, name, after);
+        if (!known) length = static_cast<int>(std::min(object_class, static_cast<CK_ULONG>(written)));
+    }
     char text[96];
-    int length;
+    int length = 0;
 };
-
-ObjectEntry entry_for(const ClassName& found, const char* before, const char* after = "") {
-    ObjectEntry entry;
-    zv::copy_text(entry.text, before);
-    zv::append_text(entry.text, found.name);
-    zv::append_text(entry.text, after);
-    entry.length = static_cast<int>(std::min<CK_ULONG>(found.length_limit, std::strlen(entry.text)));
-    return entry;
-}
 
 void log_entry(const ObjectEntry& entry) {
     WriteLog(DELETION_TITLE, entry.text, entry.length, "", 0);
@@ -57,11 +37,10 @@ void log_entry(const ObjectEntry& entry) {
 // A failed destroy never stops the scan.
 void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS object_class,
              const char* text) {
-    const ClassName found = name_of(object_class);
-    log_entry(entry_for(found, "Trovato Oggetto "));
+    log_entry({"Trovato Oggetto ", object_class});
     if (zv::destroy_object(session, object) == CKR_OK)
-        return log_entry(entry_for(found, "Cancellazione Oggetto ", " effettuata"));
-    const ObjectEntry failed = entry_for(found, "Errore nella cancellazione Oggetto ");
+        return log_entry({"Cancellazione Oggetto ", object_class, " effettuata"});
+    const ObjectEntry failed("Errore nella cancellazione Oggetto ", object_class);
     WriteErr(DELETION_TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
 }
 

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr std::size_t MOST_LABEL = 64;
-constexpr std::size_t MOST_VALUE = 2048;
+constexpr std::size_t MOST_DATA_LABEL = 64;
+constexpr std::size_t MOST_DATA_VALUE = 2048;
 
 // The first object that matches; 0 when none does.
 CK_RV find_first(CK_SESSION_HANDLE session, std::span<CK_ATTRIBUTE> tmpl, CK_OBJECT_HANDLE& object) {
@@ -27,7 +27,7 @@ zv::Visit destroy_if_data(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
 } // namespace
 
 CK_RV zv::write_data(CK_SESSION_HANDLE session, const DataObject& data) {
-    if (data.value.size() > MOST_VALUE || data.value.empty() || data.label.size() > MOST_LABEL)
+    if (data.value.size() > MOST_DATA_VALUE || data.value.empty() || data.label.size() > MOST_DATA_LABEL)
         return DATA_REFUSED;
     const CK_OBJECT_CLASS object_class = CKO_DATA;
     const CK_BBOOL on_token = CK_TRUE, modifiable = data.modifiable, is_private = data.is_private;
@@ -44,7 +44,7 @@ CK_RV zv::write_data(CK_SESSION_HANDLE session, const DataObject& data) {
 }
 
 CK_RV zv::delete_data(CK_SESSION_HANDLE session, std::string_view label) {
-    if (label.size() > MOST_LABEL) return DATA_REFUSED;
+    if (label.size() > MOST_DATA_LABEL) return DATA_REFUSED;
     CK_ATTRIBUTE tmpl = attribute(CKA_LABEL, label);
     const Search search = {
         .session = session, .tmpl = {&tmpl, 1}, .exits = {.when_find_fails = Exit::left_open}};

@@ -9,6 +9,7 @@
 
 #include <openssl/pem.h>
 
+#include <array>
 #include <regex>
 
 namespace zvtest {
