@@ -1,7 +1,7 @@
-// Certificates written by themselves, and the traces of single steps.
+// Installing: the certificate and its pair, what is on the card when it is refused, and single steps.
+#include "card/session.h"
 #include "install/certificate.h"
 #include "install/certificate_object.h"
-#include "store/objects.h"
 #include "tests/flows/flow.h"
 
 #include <openssl/x509.h>
@@ -10,7 +10,112 @@ namespace {
 
 using namespace zvtest;
 
-class Install : public Flow {
+class Install : public PendingFlow {};
+
+TEST_F(Install, CertificateIsWrittenWithNineAttributes) {
+    module.record();
+    ASSERT_EQ(save(certificate, true), 0);
+    const std::string line = calls_of("C_CreateObject", module.recorded()).at(0);
+    EXPECT_TRUE(has(line, "pTemplate={CKA_CLASS 8 0100000000000000, CKA_TOKEN 1 01, CKA_CERTIFICATE_TYPE 8 "
+                          "0000000000000000, CKA_ID 3 445333, CKA_LABEL 3 445333, CKA_VALUE "))
+        << line;
+    EXPECT_TRUE(has(line, "CKA_SUBJECT ") && has(line, "CKA_ISSUER ") && has(line, "CKA_SERIAL_NUMBER "))
+        << line;
+    EXPECT_TRUE(pair_works("DS3") && pair_works("DS0"));
+    EXPECT_EQ(objects().size(), before.size() + 1);
+    const Reading after = read();
+    EXPECT_EQ(after.pra.size(), 2u);
+    EXPECT_EQ(after.pending_pra, 0);
+}
+
+TEST_F(Install, CertificateOfAnotherKeyIsRefusedAndThePairStays) {
+    request_text.clear();
+    ASSERT_EQ(request_authentication("AUTHCertificate3", "AUTHCertificate0"), 0);
+    const std::string other = issue();
+    before = objects();
+    log.clear();
+    EXPECT_EQ(save(other, true), 1);
+    EXPECT_STREQ(szBuffErr, "Errore nella mininfo");
+    EXPECT_TRUE(has(log.text(),
+                    "C_CreateObject\nCertificato non corrispondente alle chiavi presenti sulla smartcard\n"));
+    EXPECT_TRUE(
+        has(log.text(),
+            "** Messaggio di Errore\nIl certificato non corrisponde alla coppia di chiavi presente sulla "
+            "smartcard\n"));
+    EXPECT_TRUE(has(log.text(), "**  .... RechangeValueObject FUN        .... \nF I N E\nLabel = DS3\n"));
+    EXPECT_EQ(objects(), before);
+    EXPECT_EQ(save(certificate, true), 0) << "the right one is still taken";
+}
+
+TEST_F(Install, ATextThatIsNoCertificateTouchesNothing) {
+    EXPECT_EQ(save("", false), 1);
+    EXPECT_EQ(save("no certificate", true), 1);
+    EXPECT_TRUE(has(log.text(),
+                    "** Messaggio di Errore\nErrore nella scansione del certificato da memorizzare sulla "
+                    "smartcard\n"));
+    EXPECT_EQ(objects(), before);
+}
+
+TEST_F(Install, WithoutAPendingPairNothingIsWritten) {
+    EXPECT_EQ(save(certificate, true, "DS0", "DS4"), 1);
+    EXPECT_TRUE(
+        has(log.text(),
+            "Chiave Pending Non trovata\n\n** Messaggio di Errore\nNon esiste alcuna chiave privata da "
+            "certificare sulla smartcard (Operazione completata con successo)\n"));
+    EXPECT_TRUE(has(log.text(), "CheckPendingKeys\nErrore = 0x100\n"));
+    EXPECT_EQ(objects(), before);
+}
+
+TEST_F(Install, AModuleThatDoesNotReadKeysIsTrusted) {
+    module.add_rules("C_GetAttributeValue:16:answer:0x6");
+    module.record();
+    ASSERT_EQ(save(certificate, true), 0) << module.recorded();
+    EXPECT_TRUE(has(log.text(),
+                    "**  .... InstallUserCertificate FUN     .... \nC_GetAttributeValue\nErrore = 0x6\n"));
+}
+
+TEST_F(Install, EmptyAndBlankLabelsBecomeTheFirstOnesInTheHostsBuffer) {
+    std::string pin = PIN, pending = "DS3";
+    char label[16] = "   ";
+    ASSERT_EQ(rinnovo_Card_saveCertPRA(pin.data(), label, pending.data(), certificate.data(), true), 0);
+    EXPECT_STREQ(label, "DS0");
+    char authentication[32] = "";
+    rinnovo_Card_saveCertAUT(pin.data(), authentication, pending.data(), certificate.data(), true);
+    EXPECT_STREQ(authentication, "AUTHCertificate0");
+    EXPECT_EQ(rinnovo_Card_saveCertPRA(nullptr, nullptr, nullptr, nullptr, true), -10000);
+}
+
+TEST_F(Install, RelabellingBackNamesTheCallThatFails) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"C_FindObjectsInit", "Errore nella inizializzazione della ricerca degli oggetti sulla scheda ("},
+        {"C_FindObjects", "Errore nella della ricerca degli oggetti sulla scheda ("},
+        {"C_SetAttributeValue", "Errore modifica LABEL/ID oggetti presenti su scheda ("},
+        {"C_FindObjectsFinal", "Errore nella chiusura della ricerca degli oggetti sulla scheda ("}};
+    for (const auto& [function, sentence] : cases) {
+        std::string pin = PIN, library = path(), same = "DS3";
+        ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+        log.clear();
+        module.add_rules(function + ":1:answer:0x30");
+        EXPECT_EQ(RechangeValueObject(nullptr, same.c_str(), same.data()), 1) << function;
+        EXPECT_TRUE(has(log.text(), function + "\nErrore = 0x48\n** Messaggio di Errore\n" + sentence))
+            << log.text();
+        finalizza();
+    }
+    EXPECT_EQ(objects(), before);
+}
+
+TEST_F(Install, CertificateIsNotWrittenForAPairThatKeepsItsName) {
+    module.add_rules("C_SetAttributeValue:1:answer:0x30");
+    EXPECT_EQ(save(certificate, true, "DS0", "DS3"), 1);
+    EXPECT_TRUE(has(log.text(), "C_SetAttributeValue\nErrore = 0x48\n** Messaggio di Errore\n"
+                                "Errore modifica LABEL/ID oggetti presenti su smartcard ("));
+    EXPECT_TRUE(has(log.text(), "ChangeValueObject\nErrore = 0x1\n"));
+    EXPECT_EQ(module.calls("C_CreateObject"), 0U);
+    EXPECT_EQ(objects(), before);
+}
+
+// A certificate that no pair is asked for, in a session of the test's own.
+class InstallStep : public Flow {
   protected:
     void SetUp() override {
         std::string pin = PIN, library = path();
@@ -22,7 +127,7 @@ class Install : public Flow {
     datiCert certificate{};
 };
 
-TEST_F(Install, AuthoritysCertificateIsWrittenAsItIs) {
+TEST_F(InstallStep, AuthoritysCertificateIsWrittenAsItIs) {
     char label[] = "Korvalenta Firma Dig";
     zv::CertificateParts parts;
     ASSERT_EQ(parts.read("t", zv::der_of(&certificate, certificate.derLength)), 0);
@@ -45,7 +150,7 @@ TEST_F(Install, AuthoritysCertificateIsWrittenAsItIs) {
     EXPECT_TRUE(has(log.text(), "** Messaggio di Errore\nProblemi in Conversione ISSUER e SUBJECT a DER\n"));
 }
 
-TEST_F(Install, SerialNumberLosesItsLeadingZeros) {
+TEST_F(InstallStep, SerialNumberLosesItsLeadingZeros) {
     zv::CertificateParts parts;
     const unsigned char serial[] = {0x00, 0x00, 0x8A, 0x01};
     std::copy(std::begin(serial), std::end(serial), parts.serial.buffer.begin());
@@ -56,32 +161,6 @@ TEST_F(Install, SerialNumberLosesItsLeadingZeros) {
     parts.serial.buffer[0] = parts.serial.buffer[1] = 0;
     parts.trim_serial();
     EXPECT_EQ(parts.serial.length, 0u);
-}
-
-TEST_F(Install, TracedCallsDifferInWhatAFailureLogs) {
-    char title[] = "t";
-    module.add_rules("C_FindObjectsInit:1:answer:0x30;C_FindObjectsFinal:1:answer:0x91");
-    EXPECT_EQ(FindObjectsInit(nullptr, title, zv::hSession, nullptr, 0), CKR_DEVICE_ERROR);
-    EXPECT_TRUE(
-        has(log.text(),
-            "** t\nC_FindObjectsInit\nhSession = 0x1\n** Messaggio di Errore\nErrore nella ricerca degli "
-            "oggetti presenti sulla smartcard (Sono occorsi"));
-    EXPECT_EQ(FindObjectsFinal(nullptr, title, zv::hSession), CKR_OPERATION_NOT_INITIALIZED);
-    EXPECT_TRUE(has(log.text(), "** t\nC_FindObjectsFinal\nErrore = 0x145\n** Messaggio di Errore\n"));
-    unsigned char value[4];
-    CK_ATTRIBUTE entry = {CKA_VALUE, value, sizeof value};
-    module.add_rules("C_GetAttributeValue:1:absurd:length");
-    CK_OBJECT_HANDLE object = 0;
-    CK_OBJECT_CLASS object_class = CKO_CERTIFICATE;
-    CK_ATTRIBUTE by_class = zv::attribute_of(CKA_CLASS, object_class);
-    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_BUFFER_TOO_SMALL);
-    EXPECT_NE(object, 0u) << "the handle is written all the same";
-    EXPECT_EQ(GetAttributeValue(nullptr, title, zv::hSession, object, &entry, 1), CKR_BUFFER_TOO_SMALL);
-    EXPECT_TRUE(has(log.text(),
-                    "** t\nC_GetAttributeValue\nErrore = 0x336\n** Messaggio di Errore\nErrore nella lettura "
-                    "chiave sulla smartcard (Il risultato"));
-    module.add_rules("C_FindObjects:1:absurd:count");
-    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_GENERAL_ERROR);
 }
 
 } // namespace

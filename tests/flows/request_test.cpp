@@ -176,4 +176,18 @@ TEST_F(Flow, RequestFileIsOursOrTheRequestFails) {
     fs::remove(zv::REQUEST_FILE);
 }
 
+TEST_F(PendingFlow, SecondSignatureNeedsThePairAgain) {
+    module.add_rules("C_Sign:1:answer:0x101;C_Login:2:answer:0x30");
+    EXPECT_EQ(request(), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nella ricerca delle chiavi pending generate sulla smartcard (per SignIt error 64)")
+        << "without a login the private key is not seen";
+    EXPECT_EQ(module.calls("C_Sign"), 1U);
+    EXPECT_EQ(objects(), before);
+    for (const char* id : {"DS3", "DS4"}) { // a pair that was found, one that is made
+        module.add_rules("C_Sign:1:answer:0x101;C_Login:2:do-and-answer:0x30");
+        EXPECT_EQ(request(id), 0) << szSockMsg;
+    }
+}
+
 } // namespace

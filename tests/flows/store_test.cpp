@@ -1,4 +1,5 @@
 // Token objects: searching, deleting, relabelling, markers, censuses and dumps, in a session of the test's own.
+#include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
 #include "tests/flows/flow.h"
@@ -217,6 +218,32 @@ TEST_F(Store, FullOpenerIsStricterThanTheLightOne) {
                     "** Messaggio di Errore\nErrore aprendo la sessione con la smartcard.\r\nIntrodurre "
                     "correttamente la smartcard nel lettore e riprovare\n"));
     EXPECT_EQ(inizializza(library.data(), none.data(), 0, nullptr, CKU_USER), 0);
+}
+
+TEST_F(Store, TracedCallsDifferInWhatAFailureLogs) {
+    char title[] = "t";
+    module.add_rules("C_FindObjectsInit:1:answer:0x30;C_FindObjectsFinal:1:answer:0x91");
+    EXPECT_EQ(FindObjectsInit(nullptr, title, zv::hSession, nullptr, 0), CKR_DEVICE_ERROR);
+    EXPECT_TRUE(
+        has(log.text(),
+            "** t\nC_FindObjectsInit\nhSession = 0x1\n** Messaggio di Errore\nErrore nella ricerca degli "
+            "oggetti presenti sulla smartcard (Sono occorsi"));
+    EXPECT_EQ(FindObjectsFinal(nullptr, title, zv::hSession), CKR_OPERATION_NOT_INITIALIZED);
+    EXPECT_TRUE(has(log.text(), "** t\nC_FindObjectsFinal\nErrore = 0x145\n** Messaggio di Errore\n"));
+    unsigned char value[4];
+    CK_ATTRIBUTE entry = {CKA_VALUE, value, sizeof value};
+    module.add_rules("C_GetAttributeValue:1:absurd:length");
+    CK_OBJECT_HANDLE object = 0;
+    CK_OBJECT_CLASS object_class = CKO_CERTIFICATE;
+    CK_ATTRIBUTE by_class = zv::attribute_of(CKA_CLASS, object_class);
+    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_BUFFER_TOO_SMALL);
+    EXPECT_NE(object, 0u) << "the handle is written all the same";
+    EXPECT_EQ(GetAttributeValue(nullptr, title, zv::hSession, object, &entry, 1), CKR_BUFFER_TOO_SMALL);
+    EXPECT_TRUE(has(log.text(),
+                    "** t\nC_GetAttributeValue\nErrore = 0x336\n** Messaggio di Errore\nErrore nella lettura "
+                    "chiave sulla smartcard (Il risultato"));
+    module.add_rules("C_FindObjects:1:absurd:count");
+    EXPECT_EQ(FindAnObject(zv::hSession, &by_class, 1, &object), CKR_GENERAL_ERROR);
 }
 
 } // namespace
