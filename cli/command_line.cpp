@@ -16,6 +16,10 @@ namespace {
 
 constexpr const char* ABOUT = "Renews the certificates on a smart card.";
 
+constexpr const char* EXITS =
+    "Exit codes: 0 done, 1 failed, 2 refused or mistyped (no PIN try spent, nothing on the card changed), "
+    "3 nothing due.";
+
 constexpr const char* STEPS = R"(A renewal:
   zvrenew list                                   what is on the card, and what is due
   zvrenew request signature --out request.b64    new keys on the card, a request for them
@@ -23,10 +27,7 @@ constexpr const char* STEPS = R"(A renewal:
                                                  the authority's certificate, beside its keys
 
 The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
-Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
-
-constexpr const char* EXITS =
-    "Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.";
+)";
 
 constexpr const char* ABOUT_REMOVAL =
     R"(The old certificate and its keys stay on the card unless --remove-old is given. That removes them before the
@@ -38,7 +39,7 @@ new key signs and the new certificate verifies. The same command, given again, f
 A certificate that has ended, is for another person or for another purpose is refused; with --remove-old also one
 that ends before the old one or begins later than now. --accept takes what it names all the same.
 
-Exit codes: 0 done, 1 failed, 2 refused (no PIN try spent, nothing on the card changed), 3 nothing due.)";
+)";
 
 void add_common(CLI::App& command, CommonOptions& options) {
     command.add_flag("--json", options.json, "Print the result as JSON on standard output");
@@ -138,7 +139,7 @@ void add_install(CLI::App& app, Invocation& chosen) {
     const auto [command, options] =
         add_command(app, chosen, "install",
                     "Stores the certificate that the authority issued, beside its keys", run_install);
-    command.footer(ABOUT_REMOVAL);
+    command.footer(std::string(ABOUT_REMOVAL) + EXITS);
     command
         .add_option("CERTIFICATE", options.certificate_file,
                     "The authority's file: PEM, DER or a PKCS#7 bundle")
@@ -201,7 +202,7 @@ Invocation read_command_line(int argc, char** argv) {
     Invocation chosen;
     app.set_version_flag("--version", ZV_VERSION);
     app.require_subcommand(1);
-    app.footer(STEPS);
+    app.footer(std::string(STEPS) + EXITS);
     app.get_formatter()->column_width(34);
     add_reading_commands(app, chosen);
     add_request(app, chosen);

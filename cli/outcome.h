@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/on_card.h"
+#include "exit_codes.h"
 
 #include <exception>
 #include <functional>
@@ -10,8 +11,7 @@
 
 namespace cli {
 
-// Exit codes. `refused` promises that no PIN try was spent and nothing on the card was changed.
-enum class Exit : int { done = 0, failed = 1, refused = 2, nothing_due = 3 };
+using Exit = zv::ExitCode;
 
 // Something that a person can do, or should know to do it. A program goes by the key and its values.
 struct Advice {

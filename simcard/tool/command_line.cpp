@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* DESCRIPTION =
     "Makes simulated smart cards for demonstrations and tests, and plays the authority that certifies them.\n"
-    "Exit codes: 0 done, 1 refused, 2 wrong usage, 3 failed.";
+    "Exit codes: 0 done, 1 failed, 2 refused or mistyped.";
 
 void add_holder_options(CLI::App& command, Holder& holder) {
     command.add_option("--given-name", holder.given_name, "The holder's given name")->capture_default_str();
@@ -102,7 +102,7 @@ void add_config_command(CLI::App& program, const Home& home) {
 
 } // namespace
 
-int run_command_line(int argc, char** argv) {
+zv::ExitCode run_command_line(int argc, char** argv) {
     CLI::App program(DESCRIPTION, "zvsimcard-tool");
     Home home;
     program.add_option("--home", home.given,
@@ -120,9 +120,9 @@ int run_command_line(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? done : wrong_usage;
+        return program.exit(error) == 0 ? zv::ExitCode::done : zv::ExitCode::refused;
     }
-    return done;
+    return zv::ExitCode::done;
 }
 
 } // namespace simcard

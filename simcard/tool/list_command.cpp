@@ -40,13 +40,13 @@ ordered_json as_json(const Card& card) {
             {"atr", card.atr},
             {"serial", card.serial},
             {"inserted", card.inserted},
-            {"pinTriesLeft", card.pin_tries_left},
-            {"pinTries", card.pin_tries_max}};
+            {"pin_tries_left", card.pin_tries_left},
+            {"pin_tries_max", card.pin_tries_max}};
 }
 
 ordered_json as_json(const ObjectView& object) {
     ordered_json entry{{"class", object.object_class}, {"id", object.id}, {"label", object.label}};
-    if (object.key_bits != 0) entry["keyBits"] = object.key_bits;
+    if (object.key_bits != 0) entry["key_bits"] = object.key_bits;
     if (!object.subject.empty()) entry["subject"] = object.subject;
     if (!object.ends.empty()) entry["ends"] = object.ends;
     return entry;

@@ -82,7 +82,7 @@ std::string usage() {
         line.resize(std::max<std::size_t>(line.size() + 1, 20), ' ');
         text += line + option.meaning + "\n";
     }
-    return text + "Exit codes: 0 the card was taken out, 2 wrong usage, 3 failed.\n";
+    return text + "Exit codes: 0 the card was taken out, 1 failed, 2 mistyped.\n";
 }
 
 std::unique_ptr<Applet> make_applet(const Options& options) {

@@ -1,11 +1,10 @@
+#include "exit_codes.h"
 #include "simcard/virtual/virtual_readers.h"
 
 #include <iostream>
 #include <stdexcept>
 
 namespace {
-
-enum ExitCode { done = 0, wrong_usage = 2, failed = 3 };
 
 constexpr const char* USAGE =
     "zvvirtualreaders [--name NAME] [--card ATR]... COMMAND [ARGUMENT...]\n"
@@ -15,7 +14,7 @@ constexpr const char* USAGE =
     "  --card ATR   card in the first reader, given again in the second; it knows no command. The command "
     "may put\n"
     "               others in with zvvirtualcard\n"
-    "Exit codes: the command's; 2 wrong usage, 3 failed, 127 the command cannot be started.\n";
+    "Exit codes: the command's; 1 failed, 2 mistyped, 127 the command cannot be started.\n";
 
 struct Order {
     std::string name = "Desk Reader";
@@ -59,14 +58,14 @@ int main(int argc, char** argv) {
         const std::vector<std::string> arguments(argv + 1, argv + argc);
         if (arguments == std::vector<std::string>{"--help"}) {
             std::cout << USAGE;
-            return done;
+            return static_cast<int>(zv::ExitCode::done);
         }
         return run(parse(arguments));
     } catch (const std::invalid_argument&) {
         std::cerr << USAGE;
-        return wrong_usage;
+        return static_cast<int>(zv::ExitCode::refused);
     } catch (const std::exception& reason) {
         std::cerr << reason.what() << '\n';
-        return failed;
+        return static_cast<int>(zv::ExitCode::failed);
     }
 }
