@@ -27,9 +27,9 @@ Report about_card(OpenedCard& card, const std::function<Report()>& work) {
     }
 }
 
-Json waiting_json(const Inventory& inventory) {
+Json pending_json(const Inventory& inventory) {
     Json list = Json::array();
-    for (const WaitingPair& pair : inventory.waiting)
+    for (const PendingPair& pair : inventory.pending)
         list.push_back({{"kind", kind_name(pair.kind)}, {"id", pair.id}});
     return list;
 }

@@ -17,7 +17,7 @@ namespace cli {
 [[nodiscard]] Report about_card(OpenedCard& card, const std::function<Report()>& work);
 
 // An array of {"kind", "id"}.
-[[nodiscard]] Json waiting_json(const Inventory& inventory);
+[[nodiscard]] Json pending_json(const Inventory& inventory);
 
 // A name as an array of {"CN": "..."}, in its order.
 [[nodiscard]] Json name_json(const DistinguishedName& name);

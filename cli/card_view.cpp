@@ -142,7 +142,7 @@ std::vector<std::string> CardView::others_containing(const std::string& text) co
     return found;
 }
 
-std::vector<std::string> CardView::waiting_pairs() const {
+std::vector<std::string> CardView::pending_pairs() const {
     std::vector<std::string> found = identifiers();
     std::erase_if(found, [&](const std::string& id) {
         const bool pair = find(CKO_PUBLIC_KEY, id) != nullptr && find(CKO_PRIVATE_KEY, id) != nullptr;
@@ -203,10 +203,10 @@ CardNow card_now(OpenedCard& card) {
     }
 }
 
-bool CardNow::waits(const std::string& pair) const {
+bool CardNow::is_pending(const std::string& pair) const {
     if (!view) return false;
-    const std::vector<std::string> waiting = view->waiting_pairs();
-    return std::find(waiting.begin(), waiting.end(), pair) != waiting.end();
+    const std::vector<std::string> pending = view->pending_pairs();
+    return std::find(pending.begin(), pending.end(), pair) != pending.end();
 }
 
 } // namespace cli

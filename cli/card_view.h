@@ -51,7 +51,7 @@ class CardView {
     [[nodiscard]] std::vector<std::string> others_containing(const std::string& text) const;
     // Identifiers of the pairs that wait for a certificate: both keys, no certificate, not a card's first
     // keys (digits 0 to 2).
-    [[nodiscard]] std::vector<std::string> waiting_pairs() const;
+    [[nodiscard]] std::vector<std::string> pending_pairs() const;
     // Which certificates and keys there are.
     [[nodiscard]] OnCard contents() const;
     // Identifiers, each once, in the card's order.
@@ -79,7 +79,7 @@ struct CardNow {
     std::optional<CardView> view; // none when the card cannot be read
     OnCard contents;              // of the view, or why there is none
 
-    [[nodiscard]] bool waits(const std::string& pair) const;
+    [[nodiscard]] bool is_pending(const std::string& pair) const;
 };
 
 [[nodiscard]] CardNow card_now(OpenedCard& card);

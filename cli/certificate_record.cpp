@@ -116,7 +116,7 @@ std::optional<CertificateRecord> parse_record(std::string_view text, Kind kind, 
     record.id = fields[id];
     record.notice = joined(fields, id + 1, end - 2);
     record.key_identifier = fields[end - 2];
-    record.fiscal_code = fields[end - 1];
+    record.tax_code = fields[end - 1];
     return record;
 }
 

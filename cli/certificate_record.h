@@ -25,7 +25,7 @@ struct CertificateRecord {
     std::string id;
     std::string notice; // signature certificates only
     std::string key_identifier;
-    std::string fiscal_code;
+    std::string tax_code;
 };
 
 // Reads a record of a certificate list. Texts from the certificate may hold the separator "#" themselves: the

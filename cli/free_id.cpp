@@ -35,19 +35,19 @@ KeyTexts ask_library(OpenedCard& card) {
 
 void add(Report& report, const Inventory& inventory, Kind kind, const std::string& key_text) {
     const Proposal proposal = as_proposal(key_text);
-    const bool waiting = std::any_of(inventory.waiting.begin(), inventory.waiting.end(),
-                                     [&](const WaitingPair& pair) { return pair.id == proposal.id; });
+    const bool pending = std::any_of(inventory.pending.begin(), inventory.pending.end(),
+                                     [&](const PendingPair& pair) { return pair.id == proposal.id; });
     const bool retired = std::any_of(inventory.retired.begin(), inventory.retired.end(),
                                      [&](const RetiredPair& pair) { return pair.id == proposal.id; });
     Json entry = proposal_json(proposal);
     if (!proposal.id.empty()) {
-        entry["waiting"] = waiting;
+        entry["pending"] = pending;
         entry["retired"] = retired;
     }
     report.json[kind_name(kind)] = entry;
     const std::string words = proposal.none_free    ? "none free"
                               : proposal.id.empty() ? "not looked for, since no signature identifier is free"
-                              : waiting ? proposal.id + " (taken by a pair that waits for its certificate)"
+                              : pending ? proposal.id + " (taken by a pair that waits for its certificate)"
                               : retired ? proposal.id + " (taken by keys that a removal left)"
                                         : proposal.id;
     report.text += fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(kind), words);

@@ -78,20 +78,20 @@ std::string plain_name(std::string_view name) {
 
 Holder holder_of(const Bytes& der) {
     Holder holder;
-    holder.fiscal_code = code_in(der);
+    holder.tax_code = code_in(der);
     const Certificate certificate = certificate_from(der);
     if (!certificate) return holder;
     const DistinguishedName subject = subject_of(*certificate);
     std::string name = subject.value("CN");
     if (name.empty()) name = subject.value("GN") + " " + subject.value("SN");
     holder.name = plain_name(name);
-    holder.shown = holder.fiscal_code.empty() ? name : fmt::format("{} ({})", name, holder.fiscal_code);
+    holder.shown = holder.tax_code.empty() ? name : fmt::format("{} ({})", name, holder.tax_code);
     return holder;
 }
 
 bool same_holder(const Holder& one, const Holder& other) {
-    if (!one.fiscal_code.empty() && !other.fiscal_code.empty()) return one.fiscal_code == other.fiscal_code;
-    if (!one.fiscal_code.empty() || !other.fiscal_code.empty()) return true;
+    if (!one.tax_code.empty() && !other.tax_code.empty()) return one.tax_code == other.tax_code;
+    if (!one.tax_code.empty() || !other.tax_code.empty()) return true;
     return one.name.empty() || other.name.empty() || one.name == other.name;
 }
 

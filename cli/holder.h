@@ -9,14 +9,14 @@ namespace cli {
 
 // Who a certificate is for.
 struct Holder {
-    std::string shown;       // for a person
-    std::string fiscal_code; // in capitals, without what says that it is one; empty when there is none
-    std::string name;        // its words without accents, in capitals and in one order
+    std::string shown;    // for a person
+    std::string tax_code; // in capitals, without what says that it is one; empty when there is none
+    std::string name;     // its words without accents, in capitals and in one order
 };
 
 [[nodiscard]] Holder holder_of(const Bytes& certificate);
 
-// Whether two are the same: by their codici fiscali when both have one, by their names only when neither has.
+// Whether two are the same: by their tax codes when both have one, by their names only when neither has.
 // What cannot be compared is taken for the same.
 [[nodiscard]] bool same_holder(const Holder& one, const Holder& other);
 

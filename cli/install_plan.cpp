@@ -29,37 +29,37 @@ const Certificate* certificate_with(const std::vector<Certificate>& certificates
 }
 
 struct Match {
-    WaitingPair pair;
+    PendingPair pair;
     const Certificate* certificate;
 };
 
-std::string ids(const std::vector<WaitingPair>& pairs) {
+std::string ids(const std::vector<PendingPair>& pairs) {
     std::vector<std::string> list;
     list.reserve(pairs.size());
-    for (const WaitingPair& pair : pairs)
+    for (const PendingPair& pair : pairs)
         list.push_back(pair.id);
     return fmt::format("{}", fmt::join(list, ", "));
 }
 
 // A services card's own pair takes a new certificate also when the mark of its request is not there.
-std::vector<WaitingPair> pairs_to_serve(const Inventory& inventory) {
-    std::vector<WaitingPair> pairs = inventory.waiting;
+std::vector<PendingPair> pairs_to_serve(const Inventory& inventory) {
+    std::vector<PendingPair> pairs = inventory.pending;
     if (inventory.own_pair) pairs.push_back({Kind::services, OWN_PAIR_ID});
     return pairs;
 }
 
 // Every private key without a certificate can take its own, also the one that a removal left.
-std::vector<WaitingPair> pairs_to_try(const Inventory& inventory, const CardView& view) {
-    std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
+std::vector<PendingPair> pairs_to_try(const Inventory& inventory, const CardView& view) {
+    std::vector<PendingPair> pairs = pairs_to_serve(inventory);
     for (const std::string& id : view.identifiers())
         if (id != OWN_PAIR_ID && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
             pairs.push_back({kind_of_pair(id), id});
     return pairs;
 }
 
-std::optional<Match> match_one(const std::vector<WaitingPair>& pairs, const IssuedFiles& files,
+std::optional<Match> match_one(const std::vector<PendingPair>& pairs, const IssuedFiles& files,
                                const CardView& view) {
-    for (const WaitingPair& pair : pairs) {
+    for (const PendingPair& pair : pairs) {
         const Bytes key = view.modulus(pair.id);
         if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
         const Certificate* certificate = certificate_with(files.certificates, key);
@@ -71,7 +71,7 @@ std::optional<Match> match_one(const std::vector<WaitingPair>& pairs, const Issu
 
 Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
     if (const auto match = match_one(pairs_to_try(inventory, view), files, view)) return *match;
-    const std::vector<WaitingPair> pairs = pairs_to_serve(inventory);
+    const std::vector<PendingPair> pairs = pairs_to_serve(inventory);
     if (pairs.empty())
         throw Stop(Exit::refused, "No pair on the card waits for a certificate.",
                    Advice{"list", "See what is on the card with: zvrenew list"});

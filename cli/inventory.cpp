@@ -89,10 +89,10 @@ void take_subject(CertificateRecord& record, const CardView& view) {
     }
 }
 
-void add_waiting(Inventory& inventory, const std::string& id) {
-    const auto known = std::any_of(inventory.waiting.begin(), inventory.waiting.end(),
-                                   [&](const WaitingPair& pair) { return pair.id == id; });
-    if (!known) inventory.waiting.push_back({kind_of_pair(id), id});
+void add_pending(Inventory& inventory, const std::string& id) {
+    const auto known = std::any_of(inventory.pending.begin(), inventory.pending.end(),
+                                   [&](const PendingPair& pair) { return pair.id == id; });
+    if (!known) inventory.pending.push_back({kind_of_pair(id), id});
 }
 
 void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
@@ -100,7 +100,7 @@ void take_retired(Inventory& inventory, const CardView& view, const std::string&
         if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
             backup != nullptr && id != OWN_PAIR_ID)
             inventory.retired.push_back({id, backup->file});
-    std::erase_if(inventory.waiting, [&](const WaitingPair& pair) {
+    std::erase_if(inventory.pending, [&](const PendingPair& pair) {
         return std::any_of(inventory.retired.begin(), inventory.retired.end(),
                            [&](const RetiredPair& retired) { return retired.id == pair.id; });
     });
@@ -143,19 +143,19 @@ Inventory read_inventory(OpenedCard& card, const CardView& view, const std::stri
         if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
             take_subject(record, view);
     inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, OWN_PAIR_ID) != nullptr;
-    inventory.services_waiting = reading.services_pending == 1;
+    inventory.services_pending = reading.services_pending == 1;
     const std::string signature_key = reading.signature_key.data();
     const std::string authentication_key = reading.authentication_key.data();
     if (pending)
-        add_waiting(inventory, signature_key);
+        add_pending(inventory, signature_key);
     else
         inventory.signature = as_proposal(signature_key);
     if (reading.authentication_pending == 1)
-        add_waiting(inventory, authentication_key);
+        add_pending(inventory, authentication_key);
     else
         inventory.authentication = as_proposal(authentication_key);
-    for (const std::string& id : view.waiting_pairs())
-        add_waiting(inventory, id);
+    for (const std::string& id : view.pending_pairs())
+        add_pending(inventory, id);
     inventory.backups = backups_of(card.state.serial, given_backup);
     take_retired(inventory, view, card.state.serial);
     return inventory;
@@ -175,10 +175,10 @@ const CertificateRecord* Inventory::find(Kind kind, const std::string& id) const
     return found == certificates.end() ? nullptr : &*found;
 }
 
-const WaitingPair* Inventory::waiting_pair(Kind kind) const {
-    const auto found = std::find_if(waiting.begin(), waiting.end(),
-                                    [&](const WaitingPair& pair) { return pair.kind == kind; });
-    return found == waiting.end() ? nullptr : &*found;
+const PendingPair* Inventory::pending_pair(Kind kind) const {
+    const auto found = std::find_if(pending.begin(), pending.end(),
+                                    [&](const PendingPair& pair) { return pair.kind == kind; });
+    return found == pending.end() ? nullptr : &*found;
 }
 
 } // namespace cli

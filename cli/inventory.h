@@ -11,8 +11,8 @@
 
 namespace cli {
 
-// A pair of keys that waits for its certificate.
-struct WaitingPair {
+// A pending pair of keys: it waits for its certificate.
+struct PendingPair {
     Kind kind = Kind::signature;
     std::string id;
 };
@@ -33,11 +33,11 @@ struct RetiredPair {
 struct Inventory {
     std::vector<CertificateRecord> certificates;
     std::size_t unreadable = 0; // records that could not be taken apart
-    std::vector<WaitingPair> waiting;
+    std::vector<PendingPair> pending;
     std::vector<RetiredPair> retired;
     std::vector<Backup> backups;   // of this card, in the working folder or given by name
     bool own_pair = false;         // it is a services card whose own pair takes a new certificate
-    bool services_waiting = false; // a request for that certificate is under way
+    bool services_pending = false; // a request for that certificate is under way
     Proposal signature;
     Proposal authentication;
 
@@ -45,12 +45,12 @@ struct Inventory {
     [[nodiscard]] const CertificateRecord* current(Kind kind) const;
     // The certificate of a kind with exactly that identifier; null when there is none.
     [[nodiscard]] const CertificateRecord* find(Kind kind, const std::string& id) const;
-    [[nodiscard]] const WaitingPair* waiting_pair(Kind kind) const;
+    [[nodiscard]] const PendingPair* pending_pair(Kind kind) const;
 };
 
 // Reads the card with the library.
 //
-// The library reports at most one waiting pair; the view, read by this program itself, adds the others, and the
+// The library reports at most one pending pair; the view, read by this program itself, adds the others, and the
 // backups tell what does not wait.
 //
 // @throws Stop

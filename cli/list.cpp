@@ -63,7 +63,7 @@ Json certificate_json(const CertificateRecord& record, const Due& due, long days
             {"subject", name_json(record.subject)},
             {"issuer", name_json(record.issuer)},
             {"serial", record.serial},
-            {"fiscal_code", record.fiscal_code},
+            {"tax_code", record.tax_code},
             {"iut", record.iut},
             {"policies", record.policies},
             {"notice", record.notice},
@@ -87,7 +87,7 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
     for (const CertificateRecord& record : inventory.certificates) {
         const Due due = due_of(inventory, record, days, now);
         const long left = days_until(record.ends, now);
-        const bool requested = record.kind == Kind::services && inventory.services_waiting;
+        const bool requested = record.kind == Kind::services && inventory.services_pending;
         report.text += fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(record.kind),
                                    record.id, columns.id, holder(record), columns.name, day_of(record.ends),
                                    left, mark(due, left, requested));
@@ -99,7 +99,7 @@ void add_certificates(Report& report, const Inventory& inventory, int days) {
 }
 
 bool under_way(const Inventory& inventory, Kind kind) {
-    return kind == Kind::services ? inventory.services_waiting : inventory.waiting_pair(kind) != nullptr;
+    return kind == Kind::services ? inventory.services_pending : inventory.pending_pair(kind) != nullptr;
 }
 
 bool none_free(const Inventory& inventory, Kind kind) {
@@ -115,8 +115,8 @@ Advice advice_on_due(const Inventory& inventory, Kind kind) {
         {{"kind", kind_name(kind)}}};
 }
 
-void advise_on_waiting(Report& report, const Inventory& inventory, const CardView& view,
-                       const WaitingPair& pair) {
+void advise_on_pending(Report& report, const Inventory& inventory, const CardView& view,
+                       const PendingPair& pair) {
     const Json values = {{"kind", kind_name(pair.kind)}, {"pair", pair.id}};
     report.advice.push_back({"install",
                              fmt::format("The new {} pair {} waits for its certificate.\n"
@@ -166,22 +166,22 @@ Report list_card(OpenedCard& card, const ListOptions& options) {
     report.json["certificates"] = Json::array();
     add_certificates(report, inventory, options.days);
     report.json["unreadable"] = inventory.unreadable;
-    report.json["waiting"] = waiting_json(inventory);
+    report.json["pending"] = pending_json(inventory);
     report.json["retired"] = Json::array();
     for (const RetiredPair& pair : inventory.retired)
         report.json["retired"].push_back({{"id", pair.id}, {"backup", pair.backup}});
-    report.json["services_waiting"] = inventory.services_waiting;
+    report.json["services_pending"] = inventory.services_pending;
     report.json["next"] = {{"signature", proposal_json(inventory.signature)},
                            {"authentication", proposal_json(inventory.authentication)}};
     for (const CertificateRecord& record : inventory.certificates)
         if (due_of(inventory, record, options.days, std::time(nullptr)).due &&
             !under_way(inventory, record.kind))
             report.advice.push_back(advice_on_due(inventory, record.kind));
-    for (const WaitingPair& pair : inventory.waiting)
-        advise_on_waiting(report, inventory, view, pair);
+    for (const PendingPair& pair : inventory.pending)
+        advise_on_pending(report, inventory, view, pair);
     for (const RetiredPair& pair : inventory.retired)
         advise_on_retired(report, pair);
-    if (inventory.services_waiting) advise_on_services(report, inventory);
+    if (inventory.services_pending) advise_on_services(report, inventory);
     return report;
 }
 

@@ -79,7 +79,7 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now, const Stop& stop) 
             "Repeat the request with the card in the reader. If that fails in the same way, the card's own "
             "keys are of no use for a request: its issuer has to help.",
             pair};
-    if (!now.waits(plan.pair))
+    if (!now.is_pending(plan.pair))
         return {"repeat", "See that the card is in the reader and repeat the request."};
     if (key_failed())
         return {"new-pair",
@@ -88,7 +88,7 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now, const Stop& stop) 
                             plan.pair, plan.pair,
                             plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
                 pair};
-    if (plan.discard && now.view->modulus(plan.pair) == plan.waiting_key)
+    if (plan.discard && now.view->modulus(plan.pair) == plan.pending_key)
         return {"repeat", fmt::format("The pair {} is not discarded yet: repeat the request.", plan.pair),
                 pair};
     if (plan.discard)
@@ -129,9 +129,9 @@ void check_request(OpenedCard& card, const RequestPlan& plan, const std::string&
         stop_failed(card, plan, {Exit::failed, "The request came out too long and was cut."});
     const Bytes key = modulus_of_request(request);
     if (key.empty()) stop_failed(card, plan, {Exit::failed, "What came out is no request."});
-    if (plan.discard && key == plan.waiting_key)
+    if (plan.discard && key == plan.pending_key)
         stop_failed(card, plan, {Exit::failed, "The waiting pair could not be discarded."});
-    if (plan.reuse && key != plan.waiting_key)
+    if (plan.reuse && key != plan.pending_key)
         stop_failed(card, plan,
                     {Exit::failed, fmt::format("The request came out for another pair than {}.", plan.pair)});
 }
@@ -209,7 +209,7 @@ Output prepare_output(const RequestOptions& options) {
 
 bool is_done(const Output& output, const RequestPlan& plan, const CardView& view) {
     const bool under_way = plan.old.kind != Kind::services || view.marked_pending();
-    return plan.reuse && under_way && output.earlier == plan.waiting_key;
+    return plan.reuse && under_way && output.earlier == plan.pending_key;
 }
 
 void deliver(const std::string& text, const Output& output, Report& report) {

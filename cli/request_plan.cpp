@@ -129,19 +129,19 @@ void take_own_pair(RequestPlan& plan, const CardView& view) {
                    fmt::format("The certificate {} is not the services card's own.", plan.old.id));
     plan.pair = OWN_PAIR_ID;
     plan.reuse = true;
-    plan.waiting_key = view.modulus(plan.pair);
+    plan.pending_key = view.modulus(plan.pair);
 }
 
 void take_new_pair(RequestPlan& plan, const RequestOptions& options, const Inventory& inventory,
                    const CardView& view) {
-    const WaitingPair* waiting = inventory.waiting_pair(options.kind);
-    plan.pair = waiting != nullptr ? waiting->id : free_identifier(options.kind, inventory, view);
-    if (waiting == nullptr) return;
+    const PendingPair* pending = inventory.pending_pair(options.kind);
+    plan.pair = pending != nullptr ? pending->id : free_identifier(options.kind, inventory, view);
+    if (pending == nullptr) return;
     plan.discard = options.new_pair;
     plan.reuse = !options.new_pair;
     if (view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
         throw Stop(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
-    plan.waiting_key = view.modulus(plan.pair);
+    plan.pending_key = view.modulus(plan.pair);
 }
 
 std::vector<std::string> single_keys(const CardView& view, const std::string& pair) {

@@ -17,7 +17,7 @@ struct RequestPlan {
     std::string pair;     // identifier of the new pair, or of a services card's own
     bool reuse = false;   // the pair is on the card already
     bool discard = false; // the pair is on the card, to be replaced by a new one under its identifier
-    Bytes waiting_key;    // modulus of the pair that is on the card already
+    Bytes pending_key;    // modulus of the pair that is on the card already
     std::string
         wants_pin; // a certified key of the kind that wants the PIN before each signature; empty for none
     bool signer_wants_pin = false; // the old certificate's key, which signs the request, is such a one

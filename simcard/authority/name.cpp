@@ -40,7 +40,7 @@ DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualif
     add_to_name(*name, NID_countryName, "IT");
     add_to_name(*name, NID_organizationName, holder.organisation);
     add_to_name(*name, NID_commonName, holder.given_name + " " + holder.surname);
-    add_to_name(*name, NID_serialNumber, "TINIT-" + holder.codice_fiscale);
+    add_to_name(*name, NID_serialNumber, "TINIT-" + holder.tax_code);
     add_to_name(*name, NID_surname, holder.surname);
     add_to_name(*name, NID_givenName, holder.given_name);
     add_to_name(*name, NID_dnQualifier, dn_qualifier);
@@ -50,7 +50,7 @@ DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualif
 DistinguishedName services_card_name(const Holder& holder, const std::string& card_number) {
     std::string number = card_number;
     if (number.size() < CARD_NUMBER_DIGITS) number.insert(0, CARD_NUMBER_DIGITS - number.size(), '0');
-    const std::string card = holder.codice_fiscale + "/" + number + ".";
+    const std::string card = holder.tax_code + "/" + number + ".";
     DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
     add_to_name(*name, NID_countryName, "IT");
     add_to_name(*name, NID_organizationName, holder.organisation);

@@ -6,22 +6,22 @@
 
 namespace simcard {
 
-// Who holds a card. The default is nobody: the place of birth in the codice fiscale does not exist.
+// Who holds a card. The default is nobody: the place of birth in the tax code does not exist.
 struct Holder {
     std::string given_name = "Ada";
     std::string surname = "Collaudo";
-    std::string codice_fiscale = "CLLDAA80A41Z999U";
+    std::string tax_code = "CLLDAA80A41Z999U";
     std::string organisation = "Non presente";
 };
 
 // Builds the subject that an Italian certificate gives its holder: C, O, CN, serialNumber
-// ("TINIT-" and the codice fiscale), SN, GN, dnQualifier, in this order.
+// ("TINIT-" and the tax code), SN, GN, dnQualifier, in this order.
 //
 // @throws Refusal when a value is empty or too long for its attribute.
 [[nodiscard]] DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualifier);
 
 // Builds the subject of a services card's own certificate: C, O, OU, CN, SN, GN, in this order. Its CN is the
-// codice fiscale, "/", the card's number in 16 digits, "." and 28 characters in base64: 62 in all, as such cards
+// tax code, "/", the card's number in 16 digits, "." and 28 characters in base64: 62 in all, as such cards
 // have it. On a real card those last are the SHA-1 of its personal data, here that of what stands before them.
 //
 // @throws Refusal as above.

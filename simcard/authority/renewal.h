@@ -14,7 +14,7 @@ struct RenewalTerms {
     int days = 3 * 365;
     // From when on it holds, in days from now; negative for the past.
     int starts_in = 0;
-    // Issues it to somebody else: the codice fiscale; empty: whom the request names.
+    // Issues it to somebody else: the tax code; empty: whom the request names.
     std::string other_person = {};
     // Whether a request without a signed message around it is taken: nothing then says whose it is.
     bool bare_requests = false;

@@ -20,8 +20,7 @@ constexpr const char* DESCRIPTION =
 void add_holder_options(CLI::App& command, Holder& holder) {
     command.add_option("--given-name", holder.given_name, "The holder's given name")->capture_default_str();
     command.add_option("--surname", holder.surname, "The holder's surname")->capture_default_str();
-    command.add_option("--codice-fiscale", holder.codice_fiscale, "The holder's tax code")
-        ->capture_default_str();
+    command.add_option("--codice-fiscale", holder.tax_code, "The holder's tax code")->capture_default_str();
     command.add_option("--organisation", holder.organisation, "O of the subject")->capture_default_str();
 }
 

@@ -32,8 +32,7 @@ std::string day_of(std::time_t time) {
 
 std::string personal_data(const Holder& holder, Validity card) {
     const std::string fields = field(ISSUER) + field(day_of(card.from)) + field(day_of(card.to)) +
-                               field(holder.surname) + field(holder.given_name) +
-                               field(holder.codice_fiscale);
+                               field(holder.surname) + field(holder.given_name) + field(holder.tax_code);
     return length_in_digits(fields, 6) + fields;
 }
 

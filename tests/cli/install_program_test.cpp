@@ -53,7 +53,7 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOl
     const auto list = json("list");
     EXPECT_EQ(list["certificates"][0]["replaced"], true);
     EXPECT_EQ(list["certificates"][0]["due"], false);
-    EXPECT_TRUE(list["waiting"].empty());
+    EXPECT_TRUE(list["pending"].empty());
     EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "what a removal would take";
     const Outcome again = with_pin("install certificate");
     EXPECT_EQ(again.code, 2) << "it is there already";
@@ -175,7 +175,7 @@ TEST_F(InstallProgramTest, OffersNoKeysThatARemovalLeft) {
     EXPECT_EQ(stuck.code, 1);
     EXPECT_TRUE(stuck.says("DS3 (keys without a certificate)")) << stuck.err;
     const auto list = json("list");
-    EXPECT_TRUE(list["waiting"].empty()) << list;
+    EXPECT_TRUE(list["pending"].empty()) << list;
     EXPECT_EQ(list["retired"][0]["id"], "DS3");
     EXPECT_TRUE(with_pin("request signature --force --out third").says("the new pair DS5"));
     EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. The card's own software"));

@@ -27,7 +27,7 @@ TEST_F(ListProgramTest, MarksWhatIsDue) {
     EXPECT_EQ(list["certificates"][1]["kind"], "authentication");
     EXPECT_EQ(list["certificates"][1]["due"], false);
     EXPECT_EQ(list["next"]["signature"]["id"], "DS3");
-    EXPECT_TRUE(list["waiting"].empty());
+    EXPECT_TRUE(list["pending"].empty());
     EXPECT_EQ(json("list --days 5")["certificates"][0]["due"], false);
     EXPECT_TRUE(with_pin("list").says("zvrenew request signature"));
 

@@ -23,7 +23,7 @@ TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
     EXPECT_EQ(record->id, "DS0");
     EXPECT_EQ(record->notice, "vale #1 e #2");
     EXPECT_EQ(record->key_identifier, "ABCD");
-    EXPECT_EQ(record->fiscal_code, "CLLDAA80A41Z999U");
+    EXPECT_EQ(record->tax_code, "CLLDAA80A41Z999U");
     EXPECT_EQ(day_of(record->ends), "2028-02-29");
     const auto named =
         parse_record("2.5.4.3=Bar #1#2.5.4.10=Ente####" + std::string(DATES + 1) + "AUTHCertificate0#ABCD#",
@@ -34,7 +34,7 @@ TEST(RecordTest, FindsTheFieldsAlsoWhenTextsHoldTheSeparator) {
     EXPECT_EQ(named->id, "AUTHCertificate0");
     const auto marked = parse_record(signature_record("") + "#DS3", Kind::signature, true);
     ASSERT_TRUE(marked);
-    EXPECT_EQ(marked->fiscal_code, "CLLDAA80A41Z999U") << "the pending mark is left out";
+    EXPECT_EQ(marked->tax_code, "CLLDAA80A41Z999U") << "the pending mark is left out";
     EXPECT_EQ(marked->notice, "");
 }
 

@@ -41,8 +41,8 @@ TEST_F(RequestProgramTest, UsesTheWaitingPairAgainOrDiscardsIt) {
     make_card();
     EXPECT_TRUE(with_pin("request signature --out one").says("Subject: C=IT, O=Non presente, CN="));
     const auto list = json("list");
-    ASSERT_EQ(list["waiting"].size(), 1U);
-    EXPECT_EQ(list["waiting"][0]["id"], "DS3");
+    ASSERT_EQ(list["pending"].size(), 1U);
+    EXPECT_EQ(list["pending"][0]["id"], "DS3");
     EXPECT_TRUE(with_pin("list").says("waits for its certificate"));
 
     const Outcome again = with_pin("request signature --out two");
@@ -52,7 +52,7 @@ TEST_F(RequestProgramTest, UsesTheWaitingPairAgainOrDiscardsIt) {
     EXPECT_EQ(fresh.code, 0) << fresh.err;
     EXPECT_TRUE(fresh.says("Subject: C=IT, CN=Città\n")) << fresh.out;
     EXPECT_NE(key_of("three"), key_of("one"));
-    EXPECT_EQ(json("list")["waiting"].size(), 1U);
+    EXPECT_EQ(json("list")["pending"].size(), 1U);
     EXPECT_TRUE(
         with_pin("request signature --new-pair", "C_DestroyObject:1:answer:0x6").says("not discarded yet"));
     (void)with_pin("request signature --new-pair", "C_DestroyObject:1:kill-after");

@@ -23,7 +23,7 @@ TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
     EXPECT_TRUE(request.says("=, SN=Collaudo, GN=Ada\n")) << "what follows the common name: " << request.out;
     EXPECT_TRUE(request.says("--request request --remove-old"));
     const auto before = json("list");
-    EXPECT_EQ(before["services_waiting"], true);
+    EXPECT_EQ(before["services_pending"], true);
     EXPECT_TRUE(with_pin("list").says("DUE, request under way"));
 
     const auto result = json("install certificate --request request --remove-old --backup old.pem");
@@ -35,7 +35,7 @@ TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
     EXPECT_EQ(renewed["subject"], before["certificates"][0]["subject"]);
     EXPECT_EQ(renewed["key_identifier"], before["certificates"][0]["key_identifier"]) << "the same keys";
     EXPECT_NE(renewed["serial"], before["certificates"][0]["serial"]);
-    EXPECT_EQ(after["services_waiting"], false);
+    EXPECT_EQ(after["services_pending"], false);
     EXPECT_EQ(with_pin("install old.pem --remove-old --accept ends-earlier").code, 0) << "it can be put back";
 }
 

@@ -145,7 +145,7 @@ TEST_F(AuthorityTest, RefusesWhatItCannotBeSureOf) {
     EXPECT_EQ(refusal(signed_message(request_for(ada, old_key), *signer)),
               "The request is not signed by the key that it carries.");
     Holder someone;
-    someone.codice_fiscale = "RSSMRA85T10Z999X";
+    someone.tax_code = "RSSMRA85T10Z999X";
     EXPECT_EQ(refusal(signed_message(request_for(someone, new_key), *signer)),
               "The request is for another person than the one who signed it.");
     std::string altered = message;
