@@ -1,6 +1,7 @@
 #include "cli/distinguished_name.h"
 
 #include "cli/outcome.h"
+#include "name_attributes.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -8,35 +9,13 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <iterator>
 
 namespace cli {
 namespace {
 
-enum class Text { utf8, printable, ia5 };
-
-struct AttributeType {
-    std::string_view name;
-    std::string_view oid;
-    std::size_t longest; // bytes that a request carries
-    Text text;
-};
-
-constexpr std::array ATTRIBUTE_TYPES{
-    AttributeType{"C", "2.5.4.6=", 2, Text::printable},
-    AttributeType{"O", "2.5.4.10=", 64, Text::utf8},
-    AttributeType{"OU", "2.5.4.11=", 64, Text::utf8},
-    AttributeType{"CN", "2.5.4.3=", 64, Text::utf8},
-    AttributeType{"description", "2.5.4.13=", 127, Text::utf8},
-    AttributeType{"dnQualifier", "2.5.4.46=", 64, Text::utf8},
-    AttributeType{"emailAddress", "1.2.840.113549.1.9.1=", 127, Text::ia5},
-    AttributeType{"serialNumber", "2.5.4.5=", 64, Text::printable},
-    AttributeType{"GN", "2.5.4.42=", 64, Text::utf8},
-    AttributeType{"SN", "2.5.4.4=", 64, Text::utf8},
-    AttributeType{"L", "2.5.4.7=", 127, Text::utf8},
-    AttributeType{"title", "2.5.4.12=", 64, Text::utf8},
-    AttributeType{"pseudonym", "2.5.4.65=", 64, Text::utf8},
-    AttributeType{"ST", "2.5.4.8=", 64, Text::utf8},
-};
+using Row = zv::NameAttributeRow;
+using zv::NAME_ATTRIBUTES, zv::NameString;
 
 // Inside a value the library would break the line at an identifier, at some also where no "=" follows, and
 // would rewrite these names.
@@ -44,29 +23,32 @@ constexpr std::array<std::string_view, 6> TAKEN_APART{
     "2.5.4.", "1.2.840.113549.1.9.1=", "/OU=", "/emailAddress=", "/gn=", "/serialNumber="};
 
 constexpr std::size_t LONGEST_WORKED_ON = 1023; // characters, with one line break an attribute
-constexpr std::ptrdiff_t MOST_UNITS = 5;
 
-const AttributeType* by_name(std::string_view name) {
-    const auto same = [&](const AttributeType& type) {
-        return std::equal(name.begin(), name.end(), type.name.begin(), type.name.end(), [](char a, char b) {
+template <class Matches> const Row* row_that(Matches matches) {
+    const auto* found = std::find_if(std::begin(NAME_ATTRIBUTES), std::end(NAME_ATTRIBUTES), matches);
+    return found == std::end(NAME_ATTRIBUTES) ? nullptr : found;
+}
+
+const Row* by_name(std::string_view name) {
+    return row_that([&](const Row& row) {
+        return std::equal(name.begin(), name.end(), row.name().begin(), row.name().end(), [](char a, char b) {
             return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
         });
-    };
-    const auto* found = std::find_if(ATTRIBUTE_TYPES.begin(), ATTRIBUTE_TYPES.end(), same);
-    return found == ATTRIBUTE_TYPES.end() ? nullptr : found;
+    });
 }
 
 struct Mark {
     std::size_t at = std::string_view::npos; // where the mark begins
     std::size_t value = 0;                   // where the value behind it begins
-    const AttributeType* type = nullptr;     // null: an attribute that requests do not carry
+    const Row* row = nullptr;                // null: an attribute that requests do not carry
 };
 
 Mark next_oid(std::string_view text, std::size_t from) {
     Mark first;
-    for (const AttributeType& type : ATTRIBUTE_TYPES) {
-        const std::size_t at = text.find(type.oid, from);
-        if (at < first.at) first = {at, at + type.oid.size(), &type};
+    for (const Row& row : NAME_ATTRIBUTES) {
+        const std::string_view oid = row.oid;
+        const std::size_t at = text.find(oid, from);
+        if (at < first.at) first = {at, at + oid.size(), &row};
     }
     return first;
 }
@@ -94,26 +76,31 @@ bool is_printable(char c) {
            std::string_view(" '()+,-./:=?").find(c) != std::string_view::npos;
 }
 
+bool may_have(NameString type, const std::string& value) {
+    const auto is_ascii = [](unsigned char c) { return c <= 0x7F; };
+    if (type == NameString::utf8) return true;
+    return type == NameString::printable ? std::all_of(value.begin(), value.end(), is_printable)
+                                         : std::all_of(value.begin(), value.end(), is_ascii);
+}
+
 std::string why_not(const NameAttribute& attribute) {
-    const AttributeType* known = by_name(attribute.name);
-    if (known == nullptr)
+    const Row* row = by_name(attribute.name);
+    if (row == nullptr)
         return fmt::format("\"{}\" is an attribute that a request does not carry", attribute.name);
-    const AttributeType& type = *known;
     const std::string& value = attribute.value;
-    if (value.empty()) return fmt::format("{} is empty", type.name);
-    if (value.size() > type.longest)
-        return fmt::format("{} has {} bytes, a request carries {}", type.name, value.size(), type.longest);
+    if (value.empty()) return fmt::format("{} is empty", row->name());
+    if (value.size() > row->longest())
+        return fmt::format("{} has {} bytes, a request carries {}", row->name(), value.size(),
+                           row->longest());
     const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
     if (std::any_of(value.begin(), value.end(), is_control))
-        return fmt::format("{} has a control character in it", type.name);
-    if (type.text == Text::printable && !std::all_of(value.begin(), value.end(), is_printable))
-        return fmt::format("{} has a character that it may not have", type.name);
-    if (type.text == Text::ia5 &&
-        std::any_of(value.begin(), value.end(), [](unsigned char c) { return c > 0x7F; }))
-        return fmt::format("{} has a character that it may not have", type.name);
+        return fmt::format("{} has a control character in it", row->name());
+    if (!may_have(row->type, value))
+        return fmt::format("{} has a character that it may not have", row->name());
     for (const std::string_view part : TAKEN_APART)
         if (value.find(part) != std::string::npos)
-            return fmt::format("{} contains \"{}\", which would be taken for an attribute", type.name, part);
+            return fmt::format("{} contains \"{}\", which would be taken for an attribute", row->name(),
+                               part);
     return {};
 }
 
@@ -129,10 +116,10 @@ std::string why_swallowed(const std::string& value) {
 
 DistinguishedName DistinguishedName::from_oid_form(std::string_view text) {
     DistinguishedName name;
-    for (Mark mark = next_oid(text, 0); mark.type != nullptr;) {
+    for (Mark mark = next_oid(text, 0); mark.row != nullptr;) {
         const Mark next = next_oid(text, mark.value);
         name.attributes_.push_back(
-            {std::string(mark.type->name), trimmed(text.substr(mark.value, next.at - mark.value))});
+            {std::string(mark.row->name()), trimmed(text.substr(mark.value, next.at - mark.value))});
         mark = next;
     }
     return name;
@@ -147,10 +134,10 @@ DistinguishedName DistinguishedName::from_user(std::string_view text) {
     while (mark.at != std::string_view::npos) {
         const Mark next = next_slash(text, mark.value);
         const std::string_view word = text.substr(mark.at + 1, mark.value - mark.at - 2);
-        if (mark.type == nullptr)
+        if (mark.row == nullptr)
             throw Stop(Exit::refused, fmt::format("A request does not carry the attribute \"{}\".", word));
         name.attributes_.push_back(
-            {std::string(mark.type->name), trimmed(text.substr(mark.value, next.at - mark.value))});
+            {std::string(mark.row->name()), trimmed(text.substr(mark.value, next.at - mark.value))});
         mark = next;
     }
     return name;
@@ -160,10 +147,8 @@ DistinguishedName DistinguishedName::from_oids(std::vector<NameAttribute> attrib
     DistinguishedName name;
     name.exact_ = true;
     for (NameAttribute& attribute : attributes) {
-        const auto* type =
-            std::find_if(ATTRIBUTE_TYPES.begin(), ATTRIBUTE_TYPES.end(),
-                         [&](const AttributeType& one) { return one.oid == attribute.name + "="; });
-        if (type != ATTRIBUTE_TYPES.end()) attribute.name = type->name;
+        const Row* row = row_that([&](const Row& one) { return one.oid == attribute.name + "="; });
+        if (row != nullptr) attribute.name = row->name();
         name.attributes_.push_back(std::move(attribute));
     }
     return name;
@@ -172,9 +157,9 @@ DistinguishedName DistinguishedName::from_oids(std::vector<NameAttribute> attrib
 std::string DistinguishedName::oid_form() const {
     std::string text;
     for (const auto& [name, value] : attributes_) {
-        const AttributeType* type = by_name(name);
-        if (type != nullptr)
-            text.append(type->oid);
+        const Row* row = by_name(name);
+        if (row != nullptr)
+            text.append(row->oid);
         else
             text.append(name).append("=");
         text.append(value);
@@ -204,7 +189,7 @@ std::string DistinguishedName::why_not_requestable() const {
         const auto times =
             std::count_if(attributes_.begin(), attributes_.end(),
                           [&](const NameAttribute& other) { return other.name == attribute.name; });
-        if (attribute.name == "OU" ? times > MOST_UNITS : times > 1)
+        if (attribute.name == "OU" ? times > ZV_ORG_UNITS : times > 1)
             return fmt::format("{} stands {} times", attribute.name, times);
     }
     const std::size_t length = oid_form().size() + attributes_.size();

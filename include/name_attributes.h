@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <iterator>
 #include <span>
+#include <string_view>
 
 namespace zv {
 
@@ -58,6 +59,10 @@ struct NameAttributeRow {
     const char* oid;            ///< its numeric OID (X.520, PKCS#9) in front of a value: "2.5.4.6="
     unsigned char derBytes[11]; ///< the OID in DER, zeros behind it
 
+    [[nodiscard]] constexpr std::string_view name() const {
+        const std::string_view framed = slash;
+        return framed.substr(1, framed.size() - 2);
+    }
     [[nodiscard]] constexpr std::span<const unsigned char> der() const {
         return {derBytes, derBytes[1] + std::size_t{2}};
     }
