@@ -3,6 +3,8 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "inventory/dump.h"
+#include "inventory/host_buffers.h"
 #include "util/guarded.h"
 #include "util/text.h"
 
@@ -13,8 +15,7 @@
 
 namespace {
 
-using zv::dtScadenza, zv::sBuffAute, zv::sBuffSott, zv::sLabelAute, zv::sLabelSott, zv::sSubjectAute;
-using zv::sSubjectSott, zv::WORK_SIZE;
+using zv::dtScadenza;
 
 constexpr char DASHES_34[] = "----------------------------------";
 constexpr char DASHES_33[] = "---------------------------------";
@@ -35,8 +36,8 @@ struct Reading {
 };
 
 void clear_state() {
-    zv::clear(szBuffErr, zv::szBufferRichiesta, sSubjectSott, sBuffSott, sSubjectAute, sBuffAute, sLabelSott,
-              sLabelAute, zv::pwd);
+    zv::clear(szBuffErr, zv::szBufferRichiesta, zv::sSubjectSott, zv::sBuffSott, zv::sSubjectAute,
+              zv::sBuffAute, zv::sLabelSott, zv::sLabelAute, zv::pwd);
     zv::slot = 0;
 }
 
@@ -59,7 +60,7 @@ int detect(Reading& reading, char* reader) {
 
 void dump_card(Reading& reading, char* pin) {
     std::string text;
-    reading.dump_result = renewDump(zv::Libreria, pin, zv::slot, text);
+    reading.dump_result = zv::dump_card(zv::Libreria, pin, zv::slot, text);
     scriviLog(reading.dump_result == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
 }
 
@@ -93,25 +94,25 @@ int read_inventory(const Reading& reading, char* pin, const char* card, const ch
     return 0;
 }
 
+zv::HostInventory buffers_of(const Reading& reading) {
+    return {.pra = {reading.list_pra, zv::sSubjectSott, zv::sLabelSott},
+            .aut = {reading.list_aut, zv::sSubjectAute, zv::sLabelAute},
+            .cns = {reading.list_cns},
+            .state = {reading.pending_pra, reading.pending_aut, reading.key_pra, reading.key_aut,
+                      reading.pending_cns, dtScadenza}};
+}
+
 int read_card(const Reading& reading, char* pin) {
     return read_inventory(reading, pin, "NON CNS", "NewFind_ALL_CertsKeysRenew()", [&reading] {
         clear_expiry();
         scriviLog("NewFind_ALL_CertsKeysRenew: INIZIO");
-        return NewFind_ALL_CertsKeysRenew(reading.list_pra, reading.list_aut, sBuffSott, WORK_SIZE,
-                                          sSubjectSott, WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute,
-                                          WORK_SIZE, sLabelAute, sLabelSott, reading.pending_pra,
-                                          reading.pending_aut, reading.key_pra, reading.key_aut);
+        return zv::fill_card(buffers_of(reading));
     });
 }
 
 int read_services_card(const Reading& reading, char* pin) {
-    return read_inventory(reading, pin, "CNS", "NewFind_ALL_CertsKeysRenewCNS()", [&reading] {
-        return NewFind_ALL_CertsKeysRenewCNS(
-            reading.list_cns, reading.list_pra, reading.list_aut, sBuffSott, WORK_SIZE, sSubjectSott,
-            WORK_SIZE, sBuffAute, WORK_SIZE, sSubjectAute, WORK_SIZE, sLabelAute, sLabelSott,
-            reading.pending_pra, reading.pending_aut, reading.pending_cns, reading.key_pra, reading.key_aut,
-            dtScadenza, reading.touch_sign);
-    });
+    return read_inventory(reading, pin, "CNS", "NewFind_ALL_CertsKeysRenewCNS()",
+                          [&reading] { return zv::fill_services_card(buffers_of(reading)); });
 }
 
 int count_of(char** list) {
@@ -196,7 +197,7 @@ int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
         finalizza();
         return code;
     }
-    code = findFreeCKAID(key_pra, key_aut, touch_sign);
+    code = zv::fill({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, ZV_UNUSABLE, zv::find_free_ids);
     finalizza();
     return code == 0 ? 0 : zv::fail("Funzione findFreeCKAID() error!", code);
 }

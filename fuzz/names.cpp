@@ -4,9 +4,9 @@
 #include "api/dn_input.h"
 #include "api/state.h"
 #include "fuzz/input.h"
-#include "inventory/oid_names.h"
 #include "request/subject.h"
 #include "routines.h"
+#include "util/name_forms.h"
 #include "util/text.h"
 
 #include <cstring>
@@ -18,8 +18,10 @@ constexpr std::size_t NAME = 4096, INSTALLED_NAME = 8216;
 
 bool has_short_name(std::string_view text) {
     const std::string terminated(text);
-    return std::any_of(std::begin(zv::__DescrOid), std::end(zv::__DescrOid),
-                       [&](const zv::OidName& row) { return strstrICase(terminated.c_str(), row.key); });
+    return std::any_of(
+        std::begin(zv::forms::CARD), std::end(zv::forms::CARD), [&](zv::NameAttribute attribute) {
+            return strstrICase(terminated.c_str(), zv::nameAttribute(attribute).slash) != nullptr;
+        });
 }
 
 // No short name is left, and a second rewriting finds nothing more to do.

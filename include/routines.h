@@ -458,7 +458,8 @@ ZV_API unsigned int DeleteDataPendingCNS(unsigned long session, char* label);
  *
  * Records, lists and marks are described at rinnovo_Card_readCerts (zvRenew.h). The first ten certificates
  * that are not the authority's are listed. An attribute that cannot be read keeps what an earlier inventory left
- * in its place (of certificates behind the card's tenth: is empty). Null arguments are skipped.
+ * in its place (of certificates behind the card's tenth: is empty). Null arguments are skipped, and change
+ * nothing in the others.
  *
  * @param[in,out] praList, autList    11 pointers to texts of 4096 bytes each, empty before: entry 0 receives
  *                                    the count, entries 1 to n a record each
@@ -486,7 +487,8 @@ ZV_API int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praR
  * The first pair with a public and a private key and no certificate under its CKA_ID is reported, as AUT when
  * that contains "AUTHCertificate", else as PRA; the card's first keys (digits 0 to 2) are not. A kind that
  * has a certificate on the card and no pending pair gets the first of 3, 4, 5 that no public key has. The
- * identifiers of all objects count, 31 characters of each. Null arguments are skipped.
+ * identifiers of all objects count, 31 characters of each. Null arguments are skipped, and change nothing in the
+ * others.
  *
  * @param[in,out] pendingPRA, pendingAUT  set to 1 for a pending pair, never to 0; a kind whose flag is not 0
  *                                        gets no proposal
@@ -502,7 +504,7 @@ ZV_API int Find_ALL_Pending(int* pendingPRA, int* pendingAUT, char* ckaidPRA, ch
  * Rewrites a name in slash form ("/C=IT/CN=...") to numeric OIDs ("2.5.4.6=IT2.5.4.3=...") in place.
  *
  * @param[in,out] name     4096 bytes; 14 attribute names are known, in letters of any case (X.520, PKCS#9)
- * @param[out]    scratch  4096 bytes
+ * @param         scratch  not used
  * @return 0
  */
 ZV_API int __DescrToOid(char* name, char* scratch);
@@ -556,7 +558,7 @@ ZV_API int Find_ALL_PendingCNS(int* pendingPRA, int* pendingAUT, int* pendingCNS
  * comes behind those are rewritten and kept.
  *
  * @param[in,out] name     4096 bytes
- * @param[out]    scratch  4096 bytes
+ * @param         scratch  not used
  * @return 0; 1 without a common name, and name stays as it is
  */
 ZV_API int __DescrToOidCNS(char* name, char* scratch);

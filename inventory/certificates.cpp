@@ -1,9 +1,10 @@
 #include "inventory/certificates.h"
 
+#include "inventory/names.h"
 #include "util/text.h"
 
-#include <algorithm>
 #include <cstring>
+#include <initializer_list>
 
 namespace zv {
 
@@ -34,6 +35,21 @@ template <std::size_t... N> void terminate(char (&... texts)[N]) {
     ((texts[N - 1] = '\0'), ...);
 }
 
+template <std::size_t N> void rewrite_holder(char (&name)[N], bool own) {
+    if (own)
+        rewrite_name_cns(name, N);
+    else
+        rewrite_name(name, N);
+}
+
+std::string joined_record(std::initializer_list<std::string_view> fields) {
+    std::string record;
+    for (const std::string_view field : fields)
+        record.append(field).append("#");
+    record.pop_back();
+    return record;
+}
+
 } // namespace
 
 bool probe_token(CallTrace trace) {
@@ -61,21 +77,20 @@ bool FoundCertificates::read(const SearchLog& log, const Exits& exits) {
     return walk({.session = hSession, .tmpl = {&tmpl, 1}, .log = log, .exits = exits}, take).whole();
 }
 
-void CertificateFields::read(Certificate& certificate, NameRewrite rewrite_holder) {
-    *this = CertificateFields();
+CertificateFields::CertificateFields(Certificate& certificate, bool own) {
     unsigned char* der = certificate.value;
     const unsigned long length = certificate.value_length;
     char date_text[DESCRIPTION_SIZE] = {};
     GiveMeCertDate(der, length, date_text, sizeof date_text, description);
     terminate(description);
-    rewrite_holder(description, sizeof description);
+    rewrite_holder(description, own);
     kvGetCertDate(der, length, start, end);
     kvGetIssuerDN(der, length, issuer, sizeof issuer);
     terminate(issuer);
     rewrite_name(issuer, sizeof issuer);
     kvGetSubjectDN(der, length, subject, sizeof subject);
     terminate(subject);
-    rewrite_holder(subject, sizeof subject);
+    rewrite_holder(subject, own);
     kvX509GetSerial(der, length, serial, sizeof serial);
     kvGetIUT(der, length, iut, sizeof iut);
     zv_X509V3_get_subject_key_identifier(der, length, key_id, sizeof key_id);
@@ -85,59 +100,18 @@ void CertificateFields::read(Certificate& certificate, NameRewrite rewrite_holde
     terminate(start, end, serial, iut, key_id, cod_fisc, policies, explicit_text);
 }
 
-RecordList::RecordList(char** list, char* record, long record_size)
-    : list_(list), record_(record),
-      size_(record != nullptr
-                ? static_cast<std::size_t>(std::clamp(record_size, 0L, long{ZV_LIST_ENTRY_SIZE}))
-                : 0) {}
-
-void RecordList::add_field(std::string_view field) {
-    append_text(record_, size_, "#");
-    append_text(record_, size_, field);
+std::string CertificateFields::signature_record(std::string_view id) const {
+    return joined_record(
+        {subject, issuer, iut, policies, serial, start, end, id, explicit_text, key_id, cod_fisc});
 }
 
-void RecordList::assemble(const CertificateFields& fields, std::string_view id) {
-    append_text(record_, size_, fields.subject);
-    for (const char* field :
-         {fields.issuer, fields.iut, fields.policies, fields.serial, fields.start, fields.end})
-        add_field(field);
-    add_field(id);
+std::string CertificateFields::authentication_record(std::string_view id) const {
+    return joined_record({subject, issuer, iut, policies, serial, start, end, id, key_id, cod_fisc});
 }
 
-void RecordList::finish() {
-    ++count_;
-    if (list_ != nullptr) append_text(list_[count_], ZV_LIST_ENTRY_SIZE, bounded_text(record_, size_));
-    if (record_ != nullptr) std::memset(record_, 0, size_);
-}
-
-void RecordList::add_signature(const CertificateFields& fields, std::string_view id) {
-    assemble(fields, id);
-    for (const char* field : {fields.explicit_text, fields.key_id, fields.cod_fisc})
-        add_field(field);
-    finish();
-}
-
-void RecordList::add_authentication(const CertificateFields& fields, std::string_view id) {
-    assemble(fields, id);
-    for (const char* field : {fields.key_id, fields.cod_fisc})
-        add_field(field);
-    finish();
-}
-
-void RecordList::write_count() {
-    if (list_ != nullptr) append_text(list_[0], ZV_LIST_ENTRY_SIZE, ItoA(count_));
-}
-
-void RecordList::mark(std::string_view field) {
-    char* first = list_ != nullptr ? list_[1] : nullptr;
-    if (first == nullptr || first[0] == '\0') return;
-    append_text(first, ZV_LIST_ENTRY_SIZE, "#");
-    append_text(first, ZV_LIST_ENTRY_SIZE, field);
-}
-
-void keep_last(const CertificateFields& fields, const Certificate& certificate, char* subject, char* id) {
-    if (subject != nullptr) std::memcpy(subject, fields.description, sizeof fields.description);
-    if (id != nullptr) std::memcpy(id, certificate.id, sizeof certificate.id);
+LastCertificate::LastCertificate(const CertificateFields& fields, const Certificate& certificate) {
+    std::memcpy(description.data(), fields.description, sizeof fields.description);
+    std::memcpy(id.data(), certificate.id, sizeof certificate.id);
 }
 
 } // namespace zv

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "inventory/identifiers.h"
-#include "inventory/names.h"
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <deque>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -55,44 +56,27 @@ inline void no_trace(const char*, CK_RV) {}
 
 // What the crypto library says of one certificate.
 struct CertificateFields {
-    char description[DESCRIPTION_SIZE];
-    char issuer[512], subject[512];
-    char serial[128], iut[32], key_id[256], cod_fisc[128], policies[128], explicit_text[256];
-    char start[24], end[24];
+    char description[DESCRIPTION_SIZE] = {};
+    char issuer[512] = {}, subject[512] = {};
+    char serial[128] = {}, iut[32] = {}, key_id[256] = {}, cod_fisc[128] = {}, policies[128] = {};
+    char explicit_text[256] = {}, start[24] = {}, end[24] = {};
 
-    // Clears and fills every field; rewrites the names, the holder's with rewrite_holder.
-    void read(Certificate& certificate, NameRewrite rewrite_holder);
-};
-
-// A host's list with its work buffers: records are assembled in one and appended to the list's entries.
-class RecordList {
-  public:
-    RecordList(char** list, char* record, long record_size);
+    // Fills every field; the holder's names are rewritten as those of a services card's own certificate, or as others.
+    CertificateFields(Certificate& certificate, bool own);
 
     // 11 fields: notice text, subject key identifier, codice fiscale last.
-    void add_signature(const CertificateFields& fields, std::string_view id);
+    [[nodiscard]] std::string signature_record(std::string_view id) const;
     // 10 fields: subject key identifier, codice fiscale last.
-    void add_authentication(const CertificateFields& fields, std::string_view id);
-
-    [[nodiscard]] int count() const { return count_; }
-    // Appends the count to entry 0.
-    void write_count();
-    // Appends one more field to the first record, if there is one.
-    void mark(std::string_view field);
-
-  private:
-    void assemble(const CertificateFields& fields, std::string_view id);
-    void add_field(std::string_view field);
-    void finish();
-
-    char** list_;
-    char* record_;
-    std::size_t size_;
-    int count_ = 0;
+    [[nodiscard]] std::string authentication_record(std::string_view id) const;
 };
 
-// Copies a description and an identifier to where the host's side keeps the last ones.
-void keep_last(const CertificateFields& fields, const Certificate& certificate, char* subject, char* id);
+// The holder's description and the CKA_ID of a certificate, in buffers that a host keeps.
+struct LastCertificate {
+    std::array<char, DESCRIPTION_SIZE> description;
+    std::array<char, ID_SIZE> id;
+
+    LastCertificate(const CertificateFields& fields, const Certificate& certificate);
+};
 
 inline std::string_view id_of(const char* id) {
     return {id, strnlen(id, ID_SIZE)};

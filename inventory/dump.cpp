@@ -1,4 +1,5 @@
-// renewDump: every object of the card as a line of text, in a session of its own.
+#include "inventory/dump.h"
+
 #include "card/session.h"
 #include "store/objects.h"
 #include "store/walk.h"
@@ -125,10 +126,12 @@ void Dump::add_line(CK_OBJECT_HANDLE object, std::string& out) {
 
 } // namespace
 
-int renewDump(char* lib_path, char* pin, int slot, std::string& out) {
+namespace zv {
+
+int dump_card(char* lib_path, char* pin, int slot, std::string& out) {
     int result = 0;
     // A dump that stops early is what it is: the reading goes on.
-    zv::guarded([&] {
+    guarded([&] {
         const auto dump = std::make_unique<Dump>();
         result = static_cast<int>(__Initialize(slot, pin, lib_path));
         if (result == 0) dump->write(out);
@@ -136,3 +139,5 @@ int renewDump(char* lib_path, char* pin, int slot, std::string& out) {
     finalizza();
     return result;
 }
+
+} // namespace zv

@@ -1,14 +1,6 @@
 #include "inventory/identifiers.h"
 
-#include "store/deletion.h"
 #include "util/text.h"
-
-bool presente(const ckaid* table, const char* id) {
-    const std::string_view wanted = zv::or_empty(id);
-    return table != nullptr && std::any_of(table, table + ZV_CKAIDS, [wanted](const ckaid& record) {
-               return zv::bounded_text(record.id, sizeof record.id) == wanted;
-           });
-}
 
 namespace zv {
 
@@ -17,8 +9,7 @@ void IdentifierTable::add(std::string_view id) {
 }
 
 bool IdentifierTable::contains(std::string_view id) const {
-    const std::string_view kept = id.substr(0, sizeof ckaid::id - 1);
-    return std::any_of(begin(), end(), [kept](const ckaid& record) { return kept == record.id; });
+    return has_record(records_, id.substr(0, sizeof ckaid::id - 1));
 }
 
 void IdentifierTables::file(CK_OBJECT_CLASS object_class, std::string_view id) {
@@ -49,49 +40,14 @@ bool gather_identifiers(IdentifierTables& tables, const SearchLog& log) {
     });
 }
 
+bool has_record(std::span<const ckaid> records, std::string_view id) {
+    return std::any_of(records.begin(), records.end(),
+                       [id](const ckaid& record) { return bounded_text(record.id, sizeof record.id) == id; });
+}
+
 bool in_series(std::string_view id, std::string_view series, char first, char last) {
     if (!id.starts_with(series) || id.size() == series.size()) return false;
     return id[series.size()] >= first && id[series.size()] <= last;
-}
-
-void take_first_pending(const IdentifierTables& tables, int* pending_pra, int* pending_aut, char* ckaid_pra,
-                        char* ckaid_aut) {
-    for_each_pending(tables, [&](std::string_view id) {
-        const bool authentication = is_authentication(id);
-        copy_text(authentication ? ckaid_aut : ckaid_pra, ZV_KEY_ID_SIZE, id);
-        if (int* flag = authentication ? pending_aut : pending_pra) *flag = 1;
-        return false;
-    });
-}
-
-bool read_signature_certificates(const IdentifierTables& tables, char* key_pra) {
-    use2048Bit = false;
-    force2048PraGen = true;
-    bool found = false;
-    for (const ckaid& record : tables.certificates) {
-        const std::string_view id = record.id;
-        if (!id.starts_with(SIGNATURE_SERIES)) continue;
-        found = true;
-        if (in_series(id, SIGNATURE_SERIES, '3', '5')) use2048Bit = true;
-        if (!is1205SerialToken) continue;
-        force2048PraGen = true;
-        if (in_series(key_pra, SIGNATURE_SERIES, '0', '2') && delete_all_with(hSession, key_pra))
-            key_pra[0] = '\0';
-    }
-    return found;
-}
-
-bool propose_free(const IdentifierTable& public_keys, std::string_view series, char* out) {
-    copy_text(out, ZV_KEY_ID_SIZE, series);
-    for (int digit = 3; digit <= 5; ++digit) {
-        char id[ZV_KEY_ID_SIZE];
-        copy_text(id, series);
-        append_text(id, ItoA(digit));
-        if (public_keys.contains(id)) continue;
-        copy_text(out, ZV_KEY_ID_SIZE, id);
-        return true;
-    }
-    return false;
 }
 
 } // namespace zv

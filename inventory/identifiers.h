@@ -6,16 +6,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
-// The identifiers on a card and what they mean: pending pairs, first keys, free places in a series.
+// The identifiers on a card and the series that they belong to.
 namespace zv {
-
-// Result of a search for free identifiers that a series has none of.
-constexpr int SERIES_FULL = 1;
-// Result of a search for pending pairs that a PKCS#11 call failed in.
-constexpr int SEARCH_FAILED = 65535;
 
 inline constexpr std::string_view OWN_PAIR = "CNS0";
 inline constexpr std::string_view SIGNATURE_SERIES = "DS";
@@ -67,36 +63,15 @@ template <typename Examine> [[nodiscard]] bool walk_identities(const SearchLog& 
 // Files every key and certificate; each object's value is read too.
 [[nodiscard]] bool gather_identifiers(IdentifierTables& tables, const SearchLog& log = {});
 
+// True when a record equals an identifier as a whole.
+[[nodiscard]] bool has_record(std::span<const ckaid> records, std::string_view id);
+
 inline bool is_authentication(std::string_view id) {
     return id.find(AUTHENTICATION_SERIES) != std::string_view::npos;
 }
 
 // The series followed by a digit in that range.
 [[nodiscard]] bool in_series(std::string_view id, std::string_view series, char first, char last);
-
-// Calls take(id) for each pair that waits for its certificate, in the order of the public keys, until it
-// returns false. The card's first keys never count as pending.
-template <typename Take> void for_each_pending(const IdentifierTables& tables, Take take) {
-    for (const ckaid& record : tables.public_keys) {
-        const std::string_view id = record.id;
-        if (id.empty() || !tables.private_keys.contains(id) || tables.certificates.contains(id)) continue;
-        if (in_series(id, is_authentication(id) ? AUTHENTICATION_SERIES : SIGNATURE_SERIES, '0', '2'))
-            continue;
-        if (!take(id)) return;
-    }
-}
-
-// The first pending pair of either kind goes into its buffer of 32 characters and sets its flag.
-void take_first_pending(const IdentifierTables& tables, int* pending_pra, int* pending_aut, char* ckaid_pra,
-                        char* ckaid_aut);
-
-// Writes the first of 3, 4, 5 in the series that no public key has into out (32 characters); the bare series
-// and false when all are taken.
-[[nodiscard]] bool propose_free(const IdentifierTable& public_keys, std::string_view series, char* out);
-
-// Sets the key-size flags from the signature certificates. On a card of the 1205 series key_pra is emptied once the
-// objects of a first key that it names are deleted. Returns true when there is a signature certificate.
-bool read_signature_certificates(const IdentifierTables& tables, char* key_pra);
 
 // True when a certificate's identifier fits.
 template <typename Test> bool any_certificate(const IdentifierTables& tables, Test test) {

@@ -1,6 +1,7 @@
 // RichiestaCertificato: the one way into the request machinery.
 #include "card/session.h"
 #include "diag/log.h"
+#include "inventory/census.h"
 #include "store/objects.h"
 #include "store/pending_deletion.h"
 #include "store/renewal_state.h"
@@ -19,14 +20,12 @@ unsigned short tocontrol = 0;
 namespace {
 
 constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
-constexpr std::size_t CENSUS_SIZE = 1536;
-constexpr int PENDING_AND_FEW = 3, PENDING_AND_MORE = 4;
-
-int take_census() {
-    char census[CENSUS_SIZE] = {};
-    const int code = FindAllObjects(zv::hSession, census);
-    zv::trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? census : "");
-    return code;
+zv::Census log_census() {
+    char text[zv::CENSUS_SIZE] = {};
+    const zv::Census census = zv::take_census(text);
+    const int code = static_cast<int>(census);
+    zv::trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? text : "");
+    return census;
 }
 
 // A pending pair has no certificate: what has one is in use.
@@ -55,11 +54,11 @@ void discard_pending(char* module_path, char* pin) {
 }
 
 // Whatever becomes of it, the request goes on; without a session the builder fails and says so.
-void act_on_census(int code, char* module_path, char* pin) {
-    if (code == ZV_FAILED) {
+void act_on_census(zv::Census census, char* module_path, char* pin) {
+    if (census == zv::Census::failed) {
         finalizza();
-        zv::report_code(DISPATCH_TITLE, "FindObjects", static_cast<CK_RV>(code));
-    } else if ((code == PENDING_AND_FEW || code == PENDING_AND_MORE) && zv::cKeepKeys == 'D') {
+        zv::report_code(DISPATCH_TITLE, "FindObjects", ZV_FAILED);
+    } else if (zv::has_pending_key(census) && zv::cKeepKeys == 'D') {
         discard_pending(module_path, pin);
     }
 }
@@ -69,7 +68,7 @@ void act_on_census(int code, char* module_path, char* pin) {
 unsigned short RichiestaCertificato(char* pem_out, char* module_path, char* pin, char* card_type) {
     zv::trace(DISPATCH_TITLE, "I N I Z I O", CatItoA("tocontrol = ", zv::tocontrol));
     if (zv::hSession == 0) return 0;
-    act_on_census(take_census(), module_path, pin);
+    act_on_census(log_census(), module_path, pin);
     zv::trace(DISPATCH_TITLE, "Prima di RequestCertificate");
     const auto build =
         std::strcmp(zv::or_empty(card_type), "CNS") == 0 ? RequestCertificateCNS : RequestCertificate;

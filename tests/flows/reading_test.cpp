@@ -128,6 +128,28 @@ TEST_F(Flow, FreeIdentifiersFollowTheCard) {
     EXPECT_TRUE(reading.aut[0].ends_with("#AUTHCertificate3")) << reading.aut[0];
 }
 
+TEST_F(Flow, ANullArgumentChangesNothingInTheOthers) {
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(request("DS4"), 0);
+    std::string pin = PIN, library = path();
+    ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+    char signature[ZV_KEY_ID_SIZE], entries[ZV_LIST_ENTRIES][ZV_LIST_ENTRY_SIZE] = {};
+    char* list[ZV_LIST_ENTRIES];
+    for (int i = 0; i < ZV_LIST_ENTRIES; ++i)
+        list[i] = entries[i];
+    EXPECT_EQ(Find_ALL_Pending(nullptr, nullptr, signature, nullptr), 0);
+    EXPECT_STREQ(signature, "DS4") << "pending, though nobody asked for the flag";
+    EXPECT_EQ(NewFind_ALL_CertsKeysRenew(list, nullptr, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0,
+                                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              0);
+    EXPECT_TRUE(has(entries[0], "1") && std::string(entries[1]).ends_with("#DS4")) << entries[1];
+    EXPECT_EQ(NewFind_ALL_CertsKeysRenewCNS(nullptr, nullptr, nullptr, nullptr, 0, nullptr, 0, nullptr, 0,
+                                            nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                            nullptr, nullptr, false),
+              0);
+    finalizza();
+}
+
 TEST_F(Flow, WhatStandsBehindTenOthersCounts) {
     add(Lines(10, "Korvalenta Firma Dig"), Lines(10, "DS1x"));
     ASSERT_EQ(read().result, 0);

@@ -1,0 +1,80 @@
+// The inventory of a card that is not a services card.
+#include "diag/log.h"
+#include "inventory/inventory.h"
+#include "store/renewal_state.h"
+#include "util/guarded.h"
+#include "util/text.h"
+
+#include <cstring>
+
+namespace zv {
+
+namespace {
+
+constexpr std::size_t AUTHORITY_LABEL_LENGTH = 20;
+
+void log_call(const char* name, CK_RV result) {
+    if (result == CKR_OK) return trace(name, "OK");
+    static constexpr struct {
+        const char* call;
+        const char* text;
+    } failures[] = {{"C_GetSlotInfo", "Get Slot Info: "},
+                    {"C_GetTokenInfo", "Get Token Info: "},
+                    {"C_FindObjectsInit", "Find Objects Init: "},
+                    {"C_FindObjects", "Find Objects: "},
+                    {"C_FindObjectsFinal", "Find Objects Final: "}};
+    for (const auto& [call, text] : failures)
+        if (std::strcmp(call, name) == 0)
+            WriteErr(name, text, 0, CatItoAHex1("Errore = ", static_cast<int>(result)), 0);
+}
+
+constexpr SearchLog INVENTORY_LOG = {
+    .after = [](const SearchCall& call) { log_call(call.name, call.result); }};
+
+bool is_authority(const Certificate& certificate) {
+    return std::strncmp(certificate.label, CAcertificateLabel, AUTHORITY_LABEL_LENGTH) == 0;
+}
+
+bool is_signature(std::string_view id) {
+    return id.starts_with("Sign_Keypair") || in_series(id, SIGNATURE_SERIES, '0', '9');
+}
+
+void add_certificate(Inventory& inventory, Certificate& certificate) {
+    const CertificateFields fields(certificate, false);
+    const std::string_view id = id_of(certificate.id);
+    const bool signature = is_signature(id);
+    CertificateList& list = signature ? inventory.signature : inventory.authentication;
+    list.records.push_back(signature ? fields.signature_record(id) : fields.authentication_record(id));
+    list.last.emplace(fields, certificate);
+}
+
+void add_certificates(Inventory& inventory, const FoundCertificates& found) {
+    const auto count = [&] {
+        return inventory.signature.records.size() + inventory.authentication.records.size();
+    };
+    for (Certificate* certificate : found)
+        if (!is_authority(*certificate) && count() < MOST_CERTIFICATES)
+            add_certificate(inventory, *certificate);
+}
+
+} // namespace
+
+bool read_card(Inventory& inventory) {
+    FoundCertificates found;
+    if (!probe_token(log_call) || !found.read(INVENTORY_LOG, ALWAYS_ENDED)) return false;
+    add_certificates(inventory, found);
+    trace("Inizializzazione Buffers: inizio", "szCertPRAStore, szCertAUTStore");
+    trace("Inizializzazione Buffers: fine", "");
+    trace("Find_ALL_Pending", "Inizio");
+    guarded([&] { (void)read_card_state(inventory.state); });
+    trace("Find_ALL_Pending", "Fine");
+    // Both marks hang on the signature certificates and their flag alone.
+    if (!inventory.signature.records.empty() && inventory.state.signature.pending == 1) {
+        inventory.signature.mark = inventory.state.signature.id;
+        inventory.authentication.mark = inventory.state.authentication.id;
+    }
+    trace("NewFind_ALL_CertsKeysRenew: ", "return 0 (OK)");
+    return true;
+}
+
+} // namespace zv

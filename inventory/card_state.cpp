@@ -1,0 +1,65 @@
+#include "inventory/card_state.h"
+
+#include "diag/log.h"
+#include "util/text.h"
+
+namespace zv {
+
+namespace {
+
+constexpr char STATE_TITLE[] = "Find_ALL_Pending: ";
+
+constexpr SearchLog STATE_LOG = {.after = [](const SearchCall& call) {
+    char title[64];
+    copy_text(title, STATE_TITLE);
+    append_text(title, call.name);
+    trace(title, call.result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(call.result)));
+}};
+
+bool marks_signature(std::string_view id) {
+    return id.starts_with("Sign_Keypair") || id.starts_with(SIGNATURE_SERIES);
+}
+
+bool marks_authentication(std::string_view id) {
+    return !marks_signature(id);
+}
+
+} // namespace
+
+void take_first_pending(const IdentifierTables& tables, CardState& state) {
+    for_each_pending(tables, [&state](std::string_view id) {
+        PairState& pair = is_authentication(id) ? state.authentication : state.signature;
+        copy_text(pair.id, id);
+        pair.pending = 1;
+        return false;
+    });
+}
+
+bool propose_free(const IdentifierTable& public_keys, std::string_view series, PairState& pair) {
+    for (const char* digit : {"3", "4", "5"}) {
+        copy_text(pair.id, series);
+        append_text(pair.id, digit);
+        if (!public_keys.contains(pair.id)) return true;
+    }
+    copy_text(pair.id, series);
+    return false;
+}
+
+int read_card_state(CardState& state) {
+    IdentifierTables tables;
+    if (!gather_identifiers(tables, STATE_LOG)) return SEARCH_FAILED;
+    trace(STATE_TITLE, "Loop sulle chiavi pubbliche: inizio");
+    take_first_pending(tables, state);
+    trace(STATE_TITLE, "Loop sulle chiavi pubbliche: fine");
+    if (tables.certificates.empty()) return 0;
+    if (any_certificate(tables, marks_signature) && state.signature.pending == 0 &&
+        !propose_free(tables.public_keys, SIGNATURE_SERIES, state.signature))
+        return SERIES_FULL;
+    if (any_certificate(tables, marks_authentication) && state.authentication.pending == 0 &&
+        !propose_free(tables.public_keys, AUTHENTICATION_SERIES, state.authentication))
+        return SERIES_FULL;
+    trace(STATE_TITLE, "return 0 (OK)");
+    return 0;
+}
+
+} // namespace zv

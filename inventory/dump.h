@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace zv {
+
+// Writes every object of the card as a line of text, in a session of its own, which is closed in any case. Returns 0,
+// also when the text stops early, or what the session was refused with.
+int dump_card(char* lib_path, char* pin, int slot, std::string& out);
+
+} // namespace zv

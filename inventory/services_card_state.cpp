@@ -1,0 +1,82 @@
+// What a services card holds for a renewal.
+#include "diag/log.h"
+#include "inventory/card_state.h"
+#include "util/text.h"
+
+#include <cstdlib>
+
+namespace zv {
+
+namespace {
+
+bool is_filed(std::string_view id) {
+    return id.starts_with(SIGNATURE_SERIES) || id.starts_with(AUTHENTICATION_SERIES);
+}
+
+bool read_expiry(CK_OBJECT_HANDLE object, CardState& state) {
+    char value[16384];
+    if (read_text(hSession, object, CKA_VALUE, value) != CKR_OK) return false;
+    trace("Find_ALL_PendingCNS", "DATAFIELD_PDATA_CNS", value);
+    const std::string_view date = expiry_in(value);
+    if (!date.empty()) copy_text(state.expiry, date);
+    return true;
+}
+
+bool gather_on_services_card(IdentifierTables& tables, CardState& state) {
+    return walk_identities({}, [&](CK_OBJECT_HANDLE object, const ObjectIdentity& identity) {
+        char text[256];
+        if (!is_tolerated(read_text(hSession, object, CKA_LABEL, text))) return false;
+        if (identity.object_class != CKO_DATA) {
+            if (is_filed(identity.id)) tables.file(identity.object_class, identity.id);
+            return true;
+        }
+        const std::string_view label = text;
+        if (label == "pending_CNS_key") state.own_pending = 1;
+        return label != "PDATA" || read_expiry(object, state);
+    });
+}
+
+bool is_signature_id(std::string_view id) {
+    return id.starts_with(SIGNATURE_SERIES);
+}
+
+bool is_authentication_id(std::string_view id) {
+    return id.starts_with(AUTHENTICATION_SERIES);
+}
+
+} // namespace
+
+int read_services_card_state(CardState& state) {
+    IdentifierTables tables;
+    if (!gather_on_services_card(tables, state)) return SEARCH_FAILED;
+    take_first_pending(tables, state);
+    set_key_size_flags(tables);
+    auto& [signature, authentication, own_pending, expiry] = state;
+    if (signature.pending == 1 && signature.id[0] != '\0') {
+        discard_first_key(tables, signature.id);
+        if (signature.id[0] == '\0') signature.pending = 0;
+    }
+    if (any_certificate(tables, is_signature_id) && signature.pending == 0 &&
+        !propose_free(tables.public_keys, SIGNATURE_SERIES, signature))
+        return SERIES_FULL;
+    if (any_certificate(tables, is_authentication_id) && authentication.pending == 0 &&
+        !propose_free(tables.public_keys, AUTHENTICATION_SERIES, authentication))
+        return SERIES_FULL;
+    return 0;
+}
+
+std::string_view expiry_in(std::string_view personal_data) {
+    constexpr std::size_t length_at = 6, mark_at = 8, date_after = 20, date_length = 8;
+    if (personal_data.size() < mark_at) return {};
+    char mark[4], digits[3];
+    copy_text(mark, personal_data.substr(mark_at, 3));
+    if (std::string_view(_strupr(mark)) == "XXX") return {};
+    copy_text(digits, personal_data.substr(length_at, 2));
+    const long length = std::strtol(digits, nullptr, 10);
+    if (length <= 0) return {};
+    const std::size_t start = date_after + static_cast<std::size_t>(length);
+    return start + date_length <= personal_data.size() ? personal_data.substr(start, date_length)
+                                                       : std::string_view();
+}
+
+} // namespace zv
