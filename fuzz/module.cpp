@@ -1,5 +1,5 @@
 // Everything a host calls, on a card whose module answers as it likes. Lines: the calls (R read, F free
-// identifiers, P and A requests, S and T storing, X single steps; k keep, c services card, 5 and 1 series of serial
+// identifiers, P and A requests, S and T installing, X single steps; k keep, c services card, 5 and 1 series of serial
 // numbers, l with a log); pending label; key; subject; certificate ("@": the card's); objects ("c|id|label|value")
 // up to an empty line. Bytes behind it spoil the card's answers.
 #include "api/state.h"
@@ -109,8 +109,8 @@ void request(const Call& call, char* pin, bool signature) {
     BIO_free_all(decoder);
 }
 
-// A certificate that is said to be stored is on the card, under the pending label.
-void store(const Call& call, char* pin, bool signature) {
+// A certificate that is said to be installed is on the card, under the pending label.
+void install(const Call& call, char* pin, bool signature) {
     fuzz::Room label(64, call.key);
     std::string pending = call.pendingLabel, text = call.certificate;
     if (text == "@") {
@@ -124,10 +124,10 @@ void store(const Call& call, char* pin, bool signature) {
     const int code = save(pin, label.get(), pending.data(), text.data(), call.has('k'));
     HOLDS(label.text().size() < label.size() && fuzz::card.refused_pins <= 1);
     if (code != 0 || call.certificate != "@") return;
-    const std::string stored = RTrim(pending.data());
+    const std::string installed = RTrim(pending.data());
     HOLDS(std::any_of(fuzz::card.objects.begin(), fuzz::card.objects.end(),
                       [&](const fuzz::FakeObject& object) {
-                          return object.object_class == CKO_CERTIFICATE && object.id == stored &&
+                          return object.object_class == CKO_CERTIFICATE && object.id == installed &&
                                  object.value == fuzz::own_certificate();
                       }));
 }
@@ -202,7 +202,7 @@ void run(const Call& call) {
         if (letter == 'R') read_card(reader.data(), pin);
         if (letter == 'F') find_free(reader.data(), pin);
         if (letter == 'P' || letter == 'A') request(call, pin, letter == 'P');
-        if (letter == 'S' || letter == 'T') store(call, pin, letter == 'S');
+        if (letter == 'S' || letter == 'T') install(call, pin, letter == 'S');
         if (letter == 'X') single_steps(call, pin);
         HOLDS(letter == 'X' || (zv::hSession == 0 && zv::hModule == nullptr));
         HOLDS(fuzz::field_of(szBuffErr).size() < sizeof szBuffErr &&

@@ -29,7 +29,7 @@ typedef struct datiDN {
     char stateOrProvince[65];
 } datiDN;
 
-/** A parsed command block: everything that one request or one storing needs. */
+/** A parsed command block: everything that one request or one installation needs. */
 typedef struct REQRENIN {
     char slot;                  /**< slot digit, "0" to "9" */
     char szDll[512];            /**< path of the PKCS#11 module */

@@ -18,7 +18,7 @@
  *  6. Every step goes to the user's log, "/.trevallo/zvRenew.log" below the home directory of the user
  *     database. The library does not create that directory: the host does (mode 0700). Without it nothing is
  *     logged. A PIN never is.
- *  7. Requests and storing work on the module and the slot of the last card detection, that is of the last
+ *  7. Requests and installing work on the module and the slot of the last card detection, that is of the last
  *     rinnovo_Card_readCerts or rinnovo_Card_findFreeCKAID: read the card first, go on only after a success,
  *     and do not let a search in another reader come between. Only slots 0 to 9 can be used by them.
  *  8. Each call opens the card's PKCS#11 module itself and finalises it (C_Finalize) for the whole process
@@ -29,10 +29,10 @@
  * 10. Guards: a call whose arguments would cost a key or a PIN try, or would not reach the card unchanged, is
  *     stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
  *     szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read
- *     and would be stored with deletion). Stopped are: an empty pendingLabel (but for a services card's own
- *     pair whose old request is kept); a request whose pendingLabel is part of keyId; storing whose
+ *     and would be installed with deletion). Stopped are: an empty pendingLabel (but for a services card's own
+ *     pair whose old request is kept); a request whose pendingLabel is part of keyId; installing whose
  *     pendingLabel is a proper part of certLabel; whatever would delete "CNS0" (a request that discards a
- *     pending "CNS0", storing with deletion and a certLabel that is part of "CNS0"); storing with deletion
+ *     pending "CNS0", installing with deletion and a certLabel that is part of "CNS0"); installing with deletion
  *     and a certLabel that is part of pendingLabel; a request whose subject has no known attribute, or would
  *     lose one for its length; and values that would not come through the command block as they are: longer
  *     than their fields or than the block, with a line feed or a key of the block inside, a PIN of more than
@@ -236,7 +236,7 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *                           byte more for each attribute: what is longer and would lose an attribute is
  *                           stopped, as is a subject without any
  * @param[in]  keepFlag      true *discards*, before the request, the old pending pair whose CKA_ID is exactly
- *                           pendingLabel: a certificate issued for it can no longer be stored. It is looked
+ *                           pendingLabel: a certificate issued for it can no longer be installed. It is looked
  *                           for when a public key has the CKA_LABEL pendingLabel, as a request leaves it, or
  *                           a private key one that begins "pending_"; else nothing is discarded. A pair that
  *                           has a certificate stays, and the request fails. False keeps an old pair and uses
@@ -260,14 +260,14 @@ ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendi
  *
  * For "CNS0" no pair is generated: the card's key is used, the subject has no title and no pseudonym, and a
  * marker object "pending_CNS_key" says that a request is under way. pendingLabel then names no pair of the
- * request, but with keepFlag true the old pending pair of that name is discarded all the same; storing wants
+ * request, but with keepFlag true the old pending pair of that name is discarded all the same; installing wants
  * "CNS0". Everything else as rinnovo_Card_createCertRequestPRA.
  */
 ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendingLabel, char* pin,
                                              char* keyId, const char* dn, bool keepFlag);
 
 /**
- * Stores the issued signature certificate on the card, next to its pending pair.
+ * Installs the issued signature certificate on the card, next to its pending pair.
  *
  * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
  * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
@@ -300,7 +300,7 @@ ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLab
                                     bool keepOld);
 
 /**
- * Stores the issued authentication certificate, or, with certLabel exactly "CNS0", the services card's own.
+ * Installs the issued authentication certificate, or, with certLabel exactly "CNS0", the services card's own.
  *
  * For "CNS0" pendingLabel is "CNS0" too. As rinnovo_Card_saveCertPRA, but an empty certLabel becomes
  * "AUTHCertificate0" (room for 17 characters), and the authority's certificate is left alone. For "CNS0" with
@@ -308,7 +308,7 @@ ZV_API int rinnovo_Card_saveCertPRA(char* pin, char* certLabel, char* pendingLab
  * second try with keepOld false fails because it is gone (result -1); repeat with keepOld true. Over a "CNS0"
  * that is still there, keepOld true leaves two certificates of that identifier, where the card takes a second
  * (else 1); keepOld false then removes the first that the card gives, be it the new one. The marker
- * "pending_CNS_key" is removed once the certificate is stored.
+ * "pending_CNS_key" is removed once the certificate is installed.
  */
 ZV_API int rinnovo_Card_saveCertAUT(char* pin, char* certLabel, char* pendingLabel, char* certChain,
                                     bool keepOld);

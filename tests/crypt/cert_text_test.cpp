@@ -13,7 +13,7 @@ namespace {
 
 class CertText : public testing::Test {
   protected:
-    // Sends a text the way of the storing routine: writeBuff, then SplitCert.
+    // Sends a text the way of the installing routine: writeBuff, then SplitCert.
     int split(std::string text) {
         std::vector<char> buffer(ZVC_CERT_TEXT_SIZE, 'x');
         writeBuff(text.data(), buffer.data());

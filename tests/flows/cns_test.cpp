@@ -222,7 +222,7 @@ TEST_F(ServicesCard, ADllPathIsAServicesCard) {
     EXPECT_EQ(zv::Libreria, copy);
     EXPECT_FALSE(has(log.text(), "Lista lettori") || has(log.text(), "Dump Smart Card"))
         << "neither detection nor dump";
-    ASSERT_EQ(request_own(), 0) << "requests and storing go to the same module";
+    ASSERT_EQ(request_own(), 0) << "requests and installing go to the same module";
     EXPECT_EQ(save_own(issue(), false), 0);
 }
 
@@ -335,7 +335,7 @@ TEST_F(ServicesCardWithSignature, ALivePairIsNotTheOldPendingOne) {
     EXPECT_EQ(objects(), before);
 }
 
-TEST_F(ServicesCard, AFailedStoringIsRepeatedWithKeeping) {
+TEST_F(ServicesCard, AFailedInstallingIsRepeatedWithKeeping) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(request_own(), 0);
     const std::string certificate = issue();

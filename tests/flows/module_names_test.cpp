@@ -8,8 +8,8 @@ using namespace zvtest;
 struct NamedModule {
     const char* name;
     bool tells_exponent; // of a new key pair
-    bool relabels;       // the pair, when its certificate is stored
-    bool relabels_back;  // the pair, when it could not be stored
+    bool relabels;       // the pair, when its certificate is installed
+    bool relabels_back;  // the pair, when it could not be installed
 };
 
 void PrintTo(const NamedModule& module, std::ostream* out) {

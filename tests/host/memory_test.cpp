@@ -97,7 +97,7 @@ TEST(Memory, RunsOut) {
     ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
     const char* cases = std::getenv("ZV_MEMORY_CASES");
     for (const FlowPlan& plan : flow_plans())
-        if (has("read free request store-delete", plan.name))
+        if (has("read free request install-delete", plan.name))
             refuse_in(plan, std::strtoul(cases != nullptr ? cases : "6", nullptr, 10));
     *loaded.list() = module;
 }

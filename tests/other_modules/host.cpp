@@ -41,8 +41,8 @@ int request(Arguments at, zvtest::Reading card) {
     return result;
 }
 
-// store LABEL PENDING FILE KEEP
-int store(Arguments at) {
+// install LABEL PENDING FILE KEEP
+int install(Arguments at) {
     std::ifstream file(at[6]);
     std::string chain(std::istreambuf_iterator<char>(file), {});
     const auto save = at[4].starts_with("DS") ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
     if (result == 0 && at[3] == "read") print(card);
     if (result == 0 && at[3] == "free") result = find_free();
     if (result == 0 && at[3] == "request") result = request(at, card);
-    if (result == 0 && at[3] == "store") result = store(at);
+    if (result == 0 && at[3] == "install") result = install(at);
     std::fill_n(static_cast<volatile char*>(pin), sizeof pin, '\0');
     std::raise(SIGURG); // where a tracer looks; ignored without one
     if (result == 0) return 0;

@@ -41,7 +41,7 @@ class Endurance : public zvtest::Flow {
         const std::string pending = reading_.key_pra, old = std::exchange(in_use_, pending);
         subject = reading_.subject();
         check("request", request(pending, old) == 0),
-            check("storing", save(issue(), false, old, pending) == 0);
+            check("installing", save(issue(), false, old, pending) == 0);
         read();
         require(zvtest::has(reading_.pra.at(0), "#" + pending), "the new certificate");
     }

@@ -85,16 +85,16 @@ const std::vector<FlowPlan>& flow_plans() {
          {read, request, request_next, drop_first},
          request_anew,
          "key\\|DS5"},
-        {"store-keep", "storing, old pair kept", s, "DS3", pending, save<true>, none},
-        {"store-delete", "storing, old pair deleted", s, "DS3", pending, save<false>,
+        {"install-keep", "installing, old pair kept", s, "DS3", pending, save<true>, none},
+        {"install-delete", "installing, old pair deleted", s, "DS3", pending, save<false>,
          "\\|DS0\\||\\|Korvalenta"},
         {"cns-read", "services card: reading", c, "-", own_pending, read, none},
         {"cns-request", "services card: request, own pair", c, "-", {read}, request_own, none},
         {"cns-request-new", "services card: request, new pair", c, "DS3", {read}, request, none},
-        {"cns-store-keep", "services card: storing, old kept", c, "CNS0", own_pending, save_own<true>,
+        {"cns-install-keep", "services card: installing, old kept", c, "CNS0", own_pending, save_own<true>,
          marker},
-        {"cns-store-delete", "services card: storing, old deleted", c, "CNS0", own_pending, save_own<false>,
-         "pending_CNS_key|certificate\\|CNS0", save_own<true>},
+        {"cns-install-delete", "services card: installing, old deleted", c, "CNS0", own_pending,
+         save_own<false>, "pending_CNS_key|certificate\\|CNS0", save_own<true>},
     };
     return plans;
 }

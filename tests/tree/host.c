@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     /* Stopped before any card is touched: the pending label is empty. */
     char pin[] = "12345", certLabel[32] = "DS0", pendingLabel[32] = "", chain[] = "";
     int result = rinnovo_Card_saveCertPRA(pin, certLabel, pendingLabel, chain, true);
-    failures += expect(result == ZV_NOT_SENT, "a storing without a pending label is stopped");
+    failures += expect(result == ZV_NOT_SENT, "an installation without a pending label is stopped");
     failures += expect(strcmp(szBuffErr, "Errore nella mininfo") == 0, "szBuffErr holds the text");
     failures += expect(szSockMsg[0] == '\0' && force2048PraGen && !use2048Bit && !is1205SerialToken,
                        "the other variables hold their first values");
