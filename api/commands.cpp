@@ -4,6 +4,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "install/issued_certificate.h"
+#include "request/request.h"
 #include "store/deletion.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
@@ -111,7 +112,8 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
     zv::clear(zv::buffer);
     zv::trace("REQCERT_FUN", rec->szTipoCert);
     scriviLog("Eseguo la funzione RichiestaCertificato() ..");
-    const unsigned short result = RichiestaCertificato(zv::buffer, rec->szDll, rec->szPin, rec->szTipoCert);
+    const unsigned short result =
+        zv::request_certificate({rec->szDll, rec->szPin}, rec->szTipoCert, zv::buffer);
     zv::trace("Funzione RichiestaCertificato eseguita", zv::buffer, CatItoAHex1("Ret Code = ", result));
     if (result != 0) return result;
     const unsigned long length = SepRows(zv::buffer);

@@ -64,7 +64,7 @@ CK_RV generate_once(const char* module_path) {
         attribute_of(CKA_SIGN, b_true),
     };
     // This module wants to be told the exponent; the others choose it.
-    const bool tell_exponent = std::strstr(module_path, "libcardos11.dylib") != nullptr;
+    const bool tell_exponent = std::strstr(or_empty(module_path), "libcardos11.dylib") != nullptr;
     const std::span public_template =
         tell_exponent ? std::span<CK_ATTRIBUTE>(with_exponent) : std::span<CK_ATTRIBUTE>(plain);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS_KEY_PAIR_GEN, nullptr, 0};

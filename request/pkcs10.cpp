@@ -3,6 +3,7 @@
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
+#include "request/sign.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
@@ -45,8 +46,7 @@ std::size_t significant(const unsigned char* bytes, unsigned long length) {
 
 unsigned short sign_once(der::Bytes& info, const PublicKey& key, Signature& signature) {
     signature.length = sizeof signature.bytes;
-    const unsigned short code =
-        SignIt(nullptr, info.data(), info.size(), signature.bytes, &signature.length, hPrivateKey);
+    const unsigned short code = sign_on_card(info, hPrivateKey, signature.bytes, signature.length);
     if (code != 0 || signature.length == key.size()) return code;
     // No authority would take the request.
     rv = CKR_SIGNATURE_LEN_RANGE;

@@ -1,53 +1,51 @@
-// RequestCertificate: the request of a card that is not a services card, for its pending pair.
+// The request of a card that is not a services card, for its pending pair.
+#include "request/request.h"
+
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "request/key_pair.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
-#include "util/guarded.h"
 #include "util/text.h"
+
+namespace zv {
 
 namespace {
 
-unsigned short prepare_pair(const zv::LoginData& login, zv::PublicKey& key) {
-    const zv::PendingPair pending = zv::find_pending_pair(false);
-    const bool generate = pending.search == zv::PairSearch::no_private_key;
-    zv::copy_text(key.id, generate ? zv::pendingLabel : pending.id);
-    if (pending.search == zv::PairSearch::found) return 0;
-    if (generate) return zv::generate_key_pair(login);
+unsigned short prepare_pair(const LoginData& login, PublicKey& key) {
+    const PendingPair pending = find_pending_pair(false);
+    const bool generate = pending.search == PairSearch::no_private_key;
+    copy_text(key.id, generate ? pendingLabel : pending.id);
+    if (pending.search == PairSearch::found) return 0;
+    if (generate) return generate_key_pair(login);
     // The code is always shown as 0.
-    return zv::Failure(zv::REQUEST_TITLE)
+    return Failure(REQUEST_TITLE)
         .step("CheckPendingKeys", CKR_OK)
         .user("Errore nella ricerca delle chiavi pending generate sulla smartcard (error %lx)", CKR_OK)
         .sentence(szSockMsg);
 }
 
-unsigned short read_back(zv::PublicKey& key) {
-    const CK_RV result = key.read(zv::hPrivateKey, zv::PublicKey::MODULUS_SIZE, zv::PublicKey::EXPONENT_SIZE);
-    if (result != CKR_OK) return zv::Failure(zv::REQUEST_TITLE).user(zv::KEY_READ_ERROR, result);
-    if (!key.is_blank(zv::keySize / 8)) return 0;
-    return zv::Failure(zv::REQUEST_TITLE)
+unsigned short read_back(PublicKey& key) {
+    const CK_RV result = key.read(hPrivateKey, PublicKey::MODULUS_SIZE, PublicKey::EXPONENT_SIZE);
+    if (result != CKR_OK) return Failure(REQUEST_TITLE).user(KEY_READ_ERROR, result);
+    if (!key.is_blank(keySize / 8)) return 0;
+    return Failure(REQUEST_TITLE)
         .step("ErrAttributeValue", CKR_OK)
-        .sentence(zv::REPEAT_GENERATION)
-        .user(zv::REPEAT_GENERATION);
-}
-
-unsigned short build_request(const zv::LoginData& login, char* pem_out) {
-    zv::PublicKey key;
-    unsigned short status = prepare_pair(login, key);
-    if (status == 0) status = read_back(key);
-    return status == 0 ? zv::complete_request(key, zv::SUBJECT_TABLE, login, pem_out) : status;
+        .sentence(REPEAT_GENERATION)
+        .user(REPEAT_GENERATION);
 }
 
 } // namespace
 
-unsigned short RequestCertificate(void*, char* pem_out, char* pin, unsigned short, char* module_path, char*) {
-    zv::keySize = 2048;
-    zv::trace(zv::REQUEST_TITLE, "I N I Z I O");
-    char none[] = "";
-    const zv::LoginData login = {module_path != nullptr ? module_path : none, pin};
-    const unsigned short status =
-        zv::guarded<unsigned short>(ZV_FAILED, [&] { return build_request(login, pem_out); });
-    if (status == 0) zv::trace(zv::REQUEST_TITLE, "F I N E");
+unsigned short request_for_pending_pair(const LoginData& login, char* pem_out) {
+    keySize = 2048;
+    trace(REQUEST_TITLE, "I N I Z I O");
+    PublicKey key;
+    unsigned short status = prepare_pair(login, key);
+    if (status == 0) status = read_back(key);
+    if (status == 0) status = complete_request(key, SUBJECT_TABLE, login, pem_out);
+    if (status == 0) trace(REQUEST_TITLE, "F I N E");
     return status;
 }
+
+} // namespace zv
