@@ -3,7 +3,6 @@
 #include "cli/library_text.h"
 #include "cli/outcome.h"
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -30,18 +29,19 @@ void require(CK_RV result, std::string_view what) {
     throw Stop(Exit::failed, fmt::format("{} failed{}.", what, library_reason(code)));
 }
 
-} // namespace
-
-void Module::Unload::operator()(void* handle) const {
-    dlclose(handle);
+pkcs11::Module load(const std::string& path) {
+    try {
+        return pkcs11::Module(path, pkcs11::Mapped::until_exit);
+    } catch (const pkcs11::NotLoaded& reason) {
+        throw Stop(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, reason.what()));
+    } catch (const pkcs11::NotAModule&) {
+        throw Stop(Exit::failed, fmt::format("{} is no PKCS#11 module.", path));
+    }
 }
 
-Module::Module(const std::string& path) : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_NODELETE)) {
-    if (!handle_)
-        throw Stop(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, dlerror()));
-    const auto get_list = reinterpret_cast<CK_C_GetFunctionList>(dlsym(handle_.get(), "C_GetFunctionList"));
-    if (get_list != nullptr && get_list(&list_) != CKR_OK) list_ = nullptr;
-    if (list_ == nullptr) throw Stop(Exit::failed, fmt::format("{} is no PKCS#11 module.", path));
+} // namespace
+
+Module::Module(const std::string& path) : loaded_(load(path)) {
     require(call<&List::C_Initialize>(nullptr), "Starting the card's module");
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "cli/pin.h"
-#include "pkcs11.h"
+#include "pkcs11/module.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -26,8 +25,7 @@ class Module {
 
     // Calls a function of the module's list, whose entry may be missing.
     template <auto Function, class... Arguments> [[nodiscard]] CK_RV call(Arguments... arguments) const {
-        const auto function = list_->*Function;
-        return function == nullptr ? CKR_FUNCTION_NOT_SUPPORTED : function(arguments...);
+        return loaded_.call<Function>(arguments...);
     }
 
     // Slots that hold a card, in the module's order.
@@ -38,11 +36,7 @@ class Module {
     [[nodiscard]] CK_TOKEN_INFO token(CK_SLOT_ID slot) const;
 
   private:
-    struct Unload {
-        void operator()(void* handle) const;
-    };
-    std::unique_ptr<void, Unload> handle_;
-    CK_FUNCTION_LIST* list_ = nullptr;
+    pkcs11::Module loaded_;
 };
 
 // A read-only session with the card in a slot.

@@ -4,8 +4,6 @@
 #include "simcard/common/memory_file.h"
 #include "simcard/common/text.h"
 
-#include <dlfcn.h>
-
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -64,60 +62,43 @@ std::string configuration(const fs::path& home) {
 } // namespace
 
 SoftHsm::SoftHsm(const fs::path& home, CK_VOID_PTR init_args) {
-    load(library_path().c_str());
+    load(library_path());
     CK_RV result = initialize(home, init_args);
     if (result == CKR_CRYPTOKI_ALREADY_INITIALIZED) {
-        unload();
+        module_.reset();
         copy_ = std::make_unique<MemoryFile>("softhsm", whole_file(library_path()));
-        load(copy_->path().c_str());
+        load(copy_->path());
         result = initialize(home, init_args);
     }
-    if (result == CKR_OK) return;
-    unload();
-    throw SoftHsmProblem("SoftHSM cannot be started on " + home.string() + ".", result);
+    if (result != CKR_OK) throw SoftHsmProblem("SoftHSM cannot be started on " + home.string() + ".", result);
 }
 
 SoftHsm::~SoftHsm() {
-    functions_->C_Finalize(nullptr);
-    unload();
+    get()->C_Finalize(nullptr);
 }
 
-void SoftHsm::load(const char* path) {
-    library_ = ::dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    const auto list =
-        library_ ? reinterpret_cast<CK_C_GetFunctionList>(::dlsym(library_, "C_GetFunctionList")) : nullptr;
-    if (list && list(&functions_) == CKR_OK && functions_) return;
-    unload();
-    throw SoftHsmProblem("Cannot load SoftHSM from " + library_path() + ".", CKR_GENERAL_ERROR);
-}
-
-void SoftHsm::unload() {
-    if (library_) ::dlclose(library_);
-    library_ = nullptr;
-    functions_ = nullptr;
-    copy_.reset();
+void SoftHsm::load(const std::string& path) {
+    try {
+        module_.emplace(path);
+    } catch (const std::runtime_error&) {
+        throw SoftHsmProblem("Cannot load SoftHSM from " + library_path() + ".", CKR_GENERAL_ERROR);
+    }
 }
 
 CK_RV SoftHsm::initialize(const fs::path& home, CK_VOID_PTR init_args) {
-    try {
-        const MemoryFile file("softhsm2.conf", configuration(home));
-        const Setting setting(file.path());
-        return functions_->C_Initialize(init_args);
-    } catch (...) {
-        unload();
-        throw;
-    }
+    const MemoryFile file("softhsm2.conf", configuration(home));
+    const Setting setting(file.path());
+    return get()->C_Initialize(init_args);
 }
 
 std::optional<CK_SLOT_ID> SoftHsm::slot_of(std::string_view token) const {
     CK_ULONG count = 0;
-    if (functions_->C_GetSlotList(CK_TRUE, nullptr, &count) != CKR_OK) return std::nullopt;
+    if (get()->C_GetSlotList(CK_TRUE, nullptr, &count) != CKR_OK) return std::nullopt;
     std::vector<CK_SLOT_ID> slots(count);
-    if (functions_->C_GetSlotList(CK_TRUE, slots.data(), &count) != CKR_OK) return std::nullopt;
+    if (get()->C_GetSlotList(CK_TRUE, slots.data(), &count) != CKR_OK) return std::nullopt;
     for (const CK_SLOT_ID slot : slots) {
         CK_TOKEN_INFO info{};
-        if (functions_->C_GetTokenInfo(slot, &info) == CKR_OK && unpadded(info.serialNumber) == token)
-            return slot;
+        if (get()->C_GetTokenInfo(slot, &info) == CKR_OK && unpadded(info.serialNumber) == token) return slot;
     }
     return std::nullopt;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pkcs11.h"
+#include "pkcs11/module.h"
 #include "simcard/common/problem.h"
 
 #include <filesystem>
@@ -36,20 +36,18 @@ class SoftHsm {
     SoftHsm(const SoftHsm&) = delete;
     SoftHsm& operator=(const SoftHsm&) = delete;
 
-    [[nodiscard]] CK_FUNCTION_LIST* operator->() const { return functions_; }
-    [[nodiscard]] CK_FUNCTION_LIST* get() const { return functions_; }
+    [[nodiscard]] CK_FUNCTION_LIST* operator->() const { return get(); }
+    [[nodiscard]] CK_FUNCTION_LIST* get() const { return module_->list(); }
 
     // The slot of the token with that serial number of SoftHSM's own; of a blank one when it is empty.
     [[nodiscard]] std::optional<CK_SLOT_ID> slot_of(std::string_view token) const;
 
   private:
-    void load(const char* path);
-    void unload();
+    void load(const std::string& path);
     [[nodiscard]] CK_RV initialize(const std::filesystem::path& home, CK_VOID_PTR init_args);
 
     std::unique_ptr<MemoryFile> copy_;
-    void* library_ = nullptr;
-    CK_FUNCTION_LIST* functions_ = nullptr;
+    std::optional<pkcs11::Module> module_;
 };
 
 } // namespace simcard

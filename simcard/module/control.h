@@ -41,7 +41,7 @@ class Control {
     void record(const Call& call, const Rooms& rooms, std::optional<CK_RV> result);
 
     std::vector<Rule> rules_;
-    std::array<unsigned long, FUNCTION_COUNT> counts_{};
+    std::array<unsigned long, pkcs11::FUNCTION_COUNT> counts_{};
     std::filesystem::path key_file_;
     std::filesystem::path trace_file_;
     std::string recorded_;

@@ -49,7 +49,7 @@ ZVSIMCARD_EXPORT void zvsimcard_reset(void) {
 ZVSIMCARD_EXPORT unsigned long zvsimcard_calls(const char* function) {
     const std::lock_guard held(gate());
     if (!function) return control().calls(std::nullopt);
-    const auto known = simcard::function_named(function);
+    const auto known = pkcs11::function_named(function);
     return known ? control().calls(known) : 0;
 }
 

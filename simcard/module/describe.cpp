@@ -141,7 +141,7 @@ std::optional<std::string> describe_argument(const Call& call, const Rooms& room
 
 std::string describe(const Call& call, const Rooms& rooms, std::optional<CK_RV> result) {
     const auto& parameters = call.parameters();
-    std::string line(info(call.function).name);
+    std::string line(pkcs11::info(call.function).name);
     for (std::size_t i = 0; i < parameters.size(); ++i)
         if (const auto text = describe_argument(call, rooms, i, result == CKR_OK))
             line.append(" ").append(parameters[i].name).append("=").append(*text);

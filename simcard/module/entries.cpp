@@ -1,4 +1,4 @@
-#include "simcard/module/call.h"
+#include "pkcs11/forwarding.h"
 #include "simcard/module/control.h"
 #include "simcard/module/forward.h"
 #include "simcard/module/own_functions.h"
@@ -27,26 +27,22 @@ CK_RV answer_of_failure() {
 }
 
 // Does a call by a card's own function, or by SoftHSM's.
-CK_RV perform(const Call& call, bool own) noexcept {
+CK_RV perform(const Call& call) noexcept {
     try {
-        return own ? call.invoke(own_functions(), call.arguments) : forward(call);
+        return call.is_in(own_functions()) ? call.invoke(own_functions(), call.arguments) : forward(call);
     } catch (...) {
         return answer_of_failure();
     }
 }
 
 // The way that every call takes: the control stands around it.
-CK_RV dispatch(const Call& call, bool own) noexcept {
+CK_RV dispatch(const Call& call) noexcept {
     try {
         const std::lock_guard held(gate());
-        return control().around(call, [&] { return perform(call, own); });
+        return control().around(call, [&] { return perform(call); });
     } catch (...) {
         return answer_of_failure();
     }
-}
-
-template <Function F, class... A> CK_RV enter(A... arguments) noexcept {
-    return dispatch(make_call<F>(arguments...), own_functions().*MEMBER_OF<F> != nullptr);
 }
 
 } // namespace
@@ -80,27 +76,19 @@ const CK_FUNCTION_LIST& own_functions() {
     return list;
 }
 
+CK_FUNCTION_LIST* public_functions() {
+    static CK_FUNCTION_LIST list = pkcs11::forwarding_list<dispatch>();
+    return &list;
+}
+
 } // namespace simcard
 
 extern "C" {
 #define ZVSIMCARD_DEFINE(name, parameters, names)                                                            \
     ZVSIMCARD_EXPORT CK_RV name parameters {                                                                 \
         /* NOLINTNEXTLINE(bugprone-macro-parentheses): names come with their own */                          \
-        return simcard::enter<simcard::Function::name> names;                                                \
+        return pkcs11::Entry<simcard::dispatch, pkcs11::Function::name>::enter names;                        \
     }
 CK_EACH_FUNCTION(ZVSIMCARD_DEFINE)
 #undef ZVSIMCARD_DEFINE
 }
-
-namespace simcard {
-
-CK_FUNCTION_LIST* public_functions() {
-    static CK_FUNCTION_LIST list = {{2, 40},
-#define ZVSIMCARD_ENTRY(name, parameters, names) ::name,
-                                    CK_EACH_FUNCTION(ZVSIMCARD_ENTRY)
-#undef ZVSIMCARD_ENTRY
-    };
-    return &list;
-}
-
-} // namespace simcard

@@ -56,8 +56,9 @@ CK_RV exchange(Call& call, Target& target) {
 bool makes_objects(const Call& call) {
     const auto& parameters = call.parameters();
     return call.function != Function::C_FindObjects &&
-           std::any_of(parameters.begin(), parameters.end(),
-                       [](const Parameter& parameter) { return parameter.role == Role::new_objects; });
+           std::any_of(parameters.begin(), parameters.end(), [](const pkcs11::Parameter& parameter) {
+               return parameter.role == Role::new_objects;
+           });
 }
 
 // How many token objects the call asks for: a template each. A copy is one unless its template says no.

@@ -14,7 +14,7 @@ namespace simcard {
 [[nodiscard]] CK_RV forward(Call call);
 
 template <Function F, class... A> [[nodiscard]] CK_RV forward(A... arguments) {
-    return forward(make_call<F>(arguments...));
+    return forward(pkcs11::make_call<F>(arguments...));
 }
 
 // Reads a truth value of a template.

@@ -20,8 +20,8 @@ class Rooms {
     }
 
   private:
-    std::array<CK_ULONG, MOST_PARAMETERS> sizes_{};
-    std::array<std::vector<CK_ULONG>, MOST_PARAMETERS> lengths_;
+    std::array<CK_ULONG, pkcs11::MOST_PARAMETERS> sizes_{};
+    std::array<std::vector<CK_ULONG>, pkcs11::MOST_PARAMETERS> lengths_;
 };
 
 } // namespace simcard

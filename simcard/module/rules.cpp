@@ -87,7 +87,7 @@ std::optional<Deed> parse_deed(std::string_view name, std::string_view value) {
 std::optional<Rule> parse_rule(std::string_view text) {
     Rule rule;
     const auto function = take(text, ":");
-    rule.function = function_named(function);
+    rule.function = pkcs11::function_named(function);
     if (!rule.function && function != "*") return std::nullopt;
     if (!parse_when(rule, take(text, ":"))) return std::nullopt;
     const auto name = take(text, ":");

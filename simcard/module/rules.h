@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/module/function_table.h"
+#include "simcard/module/call.h"
 
 #include <string_view>
 #include <variant>

@@ -1,5 +1,5 @@
 // Memory that runs out: at one of the allocations that a host's call makes outside the card's module.
-#include "pkcs11_functions.h"
+#include "pkcs11/forwarding.h"
 #include "tests/sweeps/bench.h"
 
 #include <cerrno>
@@ -20,14 +20,12 @@ bool refused() {
 
 // What a card's module does without memory is its own affair: SoftHSM ends the process.
 CK_FUNCTION_LIST module;
-#define AROUND(name, parameters, names)                                                                      \
-    CK_RV around_##name parameters {                                                                         \
-        const bool before = std::exchange(armed, false);                                                     \
-        const CK_RV result = module.name names;                                                              \
-        armed = before;                                                                                      \
-        return result;                                                                                       \
-    }
-CK_EACH_FUNCTION(AROUND)
+CK_RV around(const pkcs11::Call& call) noexcept {
+    const bool before = std::exchange(armed, false);
+    const CK_RV result = call.invoke(module, call.arguments);
+    armed = before;
+    return result;
+}
 
 } // namespace
 
@@ -92,8 +90,7 @@ void refuse_in(const FlowPlan& plan, unsigned long cases) {
 TEST(Memory, RunsOut) {
     const Module loaded;
     module = *loaded.list();
-#define PUT(name, parameters, names) loaded.list()->name = around_##name;
-    CK_EACH_FUNCTION(PUT)
+    *loaded.list() = pkcs11::forwarding_list<around>();
     ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
     const char* cases = std::getenv("ZV_MEMORY_CASES");
     for (const FlowPlan& plan : flow_plans())

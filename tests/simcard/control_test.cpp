@@ -22,12 +22,9 @@ class Control : public EmptyCard {
 CK_RV second_initialisation() {
     CK_RV result = CKR_OK;
     for (int round = 0; round < 2 && result == CKR_OK; ++round) {
-        void* library = ::dlopen(ZVSIMCARD_MODULE, RTLD_NOW);
-        CK_FUNCTION_LIST* list = nullptr;
-        reinterpret_cast<CK_C_GetFunctionList>(::dlsym(library, "C_GetFunctionList"))(&list);
-        result = list->C_Initialize(nullptr);
-        list->C_Finalize(nullptr);
-        ::dlclose(library);
+        const pkcs11::Module loaded(ZVSIMCARD_MODULE);
+        result = loaded.list()->C_Initialize(nullptr);
+        loaded.list()->C_Finalize(nullptr);
     }
     return result;
 }

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "pkcs11.h"
+#include "pkcs11/module.h"
 #include "simcard/control.h"
 
-#include <dlfcn.h>
-
-#include <stdexcept>
 #include <string>
 
 namespace zvtest {
@@ -16,25 +13,19 @@ namespace zvtest {
 // The simulated card's module (or a copy of its file), loaded while this lives, with its control.
 class Module {
   public:
-    explicit Module(const std::string& path = ZVSIMCARD_MODULE)
-        : library_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-        if (!library_) throw std::runtime_error(::dlerror());
-        if (function<CK_C_GetFunctionList>("C_GetFunctionList")(&list_) != CKR_OK)
-            throw std::runtime_error("no function list");
-    }
+    explicit Module(const std::string& path = ZVSIMCARD_MODULE) : loaded_(path) {}
     ~Module() {
         ZVTEST_CONTROL(zvsimcard_reset)();
-        list_->C_Finalize(nullptr);
-        ::dlclose(library_);
+        list()->C_Finalize(nullptr);
     }
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    [[nodiscard]] CK_FUNCTION_LIST* operator->() const { return list_; }
-    [[nodiscard]] CK_FUNCTION_LIST* list() const { return list_; }
+    [[nodiscard]] CK_FUNCTION_LIST* operator->() const { return list(); }
+    [[nodiscard]] CK_FUNCTION_LIST* list() const { return loaded_.list(); }
 
     template <class T> [[nodiscard]] T function(const char* name) const {
-        return reinterpret_cast<T>(::dlsym(library_, name));
+        return reinterpret_cast<T>(loaded_.symbol(name));
     }
 
     int add_rules(const std::string& rules) { return ZVTEST_CONTROL(zvsimcard_add_rules)(rules.c_str()); }
@@ -52,23 +43,22 @@ class Module {
     void use_keys(const std::string& file) { ZVTEST_CONTROL(zvsimcard_use_keys)(file.c_str()); }
 
     CK_RV login(CK_SESSION_HANDLE session, std::string pin, CK_USER_TYPE user = CKU_USER) {
-        return list_->C_Login(session, user, reinterpret_cast<CK_UTF8CHAR*>(pin.data()), pin.size());
+        return list()->C_Login(session, user, reinterpret_cast<CK_UTF8CHAR*>(pin.data()), pin.size());
     }
     // A read/write session with a slot; 0 when there is none.
     [[nodiscard]] CK_SESSION_HANDLE open(CK_SLOT_ID slot = 0) {
         CK_SESSION_HANDLE session = 0;
-        list_->C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session);
+        list()->C_OpenSession(slot, CKF_SERIAL_SESSION | CKF_RW_SESSION, nullptr, nullptr, &session);
         return session;
     }
     [[nodiscard]] CK_FLAGS token_flags(CK_SLOT_ID slot = 0) {
         CK_TOKEN_INFO info{};
-        list_->C_GetTokenInfo(slot, &info);
+        list()->C_GetTokenInfo(slot, &info);
         return info.flags;
     }
 
   private:
-    void* library_;
-    CK_FUNCTION_LIST* list_ = nullptr;
+    pkcs11::Module loaded_;
 };
 
 #undef ZVTEST_CONTROL

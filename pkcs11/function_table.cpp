@@ -1,10 +1,10 @@
-#include "simcard/module/function_table.h"
+#include "pkcs11/function_table.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
-namespace simcard {
+namespace pkcs11 {
 namespace {
 
 constexpr std::pair<std::string_view, Role> ROLE_OF_TYPE[] = {
@@ -53,9 +53,9 @@ std::vector<Parameter> parse(std::string_view text) {
 
 const std::array<FunctionInfo, FUNCTION_COUNT>& table() {
     static const std::array<FunctionInfo, FUNCTION_COUNT> functions = {{
-#define ZVSIMCARD_ROW(name, parameters, names) {#name, parse(#parameters)},
-        CK_EACH_FUNCTION(ZVSIMCARD_ROW)
-#undef ZVSIMCARD_ROW
+#define PKCS11_ROW(name, parameters, names) {#name, parse(#parameters)},
+        CK_EACH_FUNCTION(PKCS11_ROW)
+#undef PKCS11_ROW
     }};
     return functions;
 }
@@ -72,4 +72,4 @@ std::optional<Function> function_named(std::string_view name) {
     return std::nullopt;
 }
 
-} // namespace simcard
+} // namespace pkcs11

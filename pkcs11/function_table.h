@@ -8,19 +8,19 @@
 #include <string_view>
 #include <vector>
 
-namespace simcard {
+namespace pkcs11 {
 
 // The functions of PKCS#11, in the order of the function list.
 enum class Function : unsigned {
-#define ZVSIMCARD_NAME(name, parameters, names) name,
-    CK_EACH_FUNCTION(ZVSIMCARD_NAME)
-#undef ZVSIMCARD_NAME
+#define PKCS11_NAME(name, parameters, names) name,
+    CK_EACH_FUNCTION(PKCS11_NAME)
+#undef PKCS11_NAME
 };
 
-#define ZVSIMCARD_ONE(name, parameters, names) Function::name,
+#define PKCS11_ONE(name, parameters, names) Function::name,
 inline constexpr std::size_t FUNCTION_COUNT =
-    std::initializer_list<Function>{CK_EACH_FUNCTION(ZVSIMCARD_ONE)}.size();
-#undef ZVSIMCARD_ONE
+    std::initializer_list<Function>{CK_EACH_FUNCTION(PKCS11_ONE)}.size();
+#undef PKCS11_ONE
 
 inline constexpr std::size_t MOST_PARAMETERS = 8;
 
@@ -56,4 +56,4 @@ struct FunctionInfo {
 // The function of that name, such as "C_Login".
 [[nodiscard]] std::optional<Function> function_named(std::string_view name);
 
-} // namespace simcard
+} // namespace pkcs11
