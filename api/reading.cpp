@@ -197,7 +197,7 @@ int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
         finalizza();
         return code;
     }
-    code = zv::fill({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, ZV_UNUSABLE, zv::find_free_ids);
+    code = zv::fill_state({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, ZV_UNUSABLE, zv::find_free_ids);
     finalizza();
     return code == 0 ? 0 : zv::fail("Funzione findFreeCKAID() error!", code);
 }

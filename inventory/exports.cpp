@@ -28,17 +28,18 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cns_list, char** pra_list, char** aut_l
 }
 
 int Find_ALL_Pending(int* pending_pra, int* pending_aut, char* ckaid_pra, char* ckaid_aut) {
-    return zv::fill({pending_pra, pending_aut, ckaid_pra, ckaid_aut}, zv::SEARCH_FAILED, zv::read_card_state);
+    return zv::fill_state({pending_pra, pending_aut, ckaid_pra, ckaid_aut}, zv::SEARCH_FAILED,
+                          zv::read_card_state);
 }
 
 int Find_ALL_PendingCNS(int* pending_pra, int* pending_aut, int* pending_cns, char* ckaid_pra,
                         char* ckaid_aut, char* expiry, bool) {
-    return zv::fill({pending_pra, pending_aut, ckaid_pra, ckaid_aut, pending_cns, expiry}, zv::SEARCH_FAILED,
-                    zv::read_services_card_state);
+    return zv::fill_state({pending_pra, pending_aut, ckaid_pra, ckaid_aut, pending_cns, expiry},
+                          zv::SEARCH_FAILED, zv::read_services_card_state);
 }
 
 int findFreeCKAID(char* key_pra, char* key_aut, bool) {
-    return zv::fill({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, -1, zv::find_free_ids);
+    return zv::fill_state({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, -1, zv::find_free_ids);
 }
 
 void getDtScadenza(char* pdata, char* out) {

@@ -73,7 +73,7 @@ template <typename Read> int fill_inventory(const HostInventory& host, Read read
 
 } // namespace
 
-int fill(const HostState& host, int fallback, int (*read)(CardState&)) {
+int fill_state(const HostState& host, int fallback, int (*read)(CardState&)) {
     CardState state = given(host);
     const int result = guarded(fallback, [&] { return read(state); });
     write_state(state, host);

@@ -25,7 +25,7 @@ struct HostState {
 
 // Reads a card's state; the flags are taken from the host before and given back with the rest, whatever came of it.
 // Returns what read returned, or fallback without memory.
-[[nodiscard]] int fill(const HostState& host, int fallback, int (*read)(CardState&));
+[[nodiscard]] int fill_state(const HostState& host, int fallback, int (*read)(CardState&));
 
 struct HostInventory {
     HostList pra = {}, aut = {}, cns = {}; // cns of a services card alone

@@ -31,7 +31,7 @@ ADATA* piece_of(const der::Bytes& bytes) {
     return piece;
 }
 
-der::Bytes bytes_of(const unsigned char* bytes, unsigned long size, unsigned long copy_length) {
+der::Bytes padded_bytes(const unsigned char* bytes, unsigned long size, unsigned long copy_length) {
     der::Bytes copy(size);
     if (bytes != nullptr) std::copy_n(bytes, std::min(copy_length, size), copy.begin());
     return copy;
@@ -40,7 +40,7 @@ der::Bytes bytes_of(const unsigned char* bytes, unsigned long size, unsigned lon
 } // namespace
 
 ADATA* create_piece(const unsigned char* bytes, unsigned long size, unsigned long copy_length) {
-    return piece_of(bytes_of(bytes, size, copy_length));
+    return piece_of(padded_bytes(bytes, size, copy_length));
 }
 
 ADATA* join_pieces(ADATA* first, ADATA* second) {
@@ -67,7 +67,7 @@ ADATA* integer_piece(const unsigned char* bytes, unsigned long length) {
     // The first byte is looked at whatever the length; a zero in front of it keeps the value positive.
     const bool looks_negative = bytes != nullptr && (bytes[0] & 0x80) != 0;
     const der::Bytes zero(looks_negative ? 1 : 0);
-    return piece_of(der::tlv(der::TAG_INTEGER, {zero, bytes_of(bytes, length, length)}));
+    return piece_of(der::tlv(der::TAG_INTEGER, {zero, padded_bytes(bytes, length, length)}));
 }
 
 } // namespace zv
