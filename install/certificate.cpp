@@ -1,5 +1,6 @@
 #include "install/certificate.h"
 
+#include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "diag/messages.h"
@@ -59,10 +60,8 @@ int zv::install_user_certificate(std::span<unsigned char> der, const char* label
         return undone(label, module_path,
                       "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }
-    CertificateParts parts;
-    if (parts.read(USER_TITLE, der) != 0) return undone(label, module_path, "");
-    parts.trim_serial();
-    if (create_certificate(USER_TITLE, der, label, parts) != CKR_OK) {
+    if (fill_template(USER_TITLE, der, label, Serial::trimmed) != 0) return undone(label, module_path, "");
+    if (create_certificate(USER_TITLE) != CKR_OK) {
         Sentence sentence;
         (void)std::snprintf(sentence, sizeof sentence,
                             "Certificato non memorizzato correttamente sulla smartcard (%s)",
@@ -79,10 +78,9 @@ int zv::install_authority_certificate(std::span<unsigned char> der, const char* 
     static constexpr char title[] = " .... InstallCACertificate FUN       .... ";
     trace(title, "I N I Z I O");
     if (der.data() == nullptr) return ZV_FAILED;
-    CertificateParts parts;
-    if (parts.read(title, der) != 0)
+    if (fill_template(title, der, label, Serial::as_given) != 0)
         return Failure(title).sentence("Problemi in Conversione ISSUER e SUBJECT a DER");
-    if (create_certificate(title, der, label, parts) != CKR_OK)
+    if (create_certificate(title) != CKR_OK)
         return Failure(title).sentence("Certificato CA non memorizzato correttamente sulla smartcard (%s)",
                                        rv);
     trace(title, "F I N E");

@@ -1,7 +1,9 @@
 #include "install/certificate_object.h"
 
+#include "card/session.h"
 #include "diag/log.h"
 #include "install/label.h"
+#include "util/text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,22 +19,6 @@ char BufferSubject[513];
 char BufferIssuer[513];
 char BufferSerNumb[256];
 
-} // namespace zv
-
-namespace {
-
-// Zero-filled, then the bytes, as many as fit.
-template <typename Buffer>
-void fill(CK_ATTRIBUTE& entry, Buffer& buffer, std::span<const unsigned char> bytes) {
-    entry.ulValueLen = std::min(bytes.size(), sizeof buffer);
-    std::memset(buffer, 0, sizeof buffer);
-    if (entry.ulValueLen > 0) std::memcpy(buffer, bytes.data(), entry.ulValueLen);
-}
-
-} // namespace
-
-namespace zv {
-
 CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
     {CKA_CLASS, &cert_object_class, sizeof cert_object_class},
     {CKA_TOKEN, &bTrue, sizeof bTrue},
@@ -47,18 +33,39 @@ CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
 
 CK_OBJECT_HANDLE hCert = 0;
 
-int CertificateParts::read(const char* title, std::span<unsigned char> der) {
-    const int code = ConvToDer(der.data(), der.size(), subject.data(), &subject.length, issuer.data(),
-                               &issuer.length, serial.data(), &serial.length);
+namespace {
+
+constexpr CK_ULONG NAME_ROOM = 512;
+
+} // namespace
+
+int fill_template(const char* title, std::span<unsigned char> der, const char* label, Serial serial_form) {
+    auto& [object_class, token, type, id, name, value, subject, issuer, serial] = CertTemplate;
+    object_class.ulValueLen = sizeof cert_object_class;
+    token.ulValueLen = sizeof bTrue;
+    type.ulValueLen = sizeof certType;
+    label_certificate(id, name, label);
+    value.ulValueLen = std::min(der.size(), sizeof BufferAttribute);
+    std::ranges::fill(BufferAttribute, 0);
+    std::ranges::copy(der.first(value.ulValueLen), BufferAttribute);
+    clear(BufferSubject, BufferIssuer, BufferSerNumb);
+    subject.ulValueLen = issuer.ulValueLen = NAME_ROOM;
+    serial.ulValueLen = sizeof BufferSerNumb;
+    const int code = ConvToDer(der.data(), der.size(), BufferSubject, &subject.ulValueLen, BufferIssuer,
+                               &issuer.ulValueLen, BufferSerNumb, &serial.ulValueLen);
+    subject.ulValueLen = std::min(subject.ulValueLen, NAME_ROOM);
+    issuer.ulValueLen = std::min(issuer.ulValueLen, NAME_ROOM);
+    serial.ulValueLen = std::min<CK_ULONG>(serial.ulValueLen, sizeof BufferSerNumb);
+    if (serial_form == Serial::trimmed) trim_serial(BufferSerNumb, serial.ulValueLen);
     if (code != 0) report_code(title, "ConvToDer", static_cast<CK_RV>(code));
     return code;
 }
 
-void CertificateParts::trim_serial() {
-    const auto given = serial.bytes();
-    const auto first = std::ranges::find_if(given, [](unsigned char byte) { return byte != 0; });
-    serial.length = static_cast<unsigned long>(given.end() - first);
-    std::copy(first, given.end(), serial.buffer.begin());
+void trim_serial(char* serial, unsigned long& length) {
+    const char* end = serial + length;
+    const char* first = std::find_if(serial, serial + length, [](char byte) { return byte != 0; });
+    length = static_cast<unsigned long>(end - first);
+    std::memmove(serial, first, length);
 }
 
 void trace_creation(CK_SESSION_HANDLE session, CK_ULONG entries, const CK_OBJECT_HANDLE* created) {
@@ -68,16 +75,7 @@ void trace_creation(CK_SESSION_HANDLE session, CK_ULONG entries, const CK_OBJECT
     trace(" .... InstallCertificate FUN         .... ", line);
 }
 
-CK_RV create_certificate(const char* title, std::span<const unsigned char> der, const char* label,
-                         const CertificateParts& parts) {
-    CertTemplate[0].ulValueLen = sizeof cert_object_class;
-    CertTemplate[1].ulValueLen = sizeof bTrue;
-    CertTemplate[2].ulValueLen = sizeof certType;
-    label_certificate(CertTemplate[3], CertTemplate[4], label);
-    fill(CertTemplate[5], BufferAttribute, der);
-    fill(CertTemplate[6], BufferSubject, parts.subject.bytes());
-    fill(CertTemplate[7], BufferIssuer, parts.issuer.bytes());
-    fill(CertTemplate[8], BufferSerNumb, parts.serial.bytes());
+CK_RV create_certificate(const char* title) {
     hCert = 0;
     trace_creation(hSession, CERTIFICATE_ENTRIES, &hCert);
     rv = call<&Functions::C_CreateObject>(hSession, CertTemplate, CK_ULONG{CERTIFICATE_ENTRIES}, &hCert);

@@ -129,9 +129,9 @@ class InstallStep : public Flow {
 
 TEST_F(InstallStep, AuthoritysCertificateIsWrittenAsItIs) {
     char label[] = "Korvalenta Firma Dig";
-    zv::CertificateParts parts;
-    ASSERT_EQ(parts.read("t", zv::der_of(&certificate, certificate.derLength)), 0);
-    const unsigned long serial_length = parts.serial.length;
+    const auto der = zv::der_of(&certificate, certificate.derLength);
+    ASSERT_EQ(zv::fill_template("t", der, label, zv::Serial::as_given), 0);
+    const CK_ULONG serial_length = zv::CertTemplate[8].ulValueLen;
     module.record();
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0);
     EXPECT_EQ(InstallCACertificate(nullptr, &certificate, certificate.derLength, label), 0)
@@ -151,16 +151,14 @@ TEST_F(InstallStep, AuthoritysCertificateIsWrittenAsItIs) {
 }
 
 TEST_F(InstallStep, SerialNumberLosesItsLeadingZeros) {
-    zv::CertificateParts parts;
-    const unsigned char serial[] = {0x00, 0x00, 0x8A, 0x01};
-    std::copy(std::begin(serial), std::end(serial), parts.serial.buffer.begin());
-    parts.serial.length = 4;
-    parts.trim_serial();
-    EXPECT_EQ(parts.serial.length, 2u);
-    EXPECT_EQ(parts.serial.buffer[0], 0x8A);
-    parts.serial.buffer[0] = parts.serial.buffer[1] = 0;
-    parts.trim_serial();
-    EXPECT_EQ(parts.serial.length, 0u);
+    char serial[] = {0x00, 0x00, 0x4A, 0x01, 0x00};
+    unsigned long length = sizeof serial;
+    zv::trim_serial(serial, length);
+    EXPECT_EQ(std::string(serial, length), std::string("\x4A\x01\0", 3));
+    char zeros[4] = {};
+    length = sizeof zeros;
+    zv::trim_serial(zeros, length);
+    EXPECT_EQ(length, 0U);
 }
 
 } // namespace
