@@ -6,6 +6,7 @@
 #include "install/issued_certificate.h"
 #include "request/request.h"
 #include "store/deletion.h"
+#include "store/keep_flag.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 #include "util/wipe.h"
@@ -133,8 +134,8 @@ int Scarica(REQRENIN* rec, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     int result = open_for(*rec);
     if (result != 0) return result;
-    result = rec->cKeepKeys == 'R' ? store_under_pending(*rec, out, out_len)
-                                   : replace_certificate(*rec, out, out_len);
+    result = rec->cKeepKeys == *zv::KEEP_REPLACED ? store_under_pending(*rec, out, out_len)
+                                                  : replace_certificate(*rec, out, out_len);
     finalizza();
     return result;
 }

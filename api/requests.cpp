@@ -5,6 +5,7 @@
 #include "api/request_files.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
 
@@ -34,8 +35,9 @@ int make_request(const Request& request) {
     int code = zv::guard_request(call);
     if (code == 0) code = zv::guard_subject(call);
     if (code == 0)
-        code = zv::run_command("REQREN", {request.key_id, request.pin, "", request.pending_label,
-                                          request.kind, request.discard_pending ? "D" : "K"});
+        code =
+            zv::run_command("REQREN", {request.key_id, request.pin, "", request.pending_label, request.kind,
+                                       request.discard_pending ? zv::KEEP_NOTHING : zv::KEEP_PENDING_PAIR});
     if (code != 0) return zv::fail_command(code);
     scriviLog("OUTPUT DA MININFO:");
     scriviLog(zv::szBufferDatiOut);

@@ -3,6 +3,7 @@
 #include "api/guards.h"
 #include "api/lines.h"
 #include "api/state.h"
+#include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
 
@@ -27,7 +28,7 @@ int store(const Storing& storing) {
                                   certificate, !storing.keep_old};
     if (const int stopped = zv::guard_storing(call)) return stopped;
     return zv::run_command("REQSCA", {storing.cert_label, storing.pin, certificate, storing.pending_label,
-                                      storing.kind, storing.keep_old ? "R" : "D"});
+                                      storing.kind, storing.keep_old ? zv::KEEP_REPLACED : zv::KEEP_NOTHING});
 }
 
 // The command block has one line for the certificate.

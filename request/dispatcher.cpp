@@ -3,6 +3,7 @@
 #include "diag/log.h"
 #include "inventory/census.h"
 #include "request/request.h"
+#include "store/keep_flag.h"
 #include "store/objects.h"
 #include "store/pending_deletion.h"
 #include "store/renewal_state.h"
@@ -56,7 +57,7 @@ void act_on_census(Census census, const LoginData& login) {
     if (census == Census::failed) {
         finalizza();
         report_code(DISPATCH_TITLE, "FindObjects", ZV_FAILED);
-    } else if (has_pending_key(census) && cKeepKeys == 'D') {
+    } else if (has_pending_key(census) && cKeepKeys == *KEEP_NOTHING) {
         discard_pending(login);
     }
 }
