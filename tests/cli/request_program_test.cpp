@@ -11,6 +11,11 @@ class RequestProgramTest : public ProgramTest {
     cli::Bytes key_of(const std::string& name) {
         return cli::modulus_of_request(simcard::read_file(file(name)));
     }
+    // Does it beside the command that follows, as soon as the card has been asked that.
+    std::string once(const std::string& call, const std::string& deed) {
+        return "{ (timeout 20 sh -c 'until grep -sq " + call + " " + trace().string() +
+               "; do sleep 0.02; done'; " + deed + ") & }; ";
+    }
 };
 
 TEST_F(RequestProgramTest, StopsWhenNothingIsDueUnlessForced) {
@@ -143,10 +148,6 @@ TEST_F(RequestProgramTest, SaysWhatComesOfKeysThatWantThePinEachTime) {
 TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
     make_card();
     const std::string slow = "C_GenerateKeyPair:1:delay:500000", pin = " --pin-file " + pin_file().string();
-    const auto once = [&](const char* call, const char* deed) {
-        return std::string("{ (timeout 20 sh -c 'until grep -sq ") + call + " " + trace().string() +
-               "; do sleep 0.02; done'; " + deed + ") & }; ";
-    };
     Outcome outcome = shell("mkdir stick; " + once("C_GenerateKeyPair", "rm -r stick") +
                             command("request signature --out stick/r" + pin, "C_Sign:1:delay:500000"));
     EXPECT_EQ(outcome.code, 1);
@@ -192,14 +193,13 @@ TEST_F(RequestProgramTest, WorksOnACardAlone) {
         const Outcome outcome = shell(
             "({ " +
             command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:1000000") +
-            " 2>first & }; timeout 20 sh -c '" + busy + "'; " + command(second + pin) +
-            "; code=$?; wait; rm other; exit $code)");
+            " 2>first & }; timeout 20 sh -c '" + busy + "'; kill -s STOP $!; " + command(second + pin) +
+            "; code=$?; kill -s CONT $!; wait; rm other; exit $code)");
         EXPECT_EQ(outcome.code, 2) << second << outcome.err;
         EXPECT_TRUE(outcome.says("Another program (process ")) << outcome.err;
         EXPECT_EQ(outcome.count("C_GenerateKeyPair"), 1U);
     }
-    const Outcome outcome = shell("{ (timeout 20 sh -c 'until grep -sq C_Login " + trace().string() +
-                                  "; do sleep 0.02; done'; rm /tmp/zvrenew-card-*) & }; " +
+    const Outcome outcome = shell(once("C_Login", "rm /tmp/zvrenew-card-*") +
                                   command("request signature" + pin, "C_FindObjectsInit:1:delay:500000"));
     EXPECT_EQ(outcome.code, 2) << "another could have come in";
     EXPECT_FALSE(outcome.changed_card());
@@ -241,12 +241,13 @@ TEST_F(RequestProgramTest, RefusesAnIdentifierOfTwoKeys) {
 // A person who thinks that the program hangs presses Ctrl-C.
 TEST_F(RequestProgramTest, FinishesWhatItBeganOnTheCardWhenInterrupted) {
     make_card();
+    ASSERT_EQ(with_pin("request signature --out r").code, 0);
     const std::string request =
         command("request signature --new-pair --out r --pin-file " + pin_file().string(),
-                "C_GenerateKeyPair:1:delay:3000000");
-    for (const char* signal : {"INT", "QUIT"}) {
+                "C_GenerateKeyPair:1:delay:1000000");
+    for (const std::string signal : {"INT", "QUIT"}) {
         const Outcome outcome =
-            shell(std::string("rm -f r; timeout --preserve-status -s ") + signal + " 1.5 " + request);
+            shell("rm -f r; " + once("C_DestroyObject", "kill -s " + signal + " $$") + "exec " + request);
         EXPECT_EQ(outcome.code, 0) << outcome.err;
         EXPECT_FALSE(key_of("r").empty());
     }
