@@ -6,6 +6,7 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "diag/log.h"
+#include "inventory/identifiers.h"
 #include "util/text.h"
 #include "util/wipe.h"
 
@@ -16,7 +17,6 @@ namespace zv {
 
 namespace {
 
-constexpr std::string_view OWN_PAIR = "CNS0";
 constexpr std::string_view SERVICES_CARD = "CNS";
 
 int stop(const char* reason, int outcome = ZV_NOT_SENT) {

@@ -47,7 +47,7 @@ bool is_named(int fd, const std::string& path) {
 }
 
 // The system lists the locks; 0 where it does not.
-int holder_of(int fd) {
+int locker_of(int fd) {
     struct stat status {};
     if (::fstat(fd, &status) != 0) return 0;
 #ifndef __APPLE__
@@ -67,7 +67,7 @@ int holder_of(int fd) {
 }
 
 [[noreturn]] void refuse_second(int fd, const std::string& busy) {
-    const int process = holder_of(fd);
+    const int process = locker_of(fd);
     const std::string who = process > 0 ? fmt::format(" (process {})", process) : "";
     throw Stop(Exit::refused, fmt::format("Another program{} {}.", who, busy),
                Advice{"wait",

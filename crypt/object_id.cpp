@@ -7,20 +7,20 @@ namespace {
 
 using ObjectPtr = OpensslPtr<ASN1_OBJECT, ASN1_OBJECT_free>;
 
-[[noreturn]] void fail() {
+[[noreturn]] void no_object_id() {
     throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Un identificativo (OID) nel certificato non è leggibile");
 }
 
 ObjectPtr object_of(der::Span identifier) {
     const unsigned char* end = identifier.data();
     ObjectPtr object(d2i_ASN1_OBJECT(nullptr, &end, static_cast<long>(identifier.size())));
-    if (!object) fail();
+    if (!object) no_object_id();
     return object;
 }
 
 std::string number_of(const ASN1_OBJECT& object) {
     const int length = OBJ_obj2txt(nullptr, 0, &object, 1);
-    if (length <= 0) fail();
+    if (length <= 0) no_object_id();
     std::string number(static_cast<std::size_t>(length) + 1, '\0');
     (void)OBJ_obj2txt(number.data(), length + 1, &object, 1);
     number.pop_back();

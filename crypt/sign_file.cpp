@@ -12,7 +12,7 @@ namespace {
 // What the renewal request has room for.
 constexpr std::size_t LONGEST_BASE64 = 16383;
 
-constexpr std::size_t PIECE_SIZE = 65536;
+constexpr std::size_t CONTENT_PIECE = 65536;
 
 // Reads the file through once, piece by piece; gives its digest and length.
 struct Content {
@@ -24,7 +24,7 @@ Content read_through(InputFile& file, const HashAlgorithm& hash,
                      const std::function<void(std::span<const unsigned char>)>& use) {
     Digest digest(hash);
     Content content;
-    Bytes piece(PIECE_SIZE);
+    Bytes piece(CONTENT_PIECE);
     while (const std::size_t count = file.read(piece)) {
         const std::span<const unsigned char> bytes(piece.data(), count);
         digest.update(bytes);
