@@ -16,10 +16,12 @@ namespace {
 
 constexpr char CENSUS_TITLE[] = " .... FindAllObjects FUN             .... ";
 
-struct Description {
-    const char* name = "";
-    const char* key_type = "";
-};
+// By class and by key type, in the standard's order.
+constexpr const char* CLASSES[] = {"Dati", "Certificato", "Chiave pubblica", "Chiave privata",
+                                   "Chiave segreta"};
+constexpr const char* KEY_TYPES[] = {"RSA key", "DSA key", "Diffie-Hellman key"};
+
+using CensusLine = char[96];
 
 struct CensusObject {
     CK_OBJECT_CLASS object_class = 0;
@@ -27,38 +29,38 @@ struct CensusObject {
     char label[256] = {};
 
     [[nodiscard]] bool read(CK_OBJECT_HANDLE object);
-    [[nodiscard]] Description describe() const;
+    void describe(CensusLine& line) const;
     [[nodiscard]] bool is_pending_key() const;
 };
 
-bool CensusObject::read(CK_OBJECT_HANDLE object) {
-    const auto read_one = [this, object](int index) {
-        char serial[513];
-        switch (index) {
-        case 0:
-            return read_number(hSession, object, CKA_CLASS, object_class);
-        case 1:
-            return read_number(hSession, object, CKA_KEY_TYPE, key_type);
-        case 2:
-            return read_text(hSession, object, CKA_LABEL, label);
-        default:
-            return read_text(hSession, object, CKA_SERIAL_NUMBER, serial);
-        }
-    };
+bool accepted(CK_RV result) {
     static constexpr char step[] = "C_GetAttributeValue";
-    for (int index = 0; index < 4; ++index) {
-        trace(CENSUS_TITLE, step, CatItoA("Template Index = ", index));
-        const CK_RV result = read_one(index);
-        if (result == CKR_OK) continue;
-        if (is_tolerated(result)) {
-            trace(CENSUS_TITLE, step, CatItoAHex1("Errore = ", static_cast<int>(result)));
-            continue;
-        }
-        report_code(CENSUS_TITLE, step, result);
-        report_sentence("Errore ricerca attributi degli oggetti presenti su smartcard (%s)", result);
-        return false;
+    if (result == CKR_OK) return true;
+    if (is_tolerated(result)) {
+        trace(CENSUS_TITLE, step, CatItoAHex1("Errore = ", static_cast<int>(result)));
+        return true;
     }
-    return true;
+    report_failure(CENSUS_TITLE, step, result,
+                   "Errore ricerca attributi degli oggetti presenti su smartcard (%s)");
+    return false;
+}
+
+bool CensusObject::read(CK_OBJECT_HANDLE object) {
+    char serial[513];
+    int index = 0;
+    const auto attribute = [&index](auto read_it) {
+        trace(CENSUS_TITLE, "C_GetAttributeValue", CatItoA("Template Index = ", index++));
+        return accepted(read_it());
+    };
+    return attribute([&] { return read_number(hSession, object, CKA_CLASS, object_class); }) &&
+           attribute([&] { return read_number(hSession, object, CKA_KEY_TYPE, key_type); }) &&
+           attribute([&] { return read_text(hSession, object, CKA_LABEL, label); }) &&
+           attribute([&] { return read_text(hSession, object, CKA_SERIAL_NUMBER, serial); });
+}
+
+template <std::size_t N>
+const char* name_of(const char* const (&names)[N], CK_ULONG number, const char* other) {
+    return number < N ? names[number] : other;
 }
 
 const char* name_of_certificate(const char* label) {
@@ -68,34 +70,16 @@ const char* name_of_certificate(const char* label) {
     return looks_like_tax_code(label) ? "Certificato AUTENTICAZIONE" : "Certificato";
 }
 
-const char* name_of_key_type(CK_KEY_TYPE type) {
-    switch (type) {
-    case CKK_RSA:
-        return "RSA key";
-    case CKK_DSA:
-        return "DSA key";
-    case CKK_DH:
-        return "Diffie-Hellman key";
-    default:
-        return "unknown key";
+void CensusObject::describe(CensusLine& line) const {
+    copy_text(line, "* ");
+    append_text(line, object_class == CKO_CERTIFICATE
+                          ? name_of_certificate(label)
+                          : name_of(CLASSES, object_class, "Oggetto non definito"));
+    if (object_class == CKO_PUBLIC_KEY || object_class == CKO_PRIVATE_KEY) {
+        append_text(line, " \tkey type: ");
+        append_text(line, name_of(KEY_TYPES, key_type, "unknown key"));
     }
-}
-
-Description CensusObject::describe() const {
-    switch (object_class) {
-    case CKO_DATA:
-        return {"Dati", ""};
-    case CKO_CERTIFICATE:
-        return {name_of_certificate(label), ""};
-    case CKO_PUBLIC_KEY:
-        return {"Chiave pubblica", name_of_key_type(key_type)};
-    case CKO_PRIVATE_KEY:
-        return {"Chiave privata", name_of_key_type(key_type)};
-    case CKO_SECRET_KEY:
-        return {"Chiave segreta", ""};
-    default:
-        return {"Oggetto non definito", ""};
-    }
+    append_text(line, "\r\n");
 }
 
 bool CensusObject::is_pending_key() const {
@@ -105,12 +89,9 @@ bool CensusObject::is_pending_key() const {
 }
 
 // A line goes in whole or not at all.
-void add_line(std::span<char, CENSUS_SIZE> text, const Description& description) {
-    char line[96] = "* ";
-    append_text(line, description.name);
-    if (description.key_type[0] != '\0') append_text(line, " \tkey type: ");
-    append_text(line, description.key_type);
-    append_text(line, "\r\n");
+void add_line(std::span<char, CENSUS_SIZE> text, const CensusObject& object) {
+    CensusLine line;
+    object.describe(line);
     const std::size_t used = bounded_text(text.data(), text.size()).size();
     if (used + std::strlen(line) < text.size()) append_text(text.data(), text.size(), line);
 }
@@ -140,7 +121,7 @@ Census take_census(std::span<char, CENSUS_SIZE> text) {
         if (!seen.read(object)) return Visit::give_up;
         ++objects;
         if (seen.is_pending_key()) ++pending_keys;
-        add_line(text, seen.describe());
+        add_line(text, seen);
         return Visit::go_on;
     };
     if (!walk({.session = hSession, .log = CENSUS_LOG, .title = CENSUS_TITLE}, describe).whole())

@@ -22,8 +22,8 @@ constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 Census log_census() {
     char text[CENSUS_SIZE] = {};
     const Census census = take_census(text);
-    const int code = static_cast<int>(census);
-    trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", code), code >= 2 ? text : "");
+    trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", static_cast<int>(census)),
+          census == Census::failed ? "" : text);
     return census;
 }
 
