@@ -3,7 +3,8 @@
 #include "api/lines.h"
 #include "api/state.h"
 #include "card/detection.h"
-#include "routines.h"
+#include "routines/api.h"
+#include "routines/util.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
 

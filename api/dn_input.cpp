@@ -3,7 +3,7 @@
 
 #include "api/lines.h"
 #include "api/state.h"
-#include "routines.h"
+#include "routines/api.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 

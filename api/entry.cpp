@@ -3,6 +3,8 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "routines/api.h"
+#include "routines/diag.h"
 #include "util/text.h"
 #include "zvCrypt.h"
 

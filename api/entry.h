@@ -1,7 +1,6 @@
 #pragma once
 
 #include "api/command_block.h"
-#include "routines.h"
 
 // What the entry points have in common.
 namespace zv {

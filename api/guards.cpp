@@ -7,8 +7,11 @@
 #include "card/detection.h"
 #include "diag/log.h"
 #include "inventory/identifiers.h"
+#include "records.h"
 #include "util/text.h"
 #include "util/wipe.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <cstring>

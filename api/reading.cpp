@@ -5,6 +5,8 @@
 #include "card/detection.h"
 #include "inventory/dump.h"
 #include "inventory/host_buffers.h"
+#include "routines/card.h"
+#include "routines/diag.h"
 #include "util/guarded.h"
 #include "util/text.h"
 

@@ -5,9 +5,12 @@
 #include "api/request_files.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "routines/api.h"
+#include "routines/diag.h"
 #include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
+#include "zvCrypt.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,10 @@
 #include "card/detection.h"
 
 #include "card/session.h"
+#include "routines/card.h"
+#include "routines/diag.h"
 #include "util/text.h"
+#include "zvCrypt.h"
 
 #include <algorithm>
 #include <cstring>

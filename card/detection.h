@@ -1,7 +1,5 @@
 #pragma once
 
-#include "routines.h"
-
 // What the last card detection found.
 namespace zv {
 

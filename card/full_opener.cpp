@@ -3,6 +3,9 @@
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "diag/messages.h"
+#include "routines/card.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 #include <dlfcn.h>

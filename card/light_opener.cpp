@@ -1,6 +1,8 @@
 // __Initialize: the opener that takes a slot identifier as it is and reports raw results.
 #include "card/session.h"
 #include "diag/log.h"
+#include "routines/card.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 namespace {

@@ -1,6 +1,9 @@
 #include "card/session.h"
 
 #include "diag/log.h"
+#include "routines/card.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 
 #include <dlfcn.h>
 

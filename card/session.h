@@ -1,7 +1,6 @@
 #pragma once
 
 #include "pkcs11.h"
-#include "routines.h"
 
 #include <cstddef>
 

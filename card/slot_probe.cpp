@@ -1,5 +1,7 @@
 // getSlot: asks a module which slot belongs to a reader, apart from the library's own session.
 #include "card/session.h"
+#include "routines/card.h"
+#include "routines/diag.h"
 #include "util/text.h"
 
 #include <dlfcn.h>

@@ -1,6 +1,6 @@
 #include "cli/log_folder.h"
 
-#include "routines.h"
+#include "routines/diag.h"
 
 #include <fmt/format.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pkcs11.h"
-#include "routines.h"
+#include "zvRenew.h"
 
 namespace zv {
 

@@ -1,5 +1,6 @@
 #include "diag/log.h"
 
+#include "routines/diag.h"
 #include "util/text.h"
 
 #include <fcntl.h>

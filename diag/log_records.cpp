@@ -1,5 +1,6 @@
 // Records as log entries.
 #include "diag/log.h"
+#include "routines/diag.h"
 #include "util/guarded.h"
 #include "util/name_forms.h"
 

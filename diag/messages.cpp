@@ -1,7 +1,7 @@
 #include "diag/messages.h"
 
-#include "routines.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 #include <iterator>
 

@@ -1,5 +1,7 @@
 #include "diag/log.h"
 #include "diag/messages.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 #include <cstdio>

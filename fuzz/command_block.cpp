@@ -5,7 +5,9 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "fuzz/input.h"
+#include "routines/api.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 namespace {
 

@@ -7,8 +7,11 @@
 #include "card/session.h"
 #include "fuzz/fake_card.h"
 #include "inventory/certificates.h"
+#include "routines.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <dlfcn.h>
 #include <openssl/cms.h>

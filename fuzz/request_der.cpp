@@ -4,6 +4,7 @@
 #include "card/session.h"
 #include "fuzz/input.h"
 #include "request/pkcs10.h"
+#include "routines/api.h"
 #include "store/renewal_state.h"
 
 #include <openssl/core_names.h>

@@ -6,6 +6,7 @@
 #include "diag/messages.h"
 #include "install/certificate_object.h"
 #include "install/label.h"
+#include "routines/diag.h"
 #include "store/marker.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"

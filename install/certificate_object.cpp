@@ -4,6 +4,7 @@
 #include "diag/log.h"
 #include "install/label.h"
 #include "util/text.h"
+#include "zvCrypt.h"
 
 #include <algorithm>
 #include <cstdio>

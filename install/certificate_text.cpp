@@ -1,6 +1,8 @@
 #include "install/certificate_text.h"
 
 #include "diag/log.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 
 #include <algorithm>
 #include <array>

@@ -5,7 +5,7 @@
 #include "install/issued_certificate.h"
 #include "install/label.h"
 #include "install/name_text.h"
-#include "routines.h"
+#include "routines/install.h"
 
 int MemorizzazioneCertificato(void*, char* cert_text, char* pkcs11_library, char*) {
     return zv::install_issued(cert_text, pkcs11_library);

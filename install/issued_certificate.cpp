@@ -4,8 +4,10 @@
 #include "diag/log.h"
 #include "install/certificate.h"
 #include "install/label.h"
+#include "routines/util.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
+#include "zvCrypt.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
+#include "routines/util.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"

@@ -1,6 +1,6 @@
 #include "install/name_text.h"
 
-#include "routines.h"
+#include "routines/util.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 

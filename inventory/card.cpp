@@ -1,6 +1,8 @@
 // The inventory of a card that is not a services card.
 #include "diag/log.h"
 #include "inventory/inventory.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 #include "store/renewal_state.h"
 #include "util/guarded.h"
 #include "util/text.h"

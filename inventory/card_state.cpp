@@ -1,6 +1,7 @@
 #include "inventory/card_state.h"
 
 #include "diag/log.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 namespace zv {

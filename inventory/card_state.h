@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inventory/identifiers.h"
+#include "records.h"
 #include "zvRenew.h"
 
 // What a card holds for a renewal: pairs that wait for their certificate, identifiers that are free, and what a

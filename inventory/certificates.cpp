@@ -2,6 +2,7 @@
 
 #include "inventory/names.h"
 #include "util/text.h"
+#include "zvCrypt.h"
 
 #include <cstring>
 #include <initializer_list>

@@ -1,10 +1,12 @@
 #include "inventory/dump.h"
 
 #include "card/session.h"
+#include "routines/card.h"
 #include "store/objects.h"
 #include "store/walk.h"
 #include "util/guarded.h"
 #include "util/text.h"
+#include "zvCrypt.h"
 
 #include <algorithm>
 #include <memory>

@@ -3,7 +3,7 @@
 #include "inventory/dump.h"
 #include "inventory/host_buffers.h"
 #include "inventory/names.h"
-#include "routines.h"
+#include "routines/inventory.h"
 #include "util/text.h"
 
 int NewFind_ALL_CertsKeysRenew(char** pra_list, char** aut_list, char* pra_record, long pra_record_size,

@@ -1,7 +1,9 @@
 // The identifiers that a new signature pair and a new authentication pair should carry.
 #include "inventory/card_state.h"
+#include "records.h"
 #include "store/deletion.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 bool use2048Bit = false;
 bool force2048PraGen = true;

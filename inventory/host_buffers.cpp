@@ -2,6 +2,7 @@
 
 #include "util/guarded.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 

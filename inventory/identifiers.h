@@ -1,6 +1,7 @@
 #pragma once
 
 #include "card/session.h"
+#include "records.h"
 #include "store/objects.h"
 #include "store/walk.h"
 

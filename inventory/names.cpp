@@ -1,6 +1,6 @@
 #include "inventory/names.h"
 
-#include "routines.h"
+#include "routines/util.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 

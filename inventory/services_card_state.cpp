@@ -1,6 +1,7 @@
 // What a services card holds for a renewal.
 #include "diag/log.h"
 #include "inventory/card_state.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 #include <cstdlib>

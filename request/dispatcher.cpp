@@ -3,6 +3,8 @@
 #include "diag/log.h"
 #include "inventory/census.h"
 #include "request/request.h"
+#include "routines/card.h"
+#include "routines/util.h"
 #include "store/keep_flag.h"
 #include "store/objects.h"
 #include "store/pending_deletion.h"

@@ -3,7 +3,7 @@
 #include "request/pieces.h"
 #include "request/request.h"
 #include "request/sign.h"
-#include "routines.h"
+#include "routines/request.h"
 #include "util/guarded.h"
 #include "util/text.h"
 

@@ -4,6 +4,7 @@
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "request/sign.h"
+#include "routines/card.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"

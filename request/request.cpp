@@ -7,6 +7,7 @@
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 namespace zv {
 

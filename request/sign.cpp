@@ -4,6 +4,7 @@
 #include "diag/failure.h"
 #include "diag/log.h"
 #include "request/der.h"
+#include "zvCrypt.h"
 
 #include <array>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // The C face of this folder.
 #include "card/session.h"
-#include "routines.h"
+#include "routines/store.h"
 #include "store/deletion.h"
 #include "store/marker.h"
 #include "store/pending_deletion.h"

@@ -3,6 +3,7 @@
 
 #include "card/session.h"
 #include "diag/log.h"
+#include "routines/card.h"
 #include "store/deletion.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"

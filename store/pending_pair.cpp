@@ -2,6 +2,8 @@
 
 #include "card/session.h"
 #include "diag/log.h"
+#include "routines/diag.h"
+#include "routines/util.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"

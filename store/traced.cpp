@@ -2,6 +2,7 @@
 
 #include "card/session.h"
 #include "diag/log.h"
+#include "routines/util.h"
 #include "store/objects.h"
 
 #include <algorithm>

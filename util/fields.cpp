@@ -1,5 +1,5 @@
 // Fields in texts of name and value pairs, and their escapes.
-#include "routines.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 #include <algorithm>

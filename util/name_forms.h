@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records.h"
 #include "util/name_record.h"
 
 #include <array>

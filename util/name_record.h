@@ -1,6 +1,7 @@
 #pragma once
 
 #include "name_attributes.h"
+#include "records.h"
 #include "util/text.h"
 
 #include <string_view>

@@ -1,5 +1,5 @@
 // Numbers as texts. The "Hex" helpers write "0x" and decimal digits: the log's readers expect that form.
-#include "routines.h"
+#include "routines/util.h"
 #include "util/text.h"
 
 #include <cstdio>

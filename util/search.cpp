@@ -1,5 +1,5 @@
 // Joining, searching and measuring texts.
-#include "routines.h"
+#include "routines/util.h"
 #include "util/guarded.h"
 #include "util/text.h"
 

@@ -1,6 +1,6 @@
 #include "util/text.h"
 
-#include "routines.h"
+#include "routines/util.h"
 
 #include <algorithm>
 #include <cstring>

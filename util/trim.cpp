@@ -1,5 +1,6 @@
 // Letter case, blanks and separators, changed in place.
-#include "routines.h"
+
+#include "routines/util.h"
 
 #include <cctype>
 #include <cstring>

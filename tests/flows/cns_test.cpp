@@ -2,6 +2,7 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "inventory/certificates.h"
+#include "routines.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/memory_bio.h"
 #include "simcard/common/card_folder.h"

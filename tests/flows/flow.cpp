@@ -1,11 +1,13 @@
 #include "tests/flows/flow.h"
 
 #include "install/certificate_object.h"
+#include "routines/card.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/renewal.h"
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/object_view.h"
 #include "tests/simcard/objects.h"
+#include "zvCrypt.h"
 
 #include <openssl/pem.h>
 

@@ -1,6 +1,8 @@
 // Calls that are stopped before the card is touched.
 #include "api/state.h"
 #include "card/detection.h"
+#include "routines/api.h"
+#include "routines/card.h"
 #include "store/renewal_state.h"
 #include "tests/flows/flow.h"
 

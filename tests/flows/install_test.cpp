@@ -2,6 +2,8 @@
 #include "card/session.h"
 #include "install/certificate.h"
 #include "install/certificate_object.h"
+#include "routines/card.h"
+#include "routines/install.h"
 #include "tests/flows/flow.h"
 
 #include <openssl/x509.h>

@@ -1,6 +1,8 @@
 // What a reading and a search for free identifiers give back, and what they do when card, PIN or module fail.
 #include "card/detection.h"
 #include "inventory/certificates.h"
+#include "routines/card.h"
+#include "routines/inventory.h"
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/personalise.h"
 #include "tests/flows/flow.h"

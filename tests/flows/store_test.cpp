@@ -1,4 +1,5 @@
 // Token objects: searching, deleting, relabelling, markers, censuses and dumps, in a session of the test's own.
+#include "routines.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"

@@ -1,5 +1,6 @@
 // Hostile arguments: every exported routine with every kind of text, without a card and with one.
 #include "card/session.h"
+#include "routines.h"
 #include "simcard/authority/files.h"
 #include "simcard/tool/as_made.h"
 #include "tests/flows/flow.h"

@@ -1,5 +1,6 @@
 // The crypto library and card detection on a real PC/SC service.
 #include "card/detection.h"
+#include "routines/card.h"
 #include "tests/pcsc/needs_readers.h"
 #include "tests/support/log_file.h"
 #include "zvCrypt.h"

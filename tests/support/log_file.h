@@ -1,6 +1,6 @@
 #pragma once
 
-#include "routines.h"
+#include "routines/diag.h"
 
 #include <cstdlib>
 #include <cstring>

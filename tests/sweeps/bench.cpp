@@ -4,6 +4,8 @@
 #include "simcard/common/card_folder.h"
 #include "simcard/tool/object_view.h"
 #include "tests/support/process.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

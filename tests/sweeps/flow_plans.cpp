@@ -1,3 +1,5 @@
+#include "routines/card.h"
+#include "routines/store.h"
 #include "simcard/authority/memory_bio.h"
 #include "tests/sweeps/bench.h"
 

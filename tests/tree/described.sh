@@ -3,7 +3,7 @@
 # CHANGELOG.md does not name a symbol that the library exports.
 set -eu
 cd "$1"
-awk -f tests/tree/declarations.awk include/*.h | awk '
+find include -name '*.h' -exec awk -f tests/tree/declarations.awk {} + | awk '
     $3 != "described" { print $1 " is not described"; wrong = 1 }
     END { exit wrong || !NR }'
 awk '

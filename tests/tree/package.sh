@@ -27,5 +27,12 @@ flags=$(pkg-config --cflags zvrenew)
 # shellcheck disable=SC2046,SC2086
 "$cc" $flags "$here/host.c" $(pkg-config --libs zvrenew) -Wl,-rpath,"$lib" -o host
 ./host "$work/host.log"
-# shellcheck disable=SC2086
-echo '#include <routines.h>' | "$cxx" -std=c++20 -fsyntax-only $flags -x c++ -
+# Each header of routines alone; their sum has them all.
+(cd moved/include/zvrenew && ls routines.h routines/*.h) >headers
+[ "$(wc -l <headers)" -gt 8 ] || { echo "headers of routines are missing"; exit 1; }
+while read -r header; do
+    # shellcheck disable=SC2086
+    echo "#include <$header>" | "$cxx" -std=c++20 -fsyntax-only $flags -x c++ -
+    grep -q "\"$header\"" moved/include/zvrenew/routines.h || [ "$header" = routines.h ] ||
+        { echo "routines.h lacks $header"; exit 1; }
+done <headers

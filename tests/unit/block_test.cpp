@@ -2,6 +2,7 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "card/session.h"
+#include "routines/api.h"
 #include "store/renewal_state.h"
 #include "tests/support/log_file.h"
 

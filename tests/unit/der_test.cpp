@@ -1,6 +1,6 @@
 #include "request/der.h"
 #include "request/pkcs10.h"
-#include "routines.h"
+#include "routines/request.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "card/detection.h"
 #include "card/session.h"
+#include "routines/card.h"
 #include "store/objects.h"
 #include "tests/support/log_file.h"
 

@@ -1,5 +1,6 @@
 #include "api/state.h"
 #include "inventory/names.h"
+#include "routines.h"
 #include "tests/support/log_file.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "routines.h"
+#include "routines/util.h"
 
 #include <gtest/gtest.h>
 
