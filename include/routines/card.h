@@ -10,7 +10,7 @@ extern "C" {
 /**
  * Finds the reader, the module that serves its card, the slot, the kind of card and its serial number.
  *
- * What it finds serves every later call: readings, requests and storing. The module follows from the card's
+ * What it finds serves every later call: readings, requests and installing. The module follows from the card's
  * ATR (a table given to set_ATRini_path is asked first); the serial number is read in a session of the crypto
  * library's own, without a login.
  *

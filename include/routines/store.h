@@ -129,7 +129,7 @@ ZV_API int DeleteAllPending32(char* library, char* pin, unsigned int slotIndex, 
  * Finds the pending pair: the last private and the last public key whose CKA_ID contains the pending label.
  *
  * An empty pending label matches every key. The two handles go to variables of the library, cleared first,
- * from which requests and storing take them.
+ * from which requests and installing take them.
  *
  * @param[in] reportMissing  true logs a sentence when there is no private key
  * @return 0; 100 no private key (a public one found is kept); 1 a PKCS#11 failure, a key whose CKA_ID has
