@@ -87,7 +87,7 @@ ZV_API int miExecCmd(const char* command, char* block, long blockLen, char* out,
  */
 ZV_API int ReqCert(REQRENIN* rec, datiDN* dn, char* out, unsigned* outLen);
 /**
- * Stores the certificate of a parsed block in the open session, which stays open.
+ * Installs the certificate of a parsed block in the open session, which stays open.
  *
  * Identifier and label to be are those that Scarica set last; the record gives certificate and module.
  *
@@ -95,12 +95,12 @@ ZV_API int ReqCert(REQRENIN* rec, datiDN* dn, char* out, unsigned* outLen);
  * @param[in]     dn      not read
  * @param[out]    out     an empty text
  * @param[in,out] outLen  room in out in bytes, at least 1; then 0
- * @return 0; 1 as MemorizzazioneCertificato; -10000 no room, the certificate is stored
+ * @return 0; 1 as MemorizzazioneCertificato; -10000 no room, the certificate is installed
  * After a failure: as MemorizzazioneCertificato.
  */
 ZV_API int ScaCert(REQRENIN* rec, datiDN* dn, char* out, unsigned* outLen);
 /**
- * Opens the session, removes what is replaced unless the keep flag is 'R', stores the certificate, closes.
+ * Opens the session, removes what is replaced unless the keep flag is 'R', installs the certificate, closes.
  *
  * The pair is looked for under the library's pending label and gets that of the record. Removed are: for kind
  * CNS the certificate "CNS0"; else every object whose CKA_ID contains the record's certificate label (an

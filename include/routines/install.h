@@ -9,7 +9,7 @@
 extern "C" {
 
 /**
- * Stores an issued certificate next to the pending pair.
+ * Installs an issued certificate next to the pending pair.
  *
  * The pair found by CheckPendingKeys gets the identifier to be, which Scarica sets, as CKA_ID and CKA_LABEL
  * (ChangeValueObject; not with modules named incryptoki2, bit4ipki, bit4hipki or cnspkcs11), then
