@@ -54,7 +54,7 @@ Advice enter_card() {
             "  [card NAME]\n"
             "  atr = ATR\n"
             "  module = MODULE.so",
-            {{"files", {"~/.config/zvcrypt.conf", "/etc/zvcrypt.conf"}}}};
+            {{"files", std::vector<std::string>{"~/.config/zvcrypt.conf", "/etc/zvcrypt.conf"}}}};
 }
 
 Advice start_service() {

@@ -4,51 +4,50 @@
 
 namespace cli {
 
-Json card_json(const OpenedCard& card) {
-    Json facts = place_json(card.place);
-    facts.update(state_json(card.state));
+Json as_json(const CardFacts& card) {
+    Json facts = {{"reader", card.reader}};
+    if (card.module.empty()) return facts;
+    facts.update({{"module", card.module}, {"services_card", card.services_card}});
+    if (card.state) facts.update(as_json(*card.state));
     return facts;
 }
 
-Report about_card(OpenedCard& card, const std::function<Report()>& work) {
-    const auto leave = [&](Stop stop) {
-        if (stop.exit == Exit::failed && !stop.card) stop.card = card_now(card).contents;
-        if (stop.exit == Exit::failed && stop.advice.empty())
-            stop.advice.push_back({"repeat", "Leave the card in the reader and run the same command again."});
-        stop.about(card_json(card));
-        return stop;
-    };
-    try {
-        return work();
-    } catch (const Stop& stop) {
-        throw leave(stop);
-    } catch (const std::exception& error) {
-        throw leave({Exit::failed, error.what()});
-    }
+Json as_json(const CardState& state) {
+    return {{"label", state.label},
+            {"serial", state.serial},
+            {"pin", state.pin ? Json(word_for(*state.pin)) : Json()}};
 }
 
-Json pending_json(const Inventory& inventory) {
+Json as_json(const OnCard& contents) {
+    if (contents.untouched || !contents.problem.empty()) return nullptr;
     Json list = Json::array();
-    for (const PendingPair& pair : inventory.pending)
-        list.push_back({{"kind", kind_name(pair.kind)}, {"id", pair.id}});
+    for (const Held& one : contents.held)
+        list.push_back({{"id", one.id},
+                        {"certificates", one.certificates},
+                        {"public_key", one.public_key},
+                        {"private_key", one.private_key}});
     return list;
 }
 
-Json name_json(const DistinguishedName& name) {
+Json as_json(const DistinguishedName& name) {
     Json list = Json::array();
     for (const NameAttribute& attribute : name.attributes())
         list.push_back({{attribute.name, attribute.value}});
     return list;
 }
 
+Json as_json(const Proposal& proposal) {
+    if (proposal.none_free) return {{"none_free", true}};
+    if (proposal.id.empty()) return nullptr;
+    return {{"id", proposal.id}};
+}
+
 std::string instant(std::time_t time) {
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(time));
 }
 
-Json proposal_json(const Proposal& proposal) {
-    if (proposal.none_free) return {{"none_free", true}};
-    if (proposal.id.empty()) return nullptr;
-    return {{"id", proposal.id}};
+Json or_null(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
 }
 
 } // namespace cli

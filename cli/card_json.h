@@ -1,31 +1,36 @@
 #pragma once
 
+#include "cli/card_facts.h"
 #include "cli/inventory.h"
-#include "cli/outcome.h"
+#include "cli/json.h"
+#include "cli/on_card.h"
 
-#include <functional>
+#include <ctime>
+#include <string>
 
 namespace cli {
 
 // The same facts have the same names in what every command prints with --json.
 
-// {"reader", "module", "label", "serial", "services_card", "pin"}
-[[nodiscard]] Json card_json(const OpenedCard& card);
+// {"reader", "module", "services_card", "label", "serial", "pin"}, as far as they are known.
+[[nodiscard]] Json as_json(const CardFacts& card);
 
-// Does what is done with an opened card. A Stop takes along which card that was and, after a failure, what is
-// on it then. @throws Stop
-[[nodiscard]] Report about_card(OpenedCard& card, const std::function<Report()>& work);
+// {"label", "serial", "pin"}
+[[nodiscard]] Json as_json(const CardState& state);
 
-// An array of {"kind", "id"}.
-[[nodiscard]] Json pending_json(const Inventory& inventory);
+// An array of {"id", "certificates", "public_key", "private_key"}; null when the card was not read.
+[[nodiscard]] Json as_json(const OnCard& contents);
 
 // A name as an array of {"CN": "..."}, in its order.
-[[nodiscard]] Json name_json(const DistinguishedName& name);
+[[nodiscard]] Json as_json(const DistinguishedName& name);
+
+// {"id": ...} or {"none_free": true}, or null without a proposal.
+[[nodiscard]] Json as_json(const Proposal& proposal);
 
 // "2025-12-04T10:00:00Z"
 [[nodiscard]] std::string instant(std::time_t time);
 
-// {"id": ...} or {"none_free": true}, or null without a proposal.
-[[nodiscard]] Json proposal_json(const Proposal& proposal);
+// A text, or null where it is empty.
+[[nodiscard]] Json or_null(const std::string& text);
 
 } // namespace cli

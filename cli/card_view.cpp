@@ -168,7 +168,7 @@ void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
                        Advice{"doubled",
                               "With the card's own software, remove the keys " + id +
                                   " that no certificate is wanted for; then run the command again.",
-                              {{"remove", {id}}}});
+                              {{"remove", std::vector{id}}}});
 }
 
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {

@@ -1,3 +1,4 @@
+#include "cli/about_card.h"
 #include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/inventory.h"
@@ -33,24 +34,33 @@ KeyTexts ask_library(OpenedCard& card) {
     return keys;
 }
 
-void add(Report& report, const Inventory& inventory, Kind kind, const std::string& key_text) {
+// What new keys of a kind would be called, and what is in the way.
+struct FreeId {
+    Kind kind;
+    Proposal proposal;
+    bool pending = false; // a pair that waits for its certificate has it
+    bool retired = false; // keys that a removal left have it
+};
+
+FreeId look_up(const Inventory& inventory, Kind kind, const std::string& key_text) {
     const Proposal proposal = as_proposal(key_text);
-    const bool pending = std::any_of(inventory.pending.begin(), inventory.pending.end(),
-                                     [&](const PendingPair& pair) { return pair.id == proposal.id; });
-    const bool retired = std::any_of(inventory.retired.begin(), inventory.retired.end(),
-                                     [&](const RetiredPair& pair) { return pair.id == proposal.id; });
-    Json entry = proposal_json(proposal);
-    if (!proposal.id.empty()) {
-        entry["pending"] = pending;
-        entry["retired"] = retired;
-    }
-    report.json[kind_name(kind)] = entry;
-    const std::string words = proposal.none_free    ? "none free"
-                              : proposal.id.empty() ? "not looked for, since no signature identifier is free"
-                              : pending ? proposal.id + " (taken by a pair that waits for its certificate)"
-                              : retired ? proposal.id + " (taken by keys that a removal left)"
-                                        : proposal.id;
-    report.text += fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(kind), words);
+    const auto same = [&](const auto& pair) { return pair.id == proposal.id; };
+    return {kind, proposal, std::any_of(inventory.pending.begin(), inventory.pending.end(), same),
+            std::any_of(inventory.retired.begin(), inventory.retired.end(), same)};
+}
+
+std::string in_words(const FreeId& free) {
+    const std::string& id = free.proposal.id;
+    if (free.proposal.none_free) return "none free";
+    if (id.empty()) return "not looked for, since no signature identifier is free";
+    if (free.pending) return id + " (taken by a pair that waits for its certificate)";
+    return free.retired ? id + " (taken by keys that a removal left)" : id;
+}
+
+Json as_json(const FreeId& free) {
+    Json entry = as_json(free.proposal);
+    if (!free.proposal.id.empty()) entry.update({{"pending", free.pending}, {"retired", free.retired}});
+    return entry;
 }
 
 Report show_free(OpenedCard& card) {
@@ -58,9 +68,13 @@ Report show_free(OpenedCard& card) {
     const Inventory inventory = read_inventory(card, view_card(card));
     const KeyTexts keys = ask_library(card);
     Report report;
-    report.json = card_json(card);
-    add(report, inventory, Kind::signature, keys.signature.data());
-    add(report, inventory, Kind::authentication, keys.authentication.data());
+    report.json = as_json(card.facts());
+    for (const FreeId& free : {look_up(inventory, Kind::signature, keys.signature.data()),
+                               look_up(inventory, Kind::authentication, keys.authentication.data())}) {
+        report.json[kind_name(free.kind)] = as_json(free);
+        report.text +=
+            fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(free.kind), in_words(free));
+    }
     return report;
 }
 

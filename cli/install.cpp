@@ -1,8 +1,8 @@
-#include "cli/card_json.h"
+#include "cli/about_card.h"
 #include "cli/commands.h"
 #include "cli/install_plan.h"
+#include "cli/installed.h"
 #include "cli/library_text.h"
-#include "cli/log_folder.h"
 #include "cli/new_file.h"
 #include "cli/note.h"
 #include "cli/proof.h"
@@ -21,10 +21,6 @@ namespace {
 
 // Room for the default identifiers that the library may write.
 constexpr std::size_t LABEL_ROOM = 256;
-
-constexpr const char* MARK_LEFT = "The mark pending_CNS_key of the request is still on the card: the list "
-                                  "shows a request under way until the "
-                                  "next\ncertificate is installed, or the card's own software removes it.";
 
 // Saves what is about to be replaced. A file that holds all of it already will do.
 std::string save_backup(const InstallPlan& plan) {
@@ -66,15 +62,6 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
 
 Advice say_backup(const std::string& backup) {
     return {"backup", fmt::format("A copy of the old certificate: {}", backup), {{"file", backup}}};
-}
-
-Advice say_left(const std::vector<std::string>& left) {
-    return {
-        "card-software",
-        fmt::format(
-            "Left on the card of a certificate removed before: {}. The card's own software can remove it.",
-            fmt::join(left, ", ")),
-        {{"remove", left}}};
 }
 
 // What the card may have refused: it does not say why.
@@ -148,45 +135,16 @@ void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::st
     if (!left.empty()) throw because_left(left, plan, now, backup);
 }
 
-std::string old_in_words(const InstallPlan& plan) {
-    if (!plan.old) return {};
-    if (plan.removed.empty() && !plan.old->on_card) return "\nThe old certificate is no longer on the card.";
-    if (plan.kind == Kind::services)
-        return plan.removed.empty()
-                   ? fmt::format("\nThe old certificate is still on the card, under the same identifier {}: "
-                                 "programs may take it for the new\none. Only the card's own software can "
-                                 "remove it now; --remove-old does so before storing.",
-                                 plan.pair)
-                   : fmt::format("\nRemoved: the old certificate {}.", plan.pair);
-    if (!plan.removed.empty()) return fmt::format("\nRemoved: {}.", fmt::join(plan.removed, ", "));
-    return fmt::format("\nThe old certificate {} is still on the card.", plan.old->id);
-}
-
 Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& backup, const Proof& proof) {
     const CardNow now = card_now(card);
     refuse_leftovers(plan, now, backup);
-    Report report;
-    report.json = card_json(card);
-    report.json["kind"] = kind_name(plan.kind);
-    report.json["stored"] = plan.pair;
-    report.json["verified"] = proof.signed_with;
-    report.json["replaces"] = plan.old && !plan.old->id.empty() ? Json(plan.old->id) : Json();
-    report.json["removed"] = plan.removed;
-    report.json["left"] = plan.left;
-    report.json["other_issuer"] = !new_issuer(plan).empty();
-    report.json["backup"] = backup.empty() ? Json() : Json(backup);
-    report.json["on_card"] = now.contents.as_json();
-    report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
-    report.text =
-        fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
-                    "{2}{3}",
-                    kind_name(plan.kind), plan.pair, in_words(proof, plan.pair), old_in_words(plan));
     const bool marked = plan.kind == Kind::services && now.view && now.view->marked_pending();
-    report.json["mark_left"] = marked;
-    if (marked) report.advice.push_back({"mark", MARK_LEFT});
-    if (!plan.left.empty()) report.advice.push_back(say_left(plan.left));
-    if (!backup.empty()) report.text += fmt::format("\nA copy of the old certificate: {}", backup);
-    report.text += fmt::format("\nNow on the card: {}\nLog: {}", now.contents.in_words(), log_path());
+    const Installed installed{card.facts(), plan, backup, proof, now.contents, marked};
+    Report report;
+    report.json = as_json(installed);
+    report.text = in_words(installed);
+    report.advice = advice_on(installed);
+    report.unsaid = [now](Stop& stop) { stop.card = now.contents; };
     return report;
 }
 
@@ -205,12 +163,12 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
                           proof.signed_with
                               ? "a signature of its key verifies with it"
                               : "its key, which wants a PIN before each signature, is the right one"));
-    stop.facts = {{"stored", id}, {"verified", proof.signed_with}};
+    stop.found = AlreadyStored{id, proof.signed_with};
     std::vector<std::string> left;
     for (const RetiredPair& pair : inventory.retired)
         left.push_back(pair.id);
     if (!left.empty()) stop.advice.push_back(say_left(left));
-    if (id == OWN_PAIR_ID && view.marked_pending()) stop.advice.push_back({"mark", MARK_LEFT});
+    if (id == OWN_PAIR_ID && view.marked_pending()) stop.advice.push_back(say_mark_left());
     return stop;
 }
 

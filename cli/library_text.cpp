@@ -88,7 +88,7 @@ std::string library_reason(int code) {
 
 Stop library_stop(const std::string& sentence, int code) {
     Stop stop(Exit::failed, sentence + library_reason(code) + ".");
-    stop.facts["code"] = code;
+    stop.code = code;
     stop.logged = true;
     if (no_room(code)) stop.advice.push_back(make_room());
     return stop;

@@ -72,7 +72,7 @@ int locker_of(int fd) {
     throw Stop(Exit::refused, fmt::format("Another program{} {}.", who, busy),
                Advice{"wait",
                       "Run the command again when that one has ended.",
-                      {{"process", process > 0 ? Json(process) : Json()}}});
+                      {{"process", process > 0 ? Value(long{process}) : Value()}}});
 }
 
 [[noreturn]] void refuse_unusable(const std::string& path, int error) {

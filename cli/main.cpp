@@ -1,4 +1,5 @@
 #include "cli/answer.h"
+#include "cli/card_json.h"
 #include "cli/command_line.h"
 #include "cli/dumps.h"
 #include "cli/library_text.h"
@@ -32,7 +33,7 @@ const char* result_name(Exit exit) {
 
 // Cards may hold texts that are no UTF-8.
 void print_json(const std::string& command, Exit exit, const Json& facts) {
-    Json all = {{"command", command.empty() ? Json() : Json(command)}, {"result", result_name(exit)}};
+    Json all = {{"command", or_null(command)}, {"result", result_name(exit)}};
     all.update(facts);
     all["log"] = log_path();
     print_out(all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");

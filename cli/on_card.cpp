@@ -30,15 +30,4 @@ std::string OnCard::in_words() const {
     return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
-Json OnCard::as_json() const {
-    if (untouched || !problem.empty()) return nullptr;
-    Json list = Json::array();
-    for (const Held& one : held)
-        list.push_back({{"id", one.id},
-                        {"certificates", one.certificates},
-                        {"public_key", one.public_key},
-                        {"private_key", one.private_key}});
-    return list;
-}
-
 } // namespace cli

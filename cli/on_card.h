@@ -1,14 +1,10 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
 #include <cstddef>
 #include <string>
 #include <vector>
 
 namespace cli {
-
-using Json = nlohmann::ordered_json;
 
 // What a card holds under one identifier.
 struct Held {
@@ -18,7 +14,7 @@ struct Held {
     bool private_key = false;
 };
 
-// What is on a card, as read at one moment; for a person in words, for a program as data.
+// What is on a card, as read at one moment.
 struct OnCard {
     std::vector<Held> held;
     std::string problem;    // why the card could not be read; empty when it was
@@ -26,8 +22,6 @@ struct OnCard {
 
     // "DS0 (certificate and keys), DS3 (keys without a certificate)"
     [[nodiscard]] std::string in_words() const;
-    // An array of {"id", "certificates", "public_key", "private_key"}; null when the card was not read.
-    [[nodiscard]] Json as_json() const;
 };
 
 } // namespace cli

@@ -17,30 +17,42 @@ namespace {
 
 constexpr CK_SLOT_ID LAST_SLOT = 9;
 
+CardFacts facts_of(const Place& place, std::optional<CardState> state) {
+    return {place.reader, place.module_path, place.services, std::move(state)};
+}
+
 void refuse_risky_try(const CardState& state, bool final_try) {
-    if ((state.flags & CKF_USER_PIN_LOCKED) != 0)
+    if (state.pin == PinState::locked)
         throw Stop(Exit::refused, "The card's PIN is locked.",
                    Advice{"unlock", "Unlock it with the card's PUK first."});
-    if ((state.flags & CKF_USER_PIN_FINAL_TRY) != 0 && !final_try)
+    if (state.pin == PinState::last_try && !final_try)
         throw Stop(Exit::refused, "Only one PIN try is left: a wrong PIN now locks the card.",
                    Advice{"final-try", "If you are sure of the PIN, give --final-try."});
 }
 
-Stop wrong_pin(const Place& place, const std::string& reason, bool locked) {
-    std::string tries = "the card could not be asked how many tries are left";
-    Json pin;
+// What the card says of its PIN after a wrong one; none when it cannot be asked.
+std::optional<PinState> pin_now(const Place& place, bool locked) {
     try {
-        const CK_FLAGS flags = card_state(place).flags | (locked ? CKF_USER_PIN_LOCKED : CK_FLAGS{0});
-        locked = (flags & CKF_USER_PIN_LOCKED) != 0;
-        pin = pin_state(flags);
-        tries = tries_text(flags);
-        if (tries.empty()) tries = "the card does not say how many tries are left";
-    } catch (const Stop&) { // said in the sentence
+        const CardState now = card_state(place);
+        return locked ? PinState::locked : now.pin;
+    } catch (const Stop&) {
+        return std::nullopt;
     }
-    Stop stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries),
+}
+
+std::string tries_left(std::optional<PinState> pin) {
+    if (!pin) return "the card could not be asked how many tries are left";
+    const std::string tries = tries_text(*pin);
+    return tries.empty() ? "the card does not say how many tries are left" : tries;
+}
+
+Stop wrong_pin(const Place& place, CardState state, const std::string& reason, bool locked) {
+    state.pin = pin_now(place, locked);
+    locked = locked || state.pin == PinState::locked;
+    Stop stop(Exit::failed, fmt::format("The PIN is wrong{}; {}.", reason, tries_left(state.pin)),
               locked ? Advice{"unlock", "It takes the card's PUK to unlock the PIN."}
                      : Advice{"check-pin", "Make sure of the PIN before the next try."});
-    stop.facts["pin"] = pin;
+    stop.tell_card(facts_of(place, std::move(state)));
     return stop;
 }
 
@@ -53,13 +65,13 @@ int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     return kvFinalize();
 }
 
-void prove_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
-    const int code = try_pin(place, slot, pin);
+void prove_pin(const Place& place, const CardState& state, Pin& pin) {
+    const int code = try_pin(place, state.slot, pin);
     if (code == ZVC_OK) return;
     const std::string reason = crypto_reason(code);
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
-        throw wrong_pin(place, reason, code == ZVC_ERR_PIN_LOCKED);
+        throw wrong_pin(place, state, reason, code == ZVC_ERR_PIN_LOCKED);
     throw Stop(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
 }
 
@@ -75,7 +87,7 @@ std::string lock_of(const Place& place, const CardState& state) {
 
 // People take their time: the card that gets the PIN is looked at again.
 Pin ask_pin(const Place& place, const CardState& state, bool final_try) {
-    if (const std::string tries = tries_text(state.flags); !tries.empty())
+    if (const std::string tries = state.pin ? tries_text(*state.pin) : ""; !tries.empty())
         note(fmt::format("The card says that {}.", tries));
     Pin pin = take_pin({}, place.reader);
     const CardState now = card_state(place);
@@ -86,15 +98,15 @@ Pin ask_pin(const Place& place, const CardState& state, bool final_try) {
 }
 
 // What is known of the card is added to `facts` as soon as it is.
-OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
+OpenedCard open_untouched(const CommonOptions& options, Use use, std::optional<CardFacts>& facts) {
     // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
     const bool from_file = !options.pin_file.empty();
     std::optional<Pin> early;
     if (from_file) early.emplace(take_pin(options.pin_file, {}));
     Place place = find_place(options);
-    facts = place_json(place);
+    facts = facts_of(place, {});
     CardState state = card_state(place);
-    facts.update(state_json(state));
+    facts = facts_of(place, state);
     if (use == Use::changing && state.slot > LAST_SLOT)
         throw Stop(Exit::refused,
                    fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
@@ -104,7 +116,7 @@ OpenedCard open_untouched(const CommonOptions& options, Use use, Json& facts) {
     std::optional<Lock> lock;
     if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");
     Pin pin = from_file ? std::move(*early) : ask_pin(place, state, options.final_try);
-    prove_pin(place, state.slot, pin);
+    prove_pin(place, state, pin);
     return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
 }
 
@@ -117,29 +129,12 @@ CardState card_state(const Place& place) {
     const CK_TOKEN_INFO token = module.token(state.slot);
     state.label = token_text(token.label, sizeof token.label);
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
-    state.flags = token.flags;
+    state.pin = pin_state(token.flags);
     return state;
 }
 
-Json place_json(const Place& place) {
-    return {{"reader", place.reader}, {"module", place.module_path}, {"services_card", place.services}};
-}
-
-Json state_json(const CardState& state) {
-    return {{"label", state.label}, {"serial", state.serial}, {"pin", pin_state(state.flags)}};
-}
-
-const char* pin_state(CK_FLAGS flags) {
-    if ((flags & CKF_USER_PIN_LOCKED) != 0) return "locked";
-    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "last try";
-    return (flags & CKF_USER_PIN_COUNT_LOW) != 0 ? "low" : "no warning";
-}
-
-std::string tries_text(CK_FLAGS flags) {
-    if ((flags & CKF_USER_PIN_LOCKED) != 0) return "the PIN is locked";
-    if ((flags & CKF_USER_PIN_FINAL_TRY) != 0) return "one try is left, then the PIN is locked";
-    if ((flags & CKF_USER_PIN_COUNT_LOW) != 0) return "fewer tries are left than usual";
-    return {};
+CardFacts OpenedCard::facts() const {
+    return facts_of(place, state);
 }
 
 void require_alone(const OpenedCard& card) {
@@ -150,11 +145,11 @@ void require_alone(const OpenedCard& card) {
 }
 
 OpenedCard open_card(const CommonOptions& options, Use use) {
-    Json facts = Json::object();
+    std::optional<CardFacts> facts;
     try {
         return open_untouched(options, use, facts);
     } catch (Stop& stop) {
-        stop.about(facts);
+        if (facts) stop.tell_card(*facts);
         if (stop.exit == Exit::failed && !stop.card) stop.card = OnCard{{}, {}, true};
         throw;
     }

@@ -53,8 +53,8 @@ std::string names(const std::vector<Reader>& readers) {
     return text;
 }
 
-Json list_of(const std::vector<Reader>& readers) {
-    Json list = Json::array();
+std::vector<std::string> names_of(const std::vector<Reader>& readers) {
+    std::vector<std::string> list;
     for (const Reader& reader : readers)
         list.push_back(reader.name);
     return list;
@@ -66,7 +66,7 @@ const Reader& the_one_named(const std::vector<Reader>& readers, const std::strin
     if (found == readers.end())
         throw Stop(
             Exit::refused, fmt::format("There is no reader \"{}\"; there are: {}.", name, names(readers)),
-            Advice{"reader", "Give the name of one of these, whole.", {{"readers", list_of(readers)}}});
+            Advice{"reader", "Give the name of one of these, whole.", {{"readers", names_of(readers)}}});
     return *found;
 }
 
@@ -76,7 +76,7 @@ const Reader& the_only_one(const std::vector<Reader>& readers) {
                  [](const Reader& reader) { return !reader.module.empty(); });
     if (known.size() > 1)
         throw Stop(Exit::refused, fmt::format("More than one reader holds a card: {}.", names(known)),
-                   Advice{"reader", "Say which one with --reader NAME.", {{"readers", list_of(known)}}});
+                   Advice{"reader", "Say which one with --reader NAME.", {{"readers", names_of(known)}}});
     if (known.size() == 1) return the_one_named(readers, known.front().name);
     const auto card = std::find_if(readers.begin(), readers.end(), [](const Reader& r) { return r.card; });
     return card != readers.end() ? *card : readers.front();
@@ -88,7 +88,7 @@ Stop unusable(const Reader& reader) {
     if (reader.state == "unknown card") stop.advice.push_back(enter_card());
     if (reader.state == "mute card")
         stop.advice.push_back({"insert-card", "Take the card out and put it in the right way round."});
-    stop.about({{"reader", reader.name}});
+    stop.tell_card({reader.name, {}, false, {}});
     return stop;
 }
 
@@ -132,7 +132,7 @@ void refuse_alike(const Module& module, const Matches& matching, std::size_t lon
 Stop listing_stop(int code) {
     Stop stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
     if (code == ZVC_ERR_NO_SERVICE) stop.advice.push_back(start_service());
-    stop.facts["code"] = code;
+    stop.code = code;
     return stop;
 }
 

@@ -1,4 +1,5 @@
 #include "cli/advice.h"
+#include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/module_folder.h"
 #include "cli/pin_gate.h"
@@ -11,58 +12,76 @@
 namespace cli {
 namespace {
 
-Json with_state(const Reader& reader, const std::string& module_dir, std::string& tries) {
+// A reader, and what the card in it says of itself.
+struct ShownReader {
+    Reader reader;
+    std::string problem;     // why nothing is known of the card, or not all
+    std::string module_path; // empty: there is no such module
+    std::optional<CardState> state;
+};
+
+ShownReader look_into(const Reader& reader, const std::string& module_dir) {
+    ShownReader shown{reader, reader.problem, {}, {}};
+    if (reader.module.empty()) return shown;
+    try {
+        const auto folder = folder_of_module(reader.module, module_dir);
+        shown.module_path = (folder / reader.module).string();
+        shown.state = card_state({reader.name, reader.module, folder, shown.module_path});
+    } catch (const Stop& stop) {
+        shown.problem = stop.sentence;
+    }
+    return shown;
+}
+
+Json as_json(const ShownReader& shown) {
+    const Reader& reader = shown.reader;
     Json entry = {{"reader", reader.name}, {"card", reader.card}, {"state", reader.state}};
-    if (!reader.problem.empty()) entry["problem"] = reader.problem;
+    if (!shown.problem.empty()) entry["problem"] = shown.problem;
     if (reader.module.empty()) return entry;
     entry["module"] = reader.module;
     entry["services_card"] = reader.services;
-    try {
-        const auto folder = folder_of_module(reader.module, module_dir);
-        entry["module_path"] = (folder / reader.module).string();
-        const CardState state = card_state({reader.name, reader.module, folder, folder / reader.module});
-        entry["slot"] = state.slot;
-        entry["label"] = state.label;
-        entry["serial"] = state.serial;
-        entry["pin"] = pin_state(state.flags);
-        tries = tries_text(state.flags);
-    } catch (const Stop& stop) {
-        entry["problem"] = stop.sentence;
-    }
+    if (!shown.module_path.empty()) entry["module_path"] = shown.module_path;
+    if (!shown.state) return entry;
+    entry["slot"] = shown.state->slot;
+    entry.update(as_json(*shown.state));
     return entry;
 }
 
-std::string line_for(const Json& entry, const std::string& tries) {
-    const auto text = [&](const char* key) { return entry.value(key, std::string()); };
-    std::string line = fmt::format("{}: ", text("reader"));
-    if (!entry["card"].get<bool>()) return line + (entry.contains("problem") ? text("problem") : "no card");
-    if (entry.contains("serial"))
-        line += fmt::format("card {} (\"{}\"), module {}", text("serial"), text("label"), text("module"));
-    else
-        line += text("problem");
-    if (!tries.empty()) line += "; " + tries;
-    return line;
+std::string what_is_in(const ShownReader& shown) {
+    if (!shown.reader.card) return shown.problem.empty() ? "no card" : shown.problem;
+    if (!shown.state) return shown.problem;
+    const std::string tries = tries_text(shown.state->pin.value_or(PinState::no_warning));
+    return fmt::format("card {} (\"{}\"), module {}{}{}", shown.state->serial, shown.state->label,
+                       shown.reader.module, tries.empty() ? "" : "; ", tries);
+}
+
+std::string in_words(const std::vector<ShownReader>& readers) {
+    std::string lines;
+    for (const ShownReader& shown : readers)
+        lines += fmt::format("{}{}: {}", lines.empty() ? "" : "\n", shown.reader.name, what_is_in(shown));
+    return lines.empty() ? "There is no card reader." : lines;
+}
+
+std::vector<Advice> advice_on(const std::vector<ShownReader>& readers) {
+    if (readers.empty()) return {{"plug-reader", "Plug the reader in and put the card in it."}};
+    if (std::any_of(readers.begin(), readers.end(),
+                    [](const ShownReader& one) { return one.reader.state == "unknown card"; }))
+        return {enter_card()};
+    return {};
 }
 
 } // namespace
 
 Report run_readers(const CommonOptions& options) {
+    std::vector<ShownReader> readers;
+    for (const Reader& reader : list_readers())
+        readers.push_back(look_into(reader, options.module_dir));
     Report report;
+    report.text = in_words(readers);
     report.json["readers"] = Json::array();
-    const std::vector<Reader> readers = list_readers();
-    for (const Reader& reader : readers) {
-        std::string tries;
-        const Json entry = with_state(reader, options.module_dir, tries);
-        report.text += (report.text.empty() ? "" : "\n") + line_for(entry, tries);
-        report.json["readers"].push_back(entry);
-    }
-    if (report.text.empty()) {
-        report.text = "There is no card reader.";
-        report.advice.push_back({"plug-reader", "Plug the reader in and put the card in it."});
-    }
-    if (std::any_of(readers.begin(), readers.end(),
-                    [](const Reader& one) { return one.state == "unknown card"; }))
-        report.advice.push_back(enter_card());
+    for (const ShownReader& shown : readers)
+        report.json["readers"].push_back(as_json(shown));
+    report.advice = advice_on(readers);
     return report;
 }
 

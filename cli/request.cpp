@@ -1,9 +1,10 @@
+#include "cli/about_card.h"
 #include "cli/advice.h"
-#include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/key_material.h"
 #include "cli/library_text.h"
 #include "cli/log_folder.h"
+#include "cli/made_request.h"
 #include "cli/new_file.h"
 #include "cli/note.h"
 #include "cli/request_files.h"
@@ -65,12 +66,11 @@ bool key_failed() {
 
 // Another crypto library may mean something else by these codes.
 bool signer_failed(const RequestPlan& plan, const Stop& stop) {
-    const Json code = stop.facts.value("code", Json(0));
-    return plan.signer_wants_pin && (code == int{ZVC_ERR_KEY_PIN} || code == int{ZVC_ERR_PIN_UNSENT});
+    return plan.signer_wants_pin && (stop.code == ZVC_ERR_KEY_PIN || stop.code == ZVC_ERR_PIN_UNSENT);
 }
 
 Advice advice_on(const RequestPlan& plan, const CardNow& now, const Stop& stop) {
-    const Json pair = {{"pair", plan.pair}};
+    const Values pair = {{"pair", plan.pair}};
     if (now.view && now.view->wants_pin(plan.pair)) return leave_to_card_software(plan.pair);
     if (signer_failed(plan, stop)) return give_key_the_pin(plan.old.id);
     if (key_failed() && plan.old.kind == Kind::services)
@@ -143,54 +143,6 @@ void check_mark(OpenedCard& card) {
         note("The card bears no mark of the request: the list will not show that it is under way.");
 }
 
-const char* which_pair(const RequestPlan& plan) {
-    if (plan.old.kind == Kind::services) return "card's own";
-    return plan.reuse ? "waiting" : "new";
-}
-
-Advice next_step(const RequestPlan& plan, const RequestOptions& options) {
-    const bool remove_old = options.kind == Kind::services;
-    return {"install",
-            fmt::format("Send it to the authority. When the certificate comes:\n"
-                        "  zvrenew install CERTIFICATE --request {}{}",
-                        options.out.empty() ? "REQUEST" : options.out, remove_old ? " --remove-old" : ""),
-            {{"kind", kind_name(options.kind)},
-             {"pair", plan.pair},
-             {"request", options.out.empty() ? Json() : Json(options.out)},
-             {"remove_old", remove_old}}};
-}
-
-// A discarding that was broken off leaves one key of the two, which no request and no installation uses.
-void advise_on_left(Report& report, const RequestPlan& plan) {
-    if (plan.left.empty()) return;
-    report.advice.push_back(
-        {"card-software",
-         fmt::format("Left on the card of a pair that is no longer whole: {}. The card's own "
-                     "software can remove it.",
-                     fmt::join(plan.left, ", ")),
-         {{"remove", plan.left}}});
-}
-
-Report report_on(const OpenedCard& card, const RequestPlan& plan, const RequestOptions& options,
-                 const char* saved_as) {
-    Report report;
-    report.json = card_json(card);
-    report.json["kind"] = kind_name(options.kind);
-    report.json["renews"] = plan.old.id;
-    report.json["pair"] = plan.pair;
-    report.json["pair_reused"] = plan.reuse;
-    report.json["subject"] = name_json(plan.subject);
-    const std::string saved = options.out.empty() ? "" : fmt::format("\n{} {}", saved_as, options.out);
-    if (!options.out.empty()) report.json["file"] = options.out;
-    report.text = fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}{}",
-                              kind_name(options.kind), plan.old.id, which_pair(plan), plan.pair,
-                              plan.subject.readable(), saved);
-    report.advice.push_back(next_step(plan, options));
-    advise_on_left(report, plan);
-    report.logged = true;
-    return report;
-}
-
 // Where the request goes.
 struct Output {
     std::optional<NewFile> file; // none for standard output, or when a request is there already
@@ -212,10 +164,14 @@ bool is_done(const Output& output, const RequestPlan& plan, const CardView& view
     return plan.reuse && under_way && output.earlier == plan.pending_key;
 }
 
-void deliver(const std::string& text, const Output& output, Report& report) {
-    if (output.file) return output.file->save(text);
-    report.json["request"] = text;
-    report.payload = text;
+Report report_on(const MadeRequest& made) {
+    Report report;
+    report.json = as_json(made);
+    report.text = in_words(made);
+    report.payload = made.text;
+    report.advice = advice_on(made);
+    report.logged = true;
+    return report;
 }
 
 using SharedCard = std::shared_ptr<OpenedCard>;
@@ -229,13 +185,14 @@ Report make_request(const SharedCard& card, const RequestPlan& plan, const Reque
     const std::string text = ask_library(*card, plan, options.kind);
     check_request(*card, plan, text);
     if (options.kind == Kind::services) check_mark(*card);
-    Report report = report_on(*card, plan, options, "Saved as");
-    report.unsaid = [card, plan](Stop& stop) { explain(*card, plan, stop); };
     try {
-        deliver(text, output, report);
+        if (output.file) output.file->save(text);
     } catch (const Stop& stop) {
         stop_failed(*card, plan, stop);
     }
+    Report report =
+        report_on({card->facts(), plan, options.kind, options.out, "Saved as", output.file ? "" : text});
+    report.unsaid = [card, plan](Stop& stop) { explain(*card, plan, stop); };
     return report;
 }
 
@@ -246,7 +203,7 @@ Report request_on(const SharedCard& card, const RequestOptions& options, const O
     const RequestPlan plan = plan_request(options, inventory, view, std::move(subject));
     if (output.earlier.empty()) return make_request(card, plan, options, output);
     if (!is_done(output, plan, view)) NewFile refused(options.out);
-    return report_on(*card, plan, options, "It is there already, as");
+    return report_on({card->facts(), plan, options.kind, options.out, "It is there already, as", {}});
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "cli/request_plan.h"
 
 #include "cli/advice.h"
-#include "cli/card_json.h"
 #include "cli/outcome.h"
 #include "zvRenew.h"
 
@@ -70,7 +69,7 @@ Stop not_due(const CertificateRecord& old, int days) {
         Advice{"force",
                fmt::format("It is due {} days before. To renew it now all the same, give --force.", days),
                {{"due_in_days", left - days}}});
-    stop.facts = {{"renews", old.id}, {"not_after", instant(old.ends)}, {"days_left", left}};
+    stop.found = NotDue{old.id, old.ends, left};
     return stop;
 }
 

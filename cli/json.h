@@ -1,0 +1,10 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+namespace cli {
+
+// What --json prints. It is made from what a command found, and nothing is ever read back from it.
+using Json = nlohmann::ordered_json;
+
+} // namespace cli
