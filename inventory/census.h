@@ -41,7 +41,7 @@ constexpr std::size_t CENSUS_SIZE = 1536;
 // Appends a line for each object, as many whole ones as fit; after a failure those written so far stay.
 [[nodiscard]] Census take_census(std::span<char, CENSUS_SIZE> text);
 
-// True for a text with digits where a codice fiscale has them, and only there; the last five characters are not looked
+// True for a text with digits where a tax code has them, and only there; the last five characters are not looked
 // at. A text of another length passes: most authentication certificates have other labels.
 [[nodiscard]] bool looks_like_tax_code(std::string_view text);
 

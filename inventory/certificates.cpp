@@ -95,19 +95,19 @@ CertificateFields::CertificateFields(Certificate& certificate, bool own) {
     kvX509GetSerial(der, length, serial, sizeof serial);
     kvGetIUT(der, length, iut, sizeof iut);
     zv_X509V3_get_subject_key_identifier(der, length, key_id, sizeof key_id);
-    kvGetCodFisc(der, length, cod_fisc, sizeof cod_fisc);
+    kvGetCodFisc(der, length, tax_code, sizeof tax_code);
     kvGetCertificatePolicies(der, length, policies, sizeof policies);
     kvGetExplicitText(der, length, explicit_text, sizeof explicit_text);
-    terminate(start, end, serial, iut, key_id, cod_fisc, policies, explicit_text);
+    terminate(start, end, serial, iut, key_id, tax_code, policies, explicit_text);
 }
 
 std::string CertificateFields::signature_record(std::string_view id) const {
     return joined_record(
-        {subject, issuer, iut, policies, serial, start, end, id, explicit_text, key_id, cod_fisc});
+        {subject, issuer, iut, policies, serial, start, end, id, explicit_text, key_id, tax_code});
 }
 
 std::string CertificateFields::authentication_record(std::string_view id) const {
-    return joined_record({subject, issuer, iut, policies, serial, start, end, id, key_id, cod_fisc});
+    return joined_record({subject, issuer, iut, policies, serial, start, end, id, key_id, tax_code});
 }
 
 LastCertificate::LastCertificate(const CertificateFields& fields, const Certificate& certificate) {

@@ -58,15 +58,15 @@ inline void no_trace(const char*, CK_RV) {}
 struct CertificateFields {
     char description[DESCRIPTION_SIZE] = {};
     char issuer[512] = {}, subject[512] = {};
-    char serial[128] = {}, iut[32] = {}, key_id[256] = {}, cod_fisc[128] = {}, policies[128] = {};
+    char serial[128] = {}, iut[32] = {}, key_id[256] = {}, tax_code[128] = {}, policies[128] = {};
     char explicit_text[256] = {}, start[24] = {}, end[24] = {};
 
     // Fills every field; the holder's names are rewritten as those of a services card's own certificate, or as others.
     CertificateFields(Certificate& certificate, bool own);
 
-    // 11 fields: notice text, subject key identifier, codice fiscale last.
+    // 11 fields: notice text, subject key identifier, tax code last.
     [[nodiscard]] std::string signature_record(std::string_view id) const;
-    // 10 fields: subject key identifier, codice fiscale last.
+    // 10 fields: subject key identifier, tax code last.
     [[nodiscard]] std::string authentication_record(std::string_view id) const;
 };
 
