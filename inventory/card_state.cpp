@@ -46,6 +46,16 @@ bool propose_free(const IdentifierTable& public_keys, std::string_view series, P
     return false;
 }
 
+bool propose_missing(const IdentifierTables& tables, IdTest is_signature_id, IdTest is_authentication_id,
+                     CardState& state) {
+    const auto propose = [&tables](IdTest has_kind, std::string_view series, PairState& pair) {
+        return pair.pending != 0 || !any_certificate(tables, has_kind) ||
+               propose_free(tables.public_keys, series, pair);
+    };
+    return propose(is_signature_id, SIGNATURE_SERIES, state.signature) &&
+           propose(is_authentication_id, AUTHENTICATION_SERIES, state.authentication);
+}
+
 int read_card_state(CardState& state) {
     IdentifierTables tables;
     if (!gather_identifiers(tables, STATE_LOG)) return SEARCH_FAILED;
@@ -53,12 +63,7 @@ int read_card_state(CardState& state) {
     take_first_pending(tables, state);
     trace(STATE_TITLE, "Loop sulle chiavi pubbliche: fine");
     if (tables.certificates.empty()) return 0;
-    if (any_certificate(tables, marks_signature) && state.signature.pending == 0 &&
-        !propose_free(tables.public_keys, SIGNATURE_SERIES, state.signature))
-        return SERIES_FULL;
-    if (any_certificate(tables, marks_authentication) && state.authentication.pending == 0 &&
-        !propose_free(tables.public_keys, AUTHENTICATION_SERIES, state.authentication))
-        return SERIES_FULL;
+    if (!propose_missing(tables, marks_signature, marks_authentication, state)) return SERIES_FULL;
     trace(STATE_TITLE, "return 0 (OK)");
     return 0;
 }

@@ -55,6 +55,11 @@ void take_first_pending(const IdentifierTables& tables, CardState& state);
 // Writes the first of 3, 4, 5 in the series that no public key has; the bare series and false when all are taken.
 [[nodiscard]] bool propose_free(const IdentifierTable& public_keys, std::string_view series, PairState& pair);
 
+// Proposes a free identifier for each kind that a certificate is of and no pending pair; false when a series is full.
+using IdTest = bool (*)(std::string_view id);
+[[nodiscard]] bool propose_missing(const IdentifierTables& tables, IdTest is_signature_id,
+                                   IdTest is_authentication_id, CardState& state);
+
 void clear_key_size_flags();
 
 // Sets the key-size flags as the signature certificates want them.

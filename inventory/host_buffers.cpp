@@ -12,12 +12,10 @@ namespace {
 
 CardState given(const HostState& host) {
     CardState state;
-    const auto take = [](const int* flag, int& pending) {
-        if (flag != nullptr) pending = *flag;
-    };
-    take(host.pending_pra, state.signature.pending);
-    take(host.pending_aut, state.authentication.pending);
-    take(host.pending_cns, state.own_pending);
+    const auto flag = [](const int* pending) { return pending != nullptr ? *pending : 0; };
+    state.signature.pending = flag(host.pending_pra);
+    state.authentication.pending = flag(host.pending_aut);
+    state.own_pending = flag(host.pending_cns);
     return state;
 }
 

@@ -10,8 +10,12 @@ namespace zv {
 
 namespace {
 
-bool is_filed(std::string_view id) {
-    return id.starts_with(SIGNATURE_SERIES) || id.starts_with(AUTHENTICATION_SERIES);
+bool begins_signature(std::string_view id) {
+    return id.starts_with(SIGNATURE_SERIES);
+}
+
+bool begins_authentication(std::string_view id) {
+    return id.starts_with(AUTHENTICATION_SERIES);
 }
 
 bool read_expiry(CK_OBJECT_HANDLE object, CardState& state) {
@@ -28,21 +32,14 @@ bool gather_on_services_card(IdentifierTables& tables, CardState& state) {
         char text[256];
         if (!is_tolerated(read_text(hSession, object, CKA_LABEL, text))) return false;
         if (identity.object_class != CKO_DATA) {
-            if (is_filed(identity.id)) tables.file(identity.object_class, identity.id);
+            if (begins_signature(identity.id) || begins_authentication(identity.id))
+                tables.file(identity.object_class, identity.id);
             return true;
         }
         const std::string_view label = text;
         if (label == "pending_CNS_key") state.own_pending = 1;
         return label != "PDATA" || read_expiry(object, state);
     });
-}
-
-bool is_signature_id(std::string_view id) {
-    return id.starts_with(SIGNATURE_SERIES);
-}
-
-bool is_authentication_id(std::string_view id) {
-    return id.starts_with(AUTHENTICATION_SERIES);
 }
 
 } // namespace
@@ -52,18 +49,12 @@ int read_services_card_state(CardState& state) {
     if (!gather_on_services_card(tables, state)) return SEARCH_FAILED;
     take_first_pending(tables, state);
     set_key_size_flags(tables);
-    auto& [signature, authentication, own_pending, expiry] = state;
-    if (signature.pending == 1 && signature.id[0] != '\0') {
-        discard_first_key(tables, signature.id);
-        if (signature.id[0] == '\0') signature.pending = 0;
+    PairState& pair = state.signature;
+    if (pair.pending == 1 && pair.id[0] != '\0') {
+        discard_first_key(tables, pair.id);
+        if (pair.id[0] == '\0') pair.pending = 0;
     }
-    if (any_certificate(tables, is_signature_id) && signature.pending == 0 &&
-        !propose_free(tables.public_keys, SIGNATURE_SERIES, signature))
-        return SERIES_FULL;
-    if (any_certificate(tables, is_authentication_id) && authentication.pending == 0 &&
-        !propose_free(tables.public_keys, AUTHENTICATION_SERIES, authentication))
-        return SERIES_FULL;
-    return 0;
+    return propose_missing(tables, begins_signature, begins_authentication, state) ? 0 : SERIES_FULL;
 }
 
 std::string_view expiry_in(std::string_view personal_data) {
