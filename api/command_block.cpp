@@ -4,8 +4,8 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "routines/api.h"
-#include "routines/util.h"
 #include "store/renewal_state.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <algorithm>
@@ -128,7 +128,7 @@ unsigned long RichiestaMinInfo(char* cert_label, const char* pin, const char* ce
                                const char* cert_kind, const char* keep_flag) {
     BlockWriter writer;
     writer.add("BEGIN_STRING\nslot:")
-        .add(ItoA(zv::slot))
+        .add(zv::with_decimal("", zv::slot).text)
         .add("\ncertificatelabel:")
         .add(zv::or_empty(cert_label));
     writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:");

@@ -8,10 +8,10 @@
 #include "routines/api.h"
 #include "routines/card.h"
 #include "routines/diag.h"
-#include "routines/util.h"
 #include "store/deletion.h"
 #include "store/keep_flag.h"
 #include "store/renewal_state.h"
+#include "util/numbers.h"
 #include "util/text.h"
 #include "util/wipe.h"
 
@@ -119,10 +119,10 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
     scriviLog("Eseguo la funzione RichiestaCertificato() ..");
     const unsigned short result =
         zv::request_certificate({rec->szDll, rec->szPin}, rec->szTipoCert, zv::buffer);
-    zv::trace("Funzione RichiestaCertificato eseguita", zv::buffer, CatItoAHex1("Ret Code = ", result));
+    zv::trace("Funzione RichiestaCertificato eseguita", zv::buffer, zv::with_hex("Ret Code = ", result));
     if (result != 0) return result;
     const unsigned long length = SepRows(zv::buffer);
-    zv::trace("Dopo SepRows", zv::buffer, CatLtoAHex1("Len = ", static_cast<long>(length)));
+    zv::trace("Dopo SepRows", zv::buffer, zv::with_hex("Len = ", static_cast<long>(length)));
     return give_result(out, out_len);
 }
 
@@ -130,7 +130,7 @@ int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     zv::clear(zv::buffer);
     const int result = zv::install_issued(rec->szCertChain, rec->szDll);
-    zv::trace("Dopo Memorizzazione", zv::buffer, CatItoAHex1("Ret Code = ", result));
+    zv::trace("Dopo Memorizzazione", zv::buffer, zv::with_hex("Ret Code = ", result));
     return result != 0 ? result : give_result(out, out_len);
 }
 

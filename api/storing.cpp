@@ -5,10 +5,10 @@
 #include "api/state.h"
 #include "routines/api.h"
 #include "routines/diag.h"
-#include "routines/util.h"
 #include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
+#include "util/trim.h"
 
 #include <cstring>
 #include <string>
@@ -58,7 +58,7 @@ int finish(const Storing& storing, int code) {
 
 // An empty label, also in the host's buffer, is the card's first one.
 void settle_label(char* cert_label, const char* first) {
-    RTrim(cert_label);
+    zv::strip_right(cert_label);
     if (cert_label[0] == '\0') std::strcpy(cert_label, first);
 }
 

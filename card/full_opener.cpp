@@ -5,7 +5,7 @@
 #include "diag/messages.h"
 #include "routines/card.h"
 #include "routines/diag.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <dlfcn.h>
@@ -32,7 +32,7 @@ int loading_failed() {
         "Errore nel caricamento della libreria di gestione della smartcard\n (error %s)";
     zv::Sentence sentence;
     (void)std::snprintf(sentence, sizeof sentence, format, zv::or_empty(::dlerror()));
-    WriteErr(FULL_TITLE, "LoadLibrary", 0, CatLtoAHex1("hModule = ", 0), 0);
+    WriteErr(FULL_TITLE, "LoadLibrary", 0, zv::with_hex("hModule = ", 0), 0);
     // The loader's text can be asked for once: the user's message has none.
     return zv::Failure(FULL_TITLE).user(format, ::dlerror()).sentence(sentence);
 }
@@ -68,8 +68,8 @@ bool stays_on(CK_SLOT_ID slot) {
 }
 
 void trace_list(const CK_SLOT_ID* slots, CK_ULONG count) {
-    char* address = CatLtoAHex1("SlotList = ", reinterpret_cast<long>(slots));
-    WriteLog(FULL_TITLE, address, 0, CatLtoAHex2("Count = ", static_cast<long>(count)), 0);
+    const auto address = zv::with_hex("SlotList = ", reinterpret_cast<long>(slots));
+    WriteLog(FULL_TITLE, address, 0, zv::with_hex("Count = ", static_cast<long>(count)), 0);
     zv::trace(FULL_TITLE, "C_GetSlotList FALSE");
 }
 
@@ -98,7 +98,8 @@ CK_RV look_up_slot(unsigned slot_index, CK_SLOT_ID& slot) {
         slot = zv::vettoreSlotID[slot_index];
         return CKR_OK;
     }
-    zv::trace(FULL_TITLE, "C_GetSlotList FALSE", CatItoA("SlotNum = ", static_cast<int>(slot_index)));
+    zv::trace(FULL_TITLE, "C_GetSlotList FALSE",
+              zv::with_decimal("SlotNum = ", static_cast<int>(slot_index)));
     return rv = slot_index < zv::CACHED_SLOTS ? list_slots(slot_index, slot, true) : CKR_SLOT_ID_INVALID;
 }
 
@@ -116,7 +117,7 @@ int find_slot(unsigned slot_index) {
 
 int open() {
     static constexpr char format[] = "Errore aprendo la sessione con la smartcard (%s)";
-    zv::trace(FULL_TITLE, "C_OpenSession", CatItoA("SlotID = ", static_cast<int>(zv::slotID)));
+    zv::trace(FULL_TITLE, "C_OpenSession", zv::with_decimal("SlotID = ", static_cast<int>(zv::slotID)));
     rv = zv::open_session(zv::slotID);
     if (rv == CKR_OK) return 0;
     if (rv != CKR_TOKEN_NOT_PRESENT) return failed("C_OpenSession", format);

@@ -2,7 +2,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "routines/card.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 namespace {
@@ -11,12 +11,12 @@ constexpr char LIGHT_TITLE[] = "INIZIALIZZA_FUN";
 constexpr CK_RV UNUSABLE = ~CK_RV{0};
 
 void trace_result(const char* step, CK_RV result) {
-    zv::trace(LIGHT_TITLE, step, CatLtoAHex1("Ret Code = ", static_cast<long>(result)));
+    zv::trace(LIGHT_TITLE, step, zv::with_hex("Ret Code = ", static_cast<long>(result)));
 }
 
 bool load_for_light(const char* path) {
     zv::hModule = zv::open_module(path);
-    trace_result(CatSZtoSZ("LoadLibrary: ", path), zv::hModule != nullptr ? CKR_OK : UNUSABLE);
+    trace_result(zv::join("LoadLibrary: ", path), zv::hModule != nullptr ? CKR_OK : UNUSABLE);
     if (zv::hModule == nullptr) return false;
     if (zv::take_function_list()) return true;
     trace_result("GetProcAddress", UNUSABLE);
@@ -49,7 +49,7 @@ CK_RV open_and_login(const char* pin) {
 
 CK_RV __Initialize(int slot, char* pin, char* lib_path) {
     const char* path = zv::or_empty(lib_path);
-    zv::trace(LIGHT_TITLE, CatItoAHex1("SlotNum = ", slot));
+    zv::trace(LIGHT_TITLE, zv::with_hex("SlotNum = ", slot));
     zv::slotID = static_cast<CK_SLOT_ID>(static_cast<long>(slot));
     // A blank path is what a command block carries when no module is known.
     if (path[0] == ' ' || !load_for_light(path)) return UNUSABLE;

@@ -3,7 +3,7 @@
 #include "diag/log.h"
 #include "routines/card.h"
 #include "routines/diag.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 
 #include <dlfcn.h>
 
@@ -71,8 +71,8 @@ CK_RV login(CK_USER_TYPE user, const char* pin) {
 void finalizza() {
     static constexpr char title[] = " .... Finalizza FUN                  .... ";
     const auto trace_state = [](const char* step) {
-        char* session = CatLtoAHex1("hSession = ", static_cast<long>(zv::hSession));
-        WriteLog(step, session, 0, CatLtoAHex2("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
+        const auto session = zv::with_hex("hSession = ", static_cast<long>(zv::hSession));
+        WriteLog(step, session, 0, zv::with_hex("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
     };
     trace_state(title);
     if (zv::hSession != 0) {

@@ -1,7 +1,7 @@
 #include "diag/log.h"
 #include "diag/messages.h"
 #include "routines/diag.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <cstdio>
@@ -17,16 +17,16 @@ void trace(const char* title, const char* step, const char* datum) {
 }
 
 void trace_session(const char* title, const char* step, CK_SESSION_HANDLE session) {
-    WriteLog(title, step, 0, CatLtoAHex1("hSession = ", static_cast<long>(session)), 0);
+    WriteLog(title, step, 0, with_hex("hSession = ", static_cast<long>(session)), 0);
 }
 
 void trace_found(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
-    char* handle = CatLtoAHex1("hObject", static_cast<long>(object));
-    trace(title, handle, CatLtoAHex2("count = ", static_cast<long>(count)));
+    const auto handle = with_hex("hObject", static_cast<long>(object));
+    trace(title, handle, with_hex("count = ", static_cast<long>(count)));
 }
 
 void report_code(const char* title, const char* step, CK_RV code) {
-    WriteErr(title, step, 0, CatLtoAHex1("Errore = ", static_cast<long>(code)), 0);
+    WriteErr(title, step, 0, with_hex("Errore = ", static_cast<long>(code)), 0);
 }
 
 void report_sentence(const char* sentence) {

@@ -2,7 +2,7 @@
 
 #include "diag/log.h"
 #include "routines/diag.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 
 #include <algorithm>
 #include <array>
@@ -76,7 +76,7 @@ int zv::decode_certificate(char* pem, char* der) {
         for (int i = 0; i < bytes; ++i)
             der[total++] = static_cast<char>(value >> (16 - 8 * i));
     }
-    WriteLog(TEXT_TITLE, CatItoA("dimensione = ", total), 0, der, DER_SIZE);
+    WriteLog(TEXT_TITLE, zv::with_decimal("dimensione = ", total), 0, der, DER_SIZE);
     trace(TEXT_TITLE, "F I N E");
     return total;
 }

@@ -4,9 +4,9 @@
 #include "diag/log.h"
 #include "install/certificate.h"
 #include "install/label.h"
-#include "routines/util.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
+#include "util/numbers.h"
 #include "zvCrypt.h"
 
 namespace {
@@ -22,7 +22,7 @@ int read_issued(char* issued, datiCert& certificate) {
     zv::trace(ISSUED_TITLE, "SplitCert");
     const int code = SplitCert(text, &certificate, explanation, EXPLANATION_SIZE);
     if (code == 0) return 0;
-    zv::trace(explanation, CatLtoAHex1("Errore = ", code));
+    zv::trace(explanation, zv::with_hex("Errore = ", code));
     return zv::Failure(ISSUED_TITLE)
         .step("SplitCert", code)
         .sentence("Errore nella scansione del certificato da memorizzare sulla smartcard");

@@ -3,11 +3,12 @@
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/log.h"
-#include "routines/util.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
+#include "util/numbers.h"
 #include "util/text.h"
+#include "util/trim.h"
 
 #include <algorithm>
 #include <cstring>
@@ -29,7 +30,7 @@ CK_RV change(CK_OBJECT_HANDLE object, const char* label) {
 }
 
 CK_RV change_key(const char* name, CK_OBJECT_HANDLE key, const char* text) {
-    zv::trace(CHANGE_TITLE, CHANGE_STEP, CatLtoAHex1(name, static_cast<long>(key)));
+    zv::trace(CHANGE_TITLE, CHANGE_STEP, zv::with_hex(name, static_cast<long>(key)));
     return change(key, text);
 }
 
@@ -52,7 +53,7 @@ void report_rechange(const zv::SearchCall& call) {
 
 // Lower-cases the path in place.
 bool is_none_of(char* module_path, std::initializer_list<const char*> names) {
-    if (_strlwr(module_path) == nullptr) return true;
+    if (zv::lower_case(module_path) == nullptr) return true;
     return std::none_of(names.begin(), names.end(), [module_path](const char* name) {
         return std::strstr(module_path, name) != nullptr;
     });
@@ -80,7 +81,7 @@ int zv::label_pair(const char* text) {
 }
 
 int zv::change_labels(const char* current, const char* text) {
-    trace(RECHANGE_TITLE, "I N I Z I O", CatSZtoSZ("Label = ", text));
+    trace(RECHANGE_TITLE, "I N I Z I O", zv::join("Label = ", text));
     CK_ATTRIBUTE tmpl = attribute(CKA_LABEL, or_empty(current));
     // Neither a failed call nor a failed change ends the search.
     const Search search = {.session = hSession,
@@ -90,7 +91,7 @@ int zv::change_labels(const char* current, const char* text) {
     const Walked walked =
         walk(search, [text](CK_OBJECT_HANDLE object) { return change_again(object, text); });
     if (!walked.whole()) return ZV_FAILED;
-    trace(RECHANGE_TITLE, "F I N E", CatSZtoSZ("Label = ", text));
+    trace(RECHANGE_TITLE, "F I N E", zv::join("Label = ", text));
     return 0;
 }
 

@@ -1,6 +1,5 @@
 #include "install/name_text.h"
 
-#include "routines/util.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 
@@ -34,9 +33,14 @@ constinit std::array DescrOid = name_pairs();
 
 namespace {
 
+char* found_in(char* text, const char* part) {
+    const std::size_t place = zv::find_ignoring_case(text, part);
+    return place != std::string_view::npos ? text + place : nullptr;
+}
+
 // ", X=" becomes "/X=".
 void slash_for(char* text, const char* separator) {
-    char* comma = strstrICase(text, separator);
+    char* comma = found_in(text, separator);
     if (comma == nullptr) return;
     std::memmove(comma, comma + 1, std::strlen(comma));
     *comma = '/';
@@ -47,8 +51,8 @@ void slash_for(char* text, const char* separator) {
 int zv::slash_commas(char* dn) {
     static constexpr char description[] = ", D=";
     int rounds = 0;
-    for (char* match = strstrICase(dn, description); match != nullptr;
-         match = strstrICase(match + 1, description)) {
+    for (char* match = found_in(dn, description); match != nullptr;
+         match = found_in(match + 1, description)) {
         slash_for(match + 1, ", N=");
         slash_for(match + 1, description);
         ++rounds;

@@ -2,9 +2,9 @@
 #include "diag/log.h"
 #include "inventory/inventory.h"
 #include "routines/diag.h"
-#include "routines/util.h"
 #include "store/renewal_state.h"
 #include "util/guarded.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <cstring>
@@ -27,7 +27,7 @@ void log_call(const char* name, CK_RV result) {
                     {"C_FindObjectsFinal", "Find Objects Final: "}};
     for (const auto& [call, text] : failures)
         if (std::strcmp(call, name) == 0)
-            WriteErr(name, text, 0, CatItoAHex1("Errore = ", static_cast<int>(result)), 0);
+            WriteErr(name, text, 0, with_hex("Errore = ", static_cast<int>(result)), 0);
 }
 
 constexpr SearchLog INVENTORY_LOG = {

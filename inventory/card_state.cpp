@@ -1,7 +1,7 @@
 #include "inventory/card_state.h"
 
 #include "diag/log.h"
-#include "routines/util.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 namespace zv {
@@ -14,7 +14,7 @@ constexpr SearchLog STATE_LOG = {.after = [](const SearchCall& call) {
     char title[64];
     copy_text(title, STATE_TITLE);
     append_text(title, call.name);
-    trace(title, call.result == CKR_OK ? "OK" : CatLtoAHex1("Errore = ", static_cast<long>(call.result)));
+    trace(title, call.result == CKR_OK ? "OK" : with_hex("Errore = ", static_cast<long>(call.result)));
 }};
 
 bool marks_signature(std::string_view id) {

@@ -2,10 +2,10 @@
 
 #include "card/session.h"
 #include "diag/log.h"
-#include "routines/util.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <cstring>
@@ -38,7 +38,7 @@ bool accepted(CK_RV result) {
     static constexpr char step[] = "C_GetAttributeValue";
     if (result == CKR_OK) return true;
     if (is_tolerated(result)) {
-        trace(CENSUS_TITLE, step, CatItoAHex1("Errore = ", static_cast<int>(result)));
+        trace(CENSUS_TITLE, step, with_hex("Errore = ", static_cast<int>(result)));
         return true;
     }
     report_failure(CENSUS_TITLE, step, result,
@@ -50,7 +50,7 @@ bool CensusObject::read(CK_OBJECT_HANDLE object) {
     char serial[513];
     int index = 0;
     const auto attribute = [&index](auto read_it) {
-        trace(CENSUS_TITLE, "C_GetAttributeValue", CatItoA("Template Index = ", index++));
+        trace(CENSUS_TITLE, "C_GetAttributeValue", with_decimal("Template Index = ", index++));
         return accepted(read_it());
     };
     return attribute([&] { return read_number(hSession, object, CKA_CLASS, object_class); }) &&
@@ -100,14 +100,14 @@ void add_line(std::span<char, CENSUS_SIZE> text, const CensusObject& object) {
 constexpr SearchLog CENSUS_LOG = {
     .before =
         [](const SearchCall& call) {
-            if (call.step == SearchStep::next) trace(CENSUS_TITLE, CatItoA("Volta = ", call.round));
+            if (call.step == SearchStep::next) trace(CENSUS_TITLE, with_decimal("Volta = ", call.round));
             trace_call(call);
         },
     .after =
         [](const SearchCall& call) {
             report_call(call);
             if (call.step == SearchStep::next && call.result == CKR_OK)
-                trace(CENSUS_TITLE, CatLtoA("found = ", static_cast<long>(call.found)));
+                trace(CENSUS_TITLE, with_decimal("found = ", static_cast<long>(call.found)));
         },
 };
 
@@ -128,7 +128,7 @@ Census take_census(std::span<char, CENSUS_SIZE> text) {
     if (!walk({.session = hSession, .log = CENSUS_LOG, .title = CENSUS_TITLE}, describe).whole())
         return Census::failed;
     const Census code = census_of(objects, pending_keys != 0);
-    trace(CENSUS_TITLE, "F I N E", CatItoAHex1("Ret Code = ", static_cast<int>(code)));
+    trace(CENSUS_TITLE, "F I N E", with_hex("Ret Code = ", static_cast<int>(code)));
     return code;
 }
 

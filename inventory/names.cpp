@@ -1,6 +1,5 @@
 #include "inventory/names.h"
 
-#include "routines/util.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 
@@ -25,8 +24,9 @@ void rewrite_name(char* name, std::size_t size) {
 }
 
 bool rewrite_name_cns(char* name, std::size_t size) {
-    char* place = strstrICase(name, common_name_row.slash);
-    if (place == nullptr) return false;
+    const std::size_t found = find_ignoring_case(name, common_name_row.slash);
+    if (found == std::string_view::npos) return false;
+    char* place = name + found;
     const std::string_view value = place + std::string_view(common_name_row.slash).size();
     char common_name[64], tail[512];
     copy_text(common_name, value.substr(0, MOST_COMMON_NAME));

@@ -1,8 +1,8 @@
 // What a services card holds for a renewal.
 #include "diag/log.h"
 #include "inventory/card_state.h"
-#include "routines/util.h"
 #include "util/text.h"
+#include "util/trim.h"
 
 #include <cstdlib>
 
@@ -62,7 +62,7 @@ std::string_view expiry_in(std::string_view personal_data) {
     if (personal_data.size() < mark_at) return {};
     char mark[4], digits[3];
     copy_text(mark, personal_data.substr(mark_at, 3));
-    if (std::string_view(_strupr(mark)) == "XXX") return {};
+    if (std::string_view(upper_case(mark)) == "XXX") return {};
     copy_text(digits, personal_data.substr(length_at, 2));
     const long length = std::strtol(digits, nullptr, 10);
     if (length <= 0) return {};

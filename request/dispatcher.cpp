@@ -4,13 +4,13 @@
 #include "inventory/census.h"
 #include "request/request.h"
 #include "routines/card.h"
-#include "routines/util.h"
 #include "store/keep_flag.h"
 #include "store/objects.h"
 #include "store/pending_deletion.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
 #include "util/guarded.h"
+#include "util/numbers.h"
 
 namespace zv {
 
@@ -24,7 +24,7 @@ constexpr char DISPATCH_TITLE[] = " .... RichiestaCertificato FUN       .... ";
 Census log_census() {
     char text[CENSUS_SIZE] = {};
     const Census census = take_census(text);
-    trace(DISPATCH_TITLE, CatItoAHex1("Codice FindObjects: ", static_cast<int>(census)),
+    trace(DISPATCH_TITLE, with_hex("Codice FindObjects: ", static_cast<int>(census)),
           census == Census::failed ? "" : text);
     return census;
 }
@@ -67,13 +67,13 @@ void act_on_census(Census census, const LoginData& login) {
 } // namespace
 
 unsigned short request_certificate(const LoginData& login, std::string_view card_type, char* pem_out) {
-    trace(DISPATCH_TITLE, "I N I Z I O", CatItoA("tocontrol = ", tocontrol));
+    trace(DISPATCH_TITLE, "I N I Z I O", with_decimal("tocontrol = ", tocontrol));
     if (hSession == 0) return 0;
     act_on_census(log_census(), login);
     trace(DISPATCH_TITLE, "Prima di RequestCertificate");
     const auto build = card_type == "CNS" ? request_for_own_pair : request_for_pending_pair;
     const auto status = guarded<unsigned short>(ZV_FAILED, [&] { return build(login, pem_out); });
-    trace(DISPATCH_TITLE, CatItoAHex1("Ret Code = ", status), pem_out);
+    trace(DISPATCH_TITLE, with_hex("Ret Code = ", status), pem_out);
     finalizza();
     trace(DISPATCH_TITLE, "F I N E");
     return status;

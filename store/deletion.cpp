@@ -3,9 +3,10 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "routines/diag.h"
-#include "routines/util.h"
 #include "store/objects.h"
 #include "store/traced.h"
+#include "util/numbers.h"
+#include "util/text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -16,7 +17,7 @@ namespace {
 constexpr char DELETION_TITLE[] = "DeleteObjectByLabel";
 
 void trace_deletion(const char* title, CK_SESSION_HANDLE session) {
-    zv::trace(title, CatLtoAHex1("hSession = ", static_cast<long>(session)));
+    zv::trace(title, zv::with_hex("hSession = ", static_cast<long>(session)));
 }
 
 // What is logged of an object of one class. Objects of no known class have their class as the entry's length.
@@ -43,11 +44,11 @@ void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS
     if (zv::destroy_object(session, object) == CKR_OK)
         return log_entry({"Cancellazione Oggetto ", object_class, " effettuata"});
     const ObjectEntry failed("Errore nella cancellazione Oggetto ", object_class);
-    WriteErr(DELETION_TITLE, failed.text, failed.length, CatSZtoSZ("Label = ", text), 0);
+    WriteErr(DELETION_TITLE, failed.text, failed.length, zv::join("Label = ", text), 0);
 }
 
 void report_not_deleted(const char* title, const char* text) {
-    WriteErr(title, "Errore nella cancellazione", 0, CatSZtoSZ("Label = ", text), 0);
+    WriteErr(title, "Errore nella cancellazione", 0, zv::join("Label = ", text), 0);
 }
 
 void log_found(const zv::SearchCall& call) {

@@ -3,10 +3,10 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "routines/diag.h"
-#include "routines/util.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
+#include "util/numbers.h"
 #include "util/text.h"
 
 #include <cstring>
@@ -28,7 +28,7 @@ void report_no_key() {
 zv::Visit take_if_pending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
                           const char* read_error) {
     if (zv::read_text(zv::hSession, object, CKA_ID, id) != CKR_OK) return unreadable(read_error);
-    WriteLog(PENDING_TITLE, CatSZtoSZ("Label = ", zv::pendingLabel), 0, id, 0);
+    WriteLog(PENDING_TITLE, zv::join("Label = ", zv::pendingLabel), 0, id, 0);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
     return zv::Visit::go_on;
 }
@@ -53,7 +53,7 @@ void trace_step(const zv::SearchCall& call) {
     case zv::SearchStep::start:
         return zv::trace_session(PENDING_TITLE, call.name, call.session);
     case zv::SearchStep::next:
-        return zv::trace(PENDING_TITLE, call.name, CatItoA("Volta = ", call.round));
+        return zv::trace(PENDING_TITLE, call.name, zv::with_decimal("Volta = ", call.round));
     case zv::SearchStep::end:
         return zv::trace(PENDING_TITLE, call.name);
     }
@@ -79,7 +79,7 @@ zv::PendingPair zv::find_pending_pair(bool report_missing) {
     if (!walked.whole()) return pair;
     // The private key alone decides.
     const bool found = hPrivateKey != 0;
-    trace(PENDING_TITLE, "C_FindObjectsFinal", CatItoA("pendingKeys = ", found ? 1 : 0));
+    trace(PENDING_TITLE, "C_FindObjectsFinal", zv::with_decimal("pendingKeys = ", found ? 1 : 0));
     trace(PENDING_TITLE, found ? "F I N E" : "Chiave Pending Non trovata");
     if (!found && report_missing) report_no_key();
     pair.search = found ? PairSearch::found : PairSearch::no_private_key;

@@ -2,8 +2,8 @@
 
 #include "card/session.h"
 #include "diag/log.h"
-#include "routines/util.h"
 #include "store/objects.h"
+#include "util/numbers.h"
 
 #include <algorithm>
 #include <array>
@@ -38,7 +38,7 @@ CK_RV read_bounded(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, std::span
 void trace_call(const SearchCall& call) {
     // The start alone shows the session as an int.
     if (call.step == SearchStep::start)
-        trace(call.title, call.name, CatItoAHex1("hSession = ", static_cast<int>(call.session)));
+        trace(call.title, call.name, with_hex("hSession = ", static_cast<int>(call.session)));
     else
         trace_session(call.title, call.name, call.session);
 }

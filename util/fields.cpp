@@ -1,18 +1,14 @@
-// Fields in texts of name and value pairs, and their escapes.
-#include "routines/util.h"
+#include "util/fields.h"
+
 #include "util/text.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <string_view>
+
+namespace zv {
 
 namespace {
-
-constexpr int NO_FIELD = -1;
-constexpr int NO_SEPARATOR = -4;
 
 std::string_view trim_blanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
@@ -28,63 +24,45 @@ bool starts_field(std::string_view text, std::size_t place, std::string_view pai
 
 unsigned hex_value(char c) {
     const int lower = std::tolower(static_cast<unsigned char>(c));
-    return static_cast<unsigned>(zv::is_digit(static_cast<char>(lower)) ? lower : lower + 9) & 0x0F;
+    return static_cast<unsigned>(is_digit(static_cast<char>(lower)) ? lower : lower + 9) & 0x0F;
 }
 
 } // namespace
 
-char* UnEscape(char* text) {
-    if (text == nullptr) return nullptr;
-    char* decoded = static_cast<char*>(std::calloc(2 * std::strlen(text) + 10, 1));
-    if (decoded == nullptr) return nullptr;
-    char* out = decoded;
-    while (*text != '\0') {
-        if (text[0] == '%' && text[1] != '\0' && text[2] != '\0') {
-            *out++ = static_cast<char>(hex_value(text[1]) << 4 | hex_value(text[2]));
-            text += 3;
-        } else {
-            *out++ = *text++;
-        }
-    }
-    return decoded;
-}
-
-char* Converte(char* text) {
-    if (text == nullptr) return nullptr;
-    std::replace(text, text + std::strlen(text), '+', ' ');
-    const std::unique_ptr<char, decltype(&std::free)> decoded(UnEscape(text), &std::free);
-    if (decoded != nullptr) std::memcpy(text, decoded.get(), std::strlen(decoded.get()) + 1);
-    return text;
-}
-
-int NWGetOpt(char* text, char* name, char* output, char* pair_separator, char* value_separator) {
-    if (text == nullptr || name == nullptr || output == nullptr) return NO_FIELD;
-    output[0] = '\0';
-    const std::string_view all = text, wanted = name, pair = zv::or_empty(pair_separator);
-    const std::string_view between = zv::or_empty(value_separator);
-    std::size_t place = all.find(wanted);
+Field find_field(std::string_view text, std::string_view name, const FieldForm& form) {
+    std::size_t place = text.find(name);
     while (place != std::string_view::npos) {
-        if (!starts_field(all, place, pair)) {
-            place = all.find(wanted, place + std::max<std::size_t>(wanted.size(), 1));
+        if (!starts_field(text, place, form.pair_separator)) {
+            place = text.find(name, place + std::max<std::size_t>(name.size(), 1));
             continue;
         }
-        const std::size_t separator = between.empty() ? std::string_view::npos : all.find(between, place);
-        if (separator == std::string_view::npos) return NO_SEPARATOR;
-        if (trim_blanks(all.substr(place, separator - place)) == wanted) {
-            const std::string_view rest = all.substr(separator + between.size());
-            const std::string_view value = trim_blanks(rest.substr(0, rest.find(pair)));
-            *std::copy(value.begin(), value.end(), output) = '\0';
-            return 0;
+        const std::size_t separator =
+            form.value_separator.empty() ? std::string_view::npos : text.find(form.value_separator, place);
+        if (separator == std::string_view::npos) return {Field::Result::no_separator, {}};
+        if (trim_blanks(text.substr(place, separator - place)) == name) {
+            const std::string_view rest = text.substr(separator + form.value_separator.size());
+            return {Field::Result::found, trim_blanks(rest.substr(0, rest.find(form.pair_separator)))};
         }
-        place = all.find(wanted, std::max(separator, place + 1));
+        place = text.find(name, std::max(separator, place + 1));
     }
-    return NO_FIELD;
+    return {};
 }
 
-int Valore(char* text, char* name, char* output) {
-    char pair[] = "&", between[] = "=";
-    if (output != nullptr) output[0] = '\0';
-    NWGetOpt(text, name, output, pair, between);
-    AllTrim(Converte(output));
-    return 0;
+void decode_escapes(const char* text, char* decoded) {
+    while (*text != '\0') {
+        if (text[0] == '%' && text[1] != '\0' && text[2] != '\0') {
+            *decoded++ = static_cast<char>(hex_value(text[1]) << 4 | hex_value(text[2]));
+            text += 3;
+        } else {
+            *decoded++ = *text++;
+        }
+    }
+    *decoded = '\0';
 }
+
+void decode_value(char* text) {
+    std::replace(text, text + std::strlen(text), '+', ' ');
+    decode_escapes(text, text);
+}
+
+} // namespace zv

@@ -1,8 +1,7 @@
 #include "util/text.h"
 
-#include "routines/util.h"
-
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 
 namespace zv {
@@ -38,10 +37,32 @@ std::string_view cut_at_character(std::string_view text, std::size_t most) {
     return text.substr(0, end);
 }
 
+FixedText<256> join(const char* first, const char* second) {
+    FixedText<256> both;
+    copy_text(both.text, or_empty(first));
+    append_text(both.text, or_empty(second));
+    return both;
+}
+
+std::size_t find_ignoring_case(std::string_view haystack, std::string_view needle) {
+    const auto same = [](unsigned char left, unsigned char right) {
+        return std::toupper(left) == std::toupper(right);
+    };
+    const auto place = std::search(haystack.begin(), haystack.end(), needle.begin(), needle.end(), same);
+    const bool found = place != haystack.end() || needle.empty();
+    return found ? static_cast<std::size_t>(place - haystack.begin()) : std::string_view::npos;
+}
+
+std::size_t length_without_zeros(std::string_view bytes) {
+    const std::size_t last = bytes.find_last_not_of('\0');
+    return last == std::string_view::npos ? 0 : last + 1;
+}
+
 bool replace_first(char* text, std::size_t size, const char* pattern, const char* replacement,
                    char* scratch) {
-    char* place = strstrICase(text, pattern);
-    if (place == nullptr) return false;
+    const std::size_t found = find_ignoring_case(text, pattern);
+    if (found == std::string_view::npos) return false;
+    char* place = text + found;
     copy_text(scratch, size, place + std::strlen(pattern));
     *place = '\0';
     append_text(text, size, replacement);

@@ -36,6 +36,22 @@ template <std::size_t... N> void clear(char (&... buffers)[N]) {
     return text != nullptr ? text : "";
 }
 
+// A short text by value.
+template <std::size_t N> struct FixedText {
+    char text[N] = {};
+
+    operator const char*() const { return text; }
+};
+
+// One text behind the other, cut to 255 characters; null is empty.
+[[nodiscard]] FixedText<256> join(const char* first, const char* second);
+
+// Where needle begins in haystack, whatever the case of the letters; npos when it does not.
+[[nodiscard]] std::size_t find_ignoring_case(std::string_view haystack, std::string_view needle);
+
+// Bytes of a buffer less the zeros at its end.
+[[nodiscard]] std::size_t length_without_zeros(std::string_view bytes);
+
 // Replaces the first pattern in a text, whatever the case of its letters; the text grows or shrinks in place and is cut to its
 // size. scratch holds what follows the pattern, of the same size. Returns false when there is none.
 bool replace_first(char* text, std::size_t size, const char* pattern, const char* replacement, char* scratch);

@@ -1,9 +1,9 @@
 // Letter case, blanks and separators, changed in place.
 
-#include "routines/util.h"
-
 #include <cctype>
 #include <cstring>
+
+namespace zv {
 
 namespace {
 
@@ -18,21 +18,21 @@ template <typename Change> char* change_each(char* text, Change change) {
 
 } // namespace
 
-char* _strupr(char* text) {
+char* upper_case(char* text) {
     return change_each(text,
                        [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
 }
 
-char* _strlwr(char* text) {
+char* lower_case(char* text) {
     return change_each(text,
                        [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
 }
 
-char* VirgolaToPunto(char* text) {
+char* commas_to_points(char* text) {
     return change_each(text, [](char c) { return c == ',' ? '.' : c; });
 }
 
-char* RTrim(char* text) {
+char* strip_right(char* text) {
     if (text == nullptr) return nullptr;
     std::size_t length = std::strlen(text);
     while (length > 0 && text[length - 1] == ' ')
@@ -41,13 +41,15 @@ char* RTrim(char* text) {
     return text;
 }
 
-char* LTrim(char* text) {
+char* strip_left(char* text) {
     if (text == nullptr) return nullptr;
     const std::size_t blanks = std::strspn(text, " ");
     if (blanks > 0) std::memmove(text, text + blanks, std::strlen(text + blanks) + 1);
     return text;
 }
 
-char* AllTrim(char* text) {
-    return LTrim(RTrim(text));
+char* strip(char* text) {
+    return strip_left(strip_right(text));
 }
+
+} // namespace zv

@@ -37,10 +37,7 @@ ZV_API char* LTrim(char* text);
 ZV_API char* AllTrim(char* text);
 /** Replaces every "," by "." in place. Returns text; null stays null. */
 ZV_API char* VirgolaToPunto(char* text);
-/**
- * Replaces every "+" by a blank, then decodes as UnEscape does, in place. Returns text, without memory not
- * decoded; null stays null.
- */
+/** Replaces every "+" by a blank, then decodes as UnEscape does, in place. Returns text; null stays null. */
 ZV_API char* Converte(char* text);
 /** Returns ILtoAbuff with value in decimal. */
 ZV_API char* ItoA(int value);
@@ -79,7 +76,7 @@ ZV_API char* CatLtoAHex2(const char* prefix, long value);
 ZV_API char* CatSZtoSZ(const char* first, const char* second);
 /**
  * Finds needle in haystack whatever the case of the letters. Returns the place in haystack; null when it is
- * not there, for a null argument and without memory.
+ * not there and for a null argument.
  */
 ZV_API char* strstrICase(const char* haystack, const char* needle);
 /** Returns length (bytes) less the zero bytes at the end of buffer; a length below 1 as it is. */
