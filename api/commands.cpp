@@ -4,6 +4,7 @@
 #include "card/session.h"
 #include "diag/log.h"
 #include "install/issued_certificate.h"
+#include "kinds.h"
 #include "request/request.h"
 #include "routines/api.h"
 #include "routines/card.h"
@@ -60,7 +61,7 @@ int give_result(char* out, unsigned* out_len) {
 }
 
 int delete_replaced(REQRENIN& record) {
-    if (std::strcmp(record.szTipoCert, "CNS") == 0)
+    if (zv::kind_of_code(record.szTipoCert) == zv::Kind::services)
         return static_cast<int>(zv::delete_own_certificate(zv::hSession));
     return zv::delete_certificate_and_keys(zv::hSession, record.certificateLabel) ? 0 : ZV_FAILED;
 }
@@ -73,7 +74,8 @@ int store_under_pending(REQRENIN& record, char* out, unsigned* out_len) {
 int replace_certificate(REQRENIN& record, char* out, unsigned* out_len) {
     const int result = delete_replaced(record);
     if (result != 0) return result;
-    if (std::strcmp(record.szTipoCert, "PRA") == 0)
+    const auto kind = zv::kind_of_code(record.szTipoCert);
+    if (kind && zv::kind_row(*kind).authority)
         zv::delete_authority_certificate(zv::hSession, zv::CAcertificateLabel, record.szTipoCert);
     return store_under_pending(record, out, out_len);
 }

@@ -20,8 +20,6 @@ namespace zv {
 
 namespace {
 
-constexpr std::string_view SERVICES_CARD = "CNS";
-
 int stop(const char* reason, int outcome = ZV_NOT_SENT) {
     report_not_sent(reason);
     return outcome;
@@ -57,11 +55,11 @@ bool same_name(const datiDN& given, const datiDN& parsed) {
 } // namespace
 
 int guard_request(const RequestCall& call) {
-    const bool services_card = call.kind == SERVICES_CARD;
+    const bool new_pair = kind_row(call.kind).new_pair;
     // Without a name, discarding would take the keys that have none.
-    if (call.pending_label.empty() && (!services_card || call.discard_pending))
+    if (call.pending_label.empty() && (new_pair || call.discard_pending))
         return stop("manca l'identificativo della coppia di chiavi pending");
-    if (!services_card && is_part(call.pending_label, call.key_id))
+    if (new_pair && is_part(call.pending_label, call.key_id))
         return stop("l'identificativo pending e' contenuto in quello della chiave in uso");
     if (call.discard_pending && call.pending_label == OWN_PAIR)
         return stop("la coppia di chiavi propria della carta CNS verrebbe cancellata");
@@ -72,7 +70,7 @@ int guard_subject(const RequestCall& call) {
     datiDN whole = whole_name(call.subject);
     if (same_name({}, whole)) return stop("il nome del titolare non ha alcun attributo noto");
     // Lost or not, the request does not carry them.
-    if (call.kind == SERVICES_CARD)
+    if (call.kind == Kind::services)
         for (const NameAttribute left : forms::NOT_ON_SERVICES_CARD)
             set_name_text(whole, left, name_text(dNameRen, left));
     return same_name(dNameRen, whole)
@@ -85,7 +83,7 @@ int guard_storing(const StoringCall& call) {
     if (call.pending_label != call.cert_label && is_part(call.pending_label, call.cert_label))
         return stop("l'identificativo pending e' parte di quello del certificato da sostituire");
     if (!call.delete_old) return ZV_OK;
-    if (call.kind != SERVICES_CARD) {
+    if (kind_row(call.kind).new_pair) {
         if (is_part(call.cert_label, OWN_PAIR))
             return stop("la coppia di chiavi propria della carta CNS verrebbe cancellata");
         if (is_part(call.cert_label, call.pending_label))
@@ -111,7 +109,7 @@ int guard_block(const BlockValues& values) {
         {key_pending_label, values.pending_label},
         {key_certificate, values.certificate},
     };
-    bool faithful = slot >= 0 && slot <= 9 && same_name(dNameRen, parsed.dn);
+    bool faithful = slot >= 0 && slot <= ZV_LAST_SLOT && same_name(dNameRen, parsed.dn);
     for (const auto& [key, given] : pairs)
         faithful = faithful && same_text(given, field_text(parsed, BLOCK[key]), key == key_pin);
     wipe(&parsed, sizeof parsed);

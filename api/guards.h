@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/command_block.h"
+#include "kinds.h"
 
 #include <string_view>
 
@@ -10,12 +11,14 @@ namespace zv {
 
 // What an entry point was called with, texts without trailing blanks.
 struct RequestCall {
-    std::string_view pending_label, key_id, kind, subject;
+    std::string_view pending_label, key_id, subject;
+    Kind kind;
     bool discard_pending;
 };
 
 struct StoringCall {
-    std::string_view pending_label, cert_label, kind;
+    std::string_view pending_label, cert_label;
+    Kind kind;
     const char* certificate;
     bool delete_old;
 };

@@ -23,7 +23,7 @@ constexpr std::size_t DN_SIZE = 4096;
 
 struct Request {
     const char* function; // name of the entry point, for the log
-    const char* kind;
+    zv::Kind kind;
     char* pending_label;
     char* pin;
     char* key_id;
@@ -34,12 +34,13 @@ struct Request {
 // The PKCS#10 request, made by the command, in szBufferDatiOut.
 int make_request(const Request& request) {
     const zv::RequestCall call = {zv::trim_right(request.pending_label), zv::trim_right(request.key_id),
-                                  request.kind, request.subject, request.discard_pending};
+                                  request.subject, request.kind, request.discard_pending};
     int code = zv::guard_request(call);
     if (code == 0) code = zv::guard_subject(call);
     if (code == 0)
         code =
-            zv::run_command("REQREN", {request.key_id, request.pin, "", request.pending_label, request.kind,
+            zv::run_command("REQREN", {request.key_id, request.pin, "", request.pending_label,
+                                       zv::kind_row(request.kind).code,
                                        request.discard_pending ? zv::KEEP_NOTHING : zv::KEEP_PENDING_PAIR});
     if (code != 0) return zv::fail_command(code);
     scriviLog("OUTPUT DA MININFO:");
@@ -116,7 +117,7 @@ int create_request(const Request& request, char* request_out) {
     return 0;
 }
 
-int create(const char* function, const char* kind, char* request_out, const char* pending_label, char* pin,
+int create(const char* function, zv::Kind kind, char* request_out, const char* pending_label, char* pin,
            char* key_id, const char* dn, bool keep_flag) {
     return zv::guarded(zv::command_without_memory, [&] {
         std::string label = zv::or_empty(pending_label);
@@ -136,13 +137,14 @@ int create(const char* function, const char* kind, char* request_out, const char
 
 int rinnovo_Card_createCertRequestPRA(char* request_out, const char* pending_label, char* pin, char* key_id,
                                       const char* dn, bool keep_flag) {
-    return create("rinnovo_Card_createCertRequestPRA", "PRA", request_out, pending_label, pin, key_id, dn,
-                  keep_flag);
+    return create("rinnovo_Card_createCertRequestPRA", zv::Kind::signature, request_out, pending_label, pin,
+                  key_id, dn, keep_flag);
 }
 
 int rinnovo_Card_createCertRequestAUT(char* request_out, const char* pending_label, char* pin, char* key_id,
                                       const char* dn, bool keep_flag) {
-    const char* kind = std::strcmp(zv::or_empty(key_id), "CNS0") == 0 ? "CNS" : "AUT";
+    const bool own = zv::or_empty(key_id) == zv::OWN_PAIR;
+    const zv::Kind kind = own ? zv::Kind::services : zv::Kind::authentication;
     return create("rinnovo_Card_createCertRequestAUT", kind, request_out, pending_label, pin, key_id, dn,
                   keep_flag);
 }

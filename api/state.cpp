@@ -2,7 +2,7 @@
 
 #include "zvRenew.h"
 
-char szBuffErr[512];
+char szBuffErr[ZV_MESSAGE_SIZE];
 
 namespace zv {
 

@@ -17,7 +17,7 @@ namespace {
 
 struct Storing {
     const char* function; // name of the entry point, for the log
-    const char* kind;
+    zv::Kind kind;
     char* cert_label;
     char* pending_label;
     const char* pin;
@@ -31,7 +31,8 @@ int store(const Storing& storing) {
                                   certificate, !storing.keep_old};
     if (const int stopped = zv::guard_storing(call)) return stopped;
     return zv::run_command("REQSCA", {storing.cert_label, storing.pin, certificate, storing.pending_label,
-                                      storing.kind, storing.keep_old ? zv::KEEP_REPLACED : zv::KEEP_NOTHING});
+                                      zv::kind_row(storing.kind).code,
+                                      storing.keep_old ? zv::KEEP_REPLACED : zv::KEEP_NOTHING});
 }
 
 // The command block has one line for the certificate.
@@ -62,11 +63,11 @@ void settle_label(char* cert_label, const char* first) {
     if (cert_label[0] == '\0') std::strcpy(cert_label, first);
 }
 
-int save(Storing&& storing, const char* first_label, bool may_be_cns, const char* cert_chain) {
+int save(Storing&& storing, bool may_be_own, const char* cert_chain) {
     return zv::guarded(zv::command_without_memory, [&] {
         begin(storing);
-        settle_label(storing.cert_label, first_label);
-        if (may_be_cns && std::strcmp(storing.cert_label, "CNS0") == 0) storing.kind = "CNS";
+        settle_label(storing.cert_label, zv::kind_row(storing.kind).first_id);
+        if (may_be_own && storing.cert_label == zv::OWN_PAIR) storing.kind = zv::Kind::services;
         storing.certificate = without_line_breaks(cert_chain);
         return finish(storing, store(storing));
     });
@@ -76,26 +77,26 @@ int save(Storing&& storing, const char* first_label, bool may_be_cns, const char
 
 int rinnovo_Card_saveCertPRA(char* pin, char* cert_label, char* pending_label, char* cert_chain,
                              bool keep_old) {
-    char no_label[32] = "", no_pending[] = "";
+    char no_label[ZV_KEY_ID_SIZE] = "", no_pending[] = "";
     return save({"rinnovo_Card_saveCertPRA",
-                 "PRA",
+                 zv::Kind::signature,
                  cert_label != nullptr ? cert_label : no_label,
                  pending_label != nullptr ? pending_label : no_pending,
                  zv::or_empty(pin),
                  {},
                  keep_old},
-                "DS0", false, cert_chain);
+                false, cert_chain);
 }
 
 int rinnovo_Card_saveCertAUT(char* pin, char* cert_label, char* pending_label, char* cert_chain,
                              bool keep_old) {
-    char no_label[32] = "", no_pending[] = "";
+    char no_label[ZV_KEY_ID_SIZE] = "", no_pending[] = "";
     return save({"rinnovo_Card_saveCertAUT",
-                 "AUT",
+                 zv::Kind::authentication,
                  cert_label != nullptr ? cert_label : no_label,
                  pending_label != nullptr ? pending_label : no_pending,
                  zv::or_empty(pin),
                  {},
                  keep_old},
-                "AUTHCertificate0", true, cert_chain);
+                true, cert_chain);
 }

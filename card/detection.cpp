@@ -14,13 +14,13 @@ bool is1205SerialToken = false;
 
 namespace zv {
 
-char scReader[128];
-char Libreria[512];
-char pwd[512];
+char scReader[ZV_READER_MAX + 1];
+char Libreria[ZV_MODULE_PATH_SIZE];
+char pwd[ZV_MODULE_DIR_MAX + 1];
 int slot = 0;
-char szSerialNumber[32];
+char szSerialNumber[ZVC_TOKEN_SERIAL_SIZE];
 bool isCNS = false;
-char g_ATRINI_dir[1024];
+char g_ATRINI_dir[ZV_ATR_DIR_MAX + 1];
 
 } // namespace zv
 
@@ -43,7 +43,7 @@ int failed(const char* operation, int code) {
 }
 
 // Takes the given reader, or else the first of the list. False: there is none.
-bool select_reader(const char* reader, char (&list)[1024]) {
+bool select_reader(const char* reader, char (&list)[ZVC_READER_LIST_SIZE]) {
     char* separator = std::strchr(list, '|');
     if (reader == nullptr && separator == nullptr) return false;
     if (separator != nullptr) *separator = '\0';
@@ -53,7 +53,7 @@ bool select_reader(const char* reader, char (&list)[1024]) {
     return true;
 }
 
-int find_module(char (&module)[512]) {
+int find_module(char (&module)[ZVC_MODULE_NAME_SIZE]) {
     if (zv::g_ATRINI_dir[0] != '\0') {
         const int code = kvGetPKCS11FromATRLite(zv::scReader, module, zv::g_ATRINI_dir);
         if (code != 0) return failed("kvGetPKCS11FromATRLite", code);
@@ -75,8 +75,9 @@ int read_serial_number() {
     kvFinalize();
     int code = kvInitialize(zv::Libreria, zv::slot);
     if (code != 0) return failed("kvInitialize", code);
-    char first[80] = {}, second[48] = {}, third[32] = {};
-    code = kvCheckSmartCard(first, second, third, zv::szSerialNumber);
+    char label[ZVC_TOKEN_LABEL_SIZE] = {}, manufacturer[ZVC_TOKEN_MANUFACTURER_SIZE] = {};
+    char model[ZVC_TOKEN_MODEL_SIZE] = {};
+    code = kvCheckSmartCard(label, manufacturer, model, zv::szSerialNumber);
     if (code != 0) return failed("kvCheckSmartCard", code);
     zv::szSerialNumber[sizeof zv::szSerialNumber - 1] = '\0';
     const int closed = kvFinalize();
@@ -94,7 +95,7 @@ int CheckSmartCard(bool& is_touch_sign, char* reader) {
     zv::Libreria[0] = '\0';
     zv::scReader[0] = '\0';
     zv::isCNS = false;
-    char list[1024] = {};
+    char list[ZVC_READER_LIST_SIZE] = {};
     int code = kvGetReader(list);
     if (code != 0) return code;
     list[sizeof list - 1] = '\0';
@@ -102,7 +103,7 @@ int CheckSmartCard(bool& is_touch_sign, char* reader) {
     scriviLog(list);
     if (!select_reader(reader, list)) return 0;
 
-    char module[512] = {};
+    char module[ZVC_MODULE_NAME_SIZE] = {};
     code = find_module(module);
     if (code != 0) return code;
     if (module[0] == '\0') return UNSUPPORTED;

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "zvCrypt.h"
+#include "zvRenew.h"
+
 // What the last card detection found.
 namespace zv {
 
-extern char scReader[128];      // selected reader
-extern char Libreria[512];      // path of the card's PKCS#11 module
-extern char pwd[512];           // directory of the modules, set by the host
-extern int slot;                // slot identifier of the card
-extern char szSerialNumber[32]; // the card's serial number
-extern bool isCNS;              // a national services card
-extern char g_ATRINI_dir[1024]; // directory of the host's atr.ini; empty: the built-in table
+extern char scReader[ZV_READER_MAX + 1];           // selected reader
+extern char Libreria[ZV_MODULE_PATH_SIZE];         // path of the card's PKCS#11 module
+extern char pwd[ZV_MODULE_DIR_MAX + 1];            // directory of the modules, set by the host
+extern int slot;                                   // slot identifier of the card
+extern char szSerialNumber[ZVC_TOKEN_SERIAL_SIZE]; // the card's serial number
+extern bool isCNS;                                 // a national services card
+extern char g_ATRINI_dir[ZV_ATR_DIR_MAX + 1]; // directory of the host's atr.ini; empty: the built-in table
 
 } // namespace zv

@@ -1,22 +1,25 @@
 #include "cli/advice.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace cli {
 
 std::vector<std::string> identifiers_of(Kind kind) {
-    const std::string series = kind == Kind::signature ? "DS" : "AUTHCertificate";
-    return {series + "3", series + "4", series + "5"};
+    std::vector<std::string> ids;
+    for (const char digit : zv::RENEWED_DIGITS)
+        ids.push_back(kind_row(kind).series + std::string{digit});
+    return ids;
 }
 
 Advice free_an_identifier(Kind kind) {
     const std::vector<std::string> ids = identifiers_of(kind);
-    return {"free-identifier",
-            fmt::format(
-                "New {} keys go under {}, {} or {}, and none is free. Remove the certificate among them that "
-                "is no longer needed, with its keys, using the card's own software.",
-                kind_name(kind), ids[0], ids[1], ids[2]),
-            {{"kind", kind_name(kind)}, {"identifiers", ids}}};
+    return {
+        "free-identifier",
+        fmt::format("New {} keys go under {} or {}, and none is free. Remove the certificate among them that "
+                    "is no longer needed, with its keys, using the card's own software.",
+                    kind_name(kind), fmt::join(ids.begin(), ids.end() - 1, ", "), ids.back()),
+        {{"kind", kind_name(kind)}, {"identifiers", ids}}};
 }
 
 Advice make_room() {

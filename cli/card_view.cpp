@@ -2,6 +2,7 @@
 
 #include "cli/outcome.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <cstring>
@@ -54,13 +55,12 @@ CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
     return object;
 }
 
-// "DS0" to "DS2" and "AUTHCertificate0" to "AUTHCertificate2" are never taken for pairs of a request.
+// These are never taken for pairs of a request.
 bool is_first_key(const std::string& id) {
-    for (const char* series : {"DS", "AUTHCertificate"}) {
-        const std::size_t at = std::strlen(series);
-        if (id.starts_with(series) && id.size() > at && id[at] >= '0' && id[at] <= '2') return true;
-    }
-    return id == OWN_PAIR_ID;
+    return id == ZV_OWN_PAIR ||
+           std::any_of(std::begin(zv::KINDS), std::end(zv::KINDS), [&](const zv::KindRow& kind) {
+               return kind.new_pair && zv::in_series(id, kind.series, zv::FIRST_DIGITS);
+           });
 }
 
 // Cards pad what they hold.
@@ -101,7 +101,7 @@ const CardObject* CardView::certificate(const std::string& id, const Bytes& der)
 
 bool CardView::marked_pending() const {
     return std::any_of(objects_.begin(), objects_.end(), [](const CardObject& object) {
-        return object.type == CKO_DATA && object.label == "pending_CNS_key";
+        return object.type == CKO_DATA && object.label == ZV_PENDING_MARKER;
     });
 }
 

@@ -10,9 +10,6 @@
 
 namespace cli {
 
-// The identifier of a services card's own pair and of its certificate.
-inline constexpr const char* OWN_PAIR_ID = "CNS0";
-
 // An object of the card. Identifier (CKA_ID) and label are read as texts.
 struct CardObject {
     CK_OBJECT_HANDLE handle = 0;

@@ -102,9 +102,9 @@ void add_reading_commands(CLI::App& app, Invocation& chosen) {
 
 // Turns the name of a kind into its number, which is what the parser reads into an enumeration.
 std::string kind_number(std::string& word) {
-    for (const Kind kind : {Kind::signature, Kind::authentication, Kind::services}) {
-        if (word != kind_name(kind)) continue;
-        word = std::to_string(static_cast<int>(kind));
+    for (const zv::KindRow& row : zv::KINDS) {
+        if (word != row.name) continue;
+        word = std::to_string(static_cast<int>(row.id));
         return {};
     }
     return "signature, authentication or services, not \"" + word + "\"";

@@ -2,6 +2,7 @@
 
 #include "cli/outcome.h"
 #include "name_attributes.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -21,8 +22,6 @@ using zv::NAME_ATTRIBUTES, zv::NameString;
 // would rewrite these names.
 constexpr std::array<std::string_view, 6> TAKEN_APART{
     "2.5.4.", "1.2.840.113549.1.9.1=", "/OU=", "/emailAddress=", "/gn=", "/serialNumber="};
-
-constexpr std::size_t LONGEST_WORKED_ON = 1023; // characters, with one line break an attribute
 
 template <class Matches> const Row* row_that(Matches matches) {
     const auto* found = std::find_if(std::begin(NAME_ATTRIBUTES), std::end(NAME_ATTRIBUTES), matches);
@@ -193,9 +192,9 @@ std::string DistinguishedName::why_not_requestable() const {
             return fmt::format("{} stands {} times", attribute.name, times);
     }
     const std::size_t length = oid_form().size() + attributes_.size();
-    if (length > LONGEST_WORKED_ON)
+    if (length > ZV_SUBJECT_MAX)
         return fmt::format("it has {} characters, {} more than a request can carry", length,
-                           length - LONGEST_WORKED_ON);
+                           length - ZV_SUBJECT_MAX);
     return {};
 }
 

@@ -19,9 +19,6 @@
 namespace cli {
 namespace {
 
-// Room for the default identifiers that the library may write.
-constexpr std::size_t LABEL_ROOM = 256;
-
 // Saves what is about to be replaced. A file that holds all of it already will do.
 std::string save_backup(const InstallPlan& plan) {
     if (plan.backup.blocks.empty()) return plan.old ? plan.old->backup : std::string();
@@ -53,7 +50,7 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
     // Where nothing is removed the label only has to be one that is not empty.
     std::string label = plan.removed.empty() ? plan.pair : plan.old->id;
-    label.resize(std::max(label.size(), LABEL_ROOM), '\0');
+    label.resize(std::max(label.size(), std::size_t{ZV_LABEL_SIZE}), '\0');
     std::string pair = plan.pair;
     std::string text = base64_of(plan.certificate);
     forget_library_texts();
@@ -168,7 +165,7 @@ Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory&
     for (const RetiredPair& pair : inventory.retired)
         left.push_back(pair.id);
     if (!left.empty()) stop.advice.push_back(say_left(left));
-    if (id == OWN_PAIR_ID && view.marked_pending()) stop.advice.push_back(say_mark_left());
+    if (id == ZV_OWN_PAIR && view.marked_pending()) stop.advice.push_back(say_mark_left());
     return stop;
 }
 

@@ -44,7 +44,7 @@ std::string ids(const std::vector<PendingPair>& pairs) {
 // A services card's own pair takes a new certificate also when the mark of its request is not there.
 std::vector<PendingPair> pairs_to_serve(const Inventory& inventory) {
     std::vector<PendingPair> pairs = inventory.pending;
-    if (inventory.own_pair) pairs.push_back({Kind::services, OWN_PAIR_ID});
+    if (inventory.own_pair) pairs.push_back({Kind::services, ZV_OWN_PAIR});
     return pairs;
 }
 
@@ -52,7 +52,7 @@ std::vector<PendingPair> pairs_to_serve(const Inventory& inventory) {
 std::vector<PendingPair> pairs_to_try(const Inventory& inventory, const CardView& view) {
     std::vector<PendingPair> pairs = pairs_to_serve(inventory);
     for (const std::string& id : view.identifiers())
-        if (id != OWN_PAIR_ID && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
+        if (id != ZV_OWN_PAIR && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
             pairs.push_back({kind_of_pair(id), id});
     return pairs;
 }

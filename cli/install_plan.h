@@ -27,9 +27,6 @@ struct OldCertificate {
     std::string backup; // a file that has it, when it is no longer on the card
 };
 
-// Storing a signature certificate with removal takes this one away too, and nothing puts it back.
-inline constexpr const char* AUTHORITY_ID = "Korvalenta Firma Dig";
-
 // What an installation is going to do to the card; made before anything is done.
 struct InstallPlan {
     Bytes certificate; // DER of the one to store

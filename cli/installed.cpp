@@ -3,6 +3,7 @@
 #include "cli/card_json.h"
 #include "cli/log_folder.h"
 #include "cli/suitability.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,9 +11,10 @@
 namespace cli {
 namespace {
 
-constexpr const char* MARK_LEFT = "The mark pending_CNS_key of the request is still on the card: the list "
-                                  "shows a request under way until the "
-                                  "next\ncertificate is installed, or the card's own software removes it.";
+constexpr const char* MARK_LEFT =
+    "The mark " ZV_PENDING_MARKER " of the request is still on the card: the list "
+    "shows a request under way until the "
+    "next\ncertificate is installed, or the card's own software removes it.";
 
 std::string old_in_words(const InstallPlan& plan) {
     if (!plan.old) return {};

@@ -98,7 +98,7 @@ void add_pending(Inventory& inventory, const std::string& id) {
 void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
     for (const std::string& id : view.identifiers())
         if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
-            backup != nullptr && id != OWN_PAIR_ID)
+            backup != nullptr && id != ZV_OWN_PAIR)
             inventory.retired.push_back({id, backup->file});
     std::erase_if(inventory.pending, [&](const PendingPair& pair) {
         return std::any_of(inventory.retired.begin(), inventory.retired.end(),
@@ -108,16 +108,12 @@ void take_retired(Inventory& inventory, const CardView& view, const std::string&
 
 } // namespace
 
-Kind kind_of_pair(const std::string& id) {
-    return id.find("AUTHCertificate") == std::string::npos ? Kind::signature : Kind::authentication;
-}
-
 Kind kind_of_certificate(const std::string& id, bool services_card) {
-    if (services_card && id.starts_with(OWN_PAIR_ID)) return Kind::services;
-    const bool digit = id.size() > 2 && std::isdigit(static_cast<unsigned char>(id[2])) != 0;
-    const bool signature = id.starts_with("DS") && (services_card || digit);
-    return signature || (!services_card && id.starts_with("Sign_Keypair")) ? Kind::signature
-                                                                           : Kind::authentication;
+    if (services_card && id.starts_with(ZV_OWN_PAIR)) return Kind::services;
+    const bool signature = services_card ? id.starts_with(zv::SIGNATURE_SERIES)
+                                         : id.starts_with(zv::OTHER_SIGNATURE_SERIES) ||
+                                               zv::in_series(id, zv::SIGNATURE_SERIES, zv::ALL_DIGITS);
+    return signature ? Kind::signature : Kind::authentication;
 }
 
 Proposal as_proposal(const std::string& key_text) {
@@ -142,7 +138,7 @@ Inventory read_inventory(OpenedCard& card, const CardView& view, const std::stri
     for (CertificateRecord& record : inventory.certificates)
         if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
             take_subject(record, view);
-    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, OWN_PAIR_ID) != nullptr;
+    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, ZV_OWN_PAIR) != nullptr;
     inventory.services_pending = reading.services_pending == 1;
     const std::string signature_key = reading.signature_key.data();
     const std::string authentication_key = reading.authentication_key.data();

@@ -60,8 +60,7 @@ struct Inventory {
 // Takes a key text of the library: one without a digit ("DS") means that the series is full.
 [[nodiscard]] Proposal as_proposal(const std::string& key_text);
 
-// The kind of a pair, by its identifier.
-[[nodiscard]] Kind kind_of_pair(const std::string& id);
+using zv::kind_of_pair;
 
 // The kind of a certificate, by its identifier, as the library sorts them on a services card and on others.
 [[nodiscard]] Kind kind_of_certificate(const std::string& id, bool services_card);

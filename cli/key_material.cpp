@@ -2,6 +2,8 @@
 
 #include "cli/outcome.h"
 #include "lenient/mended.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 #include <openssl/bio.h>
@@ -21,11 +23,6 @@ namespace cli {
 namespace {
 
 constexpr std::size_t LARGEST_FILE = std::size_t{1024} * 1024;
-
-// What fits the library's command (8,000 characters), the card's fields and its keys.
-constexpr std::size_t LONGEST_TEXT = 7500;
-constexpr int LONGEST_NAME = 512; // bytes of DER
-constexpr int LARGEST_KEY = 2048; // bits
 
 template <auto Free> struct Freer {
     template <class T> void operator()(T* object) const { Free(object); }
@@ -239,12 +236,13 @@ std::string base64_of(const Bytes& bytes) {
 std::string why_not_storable(const Certificate& certificate) {
     const EVP_PKEY* key = X509_get0_pubkey(certificate.get());
     if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return "its key is not an RSA key";
-    if (EVP_PKEY_get_bits(key) > LARGEST_KEY) return "its key has more than 2048 bits";
+    if (EVP_PKEY_get_bits(key) > ZV_KEY_BITS)
+        return fmt::format("its key has more than {} bits", ZV_KEY_BITS);
     for (X509_NAME* name :
          {X509_get_subject_name(certificate.get()), X509_get_issuer_name(certificate.get())})
-        if (i2d_X509_NAME(name, nullptr) > LONGEST_NAME)
-            return "its subject or issuer has more than 512 bytes";
-    if (base64_of(certificate.der()).size() > LONGEST_TEXT) return "it is too large";
+        if (i2d_X509_NAME(name, nullptr) > ZVC_CARD_NAME_SIZE)
+            return fmt::format("its subject or issuer has more than {} bytes", ZVC_CARD_NAME_SIZE);
+    if (base64_of(certificate.der()).size() > ZV_CERT_TEXT_MAX) return "it is too large";
     return {};
 }
 

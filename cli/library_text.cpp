@@ -15,9 +15,6 @@
 namespace cli {
 namespace {
 
-constexpr int MESSAGES = 512;
-constexpr std::size_t MESSAGE_SIZE = 512;
-
 // Line breaks inside the library's texts would break the one sentence that they end up in.
 std::string one_line(const char* text, std::size_t size) {
     std::string line;
@@ -35,8 +32,8 @@ std::string one_line(const char* text, std::size_t size) {
 
 // 1 and 100 are PKCS#11 results by number, but the library means something else by them.
 std::string table_text(int code) {
-    if (code <= ZV_FAILED || code == ZV_UNSUPPORTED || code >= MESSAGES) return {};
-    return one_line(errorMessages[code], MESSAGE_SIZE);
+    if (code <= ZV_FAILED || code == ZV_UNSUPPORTED || code >= ZV_MESSAGES) return {};
+    return one_line(errorMessages[code], ZV_MESSAGE_SIZE);
 }
 
 const char* own_words(int code) {
@@ -57,7 +54,7 @@ const char* own_words(int code) {
 // Key generation tells its own result in the text alone.
 bool no_room(int code) {
     constexpr int full = CKR_DEVICE_MEMORY;
-    const std::string text = one_line(szSockMsg, MESSAGE_SIZE);
+    const std::string text = one_line(szSockMsg, ZV_MESSAGE_SIZE);
     return code == full || text.find("(error 31)") != std::string::npos ||
            (!table_text(full).empty() && text.find(table_text(full)) != std::string::npos);
 }
@@ -76,7 +73,7 @@ void forget_library_texts() {
 std::string library_reason(int code) {
     std::vector<std::string> quotes;
     for (const char* source : {szSockMsg, szBuffErr}) {
-        const std::string text = one_line(source, MESSAGE_SIZE);
+        const std::string text = one_line(source, ZV_MESSAGE_SIZE);
         if (!text.empty()) quotes.push_back(fmt::format("\"{}\"", text));
     }
     const std::string meaning = table_text(code);
@@ -101,7 +98,7 @@ Stop library_stop(const std::string& sentence, int code, Advice advice) {
 }
 
 std::string crypto_reason(int code) {
-    std::array<char, MESSAGE_SIZE> buffer{};
+    std::array<char, ZV_MESSAGE_SIZE> buffer{};
     kvLastError(buffer.data(), static_cast<int>(buffer.size()));
     const std::string text = one_line(buffer.data(), buffer.size());
     if (text.empty()) return fmt::format(" ({})", shown(code));

@@ -58,12 +58,12 @@ void advise_on_services(std::vector<Advice>& advice, bool stored) {
                       fmt::format("A request for the services certificate is under way.\n"
                                   "  When it has come:   zvrenew install CERTIFICATE{}",
                                   stored ? " --remove-old" : ""),
-                      {{"kind", kind_name(Kind::services)}, {"pair", OWN_PAIR_ID}, {"remove_old", stored}}});
+                      {{"kind", kind_name(Kind::services)}, {"pair", ZV_OWN_PAIR}, {"remove_old", stored}}});
     if (stored)
         advice.push_back(
             {"request-again",
              "  To ask once more:   zvrenew request services --out FILE   (the same keys are used)",
-             {{"kind", kind_name(Kind::services)}, {"pair", OWN_PAIR_ID}}});
+             {{"kind", kind_name(Kind::services)}, {"pair", ZV_OWN_PAIR}}});
 }
 
 } // namespace

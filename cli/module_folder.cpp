@@ -1,6 +1,7 @@
 #include "cli/module_folder.h"
 
 #include "cli/outcome.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 #ifdef __APPLE__
@@ -13,9 +14,6 @@ namespace fs = std::filesystem;
 
 namespace cli {
 namespace {
-
-// The library keeps 511 characters of the folder.
-constexpr std::size_t LONGEST_FOLDER = 511;
 
 fs::path program_folder() {
     std::error_code none;
@@ -69,8 +67,10 @@ fs::path folder_of_module(const std::string& module, const std::string& given) {
     for (const fs::path& folder : folders) {
         if (!holds(folder, module)) continue;
         fs::path found = fs::absolute(folder).lexically_normal();
-        if (found.native().size() > LONGEST_FOLDER)
-            throw Stop(Exit::refused, "The module's folder has a path of more than 511 characters.");
+        if (found.native().size() > ZV_MODULE_DIR_MAX)
+            throw Stop(
+                Exit::refused,
+                fmt::format("The module's folder has a path of more than {} characters.", ZV_MODULE_DIR_MAX));
         return found;
     }
     throw Stop(Exit::refused,

@@ -154,7 +154,7 @@ std::optional<OldCertificate> find_only(const Replacing& replacing, const Object
 } // namespace
 
 bool is_authority(const CardObject& certificate) {
-    return certificate.id == AUTHORITY_ID || certificate.label.starts_with(AUTHORITY_ID);
+    return certificate.id == ZV_AUTHORITY_ID || certificate.label.starts_with(ZV_AUTHORITY_ID);
 }
 
 std::optional<OldCertificate> find_old(const Replacing& replacing) {

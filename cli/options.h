@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kinds.h"
+
 #include <string>
 #include <vector>
 
@@ -14,8 +16,7 @@ struct CommonOptions {
     bool final_try = false;
 };
 
-// The kinds of certificate that are renewed from here; `services` is a services card's own.
-enum class Kind { signature, authentication, services };
+using zv::Kind, zv::kind_row;
 
 struct ListOptions : CommonOptions {
     int days = 90;
@@ -40,6 +41,8 @@ struct InstallOptions : CommonOptions {
     bool remove_old = false;
 };
 
-[[nodiscard]] const char* kind_name(Kind kind);
+[[nodiscard]] inline const char* kind_name(Kind kind) {
+    return kind_row(kind).name;
+}
 
 } // namespace cli

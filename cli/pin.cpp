@@ -2,6 +2,7 @@
 
 #include "cli/outcome.h"
 
+#include <fmt/format.h>
 #include <openssl/crypto.h>
 #include <sys/mman.h>
 
@@ -51,10 +52,10 @@ void Pin::wipe() {
 }
 
 void check_pin_form(const Pin& pin) {
-    const auto refuse = [](const char* sentence) { throw Stop(Exit::refused, sentence); };
+    const auto refuse = [](const std::string& sentence) { throw Stop(Exit::refused, sentence); };
     const std::string_view text = pin.view();
     if (text.empty()) refuse("The PIN is empty: the card would count that as a wrong one.");
-    if (pin.overlong()) refuse("The PIN has more than 31 characters.");
+    if (pin.overlong()) refuse(fmt::format("The PIN has more than {} characters.", ZV_PIN_MAX));
     if (text.back() == ' ') refuse("The PIN ends with a blank, which would not reach the card.");
     const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
     if (std::any_of(text.begin(), text.end(), is_control))

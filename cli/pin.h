@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zvRenew.h"
+
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -10,8 +12,6 @@ namespace cli {
 // A user PIN. Lives in this object alone, in memory that goes to no swap and no dump, and is wiped with it.
 class Pin {
   public:
-    static constexpr std::size_t LONGEST = 31;
-
     Pin();
     Pin(Pin&&) noexcept = default;
     Pin& operator=(Pin&&) = delete;
@@ -24,7 +24,7 @@ class Pin {
     [[nodiscard]] char* text() { return page_->text.data(); }
     [[nodiscard]] std::string_view view() const { return {page_->text.data(), page_->length}; }
     [[nodiscard]] bool full() const { return page_->length + 1 == page_->text.size(); }
-    [[nodiscard]] bool overlong() const { return page_->dropped > 0 || page_->length > LONGEST; }
+    [[nodiscard]] bool overlong() const { return page_->dropped > 0 || page_->length > ZV_PIN_MAX; }
 
   private:
     struct Page {

@@ -5,6 +5,7 @@
 #include "cli/outcome.h"
 #include "cli/pin_input.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 
@@ -14,8 +15,6 @@
 
 namespace cli {
 namespace {
-
-constexpr CK_SLOT_ID LAST_SLOT = 9;
 
 CardFacts facts_of(const Place& place, std::optional<CardState> state) {
     return {place.reader, place.module_path, place.services, std::move(state)};
@@ -107,11 +106,11 @@ OpenedCard open_untouched(const CommonOptions& options, Use use, std::optional<C
     facts = facts_of(place, {});
     CardState state = card_state(place);
     facts = facts_of(place, state);
-    if (use == Use::changing && state.slot > LAST_SLOT)
+    if (use == Use::changing && state.slot > ZV_LAST_SLOT)
         throw Stop(Exit::refused,
-                   fmt::format("The card is in slot {} of its module; only slots 0 to 9 can be "
+                   fmt::format("The card is in slot {} of its module; only slots 0 to {} can be "
                                "worked with.",
-                               state.slot));
+                               state.slot, ZV_LAST_SLOT));
     refuse_risky_try(state, options.final_try);
     std::optional<Lock> lock;
     if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");

@@ -5,6 +5,7 @@
 #include "cli/module_folder.h"
 #include "cli/outcome.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <fmt/format.h>
 
@@ -16,9 +17,6 @@ namespace {
 
 // A reader name with this in it is taken by the library as the path of a module.
 constexpr const char* MODULE_PATH_MARK = ".dll";
-
-// The library compares this many characters of a description that fills its field.
-constexpr std::size_t LONGEST_DESCRIPTION = 63;
 
 Reader look_at(const std::string& name) {
     Reader reader;
@@ -125,7 +123,7 @@ void refuse_alike(const Module& module, const Matches& matching, std::size_t lon
             Exit::refused,
             fmt::format("Two readers that hold a card cannot be told apart by the first {} characters of "
                         "the name \"{}\", so the PIN could go to the other card.",
-                        LONGEST_DESCRIPTION, reader),
+                        ZV_DESCRIPTION_MAX, reader),
             Advice{"remove-other-card", "Take the other card out."});
 }
 
@@ -175,7 +173,7 @@ Place find_place(const CommonOptions& options) {
 CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
     Matches matching;
     for (const CK_SLOT_ID slot : module.slots()) {
-        const std::string description = module.description(slot).substr(0, LONGEST_DESCRIPTION);
+        const std::string description = module.description(slot).substr(0, ZV_DESCRIPTION_MAX);
         if (contains(reader, description)) matching.emplace_back(slot, description.size());
     }
     if (matching.empty())

@@ -60,7 +60,7 @@ void plan_backup(InstallPlan& plan, const InstallOptions& options, const std::st
     save_certificates(plan, view, plan.old->id, options.remove_old);
     if (plan.kind == Kind::services) return;
     save_keys(plan, view, options.remove_old);
-    if (plan.kind == Kind::signature) save_certificates(plan, view, AUTHORITY_ID, options.remove_old);
+    if (kind_row(plan.kind).authority) save_certificates(plan, view, ZV_AUTHORITY_ID, options.remove_old);
 }
 
 bool is_other_key(const CardObject& object, const OldCertificate& old, const Bytes& key) {
@@ -105,17 +105,17 @@ void plan_removal(InstallPlan& plan, const InstallOptions& options, const std::s
                   const CardView& view) {
     const OldCertificate& old = *plan.old;
     const bool keys_left = plan.kind != Kind::services && !old.id.empty() && view.has(old.id);
-    const bool authority = plan.kind == Kind::signature && !view.certificates(AUTHORITY_ID).empty();
+    const bool authority = kind_row(plan.kind).authority && !view.certificates(ZV_AUTHORITY_ID).empty();
     if (!old.on_card && !(options.remove_old && keys_left && are_its_keys(old, view))) {
         if (keys_left) plan.left.push_back(old.id);
-        if (authority && options.remove_old) plan.left.emplace_back(AUTHORITY_ID);
+        if (authority && options.remove_old) plan.left.emplace_back(ZV_AUTHORITY_ID);
         return;
     }
     plan_backup(plan, options, card, view);
     if (!options.remove_old) return;
     refuse_more(plan, view);
     plan.removed.push_back(old.id);
-    if (authority) plan.removed.emplace_back(AUTHORITY_ID);
+    if (authority) plan.removed.emplace_back(ZV_AUTHORITY_ID);
 }
 
 } // namespace cli

@@ -13,9 +13,6 @@
 namespace cli {
 namespace {
 
-// The crypto library gives names of up to this many bytes; a longer one comes cut.
-constexpr std::size_t LONGEST_RECORD_NAME = 511;
-
 Advice say_subject() {
     return {"subject", "Give the subject of the request with --subject."};
 }
@@ -27,7 +24,9 @@ bool is_listed(const Inventory& inventory, const std::string& id) {
 
 // Other identifiers of a services card are in none of the library's lists.
 bool is_of_kind(const std::string& id, Kind kind, bool services_card) {
-    const bool known = id.starts_with("DS") || id.starts_with("AUTHCertificate") || id == OWN_PAIR_ID;
+    const bool known = std::any_of(std::begin(zv::KINDS), std::end(zv::KINDS), [&](const zv::KindRow& row) {
+        return row.new_pair ? id.starts_with(row.series) : id == row.first_id;
+    });
     return (known || !services_card) && kind_of_certificate(id, services_card) == kind;
 }
 
@@ -96,7 +95,7 @@ DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* 
 }
 
 DistinguishedName subject_of(const CertificateRecord& old) {
-    const bool cut = old.subject_text.size() >= LONGEST_RECORD_NAME;
+    const bool cut = old.subject_text.size() >= ZV_RECORD_NAME_SIZE - 1;
     const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
     const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
     if (!old.subject_exact && !whole)
@@ -104,10 +103,11 @@ DistinguishedName subject_of(const CertificateRecord& old) {
     return requestable(old.subject, old.kind, "The subject of the certificate");
 }
 
-[[noreturn]] void stop_none_free(Kind kind, const std::string& series) {
+[[noreturn]] void stop_none_free(Kind kind) {
+    const std::vector<std::string> ids = identifiers_of(kind);
     throw Stop(Exit::refused,
-               fmt::format("No identifier is free for a new {0} key: {1}3, {1}4 and {1}5 are taken.",
-                           kind_name(kind), series),
+               fmt::format("No identifier is free for a new {} key: {} and {} are taken.", kind_name(kind),
+                           fmt::join(ids.begin(), ids.end() - 1, ", "), ids.back()),
                free_an_identifier(kind));
 }
 
@@ -115,18 +115,18 @@ DistinguishedName subject_of(const CertificateRecord& old) {
 // be renewed in place of a new pair, so those count here too.
 std::string free_identifier(Kind kind, const Inventory& inventory, const CardView& view) {
     const Proposal& proposal = kind == Kind::signature ? inventory.signature : inventory.authentication;
-    const std::string series = kind == Kind::signature ? "DS" : "AUTHCertificate";
-    if (proposal.none_free) stop_none_free(kind, series);
-    for (const std::string& id : {proposal.id, series + "3", series + "4", series + "5"})
-        if (!id.empty() && !view.has(id)) return id;
-    stop_none_free(kind, series);
+    if (proposal.none_free) stop_none_free(kind);
+    if (!proposal.id.empty() && !view.has(proposal.id)) return proposal.id;
+    for (const std::string& id : identifiers_of(kind))
+        if (!view.has(id)) return id;
+    stop_none_free(kind);
 }
 
 void take_own_pair(RequestPlan& plan, const CardView& view) {
-    if (plan.old.id != OWN_PAIR_ID)
+    if (plan.old.id != ZV_OWN_PAIR)
         throw Stop(Exit::refused,
                    fmt::format("The certificate {} is not the services card's own.", plan.old.id));
-    plan.pair = OWN_PAIR_ID;
+    plan.pair = ZV_OWN_PAIR;
     plan.reuse = true;
     plan.pending_key = view.modulus(plan.pair);
 }

@@ -164,9 +164,10 @@ int kvCheckSmartCard(char* label, char* manufacturer, char* model, char* serial)
         zvcrypt::require_arguments({label, manufacturer, model, serial});
         *label = *manufacturer = *model = *serial = '\0';
         const CK_TOKEN_INFO info = zvcrypt::current_session().token_info();
-        zvcrypt::write_text(zvcrypt::fixed_text(info.label), {label, 80});
-        zvcrypt::write_text(zvcrypt::fixed_text(info.manufacturerID), {manufacturer, 48});
-        zvcrypt::write_text(zvcrypt::fixed_text(info.model), {model, 32});
-        zvcrypt::write_text(zvcrypt::fixed_text(info.serialNumber), {serial, 32});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.label), {label, ZVC_TOKEN_LABEL_SIZE});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.manufacturerID),
+                            {manufacturer, ZVC_TOKEN_MANUFACTURER_SIZE});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.model), {model, ZVC_TOKEN_MODEL_SIZE});
+        zvcrypt::write_text(zvcrypt::fixed_text(info.serialNumber), {serial, ZVC_TOKEN_SERIAL_SIZE});
     });
 }

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-char szSockMsg[512];
+char szSockMsg[ZV_MESSAGE_SIZE];
 
 namespace zv {
 

@@ -5,7 +5,7 @@
 
 #include <iterator>
 
-char errorMessages[512][512];
+char errorMessages[ZV_MESSAGES][ZV_MESSAGE_SIZE];
 
 namespace {
 

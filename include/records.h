@@ -4,6 +4,9 @@
 #ifndef ZV_RECORDS_H
 #define ZV_RECORDS_H
 
+#include "zvConstants.h"
+#include "zvCrypt.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -31,23 +34,23 @@ typedef struct datiDN {
 
 /** A parsed command block: everything that one request or one installation needs. */
 typedef struct REQRENIN {
-    char slot;                  /**< slot digit, "0" to "9" */
-    char szDll[512];            /**< path of the PKCS#11 module */
-    char szPin[32];             /**< user PIN */
-    char szTipoCert[4];         /**< certificate kind: "PRA", "AUT" or "CNS" */
-    char cKeepKeys;             /**< 'R' keep old objects, 'D' delete them, 'K' keep an old pending pair */
-    char certificateLabel[256]; /**< identifier of the certificate to renew */
-    char pendingLabel[256];     /**< identifier of the pending key pair */
-    datiDN dn;                  /**< subject of the request */
-    char szCertChain[8192];     /**< text of the issued certificate */
+    char slot;                       /**< slot digit, "0" to "9" */
+    char szDll[ZV_MODULE_PATH_SIZE]; /**< path of the PKCS#11 module */
+    char szPin[ZV_PIN_MAX + 1];      /**< user PIN */
+    char szTipoCert[4];              /**< certificate kind: "PRA", "AUT" or "CNS" */
+    char cKeepKeys; /**< 'R' keep old objects, 'D' delete them, 'K' keep an old pending pair */
+    char certificateLabel[ZV_LABEL_SIZE]; /**< identifier of the certificate to renew */
+    char pendingLabel[ZV_LABEL_SIZE];     /**< identifier of the pending key pair */
+    datiDN dn;                            /**< subject of the request */
+    char szCertChain[ZVC_CERT_TEXT_SIZE]; /**< text of the issued certificate */
 } REQRENIN;
 
 /** Records in an identifier table. */
 #define ZV_CKAIDS 10
 
-/** One CKA_ID as text, at most 31 characters; the rest is cut. */
+/** One CKA_ID as text, at most ZV_ID_MAX characters; the rest is cut. */
 typedef struct ckaid {
-    char id[32];
+    char id[ZV_KEY_ID_SIZE];
 } ckaid;
 
 /** One encoded DER piece (X.690). Record and bytes come from the C heap, each released by free(). */

@@ -60,18 +60,18 @@ extern "C" {
 /** Results. PKCS#11 codes, 100 and -1 are never among them. */
 enum zvCryptError {
     ZVC_OK = 0,
-    ZVC_ERR_ARGUMENT = 0x2000,        /* a null argument, or one that makes no sense */
-    ZVC_ERR_INTERNAL = 0x2001,        /* memory is exhausted or OpenSSL failed */
-    ZVC_ERR_CUT = 0x2002,             /* a text did not fit its buffer */
-    ZVC_ERR_NO_SERVICE = 0x2010,      /* no PC/SC service that answers, and no software reader */
-    ZVC_ERR_READER = 0x2011,          /* PC/SC failed on the readers */
-    ZVC_ERR_UNKNOWN_READER = 0x2012,  /* nobody knows the reader */
-    ZVC_ERR_NO_CARD = 0x2013,         /* no card in the reader */
-    ZVC_ERR_MUTE_CARD = 0x2014,       /* a card in the reader that does not answer, as one put in the wrong way */
-    ZVC_ERR_CONFIG_FILE = 0x2018,     /* a configuration file or atr.ini cannot be read */
-    ZVC_ERR_CONFIG = 0x2019,          /* a malformed line in one of them */
-    ZVC_ERR_MODULE_LOAD = 0x2020,     /* the PKCS#11 module cannot be loaded */
-    ZVC_ERR_MODULE = 0x2021,          /* a call to the module failed; the reason has its code */
+    ZVC_ERR_ARGUMENT = 0x2000,       /* a null argument, or one that makes no sense */
+    ZVC_ERR_INTERNAL = 0x2001,       /* memory is exhausted or OpenSSL failed */
+    ZVC_ERR_CUT = 0x2002,            /* a text did not fit its buffer */
+    ZVC_ERR_NO_SERVICE = 0x2010,     /* no PC/SC service that answers, and no software reader */
+    ZVC_ERR_READER = 0x2011,         /* PC/SC failed on the readers */
+    ZVC_ERR_UNKNOWN_READER = 0x2012, /* nobody knows the reader */
+    ZVC_ERR_NO_CARD = 0x2013,        /* no card in the reader */
+    ZVC_ERR_MUTE_CARD = 0x2014,   /* a card in the reader that does not answer, as one put in the wrong way */
+    ZVC_ERR_CONFIG_FILE = 0x2018, /* a configuration file or atr.ini cannot be read */
+    ZVC_ERR_CONFIG = 0x2019,      /* a malformed line in one of them */
+    ZVC_ERR_MODULE_LOAD = 0x2020, /* the PKCS#11 module cannot be loaded */
+    ZVC_ERR_MODULE = 0x2021,      /* a call to the module failed; the reason has its code */
     ZVC_ERR_MODULE_ANSWER = 0x2022,   /* the module answered what it never may */
     ZVC_ERR_NO_SESSION = 0x2023,      /* no session is open */
     ZVC_ERR_CARD_REMOVED = 0x2024,    /* the card is not in the slot, or was taken out */
@@ -92,7 +92,7 @@ enum zvCryptError {
     ZVC_ERR_MODE = 0x203A,            /* a conversion mode that is not supported */
     ZVC_ERR_BASE64 = 0x203B,          /* a text that is not base64 */
     ZVC_ERR_BAD_CERTIFICATE = 0x2040, /* no X.509 certificate, or a field is malformed */
-    ZVC_ERR_TEXT_LENGTH = 0x2041,     /* a certificate text of more than 8191 characters */
+    ZVC_ERR_TEXT_LENGTH = 0x2041,     /* a certificate text of more than ZVC_CERT_TEXT_MAX characters */
     ZVC_ERR_TEXT_FORM = 0x2042,       /* a text that holds no certificate in a known form, or none at all */
     ZVC_ERR_NO_HOLDER = 0x2043,       /* only certificates of authorities in the text */
     ZVC_ERR_TWO_HOLDERS = 0x2044,     /* certificates of more than one holder in the text */
@@ -109,6 +109,12 @@ enum zvCryptError {
 #define ZVC_CARD_NAME_SIZE 512   /* a subject or an issuer in DER, as it is stored on a card */
 #define ZVC_CARD_SERIAL_SIZE 256 /* a serial number's content bytes */
 #define ZVC_SHA1_SIZE 20
+#define ZVC_TOKEN_LABEL_SIZE 80
+#define ZVC_TOKEN_MANUFACTURER_SIZE 48
+#define ZVC_TOKEN_MODEL_SIZE 32
+#define ZVC_TOKEN_SERIAL_SIZE 32
+/* Characters of a certificate text, NUL not counted. */
+#define ZVC_CERT_TEXT_MAX (ZVC_CERT_TEXT_SIZE - 1)
 
 /** A certificate read from text: 8709 bytes, without padding. */
 #pragma pack(push, 1)
@@ -125,7 +131,7 @@ typedef struct datiCert {
  * Lists the card readers: those of PC/SC with a card that answers, with another, without a card, the configured
  * software readers.
  *
- * @param[out] list  1024 bytes; each name followed by "|"; whole names only, as many as fit; empty without
+ * @param[out] list  ZVC_READER_LIST_SIZE bytes; each name followed by "|"; whole names only, as many as fit; empty without
  *                   readers. A name with a "|" in it is left out (its reader can be looked up all the same);
  *                   where that leaves none, the result is ZVC_ERR_READER
  * @return 0; ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
@@ -139,7 +145,7 @@ ZVCRYPT_API int kvGetReader(char* list);
  * built-in table. A reader name that is both a software reader's and PC/SC's is the software reader.
  *
  * @param[in]  reader  reader name, whole
- * @param[out] module  512 bytes; the module's file name, or empty for an unknown card
+ * @param[out] module  ZVC_MODULE_NAME_SIZE bytes; the module's file name, or empty for an unknown card
  * @return 0, also for an unknown card; ZVC_ERR_UNKNOWN_READER; ZVC_ERR_NO_CARD; ZVC_ERR_MUTE_CARD;
  *         ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
  * After a failure, and for an unknown card: module is empty, and no flag of a card looked up before stands.
@@ -151,7 +157,7 @@ ZVCRYPT_API int kvGetPKCS11FromATR(char* reader, char* module);
  * The same as kvGetPKCS11FromATR, with a table of the host's own before the others.
  *
  * @param[in]  reader  reader name, whole
- * @param[out] module  512 bytes; the module's file name, or empty for an unknown card
+ * @param[out] module  ZVC_MODULE_NAME_SIZE bytes; the module's file name, or empty for an unknown card
  * @param[in]  iniDir  folder that holds the file "atr.ini", which must exist
  * @return as kvGetPKCS11FromATR
  */
@@ -204,10 +210,10 @@ ZVCRYPT_API int kvFinalize(void);
  * Reads what the card in the session's slot says of itself; blanks around each text are removed, and a '?' stands for
  * each byte that is no UTF-8 and each control character or mark of direction.
  *
- * @param[out] label         80 bytes; the token's label
- * @param[out] manufacturer  48 bytes; its manufacturer
- * @param[out] model         32 bytes; its model
- * @param[out] serial        32 bytes; its serial number, 16 characters at most
+ * @param[out] label         ZVC_TOKEN_LABEL_SIZE bytes; the token's label
+ * @param[out] manufacturer  ZVC_TOKEN_MANUFACTURER_SIZE bytes; its manufacturer
+ * @param[out] model         ZVC_TOKEN_MODEL_SIZE bytes; its model
+ * @param[out] serial        ZVC_TOKEN_SERIAL_SIZE bytes; its serial number, 16 characters at most
  * @return 0; ZVC_ERR_NO_SESSION; ZVC_ERR_CARD_REMOVED; ZVC_ERR_MODULE
  * After a failure: all four are empty; a session that is not logged in stays as it is (convention 8).
  * Standard: PKCS#11 (C_GetTokenInfo).
@@ -333,8 +339,8 @@ ZVCRYPT_API int zv_X509V3_get_subject_key_identifier(unsigned char* der, unsigne
  * written without seconds or in another zone.
  *
  * @param[in]  der, length  the certificate, DER, and its length in bytes
- * @param[out] date1        24 bytes; valid from
- * @param[out] date2        24 bytes; valid to
+ * @param[out] date1        ZVC_DATE_SIZE bytes; valid from
+ * @param[out] date2        ZVC_DATE_SIZE bytes; valid to
  * @return 0; ZVC_ERR_BAD_CERTIFICATE
  * After a failure: both are empty.
  */
@@ -346,7 +352,7 @@ ZVCRYPT_API int kvGetCertDate(unsigned char* der, unsigned long length, char* da
  * @param[in]  der, length  the certificate, DER, and its length in bytes
  * @param[out] dateText     the dates, as kvGetCertDate gives them
  * @param[in]  dateSize     size of dateText in bytes
- * @param[out] description  2048 bytes; the subject, as kvGetSubjectDN gives it
+ * @param[out] description  ZVC_DESCRIPTION_SIZE bytes; the subject, as kvGetSubjectDN gives it
  * @return 0; ZVC_ERR_BAD_CERTIFICATE; ZVC_ERR_CUT (a text did not fit and holds its beginning)
  * After another failure: both are empty.
  */
@@ -360,7 +366,7 @@ ZVCRYPT_API int GiveMeCertDate(unsigned char* der, unsigned long length, char* d
  *
  * @param[in]  length  length of data in bytes; below 0 counts as 0
  * @param[in]  data    the data; may be null when length is 0
- * @param[out] digest  20 bytes; zeros if the digest cannot be made
+ * @param[out] digest  ZVC_SHA1_SIZE bytes; zeros if the digest cannot be made
  * Standard: FIPS 180-4.
  */
 ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* digest);
@@ -368,8 +374,8 @@ ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* dige
 /**
  * Copies a certificate text for SplitCert.
  *
- * @param[in]  in   the text, 8191 characters at most
- * @param[out] out  8192 bytes; the text. A longer one is not cut: a mark takes its place, to which SplitCert
+ * @param[in]  in   the text, ZVC_CERT_TEXT_MAX characters at most
+ * @param[out] out  ZVC_CERT_TEXT_SIZE bytes; the text. A longer one is not cut: a mark takes its place, to which SplitCert
  *                  answers ZVC_ERR_TEXT_LENGTH
  */
 ZVCRYPT_API void writeBuff(char* in, char* out);
@@ -381,7 +387,7 @@ ZVCRYPT_API void writeBuff(char* in, char* out);
  * takes the one that is no authority's and issued none of the others, wherever it stands; one of several
  * copies counts once. A single one is taken unless it is an authority's that may sign others (keyCertSign).
  *
- * @param[in]  text     the text, 8191 characters at most
+ * @param[in]  text     the text, ZVC_CERT_TEXT_MAX characters at most
  * @param[out] out      the certificate; zeros after a failure
  * @param[out] errText  the reason of a failure, in Italian (also in kvLastError); may be null
  * @param[in]  errSize  size of errText in bytes

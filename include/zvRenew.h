@@ -20,12 +20,14 @@
  *     logged. A PIN never is.
  *  7. Requests and installing work on the module and the slot of the last card detection, that is of the last
  *     rinnovo_Card_readCerts or rinnovo_Card_findFreeCKAID: read the card first, go on only after a success,
- *     and do not let a search in another reader come between. Only slots 0 to 9 can be used by them.
+ *     and do not let a search in another reader come between. Only slots 0 to ZV_LAST_SLOT can be used
+ *     by them.
  *  8. Each call opens the card's PKCS#11 module itself and finalises it (C_Finalize) for the whole process
  *     when done: a host that uses the same module loses its sessions.
- *  9. "Identifier" always means a CKA_ID, read as text. Signature (PRA) pairs are "DS" and a digit,
- *     authentication (AUT) pairs "AUTHCertificate" and a digit, the national services card's own pair is
- *     "CNS0". Digits 0 to 2 are the card's first keys; renewed keys take 3 to 5.
+ *  9. "Identifier" always means a CKA_ID, read as text. Signature (PRA) pairs are "DS"
+ *     (ZV_SIGNATURE_SERIES) and a digit, authentication (AUT) pairs "AUTHCertificate"
+ *     (ZV_AUTHENTICATION_SERIES) and a digit, the national services card's own pair is "CNS0" (ZV_OWN_PAIR).
+ *     The digits ZV_FIRST_DIGITS are the card's first keys; renewed keys take ZV_RENEWED_DIGITS.
  * 10. Guards: a call whose arguments would cost a key or a PIN try, or would not reach the card unchanged, is
  *     stopped before the card is touched. The log then has a line "Operazione non inviata: " and the reason,
  *     szBuffErr is "Errore nella mininfo", the result -10000 (1 for a certificate text that cannot be read
@@ -36,7 +38,7 @@
  *     and a certLabel that is part of pendingLabel; a request whose subject has no known attribute, or would
  *     lose one for its length; and values that would not come through the command block as they are: longer
  *     than their fields or than the block, with a line feed or a key of the block inside, a PIN of more than
- *     31 characters or with trailing blanks, a slot above 9. Two stand in front of the deletion of an old
+ *     ZV_PIN_MAX characters or with trailing blanks, a slot above ZV_LAST_SLOT. Two stand in front of the deletion of an old
  *     pending pair, with the same line and the result 1 of a deletion that failed: the pair has a
  *     certificate, or the search for one failed; the login that follows the deletion would not reach the slot
  *     in use (0 that is not the first of the module's list, 8, 9). A login anew within a call that would not
@@ -52,6 +54,8 @@
 #ifndef ZV_RENEW_H
 #define ZV_RENEW_H
 
+#include "zvConstants.h"
+
 #include <stdbool.h>
 
 #define ZV_API __attribute__((visibility("default")))
@@ -59,17 +63,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-/** Pointers of a certificate list: the count, then at most ten certificates. */
-#define ZV_LIST_ENTRIES 11
-/** Characters of each list entry, terminator included. */
-#define ZV_LIST_ENTRY_SIZE 4096
-/** Characters of a key identifier buffer, terminator included. */
-#define ZV_KEY_ID_SIZE 32
-/** Characters of the buffer for a request, terminator included. */
-#define ZV_REQUEST_SIZE 16384
-/** Characters of a pending identifier that survive a reading (one more for the terminator). */
-#define ZV_PENDING_LABEL_MAX 31
 
 /** Success. */
 #define ZV_OK 0
@@ -89,13 +82,13 @@ extern "C" {
  * Text for the user after a failed rinnovo_ call, which clears it at its start (rinnovo_Card_findFreeCKAID
  * does not).
  */
-extern ZV_API char szBuffErr[512];
+extern ZV_API char szBuffErr[ZV_MESSAGE_SIZE];
 
 /**
  * Text for the user of the last failure inside the request machinery (session, key generation, signature).
  * Never cleared by the library: empty it before a call to know whether it belongs to that call.
  */
-extern ZV_API char szSockMsg[512];
+extern ZV_API char szSockMsg[ZV_MESSAGE_SIZE];
 
 /**
  * True when the card of the last services-card reading or free search holds a certificate whose identifier
@@ -114,10 +107,10 @@ extern ZV_API bool is1205SerialToken;
 
 /**
  * Italian texts of the PKCS#11 results, indexed by result code (PKCS#11 section 11.1); empty until
- * loadErrorCodes. Only results from 0 to 511 are an index: ZV_UNUSABLE, ZV_NOT_SENT and any other negative
- * result are none, nor are codes of 512 and more. Check before indexing.
+ * loadErrorCodes. Only results from 0 to below ZV_MESSAGES are an index: ZV_UNUSABLE, ZV_NOT_SENT and any other
+ * negative result are none, nor are codes of ZV_MESSAGES and more. Check before indexing.
  */
-extern ZV_API char errorMessages[512][512];
+extern ZV_API char errorMessages[ZV_MESSAGES][ZV_MESSAGE_SIZE];
 
 /** Fills errorMessages. May be called again. */
 ZV_API void loadErrorCodes(void);
@@ -125,7 +118,7 @@ ZV_API void loadErrorCodes(void);
 /**
  * Says where an ATR table of the host's own (atr.ini) is; it is then asked before the built-in one.
  *
- * @param[in] dir  directory, 1 to 1023 characters; null, empty or longer: back to the crypto library's
+ * @param[in] dir  directory, 1 to ZV_ATR_DIR_MAX characters; null, empty or longer: back to the crypto library's
  *                 configuration and built-in table
  */
 ZV_API void set_ATRini_path(const char* dir);
@@ -133,8 +126,7 @@ ZV_API void set_ATRini_path(const char* dir);
 /**
  * Detects the card and lists its certificates, pending keys and free identifiers.
  *
- * A certificate list is an array of 11 pointers (ZV_LIST_ENTRIES) to buffers of 4096 characters
- * (ZV_LIST_ENTRY_SIZE). Entry 0 receives the number of certificates in decimal, entries 1 to n one record
+ * A certificate list is an array of ZV_LIST_ENTRIES pointers to buffers of ZV_LIST_ENTRY_SIZE characters. Entry 0 receives the number of certificates in decimal, entries 1 to n one record
  * each, fields joined by "#" (a "#" inside a field is not marked). The lists have ten records at most together;
  * what is pending or free is answered from everything on the card. Every entry must be an empty text before
  * every call, since counts and records are appended. listCNS is written for a services card only: take an empty
@@ -168,14 +160,14 @@ ZV_API void set_ATRini_path(const char* dir);
  * @param[out] pendingPRA, pendingAUT  1 when a pair generated for a request waits for its certificate, else
  *                                     0. The first pending pair found ends the search: at most one of the two
  *                                        is reported. A search that failed leaves 0 and empty keys
- * @param[out] keyPRA, keyAUT  32 characters each: the pending pair's identifier; else a free identifier for a
+ * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE characters each: the pending pair's identifier; else a free identifier for a
  *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
  *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
  *                             looks at public keys only. A kind without a certificate on the card gets no
  *                             proposal here (rinnovo_Card_findFreeCKAID gives one); on a signature card the
  *                             authority's certificate counts as an AUT one
  * @param[in]  reservedText  not used
- * @param[in]  moduleDir     directory of the PKCS#11 modules, at most 511 characters
+ * @param[in]  moduleDir     directory of the PKCS#11 modules, at most ZV_MODULE_DIR_MAX characters
  *
  * @return 0; 100 unknown card, or one of the refused series "1201" ("Tipo di Smart Card non supportato"); -1
  *         no slot of the module belongs to the reader, the module cannot be used, or the inventory failed;
@@ -195,7 +187,7 @@ ZV_API int rinnovo_Card_readCerts(char* reader, char* pin, int reservedInt, char
  * The module directory of the last rinnovo_Card_readCerts is used; szBuffErr is not cleared at the start.
  *
  * @param[in]  reader, pin     as in rinnovo_Card_readCerts, but without the ".dll" form; one login
- * @param[out] keyPRA, keyAUT  32 characters each; a text without a digit means that none is free
+ * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE characters each; a text without a digit means that none is free
  *
  * @return 0; 1 none free in one of the series (keyPRA is "DS": none for PRA, and AUT was not looked for);
  *         otherwise as rinnovo_Card_readCerts
@@ -211,14 +203,14 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  * otherwise 2048 bits are generated, which can take a minute. The request carries SHA-1
  * (sha1WithRSAEncryption); the wrapping SHA-256.
  *
- * @param[out] requestOut    16384 characters (ZV_REQUEST_SIZE): the DER of the CMS in base64, lines of 64
- *                           characters. A longer one is cut, with result 0: take a text of exactly 16,383
- *                           characters as a failure. A terminator is always written at 16,383. Not touched
+ * @param[out] requestOut    ZV_REQUEST_SIZE characters: the DER of the CMS in base64, lines of 64
+ *                           characters. A longer one is cut, with result 0: take a text of exactly
+ *                           ZV_REQUEST_SIZE - 1 characters as a failure. A terminator is always written there. Not touched
  *                           after a failure
- * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most 31 characters, such as
+ * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most ZV_ID_MAX characters, such as
  *                           keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not
  *                           be empty, nor a part of keyId
- * @param[in]  pin           user PIN, at most 31 characters, no trailing blank
+ * @param[in]  pin           user PIN, at most ZV_PIN_MAX characters, no trailing blank
  * @param[in]  keyId         identifier of the card's key that signs the wrapping (the certificate being
  *                           renewed), whole and without blanks behind it: with them the pair is made, and
  *                           then no key is found to sign. On a services card the identifier "CNS0" goes
@@ -232,7 +224,7 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *                           the first it is dropped. Values are cut to 64 bytes (country 2, description,
  *                           e-mail and locality 127), never within a character of UTF-8. A sixth
  *                           organisational unit is ignored; an attribute that comes again takes the place of
- *                           the first. At most 1023 bytes, as given and with names written as OIDs and one
+ *                           the first. At most ZV_SUBJECT_MAX bytes, as given and with names written as OIDs and one
  *                           byte more for each attribute: what is longer and would lose an attribute is
  *                           stopped, as is a subject without any
  * @param[in]  keepFlag      true *discards*, before the request, the old pending pair whose CKA_ID is exactly
@@ -271,13 +263,13 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *
  * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
  * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
- * authority's certificate "Korvalenta Firma Dig", which nothing puts back. Then the pending pair is looked
+ * authority's certificate "Korvalenta Firma Dig" (ZV_AUTHORITY_ID), which nothing puts back. Then the pending pair is looked
  * for, gets pendingLabel as CKA_ID and CKA_LABEL, and the certificate is compared with it and written under
  * the same text; when it is refused, the pair is given pendingLabel again. (Modules named bit4ipki,
  * bit4hipki, incryptoki2 or cnspkcs11 keep the pair's old texts; a module that does not read keys leaves out
  * the comparison.) The marker "pending_CNS_key" of a services card is removed after any success.
  *
- * @param[in]     pin           user PIN, at most 31 characters, no trailing blank
+ * @param[in]     pin           user PIN, at most ZV_PIN_MAX characters, no trailing blank
  * @param[in,out] certLabel     identifier of the certificate to replace, room for 4 characters at least:
  *                              trailing blanks are removed in place, and an empty text becomes "DS0" in place
  *                              (so an empty label *means* DS0). Give a whole identifier. It must not be a
@@ -286,8 +278,9 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *                              when the certificate is refused: every key whose identifier contains it
  *                              matches, the last one found is taken. Must not be empty
  * @param[in]     certChain     the certificate: base64 DER, PEM or a PKCS#7 bundle, line breaks allowed. Some
- *                              7,500 characters at most, since the whole command must fit 8,000. Subject and
- *                              issuer up to 512 bytes of DER, keys up to 2048 bits
+ *                              ZV_CERT_TEXT_MAX characters at most, since the whole command must fit 8,000.
+ *                              Subject and issuer up to ZVC_CARD_NAME_SIZE bytes of DER, keys up to ZV_KEY_BITS
+ *                              bits
  * @param[in]     keepOld       true keeps the old certificate and its keys, false removes them first
  *
  * @return 0; -10000 a guard; 1 no pending pair, the certificate was refused (no certificate, not of the pair,

@@ -71,7 +71,7 @@ int zv::install_user_certificate(std::span<unsigned char> der, const char* label
     }
     trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.
-    delete_data(hSession, "pending_CNS_key");
+    delete_data(hSession, ZV_PENDING_MARKER);
     return 0;
 }
 

@@ -15,10 +15,10 @@ namespace zv {
 CK_OBJECT_CLASS cert_object_class = CKO_CERTIFICATE;
 CK_BBOOL bTrue = CK_TRUE;
 CK_CERTIFICATE_TYPE certType = CKC_X_509;
-unsigned char BufferAttribute[8192];
-char BufferSubject[513];
-char BufferIssuer[513];
-char BufferSerNumb[256];
+unsigned char BufferAttribute[ZVC_CERT_DER_SIZE];
+char BufferSubject[ZVC_CARD_NAME_SIZE + 1];
+char BufferIssuer[ZVC_CARD_NAME_SIZE + 1];
+char BufferSerNumb[ZVC_CARD_SERIAL_SIZE];
 
 CK_ATTRIBUTE CertTemplate[CERTIFICATE_ENTRIES] = {
     {CKA_CLASS, &cert_object_class, sizeof cert_object_class},
@@ -36,7 +36,7 @@ CK_OBJECT_HANDLE hCert = 0;
 
 namespace {
 
-constexpr CK_ULONG NAME_ROOM = 512;
+constexpr CK_ULONG NAME_ROOM = ZVC_CARD_NAME_SIZE;
 
 } // namespace
 

@@ -38,7 +38,7 @@ bool is_authority(const Certificate& certificate) {
 }
 
 bool is_signature(std::string_view id) {
-    return id.starts_with("Sign_Keypair") || in_series(id, SIGNATURE_SERIES, '0', '9');
+    return id.starts_with(OTHER_SIGNATURE_SERIES) || in_series(id, SIGNATURE_SERIES, ALL_DIGITS);
 }
 
 void add_certificate(Inventory& inventory, Certificate& certificate) {

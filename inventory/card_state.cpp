@@ -18,7 +18,7 @@ constexpr SearchLog STATE_LOG = {.after = [](const SearchCall& call) {
 }};
 
 bool marks_signature(std::string_view id) {
-    return id.starts_with("Sign_Keypair") || id.starts_with(SIGNATURE_SERIES);
+    return id.starts_with(OTHER_SIGNATURE_SERIES) || id.starts_with(SIGNATURE_SERIES);
 }
 
 bool marks_authentication(std::string_view id) {
@@ -37,9 +37,9 @@ void take_first_pending(const IdentifierTables& tables, CardState& state) {
 }
 
 bool propose_free(const IdentifierTable& public_keys, std::string_view series, PairState& pair) {
-    for (const char* digit : {"3", "4", "5"}) {
+    for (const char& digit : RENEWED_DIGITS) {
         copy_text(pair.id, series);
-        append_text(pair.id, digit);
+        append_text(pair.id, {&digit, 1});
         if (!public_keys.contains(pair.id)) return true;
     }
     copy_text(pair.id, series);

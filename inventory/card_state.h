@@ -43,8 +43,7 @@ template <typename Take> void for_each_pending(const IdentifierTables& tables, T
     for (const ckaid& record : tables.public_keys) {
         const std::string_view id = record.id;
         if (id.empty() || !tables.private_keys.contains(id) || tables.certificates.contains(id)) continue;
-        if (in_series(id, is_authentication(id) ? AUTHENTICATION_SERIES : SIGNATURE_SERIES, '0', '2'))
-            continue;
+        if (in_series(id, kind_row(kind_of_pair(id)).series, FIRST_DIGITS)) continue;
         if (!take(id)) return;
     }
 }
@@ -52,7 +51,7 @@ template <typename Take> void for_each_pending(const IdentifierTables& tables, T
 // Takes the first pending pair, of either kind.
 void take_first_pending(const IdentifierTables& tables, CardState& state);
 
-// Writes the first of 3, 4, 5 in the series that no public key has; the bare series and false when all are taken.
+// Writes the first identifier of a renewed pair that no public key has; the bare series and false when all are taken.
 [[nodiscard]] bool propose_free(const IdentifierTable& public_keys, std::string_view series, PairState& pair);
 
 // Proposes a free identifier for each kind that a certificate is of and no pending pair; false when a series is full.

@@ -86,7 +86,7 @@ void CensusObject::describe(CensusLine& line) const {
 bool CensusObject::is_pending_key() const {
     if (object_class == CKO_PUBLIC_KEY) return std::strcmp(label, pendingLabel) == 0;
     // A fixed text here, whatever the library's own prefix is set to.
-    return object_class == CKO_PRIVATE_KEY && std::string_view(label).starts_with("pending_");
+    return object_class == CKO_PRIVATE_KEY && std::string_view(label).starts_with(ZV_PENDING_PREFIX);
 }
 
 // A line goes in whole or not at all.

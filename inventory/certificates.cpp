@@ -81,7 +81,7 @@ bool FoundCertificates::read(const SearchLog& log, const Exits& exits) {
 CertificateFields::CertificateFields(Certificate& certificate, bool own) {
     unsigned char* der = certificate.value;
     const unsigned long length = certificate.value_length;
-    char date_text[DESCRIPTION_SIZE] = {};
+    char date_text[ZVC_DESCRIPTION_SIZE] = {};
     GiveMeCertDate(der, length, date_text, sizeof date_text, description);
     terminate(description);
     rewrite_holder(description, own);

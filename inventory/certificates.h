@@ -13,8 +13,7 @@
 // The certificates on the card and the records that describe them to the host.
 namespace zv {
 
-constexpr std::size_t MOST_CERTIFICATES = 10;
-constexpr std::size_t DESCRIPTION_SIZE = 2048;
+constexpr std::size_t MOST_CERTIFICATES = ZV_LIST_ENTRIES - 1;
 constexpr std::size_t ID_SIZE = 64;
 
 // A certificate object as read; texts fill their fields without a terminator when they are that long.
@@ -56,10 +55,10 @@ inline void no_trace(const char*, CK_RV) {}
 
 // What the crypto library says of one certificate.
 struct CertificateFields {
-    char description[DESCRIPTION_SIZE] = {};
-    char issuer[512] = {}, subject[512] = {};
+    char description[ZVC_DESCRIPTION_SIZE] = {};
+    char issuer[ZV_RECORD_NAME_SIZE] = {}, subject[ZV_RECORD_NAME_SIZE] = {};
     char serial[128] = {}, iut[32] = {}, key_id[256] = {}, tax_code[128] = {}, policies[128] = {};
-    char explicit_text[256] = {}, start[24] = {}, end[24] = {};
+    char explicit_text[256] = {}, start[ZVC_DATE_SIZE] = {}, end[ZVC_DATE_SIZE] = {};
 
     // Fills every field; the holder's names are rewritten as those of a services card's own certificate, or as others.
     CertificateFields(Certificate& certificate, bool own);
@@ -72,7 +71,7 @@ struct CertificateFields {
 
 // The holder's description and the CKA_ID of a certificate, in buffers that a host keeps.
 struct LastCertificate {
-    std::array<char, DESCRIPTION_SIZE> description;
+    std::array<char, ZVC_DESCRIPTION_SIZE> description;
     std::array<char, ID_SIZE> id;
 
     LastCertificate(const CertificateFields& fields, const Certificate& certificate);

@@ -35,14 +35,14 @@ void clear_key_size_flags() {
 void set_key_size_flags(const IdentifierTables& tables) {
     clear_key_size_flags();
     use2048Bit = any_certificate(
-        tables, [](std::string_view id) { return in_series(id, SIGNATURE_SERIES, '3', '5'); });
+        tables, [](std::string_view id) { return in_series(id, SIGNATURE_SERIES, RENEWED_DIGITS); });
 }
 
 void discard_first_key(const IdentifierTables& tables, char (&id)[ZV_KEY_ID_SIZE]) {
     if (!is1205SerialToken) return;
     for (const ckaid& record : tables.certificates)
         if (std::string_view(record.id).starts_with(SIGNATURE_SERIES) &&
-            in_series(id, SIGNATURE_SERIES, '0', '2') && delete_all_with(hSession, id))
+            in_series(id, SIGNATURE_SERIES, FIRST_DIGITS) && delete_all_with(hSession, id))
             id[0] = '\0';
 }
 

@@ -45,9 +45,4 @@ bool has_record(std::span<const ckaid> records, std::string_view id) {
                        [id](const ckaid& record) { return bounded_text(record.id, sizeof record.id) == id; });
 }
 
-bool in_series(std::string_view id, std::string_view series, char first, char last) {
-    if (!id.starts_with(series) || id.size() == series.size()) return false;
-    return id[series.size()] >= first && id[series.size()] <= last;
-}
-
 } // namespace zv

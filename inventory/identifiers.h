@@ -1,6 +1,7 @@
 #pragma once
 
 #include "card/session.h"
+#include "kinds.h"
 #include "records.h"
 #include "store/objects.h"
 #include "store/walk.h"
@@ -14,11 +15,7 @@
 // The identifiers on a card and the series that they belong to.
 namespace zv {
 
-inline constexpr std::string_view OWN_PAIR = "CNS0";
-inline constexpr std::string_view SIGNATURE_SERIES = "DS";
-inline constexpr std::string_view AUTHENTICATION_SERIES = "AUTHCertificate";
-
-// The identifiers of every object of one class; each is cut at 31 characters.
+// The identifiers of every object of one class; each is cut at ZV_ID_MAX characters.
 class IdentifierTable {
   public:
     // Throws without memory: a table that lacks an object would call a taken identifier free.
@@ -68,11 +65,8 @@ template <typename Examine> [[nodiscard]] bool walk_identities(const SearchLog& 
 [[nodiscard]] bool has_record(std::span<const ckaid> records, std::string_view id);
 
 inline bool is_authentication(std::string_view id) {
-    return id.find(AUTHENTICATION_SERIES) != std::string_view::npos;
+    return kind_of_pair(id) == Kind::authentication;
 }
-
-// The series followed by a digit in that range.
-[[nodiscard]] bool in_series(std::string_view id, std::string_view series, char first, char last);
 
 // True when a certificate's identifier fits.
 template <typename Test> bool any_certificate(const IdentifierTables& tables, Test test) {

@@ -37,7 +37,7 @@ bool gather_on_services_card(IdentifierTables& tables, CardState& state) {
             return true;
         }
         const std::string_view label = text;
-        if (label == "pending_CNS_key") state.own_pending = 1;
+        if (label == ZV_PENDING_MARKER) state.own_pending = 1;
         return label != "PDATA" || read_expiry(object, state);
     });
 }

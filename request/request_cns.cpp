@@ -28,7 +28,7 @@ unsigned short find_own_key(PublicKey& key) {
              take);
     if (walked.whole()) return 0;
     return Failure(REQUEST_TITLE)
-        .user("Errore nella lettura della chiave CNS0 sulla smartcard (error %lx)", walked.code);
+        .user("Errore nella lettura della chiave " ZV_OWN_PAIR " sulla smartcard (error %lx)", walked.code);
 }
 
 // Reads the key inside the search that found it, which is closed on every way out.
@@ -53,7 +53,7 @@ unsigned short request_for_own_pair(const LoginData& login, char* pem_out) {
     if (status == 0) status = read_own_key(key);
     if (status == 0) status = complete_request(key, SUBJECT_TABLE_CNS, login, pem_out);
     if (status != 0) return status;
-    write_data(hSession, {"pending_CNS_key", "1", false, true});
+    write_data(hSession, {ZV_PENDING_MARKER, "1", false, true});
     trace(REQUEST_TITLE, "F I N E");
     return 0;
 }

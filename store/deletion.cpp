@@ -110,7 +110,7 @@ bool zv::delete_certificate_and_keys(CK_SESSION_HANDLE session, const char* id) 
 
 CK_RV zv::delete_own_certificate(CK_SESSION_HANDLE session) {
     trace_deletion("DeleteCertCNS", session);
-    return delete_first(session, CKO_CERTIFICATE, "CNS0");
+    return delete_first(session, CKO_CERTIFICATE, ZV_OWN_PAIR);
 }
 
 CK_RV zv::delete_authority_certificate(CK_SESSION_HANDLE session, const char* id, const char* kind) {

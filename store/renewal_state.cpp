@@ -2,11 +2,11 @@
 
 namespace zv {
 
-char pendingLabel[256];
-char certificateLabel[256];
-char certAlias[256];
-char CAcertificateLabel[256] = "Korvalenta Firma Dig";
-char szPendingLabel[256] = "pending_";
+char pendingLabel[ZV_LABEL_SIZE];
+char certificateLabel[ZV_LABEL_SIZE];
+char certAlias[ZV_LABEL_SIZE];
+char CAcertificateLabel[ZV_LABEL_SIZE] = ZV_AUTHORITY_ID;
+char szPendingLabel[ZV_LABEL_SIZE] = ZV_PENDING_PREFIX;
 char cKeepKeys = '\0';
 datiDN dName;
 int slotUtente = 0;

@@ -3,6 +3,7 @@
 #include "simcard/common/card_folder.h"
 #include "simcard/common/problem.h"
 #include "simcard/common/softhsm.h"
+#include "zvConstants.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,7 +11,7 @@
 namespace simcard {
 namespace {
 
-constexpr std::size_t MOST_SLOTS = 10;
+constexpr std::size_t MOST_SLOTS = ZV_LAST_SLOT + 1;
 
 #ifdef __APPLE__
 auto changed_at(const struct stat& file) {

@@ -3,6 +3,7 @@
 #include "simcard/authority/authority.h"
 #include "simcard/authority/errors.h"
 #include "simcard/common/card_folder.h"
+#include "zvConstants.h"
 
 #include <openssl/rand.h>
 
@@ -66,12 +67,14 @@ CardPlan completed(CardPlan plan, const std::filesystem::path& home) {
     if (plan.serial.empty()) plan.serial = random_serial();
     check_text("name", plan.name, 32, IN_NAMES);
     if (plan.name.front() == '.') throw Refusal("A card's name cannot start with a dot.");
-    check_text("reader", plan.reader, 63, IN_READERS);
+    check_text("reader", plan.reader, ZV_DESCRIPTION_MAX, IN_READERS);
     if (plan.reader.front() == ' ' || plan.reader.back() == ' ')
         throw Refusal("A reader's name cannot start or end with a blank.");
     check_text("serial number", plan.serial, 16, "");
-    if (const std::string& pin = plan.pin.text(); pin.size() < 4 || pin.size() > 31 || pin.back() == ' ')
-        throw Refusal("A PIN has 4 to 31 characters, the last of them not a blank.");
+    if (const std::string& pin = plan.pin.text();
+        pin.size() < 4 || pin.size() > ZV_PIN_MAX || pin.back() == ' ')
+        throw Refusal("A PIN has 4 to " + std::to_string(ZV_PIN_MAX) +
+                      " characters, the last of them not a blank.");
     check_days(plan.signature_days);
     check_days(plan.authentication_days);
     check_days(plan.cns_days);

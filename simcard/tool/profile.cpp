@@ -2,6 +2,7 @@
 
 #include "simcard/authority/errors.h"
 #include "simcard/tool/personalise.h"
+#include "zvConstants.h"
 
 #include <array>
 
@@ -9,23 +10,24 @@ namespace simcard {
 namespace {
 
 constexpr std::array<PairPlan, 2> SIGNATURE_PAIRS{{
-    {"DS0", "signature", &CardPlan::signature_days},
-    {"AUTHCertificate0", "authentication", &CardPlan::authentication_days},
+    {ZV_SIGNATURE_SERIES "0", "signature", &CardPlan::signature_days},
+    {ZV_AUTHENTICATION_SERIES "0", "authentication", &CardPlan::authentication_days},
 }};
 
 // A services card's own pair comes first.
 constexpr std::array<PairPlan, 2> SERVICES_PAIRS{{
-    {"CNS0", "cns", &CardPlan::cns_days, services_card_name},
-    {"DS0", "signature", &CardPlan::signature_days},
+    {ZV_OWN_PAIR, "cns", &CardPlan::cns_days, services_card_name},
+    {ZV_SIGNATURE_SERIES "0", "signature", &CardPlan::signature_days},
 }};
 
 // The ATRs offer T=1 alone and carry the profile's name as historical bytes ("ZVSIMSIG", "ZVSIMCNS",
 // "ZVSIMCSG", "ZVSIMSGP").
 constexpr std::array<Profile, 4> ALL{{
-    {"signature", "3B8880015A5653494D5349470F", "", SIGNATURE_PAIRS, "Korvalenta Firma Dig"},
+    {"signature", "3B8880015A5653494D5349470F", "", SIGNATURE_PAIRS, ZV_AUTHORITY_ID},
     {"cns", "3B8880015A5653494D434E530C", "cns", std::span(SERVICES_PAIRS).first<1>(), nullptr, true},
     {"cns-signature", "3B8880015A5653494D43534705", "cns", SERVICES_PAIRS, nullptr, true},
-    {"signature-pin", "3B8880015A5653494D53475016", "", SIGNATURE_PAIRS, "Korvalenta Firma Dig", false, "DS"},
+    {"signature-pin", "3B8880015A5653494D53475016", "", SIGNATURE_PAIRS, ZV_AUTHORITY_ID, false,
+     ZV_SIGNATURE_SERIES},
 }};
 
 } // namespace

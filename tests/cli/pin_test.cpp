@@ -27,7 +27,7 @@ class PinFileTest : public testing::Test {
 };
 
 TEST_F(PinFileTest, TakesAPinAndOneLineEnd) {
-    const std::string longest(Pin::LONGEST, '7');
+    const std::string longest(ZV_PIN_MAX, '7');
     EXPECT_EQ(take("12345").view(), "12345");
     EXPECT_EQ(take("12345\n").view(), "12345");
     EXPECT_EQ(take(longest + "\r\n").view(), longest);
@@ -35,7 +35,7 @@ TEST_F(PinFileTest, TakesAPinAndOneLineEnd) {
 }
 
 TEST_F(PinFileTest, RefusesAFormThatWouldCostATry) {
-    const std::string longest(Pin::LONGEST, '7');
+    const std::string longest(ZV_PIN_MAX, '7');
     for (const std::string& content :
          {std::string(), std::string("\n"), std::string("12345 \n"), longest + "7", longest + "\n7",
           std::string(5000, '7'), std::string("12345\n\n"), std::string("123\t45"), std::string("123\0", 4)})
