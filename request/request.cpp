@@ -39,7 +39,7 @@ unsigned short read_back(PublicKey& key) {
 } // namespace
 
 unsigned short request_for_pending_pair(const LoginData& login, char* pem_out) {
-    keySize = 2048;
+    keySize = ZV_KEY_BITS;
     trace(REQUEST_TITLE, "I N I Z I O");
     PublicKey key;
     unsigned short status = prepare_pair(login, key);
