@@ -66,7 +66,7 @@ int delete_replaced(REQRENIN& record) {
     return zv::delete_certificate_and_keys(zv::hSession, record.certificateLabel) ? 0 : ZV_FAILED;
 }
 
-int store_under_pending(REQRENIN& record, char* out, unsigned* out_len) {
+int install_as_pending(REQRENIN& record, char* out, unsigned* out_len) {
     zv::copy_text(zv::certAlias, record.pendingLabel);
     return ScaCert(&record, nullptr, out, out_len);
 }
@@ -77,7 +77,7 @@ int replace_certificate(REQRENIN& record, char* out, unsigned* out_len) {
     const auto kind = zv::kind_of_code(record.szTipoCert);
     if (kind && zv::kind_row(*kind).authority)
         zv::delete_authority_certificate(zv::hSession, zv::CAcertificateLabel, record.szTipoCert);
-    return store_under_pending(record, out, out_len);
+    return install_as_pending(record, out, out_len);
 }
 
 int run(const char* command, REQRENIN& record, char* out, unsigned* out_len) {
@@ -140,7 +140,7 @@ int Scarica(REQRENIN* rec, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     int result = open_for(*rec);
     if (result != 0) return result;
-    result = rec->cKeepKeys == *zv::KEEP_REPLACED ? store_under_pending(*rec, out, out_len)
+    result = rec->cKeepKeys == *zv::KEEP_REPLACED ? install_as_pending(*rec, out, out_len)
                                                   : replace_certificate(*rec, out, out_len);
     finalizza();
     return result;

@@ -78,7 +78,7 @@ int guard_subject(const RequestCall& call) {
                : stop("il nome del titolare e' troppo lungo: un attributo andrebbe perso");
 }
 
-int guard_storing(const StoringCall& call) {
+int guard_install(const InstallCall& call) {
     if (call.pending_label.empty()) return stop("manca l'identificativo della coppia di chiavi pending");
     if (call.pending_label != call.cert_label && is_part(call.pending_label, call.cert_label))
         return stop("l'identificativo pending e' parte di quello del certificato da sostituire");

@@ -16,7 +16,7 @@ struct RequestCall {
     bool discard_pending;
 };
 
-struct StoringCall {
+struct InstallCall {
     std::string_view pending_label, cert_label;
     Kind kind;
     const char* certificate;
@@ -27,7 +27,7 @@ struct StoringCall {
 [[nodiscard]] int guard_request(const RequestCall& call);
 // Stops a request for a name that dNameRen does not hold as the subject gives it, or for no name at all.
 [[nodiscard]] int guard_subject(const RequestCall& call);
-[[nodiscard]] int guard_storing(const StoringCall& call);
+[[nodiscard]] int guard_install(const InstallCall& call);
 
 // Stops when the command block in the request buffer, parsed back, does not give the values that went in.
 [[nodiscard]] int guard_block(const BlockValues& values);

@@ -145,7 +145,7 @@ Report report_on(OpenedCard& card, const InstallPlan& plan, const std::string& b
     return report;
 }
 
-// What a run before this one may have left, when it was broken off after storing.
+// What a run before this one may have left, when it was broken off after installing.
 Stop because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
                     const CardView& view, const std::string& id) {
     Proof proof;

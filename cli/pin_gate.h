@@ -29,7 +29,7 @@ struct OpenedCard {
 // Looks again, before the card is changed, whether no other program can be at work on it. @throws Stop
 void require_alone(const OpenedCard& card);
 
-// What a card is opened for. Requests and storing work on slots 0 to 9 only.
+// What a card is opened for. Requests and installing work on slots 0 to 9 only.
 enum class Use { reading, changing };
 
 // Takes the way to a card on which no PIN try is lost: finds it, takes the PIN and checks its form, refuses a

@@ -25,7 +25,7 @@ struct KindRow {
     const char* series;   ///< what the identifiers of its pairs begin with
     const char* first_id; ///< identifier of the pair that a card comes with
     bool new_pair;        ///< a request makes a pair in the series; else it is for the card's own
-    bool authority;       ///< storing with deletion removes the authority's certificate too
+    bool authority;       ///< installing with deletion removes the authority's certificate too
     bool notice;          ///< its records have a field for the text of a user notice
 };
 

@@ -44,7 +44,7 @@
 #define ZV_SUBJECT_MAX 1023
 /** Of an issued certificate's text that fits the command block with everything else, roughly. */
 #define ZV_CERT_TEXT_MAX 7500
-/** Number of the last slot that requests and storing work with. */
+/** Number of the last slot that requests and installing work with. */
 #define ZV_LAST_SLOT 9
 /** Bits of the keys that are generated, and of the largest that a certificate is stored for. */
 #define ZV_KEY_BITS 2048
@@ -61,7 +61,7 @@
 #define ZV_RECORD_NAME_SIZE 512
 /** Characters of a key identifier buffer. */
 #define ZV_KEY_ID_SIZE (ZV_ID_MAX + 1)
-/** Characters of a label buffer that holds whatever storing may write into it. */
+/** Characters of a label buffer that holds whatever installing may write into it. */
 #define ZV_LABEL_SIZE 256
 /** Characters of the buffer for a request. */
 #define ZV_REQUEST_SIZE 16384
