@@ -3,12 +3,12 @@
 #include "api/state.h"
 #include "card/session.h"
 #include "diag/log.h"
+#include "diag/report.h"
 #include "install/issued_certificate.h"
 #include "kinds.h"
 #include "request/request.h"
 #include "routines/api.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "store/deletion.h"
 #include "store/keep_flag.h"
 #include "store/renewal_state.h"
@@ -82,11 +82,11 @@ int replace_certificate(REQRENIN& record, char* out, unsigned* out_len) {
 
 int run(const char* command, REQRENIN& record, char* out, unsigned* out_len) {
     if (std::strcmp(command, "REQREN") == 0) {
-        scriviLog("inizio esecuzione della funzione Rinnova() (all'interno di miExecCmd() ..)");
+        zv::write_line("inizio esecuzione della funzione Rinnova() (all'interno di miExecCmd() ..)");
         return Rinnova(&record, out, out_len);
     }
     if (std::strcmp(command, "REQSCA") == 0) {
-        scriviLog("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
+        zv::write_line("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
         return Scarica(&record, out, out_len);
     }
     return ZV_UNUSABLE;
@@ -118,7 +118,7 @@ int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     zv::clear(zv::buffer);
     zv::trace("REQCERT_FUN", rec->szTipoCert);
-    scriviLog("Eseguo la funzione RichiestaCertificato() ..");
+    zv::write_line("Eseguo la funzione RichiestaCertificato() ..");
     const unsigned short result =
         zv::request_certificate({rec->szDll, rec->szPin}, rec->szTipoCert, zv::buffer);
     zv::trace("Funzione RichiestaCertificato eseguita", zv::buffer, zv::with_hex("Ret Code = ", result));
@@ -150,7 +150,7 @@ int Rinnova(REQRENIN* rec, char* out, unsigned* out_len) {
     if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
     const int result = open_for(*rec);
     if (result != 0) return result;
-    scriviLog("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
+    zv::write_line("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
     return ReqCert(rec, &rec->dn, out, out_len);
 }
 

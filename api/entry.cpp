@@ -3,8 +3,8 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "diag/log.h"
 #include "routines/api.h"
-#include "routines/diag.h"
 #include "util/text.h"
 #include "zvCrypt.h"
 
@@ -15,7 +15,7 @@ namespace zv {
 void trace_module(const char* prefix) {
     copy_text(szBuffErr, prefix);
     append_text(szBuffErr, Libreria);
-    scriviLog(szBuffErr);
+    write_line(szBuffErr);
     clear(szBuffErr);
 }
 
@@ -29,8 +29,8 @@ int fail(const char* line, int code, const char* text) {
         copy_text(szBuffErr, text);
     else
         fetch_reason();
-    scriviLog(szBuffErr);
-    scriviLog(line);
+    write_line(szBuffErr);
+    write_line(line);
     return code;
 }
 
@@ -38,7 +38,7 @@ void trace_entry(const char* function, const char* after) {
     char line[128] = "Funzione '";
     append_text(line, function);
     append_text(line, after);
-    scriviLog(line);
+    write_line(line);
 }
 
 int run_command(const char* command, const BlockValues& values) {

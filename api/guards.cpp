@@ -5,7 +5,7 @@
 #include "api/lines.h"
 #include "api/state.h"
 #include "card/detection.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "inventory/identifiers.h"
 #include "records.h"
 #include "util/text.h"

@@ -3,8 +3,8 @@
 #include "api/guards.h"
 #include "api/lines.h"
 #include "api/state.h"
+#include "diag/log.h"
 #include "routines/api.h"
-#include "routines/diag.h"
 #include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
@@ -51,8 +51,8 @@ void begin(const Installation& installation) {
 
 int finish(const Installation& installation, int code) {
     if (code != 0) return zv::fail_command(code);
-    scriviLog("OUTPUT DA MININFO:");
-    scriviLog(zv::szBufferDatiOut);
+    zv::write_line("OUTPUT DA MININFO:");
+    zv::write_line(zv::szBufferDatiOut);
     zv::trace_entry(installation.function, "' corretamente Eseguita");
     return 0;
 }

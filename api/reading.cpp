@@ -3,10 +3,10 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "diag/log.h"
 #include "inventory/dump.h"
 #include "inventory/host_buffers.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "util/guarded.h"
 #include "util/text.h"
 
@@ -48,22 +48,22 @@ void clear_expiry() {
 }
 
 int detect(Reading& reading, char* reader) {
-    scriviLog("CheckSmartCard");
+    zv::write_line("CheckSmartCard");
     const int code = CheckSmartCard(reading.touch_sign, reader);
     if (code == 0) return 0;
-    scriviLog("CheckSmartCard fallita");
+    zv::write_line("CheckSmartCard fallita");
     if (code == ZV_UNSUPPORTED)
         zv::copy_text(szBuffErr, NOT_SUPPORTED);
     else
         zv::fetch_reason();
-    scriviLog(szBuffErr);
+    zv::write_line(szBuffErr);
     return code;
 }
 
 void dump_card(Reading& reading, char* pin) {
     std::string text;
     reading.dump_result = zv::dump_card(zv::Libreria, pin, zv::slot, text);
-    scriviLog(reading.dump_result == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
+    zv::write_line(reading.dump_result == 0 ? text.c_str() : "Funzione 'renewDump': errore dump Smart Card");
 }
 
 // A PIN that the dump's session was refused with is not sent again: its result stands for the second one too.
@@ -88,11 +88,11 @@ int read_inventory(const Reading& reading, char* pin, const char* card, const ch
         finalizza();
         return code;
     }
-    scriviLog(line("(int)__Initialize()", " completata con successo!").data());
+    zv::write_line(line("(int)__Initialize()", " completata con successo!").data());
     code = inventory();
     finalizza();
     if (code != 0) return zv::fail(line(routine, " error!").data(), code);
-    scriviLog(line(routine, " completata con successo").data());
+    zv::write_line(line(routine, " completata con successo").data());
     return 0;
 }
 
@@ -107,7 +107,7 @@ zv::HostInventory buffers_of(const Reading& reading) {
 int read_card(const Reading& reading, char* pin) {
     return read_inventory(reading, pin, "NON CNS", "NewFind_ALL_CertsKeysRenew()", [&reading] {
         clear_expiry();
-        scriviLog("NewFind_ALL_CertsKeysRenew: INIZIO");
+        zv::write_line("NewFind_ALL_CertsKeysRenew: INIZIO");
         return zv::fill_card(buffers_of(reading));
     });
 }
@@ -125,32 +125,32 @@ int count_of(char** list) {
 void trace_list(const char* title, char** list) {
     const int count = count_of(list);
     for (int i = 1; i <= count; ++i) {
-        scriviLog(title);
-        scriviLog(list[i]);
-        scriviLog("-----");
+        zv::write_line(title);
+        zv::write_line(list[i]);
+        zv::write_line("-----");
     }
 }
 
 void trace_key(int pending, const char* key, const char* pending_title, const char* free_title) {
     if (pending == 1)
-        scriviLog(pending_title);
+        zv::write_line(pending_title);
     else if (pending == 0 && key[0] != '\0')
-        scriviLog(free_title);
+        zv::write_line(free_title);
     else
         return;
-    scriviLog(key);
+    zv::write_line(key);
 }
 
 void trace_summary(const Reading& reading) {
-    scriviLog(DASHES_33);
-    scriviLog("Certificati presenti nella Smart Card..");
+    zv::write_line(DASHES_33);
+    zv::write_line("Certificati presenti nella Smart Card..");
     trace_list("CNS:", reading.list_cns);
     trace_list("PRA:", reading.list_pra);
     trace_list("AUT:", reading.list_aut);
     trace_key(*reading.pending_pra, reading.key_pra, "Chiave Pending PRA:", "FREE CKAID PRA:");
     trace_key(*reading.pending_aut, reading.key_aut, "Chiave Pending AUT:", "FREE CKAID AUT:");
-    if (*reading.pending_cns == 1) scriviLog("Chiave Pending CNS: Si");
-    scriviLog(DASHES_33);
+    if (*reading.pending_cns == 1) zv::write_line("Chiave Pending CNS: Si");
+    zv::write_line(DASHES_33);
 }
 
 int read(Reading& reading, char* reader, char* pin) {
@@ -178,12 +178,12 @@ int read_all(Reading& reading, char* reader, char* pin, const char* module_dir) 
         *flag = 0;
     clear_state();
     for (const char* line : {"zvRenew", ZV_VERSION, DASHES_34, "Funzione 'rinnovo_Card_readCerts': INIZIO"})
-        scriviLog(line);
+        zv::write_line(line);
     zv::copy_text(zv::pwd, zv::or_empty(module_dir));
-    scriviLog(zv::pwd);
+    zv::write_line(zv::pwd);
     if (const int code = read(reading, reader, pin)) return code;
     trace_summary(reading);
-    scriviLog("Funzione 'rinnovo_Card_readCerts' correttamente Eseguita!");
+    zv::write_line("Funzione 'rinnovo_Card_readCerts' correttamente Eseguita!");
     return 0;
 }
 
@@ -227,11 +227,11 @@ int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* key_pra, char* key
     char keys[2][ZV_KEY_ID_SIZE] = {}, no_pin[] = "";
     if (key_pra == nullptr) key_pra = keys[0];
     if (key_aut == nullptr) key_aut = keys[1];
-    scriviLog("Funzione 'rinnovo_Card_findFreeCKAID': INIZIO");
+    zv::write_line("Funzione 'rinnovo_Card_findFreeCKAID': INIZIO");
     if (const int code = find_free(reader, pin != nullptr ? pin : no_pin, key_pra, key_aut)) return code;
     for (const char* line :
          {DASHES_33, "Free CKAID:", static_cast<const char*>(key_pra), static_cast<const char*>(key_aut),
           DASHES_33, "Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!"})
-        scriviLog(line);
+        zv::write_line(line);
     return 0;
 }

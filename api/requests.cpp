@@ -5,8 +5,8 @@
 #include "api/request_files.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "diag/log.h"
 #include "routines/api.h"
-#include "routines/diag.h"
 #include "store/keep_flag.h"
 #include "util/guarded.h"
 #include "util/text.h"
@@ -43,8 +43,8 @@ int make_request(const Request& request) {
                                        zv::kind_row(request.kind).code,
                                        request.discard_pending ? zv::KEEP_NOTHING : zv::KEEP_PENDING_PAIR});
     if (code != 0) return zv::fail_command(code);
-    scriviLog("OUTPUT DA MININFO:");
-    scriviLog(zv::szBufferDatiOut);
+    zv::write_line("OUTPUT DA MININFO:");
+    zv::write_line(zv::szBufferDatiOut);
     return 0;
 }
 
@@ -60,7 +60,7 @@ int sign_request(const Request& request, const zv::RequestFile& file) {
     if (code != 0) return zv::fail("Funzione DoInitialize() error!", code);
     char line[320] = "Richiesta firma con chiave CKA_ID: ";
     zv::append_text(line, request.key_id);
-    scriviLog(line);
+    zv::write_line(line);
     const bool ours_before = file.is_ours();
     code = ours_before ? kvSignFile(request.key_id, "SHA256", zv::REQUEST_FILE, zv::SIGNED_FILE) : 0;
     if (code != 0) return zv::fail("Funzione kvSignFile() error!", code);
@@ -68,7 +68,7 @@ int sign_request(const Request& request, const zv::RequestFile& file) {
         kvFinalize();
         return lost_request_file();
     }
-    scriviLog("Funzione 'kvSignFile()' completata con successo");
+    zv::write_line("Funzione 'kvSignFile()' completata con successo");
     code = kvFinalize();
     return code == 0 ? 0 : zv::fail("Funzione DoFinalize() error!", code);
 }
@@ -108,8 +108,8 @@ int create_request(const Request& request, char* request_out) {
     char line[128] = "OUTPUT dalla funzione '";
     zv::append_text(line, request.function);
     zv::append_text(line, "':");
-    scriviLog(line);
-    scriviLog(result);
+    zv::write_line(line);
+    zv::write_line(result);
     zv::copy_text(request_out, ZV_REQUEST_SIZE, result);
     if (request_out != nullptr) request_out[ZV_REQUEST_SIZE - 1] = '\0';
     zv::trace_entry(request.function, "' corretamente Eseguita");

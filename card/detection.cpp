@@ -1,8 +1,8 @@
 #include "card/detection.h"
 
 #include "card/session.h"
+#include "diag/log.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "util/text.h"
 #include "zvCrypt.h"
 
@@ -38,7 +38,7 @@ int failed(const char* operation, int code) {
     char text[64] = "CheckSmartCard ";
     zv::append_text(text, operation);
     zv::append_text(text, " fallita");
-    scriviLog(text);
+    zv::write_line(text);
     return code;
 }
 
@@ -48,8 +48,8 @@ bool select_reader(const char* reader, char (&list)[ZVC_READER_LIST_SIZE]) {
     if (reader == nullptr && separator == nullptr) return false;
     if (separator != nullptr) *separator = '\0';
     zv::copy_text(zv::scReader, reader != nullptr ? reader : list);
-    scriviLog("Lettore selezionato:");
-    scriviLog(zv::scReader);
+    zv::write_line("Lettore selezionato:");
+    zv::write_line(zv::scReader);
     return true;
 }
 
@@ -81,8 +81,8 @@ int read_serial_number() {
     if (code != 0) return failed("kvCheckSmartCard", code);
     zv::szSerialNumber[sizeof zv::szSerialNumber - 1] = '\0';
     const int closed = kvFinalize();
-    scriviLog("Numero seriale smart card: ");
-    scriviLog(zv::szSerialNumber);
+    zv::write_line("Numero seriale smart card: ");
+    zv::write_line(zv::szSerialNumber);
     is1205SerialToken = serial_begins("1205");
     // Cards of this series are refused on purpose.
     return serial_begins("1201") ? UNSUPPORTED : closed;
@@ -99,8 +99,8 @@ int CheckSmartCard(bool& is_touch_sign, char* reader) {
     int code = kvGetReader(list);
     if (code != 0) return code;
     list[sizeof list - 1] = '\0';
-    scriviLog("Lista lettori:");
-    scriviLog(list);
+    zv::write_line("Lista lettori:");
+    zv::write_line(list);
     if (!select_reader(reader, list)) return 0;
 
     char module[ZVC_MODULE_NAME_SIZE] = {};
@@ -110,7 +110,7 @@ int CheckSmartCard(bool& is_touch_sign, char* reader) {
     if (kvIsCNSINCARD() != 0) zv::isCNS = true;
     if (kvIsTOUCHSIGN() != 0) is_touch_sign = true;
     select_module(module);
-    scriviLog(zv::Libreria);
+    zv::write_line(zv::Libreria);
 
     const unsigned found = getSlot(zv::scReader, zv::Libreria);
     if (found == zv::NO_SLOT) return failed("getSlot", -1);

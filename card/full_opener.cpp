@@ -1,10 +1,9 @@
 // inizializza: the opener that starts from nothing, takes a slot index and words its failures for the user.
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
 #include "diag/messages.h"
+#include "diag/report.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "util/numbers.h"
 #include "util/text.h"
 
@@ -32,7 +31,7 @@ int loading_failed() {
         "Errore nel caricamento della libreria di gestione della smartcard\n (error %s)";
     zv::Sentence sentence;
     (void)std::snprintf(sentence, sizeof sentence, format, zv::or_empty(::dlerror()));
-    WriteErr(FULL_TITLE, "LoadLibrary", 0, zv::with_hex("hModule = ", 0), 0);
+    zv::trace(FULL_TITLE, "LoadLibrary", zv::with_hex("hModule = ", 0));
     // The loader's text can be asked for once: the user's message has none.
     return zv::Failure(FULL_TITLE).user(format, ::dlerror()).sentence(sentence);
 }
@@ -69,7 +68,7 @@ bool stays_on(CK_SLOT_ID slot) {
 
 void trace_list(const CK_SLOT_ID* slots, CK_ULONG count) {
     const auto address = zv::with_hex("SlotList = ", reinterpret_cast<long>(slots));
-    WriteLog(FULL_TITLE, address, 0, zv::with_hex("Count = ", static_cast<long>(count)), 0);
+    zv::trace(FULL_TITLE, address, zv::with_hex("Count = ", static_cast<long>(count)));
     zv::trace(FULL_TITLE, "C_GetSlotList FALSE");
 }
 

@@ -1,6 +1,6 @@
 // __Initialize: the opener that takes a slot identifier as it is and reports raw results.
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "routines/card.h"
 #include "util/numbers.h"
 #include "util/text.h"

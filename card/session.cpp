@@ -1,8 +1,7 @@
 #include "card/session.h"
 
-#include "diag/log.h"
+#include "diag/report.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "util/numbers.h"
 
 #include <dlfcn.h>
@@ -72,7 +71,7 @@ void finalizza() {
     static constexpr char title[] = " .... Finalizza FUN                  .... ";
     const auto trace_state = [](const char* step) {
         const auto session = zv::with_hex("hSession = ", static_cast<long>(zv::hSession));
-        WriteLog(step, session, 0, zv::with_hex("hModule = ", reinterpret_cast<long>(zv::hModule)), 0);
+        zv::trace(step, session, zv::with_hex("hModule = ", reinterpret_cast<long>(zv::hModule)));
     };
     trace_state(title);
     if (zv::hSession != 0) {

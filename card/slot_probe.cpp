@@ -1,7 +1,7 @@
 // getSlot: asks a module which slot belongs to a reader, apart from the library's own session.
 #include "card/session.h"
+#include "diag/log.h"
 #include "routines/card.h"
-#include "routines/diag.h"
 #include "util/text.h"
 
 #include <dlfcn.h>
@@ -68,7 +68,7 @@ unsigned find_slot(const CK_FUNCTION_LIST& list, const char* reader) {
 unsigned int getSlot(char* reader_name, char* lib_path) {
     const Module module(zv::open_module(zv::or_empty(lib_path)));
     if (module == nullptr) {
-        scriviLog("getSlot dlopen fallita");
+        zv::write_line("getSlot dlopen fallita");
         return zv::NO_SLOT;
     }
     const CK_FUNCTION_LIST* list = zv::function_list_of(module.get());

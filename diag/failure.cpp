@@ -1,6 +1,6 @@
 #include "diag/failure.h"
 
-#include "diag/log.h"
+#include "diag/report.h"
 #include "util/text.h"
 
 #include <cstdio>

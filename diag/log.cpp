@@ -1,7 +1,7 @@
 #include "diag/log.h"
 
-#include "routines/diag.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 #include <fcntl.h>
 #include <pwd.h>
@@ -13,6 +13,8 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
+
+namespace zv {
 
 namespace {
 
@@ -38,8 +40,8 @@ File open_plain(const char* path, int flags, const char* mode) {
 // The log of an older version, or a copy, may be open to others. Once a path: a mode given later is the user's wish.
 void make_private(std::FILE* log) {
     static char done[PATH_LENGTH + 1];
-    if (std::strcmp(done, getLogPath()) == 0) return;
-    zv::copy_text(done, getLogPath());
+    if (std::strcmp(done, log_path()) == 0) return;
+    copy_text(done, log_path());
     [[maybe_unused]] const int made = ::fchmod(::fileno(log), 0600);
 }
 
@@ -47,9 +49,8 @@ void empty(std::FILE* file) {
     [[maybe_unused]] const int emptied = ::ftruncate(::fileno(file), 0);
 }
 
-// A log that cannot be opened or written stops nothing: there is nowhere to say so.
 File open_log() {
-    File log = open_plain(getLogPath(), O_RDWR | O_APPEND | O_CREAT, "a+");
+    File log = open_plain(log_path(), O_RDWR | O_APPEND | O_CREAT, "a+");
     if (log != nullptr) make_private(log.get());
     return log;
 }
@@ -64,8 +65,8 @@ template <std::size_t N> void format_time(char (&prefix)[N], const char* format)
 // What the log held is given up: the companion file is only ever created empty.
 void empty_log(std::FILE* log, const char* prefix) {
     char companion[PATH_LENGTH + 1] = {};
-    zv::copy_text(companion, PATH_LENGTH - 1, getLogPath());
-    zv::append_text(companion, ".1");
+    copy_text(companion, PATH_LENGTH - 1, log_path());
+    append_text(companion, ".1");
     const File beside = open_plain(companion, O_WRONLY | O_CREAT, "w");
     if (beside != nullptr) empty(beside.get());
     empty(log);
@@ -75,31 +76,32 @@ void empty_log(std::FILE* log, const char* prefix) {
         (void)std::fprintf(log, "%s%s\n", prefix, line);
 }
 
-void write_datum(std::FILE* log, const char* data, int length) {
-    if (data == nullptr && length == 0) return;
-    if (length == 0) (void)std::fputs(data, log);
-    if (length > 0 && data != nullptr) (void)std::fwrite(data, 1, static_cast<std::size_t>(length), log);
+void write_datum(std::FILE* log, const Datum& datum) {
+    if (!datum) return;
+    (void)std::fwrite(datum->data(), 1, datum->size(), log);
     (void)std::fputc('\n', log);
+}
+
+// Without a home there is no path, and nothing is logged.
+FixedText<PATH_LENGTH + 1> users_log() {
+    FixedText<PATH_LENGTH + 1> path;
+    const passwd* entry = ::getpwuid(::getuid());
+    const char* home = entry != nullptr ? entry->pw_dir : std::getenv("HOME");
+    if (home == nullptr) return path;
+    copy_text(path.text, home);
+    append_text(path.text, "/.trevallo");
+    append_text(path.text, "/zvRenew.log");
+    return path;
 }
 
 } // namespace
 
-char* getLogPath() {
-    static char path[PATH_LENGTH + 1];
-    static bool known = false;
-    if (known) return path;
-    known = true;
-    const passwd* entry = ::getpwuid(::getuid());
-    const char* home = entry != nullptr ? entry->pw_dir : std::getenv("HOME");
-    // Without a home there is no path, and nothing is logged.
-    if (home == nullptr) return path;
-    zv::copy_text(path, home);
-    zv::append_text(path, "/.trevallo");
-    zv::append_text(path, "/zvRenew.log");
-    return path;
+char* log_path() {
+    static FixedText<PATH_LENGTH + 1> path = users_log();
+    return path.text;
 }
 
-void scriviLog(const char* message) {
+void write_line(const char* message) {
     char prefix[256] = {};
     format_time(prefix, "[%d %b %Y %H:%M:%S]: ");
     const File log = open_log();
@@ -110,16 +112,14 @@ void scriviLog(const char* message) {
     (void)std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
 }
 
-void WriteLog(const char* title, const char* data1, int len1, const char* data2, int len2) {
+void write_entry(const char* title, Datum first, Datum second) {
     char prefix[255] = {};
     format_time(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
     const File log = open_log();
     if (log == nullptr) return;
-    (void)std::fprintf(log.get(), "%s%s\n", prefix, zv::or_empty(title));
-    write_datum(log.get(), data1, len1);
-    write_datum(log.get(), data2, len2);
+    (void)std::fprintf(log.get(), "%s%s\n", prefix, or_empty(title));
+    write_datum(log.get(), first);
+    write_datum(log.get(), second);
 }
 
-void WriteErr(const char* title, const char* data1, int len1, const char* data2, int len2) {
-    WriteLog(title, data1, len1, data2, len2);
-}
+} // namespace zv

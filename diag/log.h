@@ -1,41 +1,22 @@
 #pragma once
 
-#include "pkcs11.h"
+#include <optional>
+#include <string_view>
 
-#include <cstddef>
-
-// The forms in which steps and failures stand in the log.
+// The user's log. A log that cannot be opened or written stops nothing: there is nowhere to say so.
 namespace zv {
 
-// Characters of a sentence for a person.
-constexpr std::size_t SENTENCE_SIZE = 1536;
-using Sentence = char[SENTENCE_SIZE];
+// Where the log is, 512 characters at most; empty without a home directory: nothing is then logged. Made on the first call; what a caller writes
+// there counts from then on.
+[[nodiscard]] char* log_path();
 
-// Logs a step with an empty datum.
-void trace(const char* title, const char* step);
+// Appends a line; null and empty become a word. Empties a log that has grown too long first.
+void write_line(const char* message);
 
-// Logs a step with one datum.
-void trace(const char* title, const char* step, const char* datum);
+// Of an entry's bytes: a line. Nothing: not even a line end.
+using Datum = std::optional<std::string_view>;
 
-// Logs a step with "hSession = " and the session.
-void trace_session(const char* title, const char* step, CK_SESSION_HANDLE session);
-
-// Logs an object's handle behind the word "hObject", and how many objects were found.
-void trace_found(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count);
-
-// Logs a failed step with "Errore = " and the code.
-void report_code(const char* title, const char* step, CK_RV code);
-
-// Logs a sentence for a person as it is.
-void report_sentence(const char* sentence);
-
-// Logs a sentence whose "%s" takes the message of the code.
-void report_sentence(const char* format, CK_RV code);
-
-// report_code, then report_sentence.
-void report_failure(const char* title, const char* step, CK_RV code, const char* format);
-
-// Logs that a guard stopped what was asked for, and why.
-void report_not_sent(const char* reason);
+// Appends a title and two data; null is an empty title. Never empties the log.
+void write_entry(const char* title, Datum first, Datum second);
 
 } // namespace zv

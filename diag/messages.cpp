@@ -127,12 +127,12 @@ constexpr Message MESSAGES[] = {
 
 } // namespace
 
-void loadErrorCodes() {
-    for (const Message& message : MESSAGES)
-        zv::copy_text(errorMessages[message.code], message.text);
-}
-
 namespace zv {
+
+void load_messages() {
+    for (const Message& message : MESSAGES)
+        copy_text(errorMessages[message.code], message.text);
+}
 
 const char* error_message(CK_RV code) {
     return code < std::size(errorMessages) ? errorMessages[code] : "";

@@ -4,7 +4,10 @@
 
 namespace zv {
 
-// The Italian text of a PKCS#11 result; empty for a code outside the table and before loadErrorCodes.
+// Fills errorMessages.
+void load_messages();
+
+// The Italian text of a PKCS#11 result; empty for a code outside the table and before load_messages.
 [[nodiscard]] const char* error_message(CK_RV code);
 
 } // namespace zv

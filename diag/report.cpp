@@ -1,6 +1,7 @@
+#include "diag/report.h"
+
 #include "diag/log.h"
 #include "diag/messages.h"
-#include "routines/diag.h"
 #include "util/numbers.h"
 #include "util/text.h"
 
@@ -8,16 +9,20 @@
 
 namespace zv {
 
-void trace(const char* title, const char* step) {
-    WriteLog(title, step, 0, "", 0);
+namespace {
+
+Datum whole(const char* text) {
+    return text != nullptr ? Datum(text) : std::nullopt;
 }
 
+} // namespace
+
 void trace(const char* title, const char* step, const char* datum) {
-    WriteLog(title, step, 0, datum, 0);
+    write_entry(title, whole(step), whole(datum));
 }
 
 void trace_session(const char* title, const char* step, CK_SESSION_HANDLE session) {
-    WriteLog(title, step, 0, with_hex("hSession = ", static_cast<long>(session)), 0);
+    trace(title, step, with_hex("hSession = ", static_cast<long>(session)));
 }
 
 void trace_found(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
@@ -26,11 +31,11 @@ void trace_found(const char* title, CK_OBJECT_HANDLE object, CK_ULONG count) {
 }
 
 void report_code(const char* title, const char* step, CK_RV code) {
-    WriteErr(title, step, 0, with_hex("Errore = ", static_cast<long>(code)), 0);
+    trace(title, step, with_hex("Errore = ", static_cast<long>(code)));
 }
 
 void report_sentence(const char* sentence) {
-    WriteErr("Messaggio di Errore", sentence, 0, "", 0);
+    trace("Messaggio di Errore", sentence);
 }
 
 void report_sentence(const char* format, CK_RV code) {
@@ -47,7 +52,7 @@ void report_failure(const char* title, const char* step, CK_RV code, const char*
 void report_not_sent(const char* reason) {
     char line[640] = "Operazione non inviata: ";
     append_text(line, reason);
-    scriviLog(line);
+    write_line(line);
 }
 
 } // namespace zv

@@ -2,14 +2,14 @@
 
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
 #include "diag/messages.h"
+#include "diag/report.h"
 #include "install/certificate_object.h"
 #include "install/label.h"
-#include "routines/diag.h"
 #include "store/marker.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
+#include "zvRenew.h"
 
 #include <cstdio>
 
@@ -56,8 +56,8 @@ int zv::install_user_certificate(std::span<unsigned char> der, const char* label
     case Match::unreadable:
         return undone(label, module_path, "");
     case Match::no:
-        WriteErr(USER_TITLE, "C_CreateObject", 0,
-                 "Certificato non corrispondente alle chiavi presenti sulla smartcard", 0);
+        zv::trace(USER_TITLE, "C_CreateObject",
+                  "Certificato non corrispondente alle chiavi presenti sulla smartcard");
         return undone(label, module_path,
                       "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }

@@ -1,7 +1,7 @@
 #include "install/certificate_object.h"
 
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "install/label.h"
 #include "util/text.h"
 #include "zvCrypt.h"

@@ -1,7 +1,7 @@
 #include "install/certificate_text.h"
 
 #include "diag/log.h"
-#include "routines/diag.h"
+#include "diag/report.h"
 #include "util/numbers.h"
 
 #include <algorithm>
@@ -76,7 +76,7 @@ int zv::decode_certificate(char* pem, char* der) {
         for (int i = 0; i < bytes; ++i)
             der[total++] = static_cast<char>(value >> (16 - 8 * i));
     }
-    WriteLog(TEXT_TITLE, zv::with_decimal("dimensione = ", total), 0, der, DER_SIZE);
+    write_entry(TEXT_TITLE, with_decimal("dimensione = ", total).text, std::string_view(der, DER_SIZE));
     trace(TEXT_TITLE, "F I N E");
     return total;
 }

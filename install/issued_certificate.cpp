@@ -1,13 +1,14 @@
 #include "install/issued_certificate.h"
 
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "install/certificate.h"
 #include "install/label.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "util/numbers.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 namespace {
 

@@ -2,13 +2,14 @@
 
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
 #include "util/numbers.h"
 #include "util/text.h"
 #include "util/trim.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,6 @@
 // The inventory of a card that is not a services card.
-#include "diag/log.h"
+#include "diag/report.h"
 #include "inventory/inventory.h"
-#include "routines/diag.h"
 #include "store/renewal_state.h"
 #include "util/guarded.h"
 #include "util/numbers.h"
@@ -26,8 +25,7 @@ void log_call(const char* name, CK_RV result) {
                     {"C_FindObjects", "Find Objects: "},
                     {"C_FindObjectsFinal", "Find Objects Final: "}};
     for (const auto& [call, text] : failures)
-        if (std::strcmp(call, name) == 0)
-            WriteErr(name, text, 0, with_hex("Errore = ", static_cast<int>(result)), 0);
+        if (std::strcmp(call, name) == 0) trace(name, text, with_hex("Errore = ", static_cast<int>(result)));
 }
 
 constexpr SearchLog INVENTORY_LOG = {

@@ -1,6 +1,6 @@
 #include "inventory/card_state.h"
 
-#include "diag/log.h"
+#include "diag/report.h"
 #include "util/numbers.h"
 #include "util/text.h"
 

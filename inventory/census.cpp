@@ -1,7 +1,7 @@
 #include "inventory/census.h"
 
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"

@@ -1,5 +1,5 @@
 // What a services card holds for a renewal.
-#include "diag/log.h"
+#include "diag/report.h"
 #include "inventory/card_state.h"
 #include "util/text.h"
 #include "util/trim.h"

@@ -1,6 +1,6 @@
 // The census, what it leads to, and the choice of the request.
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "inventory/census.h"
 #include "kinds.h"
 #include "request/request.h"

@@ -2,7 +2,7 @@
 
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "request/sign.h"
 #include "routines/card.h"
 #include "store/pending_pair.h"

@@ -2,7 +2,7 @@
 #include "request/request.h"
 
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "request/key_pair.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"

@@ -1,7 +1,7 @@
 // The request of a services card, for the pair that it was made with.
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "inventory/identifiers.h"
 #include "request/request.h"
 #include "store/marker.h"

@@ -2,7 +2,7 @@
 
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "request/der.h"
 #include "zvCrypt.h"
 

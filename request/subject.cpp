@@ -1,6 +1,6 @@
 #include "request/subject.h"
 
-#include "diag/log.h"
+#include "diag/report.h"
 #include "util/text.h"
 
 namespace zv {

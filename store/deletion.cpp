@@ -2,11 +2,12 @@
 
 #include "card/session.h"
 #include "diag/log.h"
-#include "routines/diag.h"
+#include "diag/report.h"
 #include "store/objects.h"
 #include "store/traced.h"
 #include "util/numbers.h"
 #include "util/text.h"
+#include "zvConstants.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -26,15 +27,17 @@ struct ObjectEntry {
         static constexpr const char* names[] = {"CKO_CERTIFICATE", "CKO_PUBLIC_KEY", "CKO_PRIVATE_KEY"};
         const bool known = object_class >= CKO_CERTIFICATE && object_class <= CKO_PRIVATE_KEY;
         const char* name = known ? names[object_class - CKO_CERTIFICATE] : "object_class";
-        const int written = std::snprintf(text, sizeof text, "%s%s%s", before, name, after);
-        if (!known) length = static_cast<int>(std::min(object_class, static_cast<CK_ULONG>(written)));
+        length = static_cast<std::size_t>(std::snprintf(text, sizeof text, "%s%s%s", before, name, after));
+        if (!known && object_class != 0) length = std::min(length, static_cast<std::size_t>(object_class));
     }
+    [[nodiscard]] std::string_view shown() const { return {text, length}; }
+
     char text[96];
-    int length = 0;
+    std::size_t length = 0;
 };
 
 void log_entry(const ObjectEntry& entry) {
-    WriteLog(DELETION_TITLE, entry.text, entry.length, "", 0);
+    zv::write_entry(DELETION_TITLE, entry.shown(), "");
 }
 
 // A failed destroy never stops the scan.
@@ -44,11 +47,11 @@ void destroy(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_OBJECT_CLASS
     if (zv::destroy_object(session, object) == CKR_OK)
         return log_entry({"Cancellazione Oggetto ", object_class, " effettuata"});
     const ObjectEntry failed("Errore nella cancellazione Oggetto ", object_class);
-    WriteErr(DELETION_TITLE, failed.text, failed.length, zv::join("Label = ", text), 0);
+    zv::write_entry(DELETION_TITLE, failed.shown(), zv::join("Label = ", text).text);
 }
 
 void report_not_deleted(const char* title, const char* text) {
-    WriteErr(title, "Errore nella cancellazione", 0, zv::join("Label = ", text), 0);
+    zv::trace(title, "Errore nella cancellazione", zv::join("Label = ", text));
 }
 
 void log_found(const zv::SearchCall& call) {

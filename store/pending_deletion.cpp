@@ -2,7 +2,7 @@
 #include "store/pending_deletion.h"
 
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "routines/card.h"
 #include "store/deletion.h"
 #include "store/objects.h"

@@ -1,8 +1,7 @@
 #include "store/pending_pair.h"
 
 #include "card/session.h"
-#include "diag/log.h"
-#include "routines/diag.h"
+#include "diag/report.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
 #include "store/walk.h"
@@ -28,7 +27,7 @@ void report_no_key() {
 zv::Visit take_if_pending(CK_OBJECT_HANDLE object, CK_OBJECT_HANDLE& pending, char (&id)[256],
                           const char* read_error) {
     if (zv::read_text(zv::hSession, object, CKA_ID, id) != CKR_OK) return unreadable(read_error);
-    WriteLog(PENDING_TITLE, zv::join("Label = ", zv::pendingLabel), 0, id, 0);
+    zv::trace(PENDING_TITLE, zv::join("Label = ", zv::pendingLabel), id);
     if (std::strstr(id, zv::pendingLabel) != nullptr) pending = object;
     return zv::Visit::go_on;
 }

@@ -1,7 +1,7 @@
 #include "store/traced.h"
 
 #include "card/session.h"
-#include "diag/log.h"
+#include "diag/report.h"
 #include "store/objects.h"
 #include "util/numbers.h"
 
