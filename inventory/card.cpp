@@ -12,7 +12,7 @@ namespace zv {
 
 namespace {
 
-constexpr std::size_t AUTHORITY_LABEL_LENGTH = 20;
+constexpr std::size_t AUTHORITY_LABEL_LENGTH = sizeof ZV_AUTHORITY_ID - 1;
 
 void log_call(const char* name, CK_RV result) {
     if (result == CKR_OK) return trace(name, "OK");
