@@ -33,8 +33,8 @@ bool may_be_backup(const fs::directory_entry& entry) {
 
 std::string Backup::text() const {
     std::string all = heading + "\n";
-    for (const Block& block : blocks)
-        all += pem_of(block);
+    for (const ossl::PemBlock& block : blocks)
+        all += ossl::pem_text(block);
     return all;
 }
 
@@ -48,13 +48,13 @@ Bytes Backup::certificate() const {
 }
 
 bool Backup::has_key(const Bytes& modulus) const {
-    return std::any_of(blocks.begin(), blocks.end(), [&](const Block& block) {
+    return std::any_of(blocks.begin(), blocks.end(), [&](const ossl::PemBlock& block) {
         return block.name == "PUBLIC KEY" && modulus_of_public_key(bytes_of(block.der)) == modulus;
     });
 }
 
 bool Backup::covers(const Backup& other) const {
-    return std::all_of(other.blocks.begin(), other.blocks.end(), [&](const Block& block) {
+    return std::all_of(other.blocks.begin(), other.blocks.end(), [&](const ossl::PemBlock& block) {
         return std::find(blocks.begin(), blocks.end(), block) != blocks.end();
     });
 }
@@ -75,7 +75,7 @@ std::optional<Backup> read_backup(const std::string& file) {
     std::string text(LARGEST_BACKUP, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
-    backup.blocks = pem_blocks(text);
+    backup.blocks = ossl::pem_blocks(text);
     return backup;
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/card_view.h"
 #include "cli/key_material.h"
+#include "ossl/pem_blocks.h"
 
 #include <optional>
 #include <string>
@@ -15,7 +16,7 @@ namespace cli {
 struct Backup {
     std::string file;
     std::string heading; // says which card and which identifier
-    std::vector<Block> blocks;
+    std::vector<ossl::PemBlock> blocks;
 
     [[nodiscard]] std::string text() const;
     void add(const char* name, const Bytes& der);

@@ -2,16 +2,14 @@
 
 #include "cli/outcome.h"
 #include "lenient/mended.h"
+#include "ossl/owners.h"
+#include "ossl/pem_blocks.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
 #include <fmt/format.h>
-#include <openssl/bio.h>
-#include <openssl/cms.h>
 #include <openssl/core_names.h>
 #include <openssl/err.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -24,25 +22,8 @@ namespace {
 
 constexpr std::size_t LARGEST_FILE = std::size_t{1024} * 1024;
 
-template <auto Free> struct Freer {
-    template <class T> void operator()(T* object) const { Free(object); }
-};
-using Bio = std::unique_ptr<BIO, Freer<BIO_free>>;
-using Message = std::unique_ptr<CMS_ContentInfo, Freer<CMS_ContentInfo_free>>;
-using Request = std::unique_ptr<X509_REQ, Freer<X509_REQ_free>>;
-
-Bio reading(std::string_view text) {
-    return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
-}
-
-std::string written(BIO& memory) {
-    char* text = nullptr;
-    const long length = BIO_get_mem_data(&memory, &text);
-    return length > 0 ? std::string(text, static_cast<std::size_t>(length)) : std::string();
-}
-
 std::string from_base64(const std::string& text) {
-    const std::unique_ptr<EVP_ENCODE_CTX, Freer<EVP_ENCODE_CTX_free>> decoder(EVP_ENCODE_CTX_new());
+    const ossl::Owner<EVP_ENCODE_CTX, EVP_ENCODE_CTX_free> decoder(EVP_ENCODE_CTX_new());
     std::string out(text.size() + 3, '\0');
     auto* to = reinterpret_cast<unsigned char*>(out.data());
     const auto* from = reinterpret_cast<const unsigned char*>(text.data());
@@ -56,8 +37,8 @@ std::string from_base64(const std::string& text) {
 }
 
 // The blocks of a file: framed ones, else the file itself as DER, or what it is in base64.
-std::vector<Block> blocks_of(const std::string& text) {
-    if (auto framed = pem_blocks(text); !framed.empty()) return framed;
+std::vector<ossl::PemBlock> blocks_of(const std::string& text) {
+    if (auto framed = ossl::pem_blocks(text); !framed.empty()) return framed;
     constexpr char sequence = 0x30;
     if (!text.empty() && text.front() == sequence && text.find('\0') != std::string::npos)
         return {{{}, text}};
@@ -65,10 +46,10 @@ std::vector<Block> blocks_of(const std::string& text) {
     return {{{}, text}};
 }
 
-Message message_in(const std::string& der) {
+ossl::Message message_in(const std::string& der) {
     const Bytes readable = lenient::mended({reinterpret_cast<const unsigned char*>(der.data()), der.size()});
-    const Bio bio(BIO_new_mem_buf(readable.data(), static_cast<int>(readable.size())));
-    Message message(d2i_CMS_bio(bio.get(), nullptr));
+    const ossl::Bio bio(BIO_new_mem_buf(readable.data(), static_cast<int>(readable.size())));
+    ossl::Message message(d2i_CMS_bio(bio.get(), nullptr));
     ERR_clear_error();
     return message;
 }
@@ -87,16 +68,16 @@ Certificate original(X509& copy, const std::string& message) {
     return certificate_from({at, at + static_cast<std::ptrdiff_t>(bytes.size())});
 }
 
-void add_certificates(const Block& block, std::vector<Certificate>& found) {
+void add_certificates(const ossl::PemBlock& block, std::vector<Certificate>& found) {
     if (Certificate single = certificate_from({block.der.begin(), block.der.end()})) {
         found.push_back(std::move(single));
         return;
     }
-    const Message message = message_in(block.der);
-    STACK_OF(X509)* bundle = message ? CMS_get1_certs(message.get()) : nullptr;
-    for (int i = 0; i < sk_X509_num(bundle); ++i)
-        if (Certificate one = original(*sk_X509_value(bundle, i), block.der)) found.push_back(std::move(one));
-    sk_X509_pop_free(bundle, X509_free);
+    const ossl::Message message = message_in(block.der);
+    const ossl::Certificates bundle(message ? CMS_get1_certs(message.get()) : nullptr);
+    for (int i = 0; i < sk_X509_num(bundle.get()); ++i)
+        if (Certificate one = original(*sk_X509_value(bundle.get(), i), block.der))
+            found.push_back(std::move(one));
     ERR_clear_error();
 }
 
@@ -106,21 +87,21 @@ Bytes modulus_of_key(EVP_PKEY* key) {
         ERR_clear_error();
         return {};
     }
+    const ossl::BigNumber owned(number);
     Bytes modulus(static_cast<std::size_t>(BN_num_bytes(number)));
     BN_bn2bin(number, modulus.data());
-    BN_free(number);
     return modulus;
 }
 
 Bytes modulus_of_bare_request(const std::string& der) {
     const auto* at = reinterpret_cast<const unsigned char*>(der.data());
-    const Request request(d2i_X509_REQ(nullptr, &at, static_cast<long>(der.size())));
+    const ossl::Request request(d2i_X509_REQ(nullptr, &at, static_cast<long>(der.size())));
     ERR_clear_error();
     return request ? modulus_of_key(X509_REQ_get0_pubkey(request.get())) : Bytes();
 }
 
 std::string content_of(const std::string& der) {
-    const Message message = message_in(der);
+    const ossl::Message message = message_in(der);
     ASN1_OCTET_STRING** content = message ? CMS_get0_content(message.get()) : nullptr;
     if (content == nullptr || *content == nullptr) return {};
     return {reinterpret_cast<const char*>(ASN1_STRING_get0_data(*content)),
@@ -144,7 +125,7 @@ std::string read_file(const std::string& path, const char* what) {
 
 std::vector<Certificate> certificates_in_file(const std::string& path) {
     std::vector<Certificate> found;
-    for (const Block& block : blocks_of(read_file(path, "The file")))
+    for (const ossl::PemBlock& block : blocks_of(read_file(path, "The file")))
         add_certificates(block, found);
     if (found.empty()) throw Stop(Exit::refused, fmt::format("There is no certificate in {}.", path));
     return found;
@@ -160,21 +141,21 @@ Certificate certificate_from(const Bytes& der) {
 }
 
 Bytes modulus_of_request(const std::string& request) {
-    for (const Block& block : blocks_of(request)) {
+    for (const ossl::PemBlock& block : blocks_of(request)) {
         if (Bytes bare = modulus_of_bare_request(block.der); !bare.empty()) return bare;
-        for (const Block& inner : pem_blocks(content_of(block.der)))
+        for (const ossl::PemBlock& inner : ossl::pem_blocks(content_of(block.der)))
             if (Bytes wrapped = modulus_of_bare_request(inner.der); !wrapped.empty()) return wrapped;
     }
     return {};
 }
 
 bool is_request(const std::string& text) {
-    return pem_blocks(text).size() < 2 && !modulus_of_request(text).empty();
+    return ossl::pem_blocks(text).size() < 2 && !modulus_of_request(text).empty();
 }
 
 Bytes signer_of_request(const std::string& request) {
-    for (const Block& block : blocks_of(request)) {
-        const Message message = message_in(block.der);
+    for (const ossl::PemBlock& block : blocks_of(request)) {
+        const ossl::Message message = message_in(block.der);
         STACK_OF(CMS_SignerInfo)* signers = message ? CMS_get0_SignerInfos(message.get()) : nullptr;
         std::vector<Certificate> held;
         add_certificates(block, held);
@@ -188,30 +169,6 @@ Bytes signer_of_request(const std::string& request) {
 
 Bytes modulus_of(X509& certificate) {
     return modulus_of_key(X509_get0_pubkey(&certificate));
-}
-
-std::vector<Block> pem_blocks(const std::string& text) {
-    std::vector<Block> blocks;
-    const Bio bio = reading(text);
-    char* name = nullptr;
-    char* header = nullptr;
-    unsigned char* data = nullptr;
-    long length = 0;
-    while (PEM_read_bio(bio.get(), &name, &header, &data, &length) == 1) {
-        blocks.push_back({name, {reinterpret_cast<char*>(data), static_cast<std::size_t>(length)}});
-        OPENSSL_free(name);
-        OPENSSL_free(header);
-        OPENSSL_free(data);
-    }
-    ERR_clear_error();
-    return blocks;
-}
-
-std::string pem_of(const Block& block) {
-    const Bio bio(BIO_new(BIO_s_mem()));
-    PEM_write_bio(bio.get(), block.name.c_str(), "", reinterpret_cast<const unsigned char*>(block.der.data()),
-                  static_cast<long>(block.der.size()));
-    return written(*bio);
 }
 
 Bytes without_padding(const Bytes& stored) {

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "cli/module.h"
+#include "ossl/owners.h"
 
-#include <openssl/x509.h>
-
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,11 +22,8 @@ class Certificate {
     [[nodiscard]] X509& operator*() const { return *read_; }
 
   private:
-    struct Free {
-        void operator()(X509* certificate) const { X509_free(certificate); }
-    };
     Bytes der_;
-    std::unique_ptr<X509, Free> read_;
+    ossl::Certificate read_;
 };
 
 // Reads every certificate of a file: PEM (certificates, PKCS#7 bundles), DER of either, or base64 of that DER
@@ -54,16 +49,6 @@ class Certificate {
 
 // The certificate of whoever signed what the request command saves, DER; empty when it is not in there.
 [[nodiscard]] Bytes signer_of_request(const std::string& request);
-
-// One block of a file: what its frame calls it (empty without a frame) and its DER.
-struct Block {
-    std::string name;
-    std::string der;
-
-    [[nodiscard]] bool operator==(const Block&) const = default;
-};
-[[nodiscard]] std::vector<Block> pem_blocks(const std::string& text);
-[[nodiscard]] std::string pem_of(const Block& block);
 
 // Cuts off what pads a stored certificate; empty when it is not even DER.
 [[nodiscard]] Bytes without_padding(const Bytes& stored);

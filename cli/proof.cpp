@@ -2,15 +2,14 @@
 
 #include "cli/advice.h"
 #include "cli/outcome.h"
+#include "ossl/owners.h"
 
 #include <fmt/format.h>
 #include <openssl/err.h>
-#include <openssl/evp.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace cli {
 namespace {
@@ -34,7 +33,7 @@ Bytes digest_info(const Challenge& message) {
 }
 
 bool verifies(X509& certificate, const Challenge& message, const Bytes& signature) {
-    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    const ossl::DigestContext context(EVP_MD_CTX_new());
     const bool right = EVP_DigestVerifyInit(context.get(), nullptr, EVP_sha256(), nullptr,
                                             X509_get0_pubkey(&certificate)) == 1 &&
                        EVP_DigestVerify(context.get(), signature.data(), signature.size(), message.data(),

@@ -1,48 +1,38 @@
 #include "cli/public_key.h"
 
-#include <openssl/bn.h>
+#include "ossl/owners.h"
+
 #include <openssl/core_names.h>
 #include <openssl/err.h>
-#include <openssl/evp.h>
 #include <openssl/param_build.h>
-#include <openssl/x509.h>
 
 #include <algorithm>
-#include <memory>
 
 namespace cli {
 namespace {
 
-template <auto Free> struct KeyFreer {
-    template <class T> void operator()(T* object) const { Free(object); }
-};
-using Number = std::unique_ptr<BIGNUM, KeyFreer<BN_free>>;
-using PublicKey = std::unique_ptr<EVP_PKEY, KeyFreer<EVP_PKEY_free>>;
-
-Number number_of(const Bytes& bytes) {
-    return Number(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
+ossl::BigNumber number_of(const Bytes& bytes) {
+    return ossl::BigNumber(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr));
 }
 
-PublicKey rsa_key(const BIGNUM& modulus, const BIGNUM& exponent) {
-    const std::unique_ptr<OSSL_PARAM_BLD, KeyFreer<OSSL_PARAM_BLD_free>> builder(OSSL_PARAM_BLD_new());
+ossl::Key rsa_key(const BIGNUM& modulus, const BIGNUM& exponent) {
+    const ossl::Owner<OSSL_PARAM_BLD, OSSL_PARAM_BLD_free> builder(OSSL_PARAM_BLD_new());
     OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_N, &modulus);
     OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_RSA_E, &exponent);
-    const std::unique_ptr<OSSL_PARAM, KeyFreer<OSSL_PARAM_free>> parameters(
-        OSSL_PARAM_BLD_to_param(builder.get()));
-    const std::unique_ptr<EVP_PKEY_CTX, KeyFreer<EVP_PKEY_CTX_free>> context(
-        EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
+    const ossl::Owner<OSSL_PARAM, OSSL_PARAM_free> parameters(OSSL_PARAM_BLD_to_param(builder.get()));
+    const ossl::KeyContext context(EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr));
     EVP_PKEY* key = nullptr;
     if (EVP_PKEY_fromdata_init(context.get()) == 1)
         EVP_PKEY_fromdata(context.get(), &key, EVP_PKEY_PUBLIC_KEY, parameters.get());
     ERR_clear_error();
-    return PublicKey(key);
+    return ossl::Key(key);
 }
 
 } // namespace
 
 Bytes public_key_of(const Bytes& modulus, const Bytes& exponent) {
     if (modulus.empty() || exponent.empty()) return {};
-    const PublicKey key = rsa_key(*number_of(modulus), *number_of(exponent));
+    const ossl::Key key = rsa_key(*number_of(modulus), *number_of(exponent));
     unsigned char* data = nullptr;
     const int length = key ? i2d_PUBKEY(key.get(), &data) : 0;
     Bytes der(data, data + std::max(length, 0));
@@ -52,11 +42,11 @@ Bytes public_key_of(const Bytes& modulus, const Bytes& exponent) {
 
 Bytes modulus_of_public_key(const Bytes& der) {
     const unsigned char* at = der.data();
-    const PublicKey key(d2i_PUBKEY(nullptr, &at, static_cast<long>(der.size())));
+    const ossl::Key key(d2i_PUBKEY(nullptr, &at, static_cast<long>(der.size())));
     BIGNUM* number = nullptr;
     if (key) EVP_PKEY_get_bn_param(key.get(), OSSL_PKEY_PARAM_RSA_N, &number);
     ERR_clear_error();
-    const Number modulus(number);
+    const ossl::BigNumber modulus(number);
     if (!modulus) return {};
     Bytes bytes(static_cast<std::size_t>(BN_num_bytes(modulus.get())));
     BN_bn2bin(modulus.get(), bytes.data());

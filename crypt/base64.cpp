@@ -2,6 +2,8 @@
 
 #include "crypt/failure.h"
 
+#include <openssl/evp.h>
+
 namespace zvcrypt {
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "crypt/failure.h"
 #include "lenient/mended.h"
+#include "ossl/owners.h"
 
 #include <algorithm>
 
@@ -18,9 +19,9 @@ bool starts_as_certificate(const Bytes& der) {
 }
 
 // Null when the bytes do not start as such a bundle.
-CmsPtr read_only_bundle(const Bytes& der) {
+ossl::Message read_only_bundle(const Bytes& der) {
     const unsigned char* end = der.data();
-    CmsPtr bundle(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
+    ossl::Message bundle(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
     if (!bundle || OBJ_obj2nid(CMS_get0_type(bundle.get())) != NID_pkcs7_signed) return nullptr;
     if (end != der.data() + der.size())
         throw Failure(ZVC_ERR_TEXT_FORM, "La busta PKCS#7 dei certificati è seguita da altri dati");
@@ -30,7 +31,7 @@ CmsPtr read_only_bundle(const Bytes& der) {
 // A copy that OpenSSL has is that of the readable bytes; of those the certificate's own stand at the same place.
 void add_certificates_of(CMS_ContentInfo& bundle, const Bytes& der, const Bytes& readable,
                          std::vector<Certificate>& certificates) {
-    const X509StackPtr stack(CMS_get1_certs(&bundle));
+    const ossl::Certificates stack(CMS_get1_certs(&bundle));
     for (int i = 0; i < sk_X509_num(stack.get()); ++i) {
         const Bytes copy = der::encoded(i2d_X509, static_cast<const X509*>(sk_X509_value(stack.get(), i)));
         const auto found = std::search(readable.begin(), readable.end(), copy.begin(), copy.end());
@@ -68,7 +69,7 @@ void add_certificate(const Bytes& der, std::vector<Certificate>& certificates) {
 void add_trusted_certificate(const Bytes& der, std::vector<Certificate>& certificates) {
     const Bytes readable = lenient::mended(der);
     const unsigned char* end = readable.data();
-    const X509Ptr certificate(d2i_X509_AUX(nullptr, &end, static_cast<long>(readable.size())));
+    const ossl::Certificate certificate(d2i_X509_AUX(nullptr, &end, static_cast<long>(readable.size())));
     if (!certificate || end != readable.data() + readable.size())
         throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Il certificato di tipo TRUSTED non è leggibile");
     certificates.push_back(require_certificate(der));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "crypt/openssl_ptr.h"
+#include "crypt/bytes.h"
 #include "crypt/session.h"
 
 namespace zvcrypt {

@@ -6,13 +6,13 @@
 namespace zvcrypt {
 namespace {
 
-using AnyPtr = OpensslPtr<ASN1_TYPE, ASN1_TYPE_free>;
+using AnyPtr = ossl::Owner<ASN1_TYPE, ASN1_TYPE_free>;
 
 Certificate parsed(der::Span whole) {
     const Bytes readable = lenient::mended(whole);
     const unsigned char* end = readable.data();
     return {Bytes(whole.begin(), whole.end()),
-            X509Ptr(d2i_X509(nullptr, &end, static_cast<long>(readable.size())))};
+            ossl::Certificate(d2i_X509(nullptr, &end, static_cast<long>(readable.size())))};
 }
 
 // What is signed is the bytes that were issued.

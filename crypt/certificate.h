@@ -1,7 +1,8 @@
 #pragma once
 
+#include "crypt/bytes.h"
 #include "crypt/certificate_parts.h"
-#include "crypt/openssl_ptr.h"
+#include "ossl/owners.h"
 
 #include <span>
 
@@ -11,7 +12,7 @@ namespace zvcrypt {
 // those that OpenSSL refuses it has others.
 struct Certificate {
     Bytes der;
-    X509Ptr x509; // null for none
+    ossl::Certificate x509; // null for none
 
     [[nodiscard]] explicit operator bool() const noexcept { return x509 != nullptr; }
     [[nodiscard]] CertificateParts parts() const { return take_apart(der); }

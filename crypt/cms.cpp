@@ -2,6 +2,7 @@
 
 #include "crypt/der.h"
 #include "crypt/failure.h"
+#include "ossl/owners.h"
 
 namespace zvcrypt {
 namespace {
@@ -27,7 +28,7 @@ Bytes digest_algorithm(const HashAlgorithm& hash) {
 
 // UTCTime up to 2049, GeneralizedTime from then on: RFC 5652, section 11.3.
 Bytes time_value(std::time_t time) {
-    const TimePtr encoded_time(ASN1_TIME_set(nullptr, time));
+    const ossl::Time encoded_time(ASN1_TIME_set(nullptr, time));
     if (!encoded_time) throw Failure(ZVC_ERR_INTERNAL, "L'ora del sistema non è utilizzabile");
     return der::encoded(i2d_ASN1_TIME, static_cast<const ASN1_TIME*>(encoded_time.get()));
 }

@@ -2,6 +2,7 @@
 #include "crypt/failure.h"
 #include "crypt/name.h"
 #include "crypt/text.h"
+#include "ossl/owners.h"
 
 #include <cstdio>
 #include <ctime>
@@ -11,7 +12,7 @@ namespace {
 
 std::string date_text(der::Span encoded) {
     const unsigned char* end = encoded.data();
-    const TimePtr time(d2i_ASN1_TIME(nullptr, &end, static_cast<long>(encoded.size())));
+    const ossl::Time time(d2i_ASN1_TIME(nullptr, &end, static_cast<long>(encoded.size())));
     std::tm parts{};
     if (!time || ASN1_TIME_to_tm(time.get(), &parts) != 1)
         throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Le date del certificato non sono leggibili");

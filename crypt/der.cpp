@@ -1,5 +1,7 @@
 #include "crypt/der.h"
 
+#include <openssl/objects.h>
+
 #include <algorithm>
 
 namespace zvcrypt::der {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "crypt/bytes.h"
 #include "crypt/failure.h"
-#include "crypt/openssl_ptr.h"
 
 #include <initializer_list>
 #include <span>

@@ -1,17 +1,13 @@
-#include "crypt/openssl_ptr.h"
+#include "ossl/owners.h"
 #include "zvCrypt.h"
-
-#include <openssl/evp.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace {
 
-using namespace zvcrypt;
-
-MdContextPtr new_context() noexcept {
-    MdContextPtr context(EVP_MD_CTX_new());
+ossl::DigestContext new_context() noexcept {
+    ossl::DigestContext context(EVP_MD_CTX_new());
     if (context != nullptr && EVP_DigestInit_ex2(context.get(), EVP_sha1(), nullptr) != 1) context.reset();
     return context;
 }
@@ -27,7 +23,7 @@ void Sha1Digest(int length, unsigned char* data, unsigned char* digest) {
     std::fill_n(digest, ZVC_SHA1_SIZE, static_cast<unsigned char>(0));
     const auto size = static_cast<std::size_t>(std::max(length, 0));
     if (data == nullptr && size > 0) return;
-    MdContextPtr context(std::exchange(next_context, nullptr));
+    ossl::DigestContext context(std::exchange(next_context, nullptr));
     if (context == nullptr) context = new_context();
     if (context != nullptr && EVP_DigestUpdate(context.get(), data, size) == 1)
         (void)EVP_DigestFinal_ex(context.get(), digest, nullptr);

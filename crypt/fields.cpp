@@ -5,6 +5,8 @@
 #include "crypt/tax_code.h"
 #include "crypt/text.h"
 
+#include <openssl/objects.h>
+
 #include <algorithm>
 #include <functional>
 

@@ -26,8 +26,8 @@ const HashAlgorithm& hash_algorithm(std::string_view name) {
     throw Failure(ZVC_ERR_HASH, "Algoritmo di impronta non ammesso: " + std::string(name));
 }
 
-MdContextPtr new_digest_context() {
-    MdContextPtr context(EVP_MD_CTX_new());
+ossl::DigestContext new_digest_context() {
+    ossl::DigestContext context(EVP_MD_CTX_new());
     if (!context) throw std::bad_alloc();
     return context;
 }

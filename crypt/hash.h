@@ -1,6 +1,7 @@
 #pragma once
 
-#include "crypt/openssl_ptr.h"
+#include "crypt/bytes.h"
+#include "ossl/owners.h"
 
 #include <span>
 #include <string_view>
@@ -17,7 +18,7 @@ struct HashAlgorithm {
 // ZVC_ERR_HASH for a name that is not supported.
 [[nodiscard]] const HashAlgorithm& hash_algorithm(std::string_view name);
 
-[[nodiscard]] MdContextPtr new_digest_context();
+[[nodiscard]] ossl::DigestContext new_digest_context();
 
 // A digest that is fed piece by piece.
 class Digest {
@@ -28,7 +29,7 @@ class Digest {
     [[nodiscard]] Bytes finish();
 
   private:
-    MdContextPtr context_;
+    ossl::DigestContext context_;
 };
 
 [[nodiscard]] Bytes digest_of(const HashAlgorithm& algorithm, std::span<const unsigned char> bytes);

@@ -1,11 +1,12 @@
 #include "crypt/object_id.h"
 
 #include "crypt/failure.h"
+#include "ossl/owners.h"
 
 namespace zvcrypt {
 namespace {
 
-using ObjectPtr = OpensslPtr<ASN1_OBJECT, ASN1_OBJECT_free>;
+using ObjectPtr = ossl::Owner<ASN1_OBJECT, ASN1_OBJECT_free>;
 
 [[noreturn]] void no_object_id() {
     throw Failure(ZVC_ERR_BAD_CERTIFICATE, "Un identificativo (OID) nel certificato non è leggibile");

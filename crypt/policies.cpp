@@ -3,6 +3,8 @@
 #include "crypt/asn1_text.h"
 #include "crypt/object_id.h"
 
+#include <openssl/objects.h>
+
 // Read element by element: OpenSSL gives no policy at all when it dislikes the type of one notice's text.
 namespace zvcrypt {
 namespace {

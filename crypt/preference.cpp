@@ -1,9 +1,10 @@
 #include "crypt/preference.h"
 
+#include "ossl/owners.h"
 namespace zvcrypt {
 namespace {
 
-using GeneralizedTimePtr = OpensslPtr<ASN1_GENERALIZEDTIME, ASN1_GENERALIZEDTIME_free>;
+using GeneralizedTimePtr = ossl::Owner<ASN1_GENERALIZEDTIME, ASN1_GENERALIZEDTIME_free>;
 
 // "YYYYMMDDHHMMSSZ", which sorts as the dates do; empty for a malformed one.
 std::string sortable(const ASN1_TIME* time) {
@@ -16,7 +17,7 @@ std::string sortable(const ASN1_TIME* time) {
 } // namespace
 
 Preference preference_of(const Certificate& certificate, std::time_t time) {
-    const std::string now = sortable(TimePtr(ASN1_TIME_set(nullptr, time)).get());
+    const std::string now = sortable(ossl::Time(ASN1_TIME_set(nullptr, time)).get());
     const std::string from = sortable(X509_get0_notBefore(certificate.x509.get()));
     const std::string to = sortable(X509_get0_notAfter(certificate.x509.get()));
     return {from <= now && now <= to, to, from, certificate.der};

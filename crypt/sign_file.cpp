@@ -54,7 +54,7 @@ void write_content(OutputFile& output, InputFile& input, const HashAlgorithm& ha
 
 void require_valid(const HashAlgorithm& hash, const Bytes& attributes, const Bytes& signature,
                    const Certificate& signer) {
-    const MdContextPtr context = new_digest_context();
+    const ossl::DigestContext context = new_digest_context();
     const bool valid =
         EVP_DigestVerifyInit(context.get(), nullptr, hash.digest(), nullptr, signer.key()) == 1 &&
         EVP_DigestVerify(context.get(), signature.data(), signature.size(), attributes.data(),

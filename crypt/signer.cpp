@@ -2,6 +2,7 @@
 
 #include "crypt/card_objects.h"
 #include "crypt/preference.h"
+#include "ossl/owners.h"
 
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
@@ -66,23 +67,21 @@ std::vector<CK_OBJECT_HANDLE> private_keys(const Session& session, std::string_v
     return keys;
 }
 
-using BignumPtr = OpensslPtr<BIGNUM, BN_free>;
-
-BignumPtr modulus_of(const Certificate& certificate) {
+ossl::BigNumber modulus_of(const Certificate& certificate) {
     BIGNUM* modulus = nullptr;
     const EVP_PKEY* key = certificate.key();
     if (key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA)
         (void)EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_N, &modulus);
-    return BignumPtr(modulus);
+    return ossl::BigNumber(modulus);
 }
 
-BignumPtr modulus_of(const Session& session, CK_OBJECT_HANDLE key) {
+ossl::BigNumber modulus_of(const Session& session, CK_OBJECT_HANDLE key) {
     Bytes room(ROOM_FOR_MODULUS);
     CK_ATTRIBUTE attribute = attribute_into(CKA_MODULUS, room);
     const CK_RV result = session.call(&CK_FUNCTION_LIST::C_GetAttributeValue, key, &attribute, CK_ULONG{1});
     if (result != CKR_OK) return nullptr;
     const Bytes modulus = value_of(attribute, room);
-    return BignumPtr(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
+    return ossl::BigNumber(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
 }
 
 bool have_one_key(const std::vector<CardCertificate>& certificates) {
@@ -97,7 +96,7 @@ std::pair<CK_OBJECT_HANDLE, std::size_t> first_pair(const Session& session,
                                                     const std::vector<CK_OBJECT_HANDLE>& keys,
                                                     const std::vector<CardCertificate>& certificates) {
     if (keys.size() == 1 && have_one_key(certificates)) return {keys[0], 0};
-    std::vector<BignumPtr> moduli;
+    std::vector<ossl::BigNumber> moduli;
     moduli.reserve(keys.size());
     for (const auto key : keys)
         moduli.push_back(modulus_of(session, key));

@@ -1,10 +1,10 @@
 #include "lenient/mended.h"
 
-#include <openssl/asn1.h>
+#include "ossl/owners.h"
+
 #include <openssl/err.h>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 namespace lenient {
@@ -35,8 +35,7 @@ std::optional<Element> next(Span& rest) {
 }
 
 bool is_text(int tag, Span value) {
-    const std::unique_ptr<ASN1_STRING, decltype(&ASN1_STRING_free)> text(ASN1_STRING_type_new(tag),
-                                                                         ASN1_STRING_free);
+    const ossl::String text(ASN1_STRING_type_new(tag));
     unsigned char* utf8 = nullptr;
     if (!text || ASN1_STRING_set(text.get(), value.data(), static_cast<int>(value.size())) != 1) return false;
     const int length = ASN1_STRING_to_UTF8(&utf8, text.get());

@@ -20,8 +20,8 @@ Validity authority_validity() {
     return {now - 10 * ONE_YEAR, now + 20 * ONE_YEAR};
 }
 
-DistinguishedName authority_name() {
-    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+ossl::Name authority_name() {
+    ossl::Name name = ossl::made(ossl::Name(X509_NAME_new()));
     add_to_name(*name, NID_countryName, "IT");
     add_to_name(*name, NID_organizationName, "Korvalenta S.p.A.");
     add_to_name(*name, NID_commonName, "Korvalenta Firma Dig demo");
@@ -31,9 +31,9 @@ DistinguishedName authority_name() {
 // A folder that is made whole and then takes its name: of two makers one wins, and both use the winner's.
 void create(const std::filesystem::path& folder, KeySource& keys) {
     const TemporaryFolder fresh(folder);
-    const PrivateKey key = keys.next();
-    const DistinguishedName name = authority_name();
-    const Certificate certificate =
+    const ossl::Key key = keys.next();
+    const ossl::Name name = authority_name();
+    const ossl::Certificate certificate =
         build_certificate({*name, *key, authority_kind(), authority_validity(), nullptr, *key});
     write_private_key(fresh.path() / KEY_FILE, *key);
     write_file(fresh.path() / CERTIFICATE_FILE, certificate_text(*certificate, CertificateForm::pem),
@@ -46,7 +46,7 @@ void create(const std::filesystem::path& folder, KeySource& keys) {
 
 } // namespace
 
-Authority::Authority(PrivateKey key, Certificate certificate)
+Authority::Authority(ossl::Key key, ossl::Certificate certificate)
     : key_(std::move(key)), certificate_(std::move(certificate)) {}
 
 Authority Authority::open_or_create(const std::filesystem::path& folder, KeySource& keys) {
@@ -56,8 +56,8 @@ Authority Authority::open_or_create(const std::filesystem::path& folder, KeySour
 
 Authority Authority::open(const std::filesystem::path& folder) {
     if (!std::filesystem::exists(folder)) throw Refusal("There is no authority in " + folder.string() + ".");
-    PrivateKey key = KeySource::from_file(folder / KEY_FILE).next();
-    Certificate certificate = read_certificate(folder / CERTIFICATE_FILE);
+    ossl::Key key = KeySource::from_file(folder / KEY_FILE).next();
+    ossl::Certificate certificate = read_certificate(folder / CERTIFICATE_FILE);
     if (X509_check_private_key(certificate.get(), key.get()) != 1)
         throw Refusal("In " + folder.string() +
                       " the authority's key and certificate do not belong together.");
@@ -68,8 +68,8 @@ std::filesystem::path Authority::folder_beside_cards(const std::filesystem::path
     return cards_home / ".authority";
 }
 
-Certificate Authority::issue(const X509_NAME& subject, EVP_PKEY& subject_key, const CertificateKind& kind,
-                             Validity validity) const {
+ossl::Certificate Authority::issue(const X509_NAME& subject, EVP_PKEY& subject_key,
+                                   const CertificateKind& kind, Validity validity) const {
     return build_certificate({subject, subject_key, kind, validity, certificate_.get(), *key_});
 }
 

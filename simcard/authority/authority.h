@@ -1,8 +1,8 @@
 #pragma once
 
+#include "ossl/owners.h"
 #include "simcard/authority/certificate_kind.h"
 #include "simcard/authority/keys.h"
-#include "simcard/authority/openssl_handles.h"
 
 #include <ctime>
 #include <filesystem>
@@ -40,14 +40,14 @@ class Authority {
     [[nodiscard]] X509& certificate() const { return *certificate_; }
 
     // Issues a certificate: version 3, a random serial number, signed with SHA-256.
-    [[nodiscard]] Certificate issue(const X509_NAME& subject, EVP_PKEY& subject_key,
-                                    const CertificateKind& kind, Validity validity) const;
+    [[nodiscard]] ossl::Certificate issue(const X509_NAME& subject, EVP_PKEY& subject_key,
+                                          const CertificateKind& kind, Validity validity) const;
 
   private:
-    Authority(PrivateKey key, Certificate certificate);
+    Authority(ossl::Key key, ossl::Certificate certificate);
 
-    PrivateKey key_;
-    Certificate certificate_;
+    ossl::Key key_;
+    ossl::Certificate certificate_;
 };
 
 } // namespace simcard

@@ -1,7 +1,7 @@
 #include "simcard/authority/build_certificate.h"
 
+#include "ossl/memory_bio.h"
 #include "simcard/authority/errors.h"
-#include "simcard/authority/memory_bio.h"
 
 #include <openssl/x509v3.h>
 
@@ -16,7 +16,7 @@ void need(int result, const char* step) {
 }
 
 void set_serial(X509& certificate) {
-    const BigNumber number = made(BigNumber(BN_new()));
+    const ossl::BigNumber number = ossl::made(ossl::BigNumber(BN_new()));
     need(BN_rand(number.get(), SERIAL_BITS, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ODD), "Choosing a serial number");
     if (BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(&certificate)) == nullptr)
         fail_with_openssl_reason("Setting the serial number");
@@ -29,8 +29,8 @@ void set_validity(X509& certificate, Validity validity) {
 }
 
 void add_extensions(X509& certificate, X509& issuer, const char* text) {
-    const Configuration configuration = made(Configuration(NCONF_new(nullptr)));
-    const Bio source = reading(text);
+    const ossl::Configuration configuration = ossl::made(ossl::Configuration(NCONF_new(nullptr)));
+    const ossl::Bio source = ossl::reading(text);
     need(NCONF_load_bio(configuration.get(), source.get(), nullptr), "Reading the extensions");
     X509V3_CTX context{};
     X509V3_set_ctx(&context, &issuer, &certificate, nullptr, nullptr, 0);
@@ -41,8 +41,8 @@ void add_extensions(X509& certificate, X509& issuer, const char* text) {
 
 } // namespace
 
-Certificate build_certificate(const CertificatePlan& plan) {
-    Certificate certificate = made(Certificate(X509_new()));
+ossl::Certificate build_certificate(const CertificatePlan& plan) {
+    ossl::Certificate certificate = ossl::made(ossl::Certificate(X509_new()));
     X509& issuer = plan.issuer != nullptr ? *plan.issuer : *certificate;
     need(X509_set_version(certificate.get(), X509_VERSION_3), "Setting the version");
     set_serial(*certificate);

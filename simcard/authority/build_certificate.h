@@ -15,6 +15,6 @@ struct CertificatePlan {
 };
 
 // Builds and signs the certificate. @throws Failure with OpenSSL's reason.
-[[nodiscard]] Certificate build_certificate(const CertificatePlan& plan);
+[[nodiscard]] ossl::Certificate build_certificate(const CertificatePlan& plan);
 
 } // namespace simcard

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <filesystem>
 #include <string>
@@ -15,6 +15,6 @@ enum class CertificateForm { pem, der };
 [[nodiscard]] std::string bundle_text(X509& certificate, X509& issuer, CertificateForm form);
 
 // Reads one certificate in PEM. @throws Refusal when the file holds none.
-[[nodiscard]] Certificate read_certificate(const std::filesystem::path& path);
+[[nodiscard]] ossl::Certificate read_certificate(const std::filesystem::path& path);
 
 } // namespace simcard

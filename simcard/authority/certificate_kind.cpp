@@ -1,7 +1,7 @@
 #include "simcard/authority/certificate_kind.h"
 
+#include "ossl/owners.h"
 #include "simcard/authority/errors.h"
-#include "simcard/authority/openssl_handles.h"
 
 #include <openssl/x509v3.h>
 
@@ -64,7 +64,7 @@ basicConstraints = critical, CA:TRUE, pathlen:0
 keyUsage = critical, keyCertSign, cRLSign
 )"};
 
-using Policies = std::unique_ptr<CERTIFICATEPOLICIES, Releaser<CERTIFICATEPOLICIES_free>>;
+using Policies = ossl::Owner<CERTIFICATEPOLICIES, CERTIFICATEPOLICIES_free>;
 
 // The first policy of a certificate; an empty text when it has none.
 std::string policy_of(X509& certificate) {

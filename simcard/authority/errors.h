@@ -18,10 +18,4 @@ class Failure : public std::runtime_error {
 // Ends the current step with a Failure that names the step and OpenSSL's own reason for it.
 [[noreturn]] void fail_with_openssl_reason(const std::string& step);
 
-// Passes on an object that OpenSSL made; none at all means that memory ran out.
-template <class Owner> [[nodiscard]] Owner made(Owner owner) {
-    if (!owner) throw Failure("OpenSSL ran out of memory.");
-    return owner;
-}
-
 } // namespace simcard

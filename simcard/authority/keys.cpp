@@ -1,8 +1,8 @@
 #include "simcard/authority/keys.h"
 
+#include "ossl/memory_bio.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/files.h"
-#include "simcard/authority/memory_bio.h"
 
 #include <openssl/crypto.h>
 #include <openssl/err.h>
@@ -32,9 +32,9 @@ void check_is_usable(const EVP_PKEY& key, const std::filesystem::path& path) {
 KeySource KeySource::from_file(const std::filesystem::path& path) {
     std::string text = read_file(path);
     const WipeAtEnd wipe{text};
-    const Bio source = reading(text);
+    const ossl::Bio source = ossl::reading(text);
     KeySource keys;
-    while (PrivateKey key{PEM_read_bio_PrivateKey(source.get(), nullptr, no_passphrase, nullptr)}) {
+    while (ossl::Key key{PEM_read_bio_PrivateKey(source.get(), nullptr, no_passphrase, nullptr)}) {
         check_is_usable(*key, path);
         keys.ready_.push_back(std::move(key));
     }
@@ -43,8 +43,8 @@ KeySource KeySource::from_file(const std::filesystem::path& path) {
     return keys;
 }
 
-PrivateKey KeySource::next() {
-    PrivateKey key;
+ossl::Key KeySource::next() {
+    ossl::Key key;
     if (ready_.empty()) {
         key.reset(EVP_RSA_gen(KEY_BITS));
         if (!key) fail_with_openssl_reason("Making a key pair");
@@ -56,10 +56,10 @@ PrivateKey KeySource::next() {
 }
 
 void write_private_key(const std::filesystem::path& path, EVP_PKEY& key) {
-    const Bio target = writing();
+    const ossl::Bio target = ossl::writing();
     if (PEM_write_bio_PrivateKey(target.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) != 1)
         fail_with_openssl_reason("Writing a private key");
-    write_file(path, written(*target), Access::owner_only);
+    write_file(path, ossl::written(*target), Access::owner_only);
 }
 
 } // namespace simcard

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <deque>
 #include <filesystem>
@@ -21,10 +21,10 @@ class KeySource {
     [[nodiscard]] static KeySource from_file(const std::filesystem::path& path);
 
     // The next key pair. @throws Failure when it cannot be made.
-    [[nodiscard]] PrivateKey next();
+    [[nodiscard]] ossl::Key next();
 
   private:
-    std::deque<PrivateKey> ready_;
+    std::deque<ossl::Key> ready_;
 };
 
 // Writes a private key as PEM (PKCS#8, not encrypted) for its owner alone.

@@ -1,7 +1,7 @@
 #include "simcard/authority/name.h"
 
+#include "ossl/memory_bio.h"
 #include "simcard/authority/errors.h"
-#include "simcard/authority/memory_bio.h"
 
 #include <openssl/err.h>
 #include <openssl/objects.h>
@@ -35,8 +35,8 @@ void add_to_name(X509_NAME& name, int nid, const std::string& value) {
     }
 }
 
-DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualifier) {
-    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+ossl::Name holder_name(const Holder& holder, const std::string& dn_qualifier) {
+    ossl::Name name = ossl::made(ossl::Name(X509_NAME_new()));
     add_to_name(*name, NID_countryName, "IT");
     add_to_name(*name, NID_organizationName, holder.organisation);
     add_to_name(*name, NID_commonName, holder.given_name + " " + holder.surname);
@@ -47,11 +47,11 @@ DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualif
     return name;
 }
 
-DistinguishedName services_card_name(const Holder& holder, const std::string& card_number) {
+ossl::Name services_card_name(const Holder& holder, const std::string& card_number) {
     std::string number = card_number;
     if (number.size() < CARD_NUMBER_DIGITS) number.insert(0, CARD_NUMBER_DIGITS - number.size(), '0');
     const std::string card = holder.tax_code + "/" + number + ".";
-    DistinguishedName name = made(DistinguishedName(X509_NAME_new()));
+    ossl::Name name = ossl::made(ossl::Name(X509_NAME_new()));
     add_to_name(*name, NID_countryName, "IT");
     add_to_name(*name, NID_organizationName, holder.organisation);
     add_to_name(*name, NID_organizationalUnitName, "Carta dei servizi");
@@ -81,11 +81,11 @@ std::string person_in_name(const X509_NAME& name) {
 }
 
 std::string readable(const X509_NAME& name) {
-    const Bio line = writing();
+    const ossl::Bio line = ossl::writing();
     constexpr unsigned long form =
         (XN_FLAG_ONELINE & ~XN_FLAG_SPC_EQ & ~ASN1_STRFLGS_ESC_MSB) | ASN1_STRFLGS_UTF8_CONVERT;
     X509_NAME_print_ex(line.get(), &name, 0, form);
-    return std::string(written(*line));
+    return std::string(ossl::written(*line));
 }
 
 } // namespace simcard

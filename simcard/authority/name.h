@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <string>
 
@@ -18,14 +18,14 @@ struct Holder {
 // ("TINIT-" and the tax code), SN, GN, dnQualifier, in this order.
 //
 // @throws Refusal when a value is empty or too long for its attribute.
-[[nodiscard]] DistinguishedName holder_name(const Holder& holder, const std::string& dn_qualifier);
+[[nodiscard]] ossl::Name holder_name(const Holder& holder, const std::string& dn_qualifier);
 
 // Builds the subject of a services card's own certificate: C, O, OU, CN, SN, GN, in this order. Its CN is the
 // tax code, "/", the card's number in 16 digits, "." and 28 characters in base64: 62 in all, as such cards
 // have it. On a real card those last are the SHA-1 of its personal data, here that of what stands before them.
 //
 // @throws Refusal as above.
-[[nodiscard]] DistinguishedName services_card_name(const Holder& holder, const std::string& card_number);
+[[nodiscard]] ossl::Name services_card_name(const Holder& holder, const std::string& card_number);
 
 // Adds one attribute (`nid` as OpenSSL numbers them) with a UTF-8 value to a name.
 void add_to_name(X509_NAME& name, int nid, const std::string& value);

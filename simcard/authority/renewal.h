@@ -21,7 +21,7 @@ struct RenewalTerms {
 };
 
 struct Renewal {
-    Certificate certificate;
+    ossl::Certificate certificate;
     VerifiedRequest request;
     const CertificateKind& kind;
 };

@@ -1,9 +1,8 @@
 #include "simcard/authority/request_encoding.h"
 
+#include "ossl/pem_blocks.h"
 #include "simcard/authority/errors.h"
-#include "simcard/authority/memory_bio.h"
 
-#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -17,26 +16,10 @@ namespace {
 constexpr char DER_SEQUENCE = 0x30; // every binary form starts with it; no base64 text of one does
 constexpr const char* NOT_A_REQUEST = "The file holds no certificate request that can be read.";
 
-struct PemBlock {
-    std::string kind;
-    std::string der;
-};
-
-PemBlock read_pem(std::string_view text) {
-    const Bio source = reading(text);
-    char* kind = nullptr;
-    char* header = nullptr;
-    unsigned char* bytes = nullptr;
-    long length = 0;
-    if (PEM_read_bio(source.get(), &kind, &header, &bytes, &length) != 1) {
-        ERR_clear_error();
-        throw Refusal(NOT_A_REQUEST);
-    }
-    PemBlock block{kind, {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)}};
-    OPENSSL_free(kind);
-    OPENSSL_free(header);
-    OPENSSL_free(bytes);
-    return block;
+ossl::PemBlock read_pem(std::string_view text) {
+    auto blocks = ossl::pem_blocks(text);
+    if (blocks.empty()) throw Refusal(NOT_A_REQUEST);
+    return std::move(blocks.front());
 }
 
 std::string from_base64(std::string_view text) {
@@ -69,11 +52,11 @@ bool is_pem(std::string_view text) {
 
 } // namespace
 
-CertificateRequest decode_pem_request(std::string_view text) {
-    const PemBlock block = read_pem(text);
-    CertificateRequest request;
-    if (block.kind == PEM_STRING_X509_REQ || block.kind == PEM_STRING_X509_REQ_OLD)
-        request = decode_whole<CertificateRequest>(d2i_X509_REQ, block.der);
+ossl::Request decode_pem_request(std::string_view text) {
+    const ossl::PemBlock block = read_pem(text);
+    ossl::Request request;
+    if (block.name == PEM_STRING_X509_REQ || block.name == PEM_STRING_X509_REQ_OLD)
+        request = decode_whole<ossl::Request>(d2i_X509_REQ, block.der);
     if (!request) throw Refusal(NOT_A_REQUEST);
     return request;
 }
@@ -85,8 +68,8 @@ DecodedRequest decode_request(std::string_view file) {
         der = file;
     else
         der = is_pem(file) ? read_pem(file).der : from_base64(file);
-    if (auto message = decode_whole<CmsMessage>(d2i_CMS_ContentInfo, der)) return message;
-    if (auto request = decode_whole<CertificateRequest>(d2i_X509_REQ, der)) return request;
+    if (auto message = decode_whole<ossl::Message>(d2i_CMS_ContentInfo, der)) return message;
+    if (auto request = decode_whole<ossl::Request>(d2i_X509_REQ, der)) return request;
     throw Refusal(NOT_A_REQUEST);
 }
 

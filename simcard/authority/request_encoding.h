@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <string>
 #include <string_view>
@@ -9,7 +9,7 @@
 namespace simcard {
 
 // What a request file holds: a request inside a signed message, or the request alone.
-using DecodedRequest = std::variant<CmsMessage, CertificateRequest>;
+using DecodedRequest = std::variant<ossl::Message, ossl::Request>;
 
 // Reads a request file in whatever form it comes: base64 without frame (what the renewal library returns),
 // PEM, or binary; a signed message (PKCS#7) or a bare PKCS#10 request. Nothing is verified yet.
@@ -18,6 +18,6 @@ using DecodedRequest = std::variant<CmsMessage, CertificateRequest>;
 [[nodiscard]] DecodedRequest decode_request(std::string_view file);
 
 // Reads a PKCS#10 request in PEM. @throws Refusal as above.
-[[nodiscard]] CertificateRequest decode_pem_request(std::string_view text);
+[[nodiscard]] ossl::Request decode_pem_request(std::string_view text);
 
 } // namespace simcard

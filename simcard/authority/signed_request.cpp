@@ -1,8 +1,8 @@
 #include "simcard/authority/signed_request.h"
 
+#include "ossl/memory_bio.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/keys.h"
-#include "simcard/authority/memory_bio.h"
 #include "simcard/authority/name.h"
 #include "simcard/authority/request_encoding.h"
 
@@ -24,8 +24,8 @@ void require(bool right, const char* otherwise) {
 
 // Signing a request needs no particular extended key usage, and a holder may renew late: what counts is that
 // the certificate comes from this authority.
-TrustStore trusting(X509& authority) {
-    TrustStore store = made(TrustStore(X509_STORE_new()));
+ossl::TrustStore trusting(X509& authority) {
+    ossl::TrustStore store = ossl::made(ossl::TrustStore(X509_STORE_new()));
     require(X509_STORE_add_cert(store.get(), &authority) == 1, "The authority's certificate cannot be used.");
     X509_VERIFY_PARAM* rules = X509_STORE_get0_param(store.get());
     X509_VERIFY_PARAM_set_flags(rules, X509_V_FLAG_NO_CHECK_TIME);
@@ -57,7 +57,7 @@ X509& certificate_of_signer(CMS_ContentInfo& message, CMS_SignerInfo& signer) {
 }
 
 void check_issued_by(X509_STORE& store, X509& certificate) {
-    const TrustCheck check = made(TrustCheck(X509_STORE_CTX_new()));
+    const ossl::TrustCheck check = ossl::made(ossl::TrustCheck(X509_STORE_CTX_new()));
     require(X509_STORE_CTX_init(check.get(), &store, &certificate, nullptr) == 1 &&
                 X509_verify_cert(check.get()) == 1,
             "The signer's certificate was not issued by this authority.");
@@ -66,10 +66,10 @@ void check_issued_by(X509_STORE& store, X509& certificate) {
 std::string verified_content(CMS_ContentInfo& message, X509_STORE& store) {
     require(OBJ_obj2nid(CMS_get0_eContentType(&message)) == NID_pkcs7_data && CMS_is_detached(&message) == 0,
             "The signed message carries no request.");
-    const Bio content = writing();
+    const ossl::Bio content = ossl::writing();
     require(CMS_verify(&message, nullptr, &store, nullptr, content.get(), CMS_BINARY | CMS_CADES) == 1,
             "The signature of the message is wrong, or its content was altered.");
-    return std::string(written(*content));
+    return std::string(ossl::written(*content));
 }
 
 std::vector<std::string> notices_about(X509& signer) {
@@ -80,7 +80,7 @@ std::vector<std::string> notices_about(X509& signer) {
 
 } // namespace
 
-VerifiedRequest verify_bare_request(CertificateRequest request) {
+VerifiedRequest verify_bare_request(ossl::Request request) {
     EVP_PKEY* key = X509_REQ_get0_pubkey(request.get());
     require(key != nullptr && EVP_PKEY_is_a(key, "RSA") &&
                 EVP_PKEY_get_bits(key) >= static_cast<int>(KEY_BITS),
@@ -91,7 +91,7 @@ VerifiedRequest verify_bare_request(CertificateRequest request) {
 }
 
 VerifiedRequest verify_signed_request(CMS_ContentInfo& message, X509& authority) {
-    const TrustStore store = trusting(authority);
+    const ossl::TrustStore store = trusting(authority);
     CMS_SignerInfo& signer = only_signer(message);
     check_signed_attributes(signer);
     X509& certificate = certificate_of_signer(message, signer);

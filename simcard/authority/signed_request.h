@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <string>
 #include <string_view>
@@ -10,9 +10,9 @@ namespace simcard {
 
 // A request that was found to be what it says: see verify_signed_request() and verify_bare_request().
 struct VerifiedRequest {
-    CertificateRequest request;
+    ossl::Request request;
     // Whose key signed the message around the request; none for a bare request.
-    Certificate signer;
+    ossl::Certificate signer;
     // What the authority lets pass but its operator should know; one sentence each.
     std::vector<std::string> notices;
 };
@@ -28,6 +28,6 @@ struct VerifiedRequest {
 [[nodiscard]] VerifiedRequest verify_signed_request(CMS_ContentInfo& message, X509& authority);
 
 // Verifies that the key of a request is one that this authority certifies, and that it signed the request.
-[[nodiscard]] VerifiedRequest verify_bare_request(CertificateRequest request);
+[[nodiscard]] VerifiedRequest verify_bare_request(ossl::Request request);
 
 } // namespace simcard

@@ -31,7 +31,7 @@ void add_key_numbers(Attributes& object, const EVP_PKEY& key, std::span<const Ke
     for (const KeyNumber& number : numbers) {
         BIGNUM* raw = nullptr;
         EVP_PKEY_get_bn_param(&key, number.name, &raw);
-        const BigNumber value = made(BigNumber(raw));
+        const ossl::BigNumber value = ossl::made(ossl::BigNumber(raw));
         std::string bytes(static_cast<std::size_t>(BN_num_bytes(value.get())), '\0');
         BN_bn2bin(value.get(), reinterpret_cast<unsigned char*>(bytes.data()));
         object.add(number.type, bytes);

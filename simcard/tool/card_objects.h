@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 #include "simcard/tool/attributes.h"
 
 // Templates of the objects that a card is made with: token objects; that of a key or certificate has its CKA_ID

@@ -1,5 +1,6 @@
 #include "simcard/tool/object_view.h"
 
+#include "ossl/owners.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/name.h"
 #include "simcard/common/hexadecimal.h"
@@ -43,7 +44,7 @@ std::string day_of(const ASN1_TIME& time) {
 
 void describe_certificate(ObjectView& view, const std::string& der) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
-    const Certificate certificate(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
+    const ossl::Certificate certificate(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
     if (!certificate) {
         view.subject = "(not a certificate)";
         return;

@@ -1,5 +1,6 @@
 #include "simcard/tool/personalise.h"
 
+#include "ossl/owners.h"
 #include "simcard/authority/authority.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/files.h"
@@ -43,7 +44,7 @@ Card settings(const CardPlan& plan) {
 
 void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair, const Authority& authority,
                 EVP_PKEY& key) {
-    const Certificate certificate =
+    const ossl::Certificate certificate =
         authority.issue(*pair.subject(plan.holder, plan.serial), key, kind_named(pair.kind),
                         validity_ending_in(plan.*pair.days));
     token.create(public_key_object(key, pair.id));

@@ -17,7 +17,7 @@ struct PairPlan {
     // Where a plan says when the certificate ends.
     int CardPlan::*days;
     // Makes the subject of its certificate from the holder and the card's serial number.
-    DistinguishedName (*subject)(const Holder&, const std::string&) = holder_name;
+    ossl::Name (*subject)(const Holder&, const std::string&) = holder_name;
 };
 
 // What a kind of card is made with. The profiles are a table: see profile.cpp.

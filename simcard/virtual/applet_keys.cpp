@@ -1,5 +1,6 @@
 #include "simcard/virtual/applet_keys.h"
 
+#include "ossl/owners.h"
 #include "simcard/authority/errors.h"
 
 #include <openssl/core_names.h>
@@ -12,12 +13,10 @@ namespace {
 enum Algorithm : std::uint8_t { rsa_pkcs1 = 0x11, generate_rsa_2048 = 0xF3 };
 enum Operation : std::uint16_t { sign = 0x9E9A, decipher = 0x8086 };
 
-using Context = std::unique_ptr<EVP_PKEY_CTX, Releaser<EVP_PKEY_CTX_free>>;
-
 Octets number_of(const EVP_PKEY& key, const char* name) {
     BIGNUM* raw = nullptr;
     EVP_PKEY_get_bn_param(&key, name, &raw);
-    const BigNumber value = made(BigNumber(raw));
+    const ossl::BigNumber value = ossl::made(ossl::BigNumber(raw));
     Octets bytes(static_cast<std::size_t>(BN_num_bytes(value.get())));
     BN_bn2bin(value.get(), bytes.data());
     return bytes;
@@ -27,7 +26,7 @@ Octets number_of(const EVP_PKEY& key, const char* name) {
 Octets with_key(EVP_PKEY& key, int (*begin)(EVP_PKEY_CTX*),
                 int (*run)(EVP_PKEY_CTX*, unsigned char*, std::size_t*, const unsigned char*, std::size_t),
                 std::span<const std::uint8_t> data) {
-    const Context context = made(Context(EVP_PKEY_CTX_new(&key, nullptr)));
+    const ossl::KeyContext context = ossl::made(ossl::KeyContext(EVP_PKEY_CTX_new(&key, nullptr)));
     Octets result(static_cast<std::size_t>(EVP_PKEY_get_size(&key)));
     std::size_t length = result.size();
     if (begin(context.get()) != 1 || EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) != 1 ||

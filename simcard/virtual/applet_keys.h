@@ -20,7 +20,7 @@ class CardKeys {
     [[nodiscard]] Octets perform(const Command& command) const;
 
   private:
-    std::array<PrivateKey, 16> keys_;
+    std::array<ossl::Key, 16> keys_;
     std::uint8_t algorithm_ = 0;
     std::uint8_t key_ = 0;
 };

@@ -1,9 +1,7 @@
+#include "ossl/memory_bio.h"
 #include "tests/crypt/raw_certificate.h"
 
-#include <openssl/conf.h>
 #include <openssl/ec.h>
-#include <openssl/pkcs7.h>
-#include <openssl/x509v3.h>
 
 #include <algorithm>
 #include <sstream>
@@ -28,8 +26,8 @@ void set_subject(X509_NAME* name, const std::string& subject, int form) {
 
 void add_extensions(X509* certificate, const std::string& lines, X509* issuer) {
     const std::string text = "[ext]\n" + lines + "\n";
-    const std::shared_ptr<BIO> source(BIO_new_mem_buf(text.c_str(), -1), BIO_free);
-    const std::shared_ptr<CONF> conf(NCONF_new(nullptr), NCONF_free);
+    const ossl::Bio source = ossl::reading(text);
+    const ossl::Configuration conf(NCONF_new(nullptr));
     require(NCONF_load_bio(conf.get(), source.get(), nullptr) > 0);
     X509V3_CTX context;
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
@@ -40,12 +38,11 @@ void add_extensions(X509* certificate, const std::string& lines, X509* issuer) {
 } // namespace
 
 Certificate make(const Shape& shape) {
-    Certificate made{{X509_new(), X509_free}, shape.key, {}};
-    if (!made.key) made.key = {EVP_EC_gen("P-256"), EVP_PKEY_free};
+    Certificate made{ossl::Certificate(X509_new()), shape.key, {}};
+    if (!made.key) made.key = ossl::Key(EVP_EC_gen("P-256"));
     X509* it = made.x509.get();
     require(X509_set_version(it, X509_VERSION_3) == 1 && X509_set_pubkey(it, made.key.get()) == 1);
-    const std::shared_ptr<ASN1_INTEGER> serial(s2i_ASN1_INTEGER(nullptr, ("0x" + shape.serial).c_str()),
-                                               ASN1_INTEGER_free);
+    const ossl::String serial(s2i_ASN1_INTEGER(nullptr, ("0x" + shape.serial).c_str()));
     require(X509_set_serialNumber(it, serial.get()) == 1);
     require(ASN1_TIME_set_string_X509(X509_getm_notBefore(it), shape.not_before.c_str()) == 1);
     require(ASN1_TIME_set_string_X509(X509_getm_notAfter(it), shape.not_after.c_str()) == 1);
@@ -87,7 +84,7 @@ Bytes wild(const Certificate& certificate, const Certificate& issuer) {
     };
     (void)next(true);
     const std::string body = next(false), algorithm = next(false);
-    const std::shared_ptr<EVP_MD_CTX> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    const ossl::DigestContext context(EVP_MD_CTX_new());
     std::string signature(512, '\0');
     std::size_t length = signature.size();
     (void)EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, issuer.key.get());
@@ -114,7 +111,7 @@ std::string pem(const Bytes& bytes, const std::string& label) {
 }
 
 Bytes bundle(const std::vector<Certificate>& certificates) {
-    const std::shared_ptr<PKCS7> it(PKCS7_new(), PKCS7_free);
+    const ossl::Bundle it(PKCS7_new());
     require(PKCS7_set_type(it.get(), NID_pkcs7_signed) == 1 &&
             PKCS7_content_new(it.get(), NID_pkcs7_data) == 1);
     (void)PKCS7_set_detached(it.get(), 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ossl/owners.h"
 #include "tests/crypt/certificates.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ inline std::string tlv(int tag, const std::string& content) {
 }
 
 inline std::string oid(const std::string& name_or_number) {
-    const std::shared_ptr<ASN1_OBJECT> object(OBJ_txt2obj(name_or_number.c_str(), 0), ASN1_OBJECT_free);
+    const ossl::Owner<ASN1_OBJECT, ASN1_OBJECT_free> object(OBJ_txt2obj(name_or_number.c_str(), 0));
     return as_text(encoded<ASN1_OBJECT>(i2d_ASN1_OBJECT, object.get()));
 }
 

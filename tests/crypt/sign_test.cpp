@@ -142,9 +142,8 @@ TEST_F(Sign, MakesACanonicalCadesSignatureThatTwoValidatorsAccept) {
         ASSERT_TRUE(time != nullptr && ASN1_TIME_cmp_time_t(time, before) >= 0);
         EXPECT_LE(ASN1_TIME_cmp_time_t(time, std::time(nullptr)), 0);
         // As OpenSSL makes it: SHA-256 of the certificate, its issuer and serial number.
-        const std::shared_ptr<ESS_SIGNING_CERT_V2> ess(
-            OSSL_ESS_signing_cert_v2_new_init(EVP_sha256(), own.x509.get(), nullptr, 1),
-            ESS_SIGNING_CERT_V2_free);
+        const ossl::Owner<ESS_SIGNING_CERT_V2, ESS_SIGNING_CERT_V2_free> ess(
+            OSSL_ESS_signing_cert_v2_new_init(EVP_sha256(), own.x509.get(), nullptr, 1));
         EXPECT_EQ(it.attribute_bytes(NID_id_smime_aa_signingCertificateV2, V_ASN1_SEQUENCE),
                   test::encoded<ESS_SIGNING_CERT_V2>(i2d_ESS_SIGNING_CERT_V2, ess.get()));
         EXPECT_EQ(it.certificates.size(), size > 12000 ? 1U : 2U);

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "ossl/owners.h"
 #include "tests/crypt/certificates.h"
-
-#include <openssl/cms.h>
 
 #include <algorithm>
 
@@ -13,8 +12,7 @@ struct Signed {
     explicit Signed(const std::string& bytes) {
         const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
         const Bytes given(start, start + bytes.size());
-        cms.reset(d2i_CMS_ContentInfo(nullptr, &start, static_cast<long>(bytes.size())),
-                  CMS_ContentInfo_free);
+        cms.reset(d2i_CMS_ContentInfo(nullptr, &start, static_cast<long>(bytes.size())));
         if (!cms) throw std::runtime_error("no CMS");
         EXPECT_TRUE(encoded<CMS_ContentInfo>(i2d_CMS_ContentInfo, cms.get()) == given)
             << "trailing bytes, a length that is not the shortest, or a set out of order";
@@ -23,8 +21,7 @@ struct Signed {
             1);
         const auto* text = *CMS_get0_content(cms.get());
         content.assign(ASN1_STRING_get0_data(text), ASN1_STRING_get0_data(text) + ASN1_STRING_length(text));
-        const std::shared_ptr<STACK_OF(X509)> all(CMS_get1_certs(cms.get()),
-                                                  [](auto* stack) { sk_X509_pop_free(stack, X509_free); });
+        const ossl::Certificates all(CMS_get1_certs(cms.get()));
         for (int i = 0; i < sk_X509_num(all.get()); ++i)
             certificates.push_back(encoded<X509>(i2d_X509, sk_X509_value(all.get(), i)));
         EXPECT_EQ(sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(cms.get())), 1);
@@ -47,7 +44,7 @@ struct Signed {
         return std::count(certificates.begin(), certificates.end(), one.der) == 1;
     }
 
-    std::shared_ptr<CMS_ContentInfo> cms;
+    ossl::Message cms;
     std::vector<Bytes> certificates;
     CMS_SignerInfo* signer = nullptr;
     std::string content;

@@ -2,9 +2,9 @@
 #include "api/state.h"
 #include "card/detection.h"
 #include "inventory/certificates.h"
+#include "ossl/memory_bio.h"
 #include "routines.h"
 #include "simcard/authority/certificate_file.h"
-#include "simcard/authority/memory_bio.h"
 #include "simcard/common/card_folder.h"
 #include "tests/flows/flow.h"
 
@@ -51,14 +51,14 @@ class ServicesCardWithSignature : public ServicesCard {
     ServicesCardWithSignature() : ServicesCard("cns-signature") {}
 };
 
-simcard::Certificate parsed(const std::string& pem) {
-    const simcard::Bio text = simcard::reading(pem);
-    return simcard::Certificate(PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr));
+ossl::Certificate parsed(const std::string& pem) {
+    const ossl::Bio text = ossl::reading(pem);
+    return ossl::Certificate(PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr));
 }
 
-simcard::Certificate certificate_of(const zv::Certificate& read) {
+ossl::Certificate certificate_of(const zv::Certificate& read) {
     const unsigned char* bytes = read.value;
-    return simcard::Certificate(d2i_X509(nullptr, &bytes, static_cast<long>(read.value_length)));
+    return ossl::Certificate(d2i_X509(nullptr, &bytes, static_cast<long>(read.value_length)));
 }
 
 std::string date_of(const ASN1_TIME* time, const char* form = "%d/%m/%Y %H:%M:%S", int days_later = 0) {
@@ -110,7 +110,7 @@ TEST_F(ServicesCard, OnlyTheHoldersNameIsRewrittenAroundItsCommonName) {
     ASSERT_EQ(read().result, 0);
     ASSERT_EQ(request_own(), 0);
     const auto named = [](const char* common_name, const char* organisation) {
-        simcard::DistinguishedName name(X509_NAME_new());
+        ossl::Name name(X509_NAME_new());
         simcard::add_to_name(*name, NID_commonName, common_name);
         simcard::add_to_name(*name, NID_organizationName, organisation);
         return name;

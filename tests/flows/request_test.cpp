@@ -15,10 +15,9 @@ using namespace zvtest;
 using Lines = std::vector<std::string>;
 
 // The authority verifies the old key's signature around the request and the new key's in it.
-simcard::CertificateRequest verified(const std::string& file, const simcard::Authority& authority) {
+ossl::Request verified(const std::string& file, const simcard::Authority& authority) {
     const auto decoded = simcard::decode_request(file);
-    return simcard::verify_signed_request(*std::get<simcard::CmsMessage>(decoded), authority.certificate())
-        .request;
+    return simcard::verify_signed_request(*std::get<ossl::Message>(decoded), authority.certificate()).request;
 }
 
 TEST_F(Flow, RequestCarriesTheNewKeySignedByItAndWrappedByTheOld) {

@@ -1,8 +1,8 @@
 // The authority on requests as the renewal library sends them, and on what must not get a certificate.
+#include "ossl/memory_bio.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/errors.h"
 #include "simcard/authority/files.h"
-#include "simcard/authority/memory_bio.h"
 #include "simcard/authority/name.h"
 #include "simcard/authority/renewal.h"
 
@@ -20,20 +20,20 @@ using namespace simcard;
 constexpr unsigned CADES = CMS_BINARY | CMS_CADES;
 
 std::string base64_lines(const std::string& bytes) {
-    const Bio text = writing();
-    Bio chain(BIO_new(BIO_f_base64()));
+    const ossl::Bio text = ossl::writing();
+    ossl::Bio chain(BIO_new(BIO_f_base64()));
     BIO_push(chain.get(), text.get());
     BIO_write(chain.get(), bytes.data(), static_cast<int>(bytes.size()));
     BIO_flush(chain.get());
     BIO_pop(chain.get());
-    return std::string(written(*text));
+    return std::string(ossl::written(*text));
 }
 
 EVP_PKEY& test_key(std::size_t index) {
-    static const std::vector<PrivateKey> keys = [] {
+    static const std::vector<ossl::Key> keys = [] {
         KeySource source = KeySource::from_file(ZV_TEST_KEYS);
-        std::vector<PrivateKey> all(4);
-        for (PrivateKey& key : all)
+        std::vector<ossl::Key> all(4);
+        for (ossl::Key& key : all)
             key = source.next();
         return all;
     }();
@@ -47,7 +47,7 @@ class AuthorityTest : public testing::Test {
         return Authority::open_or_create(folder.path() / name, keys);
     }
 
-    Certificate certificate_from(const Authority& issuer, int days, const char* kind = "signature") {
+    ossl::Certificate certificate_from(const Authority& issuer, int days, const char* kind = "signature") {
         const std::time_t now = std::time(nullptr);
         return issuer.issue(*holder_name(ada, "1"), old_key, kind_named(kind),
                             {now - 400 * ONE_DAY, now + days * ONE_DAY});
@@ -55,21 +55,21 @@ class AuthorityTest : public testing::Test {
 
     // A request signed with SHA-1, as cards sign theirs.
     std::string request_for(const Holder& person, EVP_PKEY& signing_key) {
-        const CertificateRequest made_here(X509_REQ_new());
+        const ossl::Request made_here(X509_REQ_new());
         X509_REQ_set_subject_name(made_here.get(), holder_name(person, "2").get());
         X509_REQ_set_pubkey(made_here.get(), &new_key);
         X509_REQ_sign(made_here.get(), &signing_key, EVP_sha1());
-        const Bio text = writing();
+        const ossl::Bio text = ossl::writing();
         PEM_write_bio_X509_REQ(text.get(), made_here.get());
-        return std::string(written(*text));
+        return std::string(ossl::written(*text));
     }
 
     std::string signed_message(const std::string& content, X509& certificate, unsigned flags = CADES) {
-        const Bio source = reading(content);
-        const CmsMessage made_here(CMS_sign(&certificate, &old_key, nullptr, source.get(), flags));
-        const Bio bytes = writing();
+        const ossl::Bio source = ossl::reading(content);
+        const ossl::Message made_here(CMS_sign(&certificate, &old_key, nullptr, source.get(), flags));
+        const ossl::Bio bytes = ossl::writing();
         i2d_CMS_bio(bytes.get(), made_here.get());
-        return std::string(written(*bytes));
+        return std::string(ossl::written(*bytes));
     }
 
     std::string refusal(std::string_view file, const RenewalTerms& terms = {}) {
@@ -86,7 +86,7 @@ class AuthorityTest : public testing::Test {
     EVP_PKEY& new_key = test_key(2);
     TemporaryFolder folder{testing::TempDir() + "authority"};
     Authority authority = new_authority("authority");
-    Certificate signer = certificate_from(authority, 30);
+    ossl::Certificate signer = certificate_from(authority, 30);
     std::string request = request_for(ada, new_key);
     std::string message = signed_message(request, *signer);
 };
@@ -193,7 +193,7 @@ TEST_F(AuthorityTest, KeepsItsKeyToItsOwnerAndIsNotOpenedWithAnother) {
     EXPECT_EQ(std::filesystem::status(file).permissions(), owner);
     write_private_key(file, new_key);
     EXPECT_THROW((void)Authority::open(folder.path() / "authority"), Refusal);
-    const PrivateKey curve(EVP_EC_gen("P-256"));
+    const ossl::Key curve(EVP_EC_gen("P-256"));
     write_private_key(file, *curve);
     EXPECT_THROW((void)Authority::open(folder.path() / "authority"), Refusal);
     write_file(file, "nothing", Access::owner_only);

@@ -1,6 +1,6 @@
+#include "ossl/memory_bio.h"
 #include "routines/card.h"
 #include "routines/store.h"
-#include "simcard/authority/memory_bio.h"
 #include "tests/sweeps/bench.h"
 
 #include <openssl/pem.h>
@@ -14,11 +14,11 @@ Answer requested(SweepCard& host, int result) {
     if (result != 0) return {result, ""};
     try {
         host.certificate = host.issue();
-        const simcard::Bio pem = simcard::reading(host.certificate), out = simcard::writing();
-        const simcard::Certificate issued(PEM_read_bio_X509(pem.get(), nullptr, nullptr, nullptr));
+        const ossl::Bio pem = ossl::reading(host.certificate), out = ossl::writing();
+        const ossl::Certificate issued(PEM_read_bio_X509(pem.get(), nullptr, nullptr, nullptr));
         X509_NAME_print_ex(out.get(), X509_get_subject_name(issued.get()), 0, XN_FLAG_ONELINE);
         PEM_write_bio_PUBKEY(out.get(), X509_get0_pubkey(issued.get()));
-        return {0, std::string(simcard::written(*out))};
+        return {0, std::string(ossl::written(*out))};
     } catch (const std::exception&) {
         return {0, REFUSAL};
     }

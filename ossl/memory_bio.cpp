@@ -1,8 +1,6 @@
-#include "simcard/authority/memory_bio.h"
+#include "ossl/memory_bio.h"
 
-#include "simcard/authority/errors.h"
-
-namespace simcard {
+namespace ossl {
 
 Bio reading(std::string_view text) {
     return made(Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size()))));
@@ -18,4 +16,4 @@ std::string_view written(BIO& target) {
     return {text, static_cast<std::size_t>(length)};
 }
 
-} // namespace simcard
+} // namespace ossl

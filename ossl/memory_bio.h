@@ -1,11 +1,11 @@
 #pragma once
 
-#include "simcard/authority/openssl_handles.h"
+#include "ossl/owners.h"
 
 #include <string_view>
 
 // OpenSSL reads from and writes to texts in memory through these.
-namespace simcard {
+namespace ossl {
 
 // Reads from `text`, which must outlive it.
 [[nodiscard]] Bio reading(std::string_view text);
@@ -16,4 +16,4 @@ namespace simcard {
 // What was written so far; valid while `target` is and nothing more is written.
 [[nodiscard]] std::string_view written(BIO& target);
 
-} // namespace simcard
+} // namespace ossl
