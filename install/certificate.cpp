@@ -2,7 +2,6 @@
 
 #include "card/session.h"
 #include "diag/failure.h"
-#include "diag/messages.h"
 #include "diag/report.h"
 #include "install/certificate_object.h"
 #include "install/label.h"
@@ -11,16 +10,14 @@
 #include "store/renewal_state.h"
 #include "zvRenew.h"
 
-#include <cstdio>
-
 namespace {
 
 constexpr char USER_TITLE[] = " .... InstallUserCertificate FUN     .... ";
 
-// The pair gets its pending text back.
-int undone(const char* label, char* module_path, const char* sentence) {
+// The pair gets its pending text back. The sentence's "%s" is the message of the code.
+int undone(const char* label, char* module_path, const char* sentence = "", CK_RV code = CKR_OK) {
     if (zv::may_label_back(module_path)) zv::change_labels(label, zv::pendingLabel);
-    return zv::Failure(USER_TITLE).sentence(sentence);
+    return zv::Failure(USER_TITLE).sentence(sentence, code);
 }
 
 // One pass without going back: a byte that differs starts the count anew and is not tried as a start itself.
@@ -54,21 +51,17 @@ int zv::install_user_certificate(std::span<unsigned char> der, const char* label
     case Match::yes:
         break;
     case Match::unreadable:
-        return undone(label, module_path, "");
+        return undone(label, module_path);
     case Match::no:
         zv::trace(USER_TITLE, "C_CreateObject",
                   "Certificato non corrispondente alle chiavi presenti sulla smartcard");
         return undone(label, module_path,
                       "Il certificato non corrisponde alla coppia di chiavi presente sulla smartcard");
     }
-    if (fill_template(USER_TITLE, der, label, Serial::trimmed) != 0) return undone(label, module_path, "");
-    if (create_certificate(USER_TITLE) != CKR_OK) {
-        Sentence sentence;
-        (void)std::snprintf(sentence, sizeof sentence,
-                            "Certificato non memorizzato correttamente sulla smartcard (%s)",
-                            error_message(rv));
-        return undone(label, module_path, sentence);
-    }
+    if (fill_template(USER_TITLE, der, label, Serial::trimmed) != 0) return undone(label, module_path);
+    if (create_certificate(USER_TITLE) != CKR_OK)
+        return undone(label, module_path, "Certificato non memorizzato correttamente sulla smartcard (%s)",
+                      rv);
     trace(USER_TITLE, "F I N E");
     // A marker is on a services card only, but is looked for on every card.
     delete_data(hSession, ZV_PENDING_MARKER);

@@ -50,6 +50,9 @@ TEST_P(ModuleNames, DecideWhatIsSent) {
     EXPECT_EQ(save(certificate, true), 1);
     const std::string pair = GetParam().relabels ? "++" : "", back = GetParam().relabels_back ? "++" : "";
     EXPECT_EQ(has(log.text(), "RechangeValueObject FUN"), GetParam().relabels_back);
+    EXPECT_TRUE(has(log.text(),
+                    "Certificato non memorizzato correttamente sulla smartcard (La smartcard non ha memoria"))
+        << "the pair's relabelling says nothing of the certificate";
     EXPECT_EQ(relabelled(), pair + back);
     module.record();
     ASSERT_EQ(save(certificate, false), 0) << szBuffErr;
