@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/options.h"
+#include "cli/kind.h"
 #include "cli/outcome.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/distinguished_name.h"
-#include "cli/options.h"
+#include "cli/kind.h"
 
 #include <ctime>
 #include <optional>

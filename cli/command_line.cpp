@@ -1,11 +1,8 @@
 #include "cli/command_line.h"
 
 #include "cli/commands.h"
-#include "cli/suitability.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <memory>
@@ -41,133 +38,29 @@ that ends before the old one or begins later than now. --accept takes what it na
 
 )";
 
-void add_common(CLI::App& command, CommonOptions& options) {
-    command.add_flag("--json", options.json, "Print the result as JSON on standard output");
-    command
-        .add_option("--module-dir", options.module_dir,
-                    "Folder of the cards' PKCS#11 modules (else this program's own, then the system's)")
-        ->type_name("DIR");
-}
-
-void add_card(CLI::App& command, CommonOptions& options) {
-    add_common(command, options);
-    command
-        .add_option("--reader", options.reader,
-                    "Reader to use, its whole name (else the only one with a card)")
-        ->type_name("NAME");
-    command.add_option("--pin-file", options.pin_file, "Read the PIN from a file (else it is asked for)")
-        ->type_name("FILE");
-    command.add_flag("--final-try", options.final_try,
-                     "Use the PIN even if it is the last try before the card locks");
-}
-
-void add_days(CLI::App& command, int& days) {
-    command.add_option("--days", days, "A certificate is due when it ends within so many days")
-        ->type_name("N")
-        ->check(CLI::Range(0, 36500).description(""))
-        ->capture_default_str();
-}
-
-// A command and its options, which live as long as the parser.
-template <class Options> struct Command {
-    CLI::App& parser;
-    Options& options;
-};
-
+// A command with its options, which live as long as the parser.
 template <class Options>
-Command<Options> add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
-                             Report (*run)(const Options&)) {
+void add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
+                 Report (*run)(const Options&), const std::string& footer = EXITS) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(name, text);
-    command->footer(EXITS);
+    command->footer(footer);
+    OptionList list(*command);
+    options->declare(list);
     command->callback([&chosen, options, name, run] {
         chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
-    return {*command, *options};
 }
 
-void add_reading_commands(CLI::App& app, Invocation& chosen) {
-    const auto readers = add_command(
-        app, chosen, "readers",
-        "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
-    add_common(readers.parser, readers.options);
-    const auto list =
-        add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
-    add_card(list.parser, list.options);
-    add_days(list.parser, list.options.days);
-    const auto free_id =
-        add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
-    add_card(free_id.parser, free_id.options);
-}
-
-// Turns the name of a kind into its number, which is what the parser reads into an enumeration.
-std::string kind_number(std::string& word) {
-    for (const zv::KindRow& row : zv::KINDS) {
-        if (word != row.name) continue;
-        word = std::to_string(static_cast<int>(row.id));
-        return {};
-    }
-    return "signature, authentication or services, not \"" + word + "\"";
-}
-
-void add_request(CLI::App& app, Invocation& chosen) {
-    const auto [command, options] = add_command(
-        app, chosen, "request",
-        "Makes new keys on the card and a request for them; a services card's own stay", run_request);
-    command
-        .add_option("KIND", options.kind, "signature, authentication, or services (a services card's own)")
-        ->required()
-        ->type_name("")
-        ->transform(CLI::Validator(kind_number, "", "kind"));
-    command.add_option("--out", options.out, "New file for the request (else standard output)")
-        ->type_name("FILE");
-    command
-        .add_option("--subject", options.subject, "Subject, as /C=IT/O=.../CN=... (else the certificate's)")
-        ->type_name("NAME");
-    command
-        .add_option("--certificate", options.certificate,
-                    "Identifier of the certificate to renew (else the one that ends last)")
-        ->type_name("ID");
-    command.add_flag("--force", options.force, "Renew also what is not due");
-    command.add_flag("--new-pair", options.new_pair,
-                     "Discard the pair that waits on the card and make another (else it is used again)");
-    add_days(command, options.days);
-    add_card(command, options);
-}
-
-void add_install(CLI::App& app, Invocation& chosen) {
-    const auto [command, options] =
-        add_command(app, chosen, "install",
-                    "Stores the certificate that the authority issued, beside its keys", run_install);
-    command.footer(std::string(ABOUT_REMOVAL) + EXITS);
-    command
-        .add_option("CERTIFICATE", options.certificate_file,
-                    "The authority's file: PEM, DER or a PKCS#7 bundle")
-        ->required()
-        ->type_name("");
-    command
-        .add_option("--request", options.request_file,
-                    "The request that it answers (else the pairs that wait on the card are compared)")
-        ->type_name("FILE");
-    command
-        .add_option("--replace", options.replace,
-                    "Identifier of the certificate it replaces (else the one that signed the request, or "
-                    "the only one of its kind)")
-        ->type_name("ID");
-    command.add_flag("--remove-old", options.remove_old,
-                     "Remove the old certificate and its keys from the card");
-    command
-        .add_option("--backup", options.backup,
-                    "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)")
-        ->type_name("FILE");
-    command
-        .add_option("--accept", options.accept,
-                    "Take the certificate although: " +
-                        fmt::format("{}", fmt::join(accepted_reasons(), ", ")))
-        ->type_name("REASON,...")
-        ->delimiter(',')
-        ->check(CLI::IsMember(accepted_reasons()).description(""));
-    add_card(command, options);
+void add_commands(CLI::App& app, Invocation& chosen) {
+    add_command(app, chosen, "readers",
+                "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
+    add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
+    add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
+    add_command(app, chosen, "request",
+                "Makes new keys on the card and a request for them; a services card's own stay", run_request);
+    add_command(app, chosen, "install", "Stores the certificate that the authority issued, beside its keys",
+                run_install, std::string(ABOUT_REMOVAL) + EXITS);
 }
 
 // A mistake ends the reading before every option is known.
@@ -204,9 +97,7 @@ Invocation read_command_line(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(std::string(STEPS) + EXITS);
     app.get_formatter()->column_width(34);
-    add_reading_commands(app, chosen);
-    add_request(app, chosen);
-    add_install(app, chosen);
+    add_commands(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

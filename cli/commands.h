@@ -9,7 +9,7 @@ namespace cli {
 
 [[nodiscard]] Report run_readers(const CommonOptions& options);
 [[nodiscard]] Report run_list(const ListOptions& options);
-[[nodiscard]] Report run_free_id(const CommonOptions& options);
+[[nodiscard]] Report run_free_id(const CardOptions& options);
 [[nodiscard]] Report run_request(const RequestOptions& options);
 [[nodiscard]] Report run_install(const InstallOptions& options);
 

@@ -80,7 +80,7 @@ Report show_free(OpenedCard& card) {
 
 } // namespace
 
-Report run_free_id(const CommonOptions& options) {
+Report run_free_id(const CardOptions& options) {
     OpenedCard card = open_card(options);
     return about_card(card, [&] { return show_free(card); });
 }

@@ -97,7 +97,7 @@ Pin ask_pin(const Place& place, const CardState& state, bool final_try) {
 }
 
 // What is known of the card is added to `facts` as soon as it is.
-OpenedCard open_untouched(const CommonOptions& options, Use use, std::optional<CardFacts>& facts) {
+OpenedCard open_untouched(const CardOptions& options, Use use, std::optional<CardFacts>& facts) {
     // A PIN file is read before anything else: a PIN that is refused for its form asks nothing of the card.
     const bool from_file = !options.pin_file.empty();
     std::optional<Pin> early;
@@ -143,7 +143,7 @@ void require_alone(const OpenedCard& card) {
                    Advice{"repeat", "Run the command again."});
 }
 
-OpenedCard open_card(const CommonOptions& options, Use use) {
+OpenedCard open_card(const CardOptions& options, Use use) {
     std::optional<CardFacts> facts;
     try {
         return open_untouched(options, use, facts);

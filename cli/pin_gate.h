@@ -36,6 +36,6 @@ enum class Use { reading, changing };
 // locked PIN, and a final try unless options.final_try; then tries the PIN once.
 //
 // @throws Stop; after a wrong PIN it says what the card now says of the tries.
-[[nodiscard]] OpenedCard open_card(const CommonOptions& options, Use use = Use::reading);
+[[nodiscard]] OpenedCard open_card(const CardOptions& options, Use use = Use::reading);
 
 } // namespace cli

@@ -155,7 +155,7 @@ std::vector<Reader> list_readers() {
     return readers;
 }
 
-Place find_place(const CommonOptions& options) {
+Place find_place(const CardOptions& options) {
     const std::vector<Reader> readers = list_readers();
     if (readers.empty())
         throw Stop(Exit::refused, "There is no card reader.",

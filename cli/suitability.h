@@ -4,9 +4,6 @@
 
 namespace cli {
 
-// Reasons not to take a certificate, by the names that --accept takes.
-[[nodiscard]] const std::vector<std::string>& accepted_reasons();
-
 // Refuses a certificate that is worth nothing to the card's holder: one that has ended, is another person's or for
 // another purpose; and, where the old one is removed, one that ends before it or does not begin yet. What
 // options.accept names is taken.

@@ -1,0 +1,57 @@
+#include "cli/option_list.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace cli {
+namespace {
+
+// Turns the name of a kind into its number, which is what the parser reads into an enumeration.
+std::string kind_number(std::string& word) {
+    for (const zv::KindRow& row : zv::KINDS) {
+        if (word != row.name) continue;
+        word = std::to_string(static_cast<int>(row.id));
+        return {};
+    }
+    return "signature, authentication or services, not \"" + word + "\"";
+}
+
+} // namespace
+
+void OptionList::flag(const char* name, bool& field, const char* meaning) {
+    command_.add_flag(name, field, meaning);
+}
+
+void OptionList::text(const char* name, const char* shown, std::string& field, const char* meaning) {
+    command_.add_option(name, field, meaning)->type_name(shown);
+}
+
+void OptionList::days(const char* name, int& field, const char* meaning) {
+    constexpr int most = 36500; // a century
+    command_.add_option(name, field, meaning)
+        ->type_name("N")
+        ->check(CLI::Range(0, most).description(""))
+        ->capture_default_str();
+}
+
+void OptionList::words(const char* name, const char* shown, std::vector<std::string>& field,
+                       const std::vector<std::string>& known, const std::string& meaning) {
+    command_.add_option(name, field, fmt::format("{}{}", meaning, fmt::join(known, ", ")))
+        ->type_name(shown)
+        ->delimiter(',')
+        ->check(CLI::IsMember(known).description(""));
+}
+
+void OptionList::argument(const char* shown, std::string& field, const char* meaning) {
+    command_.add_option(shown, field, meaning)->required()->type_name("");
+}
+
+void OptionList::kind(const char* shown, Kind& field, const char* meaning) {
+    command_.add_option(shown, field, meaning)
+        ->required()
+        ->type_name("")
+        ->transform(CLI::Validator(kind_number, "", "kind"));
+}
+
+} // namespace cli

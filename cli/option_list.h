@@ -1,0 +1,34 @@
+#pragma once
+
+#include "cli/kind.h"
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace cli {
+
+// The options that a command declares: where the command line puts what it finds, and what --help says.
+class OptionList {
+  public:
+    explicit OptionList(CLI::App& command) : command_(command) {}
+
+    void flag(const char* name, bool& field, const char* meaning);
+    // @param shown  what its value is called
+    void text(const char* name, const char* shown, std::string& field, const char* meaning);
+    void days(const char* name, int& field, const char* meaning);
+    // Some of the words that are known, separated by commas; they are added to the meaning.
+    void words(const char* name, const char* shown, std::vector<std::string>& field,
+               const std::vector<std::string>& known, const std::string& meaning);
+    // What has to be given, without a name.
+    void argument(const char* shown, std::string& field, const char* meaning);
+    void kind(const char* shown, Kind& field, const char* meaning);
+
+  private:
+    CLI::App& command_;
+};
+
+} // namespace cli
