@@ -1,14 +1,16 @@
 #pragma once
 
+#include "zvConstants.h"
+
 #include <cstddef>
 #include <string_view>
 
 // The files through which a request goes to the crypto library and comes back signed.
 namespace zv {
 
-inline constexpr char REQUEST_FILE[] = "/tmp/tmpReqFile";
-inline constexpr char SIGNED_FILE[] = "/tmp/szP7MName";
-inline constexpr char BASE64_FILE[] = "/tmp/szP7MNameB64";
+inline constexpr char REQUEST_FILE[] = ZV_REQUEST_FILE;
+inline constexpr char SIGNED_FILE[] = ZV_SIGNED_FILE;
+inline constexpr char BASE64_FILE[] = ZV_BASE64_FILE;
 
 // The request file, created anew. Its descriptor is kept, so that another process that takes the name over is
 // noticed: two requests made at the same time must not be swapped.

@@ -1,6 +1,7 @@
 #include "cli/lock.h"
 
 #include "cli/outcome.h"
+#include "zvConstants.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -106,7 +107,7 @@ std::string owner_of(unsigned int user) {
 }
 
 Lock::Lock(const std::string& name, const std::string& busy)
-    : path_("/tmp/zvrenew-" + name + ".lock"), file_(acquire(path_, busy)) {}
+    : path_(ZV_TEMP_FOLDER "/zvrenew-" + name + ".lock"), file_(acquire(path_, busy)) {}
 
 Lock::~Lock() {
     if (holds()) ::unlink(path_.c_str());

@@ -2,6 +2,7 @@
 
 #include "cli/new_file.h"
 #include "cli/outcome.h"
+#include "zvConstants.h"
 
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -28,10 +29,10 @@ void refuse_obstacle(const std::string& path) {
 
 void require_room() {
     try {
-        NewFile trial(fmt::format("/tmp/zvrenew-{}.trial", ::getpid()));
+        NewFile trial(fmt::format(ZV_TEMP_FOLDER "/zvrenew-{}.trial", ::getpid()));
     } catch (const Stop& stop) {
         throw Stop(Exit::refused, "The library's temporary files cannot be made. " + stop.sentence,
-                   Advice{"free-tmp", "Make room in /tmp.", {{"file", "/tmp"}}});
+                   Advice{"free-tmp", "Make room in " ZV_TEMP_FOLDER ".", {{"file", ZV_TEMP_FOLDER}}});
     }
 }
 
@@ -39,7 +40,7 @@ void require_room() {
 
 Lock hold_request_files() {
     Lock lock("request", "is making a request, and two would get into each other's temporary files");
-    for (const char* path : {"/tmp/tmpReqFile", "/tmp/szP7MName", "/tmp/szP7MNameB64"})
+    for (const char* path : {ZV_REQUEST_FILE, ZV_SIGNED_FILE, ZV_BASE64_FILE})
         refuse_obstacle(path);
     require_room();
     return lock;

@@ -68,6 +68,17 @@
 /** Characters of a pending identifier that survive a reading. */
 #define ZV_PENDING_LABEL_MAX ZV_ID_MAX
 
+/* ---- Files that a request passes through; a folder or another user's file of the name stops it ---- */
+
+/** Where they are, and the program's locks. */
+#define ZV_TEMP_FOLDER "/tmp"
+/** The request, to be signed. */
+#define ZV_REQUEST_FILE ZV_TEMP_FOLDER "/tmpReqFile"
+/** What the crypto library signed. */
+#define ZV_SIGNED_FILE ZV_TEMP_FOLDER "/szP7MName"
+/** The same as base64. */
+#define ZV_BASE64_FILE ZV_TEMP_FOLDER "/szP7MNameB64"
+
 /* ---- What a host reads ---- */
 
 /** Characters of a text for the user, szBuffErr or szSockMsg. */

@@ -239,8 +239,8 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *         session; a code of the crypto library
  * After a failure: the pair, if it was generated, stays on the card under pendingLabel, and the next call
  * with that label uses it again; with keepFlag true an old pair may be gone. When only half of it is there
- * the discarding fails, and with it the request. The temporary files (/tmp/tmpReqFile, /tmp/szP7MName,
- * /tmp/szP7MNameB64; no secrets) are left. With another maker's crypto library the card may stay logged in,
+ * the discarding fails, and with it the request. The temporary files (ZV_REQUEST_FILE, ZV_SIGNED_FILE,
+ * ZV_BASE64_FILE; no secrets) are left. With another maker's crypto library the card may stay logged in,
  * to any PIN, when the wrapping failed: DoFinalize ends that.
  */
 ZV_API int rinnovo_Card_createCertRequestPRA(char* requestOut, const char* pendingLabel, char* pin,
