@@ -1,7 +1,7 @@
 #include "tests/flows/flow.h"
 
 #include "install/certificate_object.h"
-#include "routines/card.h"
+#include "routines.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/renewal.h"
 #include "simcard/common/card_folder.h"
@@ -129,6 +129,24 @@ void Flow::add(const std::vector<std::string>& certificates, const std::vector<s
         ASSERT_EQ(zv::create_certificate(""), CKR_OK);
     }
     finalizza();
+}
+
+void OpenFlow::SetUp() {
+    std::string pin = PIN, library = path();
+    ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+    log.clear();
+}
+
+void OpenFlow::add_data(const char* label, const std::string& value, bool modifiable) {
+    ASSERT_EQ(DataStore(zv::hSession, label, value.c_str(), "", modifiable, true), 0u);
+}
+
+unsigned OpenFlow::delete_one(CK_OBJECT_CLASS object_class, std::string id) {
+    return DeleteAnObject(zv::hSession, object_class, id.data());
+}
+
+int OpenFlow::delete_all(std::string text) {
+    return DeleteObjectByLabel(zv::hSession, text.data());
 }
 
 bool Flow::pair_works(const std::string& id) {

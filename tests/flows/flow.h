@@ -63,6 +63,15 @@ class Flow : public testing::Test {
     std::string request_text;
 };
 
+// A card in a session of the test's own.
+class OpenFlow : public Flow {
+  protected:
+    void SetUp() override;
+    void add_data(const char* label, const std::string& value, bool modifiable = true);
+    unsigned delete_one(CK_OBJECT_CLASS object_class, std::string id);
+    int delete_all(std::string text);
+};
+
 // A card with the pending pair DS3 and the certificate that the authority issued for it.
 class PendingFlow : public Flow {
   protected:

@@ -116,12 +116,11 @@ TEST_F(Install, CertificateIsNotWrittenForAPairThatKeepsItsName) {
     EXPECT_EQ(objects(), before);
 }
 
-// A certificate that no pair is asked for, in a session of the test's own.
-class InstallStep : public Flow {
+// A certificate that no pair is asked for.
+class InstallStep : public OpenFlow {
   protected:
     void SetUp() override {
-        std::string pin = PIN, library = path();
-        ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
+        ASSERT_NO_FATAL_FAILURE(OpenFlow::SetUp());
         unsigned char* der = certificate.der;
         certificate.derLength = static_cast<uint64_t>(i2d_X509(&authority().certificate(), &der));
         log.clear();

@@ -196,4 +196,29 @@ TEST_F(Flow, AModuleThatIsStartedAlreadyIsStartedAnew) {
     EXPECT_EQ(read().result, -1) << "once";
 }
 
+TEST_F(OpenFlow, FullOpenerIsStricterThanTheLightOne) {
+    std::string pin = PIN, wrong = "0", none, library = path();
+    EXPECT_EQ(inizializza(library.data(), wrong.data(), 0, nullptr, CKU_USER), 2);
+    EXPECT_STREQ(szSockMsg, "") << "the caller words a wrong PIN";
+    module.add_rules("C_Login:1:do-and-answer:0x100");
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nel login alla smartcard (La smartcard ha gia' un login in corso. Ripetere "
+                 "l'operazione)");
+    module.add_rules("C_Initialize:1:do-and-answer:0x191");
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_STREQ(szSockMsg,
+                 "Errore nella inizializzazione della libreria di gestione della smartcard (Libreria "
+                 "crittografica non finalizzata. Ripetere l'operazione)");
+    module.add_rules("C_OpenSession:1:answer:0xE0");
+    log.clear();
+    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
+    EXPECT_TRUE(
+        std::string(szSockMsg).starts_with("Errore aprendo la sessione con la smartcard (Nessuna smartcard"));
+    EXPECT_TRUE(has(log.text(),
+                    "** Messaggio di Errore\nErrore aprendo la sessione con la smartcard.\r\nIntrodurre "
+                    "correttamente la smartcard nel lettore e riprovare\n"));
+    EXPECT_EQ(inizializza(library.data(), none.data(), 0, nullptr, CKU_USER), 0);
+}
+
 } // namespace

@@ -1,4 +1,4 @@
-// Token objects: searching, deleting, relabelling, markers, censuses and dumps, in a session of the test's own.
+// Token objects: searching, reading, deleting, markers.
 #include "routines.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
@@ -10,21 +10,7 @@ namespace {
 using namespace zvtest;
 using Lines = std::vector<std::string>;
 
-class Store : public Flow {
-  protected:
-    void SetUp() override {
-        std::string pin = PIN, library = path();
-        ASSERT_EQ(__Initialize(0, pin.data(), library.data()), CKR_OK);
-        log.clear();
-    }
-    void add_data(const char* label, const std::string& value, bool modifiable = true) {
-        ASSERT_EQ(DataStore(zv::hSession, label, value.c_str(), "", modifiable, true), 0u);
-    }
-    unsigned delete_one(CK_OBJECT_CLASS object_class, std::string id) {
-        return DeleteAnObject(zv::hSession, object_class, id.data());
-    }
-    int delete_all(std::string text) { return DeleteObjectByLabel(zv::hSession, text.data()); }
-};
+class Store : public OpenFlow {};
 
 TEST_F(Store, OneObjectIsDeletedByItsExactIdentifier) {
     EXPECT_EQ(delete_one(CKO_CERTIFICATE, "DS"), 0xFFFFFFFFu);
@@ -126,99 +112,6 @@ TEST_F(Store, MarkersAreWrittenOnceAndRemoved) {
     char certificate[] = "DS0";
     EXPECT_EQ(DeleteDataPendingCNS(zv::hSession, certificate), 0u);
     EXPECT_EQ(objects().size(), 7u) << "only data is a marker";
-}
-
-TEST_F(Store, CensusTellsWhatTheCardHolds) {
-    std::strcpy(zv::certificateLabel, "DS0");
-    std::strcpy(zv::pendingLabel, "AUTHCertificate0");
-    char text[1536] = "";
-    EXPECT_EQ(FindAllObjects(0, text), 4);
-    ASSERT_EQ(delete_all("DS0"), 0);
-    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "Korvalenta Firma Dig"), 0u);
-    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
-    text[0] = '\0';
-    EXPECT_EQ(FindAllObjects(0, text), 3);
-    EXPECT_STREQ(text, "* Chiave pubblica \tkey type: RSA key\r\n* Chiave privata \tkey type: RSA key\r\n");
-    std::memset(text, 'x', 1500);
-    text[1500] = '\0';
-    FindAllObjects(0, text);
-    EXPECT_EQ(std::string(text).substr(1500), "") << "whole lines only";
-    ASSERT_EQ(delete_all(""), 0);
-    text[0] = '\0';
-    EXPECT_EQ(FindAllObjects(0, text), 0);
-    add_data("note", "x");
-    EXPECT_EQ(FindAllObjects(0, text), 2);
-    EXPECT_STREQ(text, "* Dati\r\n");
-    module.add_rules("C_GetAttributeValue:2:answer:0x30");
-    EXPECT_EQ(FindAllObjects(0, text), 1);
-}
-
-TEST_F(Store, BlankCardsHaveEveryIdentifierFree) {
-    char pra[32], aut[32];
-    ASSERT_EQ(delete_all(""), 0);
-    EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
-    EXPECT_STREQ(pra, "DS3");
-    EXPECT_STREQ(aut, "AUTHCertificate3");
-    module.add_rules("C_GetAttributeValue:1:answer:0x30");
-    add_data("note", "x");
-    force2048PraGen = false;
-    EXPECT_EQ(findFreeCKAID(pra, aut, false), -1);
-    EXPECT_TRUE(force2048PraGen);
-    EXPECT_STREQ(pra, "");
-    ckaid table[ZV_CKAIDS] = {};
-    std::strcpy(table[9].id, "DS3");
-    EXPECT_TRUE(presente(table, "DS3"));
-    EXPECT_TRUE(presente(table, "")) << "an empty identifier matches an empty record";
-    EXPECT_FALSE(presente(table, "DS"));
-}
-
-TEST_F(Store, FirstKeysAreNeverPending) {
-    char pra[32], aut[32];
-    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "DS0"), 0u);
-    ASSERT_EQ(delete_one(CKO_CERTIFICATE, "AUTHCertificate0"), 0u);
-    EXPECT_EQ(findFreeCKAID(pra, aut, false), 0);
-    EXPECT_STREQ(pra, "DS3");
-    EXPECT_STREQ(aut, "AUTHCertificate3");
-    int pending_pra = 0, pending_aut = 0;
-    EXPECT_EQ(Find_ALL_Pending(&pending_pra, &pending_aut, pra, aut), 0);
-    EXPECT_EQ(pending_pra + pending_aut, 0);
-    EXPECT_STREQ(pra, "") << "no signature certificate, no proposal";
-    EXPECT_STREQ(aut, "AUTHCertificate3") << "the authority's certificate counts as the other kind";
-}
-
-TEST_F(Store, ADumpThatFailsHasNoCount) {
-    finalizza();
-    std::string out, pin = PIN, library = path();
-    module.add_rules("C_FindObjects:3:answer:0x30");
-    EXPECT_EQ(renewDump(library.data(), pin.data(), 0, out), 0);
-    EXPECT_FALSE(has(out, "Trovati"));
-    EXPECT_EQ(renewDump(library.data(), pin.data(), 9, out), static_cast<int>(CKR_SLOT_ID_INVALID));
-    EXPECT_EQ(zv::hSession, 0u);
-}
-
-TEST_F(Store, FullOpenerIsStricterThanTheLightOne) {
-    std::string pin = PIN, wrong = "0", none, library = path();
-    EXPECT_EQ(inizializza(library.data(), wrong.data(), 0, nullptr, CKU_USER), 2);
-    EXPECT_STREQ(szSockMsg, "") << "the caller words a wrong PIN";
-    module.add_rules("C_Login:1:do-and-answer:0x100");
-    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
-    EXPECT_STREQ(szSockMsg,
-                 "Errore nel login alla smartcard (La smartcard ha gia' un login in corso. Ripetere "
-                 "l'operazione)");
-    module.add_rules("C_Initialize:1:do-and-answer:0x191");
-    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
-    EXPECT_STREQ(szSockMsg,
-                 "Errore nella inizializzazione della libreria di gestione della smartcard (Libreria "
-                 "crittografica non finalizzata. Ripetere l'operazione)");
-    module.add_rules("C_OpenSession:1:answer:0xE0");
-    log.clear();
-    EXPECT_EQ(inizializza(library.data(), pin.data(), 0, nullptr, CKU_USER), 1);
-    EXPECT_TRUE(
-        std::string(szSockMsg).starts_with("Errore aprendo la sessione con la smartcard (Nessuna smartcard"));
-    EXPECT_TRUE(has(log.text(),
-                    "** Messaggio di Errore\nErrore aprendo la sessione con la smartcard.\r\nIntrodurre "
-                    "correttamente la smartcard nel lettore e riprovare\n"));
-    EXPECT_EQ(inizializza(library.data(), none.data(), 0, nullptr, CKU_USER), 0);
 }
 
 TEST_F(Store, TracedCallsDifferInWhatAFailureLogs) {
