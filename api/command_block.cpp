@@ -3,7 +3,6 @@
 #include "api/lines.h"
 #include "api/state.h"
 #include "card/detection.h"
-#include "routines/api.h"
 #include "store/renewal_state.h"
 #include "util/numbers.h"
 #include "util/text.h"
@@ -50,13 +49,9 @@ constexpr std::array<BlockKey, BLOCK_KEYS> BLOCK = block_keys();
 
 namespace {
 
-char* field_of(REQRENIN& record, const BlockKey& key) {
-    return reinterpret_cast<char*>(&record) + key.offset;
-}
-
 // A field of one character has no terminator.
 void set_field(REQRENIN& record, const BlockKey& key, std::string_view value) {
-    char* field = field_of(record, key);
+    char* field = reinterpret_cast<char*>(&record) + key.offset;
     if (key.width == 1)
         *field = value.empty() ? '\0' : value.front();
     else
@@ -66,7 +61,7 @@ void set_field(REQRENIN& record, const BlockKey& key, std::string_view value) {
 } // namespace
 
 std::string_view field_text(const REQRENIN& record, const BlockKey& key) {
-    return bounded_text(field_of(const_cast<REQRENIN&>(record), key), key.width);
+    return bounded_text(reinterpret_cast<const char*>(&record) + key.offset, key.width);
 }
 
 std::bitset<BLOCK_KEYS> parse_block(std::string_view block, REQRENIN& record) {
@@ -99,58 +94,49 @@ void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found) {
     }
 }
 
-} // namespace zv
-
 namespace {
 
 // Adds to the library's request buffer; remembers when something did not fit.
 class BlockWriter {
   public:
-    BlockWriter() { zv::szBufferRichiesta[0] = '\0'; }
+    BlockWriter() { szBufferRichiesta[0] = '\0'; }
     BlockWriter& add(std::string_view text) {
-        fits_ = zv::append_text(zv::szBufferRichiesta, text) && fits_;
+        fits_ = append_text(szBufferRichiesta, text) && fits_;
         return *this;
     }
     [[nodiscard]] bool fits() const { return fits_; }
 
-    [[nodiscard]] std::size_t length() const { return std::strlen(zv::szBufferRichiesta); }
+    [[nodiscard]] std::size_t length() const { return std::strlen(szBufferRichiesta); }
 
   private:
     bool fits_ = true;
 };
 
-// Where the PIN stands in the request buffer.
-std::size_t pin_start = 0, pin_length = 0;
-
 } // namespace
 
-unsigned long RichiestaMinInfo(char* cert_label, const char* pin, const char* cert_chain, char* pending_label,
-                               const char* cert_kind, const char* keep_flag) {
+WrittenBlock write_block(const BlockValues& values) {
     BlockWriter writer;
-    writer.add("BEGIN_STRING\nslot:")
-        .add(zv::with_decimal("", zv::slot).text)
-        .add("\ncertificatelabel:")
-        .add(zv::or_empty(cert_label));
-    writer.add("\nszdll:").add(zv::Libreria).add("\nszpin:");
-    pin_start = writer.length();
-    writer.add(zv::or_empty(pin));
-    pin_length = writer.length() - pin_start;
-    writer.add("\nsztipocert:").add(zv::or_empty(cert_kind)).add("\nckeepkeys:").add(zv::or_empty(keep_flag));
-    writer.add("\npendinglabel:")
-        .add(zv::or_empty(pending_label))
-        .add("\nszcertchain:")
-        .add(zv::or_empty(cert_chain));
-    for (const auto& [key, place] : zv::forms::BLOCK)
-        writer.add("\n").add(key).add(zv::name_text(zv::dNameRen, place));
-    const unsigned long length = writer.length();
+    WrittenBlock block;
+    writer.add("BEGIN_STRING\nslot:").add(with_decimal("", slot).text);
+    writer.add("\ncertificatelabel:").add(values.cert_label);
+    writer.add("\nszdll:").add(Libreria).add("\nszpin:");
+    block.pin_start = writer.length();
+    writer.add(values.pin);
+    block.pin_length = writer.length() - block.pin_start;
+    writer.add("\nsztipocert:").add(values.kind).add("\nckeepkeys:").add(values.keep_flag);
+    writer.add("\npendinglabel:").add(values.pending_label).add("\nszcertchain:").add(values.certificate);
+    for (const auto& [key, place] : forms::BLOCK)
+        writer.add("\n").add(key).add(name_text(dNameRen, place));
+    block.length = writer.length();
     writer.add("\nEND_STRING\n");
-    if (writer.fits()) return length;
-    zv::clear(zv::szBufferRichiesta);
-    return 0;
+    if (writer.fits()) return block;
+    clear(szBufferRichiesta);
+    return {};
 }
 
-void zv::wipe_pin() {
-    std::fill_n(szBufferRichiesta + pin_start,
-                std::min(pin_length, std::strlen(szBufferRichiesta + pin_start)), '*');
-    pin_length = 0;
+void wipe_pin(const WrittenBlock& block) {
+    char* pin = szBufferRichiesta + block.pin_start;
+    std::fill_n(pin, std::min(block.pin_length, std::strlen(pin)), '*');
 }
+
+} // namespace zv

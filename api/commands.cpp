@@ -1,4 +1,5 @@
-// miExecCmd and the commands that it runs.
+#include "api/commands.h"
+
 #include "api/command_block.h"
 #include "api/state.h"
 #include "card/session.h"
@@ -7,7 +8,6 @@
 #include "install/issued_certificate.h"
 #include "kinds.h"
 #include "request/request.h"
-#include "routines/api.h"
 #include "routines/card.h"
 #include "store/deletion.h"
 #include "store/keep_flag.h"
@@ -21,14 +21,16 @@
 #include <memory>
 #include <new>
 
+namespace zv {
+
 namespace {
 
-constexpr std::size_t LINE_LENGTH = 64;
+constexpr std::size_t BROKEN_LINE = 64;
 
 // A record holds the PIN.
 struct WipeRecord {
     void operator()(REQRENIN* record) const {
-        zv::wipe(record, sizeof *record);
+        wipe(record, sizeof *record);
         delete record;
     }
 };
@@ -39,7 +41,7 @@ int slot_of(const REQRENIN& record) {
 
 // A later login by slot index is led to the same card; index 0 is looked up anew.
 void remember_slot(int slot) {
-    if (slot >= 0 && slot < static_cast<int>(zv::CACHED_SLOTS)) zv::vettoreSlotID[slot] = zv::slotID;
+    if (slot >= 0 && slot < static_cast<int>(CACHED_SLOTS)) vettoreSlotID[slot] = slotID;
 }
 
 int open_for(REQRENIN& record) {
@@ -48,124 +50,109 @@ int open_for(REQRENIN& record) {
     return result;
 }
 
-bool lacks(const REQRENIN* record, const char* out, const unsigned* out_len) {
-    return record == nullptr || out == nullptr || out_len == nullptr;
-}
-
-int give_result(char* out, unsigned* out_len) {
-    const std::size_t length = zv::bounded_text(zv::buffer, sizeof zv::buffer).size();
-    if (length >= *out_len) return ZV_NOT_SENT;
-    std::copy_n(zv::buffer, length + 1, out);
-    *out_len = static_cast<unsigned>(length);
+int give_result(std::span<char> out) {
+    const std::string_view result = bounded_text(buffer, sizeof buffer);
+    if (result.size() >= out.size()) return ZV_NOT_SENT;
+    copy_text(out.data(), out.size(), result);
     return 0;
 }
 
 int delete_replaced(REQRENIN& record) {
-    if (zv::kind_of_code(record.szTipoCert) == zv::Kind::services)
-        return static_cast<int>(zv::delete_own_certificate(zv::hSession));
-    return zv::delete_certificate_and_keys(zv::hSession, record.certificateLabel) ? 0 : ZV_FAILED;
+    if (kind_of_code(record.szTipoCert) == Kind::services)
+        return static_cast<int>(delete_own_certificate(hSession));
+    return delete_certificate_and_keys(hSession, record.certificateLabel) ? 0 : ZV_FAILED;
 }
 
-int install_as_pending(REQRENIN& record, char* out, unsigned* out_len) {
-    zv::copy_text(zv::certAlias, record.pendingLabel);
-    return ScaCert(&record, nullptr, out, out_len);
+int install_as_pending(REQRENIN& record, std::span<char> out) {
+    copy_text(certAlias, record.pendingLabel);
+    return install_record(record, out);
 }
 
-int replace_certificate(REQRENIN& record, char* out, unsigned* out_len) {
+int replace_certificate(REQRENIN& record, std::span<char> out) {
     const int result = delete_replaced(record);
     if (result != 0) return result;
-    const auto kind = zv::kind_of_code(record.szTipoCert);
-    if (kind && zv::kind_row(*kind).authority)
-        zv::delete_authority_certificate(zv::hSession, zv::CAcertificateLabel, record.szTipoCert);
-    return install_as_pending(record, out, out_len);
+    const auto kind = kind_of_code(record.szTipoCert);
+    if (kind && kind_row(*kind).authority)
+        delete_authority_certificate(hSession, CAcertificateLabel, record.szTipoCert);
+    return install_as_pending(record, out);
 }
 
-int run(const char* command, REQRENIN& record, char* out, unsigned* out_len) {
-    if (std::strcmp(command, "REQREN") == 0) {
-        zv::write_line("inizio esecuzione della funzione Rinnova() (all'interno di miExecCmd() ..)");
-        return Rinnova(&record, out, out_len);
+int run(std::string_view command, REQRENIN& record, std::span<char> out) {
+    if (command == "REQREN") {
+        write_line("inizio esecuzione della funzione Rinnova() (all'interno di miExecCmd() ..)");
+        return renew(record, out);
     }
-    if (std::strcmp(command, "REQSCA") == 0) {
-        zv::write_line("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
-        return Scarica(&record, out, out_len);
+    if (command == "REQSCA") {
+        write_line("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
+        return replace_or_keep(record, out);
     }
     return ZV_UNUSABLE;
 }
 
 } // namespace
 
-int miExecCmd(const char* command, char* block, long, char* out, long* out_len) {
-    if (out == nullptr || out_len == nullptr) return ZV_UNUSABLE;
+int run_block(std::string_view command, std::string_view block, std::span<char> out) {
     const std::unique_ptr<REQRENIN, WipeRecord> record(new (std::nothrow) REQRENIN{});
     if (record == nullptr) return ZV_UNUSABLE;
-    const auto found = zv::parse_block(zv::or_empty(block), *record);
-    zv::publish(*record, found);
-    zv::slotUtente = slot_of(*record);
-    const zv::CommandSlot held(static_cast<CK_SLOT_ID>(static_cast<long>(zv::slotUtente)));
+    const auto found = parse_block(block, *record);
+    publish(*record, found);
+    slotUtente = slot_of(*record);
+    const CommandSlot held(static_cast<CK_SLOT_ID>(static_cast<long>(slotUtente)));
     // Handles of an earlier command died with its session.
-    zv::hPrivateKey = 0;
-    zv::hPublicKey = 0;
-    // The length is a 32-bit value in a wider variable, whose other half is left alone.
-    auto length = static_cast<unsigned>(*out_len);
-    const int result = run(zv::or_empty(command), *record, out, &length);
-    if (result == 0)
-        *out_len = static_cast<long>((static_cast<unsigned long>(*out_len) & ~0xFFFFFFFFUL) | length);
+    hPrivateKey = 0;
+    hPublicKey = 0;
+    const int result = run(command, *record, out);
     finalizza();
     return result;
 }
 
-int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
-    if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
-    zv::clear(zv::buffer);
-    zv::trace("REQCERT_FUN", rec->szTipoCert);
-    zv::write_line("Eseguo la funzione RichiestaCertificato() ..");
+int request_record(REQRENIN& record, std::span<char> out) {
+    clear(buffer);
+    trace("REQCERT_FUN", record.szTipoCert);
+    write_line("Eseguo la funzione RichiestaCertificato() ..");
     const unsigned short result =
-        zv::request_certificate({rec->szDll, rec->szPin}, rec->szTipoCert, zv::buffer);
-    zv::trace("Funzione RichiestaCertificato eseguita", zv::buffer, zv::with_hex("Ret Code = ", result));
+        request_certificate({record.szDll, record.szPin}, record.szTipoCert, buffer);
+    trace("Funzione RichiestaCertificato eseguita", buffer, with_hex("Ret Code = ", result));
     if (result != 0) return result;
-    const unsigned long length = SepRows(zv::buffer);
-    zv::trace("Dopo SepRows", zv::buffer, zv::with_hex("Len = ", static_cast<long>(length)));
-    return give_result(out, out_len);
+    const std::size_t length = break_lines(buffer);
+    trace("Dopo SepRows", buffer, with_hex("Len = ", static_cast<long>(length)));
+    return give_result(out);
 }
 
-int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
-    if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
-    zv::clear(zv::buffer);
-    const int result = zv::install_issued(rec->szCertChain, rec->szDll);
-    zv::trace("Dopo Memorizzazione", zv::buffer, zv::with_hex("Ret Code = ", result));
-    return result != 0 ? result : give_result(out, out_len);
+int install_record(REQRENIN& record, std::span<char> out) {
+    clear(buffer);
+    const int result = install_issued(record.szCertChain, record.szDll);
+    trace("Dopo Memorizzazione", buffer, with_hex("Ret Code = ", result));
+    return result != 0 ? result : give_result(out);
 }
 
-int Scarica(REQRENIN* rec, char* out, unsigned* out_len) {
-    if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
-    int result = open_for(*rec);
+int replace_or_keep(REQRENIN& record, std::span<char> out) {
+    int result = open_for(record);
     if (result != 0) return result;
-    result = rec->cKeepKeys == *zv::KEEP_REPLACED ? install_as_pending(*rec, out, out_len)
-                                                  : replace_certificate(*rec, out, out_len);
+    result = record.cKeepKeys == *KEEP_REPLACED ? install_as_pending(record, out)
+                                                : replace_certificate(record, out);
     finalizza();
     return result;
 }
 
-int Rinnova(REQRENIN* rec, char* out, unsigned* out_len) {
-    if (lacks(rec, out, out_len)) return ZV_UNUSABLE;
-    const int result = open_for(*rec);
+int renew(REQRENIN& record, std::span<char> out) {
+    const int result = open_for(record);
     if (result != 0) return result;
-    zv::write_line("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
-    return ReqCert(rec, &rec->dn, out, out_len);
+    write_line("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
+    return request_record(record, out);
 }
 
-unsigned long SepRows(char* text) {
-    if (text == nullptr) return 0;
-    char copy[sizeof zv::buffer + 1];
-    zv::copy_text(copy, text);
+std::size_t break_lines(char* text) {
+    char copy[sizeof buffer + 1];
+    copy_text(copy, text);
     char* out = text;
-    const char* last = text + sizeof zv::buffer - 2;
+    const char* last = text + sizeof buffer - 2;
     std::size_t column = 0;
     const char* from = copy;
     for (; *from != '\0' && out < last; ++from) {
         if (*from == '\n') {
             column = 0;
-        } else if (column == LINE_LENGTH) {
+        } else if (column == BROKEN_LINE) {
             *out++ = '\n';
             column = 1;
         } else {
@@ -175,5 +162,7 @@ unsigned long SepRows(char* text) {
     }
     // Behind a text that is cut, what it was before would still stand.
     if (*from != '\0') *out = '\0';
-    return static_cast<unsigned long>(out - text);
+    return static_cast<std::size_t>(out - text);
 }
+
+} // namespace zv

@@ -3,7 +3,6 @@
 
 #include "api/lines.h"
 #include "api/state.h"
-#include "routines/api.h"
 #include "util/name_forms.h"
 #include "util/text.h"
 
@@ -33,14 +32,6 @@ void load_text(datiDN& name, std::string_view rest) {
     std::size_t org_units = 0;
     while (zv::next_line(rest, line))
         load_line(name, line, org_units);
-}
-
-void replace_in(char* dn, std::size_t size, std::string_view from, std::string_view to) {
-    char pattern[32], replacement[32];
-    zv::copy_text(pattern, from);
-    zv::copy_text(replacement, to);
-    replace(dn, pattern, replacement);
-    zv::copy_text(dn, size, zv::newstring);
 }
 
 // Grows a text of at most MOST_TEXT characters; what would not fit is refused whole.
@@ -99,30 +90,30 @@ datiDN zv::whole_name(std::string_view dn) {
     return name;
 }
 
-void replace(char* text, char* from, char* to) {
-    const std::string_view whole = zv::or_empty(text), pattern = zv::or_empty(from);
-    if (pattern.empty() || whole.find(pattern) == std::string_view::npos)
-        zv::copy_text(zv::newstring, zv::cut_at_character(whole, MOST_TEXT));
+void zv::replace_text(std::string_view text, std::string_view from, std::string_view to) {
+    if (from.empty() || text.find(from) == std::string_view::npos)
+        copy_text(newstring, cut_at_character(text, MOST_TEXT));
     else
-        zv::copy_text(zv::newstring, replaced<BoundedText>(whole, pattern, zv::or_empty(to)).get());
+        copy_text(newstring, replaced<BoundedText>(text, from, to).get());
 }
 
-void ResettaDN() {
-    zv::dNameRen = datiDN();
+void zv::clear_subject() {
+    dNameRen = datiDN();
 }
 
-void CaricaDN(char* text) {
-    load_text(zv::dNameRen, zv::or_empty(text));
+void zv::load_subject(std::string_view lines) {
+    load_text(dNameRen, lines);
 }
 
-void _RiempiDN(char* dn, unsigned int size) {
-    for (const auto& [from, place] : zv::forms::HOST_NAMES)
-        replace_in(dn, size, from, zv::nameAttribute(place.attribute).oid);
-    for (const std::string_view start : zv::forms::HOST_LINE_STARTS) {
-        char broken[32] = "\n";
-        zv::append_text(broken, start);
-        replace_in(dn, size, start, broken);
-    }
-    ResettaDN();
-    CaricaDN(zv::newstring);
+void zv::take_subject(std::span<char> dn) {
+    const auto replace_in = [dn](std::string_view from, std::string_view to) {
+        replace_text(or_empty(dn.data()), from, to);
+        copy_text(dn.data(), dn.size(), newstring);
+    };
+    for (const auto& [from, place] : forms::HOST_NAMES)
+        replace_in(from, nameAttribute(place.attribute).oid);
+    for (const std::string_view start : forms::HOST_LINE_STARTS)
+        replace_in(start, std::string("\n").append(start));
+    clear_subject();
+    load_subject(newstring);
 }

@@ -1,14 +1,12 @@
 #include "api/entry.h"
 
+#include "api/commands.h"
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
 #include "diag/log.h"
-#include "routines/api.h"
 #include "util/text.h"
 #include "zvCrypt.h"
-
-#include <cstring>
 
 namespace zv {
 
@@ -41,17 +39,11 @@ void trace_entry(const char* function, const char* after) {
     write_line(line);
 }
 
-int run_command(const char* command, const BlockValues& values) {
-    // The writer's parameters are not const, though it only reads them.
-    RichiestaMinInfo(const_cast<char*>(values.cert_label), values.pin, values.certificate,
-                     const_cast<char*>(values.pending_label), values.kind, values.keep_flag);
+int run_command(std::string_view command, const BlockValues& values) {
+    const WrittenBlock block = write_block(values);
     int code = guard_block(values);
-    if (code == 0) {
-        long length = sizeof szBufferDatiOut;
-        code = miExecCmd(command, szBufferRichiesta, static_cast<long>(std::strlen(szBufferRichiesta)),
-                         szBufferDatiOut, &length);
-    }
-    wipe_pin();
+    if (code == 0) code = run_block(command, szBufferRichiesta, szBufferDatiOut);
+    wipe_pin(block);
     return code;
 }
 

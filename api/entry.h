@@ -19,7 +19,7 @@ void trace_entry(const char* function, const char* after);
 
 // Writes the command block, runs the command unless the block is not faithful, and forgets the PIN. The result
 // is in szBufferDatiOut.
-[[nodiscard]] int run_command(const char* command, const BlockValues& values);
+[[nodiscard]] int run_command(std::string_view command, const BlockValues& values);
 
 // Ends a call whose command was not sent or failed. Returns code.
 int fail_command(int code);

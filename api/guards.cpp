@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace zv {
 
@@ -33,7 +34,8 @@ int guard_readable(const char* certificate) {
     char text[ZVC_CERT_TEXT_SIZE] = {}, explanation[512] = {};
     if (std::strlen(certificate) >= sizeof text)
         return stop("il testo del certificato e' troppo lungo", ZV_FAILED);
-    writeBuff(const_cast<char*>(certificate), text);
+    std::string writable(certificate);
+    writeBuff(writable.data(), text);
     text[sizeof text - 1] = '\0';
     datiCert record{};
     if (SplitCert(text, &record, explanation, sizeof explanation) == 0) return ZV_OK;
