@@ -2,7 +2,11 @@
 
 #include "simcard/common/problem.h"
 
+#include <ini.h>
+
+#include <algorithm>
 #include <charconv>
+#include <exception>
 #include <variant>
 
 namespace simcard {
@@ -85,12 +89,39 @@ void put_line(Card& card, std::string_view key, std::string_view value) {
     card.others.emplace_back(key, value);
 }
 
-void parse_line(Card& card, std::string_view line) {
-    line = trimmed(line);
-    if (line.empty() || line[0] == '#' || line[0] == ';') return;
-    const auto equals = line.find('=');
-    if (equals == std::string_view::npos) refuse(line, "has no value");
-    put_line(card, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+// What inih has read so far. It is C: an exception stops here, and ends the reading.
+struct Reading {
+    std::string_view rest;
+    std::vector<std::string_view> lines;
+    Card card;
+    std::exception_ptr problem;
+};
+
+// Gives inih the next line: without the blanks in front, by which it would take it for the rest of the one before, and
+// whole, or not at all.
+char* next_line(char* room, int size, void* self) {
+    auto& reading = *static_cast<Reading*>(self);
+    if (reading.rest.empty() || reading.problem) return nullptr;
+    const auto end = std::min(reading.rest.find('\n'), reading.rest.size());
+    const auto line = reading.lines.emplace_back(trimmed(reading.rest.substr(0, end)));
+    reading.rest.remove_prefix(std::min(end + 1, reading.rest.size()));
+    const auto longest = static_cast<std::size_t>(size) - 3;
+    if (line.size() > longest)
+        reading.problem = std::make_exception_ptr(
+            CardProblem("card.ini: a line is longer than " + std::to_string(longest) + " bytes."));
+    *std::copy_n(line.begin(), std::min(line.size(), longest), room) = '\0';
+    return room;
+}
+
+int take(void* self, const char* section, const char* key, const char* value) {
+    auto& reading = *static_cast<Reading*>(self);
+    try {
+        if (*section != '\0') refuse("[" + std::string(section) + "]", "has no value");
+        put_line(reading.card, key, value);
+    } catch (...) {
+        if (!reading.problem) reading.problem = std::current_exception();
+    }
+    return 1;
 }
 
 void append_line(std::string& text, std::string_view key, const std::string& value) {
@@ -102,12 +133,11 @@ void append_line(std::string& text, std::string_view key, const std::string& val
 } // namespace
 
 Card parse_card(std::string_view text) {
-    Card card;
-    while (!text.empty()) {
-        const auto end = std::min(text.find('\n'), text.size());
-        parse_line(card, text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
+    Reading reading{text, {}, {}, nullptr};
+    const int wrong = ini_parse_stream(next_line, &reading, take, &reading);
+    if (reading.problem) std::rethrow_exception(reading.problem);
+    if (wrong != 0) refuse(reading.lines.at(static_cast<std::size_t>(wrong) - 1), "has no value");
+    const Card& card = reading.card;
     if (card.reader.empty()) refuse("reader", "is missing");
     if (card.pin_tries_left > card.pin_tries_max) refuse("pin_tries_left", "is above pin_tries_max");
     return card;
@@ -119,7 +149,9 @@ std::string card_text(const Card& card) {
         append_line(text, field.key, value_of(card, field));
     for (const auto& [key, value] : card.others)
         append_line(text, key, value);
-    static_cast<void>(parse_card(text));
+    Card read = parse_card(text);
+    read.folder = card.folder;
+    if (read != card) throw CardProblem("card.ini: a value has a semicolon behind a blank.");
     return text;
 }
 

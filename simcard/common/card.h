@@ -9,7 +9,8 @@
 namespace simcard {
 
 // What makes a SoftHSM token a card in a reader. It stands in the card's folder in `card.ini`, one
-// "key = value" a line, under the names of the members; a line that starts with '#' or ';' is a comment.
+// "key = value" a line, under the names of the members; a line that starts with '#' or ';' is a comment, and so is
+// what stands behind a blank and ';'.
 struct Card {
     std::filesystem::path folder; // not in the file
     std::string reader;           // name of the reader that holds the card, at most 64 bytes
@@ -29,6 +30,8 @@ struct Card {
     std::string signature_pin; // what those keys want; empty for the user's PIN
     // Lines under other names, kept as they are.
     std::vector<std::pair<std::string, std::string>> others;
+
+    [[nodiscard]] bool operator==(const Card&) const = default;
 };
 
 // Reads the text of a card.ini; a missing key keeps its default. @throws CardProblem that names the line.

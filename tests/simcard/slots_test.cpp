@@ -76,7 +76,7 @@ TEST(Slots, LeaveOutWhatIsNoCard) {
 
 TEST(CardFile, KeepsWhatItIsGivenAndRefusesTheRest) {
     simcard::Card card =
-        simcard::parse_card("# made by hand\nreader = Desk \n\nlatency_us=70\nowner = Mario = R\n");
+        simcard::parse_card("# made by hand\nreader = Desk \n\nlatency_us=70\n  owner = Mario = R ; who\n");
     EXPECT_EQ(card.reader, "Desk");
     EXPECT_EQ(card.latency_us, 70U);
     EXPECT_EQ(card.pin_tries_left, 3U);
@@ -86,10 +86,24 @@ TEST(CardFile, KeepsWhatItIsGivenAndRefusesTheRest) {
     EXPECT_EQ(simcard::card_text(simcard::parse_card(text)), text);
 
     for (const char* bad : {"", "reader = A\ninserted = maybe\n", "reader = A\ncapacity = -1\n", "reader\n",
-                            "reader = A\nserial = 12345678901234567\n", "reader = A\npin_tries_left = 4\n"})
+                            "reader = A\nserial = 12345678901234567\n", "reader = A\npin_tries_left = 4\n",
+                            "reader = A\n[more]\nowner = B\n"})
         EXPECT_THROW(static_cast<void>(simcard::parse_card(bad)), simcard::CardProblem) << bad;
-    card.reader = "two\nlines";
+    try {
+        static_cast<void>(simcard::parse_card("reader = A\n\n two words\n"));
+        FAIL();
+    } catch (const simcard::CardProblem& problem) {
+        EXPECT_STREQ(problem.what(), "card.ini: \"two words\" has no value.");
+    }
+    for (const std::string& reader : {std::string("two\nlines"), std::string("A ; B")}) {
+        card.reader = reader;
+        EXPECT_THROW(static_cast<void>(simcard::card_text(card)), simcard::CardProblem) << reader;
+    }
+    card.reader = "A;B";
+    card.profile.assign(200, 'x');
     EXPECT_THROW(static_cast<void>(simcard::card_text(card)), simcard::CardProblem);
+    card.profile.resize(150);
+    EXPECT_EQ(simcard::parse_card(simcard::card_text(card)).reader, "A;B");
 }
 
 TEST(CardFolder, HoldsNothingOfACardWhosePinIsRefused) {
