@@ -2,8 +2,6 @@
 
 #include <fmt/chrono.h>
 
-#include <array>
-#include <charconv>
 #include <vector>
 
 namespace cli {
@@ -47,35 +45,14 @@ std::size_t place_of_issuer(const Fields& fields, std::size_t end) {
     return 1;
 }
 
-std::optional<int> number_at(std::string_view text, std::size_t at, std::size_t digits) {
-    int value = 0;
-    const char* first = text.data() + at;
-    const auto [end, problem] = std::from_chars(first, first + digits, value);
-    if (problem != std::errc() || end != first + digits || *first == '-') return std::nullopt;
-    return value;
-}
-
 } // namespace
 
 std::optional<std::time_t> parse_date(std::string_view text) {
-    if (text.size() != DATE_FORM.size()) return std::nullopt;
-    for (const std::size_t at : {2U, 5U, 10U, 13U, 16U})
-        if (text[at] != DATE_FORM[at]) return std::nullopt;
-    const auto day = number_at(text, 0, 2);
-    const auto month = number_at(text, 3, 2);
-    const auto year = number_at(text, 6, 4);
-    const auto hour = number_at(text, 11, 2);
-    const auto minute = number_at(text, 14, 2);
-    const auto second = number_at(text, 17, 2);
-    if (!day || !month || !year || !hour || !minute || !second) return std::nullopt;
-    if (*month < 1 || *month > 12 || *day < 1 || *day > 31) return std::nullopt;
+    const std::string whole(text);
     std::tm broken{};
-    broken.tm_mday = *day;
-    broken.tm_mon = *month - 1;
-    broken.tm_year = *year - 1900;
-    broken.tm_hour = *hour;
-    broken.tm_min = *minute;
-    broken.tm_sec = *second;
+    const char* end = ::strptime(whole.c_str(), "%d/%m/%Y %H:%M:%S", &broken);
+    // strptime takes numbers of fewer digits, too.
+    if (whole.size() != DATE_FORM.size() || end != whole.c_str() + whole.size()) return std::nullopt;
     return timegm(&broken);
 }
 
