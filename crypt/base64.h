@@ -21,7 +21,7 @@ constexpr std::size_t BYTES_PER_BASE64_LINE = BASE64_LINE_LENGTH / 4 * 3;
 }
 
 // Decodes piece by piece; blanks and line ends do not count. ZVC_ERR_BASE64 for anything else that is not
-// base64.
+// base64. By hand: OpenSSL ends at a dash, and takes last groups that no encoder writes.
 class Base64Decoder {
   public:
     [[nodiscard]] Bytes decode(std::string_view text);
