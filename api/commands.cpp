@@ -2,19 +2,21 @@
 
 #include "api/command_block.h"
 #include "api/state.h"
+#include "card/full_opener.h"
+#include "card/light_opener.h"
 #include "card/session.h"
 #include "diag/log.h"
 #include "diag/report.h"
 #include "install/issued_certificate.h"
 #include "kinds.h"
 #include "request/request.h"
-#include "routines/card.h"
 #include "store/deletion.h"
 #include "store/keep_flag.h"
 #include "store/renewal_state.h"
 #include "util/numbers.h"
 #include "util/text.h"
 #include "util/wipe.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <cstring>
@@ -45,7 +47,7 @@ void remember_slot(int slot) {
 }
 
 int open_for(REQRENIN& record) {
-    const int result = static_cast<int>(__Initialize(slot_of(record), record.szPin, record.szDll));
+    const int result = static_cast<int>(open_slot(slot_of(record), record.szPin, record.szDll));
     if (result == 0) remember_slot(slot_of(record));
     return result;
 }
@@ -102,7 +104,7 @@ int run_block(std::string_view command, std::string_view block, std::span<char> 
     hPrivateKey = 0;
     hPublicKey = 0;
     const int result = run(command, *record, out);
-    finalizza();
+    close_card();
     return result;
 }
 
@@ -131,7 +133,7 @@ int replace_or_keep(REQRENIN& record, std::span<char> out) {
     if (result != 0) return result;
     result = record.cKeepKeys == *KEEP_REPLACED ? install_as_pending(record, out)
                                                 : replace_certificate(record, out);
-    finalizza();
+    close_card();
     return result;
 }
 

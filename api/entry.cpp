@@ -7,6 +7,7 @@
 #include "diag/log.h"
 #include "util/text.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 namespace zv {
 

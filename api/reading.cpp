@@ -5,11 +5,13 @@
 #include "api/guards.h"
 #include "api/state.h"
 #include "card/detection.h"
+#include "card/light_opener.h"
+#include "card/session.h"
 #include "diag/log.h"
 #include "inventory/dump.h"
 #include "inventory/host_buffers.h"
-#include "routines/card.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <array>
@@ -54,7 +56,8 @@ void clear_expiry() {
 
 int detect(UnderWay& reading, char* reader) {
     write_line("CheckSmartCard");
-    const int code = CheckSmartCard(reading.touch_sign, reader);
+    const auto [code, touch_sign] = detect_card(reader);
+    if (touch_sign) reading.touch_sign = true;
     if (code == 0) return 0;
     write_line("CheckSmartCard fallita");
     if (code == ZV_UNSUPPORTED)
@@ -74,7 +77,7 @@ void log_dump(UnderWay& reading, char* pin) {
 // A PIN that the dump's session was refused with is not sent again: its result stands for the second one too.
 int open_session(const UnderWay& reading, char* pin) {
     if (guard_second_login(reading.dump_result)) return reading.dump_result;
-    return static_cast<int>(__Initialize(slot, pin, Libreria));
+    return static_cast<int>(open_slot(slot, pin, Libreria));
 }
 
 // The lines that name the kind of card and the routine, and what is done in between.
@@ -90,12 +93,12 @@ int read_inventory(const UnderWay& reading, char* pin, const char* card, const c
     int code = open_session(reading, pin);
     if (code != 0) {
         fail(line("(int)__Initialize()", " error!").data(), code);
-        finalizza();
+        close_card();
         return code;
     }
     write_line(line("(int)__Initialize()", " completata con successo!").data());
     code = inventory();
-    finalizza();
+    close_card();
     if (code != 0) return fail(line(routine, " error!").data(), code);
     write_line(line(routine, " completata con successo").data());
     return 0;
@@ -175,25 +178,24 @@ int read(UnderWay& reading, char* reader, char* pin) {
 
 int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
     static constexpr char detection_failed[] = "Funzione CheckSmartCard() error!";
-    bool touch_sign = false;
-    int code = CheckSmartCard(touch_sign, reader);
+    int code = detect_card(reader).code;
     if (code == ZV_UNSUPPORTED) return fail(detection_failed, code, NOT_SUPPORTED);
     if (code != 0) return fail(detection_failed, code);
-    code = static_cast<int>(__Initialize(slot, pin, Libreria));
+    code = static_cast<int>(open_slot(slot, pin, Libreria));
     if (code != 0) {
         fail("Funzione (int)__Initialize() error!", code);
-        finalizza();
+        close_card();
         return code;
     }
     code = fill_state({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, ZV_UNUSABLE, find_free_ids);
-    finalizza();
+    close_card();
     return code == 0 ? 0 : fail("Funzione findFreeCKAID() error!", code);
 }
 
 } // namespace
 
 int close_unusable() {
-    finalizza();
+    close_card();
     return ZV_UNUSABLE;
 }
 

@@ -7,11 +7,13 @@
 #include "api/lines.h"
 #include "api/request_files.h"
 #include "api/state.h"
+#include "card/crypto_session.h"
 #include "card/detection.h"
 #include "diag/log.h"
 #include "store/keep_flag.h"
 #include "util/text.h"
 #include "zvCrypt.h"
+#include "zvRenew.h"
 
 #include <unistd.h>
 
@@ -43,9 +45,7 @@ int lost_request_file() {
 
 // The crypto library's own session signs the file with the key in use.
 int sign_request(const Request& request, const RequestFile& file) {
-    kvFinalize();
-    int code = kvInitialize(Libreria, slot);
-    if (code == 0) code = kvLogin(request.pin);
+    int code = open_crypto_session(Libreria, request.pin);
     if (code != 0) return fail("Funzione DoInitialize() error!", code);
     char line[320] = "Richiesta firma con chiave CKA_ID: ";
     append_text(line, request.key_id);
@@ -54,11 +54,11 @@ int sign_request(const Request& request, const RequestFile& file) {
     code = ours_before ? kvSignFile(request.key_id, "SHA256", REQUEST_FILE, SIGNED_FILE) : 0;
     if (code != 0) return fail("Funzione kvSignFile() error!", code);
     if (!ours_before || !file.is_ours()) {
-        kvFinalize();
+        close_crypto_session();
         return lost_request_file();
     }
     write_line("Funzione 'kvSignFile()' completata con successo");
-    code = kvFinalize();
+    code = close_crypto_session();
     return code == 0 ? 0 : fail("Funzione DoFinalize() error!", code);
 }
 

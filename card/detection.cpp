@@ -1,8 +1,7 @@
 #include "card/detection.h"
 
-#include "card/session.h"
+#include "card/slot_probe.h"
 #include "diag/log.h"
-#include "routines/card.h"
 #include "util/text.h"
 #include "zvCrypt.h"
 
@@ -22,8 +21,6 @@ char szSerialNumber[ZVC_TOKEN_SERIAL_SIZE];
 bool isCNS = false;
 char g_ATRINI_dir[ZV_ATR_DIR_MAX + 1];
 
-} // namespace zv
-
 namespace {
 
 constexpr int UNSUPPORTED = 100;
@@ -31,14 +28,14 @@ constexpr int UNSUPPORTED = 100;
 constexpr std::size_t SERIAL_CLEARED = 17;
 
 bool serial_begins(std::string_view series) {
-    return zv::bounded_text(zv::szSerialNumber, sizeof zv::szSerialNumber).starts_with(series);
+    return bounded_text(szSerialNumber, sizeof szSerialNumber).starts_with(series);
 }
 
-int failed(const char* operation, int code) {
+int not_detected(const char* operation, int code) {
     char text[64] = "CheckSmartCard ";
-    zv::append_text(text, operation);
-    zv::append_text(text, " fallita");
-    zv::write_line(text);
+    append_text(text, operation);
+    append_text(text, " fallita");
+    write_line(text);
     return code;
 }
 
@@ -47,42 +44,42 @@ bool select_reader(const char* reader, char (&list)[ZVC_READER_LIST_SIZE]) {
     char* separator = std::strchr(list, '|');
     if (reader == nullptr && separator == nullptr) return false;
     if (separator != nullptr) *separator = '\0';
-    zv::copy_text(zv::scReader, reader != nullptr ? reader : list);
-    zv::write_line("Lettore selezionato:");
-    zv::write_line(zv::scReader);
+    copy_text(scReader, reader != nullptr ? reader : list);
+    write_line("Lettore selezionato:");
+    write_line(scReader);
     return true;
 }
 
 int find_module(char (&module)[ZVC_MODULE_NAME_SIZE]) {
-    if (zv::g_ATRINI_dir[0] != '\0') {
-        const int code = kvGetPKCS11FromATRLite(zv::scReader, module, zv::g_ATRINI_dir);
-        if (code != 0) return failed("kvGetPKCS11FromATRLite", code);
+    if (g_ATRINI_dir[0] != '\0') {
+        const int code = kvGetPKCS11FromATRLite(scReader, module, g_ATRINI_dir);
+        if (code != 0) return not_detected("kvGetPKCS11FromATRLite", code);
     } else {
-        const int code = kvGetPKCS11FromATR(zv::scReader, module);
-        if (code != 0) return failed("kvGetPKCS11FromATR", code);
+        const int code = kvGetPKCS11FromATR(scReader, module);
+        if (code != 0) return not_detected("kvGetPKCS11FromATR", code);
     }
     module[sizeof module - 1] = '\0';
     return 0;
 }
 
 void select_module(const char* file_name) {
-    zv::copy_text(zv::Libreria, zv::pwd);
-    zv::append_text(zv::Libreria, "/");
-    zv::append_text(zv::Libreria, file_name);
+    copy_text(Libreria, pwd);
+    append_text(Libreria, "/");
+    append_text(Libreria, file_name);
 }
 
 int read_serial_number() {
     kvFinalize();
-    int code = kvInitialize(zv::Libreria, zv::slot);
-    if (code != 0) return failed("kvInitialize", code);
+    int code = kvInitialize(Libreria, slot);
+    if (code != 0) return not_detected("kvInitialize", code);
     char label[ZVC_TOKEN_LABEL_SIZE] = {}, manufacturer[ZVC_TOKEN_MANUFACTURER_SIZE] = {};
     char model[ZVC_TOKEN_MODEL_SIZE] = {};
-    code = kvCheckSmartCard(label, manufacturer, model, zv::szSerialNumber);
-    if (code != 0) return failed("kvCheckSmartCard", code);
-    zv::szSerialNumber[sizeof zv::szSerialNumber - 1] = '\0';
+    code = kvCheckSmartCard(label, manufacturer, model, szSerialNumber);
+    if (code != 0) return not_detected("kvCheckSmartCard", code);
+    szSerialNumber[sizeof szSerialNumber - 1] = '\0';
     const int closed = kvFinalize();
-    zv::write_line("Numero seriale smart card: ");
-    zv::write_line(zv::szSerialNumber);
+    write_line("Numero seriale smart card: ");
+    write_line(szSerialNumber);
     is1205SerialToken = serial_begins("1205");
     // Cards of this series are refused on purpose.
     return serial_begins("1201") ? UNSUPPORTED : closed;
@@ -90,46 +87,36 @@ int read_serial_number() {
 
 } // namespace
 
-int CheckSmartCard(bool& is_touch_sign, char* reader) {
-    std::fill_n(zv::szSerialNumber, SERIAL_CLEARED, '\0');
-    zv::Libreria[0] = '\0';
-    zv::scReader[0] = '\0';
-    zv::isCNS = false;
-    char list[ZVC_READER_LIST_SIZE] = {};
+Detection detect_card(const char* reader) {
+    std::fill_n(szSerialNumber, SERIAL_CLEARED, '\0');
+    Libreria[0] = '\0';
+    scReader[0] = '\0';
+    isCNS = false;
+    char list[1024] = {};
     int code = kvGetReader(list);
-    if (code != 0) return code;
+    if (code != 0) return {code};
     list[sizeof list - 1] = '\0';
-    zv::write_line("Lista lettori:");
-    zv::write_line(list);
-    if (!select_reader(reader, list)) return 0;
+    write_line("Lista lettori:");
+    write_line(list);
+    if (!select_reader(reader, list)) return {0};
 
-    char module[ZVC_MODULE_NAME_SIZE] = {};
+    char module[512] = {};
     code = find_module(module);
-    if (code != 0) return code;
-    if (module[0] == '\0') return UNSUPPORTED;
-    if (kvIsCNSINCARD() != 0) zv::isCNS = true;
-    if (kvIsTOUCHSIGN() != 0) is_touch_sign = true;
+    if (code != 0) return {code};
+    if (module[0] == '\0') return {UNSUPPORTED};
+    if (kvIsCNSINCARD() != 0) isCNS = true;
+    const bool touch_sign = kvIsTOUCHSIGN() != 0;
     select_module(module);
-    zv::write_line(zv::Libreria);
+    write_line(Libreria);
 
-    const unsigned found = getSlot(zv::scReader, zv::Libreria);
-    if (found == zv::NO_SLOT) return failed("getSlot", -1);
-    zv::slot = static_cast<int>(found);
-    return read_serial_number();
+    const std::optional<unsigned> found = slot_of_reader(scReader, Libreria);
+    if (!found) return {not_detected("getSlot", -1), touch_sign};
+    slot = static_cast<int>(*found);
+    return {read_serial_number(), touch_sign};
 }
 
-void set_ATRini_path(const char* dir) {
-    const std::string_view path = zv::or_empty(dir);
-    zv::copy_text(zv::g_ATRINI_dir, path.size() < sizeof zv::g_ATRINI_dir ? path : std::string_view());
+void set_atr_folder(std::string_view path) {
+    copy_text(g_ATRINI_dir, path.size() < sizeof g_ATRINI_dir ? path : std::string_view());
 }
 
-int DoInitialize(char* lib_path, char* pin) {
-    char none[] = "";
-    kvFinalize();
-    const int code = kvInitialize(lib_path != nullptr ? lib_path : none, zv::slot);
-    return code == 0 ? kvLogin(zv::or_empty(pin)) : code;
-}
-
-int DoFinalize() {
-    return kvFinalize();
-}
+} // namespace zv

@@ -3,6 +3,8 @@
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
+#include <string_view>
+
 // What the last card detection found.
 namespace zv {
 
@@ -13,5 +15,17 @@ extern int slot;                                   // slot identifier of the car
 extern char szSerialNumber[ZVC_TOKEN_SERIAL_SIZE]; // the card's serial number
 extern bool isCNS;                                 // a national services card
 extern char g_ATRINI_dir[ZV_ATR_DIR_MAX + 1]; // directory of the host's atr.ini; empty: the built-in table
+
+struct Detection {
+    int code;                // as CheckSmartCard answers
+    bool touch_sign = false; // of what was found before a failure, too
+};
+
+// Finds the reader, the module that serves its card, the slot, the kind of card and its serial number. Null is the first
+// reader that is listed.
+[[nodiscard]] Detection detect_card(const char* reader);
+
+// A path that does not fit is none.
+void set_atr_folder(std::string_view path);
 
 } // namespace zv

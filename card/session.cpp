@@ -1,7 +1,6 @@
 #include "card/session.h"
 
 #include "diag/report.h"
-#include "routines/card.h"
 #include "util/numbers.h"
 
 #include <dlfcn.h>
@@ -48,10 +47,10 @@ bool module_answers() {
     return hModule != nullptr && p != nullptr && !list_missing;
 }
 
-CK_RV open_session(CK_SLOT_ID slot) {
+CK_RV open_session(CK_SLOT_ID slot_id) {
     CK_SESSION_HANDLE opened = 0;
-    const CK_RV result = call<&Functions::C_OpenSession>(slot, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION},
-                                                         nullptr, nullptr, &opened);
+    const CK_RV result = call<&Functions::C_OpenSession>(
+        slot_id, CK_FLAGS{CKF_SERIAL_SESSION | CKF_RW_SESSION}, nullptr, nullptr, &opened);
     if (result != CKR_OK) return result;
     // 0 stands for no session everywhere here.
     if (opened == 0) return CKR_SESSION_HANDLE_INVALID;
@@ -65,25 +64,25 @@ CK_RV login(CK_USER_TYPE user, const char* pin) {
     return call<&Functions::C_Login>(hSession, user, bytes, CK_ULONG{std::strlen(pin)});
 }
 
-} // namespace zv
-
-void finalizza() {
+void close_card() {
     static constexpr char title[] = " .... Finalizza FUN                  .... ";
     const auto trace_state = [](const char* step) {
-        const auto session = zv::with_hex("hSession = ", static_cast<long>(zv::hSession));
-        zv::trace(step, session, zv::with_hex("hModule = ", reinterpret_cast<long>(zv::hModule)));
+        const auto session = with_hex("hSession = ", static_cast<long>(hSession));
+        trace(step, session, with_hex("hModule = ", reinterpret_cast<long>(hModule)));
     };
     trace_state(title);
-    if (zv::hSession != 0) {
-        zv::call<&zv::Functions::C_Logout>(zv::hSession);
-        zv::call<&zv::Functions::C_CloseSession>(zv::hSession);
-        zv::hSession = 0;
+    if (hSession != 0) {
+        call<&Functions::C_Logout>(hSession);
+        call<&Functions::C_CloseSession>(hSession);
+        hSession = 0;
     }
-    if (zv::hModule != nullptr) {
-        zv::call<&zv::Functions::C_Finalize>(nullptr);
-        ::dlclose(zv::hModule);
-        zv::hModule = nullptr;
-        zv::list_missing = false;
+    if (hModule != nullptr) {
+        call<&Functions::C_Finalize>(nullptr);
+        ::dlclose(hModule);
+        hModule = nullptr;
+        list_missing = false;
     }
     trace_state("Funzione finalizza(): fine");
 }
+
+} // namespace zv

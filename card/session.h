@@ -11,8 +11,6 @@ namespace zv {
 constexpr std::size_t CACHED_SLOTS = 8;
 // Above any number of slots that a machine has; a larger count is a module's error.
 constexpr CK_ULONG MOST_SLOTS = 1024;
-// Result of getSlot when no slot fits.
-constexpr unsigned NO_SLOT = 0xFFFFFFFF;
 
 extern void* hModule;                          // loaded module; null: none
 extern CK_FUNCTION_LIST* p;                    // function list that a module gave last
@@ -46,27 +44,13 @@ template <auto Entry, typename... Arguments> CK_RV call(Arguments... arguments) 
 
 using Functions = CK_FUNCTION_LIST;
 
-// While a command runs, the slot that its session is opened on. A login by slot index that would reach
-// another one is refused: the PIN is for this card.
-class CommandSlot {
-  public:
-    explicit CommandSlot(CK_SLOT_ID slot);
-    CommandSlot(const CommandSlot&) = delete;
-    CommandSlot& operator=(const CommandSlot&) = delete;
-    ~CommandSlot();
-};
-
-// Why a login that would leave the command's slot is refused, for the log.
-inline constexpr char OTHER_SLOT[] = "il nuovo login non raggiungerebbe la stessa carta";
-
-// False when inizializza with this slot index would not reach the command's slot; true when no command runs.
-// Asks the module for its slots at most, and leaves zv::rv and the log alone.
-[[nodiscard]] bool login_stays(unsigned slot_index);
-
 // Opens a read/write session on a slot into hSession.
-[[nodiscard]] CK_RV open_session(CK_SLOT_ID slot);
+[[nodiscard]] CK_RV open_session(CK_SLOT_ID slot_id);
 
 // Logs a user in to hSession.
 [[nodiscard]] CK_RV login(CK_USER_TYPE user, const char* pin);
+
+// Closes the session, finalises the module and unloads it: what there is of each.
+void close_card();
 
 } // namespace zv

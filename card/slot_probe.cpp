@@ -1,7 +1,7 @@
-// getSlot: asks a module which slot belongs to a reader, apart from the library's own session.
+#include "card/slot_probe.h"
+
 #include "card/session.h"
 #include "diag/log.h"
-#include "routines/card.h"
 #include "util/text.h"
 
 #include <dlfcn.h>
@@ -11,6 +11,8 @@
 #include <cstring>
 #include <memory>
 #include <new>
+
+namespace zv {
 
 namespace {
 
@@ -23,10 +25,10 @@ struct Unload {
 using Module = std::unique_ptr<void, Unload>;
 
 bool start(const CK_FUNCTION_LIST& list) {
-    CK_RV result = zv::invoke(list.C_Initialize, nullptr);
+    CK_RV result = invoke(list.C_Initialize, nullptr);
     if (result == CKR_CRYPTOKI_ALREADY_INITIALIZED) {
-        zv::invoke(list.C_Finalize, nullptr);
-        result = zv::invoke(list.C_Initialize, nullptr);
+        invoke(list.C_Finalize, nullptr);
+        result = invoke(list.C_Initialize, nullptr);
     }
     return result == CKR_OK;
 }
@@ -44,36 +46,39 @@ bool belongs_to(const char* reader, const CK_SLOT_INFO& info) {
     return description[0] != '\0' && std::strstr(reader, description) != nullptr;
 }
 
-unsigned find_slot(const CK_FUNCTION_LIST& list, const char* reader) {
+std::optional<unsigned> matching_slot(const CK_FUNCTION_LIST& list, const char* reader) {
     CK_ULONG all = 0;
-    zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_FALSE}, nullptr, &all);
-    all = std::min(all, zv::MOST_SLOTS);
+    invoke(list.C_GetSlotList, CK_BBOOL{CK_FALSE}, nullptr, &all);
+    all = std::min(all, MOST_SLOTS);
     const std::unique_ptr<CK_SLOT_ID[]> slots(new (std::nothrow) CK_SLOT_ID[all + 1]());
-    if (slots == nullptr) return zv::NO_SLOT;
+    if (slots == nullptr) return std::nullopt;
     CK_ULONG count = all;
-    zv::invoke(list.C_GetSlotList, CK_BBOOL{CK_TRUE}, slots.get(), &count);
+    invoke(list.C_GetSlotList, CK_BBOOL{CK_TRUE}, slots.get(), &count);
     count = std::min(count, all);
-    const auto matches = [&list, reader](CK_SLOT_ID slot) {
+    const auto matches = [&list, reader](CK_SLOT_ID slot_id) {
         CK_SLOT_INFO info{};
-        zv::invoke(list.C_GetSlotInfo, slot, &info);
+        invoke(list.C_GetSlotInfo, slot_id, &info);
         return (info.flags & CKF_TOKEN_PRESENT) != 0 && belongs_to(reader, info);
     };
     const CK_SLOT_ID* end = slots.get() + count;
     const CK_SLOT_ID* found = std::find_if(slots.get(), slots.get() + count, matches);
-    return found != end ? static_cast<unsigned>(*found) : zv::NO_SLOT;
+    if (found == end) return std::nullopt;
+    return static_cast<unsigned>(*found);
 }
 
 } // namespace
 
-unsigned int getSlot(char* reader_name, char* lib_path) {
-    const Module module(zv::open_module(zv::or_empty(lib_path)));
+std::optional<unsigned> slot_of_reader(const char* reader, const char* module_path) {
+    const Module module(open_module(module_path));
     if (module == nullptr) {
-        zv::write_line("getSlot dlopen fallita");
-        return zv::NO_SLOT;
+        write_line("getSlot dlopen fallita");
+        return std::nullopt;
     }
-    const CK_FUNCTION_LIST* list = zv::function_list_of(module.get());
-    if (list == nullptr) return zv::NO_SLOT;
-    const unsigned slot = start(*list) ? find_slot(*list, zv::or_empty(reader_name)) : zv::NO_SLOT;
-    zv::invoke(list->C_Finalize, nullptr);
-    return slot;
+    const CK_FUNCTION_LIST* list = function_list_of(module.get());
+    if (list == nullptr) return std::nullopt;
+    const std::optional<unsigned> slot_id = start(*list) ? matching_slot(*list, reader) : std::nullopt;
+    invoke(list->C_Finalize, nullptr);
+    return slot_id;
 }
+
+} // namespace zv

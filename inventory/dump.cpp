@@ -1,7 +1,7 @@
 #include "inventory/dump.h"
 
+#include "card/light_opener.h"
 #include "card/session.h"
-#include "routines/card.h"
 #include "store/objects.h"
 #include "store/walk.h"
 #include "util/guarded.h"
@@ -131,10 +131,10 @@ int dump_card(char* lib_path, char* pin, int slot_index, std::string& out) {
     // A dump that stops early is what it is: the reading goes on.
     guarded([&] {
         const auto dump = std::make_unique<Dump>();
-        result = static_cast<int>(__Initialize(slot_index, pin, lib_path));
+        result = static_cast<int>(open_slot(slot_index, pin, lib_path));
         if (result == 0) dump->write(out);
     });
-    finalizza();
+    close_card();
     return result;
 }
 

@@ -1,10 +1,10 @@
 // The census, what it leads to, and the choice of the request.
+#include "card/full_opener.h"
 #include "card/session.h"
 #include "diag/report.h"
 #include "inventory/census.h"
 #include "kinds.h"
 #include "request/request.h"
-#include "routines/card.h"
 #include "store/keep_flag.h"
 #include "store/objects.h"
 #include "store/pending_deletion.h"
@@ -12,6 +12,7 @@
 #include "store/traced.h"
 #include "util/guarded.h"
 #include "util/numbers.h"
+#include "zvRenew.h"
 
 namespace zv {
 
@@ -52,13 +53,13 @@ void discard_pending(const LoginData& login) {
     const auto slot_index = static_cast<unsigned>(slotUtente);
     if (may_discard(slot_index) && delete_pending_pair(login.module_path, login.pin, slot_index)) return;
     report_code(DISPATCH_TITLE, "Cancellazione Oggetti", ZV_FAILED);
-    finalizza();
+    close_card();
 }
 
 // Whatever becomes of it, the request goes on; without a session the builder fails and says so.
 void act_on_census(Census census, const LoginData& login) {
     if (census == Census::failed) {
-        finalizza();
+        close_card();
         report_code(DISPATCH_TITLE, "FindObjects", ZV_FAILED);
     } else if (has_pending_key(census) && cKeepKeys == *KEEP_NOTHING) {
         discard_pending(login);
@@ -76,7 +77,7 @@ unsigned short request_certificate(const LoginData& login, std::string_view card
         kind_of_code(card_type) == Kind::services ? request_for_own_pair : request_for_pending_pair;
     const auto status = guarded<unsigned short>(ZV_FAILED, [&] { return build(login, pem_out); });
     trace(DISPATCH_TITLE, with_hex("Ret Code = ", status), pem_out);
-    finalizza();
+    close_card();
     trace(DISPATCH_TITLE, "F I N E");
     return status;
 }

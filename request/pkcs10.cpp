@@ -1,14 +1,15 @@
 #include "request/pkcs10.h"
 
+#include "card/full_opener.h"
 #include "card/session.h"
 #include "diag/failure.h"
 #include "diag/report.h"
 #include "request/sign.h"
-#include "routines/card.h"
 #include "store/pending_pair.h"
 #include "store/renewal_state.h"
 #include "store/traced.h"
 #include "util/text.h"
+#include "zvRenew.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -120,8 +121,8 @@ bool PublicKey::is_blank(std::size_t bytes) const {
 }
 
 int reopen_session(const LoginData& login) {
-    finalizza();
-    return inizializza(login.module_path, login.pin, static_cast<unsigned>(slotUtente), nullptr, CKU_USER);
+    close_card();
+    return static_cast<int>(open_slot_at(static_cast<unsigned>(slotUtente), login.pin, login.module_path));
 }
 
 unsigned short complete_request(const PublicKey& key, const SubjectTable& table, const LoginData& login,

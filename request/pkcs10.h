@@ -41,7 +41,7 @@ struct LoginData {
     char* pin;
 };
 
-// Closes everything and opens the session anew; the result of inizializza.
+// Closes everything and opens the session anew; the value of its Opening.
 int reopen_session(const LoginData& login);
 
 // Builds the request for a key, has the card sign it and writes it as PEM. Returns 0 or ZV_FAILED.

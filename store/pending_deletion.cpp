@@ -1,9 +1,9 @@
 // Removal of what an unfinished request left behind.
 #include "store/pending_deletion.h"
 
+#include "card/full_opener.h"
 #include "card/session.h"
 #include "diag/report.h"
-#include "routines/card.h"
 #include "store/deletion.h"
 #include "store/objects.h"
 #include "store/renewal_state.h"
@@ -55,8 +55,8 @@ bool zv::delete_pending_pair(char* module_path, char* pin, unsigned slot_index) 
     trace(title, "I N I Z I O");
     if (delete_first(hSession, CKO_PUBLIC_KEY, pendingLabel) != CKR_OK) return false;
     if (delete_first(hSession, CKO_PRIVATE_KEY, pendingLabel) != CKR_OK) return false;
-    finalizza();
-    if (inizializza(module_path, pin, slot_index, nullptr, CKU_USER) != 0) return false;
+    zv::close_card();
+    if (open_slot_at(slot_index, pin, module_path) != Opening::done) return false;
     trace(title, "F I N E");
     return true;
 }
