@@ -1,7 +1,7 @@
 #include "cli/holder.h"
 
+#include "cli/certificate.h"
 #include "cli/certificate_facts.h"
-#include "cli/key_material.h"
 #include "zvCrypt.h"
 
 #include <fmt/format.h>

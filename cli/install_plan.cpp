@@ -3,7 +3,9 @@
 #include "cli/certificate_facts.h"
 #include "cli/old_certificate.h"
 #include "cli/outcome.h"
+#include "cli/read_file.h"
 #include "cli/removal.h"
+#include "cli/signed_request.h"
 #include "cli/suitability.h"
 #include "zvRenew.h"
 

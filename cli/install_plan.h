@@ -2,8 +2,8 @@
 
 #include "cli/backup.h"
 #include "cli/card_view.h"
+#include "cli/certificate.h"
 #include "cli/inventory.h"
-#include "cli/key_material.h"
 #include "cli/options.h"
 
 #include <optional>

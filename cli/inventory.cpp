@@ -1,7 +1,7 @@
 #include "cli/inventory.h"
 
+#include "cli/certificate.h"
 #include "cli/certificate_facts.h"
-#include "cli/key_material.h"
 #include "cli/library_text.h"
 #include "cli/outcome.h"
 #include "zvRenew.h"

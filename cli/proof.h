@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/card_view.h"
-#include "cli/key_material.h"
+#include "cli/certificate.h"
 
 #include <string>
 

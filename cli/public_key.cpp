@@ -1,5 +1,6 @@
 #include "cli/public_key.h"
 
+#include "cli/certificate.h"
 #include "ossl/owners.h"
 
 #include <openssl/core_names.h>
@@ -43,14 +44,7 @@ Bytes public_key_of(const Bytes& modulus, const Bytes& exponent) {
 Bytes modulus_of_public_key(const Bytes& der) {
     const unsigned char* at = der.data();
     const ossl::Key key(d2i_PUBKEY(nullptr, &at, static_cast<long>(der.size())));
-    BIGNUM* number = nullptr;
-    if (key) EVP_PKEY_get_bn_param(key.get(), OSSL_PKEY_PARAM_RSA_N, &number);
-    ERR_clear_error();
-    const ossl::BigNumber modulus(number);
-    if (!modulus) return {};
-    Bytes bytes(static_cast<std::size_t>(BN_num_bytes(modulus.get())));
-    BN_bn2bin(modulus.get(), bytes.data());
-    return bytes;
+    return modulus_of(key.get());
 }
 
 } // namespace cli

@@ -1,4 +1,6 @@
-#include "cli/key_material.h"
+#include "cli/certificate.h"
+#include "cli/read_file.h"
+#include "cli/signed_request.h"
 #include "tests/cli/program.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "cli/key_material.h"
 #include "cli/new_file.h"
 #include "cli/outcome.h"
+#include "cli/read_file.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

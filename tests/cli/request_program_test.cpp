@@ -1,4 +1,4 @@
-#include "cli/key_material.h"
+#include "cli/signed_request.h"
 #include "tests/cli/program.h"
 
 namespace {
