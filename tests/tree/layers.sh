@@ -1,6 +1,5 @@
 #!/bin/sh
-# layers.sh ROOT: fails when a file includes from a folder that its own folder may not use. The public header of a folder's
-# routines counts as that folder, their sum as all of them.
+# layers.sh ROOT: fails when a file includes from a folder that its own folder may not use.
 set -eu
 cd "$1"
 
@@ -13,8 +12,6 @@ function exists(path,    line, found) {
 }
 # The folder at the top that an include leads to; empty for a header of the system.
 function folder_of(from, name,    path) {
-    if (match(from, layer_pattern) && name == "routines.h") return "every layer"
-    if (match(from, layer_pattern) && sub(/^routines\//, "", name)) return substr(name, 1, length(name) - 2)
     path = from
     sub(/[^\/]*$/, "", path)
     if (exists(path name)) path = path name
@@ -36,7 +33,6 @@ function may_use(user, used) {
 BEGIN {
     count = split("util diag card store inventory request install api", layers, " ")
     for (i = 1; i <= count; i++) rank[layers[i]] = i
-    layer_pattern = "^(util|diag|card|store|inventory|request|install|api)/"
 }
 /^[ \t]*#[ \t]*include[ \t]*[<"]/ {
     name = $0
