@@ -126,7 +126,7 @@ void Dump::add_line(CK_OBJECT_HANDLE object, std::string& out) {
 
 } // namespace
 
-int dump_card(char* lib_path, char* pin, int slot_index, std::string& out) {
+int dump_card(const char* lib_path, const char* pin, int slot_index, std::string& out) {
     int result = 0;
     // A dump that stops early is what it is: the reading goes on.
     guarded([&] {

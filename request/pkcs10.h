@@ -37,8 +37,8 @@ inline constexpr char REPEAT_GENERATION[] = "Generazione chiavi fallita (Ripeter
 
 // Who to log in again when the card says that nobody is.
 struct LoginData {
-    char* module_path;
-    char* pin;
+    const char* module_path;
+    const char* pin;
 };
 
 // Closes everything and opens the session anew; the value of its Opening.

@@ -50,7 +50,7 @@ bool zv::delete_pending_objects() {
     }
 }
 
-bool zv::delete_pending_pair(char* module_path, char* pin, unsigned slot_index) {
+bool zv::delete_pending_pair(const char* module_path, const char* pin, unsigned slot_index) {
     static constexpr char title[] = "DeleteAllPending32";
     trace(title, "I N I Z I O");
     if (delete_first(hSession, CKO_PUBLIC_KEY, pendingLabel) != CKR_OK) return false;

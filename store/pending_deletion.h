@@ -7,6 +7,6 @@ namespace zv {
 [[nodiscard]] bool delete_pending_objects();
 
 // Destroys the pending pair and opens the session anew.
-[[nodiscard]] bool delete_pending_pair(char* module_path, char* pin, unsigned slot_index);
+[[nodiscard]] bool delete_pending_pair(const char* module_path, const char* pin, unsigned slot_index);
 
 } // namespace zv
