@@ -9,7 +9,7 @@
  *     otherwise.
  *  2. Buffers belong to the caller; only UnEscape and the DER pieces (ADATA) are for the caller to free. A
  *     routine that returns a buffer of the process says so: its text is valid until the next routine that
- *     shares the buffer, and every routine that logs uses the "Cat" buffers.
+ *     shares the buffer.
  *  3. Null means something only where it is stated. Elsewhere a routine that is given it fails, does nothing
  *     or takes it as empty. A `void*` first argument is not read.
  *  4. Card routines work on the one session that __Initialize or inizializza opened; a `session` argument is
