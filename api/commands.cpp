@@ -82,7 +82,7 @@ int replace_certificate(REQRENIN& record, std::span<char> out) {
 int run(std::string_view command, REQRENIN& record, std::span<char> out) {
     if (command == "REQREN") {
         write_line("inizio esecuzione della funzione Rinnova() (all'interno di miExecCmd() ..)");
-        return renew(record, out);
+        return renew(record, out, static_cast<CK_SLOT_ID>(static_cast<long>(slotUtente)));
     }
     if (command == "REQSCA") {
         write_line("inizio esecuzione della funzione Scarica() (all'interno di miExecCmd() ..)");
@@ -99,7 +99,6 @@ int run_block(std::string_view command, std::string_view block, std::span<char> 
     const auto found = parse_block(block, *record);
     publish(*record, found);
     slotUtente = slot_of(*record);
-    const CommandSlot held(static_cast<CK_SLOT_ID>(static_cast<long>(slotUtente)));
     // Handles of an earlier command died with its session.
     hPrivateKey = 0;
     hPublicKey = 0;
@@ -108,12 +107,12 @@ int run_block(std::string_view command, std::string_view block, std::span<char> 
     return result;
 }
 
-int request_record(REQRENIN& record, std::span<char> out) {
+int request_record(REQRENIN& record, std::span<char> out, CommandSlot only_slot) {
     clear(buffer);
     trace("REQCERT_FUN", record.szTipoCert);
     write_line("Eseguo la funzione RichiestaCertificato() ..");
     const unsigned short result =
-        request_certificate({record.szDll, record.szPin}, record.szTipoCert, buffer);
+        request_certificate({record.szDll, record.szPin, only_slot}, record.szTipoCert, buffer);
     trace("Funzione RichiestaCertificato eseguita", buffer, with_hex("Ret Code = ", result));
     if (result != 0) return result;
     const std::size_t length = break_lines(buffer);
@@ -137,11 +136,11 @@ int replace_or_keep(REQRENIN& record, std::span<char> out) {
     return result;
 }
 
-int renew(REQRENIN& record, std::span<char> out) {
+int renew(REQRENIN& record, std::span<char> out, CommandSlot only_slot) {
     const int result = open_for(record);
     if (result != 0) return result;
     write_line("inzizio esecuzione della funzione ReqCert() (all'interno di Rinnova() ..)");
-    return request_record(record, out);
+    return request_record(record, out, only_slot);
 }
 
 std::size_t break_lines(char* text) {

@@ -100,7 +100,8 @@ int miExecCmd(const char* command, char* block, long, char* out, long* out_len) 
 }
 
 int ReqCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
-    return into(rec, out, out_len, zv::request_record);
+    return into(rec, out, out_len,
+                [](REQRENIN& record, std::span<char> room) { return zv::request_record(record, room, {}); });
 }
 
 int ScaCert(REQRENIN* rec, datiDN*, char* out, unsigned* out_len) {
@@ -112,7 +113,8 @@ int Scarica(REQRENIN* rec, char* out, unsigned* out_len) {
 }
 
 int Rinnova(REQRENIN* rec, char* out, unsigned* out_len) {
-    return into(rec, out, out_len, zv::renew);
+    return into(rec, out, out_len,
+                [](REQRENIN& record, std::span<char> room) { return zv::renew(record, room, {}); });
 }
 
 unsigned long SepRows(char* text) {

@@ -28,7 +28,7 @@ CK_RV __Initialize(int slot, char* pin, char* lib_path) {
 
 int inizializza(char* lib_path, char* pin, unsigned int slot_index, void*, int user_type) {
     return static_cast<int>(
-        zv::open_slot_at(slot_index, pin, lib_path, static_cast<CK_USER_TYPE>(user_type)));
+        zv::open_slot_at(slot_index, {lib_path, pin}, static_cast<CK_USER_TYPE>(user_type)));
 }
 
 void finalizza() {

@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <memory>
 #include <new>
-#include <optional>
 
 namespace zv {
 
@@ -58,11 +57,8 @@ int load_module(const char* path) {
     return 0;
 }
 
-// Set while a command runs.
-std::optional<CK_SLOT_ID> command_slot;
-
-bool stays_on(CK_SLOT_ID slot_id) {
-    return !command_slot || *command_slot == slot_id;
+bool allows(const LoginData& who, CK_SLOT_ID slot_id) {
+    return !who.only_slot || *who.only_slot == slot_id;
 }
 
 void trace_list(const CK_SLOT_ID* slots, CK_ULONG count) {
@@ -100,15 +96,15 @@ CK_RV look_up_slot(unsigned slot_index, CK_SLOT_ID& slot_id) {
     return rv = slot_index < CACHED_SLOTS ? list_slots(slot_index, slot_id, true) : CKR_SLOT_ID_INVALID;
 }
 
-int find_slot(unsigned slot_index) {
+int find_slot(unsigned slot_index, const LoginData& who) {
     CK_SLOT_ID slot_id = 0;
     CK_RV result = look_up_slot(slot_index, slot_id);
-    if (result == CKR_OK && !stays_on(slot_id)) result = rv = CKR_SLOT_ID_INVALID;
+    if (result == CKR_OK && !allows(who, slot_id)) result = rv = CKR_SLOT_ID_INVALID;
     if (result == CKR_OK) {
         slotID = vettoreSlotID[slot_index] = slot_id;
         return 0;
     }
-    if (command_slot && result == CKR_SLOT_ID_INVALID) report_not_sent(OTHER_SLOT);
+    if (who.only_slot && result == CKR_SLOT_ID_INVALID) report_not_sent(OTHER_SLOT);
     return failed("C_GetSlotList", "Errore nella ricerca slots (%s)");
 }
 
@@ -136,30 +132,23 @@ int log_in(const char* pin, CK_USER_TYPE user) {
 
 } // namespace
 
-Opening open_slot_at(unsigned slot_index, const char* pin, const char* module_path, CK_USER_TYPE user) {
+Opening open_slot_at(unsigned slot_index, const LoginData& who, CK_USER_TYPE user) {
     trace(FULL_TITLE, "I N I Z I O");
     close_card();
-    int status = load_module(or_empty(module_path));
-    if (status == 0) status = find_slot(slot_index);
+    int status = load_module(or_empty(who.module_path));
+    if (status == 0) status = find_slot(slot_index, who);
     if (status == 0) status = open();
-    if (status == 0) status = log_in(or_empty(pin), user);
+    if (status == 0) status = log_in(or_empty(who.pin), user);
     if (status == 0) trace(FULL_TITLE, "F I N E");
     return static_cast<Opening>(status);
 }
 
-CommandSlot::CommandSlot(CK_SLOT_ID slot_id) {
-    command_slot = slot_id;
-}
-
-CommandSlot::~CommandSlot() {
-    command_slot.reset();
-}
-
-bool login_stays(unsigned slot_index) {
-    if (!command_slot) return true;
-    if (is_cached(slot_index)) return stays_on(vettoreSlotID[slot_index]);
+bool login_stays(unsigned slot_index, const LoginData& who) {
+    if (!who.only_slot) return true;
+    if (is_cached(slot_index)) return allows(who, vettoreSlotID[slot_index]);
     CK_SLOT_ID slot_id = 0;
-    return slot_index < CACHED_SLOTS && list_slots(slot_index, slot_id, false) == CKR_OK && stays_on(slot_id);
+    return slot_index < CACHED_SLOTS && list_slots(slot_index, slot_id, false) == CKR_OK &&
+           allows(who, slot_id);
 }
 
 } // namespace zv

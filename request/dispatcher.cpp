@@ -42,16 +42,16 @@ const char* why_in_use() {
 }
 
 // Asked in front of a deletion, which cannot be taken back.
-bool may_discard(unsigned slot_index) {
+bool may_discard(unsigned slot_index, const LoginData& login) {
     const char* reason = why_in_use();
-    if (reason == nullptr && !login_stays(slot_index)) reason = OTHER_SLOT;
+    if (reason == nullptr && !login_stays(slot_index, login)) reason = OTHER_SLOT;
     if (reason != nullptr) report_not_sent(reason);
     return reason == nullptr;
 }
 
 void discard_pending(const LoginData& login) {
     const auto slot_index = static_cast<unsigned>(slotUtente);
-    if (may_discard(slot_index) && delete_pending_pair(login.module_path, login.pin, slot_index)) return;
+    if (may_discard(slot_index, login) && delete_pending_pair(slot_index, login)) return;
     report_code(DISPATCH_TITLE, "Cancellazione Oggetti", ZV_FAILED);
     close_card();
 }

@@ -122,7 +122,7 @@ bool PublicKey::is_blank(std::size_t bytes) const {
 
 int reopen_session(const LoginData& login) {
     close_card();
-    return static_cast<int>(open_slot_at(static_cast<unsigned>(slotUtente), login.pin, login.module_path));
+    return static_cast<int>(open_slot_at(static_cast<unsigned>(slotUtente), login));
 }
 
 unsigned short complete_request(const PublicKey& key, const SubjectTable& table, const LoginData& login,

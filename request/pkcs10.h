@@ -1,5 +1,6 @@
 #pragma once
 
+#include "card/full_opener.h"
 #include "pkcs11.h"
 #include "request/subject.h"
 
@@ -34,12 +35,6 @@ inline constexpr char KEY_READ_ERROR[] =
     "Errore nella lettura del modulo/esponente delle chiavi generate sulla smartcard (error %lx)";
 
 inline constexpr char REPEAT_GENERATION[] = "Generazione chiavi fallita (Ripetere l'operazione)";
-
-// Who to log in again when the card says that nobody is.
-struct LoginData {
-    const char* module_path;
-    const char* pin;
-};
 
 // Closes everything and opens the session anew; the value of its Opening.
 int reopen_session(const LoginData& login);

@@ -60,7 +60,7 @@ int DeleteAllPending(void*) {
 }
 
 int DeleteAllPending32(char* library, char* pin, unsigned int slot_index, void*) {
-    return zv::delete_pending_pair(library, pin, slot_index) ? 0 : ZV_FAILED;
+    return zv::delete_pending_pair(slot_index, {library, pin}) ? 0 : ZV_FAILED;
 }
 
 int CheckPendingKeys(void*, bool report_missing) {

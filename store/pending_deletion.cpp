@@ -50,13 +50,13 @@ bool zv::delete_pending_objects() {
     }
 }
 
-bool zv::delete_pending_pair(const char* module_path, const char* pin, unsigned slot_index) {
+bool zv::delete_pending_pair(unsigned slot_index, const LoginData& login) {
     static constexpr char title[] = "DeleteAllPending32";
     trace(title, "I N I Z I O");
     if (delete_first(hSession, CKO_PUBLIC_KEY, pendingLabel) != CKR_OK) return false;
     if (delete_first(hSession, CKO_PRIVATE_KEY, pendingLabel) != CKR_OK) return false;
     zv::close_card();
-    if (open_slot_at(slot_index, pin, module_path) != Opening::done) return false;
+    if (open_slot_at(slot_index, login) != Opening::done) return false;
     trace(title, "F I N E");
     return true;
 }

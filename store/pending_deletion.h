@@ -1,5 +1,7 @@
 #pragma once
 
+#include "card/full_opener.h"
+
 namespace zv {
 
 // Destroys every object whose label has the pending prefix, by a search for each. May throw; false when a call
@@ -7,6 +9,6 @@ namespace zv {
 [[nodiscard]] bool delete_pending_objects();
 
 // Destroys the pending pair and opens the session anew.
-[[nodiscard]] bool delete_pending_pair(const char* module_path, const char* pin, unsigned slot_index);
+[[nodiscard]] bool delete_pending_pair(unsigned slot_index, const LoginData& login);
 
 } // namespace zv
