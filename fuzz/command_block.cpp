@@ -42,7 +42,7 @@ bool is_plain(const Given& given) {
 bool is_plain(const datiDN& name) {
     REQRENIN record{};
     record.dn = name;
-    for (std::size_t i = zv::FIRST_NAME_KEY; i < zv::BLOCK_KEYS; ++i)
+    for (std::size_t i = zv::first_name_key; i < zv::BLOCK_KEYS; ++i)
         if (!is_plain(zv::field_text(record, zv::BLOCK[i]), zv::BLOCK[i].width)) return false;
     return true;
 }
@@ -56,20 +56,18 @@ void holds_values(const Given& given, const REQRENIN& parsed) {
     HOLDS(fuzz::field_of(parsed.szTipoCert) == given.kind);
     REQRENIN name{};
     name.dn = zv::dNameRen;
-    for (std::size_t i = zv::FIRST_NAME_KEY; i < zv::BLOCK_KEYS; ++i)
+    for (std::size_t i = zv::first_name_key; i < zv::BLOCK_KEYS; ++i)
         HOLDS(zv::field_text(name, zv::BLOCK[i]) == zv::field_text(parsed, zv::BLOCK[i]));
 }
 
-void write_and_parse(Given& given) {
-    const unsigned long length =
-        RichiestaMinInfo(given.cert_label.data(), given.pin.c_str(), given.certificate.c_str(),
-                         given.pendingLabel.data(), given.kind.c_str(), given.keep_flag.c_str());
+void write_and_parse(const Given& given) {
+    const zv::WrittenBlock written = zv::write_block(given.values());
     const std::string_view block = fuzz::field_of(zv::szBufferRichiesta);
-    if (length == 0) {
+    if (written.length == 0) {
         HOLDS(block.empty() && zv::guard_block(given.values()) == ZV_NOT_SENT);
-        return zv::wipe_pin();
+        return zv::wipe_pin(written);
     }
-    HOLDS(block.starts_with("BEGIN_STRING\nslot:") && block.substr(length) == "\nEND_STRING\n");
+    HOLDS(block.starts_with("BEGIN_STRING\nslot:") && block.substr(written.length) == "\nEND_STRING\n");
     auto parsed = std::make_unique<REQRENIN>();
     zv::parse_block(block, *parsed);
     holds_terminated(*parsed);
@@ -81,7 +79,7 @@ void write_and_parse(Given& given) {
         holds_values(given, *parsed);
     }
     const std::string before(block);
-    zv::wipe_pin();
+    zv::wipe_pin(written);
     const std::string_view after = fuzz::field_of(zv::szBufferRichiesta);
     HOLDS(after.size() == before.size());
     if (guard != 0) return;
