@@ -34,7 +34,7 @@ constinit std::array DescrOid = name_pairs();
 namespace {
 
 char* found_in(char* text, const char* part) {
-    const std::size_t place = zv::find_ignoring_case(text, part);
+    const std::size_t place = zv::find_ignoring_case(zv::or_empty(text), part);
     return place != std::string_view::npos ? text + place : nullptr;
 }
 

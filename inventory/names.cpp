@@ -24,7 +24,7 @@ void rewrite_name(char* name, std::size_t size) {
 }
 
 bool rewrite_name_cns(char* name, std::size_t size) {
-    const std::size_t found = find_ignoring_case(name, common_name_row.slash);
+    const std::size_t found = find_ignoring_case(or_empty(name), common_name_row.slash);
     if (found == std::string_view::npos) return false;
     char* place = name + found;
     const std::string_view value = place + std::string_view(common_name_row.slash).size();

@@ -60,7 +60,7 @@ std::size_t length_without_zeros(std::string_view bytes) {
 
 bool replace_first(char* text, std::size_t size, const char* pattern, const char* replacement,
                    char* scratch) {
-    const std::size_t found = find_ignoring_case(text, pattern);
+    const std::size_t found = find_ignoring_case(or_empty(text), pattern);
     if (found == std::string_view::npos) return false;
     char* place = text + found;
     copy_text(scratch, size, place + std::strlen(pattern));
