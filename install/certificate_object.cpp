@@ -36,30 +36,44 @@ CK_OBJECT_HANDLE hCert = 0;
 
 namespace {
 
-constexpr CK_ULONG NAME_ROOM = ZVC_CARD_NAME_SIZE;
+// A part of a certificate as the crypto library takes it out. What lies behind its length is none.
+template <std::size_t Room> struct TakenPart {
+    char bytes[Room] = {};
+    unsigned long length = Room;
+
+    [[nodiscard]] std::span<const char> taken() const { return {bytes, std::min<std::size_t>(length, Room)}; }
+};
+
+// The bytes, as many as fit, and zeros behind them.
+template <typename Byte, std::size_t N>
+void fill_entry(CK_ATTRIBUTE& entry, Byte (&buffer)[N], std::span<const Byte> bytes) {
+    entry.ulValueLen = std::min(bytes.size(), N);
+    std::ranges::fill(buffer, Byte{0});
+    std::ranges::copy(bytes.first(entry.ulValueLen), buffer);
+}
 
 } // namespace
 
-int fill_template(const char* title, std::span<unsigned char> der, const char* label, Serial serial_form) {
-    auto& [object_class, token, type, id, name, value, subject, issuer, serial] = CertTemplate;
-    object_class.ulValueLen = sizeof cert_object_class;
-    token.ulValueLen = sizeof bTrue;
-    type.ulValueLen = sizeof certType;
-    label_certificate(id, name, label);
-    value.ulValueLen = std::min(der.size(), sizeof BufferAttribute);
-    std::ranges::fill(BufferAttribute, 0);
-    std::ranges::copy(der.first(value.ulValueLen), BufferAttribute);
-    clear(BufferSubject, BufferIssuer, BufferSerNumb);
-    subject.ulValueLen = issuer.ulValueLen = NAME_ROOM;
-    serial.ulValueLen = sizeof BufferSerNumb;
-    const int code = ConvToDer(der.data(), der.size(), BufferSubject, &subject.ulValueLen, BufferIssuer,
-                               &issuer.ulValueLen, BufferSerNumb, &serial.ulValueLen);
-    subject.ulValueLen = std::min(subject.ulValueLen, NAME_ROOM);
-    issuer.ulValueLen = std::min(issuer.ulValueLen, NAME_ROOM);
-    serial.ulValueLen = std::min<CK_ULONG>(serial.ulValueLen, sizeof BufferSerNumb);
-    if (serial_form == Serial::trimmed) trim_serial(BufferSerNumb, serial.ulValueLen);
-    if (code != 0) report_code(title, "ConvToDer", static_cast<CK_RV>(code));
-    return code;
+int fill_template(const char* title, std::span<unsigned char> der, const char* label, Serial form) {
+    TakenPart<ZVC_CARD_NAME_SIZE> subject, issuer;
+    TakenPart<ZVC_CARD_SERIAL_SIZE> serial;
+    const int code = ConvToDer(der.data(), der.size(), subject.bytes, &subject.length, issuer.bytes,
+                               &issuer.length, serial.bytes, &serial.length);
+    if (code != 0) {
+        report_code(title, "ConvToDer", static_cast<CK_RV>(code));
+        return code;
+    }
+    serial.length = serial.taken().size();
+    if (form == Serial::trimmed) trim_serial(serial.bytes, serial.length);
+    CertTemplate[0].ulValueLen = sizeof cert_object_class;
+    CertTemplate[1].ulValueLen = sizeof bTrue;
+    CertTemplate[2].ulValueLen = sizeof certType;
+    label_certificate(CertTemplate[3], CertTemplate[4], label);
+    fill_entry<unsigned char>(CertTemplate[5], BufferAttribute, der);
+    fill_entry(CertTemplate[6], BufferSubject, subject.taken());
+    fill_entry(CertTemplate[7], BufferIssuer, issuer.taken());
+    fill_entry(CertTemplate[8], BufferSerNumb, serial.taken());
+    return 0;
 }
 
 void trim_serial(char* serial, unsigned long& length) {

@@ -1,6 +1,7 @@
 #include "tests/flows/flow.h"
 
 #include "install/certificate_object.h"
+#include "install/label.h"
 #include "routines.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/renewal.h"
@@ -12,6 +13,7 @@
 #include <openssl/pem.h>
 
 #include <regex>
+#include <span>
 
 namespace zvtest {
 
@@ -123,9 +125,10 @@ void Flow::add(const std::vector<std::string>& certificates, const std::vector<s
     Pair pair;
     for (const std::string& id : pairs)
         ASSERT_EQ(generate(module, zv::hSession, id, pair), CKR_OK);
-    unsigned char nothing[1] = {};
     for (const std::string& id : certificates) {
-        static_cast<void>(zv::fill_template("", nothing, id.c_str(), zv::Serial::as_given));
+        zv::label_certificate(zv::CertTemplate[3], zv::CertTemplate[4], id.c_str());
+        for (CK_ATTRIBUTE& part : std::span(zv::CertTemplate).subspan(5))
+            part.ulValueLen = 1;
         ASSERT_EQ(zv::create_certificate(""), CKR_OK);
     }
     finalizza();

@@ -2,11 +2,14 @@
 #include "card/session.h"
 #include "install/certificate.h"
 #include "install/certificate_object.h"
+#include "install/label.h"
 #include "routines/card.h"
 #include "routines/install.h"
 #include "tests/flows/flow.h"
 
 #include <openssl/x509.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -147,7 +150,9 @@ TEST_F(InstallStep, AuthoritysCertificateIsWrittenAsItIs) {
     EXPECT_TRUE(has(log.text(),
                     "C_CreateObject\nErrore = 0x49\n** Messaggio di Errore\nCertificato CA non memorizzato "
                     "correttamente sulla smartcard (La smartcard non ha memoria sufficiente"));
-    EXPECT_EQ(InstallCACertificate(nullptr, &certificate, 10, label), 1);
+    char unread[] = "unread";
+    EXPECT_EQ(InstallCACertificate(nullptr, &certificate, 10, unread), 1);
+    EXPECT_STREQ(zv::crtLabel, label) << "a certificate that cannot be read leaves the template alone";
     EXPECT_TRUE(has(log.text(), "** Messaggio di Errore\nProblemi in Conversione ISSUER e SUBJECT a DER\n"));
 }
 
@@ -160,6 +165,18 @@ TEST_F(InstallStep, SerialNumberLosesItsLeadingZeros) {
     length = sizeof zeros;
     zv::trim_serial(zeros, length);
     EXPECT_EQ(length, 0U);
+
+    const auto der = zv::der_of(&certificate, certificate.derLength);
+    static constexpr unsigned char behind_version[] = {0xA0, 0x03, 0x02, 0x01, 0x02, 0x02};
+    const auto number = std::ranges::search(der, behind_version).end();
+    const CK_ULONG bytes = number[0];
+    ASSERT_GT(bytes, 1U);
+    number[1] = 0x00;
+    number[2] |= 0x80;
+    ASSERT_EQ(zv::fill_template("t", der, "x", zv::Serial::trimmed), 0);
+    const CK_ATTRIBUTE& entry = zv::CertTemplate[8];
+    EXPECT_EQ(entry.ulValueLen, bytes - 1);
+    EXPECT_EQ(static_cast<char*>(entry.pValue)[bytes - 1], 0) << "zeros behind it, nothing left over";
 }
 
 } // namespace
