@@ -38,11 +38,11 @@ int CrtB64ToDer(char* pem, char* der) {
 }
 
 int DescrToOid(char* dn, char* work) {
-    return zv::write_oids(dn, work);
+    return dn != nullptr ? zv::write_oids(dn, work) : 0;
 }
 
 int CommaToSlash(char* dn, char*) {
-    return zv::slash_commas(dn);
+    return dn != nullptr ? zv::slash_commas(dn) : 0;
 }
 
 int ConvertiCertificato(char** dns) {

@@ -52,12 +52,12 @@ bool presente(const ckaid* table, const char* id) {
 }
 
 int __DescrToOid(char* name, char*) {
-    zv::rewrite_name(name, zv::NAME_SIZE);
+    if (name != nullptr) zv::rewrite_name(name, zv::NAME_SIZE);
     return 0;
 }
 
 int __DescrToOidCNS(char* name, char*) {
-    return zv::rewrite_name_cns(name, zv::NAME_SIZE) ? 0 : 1;
+    return name != nullptr && zv::rewrite_name_cns(name, zv::NAME_SIZE) ? 0 : 1;
 }
 
 int renewDump(char* lib_path, char* pin, int slot, std::string& out) {

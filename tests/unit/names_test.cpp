@@ -133,4 +133,12 @@ TEST(InstallNames, PemBecomesDer) {
     EXPECT_EQ(decoded(begin + std::string(20000, 'A') + end, der), 0);
 }
 
+TEST(NameRewriting, NullIsNoName) {
+    char work[1];
+    EXPECT_EQ(DescrToOid(nullptr, work), 0);
+    EXPECT_EQ(CommaToSlash(nullptr, nullptr), 0);
+    EXPECT_EQ(__DescrToOid(nullptr, nullptr), 0);
+    EXPECT_EQ(__DescrToOidCNS(nullptr, nullptr), 1);
+}
+
 } // namespace
