@@ -60,8 +60,7 @@ int give_result(std::span<char> out) {
 }
 
 int delete_replaced(REQRENIN& record) {
-    if (kind_of_code(record.szTipoCert) == Kind::services)
-        return static_cast<int>(delete_own_certificate(hSession));
+    if (is_for_own_pair(record.szTipoCert)) return static_cast<int>(delete_own_certificate(hSession));
     return delete_certificate_and_keys(hSession, record.certificateLabel) ? 0 : ZV_FAILED;
 }
 

@@ -43,8 +43,8 @@ int install(const char* function, zv::Kind kind, const char* pin, char* cert_lab
 int rinnovo_Card_readCerts(char* reader, char* pin, int, char** list_cns, char** list_pra, char** list_aut,
                            int* pending_cns, int* pending_pra, int* pending_aut, char* key_pra, char* key_aut,
                            char*, const char* module_dir) {
-    const zv::Reading buffers = {list_cns,    list_pra,    list_aut, pending_cns,
-                                 pending_pra, pending_aut, key_pra,  key_aut};
+    const zv::Reading buffers = {
+        {{{list_pra, pending_pra, key_pra}, {list_aut, pending_aut, key_aut}, {list_cns, pending_cns}}}};
     char no_pin[] = "";
     return zv::guarded(zv::close_unusable, [&] {
         return zv::read_certificates(buffers, reader, pin != nullptr ? pin : no_pin,
@@ -53,9 +53,10 @@ int rinnovo_Card_readCerts(char* reader, char* pin, int, char** list_cns, char**
 }
 
 int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* key_pra, char* key_aut) {
+    const zv::Reading buffers = {{{{.key = key_pra}, {.key = key_aut}}}};
     char no_pin[] = "";
     return zv::guarded(zv::close_unusable, [&] {
-        return zv::find_free_identifiers(reader, pin != nullptr ? pin : no_pin, key_pra, key_aut);
+        return zv::find_free_identifiers(buffers, reader, pin != nullptr ? pin : no_pin);
     });
 }
 

@@ -72,7 +72,7 @@ int guard_subject(const RequestCall& call) {
     datiDN whole = whole_name(call.subject);
     if (same_name({}, whole)) return stop("il nome del titolare non ha alcun attributo noto");
     // Lost or not, the request does not carry them.
-    if (call.kind == Kind::services)
+    if (!kind_row(call.kind).new_pair)
         for (const NameAttribute left : forms::NOT_ON_SERVICES_CARD)
             set_name_text(whole, left, name_text(dNameRen, left));
     return same_name(dNameRen, whole)

@@ -29,17 +29,17 @@ constexpr char NOT_SUPPORTED[] = "Tipo di Smart Card non supportato";
 // A reading under way: the host's buffers, and stand-ins for those that it did not give.
 struct UnderWay : Reading {
     explicit UnderWay(const Reading& reading) : Reading(reading) {
-        if (pending_cns == nullptr) pending_cns = &flags[0];
-        if (pending_pra == nullptr) pending_pra = &flags[1];
-        if (pending_aut == nullptr) pending_aut = &flags[2];
-        if (key_pra == nullptr) key_pra = keys[0];
-        if (key_aut == nullptr) key_aut = keys[1];
+        for (const KindRow& row : KINDS) {
+            KindBuffers& buffers = (*this)[row.id];
+            if (buffers.pending == nullptr) buffers.pending = &flags[row.id];
+            if (buffers.key == nullptr) buffers.key = keys[row.id].data();
+        }
     }
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;
 
-    int flags[3] = {};
-    char keys[2][ZV_KEY_ID_SIZE] = {};
+    ByKind<int> flags;
+    ByKind<std::array<char, ZV_KEY_ID_SIZE>> keys;
     bool touch_sign = false;
     int dump_result = 0;
 };
@@ -104,12 +104,20 @@ int read_inventory(const UnderWay& reading, char* pin, const char* card, const c
     return 0;
 }
 
-HostInventory buffers_of(const UnderWay& reading) {
-    return {.pra = {reading.list_pra, sSubjectSott, sLabelSott},
-            .aut = {reading.list_aut, sSubjectAute, sLabelAute},
-            .cns = {reading.list_cns},
-            .state = {reading.pending_pra, reading.pending_aut, reading.key_pra, reading.key_aut,
-                      reading.pending_cns, dtScadenza}};
+HostBuffers buffers_of(const Reading& reading) {
+    HostBuffers host;
+    for (const KindRow& row : KINDS) {
+        const KindBuffers& given = reading[row.id];
+        host.kinds[row.id] = {.list = given.list, .pending = given.pending, .id = given.key};
+    }
+    auto& signature = host.kinds[Kind::signature];
+    auto& authentication = host.kinds[Kind::authentication];
+    signature.description = sSubjectSott;
+    signature.last_id = sLabelSott;
+    authentication.description = sSubjectAute;
+    authentication.last_id = sLabelAute;
+    host.expiry = dtScadenza;
+    return host;
 }
 
 int read_signature_card(const UnderWay& reading, char* pin) {
@@ -130,34 +138,36 @@ int count_of(char** list) {
     return static_cast<int>(std::min(std::strtol(list[0], nullptr, 10), long{ZV_LIST_ENTRIES - 1}));
 }
 
-void trace_list(const char* title, char** list) {
+void trace_list(const char* code, char** list) {
+    const std::string title = std::string(code) + ":";
     const int count = count_of(list);
     for (int i = 1; i <= count; ++i) {
-        write_line(title);
+        write_line(title.c_str());
         write_line(list[i]);
         write_line("-----");
     }
 }
 
-void trace_key(int pending, const char* key, const char* pending_title, const char* free_title) {
-    if (pending == 1)
-        write_line(pending_title);
-    else if (pending == 0 && key[0] != '\0')
-        write_line(free_title);
-    else
+void trace_key(const KindRow& kind, const KindBuffers& buffers) {
+    const int pending = *buffers.pending;
+    if (!kind.new_pair) {
+        if (pending == 1) write_line((std::string("Chiave Pending ") + kind.code + ": Si").c_str());
         return;
-    write_line(key);
+    }
+    if (pending != 1 && (pending != 0 || buffers.key[0] == '\0')) return;
+    write_line((std::string(pending == 1 ? "Chiave Pending " : "FREE CKAID ") + kind.code + ":").c_str());
+    write_line(buffers.key);
 }
 
-void trace_summary(const UnderWay& reading) {
+// The lists begin with the services card's own.
+void trace_summary(const Reading& reading) {
     write_line(DASHES_33);
     write_line("Certificati presenti nella Smart Card..");
-    trace_list("CNS:", reading.list_cns);
-    trace_list("PRA:", reading.list_pra);
-    trace_list("AUT:", reading.list_aut);
-    trace_key(*reading.pending_pra, reading.key_pra, "Chiave Pending PRA:", "FREE CKAID PRA:");
-    trace_key(*reading.pending_aut, reading.key_aut, "Chiave Pending AUT:", "FREE CKAID AUT:");
-    if (*reading.pending_cns == 1) write_line("Chiave Pending CNS: Si");
+    for (const bool new_pair : {false, true})
+        for (const KindRow& kind : KINDS)
+            if (kind.new_pair == new_pair) trace_list(kind.code, reading[kind.id].list);
+    for (const KindRow& kind : KINDS)
+        trace_key(kind, reading[kind.id]);
     write_line(DASHES_33);
 }
 
@@ -176,7 +186,15 @@ int read(UnderWay& reading, char* reader, char* pin) {
     return read_cns(reading, pin);
 }
 
-int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
+// The search takes no flag from the host.
+HostBuffers keys_of(const Reading& reading) {
+    HostBuffers host;
+    for (const KindRow& row : KINDS)
+        host.kinds[row.id].id = reading[row.id].key;
+    return host;
+}
+
+int find_free(char* reader, char* pin, const Reading& reading) {
     static constexpr char detection_failed[] = "Funzione CheckSmartCard() error!";
     int code = detect_card(reader).code;
     if (code == ZV_UNSUPPORTED) return fail(detection_failed, code, NOT_SUPPORTED);
@@ -187,7 +205,7 @@ int find_free(char* reader, char* pin, char* key_pra, char* key_aut) {
         close_card();
         return code;
     }
-    code = fill_state({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, ZV_UNUSABLE, find_free_ids);
+    code = fill_state(keys_of(reading), ZV_UNUSABLE, find_free_ids);
     close_card();
     return code == 0 ? 0 : fail("Funzione findFreeCKAID() error!", code);
 }
@@ -201,8 +219,8 @@ int close_unusable() {
 
 int read_certificates(const Reading& buffers, char* reader, char* pin, const char* module_dir) {
     UnderWay reading(buffers);
-    for (int* flag : {reading.pending_cns, reading.pending_pra, reading.pending_aut})
-        *flag = 0;
+    for (const KindRow& row : KINDS)
+        *reading[row.id].pending = 0;
     clear_state();
     for (const char* line : {"zvRenew", ZV_VERSION, DASHES_34, "Funzione 'rinnovo_Card_readCerts': INIZIO"})
         write_line(line);
@@ -214,16 +232,16 @@ int read_certificates(const Reading& buffers, char* reader, char* pin, const cha
     return 0;
 }
 
-int find_free_identifiers(char* reader, char* pin, char* key_pra, char* key_aut) {
-    char keys[2][ZV_KEY_ID_SIZE] = {};
-    if (key_pra == nullptr) key_pra = keys[0];
-    if (key_aut == nullptr) key_aut = keys[1];
+int find_free_identifiers(const Reading& buffers, char* reader, char* pin) {
+    const UnderWay reading(buffers);
     write_line("Funzione 'rinnovo_Card_findFreeCKAID': INIZIO");
-    if (const int code = find_free(reader, pin, key_pra, key_aut)) return code;
-    for (const char* line :
-         {DASHES_33, "Free CKAID:", static_cast<const char*>(key_pra), static_cast<const char*>(key_aut),
-          DASHES_33, "Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!"})
-        write_line(line);
+    if (const int code = find_free(reader, pin, reading)) return code;
+    write_line(DASHES_33);
+    write_line("Free CKAID:");
+    for (const KindRow& kind : KINDS)
+        if (kind.new_pair) write_line(reading[kind.id].key);
+    write_line(DASHES_33);
+    write_line("Funzione 'rinnovo_Card_findFreeCKAID()' completata con successo!");
     return 0;
 }
 

@@ -33,8 +33,7 @@ struct CardList {
     std::vector<RetiredPair> retired;
     bool services_pending = false; // a request for a services card's own certificate is under way
     bool services_stored = false;  // such a certificate is there
-    Proposal signature;
-    Proposal authentication;
+    zv::ByKind<Proposal> next;     // for a new pair
 };
 
 // @param days  a certificate is due when it ends within so many

@@ -71,7 +71,7 @@ std::string serial_of(std::vector<unsigned char> der) {
 
 std::string missing_usage(X509& certificate, Kind kind) {
     const std::uint32_t usages = X509_get_key_usage(&certificate); // all bits without the extension
-    if (kind == Kind::signature) return (usages & KU_NON_REPUDIATION) != 0 ? "" : "nonRepudiation";
+    if (kind_row(kind).non_repudiation) return (usages & KU_NON_REPUDIATION) != 0 ? "" : "nonRepudiation";
     return (usages & KU_DIGITAL_SIGNATURE) != 0 ? "" : "digitalSignature";
 }
 

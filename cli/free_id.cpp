@@ -13,20 +13,18 @@
 namespace cli {
 namespace {
 
-struct KeyTexts {
-    std::array<char, ZV_KEY_ID_SIZE> signature{};
-    std::array<char, ZV_KEY_ID_SIZE> authentication{};
-};
+using KeyTexts = zv::ByKind<std::array<char, ZV_KEY_ID_SIZE>>;
 
 // 1 says that a series is full, which is an answer; the texts tell which one.
 KeyTexts ask_library(OpenedCard& card) {
     KeyTexts keys;
     std::string reader = card.place.reader;
     forget_library_texts();
-    const int code = rinnovo_Card_findFreeCKAID(reader.data(), card.pin.text(), keys.signature.data(),
-                                                keys.authentication.data());
-    const bool full = code == ZV_FAILED && (as_proposal(keys.signature.data()).none_free ||
-                                            as_proposal(keys.authentication.data()).none_free);
+    const int code = rinnovo_Card_findFreeCKAID(reader.data(), card.pin.text(), keys[Kind::signature].data(),
+                                                keys[Kind::authentication].data());
+    const bool full = code == ZV_FAILED && std::ranges::any_of(keys.things, [](const auto& key) {
+                          return as_proposal(key.data()).none_free;
+                      });
     if (code != ZV_OK && !full)
         throw library_stop(
             "The identifiers could not be read", code,
@@ -69,8 +67,9 @@ Report show_free(OpenedCard& card) {
     const KeyTexts keys = ask_library(card);
     Report report;
     report.json = as_json(card.facts());
-    for (const FreeId& free : {look_up(inventory, Kind::signature, keys.signature.data()),
-                               look_up(inventory, Kind::authentication, keys.authentication.data())}) {
+    for (const zv::KindRow& kind : zv::KINDS) {
+        if (!kind.new_pair) continue;
+        const FreeId free = look_up(inventory, kind.id, keys[kind.id].data());
         report.json[kind_name(free.kind)] = as_json(free);
         report.text +=
             fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(free.kind), in_words(free));

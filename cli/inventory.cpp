@@ -44,22 +44,25 @@ class CertificateList {
     std::array<char*, ZV_LIST_ENTRIES> entries_{};
 };
 
-struct Reading {
-    CertificateList services, signature, authentication;
-    int services_pending = 0, signature_pending = 0, authentication_pending = 0;
-    std::array<char, ZV_KEY_ID_SIZE> signature_key{}, authentication_key{};
+// What a reading gives of one kind.
+struct OfKind {
+    CertificateList list;
+    int pending = 0;
+    std::array<char, ZV_KEY_ID_SIZE> key{}; // of the pair that waits, or for a new one
 };
 
+using Reading = zv::ByKind<OfKind>;
+
 void read_with_library(OpenedCard& card, Reading& reading) {
-    reading.services.set_count_to_zero();
+    auto& [signature, authentication, services] = reading.things;
+    services.list.set_count_to_zero();
     std::string reader = card.place.reader;
     char no_text[] = "";
     forget_library_texts();
     const int code = rinnovo_Card_readCerts(
-        reader.data(), card.pin.text(), 0, reading.services.entries(), reading.signature.entries(),
-        reading.authentication.entries(), &reading.services_pending, &reading.signature_pending,
-        &reading.authentication_pending, reading.signature_key.data(), reading.authentication_key.data(),
-        no_text, card.place.module_dir.c_str());
+        reader.data(), card.pin.text(), 0, services.list.entries(), signature.list.entries(),
+        authentication.list.entries(), &services.pending, &signature.pending, &authentication.pending,
+        signature.key.data(), authentication.key.data(), no_text, card.place.module_dir.c_str());
     if (code != ZV_OK)
         throw library_stop(
             "The card could not be read", code,
@@ -106,15 +109,22 @@ void take_retired(Inventory& inventory, const CardView& view, const std::string&
     });
 }
 
-} // namespace
-
-Kind kind_of_certificate(const std::string& id, bool services_card) {
-    if (services_card && id.starts_with(ZV_OWN_PAIR)) return Kind::services;
-    const bool signature = services_card ? id.starts_with(zv::SIGNATURE_SERIES)
-                                         : id.starts_with(zv::OTHER_SIGNATURE_SERIES) ||
-                                               zv::in_series(id, zv::SIGNATURE_SERIES, zv::ALL_DIGITS);
-    return signature ? Kind::signature : Kind::authentication;
+// Whether the list's first record has one more field. Other cards than services cards get both marks under the signature
+// list's conditions.
+bool is_marked(const Reading& reading, Kind kind, bool services_card) {
+    const OfKind& signature = reading[Kind::signature];
+    if (services_card || kind != Kind::authentication) return reading[kind].pending == 1;
+    return signature.pending == 1 && !signature.list.records().empty();
 }
+
+void take_key(Inventory& inventory, const OfKind& read, Kind kind) {
+    if (read.pending == 1)
+        add_pending(inventory, read.key.data());
+    else
+        inventory.next[kind] = as_proposal(read.key.data());
+}
+
+} // namespace
 
 Proposal as_proposal(const std::string& key_text) {
     const bool digit =
@@ -125,31 +135,17 @@ Proposal as_proposal(const std::string& key_text) {
 Inventory read_inventory(OpenedCard& card, const CardView& view, const std::string& given_backup) {
     Reading reading;
     read_with_library(card, reading);
-    const bool pending = reading.signature_pending == 1;
-    // Other cards than services cards get both marks under the signature list's conditions.
-    const bool mark_signature = pending;
-    const bool mark_authentication = card.place.services ? reading.authentication_pending == 1
-                                                         : pending && !reading.signature.records().empty();
-
     Inventory inventory;
-    add_certificates(inventory, reading.signature, Kind::signature, mark_signature);
-    add_certificates(inventory, reading.authentication, Kind::authentication, mark_authentication);
-    add_certificates(inventory, reading.services, Kind::services, reading.services_pending == 1);
+    for (const zv::KindRow& kind : zv::KINDS)
+        add_certificates(inventory, reading[kind.id].list, kind.id,
+                         is_marked(reading, kind.id, card.place.services));
     for (CertificateRecord& record : inventory.certificates)
         if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
             take_subject(record, view);
     inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, ZV_OWN_PAIR) != nullptr;
-    inventory.services_pending = reading.services_pending == 1;
-    const std::string signature_key = reading.signature_key.data();
-    const std::string authentication_key = reading.authentication_key.data();
-    if (pending)
-        add_pending(inventory, signature_key);
-    else
-        inventory.signature = as_proposal(signature_key);
-    if (reading.authentication_pending == 1)
-        add_pending(inventory, authentication_key);
-    else
-        inventory.authentication = as_proposal(authentication_key);
+    inventory.services_pending = reading[Kind::services].pending == 1;
+    for (const zv::KindRow& kind : zv::KINDS)
+        if (kind.new_pair) take_key(inventory, reading[kind.id], kind.id);
     for (const std::string& id : view.pending_pairs())
         add_pending(inventory, id);
     inventory.backups = backups_of(card.state.serial, given_backup);

@@ -38,8 +38,7 @@ struct Inventory {
     std::vector<Backup> backups;   // of this card, in the working folder or given by name
     bool own_pair = false;         // it is a services card whose own pair takes a new certificate
     bool services_pending = false; // a request for that certificate is under way
-    Proposal signature;
-    Proposal authentication;
+    zv::ByKind<Proposal> next;     // for a new pair
 
     // The certificate of a kind that ends last; null when there is none.
     [[nodiscard]] const CertificateRecord* current(Kind kind) const;
@@ -60,9 +59,6 @@ struct Inventory {
 // Takes a key text of the library: one without a digit ("DS") means that the series is full.
 [[nodiscard]] Proposal as_proposal(const std::string& key_text);
 
-using zv::kind_of_pair;
-
-// The kind of a certificate, by its identifier, as the library sorts them on a services card and on others.
-[[nodiscard]] Kind kind_of_certificate(const std::string& id, bool services_card);
+using zv::kind_of_certificate, zv::kind_of_pair;
 
 } // namespace cli

@@ -38,8 +38,7 @@ CardList list_of(const CardFacts& card, const Inventory& inventory, const CardVi
     list.retired = inventory.retired;
     list.services_pending = inventory.services_pending;
     list.services_stored = inventory.current(Kind::services) != nullptr;
-    list.signature = inventory.signature;
-    list.authentication = inventory.authentication;
+    list.next = inventory.next;
     return list;
 }
 

@@ -15,8 +15,7 @@ bool under_way(const CardList& list, Kind kind) {
 }
 
 bool none_free(const CardList& list, Kind kind) {
-    if (kind == Kind::services) return false;
-    return (kind == Kind::signature ? list.signature : list.authentication).none_free;
+    return list.next[kind].none_free;
 }
 
 Advice advice_on_due(const CardList& list, Kind kind) {

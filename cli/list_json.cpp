@@ -47,7 +47,8 @@ Json as_json(const CardList& list) {
     json["pending"] = array_of(list.pending);
     json["retired"] = array_of(list.retired);
     json["services_pending"] = list.services_pending;
-    json["next"] = {{"signature", as_json(list.signature)}, {"authentication", as_json(list.authentication)}};
+    for (const zv::KindRow& kind : zv::KINDS)
+        if (kind.new_pair) json["next"][kind.name] = as_json(list.next[kind.id]);
     return json;
 }
 

@@ -114,7 +114,7 @@ DistinguishedName subject_of(const CertificateRecord& old) {
 // The library calls an identifier free when no public key has it. A certificate or private key under it would
 // be renewed in place of a new pair, so those count here too.
 std::string free_identifier(Kind kind, const Inventory& inventory, const CardView& view) {
-    const Proposal& proposal = kind == Kind::signature ? inventory.signature : inventory.authentication;
+    const Proposal& proposal = inventory.next[kind];
     if (proposal.none_free) stop_none_free(kind);
     if (!proposal.id.empty() && !view.has(proposal.id)) return proposal.id;
     for (const std::string& id : identifiers_of(kind))

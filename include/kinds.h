@@ -7,6 +7,7 @@
 #include "zvConstants.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
 #include <optional>
@@ -26,14 +27,16 @@ struct KindRow {
     const char* first_id; ///< identifier of the pair that a card comes with
     bool new_pair;        ///< a request makes a pair in the series; else it is for the card's own
     bool authority;       ///< installing with deletion removes the authority's certificate too
+    bool non_repudiation; ///< its certificates are for this key usage; else for digital signatures
     bool notice;          ///< its records have a field for the text of a user notice
 };
 
 inline constexpr KindRow KINDS[] = {
-    {Kind::signature, "PRA", "signature", ZV_SIGNATURE_SERIES, ZV_SIGNATURE_SERIES "0", true, true, true},
+    {Kind::signature, "PRA", "signature", ZV_SIGNATURE_SERIES, ZV_SIGNATURE_SERIES "0", true, true, true,
+     true},
     {Kind::authentication, "AUT", "authentication", ZV_AUTHENTICATION_SERIES, ZV_AUTHENTICATION_SERIES "0",
-     true, false, false},
-    {Kind::services, "CNS", "services", ZV_OWN_PAIR, ZV_OWN_PAIR, false, false, false},
+     true, false, false, false},
+    {Kind::services, "CNS", "services", ZV_OWN_PAIR, ZV_OWN_PAIR, false, false, false, false},
 };
 
 [[nodiscard]] constexpr const KindRow& kind_row(Kind id) {
@@ -42,6 +45,14 @@ inline constexpr KindRow KINDS[] = {
 
 static_assert(std::all_of(std::begin(KINDS), std::end(KINDS),
                           [](const KindRow& row) { return &kind_row(row.id) == &row; }));
+
+/** One of a thing for each kind. */
+template <typename Thing> struct ByKind {
+    std::array<Thing, std::size(KINDS)> things{};
+
+    constexpr Thing& operator[](Kind kind) { return things[static_cast<std::size_t>(kind)]; }
+    constexpr const Thing& operator[](Kind kind) const { return things[static_cast<std::size_t>(kind)]; }
+};
 
 /** The kind of that code; none for another text. */
 [[nodiscard]] constexpr std::optional<Kind> kind_of_code(std::string_view code) {
@@ -64,9 +75,24 @@ inline constexpr std::string_view ALL_DIGITS = "0123456789";
            digits.find(id[series.size()]) != std::string_view::npos;
 }
 
+/** True for the code of a kind whose requests are for the card's own pair. */
+[[nodiscard]] constexpr bool is_for_own_pair(std::string_view code) {
+    const std::optional<Kind> kind = kind_of_code(code);
+    return kind && !kind_row(*kind).new_pair;
+}
+
 /** The kind of a pair that a request made. */
 [[nodiscard]] constexpr Kind kind_of_pair(std::string_view id) {
     return id.find(AUTHENTICATION_SERIES) == std::string_view::npos ? Kind::signature : Kind::authentication;
+}
+
+/** The kind of a certificate that a reading lists, on a services card and on others. */
+[[nodiscard]] constexpr Kind kind_of_certificate(std::string_view id, bool services_card) {
+    if (services_card && id.starts_with(OWN_PAIR)) return Kind::services;
+    const bool signature =
+        services_card ? id.starts_with(SIGNATURE_SERIES)
+                      : id.starts_with(OTHER_SIGNATURE_SERIES) || in_series(id, SIGNATURE_SERIES, ALL_DIGITS);
+    return signature ? Kind::signature : Kind::authentication;
 }
 
 } // namespace zv

@@ -35,25 +35,19 @@ bool is_authority(const Certificate& certificate) {
     return std::strncmp(certificate.label, CAcertificateLabel, AUTHORITY_LABEL_LENGTH) == 0;
 }
 
-bool is_signature(std::string_view id) {
-    return id.starts_with(OTHER_SIGNATURE_SERIES) || in_series(id, SIGNATURE_SERIES, ALL_DIGITS);
-}
-
 void add_certificate(Inventory& inventory, Certificate& certificate) {
     const CertificateFields fields(certificate, false);
     const std::string_view id = id_of(certificate.id);
-    const bool signature = is_signature(id);
-    CertificateList& list = signature ? inventory.signature : inventory.authentication;
-    list.records.push_back(signature ? fields.signature_record(id) : fields.authentication_record(id));
+    const Kind kind = kind_of_certificate(id, false);
+    CertificateList& list = inventory.lists[kind];
+    list.records.push_back(fields.record(kind, id));
     list.last.emplace(fields, certificate);
 }
 
 void add_certificates(Inventory& inventory, const FoundCertificates& found) {
-    const auto count = [&] {
-        return inventory.signature.records.size() + inventory.authentication.records.size();
-    };
+    std::size_t listed = 0;
     for (Certificate* certificate : found)
-        if (!is_authority(*certificate) && count() < MOST_CERTIFICATES)
+        if (!is_authority(*certificate) && listed++ < MOST_CERTIFICATES)
             add_certificate(inventory, *certificate);
 }
 
@@ -69,9 +63,10 @@ bool read_card(Inventory& inventory) {
     guarded([&] { (void)read_card_state(inventory.state); });
     trace("Find_ALL_Pending", "Fine");
     // Both marks hang on the signature certificates and their flag alone.
-    if (!inventory.signature.records.empty() && inventory.state.signature.pending == 1) {
-        inventory.signature.mark = inventory.state.signature.id;
-        inventory.authentication.mark = inventory.state.authentication.id;
+    const auto& pairs = inventory.state.pairs;
+    if (!inventory.lists[Kind::signature].records.empty() && pairs[Kind::signature].pending == 1) {
+        for (const Kind kind : {Kind::signature, Kind::authentication})
+            inventory.lists[kind].mark = pairs[kind].id;
     }
     trace("NewFind_ALL_CertsKeysRenew: ", "return 0 (OK)");
     return true;

@@ -4,6 +4,8 @@
 #include "util/numbers.h"
 #include "util/text.h"
 
+#include <algorithm>
+
 namespace zv {
 
 namespace {
@@ -21,15 +23,15 @@ bool marks_signature(std::string_view id) {
     return id.starts_with(OTHER_SIGNATURE_SERIES) || id.starts_with(SIGNATURE_SERIES);
 }
 
-bool marks_authentication(std::string_view id) {
-    return !marks_signature(id);
+bool marks_kind(const KindRow& kind, std::string_view id) {
+    return marks_signature(id) == (kind.id == Kind::signature);
 }
 
 } // namespace
 
 void take_first_pending(const IdentifierTables& tables, CardState& state) {
     for_each_pending(tables, [&state](std::string_view id) {
-        PairState& pair = is_authentication(id) ? state.authentication : state.signature;
+        PairState& pair = state.pairs[kind_of_pair(id)];
         copy_text(pair.id, id);
         pair.pending = 1;
         return false;
@@ -46,14 +48,13 @@ bool propose_free(const IdentifierTable& public_keys, std::string_view series, P
     return false;
 }
 
-bool propose_missing(const IdentifierTables& tables, IdTest is_signature_id, IdTest is_authentication_id,
-                     CardState& state) {
-    const auto propose = [&tables](IdTest has_kind, std::string_view series, PairState& pair) {
-        return pair.pending != 0 || !any_certificate(tables, has_kind) ||
-               propose_free(tables.public_keys, series, pair);
-    };
-    return propose(is_signature_id, SIGNATURE_SERIES, state.signature) &&
-           propose(is_authentication_id, AUTHENTICATION_SERIES, state.authentication);
+bool propose_missing(const IdentifierTables& tables, KindTest is_of_kind, CardState& state) {
+    return std::ranges::all_of(KINDS, [&](const KindRow& kind) {
+        PairState& pair = state.pairs[kind.id];
+        const auto fits = [&](std::string_view id) { return is_of_kind(kind, id); };
+        return !kind.new_pair || pair.pending != 0 || !any_certificate(tables, fits) ||
+               propose_free(tables.public_keys, kind.series, pair);
+    });
 }
 
 int read_card_state(CardState& state) {
@@ -63,7 +64,7 @@ int read_card_state(CardState& state) {
     take_first_pending(tables, state);
     trace(STATE_TITLE, "Loop sulle chiavi pubbliche: fine");
     if (tables.certificates.empty()) return 0;
-    if (!propose_missing(tables, marks_signature, marks_authentication, state)) return SERIES_FULL;
+    if (!propose_missing(tables, marks_kind, state)) return SERIES_FULL;
     trace(STATE_TITLE, "return 0 (OK)");
     return 0;
 }

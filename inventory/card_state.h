@@ -19,9 +19,8 @@ struct PairState {
 };
 
 struct CardState {
-    PairState signature, authentication;
-    int own_pending = 0; // of a services card: its mark, and its expiry date unless empty
-    char expiry[9] = {};
+    ByKind<PairState> pairs; // of a services card's own one the flag alone, by its mark
+    char expiry[9] = {};     // of a services card, unless empty
 };
 
 // The first pair that waits, and a free identifier for each kind that has a certificate and no such pair.
@@ -55,9 +54,8 @@ void take_first_pending(const IdentifierTables& tables, CardState& state);
 [[nodiscard]] bool propose_free(const IdentifierTable& public_keys, std::string_view series, PairState& pair);
 
 // Proposes a free identifier for each kind that a certificate is of and no pending pair; false when a series is full.
-using IdTest = bool (*)(std::string_view id);
-[[nodiscard]] bool propose_missing(const IdentifierTables& tables, IdTest is_signature_id,
-                                   IdTest is_authentication_id, CardState& state);
+using KindTest = bool (*)(const KindRow& kind, std::string_view id);
+[[nodiscard]] bool propose_missing(const IdentifierTables& tables, KindTest is_of_kind, CardState& state);
 
 void clear_key_size_flags();
 

@@ -43,14 +43,6 @@ template <std::size_t N> void rewrite_holder(char (&name)[N], bool own) {
         rewrite_name(name, N);
 }
 
-std::string joined_record(std::initializer_list<std::string_view> fields) {
-    std::string record;
-    for (const std::string_view field : fields)
-        record.append(field).append("#");
-    record.pop_back();
-    return record;
-}
-
 } // namespace
 
 bool probe_token(CallTrace trace) {
@@ -101,13 +93,14 @@ CertificateFields::CertificateFields(Certificate& certificate, bool own) {
     terminate(start, end, serial, iut, key_id, tax_code, policies, explicit_text);
 }
 
-std::string CertificateFields::signature_record(std::string_view id) const {
-    return joined_record(
-        {subject, issuer, iut, policies, serial, start, end, id, explicit_text, key_id, tax_code});
-}
-
-std::string CertificateFields::authentication_record(std::string_view id) const {
-    return joined_record({subject, issuer, iut, policies, serial, start, end, id, key_id, tax_code});
+std::string CertificateFields::record(Kind kind, std::string_view id) const {
+    std::string record = subject;
+    for (const std::string_view field :
+         {std::string_view(issuer), std::string_view(iut), std::string_view(policies),
+          std::string_view(serial), std::string_view(start), std::string_view(end), id})
+        record.append("#").append(field);
+    if (kind_row(kind).notice) record.append("#").append(explicit_text);
+    return record.append("#").append(key_id).append("#").append(tax_code);
 }
 
 LastCertificate::LastCertificate(const CertificateFields& fields, const Certificate& certificate) {

@@ -63,10 +63,8 @@ struct CertificateFields {
     // Fills every field; the holder's names are rewritten as those of a services card's own certificate, or as others.
     CertificateFields(Certificate& certificate, bool own);
 
-    // 11 fields: notice text, subject key identifier, tax code last.
-    [[nodiscard]] std::string signature_record(std::string_view id) const;
-    // 10 fields: subject key identifier, tax code last.
-    [[nodiscard]] std::string authentication_record(std::string_view id) const;
+    // 10 fields, the notice text as an eleventh where the kind has it; subject key identifier and tax code last.
+    [[nodiscard]] std::string record(Kind kind, std::string_view id) const;
 };
 
 // The holder's description and the CKA_ID of a certificate, in buffers that a host keeps.

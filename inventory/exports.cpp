@@ -6,13 +6,23 @@
 #include "routines/inventory.h"
 #include "util/text.h"
 
+namespace {
+
+// In the order of zv::Kind.
+zv::HostBuffers buffers(const zv::HostKind& pra, const zv::HostKind& aut, const zv::HostKind& cns = {},
+                        char* expiry = nullptr) {
+    return {{{pra, aut, cns}}, expiry};
+}
+
+} // namespace
+
 int NewFind_ALL_CertsKeysRenew(char** pra_list, char** aut_list, char* pra_record, long pra_record_size,
                                char* pra_subject, long, char* aut_record, long aut_record_size,
                                char* aut_subject, long, char* aut_id, char* pra_id, int* pending_pra,
                                int* pending_aut, char* ckaid_pra, char* ckaid_aut) {
-    return zv::fill_card({.pra = {pra_list, pra_subject, pra_id, pra_record, pra_record_size},
-                          .aut = {aut_list, aut_subject, aut_id, aut_record, aut_record_size},
-                          .state = {pending_pra, pending_aut, ckaid_pra, ckaid_aut}});
+    return zv::fill_card(
+        buffers({pra_list, pending_pra, ckaid_pra, pra_subject, pra_id, pra_record, pra_record_size},
+                {aut_list, pending_aut, ckaid_aut, aut_subject, aut_id, aut_record, aut_record_size}));
 }
 
 int NewFind_ALL_CertsKeysRenewCNS(char** cns_list, char** pra_list, char** aut_list, char* pra_record, long,
@@ -20,26 +30,29 @@ int NewFind_ALL_CertsKeysRenewCNS(char** cns_list, char** pra_list, char** aut_l
                                   char* aut_subject, long, char* aut_id, char* pra_id, int* pending_pra,
                                   int* pending_aut, int* pending_cns, char* ckaid_pra, char* ckaid_aut,
                                   char* expiry, bool) {
-    return zv::fill_services_card(
-        {.pra = {pra_list, pra_subject, pra_id, pra_record, ZV_LIST_ENTRY_SIZE},
-         .aut = {aut_list, aut_subject, aut_id, aut_record, aut_record_size},
-         .cns = {cns_list, nullptr, nullptr, aut_record, aut_record_size},
-         .state = {pending_pra, pending_aut, ckaid_pra, ckaid_aut, pending_cns, expiry}});
+    return zv::fill_services_card(buffers(
+        {pra_list, pending_pra, ckaid_pra, pra_subject, pra_id, pra_record, ZV_LIST_ENTRY_SIZE},
+        {aut_list, pending_aut, ckaid_aut, aut_subject, aut_id, aut_record, aut_record_size},
+        {.list = cns_list, .pending = pending_cns, .record = aut_record, .record_size = aut_record_size},
+        expiry));
 }
 
 int Find_ALL_Pending(int* pending_pra, int* pending_aut, char* ckaid_pra, char* ckaid_aut) {
-    return zv::fill_state({pending_pra, pending_aut, ckaid_pra, ckaid_aut}, zv::SEARCH_FAILED,
-                          zv::read_card_state);
+    return zv::fill_state(
+        buffers({.pending = pending_pra, .id = ckaid_pra}, {.pending = pending_aut, .id = ckaid_aut}),
+        zv::SEARCH_FAILED, zv::read_card_state);
 }
 
 int Find_ALL_PendingCNS(int* pending_pra, int* pending_aut, int* pending_cns, char* ckaid_pra,
                         char* ckaid_aut, char* expiry, bool) {
-    return zv::fill_state({pending_pra, pending_aut, ckaid_pra, ckaid_aut, pending_cns, expiry},
+    return zv::fill_state(buffers({.pending = pending_pra, .id = ckaid_pra},
+                                  {.pending = pending_aut, .id = ckaid_aut}, {.pending = pending_cns},
+                                  expiry),
                           zv::SEARCH_FAILED, zv::read_services_card_state);
 }
 
 int findFreeCKAID(char* key_pra, char* key_aut, bool) {
-    return zv::fill_state({.ckaid_pra = key_pra, .ckaid_aut = key_aut}, -1, zv::find_free_ids);
+    return zv::fill_state(buffers({.id = key_pra}, {.id = key_aut}), -1, zv::find_free_ids);
 }
 
 void getDtScadenza(char* pdata, char* out) {

@@ -5,6 +5,8 @@
 #include "util/text.h"
 #include "zvRenew.h"
 
+#include <algorithm>
+
 bool use2048Bit = false;
 bool force2048PraGen = true;
 
@@ -15,14 +17,17 @@ namespace {
 // Unlike an inventory, which reports one pending pair, this takes the first of each kind.
 void take_pending_of_each(const IdentifierTables& tables, CardState& state) {
     for_each_pending(tables, [&state](std::string_view id) {
-        PairState& pair = is_authentication(id) ? state.authentication : state.signature;
+        PairState& pair = state.pairs[kind_of_pair(id)];
         if (pair.id[0] == '\0') copy_text(pair.id, id);
         return true;
     });
 }
 
-bool settle(const IdentifierTables& tables, std::string_view series, PairState& pair) {
-    return pair.id[0] != '\0' || propose_free(tables.public_keys, series, pair);
+bool settle(const IdentifierTables& tables, CardState& state) {
+    return std::ranges::all_of(KINDS, [&](const KindRow& kind) {
+        PairState& pair = state.pairs[kind.id];
+        return !kind.new_pair || pair.id[0] != '\0' || propose_free(tables.public_keys, kind.series, pair);
+    });
 }
 
 } // namespace
@@ -52,10 +57,8 @@ int find_free_ids(CardState& state) {
     if (!gather_identifiers(tables)) return ZV_UNUSABLE;
     take_pending_of_each(tables, state);
     set_key_size_flags(tables);
-    discard_first_key(tables, state.signature.id);
-    const bool settled = settle(tables, SIGNATURE_SERIES, state.signature) &&
-                         settle(tables, AUTHENTICATION_SERIES, state.authentication);
-    return settled ? 0 : SERIES_FULL;
+    discard_first_key(tables, state.pairs[Kind::signature].id);
+    return settle(tables, state) ? 0 : SERIES_FULL;
 }
 
 } // namespace zv

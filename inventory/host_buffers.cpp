@@ -10,28 +10,24 @@ namespace zv {
 
 namespace {
 
-CardState given(const HostState& host) {
+CardState given(const HostBuffers& host) {
     CardState state;
-    const auto flag = [](const int* pending) { return pending != nullptr ? *pending : 0; };
-    state.signature.pending = flag(host.pending_pra);
-    state.authentication.pending = flag(host.pending_aut);
-    state.own_pending = flag(host.pending_cns);
+    for (const KindRow& kind : KINDS)
+        if (const int* pending = host.kinds[kind.id].pending) state.pairs[kind.id].pending = *pending;
     return state;
 }
 
-void write_pair(const PairState& pair, int* pending, char* id) {
-    if (pending != nullptr) *pending = pair.pending;
-    copy_text(id, sizeof pair.id, pair.id);
-}
-
-void write_state(const CardState& state, const HostState& host) {
-    write_pair(state.signature, host.pending_pra, host.ckaid_pra);
-    write_pair(state.authentication, host.pending_aut, host.ckaid_aut);
-    if (host.pending_cns != nullptr) *host.pending_cns = state.own_pending;
+void write_state(const CardState& state, const HostBuffers& host) {
+    for (const KindRow& kind : KINDS) {
+        const PairState& pair = state.pairs[kind.id];
+        const HostKind& buffers = host.kinds[kind.id];
+        if (buffers.pending != nullptr) *buffers.pending = pair.pending;
+        copy_text(buffers.id, sizeof pair.id, pair.id);
+    }
     if (state.expiry[0] != '\0') copy_text(host.expiry, sizeof state.expiry, state.expiry);
 }
 
-void write_record(const std::string& text, char* entry, const HostList& host) {
+void write_record(const std::string& text, char* entry, const HostKind& host) {
     if (host.record == nullptr) {
         append_text(entry, ZV_LIST_ENTRY_SIZE, text);
         return;
@@ -42,7 +38,7 @@ void write_record(const std::string& text, char* entry, const HostList& host) {
     std::fill_n(host.record, size, '\0');
 }
 
-void write_list(const CertificateList& certificates, const HostList& host) {
+void write_list(const CertificateList& certificates, const HostKind& host) {
     if (host.list != nullptr) {
         for (std::size_t i = 0; i < certificates.records.size(); ++i)
             write_record(certificates.records[i], host.list[i + 1], host);
@@ -56,38 +52,38 @@ void write_list(const CertificateList& certificates, const HostList& host) {
     if (!certificates.last) return;
     const auto& [description, id] = *certificates.last;
     if (host.description != nullptr) std::ranges::copy(description, host.description);
-    if (host.id != nullptr) std::ranges::copy(id, host.id);
+    if (host.last_id != nullptr) std::ranges::copy(id, host.last_id);
 }
 
-template <typename Read> int fill_inventory(const HostInventory& host, Read read) {
+template <typename Read> int fill_inventory(const HostBuffers& host, Read read) {
     Inventory inventory;
-    inventory.state = given(host.state);
+    inventory.state = given(host);
     if (!read(inventory)) return -1;
-    write_list(inventory.signature, host.pra);
-    write_list(inventory.authentication, host.aut);
-    write_list(inventory.own, host.cns);
-    write_state(inventory.state, host.state);
+    for (const KindRow& kind : KINDS)
+        write_list(inventory.lists[kind.id], host.kinds[kind.id]);
+    write_state(inventory.state, host);
     return 0;
 }
 
 } // namespace
 
-int fill_state(const HostState& host, int fallback, int (*read)(CardState&)) {
+int fill_state(const HostBuffers& host, int fallback, int (*read)(CardState&)) {
     CardState state = given(host);
     const int result = guarded(fallback, [&] { return read(state); });
     write_state(state, host);
     return result;
 }
 
-int fill_card(HostInventory host) {
-    host.cns = {};
+int fill_card(HostBuffers host) {
+    host.kinds[Kind::services] = {};
     return guarded(-1, [&] { return fill_inventory(host, read_card); });
 }
 
-int fill_services_card(const HostInventory& host) {
+int fill_services_card(const HostBuffers& host) {
     return guarded(-1, [&] {
         return fill_inventory(host, [&](Inventory& inventory) {
-            return read_services_card(inventory, bounded_text(host.aut.id, ID_SIZE));
+            return read_services_card(inventory,
+                                      bounded_text(host.kinds[Kind::authentication].last_id, ID_SIZE));
         });
     });
 }

@@ -19,8 +19,7 @@ struct CertificateList {
 };
 
 struct Inventory {
-    CertificateList own, signature,
-        authentication; // a services card's last own one counts as authentication's last
+    ByKind<CertificateList> lists; // a services card's last own one counts as authentication's last
     CardState state;
 };
 

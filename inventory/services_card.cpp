@@ -48,18 +48,20 @@ std::vector<Certificate*> match_certificates(const FoundCertificates& found, con
 
 void add_matched(Inventory& inventory, Certificate& certificate, std::string_view& last_id) {
     const std::string_view id = id_of(certificate.id);
-    const bool own = id.starts_with(OWN_PAIR);
+    const Kind kind = kind_of_certificate(id, true);
+    const bool own = kind == Kind::services;
     const CertificateFields fields(certificate, own);
-    if (id.starts_with(SIGNATURE_SERIES)) {
-        inventory.signature.last.emplace(fields, certificate);
-        inventory.signature.records.push_back(fields.signature_record(id));
+    auto& lists = inventory.lists;
+    if (kind == Kind::signature) {
+        lists[kind].last.emplace(fields, certificate);
+        lists[kind].records.push_back(fields.record(kind, id));
         return;
     }
     if (own || is_authentication(id)) {
-        inventory.authentication.last.emplace(fields, certificate);
+        lists[Kind::authentication].last.emplace(fields, certificate);
         last_id = id;
     }
-    (own ? inventory.own : inventory.authentication).records.push_back(fields.authentication_record(last_id));
+    lists[kind].records.push_back(fields.record(kind, last_id));
 }
 
 void mark_pending(CertificateList& list, int pending, std::string_view id) {
@@ -77,9 +79,10 @@ bool read_services_card(Inventory& inventory, std::string_view last_id) {
         add_matched(inventory, *certificate, last_id);
     CardState& state = inventory.state;
     guarded([&] { (void)read_services_card_state(state); });
-    mark_pending(inventory.signature, state.signature.pending, state.signature.id);
-    mark_pending(inventory.authentication, state.authentication.pending, state.authentication.id);
-    mark_pending(inventory.own, state.own_pending, OWN_PAIR);
+    for (const KindRow& kind : KINDS) {
+        const PairState& pair = state.pairs[kind.id];
+        mark_pending(inventory.lists[kind.id], pair.pending, kind.new_pair ? pair.id : kind.first_id);
+    }
     return true;
 }
 

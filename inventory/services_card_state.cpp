@@ -4,18 +4,19 @@
 #include "util/text.h"
 #include "util/trim.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace zv {
 
 namespace {
 
-bool begins_signature(std::string_view id) {
-    return id.starts_with(SIGNATURE_SERIES);
+bool begins_series(const KindRow& kind, std::string_view id) {
+    return kind.new_pair && id.starts_with(kind.series);
 }
 
-bool begins_authentication(std::string_view id) {
-    return id.starts_with(AUTHENTICATION_SERIES);
+bool begins_a_series(std::string_view id) {
+    return std::ranges::any_of(KINDS, [id](const KindRow& kind) { return begins_series(kind, id); });
 }
 
 bool read_expiry(CK_OBJECT_HANDLE object, CardState& state) {
@@ -32,12 +33,11 @@ bool gather_on_services_card(IdentifierTables& tables, CardState& state) {
         char text[256];
         if (!is_tolerated(read_text(hSession, object, CKA_LABEL, text))) return false;
         if (identity.object_class != CKO_DATA) {
-            if (begins_signature(identity.id) || begins_authentication(identity.id))
-                tables.file(identity.object_class, identity.id);
+            if (begins_a_series(identity.id)) tables.file(identity.object_class, identity.id);
             return true;
         }
         const std::string_view label = text;
-        if (label == ZV_PENDING_MARKER) state.own_pending = 1;
+        if (label == ZV_PENDING_MARKER) state.pairs[Kind::services].pending = 1;
         return label != "PDATA" || read_expiry(object, state);
     });
 }
@@ -49,12 +49,12 @@ int read_services_card_state(CardState& state) {
     if (!gather_on_services_card(tables, state)) return SEARCH_FAILED;
     take_first_pending(tables, state);
     set_key_size_flags(tables);
-    PairState& pair = state.signature;
+    PairState& pair = state.pairs[Kind::signature];
     if (pair.pending == 1 && pair.id[0] != '\0') {
         discard_first_key(tables, pair.id);
         if (pair.id[0] == '\0') pair.pending = 0;
     }
-    return propose_missing(tables, begins_signature, begins_authentication, state) ? 0 : SERIES_FULL;
+    return propose_missing(tables, begins_series, state) ? 0 : SERIES_FULL;
 }
 
 std::string_view expiry_in(std::string_view personal_data) {

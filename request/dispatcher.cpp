@@ -73,8 +73,7 @@ unsigned short request_certificate(const LoginData& login, std::string_view card
     if (hSession == 0) return 0;
     act_on_census(log_census(), login);
     trace(DISPATCH_TITLE, "Prima di RequestCertificate");
-    const auto build =
-        kind_of_code(card_type) == Kind::services ? request_for_own_pair : request_for_pending_pair;
+    const auto build = is_for_own_pair(card_type) ? request_for_own_pair : request_for_pending_pair;
     const auto status = guarded<unsigned short>(ZV_FAILED, [&] { return build(login, pem_out); });
     trace(DISPATCH_TITLE, with_hex("Ret Code = ", status), pem_out);
     close_card();
