@@ -131,7 +131,8 @@ typedef struct datiCert {
  * Lists the card readers: those of PC/SC with a card that answers, with another, without a card, the configured
  * software readers.
  *
- * @param[out] list  ZVC_READER_LIST_SIZE bytes; each name followed by "|"; whole names only, as many as fit; empty without
+ * @param[out] list  ZVC_READER_LIST_SIZE bytes; each name followed by "|"; whole names only, as many as fit;
+ *                   empty without
  *                   readers. A name with a "|" in it is left out (its reader can be looked up all the same);
  *                   where that leaves none, the result is ZVC_ERR_READER
  * @return 0; ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
@@ -375,7 +376,8 @@ ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* dige
  * Copies a certificate text for SplitCert.
  *
  * @param[in]  in   the text, ZVC_CERT_TEXT_MAX characters at most
- * @param[out] out  ZVC_CERT_TEXT_SIZE bytes; the text. A longer one is not cut: a mark takes its place, to which SplitCert
+ * @param[out] out  ZVC_CERT_TEXT_SIZE bytes; the text. A longer one is not cut: a mark takes its place, to
+ *                  which SplitCert
  *                  answers ZVC_ERR_TEXT_LENGTH
  */
 ZVCRYPT_API void writeBuff(char* in, char* out);

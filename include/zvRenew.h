@@ -38,7 +38,8 @@
  *     and a certLabel that is part of pendingLabel; a request whose subject has no known attribute, or would
  *     lose one for its length; and values that would not come through the command block as they are: longer
  *     than their fields or than the block, with a line feed or a key of the block inside, a PIN of more than
- *     ZV_PIN_MAX characters or with trailing blanks, a slot above ZV_LAST_SLOT. Two stand in front of the deletion of an old
+ *     ZV_PIN_MAX characters or with trailing blanks, a slot above ZV_LAST_SLOT. Two stand in front of the
+ *     deletion of an old
  *     pending pair, with the same line and the result 1 of a deletion that failed: the pair has a
  *     certificate, or the search for one failed; the login that follows the deletion would not reach the slot
  *     in use (0 that is not the first of the module's list, 8, 9). A login anew within a call that would not
@@ -126,7 +127,8 @@ ZV_API void set_ATRini_path(const char* dir);
 /**
  * Detects the card and lists its certificates, pending keys and free identifiers.
  *
- * A certificate list is an array of ZV_LIST_ENTRIES pointers to buffers of ZV_LIST_ENTRY_SIZE characters. Entry 0 receives the number of certificates in decimal, entries 1 to n one record
+ * A certificate list is an array of ZV_LIST_ENTRIES pointers to buffers of ZV_LIST_ENTRY_SIZE characters.
+ * Entry 0 receives the number of certificates in decimal, entries 1 to n one record
  * each, fields joined by "#" (a "#" inside a field is not marked). The lists have ten records at most together;
  * what is pending or free is answered from everything on the card. Every entry must be an empty text before
  * every call, since counts and records are appended. listCNS is written for a services card only: take an empty
@@ -160,7 +162,8 @@ ZV_API void set_ATRini_path(const char* dir);
  * @param[out] pendingPRA, pendingAUT  1 when a pair generated for a request waits for its certificate, else
  *                                     0. The first pending pair found ends the search: at most one of the two
  *                                        is reported. A search that failed leaves 0 and empty keys
- * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE characters each: the pending pair's identifier; else a free identifier for a
+ * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE characters each: the pending pair's identifier; else a free
+ *                             identifier for a
  *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
  *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
  *                             looks at public keys only. A kind without a certificate on the card gets no
@@ -205,7 +208,8 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *
  * @param[out] requestOut    ZV_REQUEST_SIZE characters: the DER of the CMS in base64, lines of 64
  *                           characters. A longer one is cut, with result 0: take a text of exactly
- *                           ZV_REQUEST_SIZE - 1 characters as a failure. A terminator is always written there. Not touched
+ *                           ZV_REQUEST_SIZE - 1 characters as a failure. A terminator is always written there.
+ *                           Not touched
  *                           after a failure
  * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most ZV_ID_MAX characters, such as
  *                           keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not
@@ -263,7 +267,8 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *
  * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
  * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
- * authority's certificate "Korvalenta Firma Dig" (ZV_AUTHORITY_ID), which nothing puts back. Then the pending pair is looked
+ * authority's certificate "Korvalenta Firma Dig" (ZV_AUTHORITY_ID), which nothing puts back. Then the pending
+ * pair is looked
  * for, gets pendingLabel as CKA_ID and CKA_LABEL, and the certificate is compared with it and written under
  * the same text; when it is refused, the pair is given pendingLabel again. (Modules named bit4ipki,
  * bit4hipki, incryptoki2 or cnspkcs11 keep the pair's old texts; a module that does not read keys leaves out

@@ -15,7 +15,7 @@ extern "C" {
  * library's own, without a login.
  *
  * @param[out] isTouchSign  set to true for a touch-sign card, never to false
- * @param[in]  reader       reader to use, listed or not, 127 characters kept; null: the first of the list
+ * @param[in]  reader       reader to use, listed or not, ZV_READER_MAX characters kept; null: the first of the list
  * @return 0, also when there is neither a given nor a listed reader (the module's path stays empty); 100
  *         unknown card, or a serial number that begins "1201"; -1 no slot of the module belongs to the
  *         reader, or the module cannot be used; a code of the crypto library
@@ -32,7 +32,8 @@ ZV_API int CheckSmartCard(bool& isTouchSign, char* reader);
  * first: its sessions in this process are lost.
  *
  * @param[in] readerName  reader; the first slot with a token is taken whose description (blanks at its end
- *                        removed; 63 characters where it fills its field) is part of this name. Null is
+ *                        removed; ZV_DESCRIPTION_MAX characters where it fills its field) is part of this
+ *                        name. Null is
  *                        empty, which no slot belongs to
  * @param[in] libPath     path of the module; null and empty never load
  * @return the slot's identifier (low 32 bits); 0xFFFFFFFF none, or the module cannot be used

@@ -15,7 +15,7 @@ extern "C" {
  * (ChangeValueObject; not with modules named incryptoki2, bit4ipki, bit4hipki or cnspkcs11), then
  * InstallUserCertificate writes the certificate under the same text. The last argument is not read.
  *
- * @param[in]     certText       certificate as SplitCert takes it, at most 8191 characters
+ * @param[in]     certText       certificate as SplitCert takes it, at most ZVC_CERT_TEXT_MAX characters
  * @param[in,out] pkcs11Library  path of the module, lower-cased in place once the pair is found; may be null
  * @return 0; 1
  * After a failure: no certificate was written. The pair is as it was before a failed ChangeValueObject, which
@@ -32,14 +32,15 @@ ZV_API int MemorizzazioneCertificato(void*, char* certText, char* pkcs11Library,
  */
 ZV_API int ChangeValueObject(void*, char* newId);
 /**
- * Writes a certificate that carries the pending key on the card, and removes a marker "pending_CNS_key".
+ * Writes a certificate that carries the pending key on the card, and removes a marker ZV_PENDING_MARKER.
  *
  * The key's modulus (256 bytes at most) must stand in the certificate; a module that answers its reading with
- * CKR_FUNCTION_FAILED is spared the comparison. Subject and issuer have at most 512 bytes of DER, the serial
+ * CKR_FUNCTION_FAILED is spared the comparison. Subject and issuer have at most ZVC_CARD_NAME_SIZE bytes of
+ * DER, the serial
  * number 256, zero bytes in front dropped.
  *
  * @param[in]     cert           record with the certificate's DER
- * @param[in]     derLength      its bytes, at most 8192
+ * @param[in]     derLength      its bytes, at most ZVC_CERT_DER_SIZE
  * @param[in]     label          CKA_ID and CKA_LABEL to be, at most 255 characters
  * @param[in,out] pkcs11Library  path of the module; lower-cased in place after a failure; may be null
  * @return 0, whatever became of the marker; 1
@@ -71,7 +72,7 @@ ZV_API void LogInstallCertificate(unsigned long session, CK_ATTRIBUTE* tmpl, uns
  * caller inside the library.
  *
  * @param[in] cert       record with the certificate's DER
- * @param[in] derLength  its bytes, at most 8192
+ * @param[in] derLength  its bytes, at most ZVC_CERT_DER_SIZE
  * @param[in] label      CKA_ID and CKA_LABEL to be, at most 255 characters
  * @return 0; 1. Sizes as in InstallUserCertificate; the serial number is written as it is
  * After a failure: no certificate was written.

@@ -17,16 +17,17 @@ extern "C" {
  * in its place (of certificates behind the card's tenth: is empty). Null arguments are skipped, and change
  * nothing in the others.
  *
- * @param[in,out] praList, autList    11 pointers to texts of 4096 bytes each, empty before: entry 0 receives
+ * @param[in,out] praList, autList    ZV_LIST_ENTRIES pointers to texts of ZV_LIST_ENTRY_SIZE bytes each, empty
+ *                                    before: entry 0 receives
  *                                    the count, entries 1 to n a record each
  * @param[in,out] praRecord, autRecord          work buffers of one record, empty before and afterwards
  * @param[in]     praRecordSize, autRecordSize  their bytes, 4096 at most used
- * @param[out]    praSubject, autSubject        2048 bytes: subject of the last PRA / AUT certificate
+ * @param[out]    praSubject, autSubject        ZVC_DESCRIPTION_SIZE bytes: subject of the last PRA / AUT certificate
  * @param[in]     praSubjectSize, autSubjectSize  not read
  * @param[out]    autId, praId  64 bytes, AUT first: CKA_ID of the last certificate of the kind, without a
  *                              terminator when it has 64 bytes
  * @param[in,out] pendingPRA, pendingAUT  as in Find_ALL_Pending
- * @param[out]    ckaidPRA, ckaidAUT      32 bytes, as in Find_ALL_Pending
+ * @param[out]    ckaidPRA, ckaidAUT      ZV_KEY_ID_SIZE bytes, as in Find_ALL_Pending
  * @return 0, whatever Find_ALL_Pending gave; -1 a PKCS#11 failure while slot, token or certificates were read
  * After a failure: no argument has been written.
  * Standard: PKCS#11 (C_GetSlotInfo, C_GetTokenInfo, C_FindObjects, C_GetAttributeValue); RFC 5280 (fields);
@@ -48,7 +49,7 @@ ZV_API int NewFind_ALL_CertsKeysRenew(char** praList, char** autList, char* praR
  *
  * @param[in,out] pendingPRA, pendingAUT  set to 1 for a pending pair, never to 0; a kind whose flag is not 0
  *                                        gets no proposal
- * @param[out]    ckaidPRA, ckaidAUT      32 bytes: pending identifier, else the proposal, else empty
+ * @param[out]    ckaidPRA, ckaidAUT      ZV_KEY_ID_SIZE bytes: pending identifier, else the proposal, else empty
  * @return 0; 1 a series is full: "DS" is left in ckaidPRA, with AUT not looked at, or "AUTHCertificate" in
  *         ckaidAUT; 65535 a PKCS#11 failure, a CKA_ID of more than 255 bytes or a CKA_VALUE of more than
  *         16,383 included
@@ -96,8 +97,8 @@ ZV_API int NewFind_ALL_CertsKeysRenewCNS(char** cnsList, char** praList, char** 
  * use2048Bit and force2048PraGen. Logs nothing but the card's personal data ("PDATA") as they are.
  *
  * @param[in,out] pendingPRA, pendingAUT  as in Find_ALL_Pending
- * @param[in,out] pendingCNS              set to 1 when the card has the marker "pending_CNS_key"; may be null
- * @param[out]    ckaidPRA, ckaidAUT      32 bytes, as in Find_ALL_Pending
+ * @param[in,out] pendingCNS              set to 1 when the card has the marker ZV_PENDING_MARKER; may be null
+ * @param[out]    ckaidPRA, ckaidAUT      ZV_KEY_ID_SIZE bytes, as in Find_ALL_Pending
  * @param[out]    expiry                  9 bytes, as in getDtScadenza; may be null
  * @param[in]     unused                  not read
  * @return 0 and 1 as Find_ALL_Pending; 65535 a PKCS#11 failure, a CKA_ID or CKA_LABEL of more than 255 bytes
@@ -131,7 +132,7 @@ ZV_API void getDtScadenza(char* pdata, char* out);
  * Pending and free as in Find_ALL_Pending, but both kinds are served, whatever the card holds. Sets
  * use2048Bit and force2048PraGen. Logs nothing.
  *
- * @param[out] keyPRA, keyAUT  32 bytes each; may be null
+ * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE bytes each; may be null
  * @param[in]  unused          not read
  * @return 0; 1 a series is full: "DS" is left in keyPRA, with keyAUT a pending identifier or empty, or
  *         "AUTHCertificate" in keyAUT; -1 what Find_ALL_Pending calls 65535

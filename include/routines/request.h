@@ -86,8 +86,8 @@ ZV_API unsigned short SignIt(void*, unsigned char* data, unsigned long dataLengt
 ZV_API unsigned short RequestCertificate(void*, char* pemOut, char* pin, unsigned short, char* modulePath,
                                          char*);
 /**
- * Makes a certificate request for the services card's own pair "CNS0", and marks the card with a data object
- * "pending_CNS_key".
+ * Makes a certificate request for the services card's own pair ZV_OWN_PAIR, and marks the card with a data object
+ * ZV_PENDING_MARKER.
  *
  * As RequestCertificate, but no pair is generated, title and pseudonym are left out, the modulus has at most
  * 1024 bytes and the exponent 17. When the card has no private key "CNS0", the private key found last serves;

@@ -96,7 +96,7 @@ ZV_API unsigned int DeleteAnObject(unsigned long session, unsigned long objClass
 ZV_API int DeleteObjectByLabel(unsigned long session, char* text);
 /** Logs, then DeleteObjectByLabel, with its results and failures. `kind` is not read. */
 ZV_API int DeleteCertAndKeys(unsigned long session, char* text, char* kind);
-/** Destroys the certificate "CNS0"; its keys stay. Results and failures as DeleteAnObject. */
+/** Destroys the certificate ZV_OWN_PAIR; its keys stay. Results and failures as DeleteAnObject. */
 ZV_API unsigned int DeleteCertCNS(unsigned long session);
 /**
  * Logs kind (null is empty) and destroys the certificate whose CKA_ID is id, whole. Results and failures as
