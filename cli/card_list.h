@@ -27,6 +27,7 @@ struct ListedPair {
 // What the list says of a card.
 struct CardList {
     CardFacts card;
+    int days = 0; // a certificate is due when it ends within so many
     std::vector<ListedCertificate> certificates;
     std::size_t unreadable = 0;
     std::vector<ListedPair> pending;

@@ -29,6 +29,7 @@ Report list_card(OpenedCard& card, int days) {
 CardList list_of(const CardFacts& card, const Inventory& inventory, const CardView& view, int days) {
     CardList list;
     list.card = card;
+    list.days = days;
     const std::time_t now = std::time(nullptr);
     for (const CertificateRecord& record : inventory.certificates)
         list.certificates.push_back(listed(record, inventory, days, now));

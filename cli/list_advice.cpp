@@ -18,12 +18,17 @@ bool none_free(const CardList& list, Kind kind) {
     return list.next[kind].none_free;
 }
 
-Advice advice_on_due(const CardList& list, Kind kind) {
+// A request that is not told the days of the list would find nothing due.
+Advice advice_on_due(const CardList& list, const ListedCertificate& listed) {
+    const Kind kind = listed.record.kind;
     if (none_free(list, kind)) return free_an_identifier(kind);
-    return {
-        "request",
-        fmt::format("The {0} certificate is due. Renew it:  zvrenew request {0} --out FILE", kind_name(kind)),
-        {{"kind", kind_name(kind)}}};
+    const bool early = listed.days_left >= DueOptions::USUAL_DAYS;
+    Values values = {{"kind", kind_name(kind)}};
+    if (early) values.emplace_back("days", long{list.days});
+    return {"request",
+            fmt::format("The {0} certificate is due. Renew it:  zvrenew request {0} --out FILE{1}",
+                        kind_name(kind), early ? fmt::format(" --days {}", list.days) : ""),
+            values};
 }
 
 void advise_on_pending(std::vector<Advice>& advice, const ListedPair& listed) {
@@ -70,8 +75,7 @@ void advise_on_services(std::vector<Advice>& advice, bool stored) {
 std::vector<Advice> advice_on(const CardList& list) {
     std::vector<Advice> advice;
     for (const ListedCertificate& listed : list.certificates)
-        if (listed.due && !under_way(list, listed.record.kind))
-            advice.push_back(advice_on_due(list, listed.record.kind));
+        if (listed.due && !under_way(list, listed.record.kind)) advice.push_back(advice_on_due(list, listed));
     for (const ListedPair& listed : list.pending)
         advise_on_pending(advice, listed);
     for (const RetiredPair& pair : list.retired)

@@ -38,7 +38,8 @@ struct CardOptions : CommonOptions {
 
 // How soon a certificate is due.
 struct DueOptions {
-    int days = 90;
+    static constexpr int USUAL_DAYS = 90;
+    int days = USUAL_DAYS;
 
     void declare(OptionList& list) {
         list.days("--days", days, "A certificate is due when it ends within so many days");

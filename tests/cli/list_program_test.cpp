@@ -85,9 +85,9 @@ TEST_F(ListProgramTest, TellsHowToRenewOneKindWhileAnotherWaits) {
     make_card();
     ASSERT_EQ(with_pin("request signature --out s").code, 0);
     const Outcome list = with_pin("list --days 1000");
-    EXPECT_TRUE(list.says("zvrenew request authentication --out FILE\n")) << list.out;
+    EXPECT_TRUE(list.says("zvrenew request authentication --out FILE --days 1000\n")) << list.out;
     EXPECT_FALSE(list.says("The signature certificate is due"));
-    ASSERT_EQ(with_pin("request authentication --days 1000 --out a").code, 0);
+    ASSERT_EQ(with_pin("request authentication --out a --days 1000").code, 0);
     for (const std::string name : {"a", "s"}) {
         ASSERT_EQ(tool("issue " + name + " --out " + name + ".pem").code, 0);
         EXPECT_EQ(with_pin("install " + name + ".pem").code, 0);
