@@ -43,6 +43,8 @@ struct CardList {
 
 [[nodiscard]] std::string in_words(const CardList& list);
 [[nodiscard]] Json as_json(const CardList& list);
+// The same without what a new pair would be called.
+[[nodiscard]] Json contents_json(const CardList& list);
 [[nodiscard]] std::vector<Advice> advice_on(const CardList& list);
 
 } // namespace cli

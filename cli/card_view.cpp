@@ -63,12 +63,20 @@ bool is_first_key(const std::string& id) {
            });
 }
 
+std::vector<std::string> uncertified_public_keys(const CardView& view) {
+    std::vector<std::string> found = view.identifiers();
+    std::erase_if(found, [&](const std::string& id) {
+        return view.find(CKO_PUBLIC_KEY, id) == nullptr || view.find(CKO_CERTIFICATE, id) != nullptr;
+    });
+    return found;
+}
+
 // Cards pad what they hold.
 bool begins_with(const Bytes& stored, const Bytes& expected) {
     return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
 }
 
-// The PIN is for the card that it was proved with.
+// A PIN is for the card that it was proved with, and an answer is about one card.
 void require_same_card(const Module& module, const CardState& state) {
     const CK_TOKEN_INFO token = module.token(state.slot);
     if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
@@ -151,6 +159,18 @@ std::vector<std::string> CardView::pending_pairs() const {
     return found;
 }
 
+std::vector<std::string> CardView::pending_public_keys() const {
+    std::vector<std::string> found = uncertified_public_keys(*this);
+    std::erase_if(found, is_first_key);
+    return found;
+}
+
+std::vector<std::string> CardView::uncertified_first_keys() const {
+    std::vector<std::string> found = uncertified_public_keys(*this);
+    std::erase_if(found, [](const std::string& id) { return !is_first_key(id); });
+    return found;
+}
+
 OnCard CardView::contents() const {
     OnCard contents;
     for (const std::string& id : identifiers())
@@ -190,6 +210,12 @@ CardView view_card(OpenedCard& card) {
     CardView view({});
     with_session(card, [&](const Session& session) { view = view_in(session); });
     return view;
+}
+
+CardView view_public(const Place& place, const CardState& state) {
+    const Module module(place.module_path);
+    require_same_card(module, state);
+    return view_in(Session(module, state.slot));
 }
 
 CardNow card_now(OpenedCard& card) {

@@ -49,6 +49,10 @@ class CardView {
     // Identifiers of the pairs that wait for a certificate: both keys, no certificate, not a card's first
     // keys (digits 0 to 2).
     [[nodiscard]] std::vector<std::string> pending_pairs() const;
+    // The same, as far as it shows without a login: of a pair, the public key.
+    [[nodiscard]] std::vector<std::string> pending_public_keys() const;
+    // Identifiers of a card's first public keys that have no certificate.
+    [[nodiscard]] std::vector<std::string> uncertified_first_keys() const;
     // Which certificates and keys there are.
     [[nodiscard]] OnCard contents() const;
     // Identifiers, each once, in the card's order.
@@ -70,6 +74,9 @@ void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
 
 // Reads what is on the card, in a session of its own. @throws Stop
 [[nodiscard]] CardView view_card(OpenedCard& card);
+
+// Reads what the card shows without a login. @throws Stop
+[[nodiscard]] CardView view_public(const Place& place, const CardState& state);
 
 // What is on the card once it may have been changed.
 struct CardNow {

@@ -17,7 +17,13 @@ constexpr const char* EXITS =
     "Exit codes: 0 done, 1 failed, 2 refused or mistyped (no PIN try spent, nothing on the card changed), "
     "3 nothing due.";
 
+constexpr const char* STATUS_EXITS =
+    "Exit codes: 0 no certificate is due, 10 one is, 11 one has ended, 12 a request is under way, 13 there "
+    "is nothing on "
+    "the card (of several 11, then 12, then 10); 1 failed, 2 refused or mistyped.";
+
 constexpr const char* STEPS = R"(A renewal:
+  zvrenew status                                 what is due, without the PIN
   zvrenew list                                   what is on the card, and what is due
   zvrenew request signature --out request.b64    new keys on the card, a request for them
   zvrenew install certificate.pem --request request.b64
@@ -55,6 +61,9 @@ void add_command(CLI::App& app, Invocation& chosen, const char* name, const char
 void add_commands(CLI::App& app, Invocation& chosen) {
     add_command(app, chosen, "readers",
                 "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
+    add_command(app, chosen, "status",
+                "Tells by the exit code which certificates end soon or have ended (asks for no PIN)",
+                run_status, STATUS_EXITS);
     add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
     add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
     add_command(app, chosen, "request",

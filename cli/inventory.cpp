@@ -98,17 +98,6 @@ void add_pending(Inventory& inventory, const std::string& id) {
     if (!known) inventory.pending.push_back({kind_of_pair(id), id});
 }
 
-void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
-    for (const std::string& id : view.identifiers())
-        if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
-            backup != nullptr && id != ZV_OWN_PAIR)
-            inventory.retired.push_back({id, backup->file});
-    std::erase_if(inventory.pending, [&](const PendingPair& pair) {
-        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
-                           [&](const RetiredPair& retired) { return retired.id == pair.id; });
-    });
-}
-
 // Whether the list's first record has one more field. Other cards than services cards get both marks under the signature
 // list's conditions.
 bool is_marked(const Reading& reading, Kind kind, bool services_card) {
@@ -125,6 +114,17 @@ void take_key(Inventory& inventory, const OfKind& read, Kind kind) {
 }
 
 } // namespace
+
+void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
+    for (const std::string& id : view.identifiers())
+        if (const Backup* backup = backup_of_leftover(inventory.backups, view, card, id);
+            backup != nullptr && id != ZV_OWN_PAIR)
+            inventory.retired.push_back({id, backup->file});
+    std::erase_if(inventory.pending, [&](const PendingPair& pair) {
+        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
+                           [&](const RetiredPair& retired) { return retired.id == pair.id; });
+    });
+}
 
 Proposal as_proposal(const std::string& key_text) {
     const bool digit =

@@ -56,6 +56,9 @@ struct Inventory {
 [[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view,
                                        const std::string& given_backup = {});
 
+// Takes from the pending pairs those that the inventory's backups say to be what a removal left.
+void take_retired(Inventory& inventory, const CardView& view, const std::string& card);
+
 // Takes a key text of the library: one without a digit ("DS") means that the series is full.
 [[nodiscard]] Proposal as_proposal(const std::string& key_text);
 

@@ -40,13 +40,18 @@ template <class Entry> Json array_of(const std::vector<Entry>& entries) {
 
 } // namespace
 
-Json as_json(const CardList& list) {
+Json contents_json(const CardList& list) {
     Json json = as_json(list.card);
     json["certificates"] = array_of(list.certificates);
     json["unreadable"] = list.unreadable;
     json["pending"] = array_of(list.pending);
     json["retired"] = array_of(list.retired);
     json["services_pending"] = list.services_pending;
+    return json;
+}
+
+Json as_json(const CardList& list) {
+    Json json = contents_json(list);
     for (const zv::KindRow& kind : zv::KINDS)
         if (kind.new_pair) json["next"][kind.name] = as_json(list.next[kind.id]);
     return json;

@@ -27,6 +27,14 @@ const char* result_name(Exit exit) {
         return "refused";
     case Exit::nothing_due:
         return "nothing due";
+    case Exit::due:
+        return "due";
+    case Exit::expired:
+        return "expired";
+    case Exit::under_way:
+        return "request under way";
+    case Exit::nothing_there:
+        return "nothing on the card";
     }
     return "";
 }
@@ -41,7 +49,7 @@ void print_json(const std::string& command, Exit exit, const Json& facts) {
 
 void print_report(const Invocation& invocation, const Report& report) {
     if (invocation.json) {
-        print_json(invocation.command, Exit::done, report_json(report));
+        print_json(invocation.command, report.exit, report_json(report));
     } else if (report.payload.empty()) {
         print_out(printable(in_words(report)) + "\n");
     } else {
@@ -75,7 +83,7 @@ OnCard as_before() {
 Exit answer(const Invocation& invocation, const Report& report) {
     try {
         print_report(invocation, report);
-        return Exit::done;
+        return report.exit;
     } catch (Stop& stop) {
         stop.card = as_before();
         if (report.unsaid) report.unsaid(stop);

@@ -21,16 +21,24 @@ struct CommonOptions {
     }
 };
 
-// What a command takes that opens a card.
-struct CardOptions : CommonOptions {
-    std::string reader;   // empty: the only reader that holds a known card
-    std::string pin_file; // empty: asked for at the terminal
-    bool final_try = false;
+// What a command takes that is about one card.
+struct ReaderOptions : CommonOptions {
+    std::string reader; // empty: the only reader that holds a known card
 
     void declare(OptionList& list) {
         CommonOptions::declare(list);
         list.text("--reader", "NAME", reader,
                   "Reader to use, its whole name (else the only one with a card)");
+    }
+};
+
+// What a command takes that opens a card.
+struct CardOptions : ReaderOptions {
+    std::string pin_file; // empty: asked for at the terminal
+    bool final_try = false;
+
+    void declare(OptionList& list) {
+        ReaderOptions::declare(list);
         list.text("--pin-file", "FILE", pin_file, "Read the PIN from a file (else it is asked for)");
         list.flag("--final-try", final_try, "Use the PIN even if it is the last try before the card locks");
     }
@@ -43,6 +51,13 @@ struct DueOptions {
 
     void declare(OptionList& list) {
         list.days("--days", days, "A certificate is due when it ends within so many days");
+    }
+};
+
+struct StatusOptions : ReaderOptions, DueOptions {
+    void declare(OptionList& list) {
+        ReaderOptions::declare(list);
+        DueOptions::declare(list);
     }
 };
 

@@ -33,6 +33,7 @@ struct Stop;
 
 // What a command has to say when it reached its aim.
 struct Report {
+    Exit exit = Exit::done;
     std::string text; // for a person, without a final line feed
     Json json = Json::object();
     std::vector<Advice> advice;        // what can be done next

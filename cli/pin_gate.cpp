@@ -16,10 +16,6 @@
 namespace cli {
 namespace {
 
-CardFacts facts_of(const Place& place, std::optional<CardState> state) {
-    return {place.reader, place.module_path, place.services, std::move(state)};
-}
-
 void refuse_risky_try(const CardState& state, bool final_try) {
     if (state.pin == PinState::locked)
         throw Stop(Exit::refused, "The card's PIN is locked.",
@@ -130,6 +126,10 @@ CardState card_state(const Place& place) {
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
     state.pin = pin_state(token.flags);
     return state;
+}
+
+CardFacts facts_of(const Place& place, std::optional<CardState> state) {
+    return {place.reader, place.module_path, place.services, std::move(state)};
 }
 
 CardFacts OpenedCard::facts() const {

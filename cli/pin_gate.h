@@ -16,6 +16,8 @@ namespace cli {
 // Asks a card for its state, without a login. @throws Stop
 [[nodiscard]] CardState card_state(const Place& place);
 
+[[nodiscard]] CardFacts facts_of(const Place& place, std::optional<CardState> state);
+
 // A card whose PIN was proved right, and all that working with it needs.
 struct OpenedCard {
     Place place;

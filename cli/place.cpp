@@ -155,7 +155,7 @@ std::vector<Reader> list_readers() {
     return readers;
 }
 
-Place find_place(const CardOptions& options) {
+Place find_place(const ReaderOptions& options) {
     const std::vector<Reader> readers = list_readers();
     if (readers.empty())
         throw Stop(Exit::refused, "There is no card reader.",

@@ -35,7 +35,7 @@ struct Place {
 
 // Finds the card: the reader named, or the only one that holds a known card. No module is touched.
 // @throws Stop
-[[nodiscard]] Place find_place(const CardOptions& options);
+[[nodiscard]] Place find_place(const ReaderOptions& options);
 
 // Finds the slot of a reader: the first whose description is part of the reader's name, which is also how the
 // library will find it.
