@@ -15,7 +15,7 @@ CK_RV FindObjectsInit(void*, char* title, unsigned long session, CK_ATTRIBUTE* t
 
 CK_RV FindObjects(void*, char* title, unsigned long session, unsigned long* handles, unsigned long max_count,
                   unsigned long* found) {
-    return zv::find_traced(title, session, {handles, max_count}, *found);
+    return zv::find_traced(title, session, {handles, max_count}, found);
 }
 
 CK_RV FindObjectsFinal(void*, char* title, unsigned long session) {

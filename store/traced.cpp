@@ -60,11 +60,11 @@ CK_RV read_traced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE
 }
 
 CK_RV find_traced(const char* title, CK_SESSION_HANDLE session, std::span<CK_OBJECT_HANDLE> room,
-                  CK_ULONG& found) {
+                  CK_ULONG* found) {
     SearchCall made = {SearchStep::next, "C_FindObjects", title, session, 1};
     trace_call(made);
-    rv = call<&Functions::C_FindObjects>(session, room.data(), CK_ULONG{room.size()}, &found);
-    if (rv == CKR_OK) rv = check_found(found, room.size());
+    rv = call<&Functions::C_FindObjects>(session, room.data(), CK_ULONG{room.size()}, found);
+    if (rv == CKR_OK) rv = check_found(*found, room.size());
     made.result = rv;
     report_call(made);
     return rv;

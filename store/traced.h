@@ -18,7 +18,7 @@ CK_RV read_traced(const char* title, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE
 
 // Asks an open search for as many objects as there is room for.
 CK_RV find_traced(const char* title, CK_SESSION_HANDLE session, std::span<CK_OBJECT_HANDLE> room,
-                  CK_ULONG& found);
+                  CK_ULONG* found);
 
 // A search for the first object, whose class is read: what failed; all ones when nothing was found, or the search could
 // not be ended.

@@ -192,9 +192,9 @@ TEST_F(RequestProgramTest, WorksOnACardAlone) {
     for (const char* second : {"request authentication --force", "install certificate --remove-old"}) {
         const Outcome outcome = shell(
             "({ " +
-            command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:1000000") +
-            " 2>first & }; timeout 20 sh -c '" + busy + "'; kill -s STOP $!; " + command(second + pin) +
-            "; code=$?; kill -s CONT $!; wait; rm other; exit $code)");
+            command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:4000000") +
+            " 2>first & }; timeout 20 sh -c '" + busy + "'; " + command(second + pin) +
+            "; code=$?; wait; rm other; exit $code)");
         EXPECT_EQ(outcome.code, 2) << second << outcome.err;
         EXPECT_TRUE(outcome.says("Another program (process ")) << outcome.err;
         EXPECT_EQ(outcome.count("C_GenerateKeyPair"), 1U);
