@@ -62,7 +62,7 @@ ADATA* _INTEGER(unsigned char* bytes, unsigned long length) {
 unsigned short SignIt(void*, unsigned char* data, unsigned long data_length, unsigned char* signature,
                       unsigned long* signature_length, unsigned long private_key) {
     return worked([=] {
-        return zv::sign_on_card({data, data_length}, private_key, signature, *signature_length);
+        return zv::sign_on_card({data, data_length}, private_key, signature, signature_length);
     });
 }
 

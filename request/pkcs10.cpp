@@ -48,7 +48,7 @@ std::size_t significant(const unsigned char* bytes, unsigned long length) {
 
 unsigned short sign_once(der::Bytes& info, const PublicKey& key, Signature& signature) {
     signature.length = sizeof signature.bytes;
-    const unsigned short code = sign_on_card(info, hPrivateKey, signature.bytes, signature.length);
+    const unsigned short code = sign_on_card(info, hPrivateKey, signature.bytes, &signature.length);
     if (code != 0 || signature.length == key.size()) return code;
     // No authority would take the request.
     rv = CKR_SIGNATURE_LEN_RANGE;

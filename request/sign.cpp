@@ -30,7 +30,7 @@ void trace_digest(const Digest& digest) {
 }
 
 unsigned short sign_digest(const Digest& digest, CK_OBJECT_HANDLE private_key, unsigned char* signature,
-                           unsigned long& length) {
+                           unsigned long* length) {
     der::Bytes info = digest_info(digest);
     trace_session(SIGN_TITLE, "C_SignInit", hSession);
     CK_MECHANISM mechanism = {CKM_RSA_PKCS, nullptr, 0};
@@ -41,9 +41,9 @@ unsigned short sign_digest(const Digest& digest, CK_OBJECT_HANDLE private_key, u
             .sentence("Inizializzazione firma della sequenza di hash fallita (%s)", rv);
     trace_digest(digest);
     trace(SIGN_TITLE, "C_Sign");
-    const unsigned long room = length;
-    rv = call<&Functions::C_Sign>(hSession, info.data(), CK_ULONG{info.size()}, signature, &length);
-    if (rv == CKR_OK && length > room) rv = CKR_BUFFER_TOO_SMALL;
+    const unsigned long room = *length;
+    rv = call<&Functions::C_Sign>(hSession, info.data(), CK_ULONG{info.size()}, signature, length);
+    if (rv == CKR_OK && *length > room) rv = CKR_BUFFER_TOO_SMALL;
     if (rv == CKR_OK) {
         trace(SIGN_TITLE, "F I N E");
         return 0;
@@ -57,7 +57,7 @@ unsigned short sign_digest(const Digest& digest, CK_OBJECT_HANDLE private_key, u
 } // namespace
 
 unsigned short sign_on_card(std::span<unsigned char> data, CK_OBJECT_HANDLE private_key,
-                            unsigned char* signature, unsigned long& length) {
+                            unsigned char* signature, unsigned long* length) {
     trace_session(SIGN_TITLE, "I N I Z I O", hSession);
     trace(SIGN_TITLE, "fndgstSha1");
     Digest digest{};

@@ -10,6 +10,6 @@ namespace zv {
 // for the signature, then what the module left there. Returns 0, CKR_USER_NOT_LOGGED_IN, the reason not yet told, or
 // ZV_FAILED.
 [[nodiscard]] unsigned short sign_on_card(std::span<unsigned char> data, CK_OBJECT_HANDLE private_key,
-                                          unsigned char* signature, unsigned long& length);
+                                          unsigned char* signature, unsigned long* length);
 
 } // namespace zv
