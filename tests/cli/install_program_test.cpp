@@ -179,6 +179,7 @@ TEST_F(InstallProgramTest, OffersNoKeysThatARemovalLeft) {
     const auto list = json("list");
     EXPECT_TRUE(list["pending"].empty()) << list;
     EXPECT_EQ(list["retired"][0]["id"], "DS3");
+    EXPECT_EQ(zvrenew("status").code, 0) << "they wait for nothing";
     EXPECT_TRUE(with_pin("request signature --force --out third").says("the new pair DS5"));
     EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. The card's own software"));
 }
