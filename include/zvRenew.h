@@ -59,6 +59,11 @@
 
 #include <stdbool.h>
 
+/** Version of the library that this header came with; the build takes its own from here. */
+#define ZV_VERSION_MAJOR 1
+#define ZV_VERSION_MINOR 0
+#define ZV_VERSION_PATCH 4
+
 #define ZV_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus

@@ -27,6 +27,14 @@ flags=$(pkg-config --cflags zvrenew)
 # shellcheck disable=SC2046,SC2086
 "$cc" $flags "$here/host.c" $(pkg-config --libs zvrenew) -Wl,-rpath,"$lib" -o host
 ./host "$work/host.log"
+# What a host compiles against, finds and runs is one version.
+# shellcheck disable=SC2086
+version=$(printf '#include <zvRenew.h>\nversion ZV_VERSION_MAJOR ZV_VERSION_MINOR ZV_VERSION_PATCH\n' |
+    "$cc" -E -P $flags - | sed -n 's/^version \([0-9]*\) \([0-9]*\) \([0-9]*\)$/\1.\2.\3/p')
+for told in "$(pkg-config --modversion zvrenew)" "$(moved/bin/zvrenew --version)" \
+        "$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' "$lib/cmake/zvRenew/zvRenewConfigVersion.cmake")"; do
+    [ "$told" = "$version" ] || { echo "zvRenew.h is of version \"$version\", not \"$told\""; exit 1; }
+done
 # Each header of routines alone; their sum has them all.
 (cd moved/include/zvrenew && ls routines.h routines/*.h) >headers
 [ "$(wc -l <headers)" -gt 8 ] || { echo "headers of routines are missing"; exit 1; }
