@@ -51,13 +51,12 @@ Advice give_key_the_pin(const std::string& key) {
 
 Advice enter_card() {
     return {"add-card",
-            "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "
-            "/etc/zvcrypt.conf with the "
-            "file name of its maker's PKCS#11 module:\n"
+            "Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or " ZV_SYSCONFDIR
+            "/zvcrypt.conf with the file name of its maker's PKCS#11 module:\n"
             "  [card NAME]\n"
             "  atr = ATR\n"
             "  module = MODULE.so",
-            {{"files", std::vector<std::string>{"~/.config/zvcrypt.conf", "/etc/zvcrypt.conf"}}}};
+            {{"files", std::vector<std::string>{"~/.config/zvcrypt.conf", ZV_SYSCONFDIR "/zvcrypt.conf"}}}};
 }
 
 Advice start_service() {

@@ -16,7 +16,7 @@ namespace zvcrypt {
 namespace {
 
 constexpr off_t LARGEST_TABLE = off_t{8} * 1024 * 1024;
-constexpr const char* SYSTEM_CONFIGURATION = "/etc/zvcrypt.conf";
+constexpr const char* SYSTEM_CONFIGURATION = ZV_SYSCONFDIR "/zvcrypt.conf";
 
 // The environment belongs to the caller, not to the owner of a set-user-id program.
 std::string environment(const char* name) {
