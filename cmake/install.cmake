@@ -1,5 +1,5 @@
 # What `cmake --install` puts where. Components: runtime (libraries and program), development (headers, pkg-config and
-# CMake packages), and simcard, which only `--component simcard` installs: it is for demonstrations.
+# CMake packages), documentation, and simcard, which only `--component simcard` installs: it is for demonstrations.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zvRenew)
@@ -32,3 +32,12 @@ install(FILES ${PROJECT_BINARY_DIR}/zvrenew.pc DESTINATION ${CMAKE_INSTALL_LIBDI
 install(EXPORT zvRenew NAMESPACE zvRenew:: FILE zvRenewConfig.cmake DESTINATION ${package_dir} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zvRenewConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zvRenewConfigVersion.cmake DESTINATION ${package_dir} COMPONENT development)
+
+# As in the sources, so that the links from page to page lead somewhere.
+file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+list(FILTER pages EXCLUDE REGEX "\\.in\\.md$") # what scripts make pages from
+install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
+configure_file(${PROJECT_SOURCE_DIR}/packaging/zvcrypt.conf.in ${PROJECT_BINARY_DIR}/zvcrypt.conf @ONLY)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md ${PROJECT_BINARY_DIR}/zvcrypt.conf
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+install(FILES simcard/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/simcard COMPONENT simcard EXCLUDE_FROM_ALL)

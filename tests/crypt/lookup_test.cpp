@@ -110,6 +110,16 @@ TEST_F(Lookup, HostTableThenConfigurationThenBuiltInTable) {
     module("A", folder.c_str(), ZVC_ERR_CONFIG);
 }
 
+TEST_F(Lookup, TheSampleChangesNothingBeforeItsEntriesAreUncommented) {
+    const std::string sample = content(SAMPLE_CONFIGURATION);
+    configure(sample);
+    EXPECT_EQ(readers(ZVC_ERR_NO_SERVICE), "");
+    configure(std::regex_replace(sample, std::regex("\n;(?! )"), "\n"));
+    EXPECT_EQ(readers(), "Desk Reader [contact] 00 00|");
+    EXPECT_EQ(module("Desk Reader [contact] 00 00"), "libmaker-pkcs11.so");
+    EXPECT_EQ(kvIsCNSINCARD(), 1);
+}
+
 TEST_F(Lookup, TheCardsOfTheDocumentedListAreFoundAsItSays) {
     const std::regex row(R"(\| `([0-9A-F ]+)` \|[^|]*\| ([^|]*) \|\n)");
     const std::string page = content(CARDS_PAGE);

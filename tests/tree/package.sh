@@ -16,6 +16,15 @@ mv first moved
 case $(uname) in Linux) sh "$here/search_path.sh" "$work/moved" ;; esac
 lib=$(dirname "$(find "$work/moved" -name 'libmin_zvCrypt.*')")
 moved/bin/zvrenew --version
+# Every page and the sample, and what a page leads to.
+docs=$(dirname "$(find moved/share -name CHANGELOG.md)")
+(cd "$1" && ls README.md CHANGELOG.md docs/*.md && echo zvcrypt.conf) | grep -v '\.in\.md$' >pages
+while read -r page; do
+    [ -s "$docs/$page" ] || { echo "$page is not installed"; exit 1; }
+    sed 's/](/\n](/g' "$docs/$page" | sed -n 's/^](\([^):#]*\)[#)].*/\1/p' | while read -r link; do
+        [ -e "$docs/$(dirname "$page")/$link" ] || { echo "$page leads to $link, which is not installed"; exit 1; }
+    done
+done <pages
 moved/bin/zvsimcard-tool --help >/dev/null
 
 "$cmake" -S "$here/consumer" -B consumer -DCMAKE_PREFIX_PATH="$work/moved" -DCMAKE_C_COMPILER="$cc" >consumer.log
