@@ -41,3 +41,12 @@ configure_file(${PROJECT_SOURCE_DIR}/packaging/zvcrypt.conf.in ${PROJECT_BINARY_
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md ${PROJECT_BINARY_DIR}/zvcrypt.conf
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(FILES simcard/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/simcard COMPONENT simcard EXCLUDE_FROM_ALL)
+
+foreach(page zvrenew.1 zvsimcard-tool.1 zvRenew.3 zvcrypt.conf.5)
+  configure_file(${PROJECT_SOURCE_DIR}/docs/man/${page}.in ${PROJECT_BINARY_DIR}/man/${page} @ONLY)
+endforeach()
+set(man ${PROJECT_BINARY_DIR}/man)
+install(FILES ${man}/zvrenew.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
+install(FILES ${man}/zvcrypt.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT runtime)
+install(FILES ${man}/zvRenew.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
+install(FILES ${man}/zvsimcard-tool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simcard EXCLUDE_FROM_ALL)
