@@ -1,6 +1,7 @@
 #include "cli/command_line.h"
 
 #include "cli/commands.h"
+#include "cli/completion.h"
 
 #include <CLI/CLI.hpp>
 
@@ -97,6 +98,17 @@ Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool jso
             }};
 }
 
+// What the shells' completion asks, with the words behind it. People are not told of it.
+bool is_completed(int argc, char** argv) {
+    return argc > 1 && std::string_view(argv[1]) == "--complete";
+}
+
+Invocation as_completion(const CLI::App& app, const std::vector<std::string>& words) {
+    Report report;
+    report.payload = completions(app, words);
+    return {"", false, false, [report] { return report; }};
+}
+
 } // namespace
 
 Invocation read_command_line(int argc, char** argv) {
@@ -107,6 +119,7 @@ Invocation read_command_line(int argc, char** argv) {
     app.footer(std::string(STEPS) + EXITS);
     app.get_formatter()->column_width(34);
     add_commands(app, chosen);
+    if (is_completed(argc, argv)) return as_completion(app, {argv + 2, argv + argc});
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

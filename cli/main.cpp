@@ -53,7 +53,7 @@ void print_report(const Invocation& invocation, const Report& report) {
     } else if (report.payload.empty()) {
         print_out(printable(in_words(report)) + "\n");
     } else {
-        note(in_words(report));
+        if (const std::string words = in_words(report); !words.empty()) note(words);
         print_out(report.payload);
     }
 }

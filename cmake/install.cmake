@@ -50,3 +50,10 @@ install(FILES ${man}/zvrenew.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONEN
 install(FILES ${man}/zvcrypt.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT runtime)
 install(FILES ${man}/zvRenew.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
 install(FILES ${man}/zvsimcard-tool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simcard EXCLUDE_FROM_ALL)
+
+set(completion packaging/completion)
+install(FILES ${completion}/zvrenew.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zvrenew
+  COMPONENT runtime)
+install(FILES ${completion}/_zvrenew DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT runtime)
+install(FILES ${completion}/zvrenew.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+  COMPONENT runtime)

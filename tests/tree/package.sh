@@ -19,6 +19,9 @@ moved/bin/zvrenew --version
 for page in 1/zvrenew.1 1/zvsimcard-tool.1 3/zvRenew.3 5/zvcrypt.conf.5; do
     [ -s "moved/share/man/man$page" ] || { echo "the manual's $page is not installed"; exit 1; }
 done
+for script in bash-completion/completions/zvrenew zsh/site-functions/_zvrenew fish/vendor_completions.d/zvrenew.fish; do
+    [ -s "moved/share/$script" ] || { echo "the completion $script is not installed"; exit 1; }
+done
 # Every page and the sample, and what a page leads to.
 docs=$(dirname "$(find moved/share -name CHANGELOG.md)")
 (cd "$1" && ls README.md CHANGELOG.md docs/*.md && echo zvcrypt.conf) | grep -v '\.in\.md$' >pages
