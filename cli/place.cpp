@@ -52,9 +52,9 @@ std::string names(const std::vector<Reader>& readers) {
 }
 
 std::vector<std::string> names_of(const std::vector<Reader>& readers) {
-    std::vector<std::string> list;
-    for (const Reader& reader : readers)
-        list.push_back(reader.name);
+    std::vector<std::string> list(readers.size());
+    std::transform(readers.begin(), readers.end(), list.begin(),
+                   [](const Reader& reader) { return reader.name; });
     return list;
 }
 

@@ -35,7 +35,7 @@ NumberText with_hex(const char* prefix, long number) {
 
 char* write_hex(char* buffer, const char* prefix, long number) {
     const std::size_t length = std::strlen(prefix);
-    std::memmove(buffer, prefix, length);
+    std::memmove(buffer, prefix, length + 1);
     const NumberText tail = with_hex("", number);
     std::memcpy(buffer + length, tail.text, std::strlen(tail) + 1);
     return buffer;

@@ -168,7 +168,9 @@ TEST_F(InstallStep, SerialNumberLosesItsLeadingZeros) {
 
     const auto der = zv::der_of(&certificate, certificate.derLength);
     static constexpr unsigned char behind_version[] = {0xA0, 0x03, 0x02, 0x01, 0x02, 0x02};
-    const auto number = std::ranges::search(der, behind_version).end();
+    const auto number =
+        std::search(der.begin(), der.end(), std::begin(behind_version), std::end(behind_version)) +
+        sizeof behind_version;
     const CK_ULONG bytes = number[0];
     ASSERT_GT(bytes, 1U);
     number[1] = 0x00;
