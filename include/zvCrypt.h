@@ -32,8 +32,9 @@
 /*
  * Configuration: the first of these files that exists. The one that the environment variable ZVCRYPT_CONF names
  * (it must exist; /dev/null stands for none at all), $XDG_CONFIG_HOME/zvcrypt.conf or, without that variable,
- * ~/.config/zvcrypt.conf, /etc/zvcrypt.conf. In a set-user-id process only the last one. It, the built-in table
- * and a host's atr.ini have one form, of which docs/cards.md tells more:
+ * ~/.config/zvcrypt.conf, /etc/zvcrypt.conf (the folder is the build's CMAKE_INSTALL_SYSCONFDIR). In a set-user-id
+ * process only the last one. It, the built-in table and a host's atr.ini have one form, of which docs/cards.md tells
+ * more:
  *
  *     [card ANY NAME]           ; a kind of card; the first entry whose pattern matches wins
  *     atr = 3BFF18..0081        ; hexadecimal; '.', 'X' and '?' stand for any digit, blanks and ':' for nothing
@@ -131,10 +132,9 @@ typedef struct datiCert {
  * Lists the card readers: those of PC/SC with a card that answers, with another, without a card, the configured
  * software readers.
  *
- * @param[out] list  ZVC_READER_LIST_SIZE bytes; each name followed by "|"; whole names only, as many as fit;
- *                   empty without
- *                   readers. A name with a "|" in it is left out (its reader can be looked up all the same);
- *                   where that leaves none, the result is ZVC_ERR_READER
+ * @param[out] list  ZVC_READER_LIST_SIZE bytes; each name followed by "|"; whole names only, as many as
+ *                   fit; empty without readers. A name with a "|" in it is left out (its reader can be
+ *                   looked up all the same); where that leaves none, the result is ZVC_ERR_READER
  * @return 0; ZVC_ERR_NO_SERVICE; ZVC_ERR_READER; ZVC_ERR_CONFIG_FILE; ZVC_ERR_CONFIG
  * After a failure: the list is empty. A PC/SC failure is none when there are software readers: they are
  * listed. Standard: PC/SC (SCardListReaders, SCardGetStatusChange).
@@ -377,8 +377,7 @@ ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* dige
  *
  * @param[in]  in   the text, ZVC_CERT_TEXT_MAX characters at most
  * @param[out] out  ZVC_CERT_TEXT_SIZE bytes; the text. A longer one is not cut: a mark takes its place, to
- *                  which SplitCert
- *                  answers ZVC_ERR_TEXT_LENGTH
+ *                  which SplitCert answers ZVC_ERR_TEXT_LENGTH
  */
 ZVCRYPT_API void writeBuff(char* in, char* out);
 

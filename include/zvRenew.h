@@ -34,18 +34,18 @@
  *     and would be installed with deletion). Stopped are: an empty pendingLabel (but for a services card's own
  *     pair whose old request is kept); a request whose pendingLabel is part of keyId; installing whose
  *     pendingLabel is a proper part of certLabel; whatever would delete "CNS0" (a request that discards a
- *     pending "CNS0", installing with deletion and a certLabel that is part of "CNS0"); installing with deletion
- *     and a certLabel that is part of pendingLabel; a request whose subject has no known attribute, or would
- *     lose one for its length; and values that would not come through the command block as they are: longer
- *     than their fields or than the block, with a line feed or a key of the block inside, a PIN of more than
- *     ZV_PIN_MAX characters or with trailing blanks, a slot above ZV_LAST_SLOT. Two stand in front of the
- *     deletion of an old
- *     pending pair, with the same line and the result 1 of a deletion that failed: the pair has a
- *     certificate, or the search for one failed; the login that follows the deletion would not reach the slot
- *     in use (0 that is not the first of the module's list, 8, 9). A login anew within a call that would not
- *     reach it is not made either. Two more leave result and texts as they are without them: after a PIN that
- *     the first login of a reading was refused with, the second is left out; and no call goes to a module
- *     that is not loaded or gave no function list. See docs/guards.md.
+ *     pending "CNS0", installing with deletion and a certLabel that is part of "CNS0"); installing with
+ *     deletion and a certLabel that is part of pendingLabel; a request whose subject has no known
+ *     attribute, or would lose one for its length; and values that would not come through the command block
+ *     as they are: longer than their fields or than the block, with a line feed or a key of the block
+ *     inside, a PIN of more than ZV_PIN_MAX characters or with trailing blanks, a slot above ZV_LAST_SLOT.
+ *     Two stand in front of the deletion of an old pending pair, with the same line and the result 1 of a
+ *     deletion that failed: the pair has a certificate, or the search for one failed; the login that
+ *     follows the deletion would not reach the slot in use (0 that is not the first of the module's list,
+ *     8, 9). A login anew within a call that would not reach it is not made either. Two more leave result
+ *     and texts as they are without them: after a PIN that the first login of a reading was refused with,
+ *     the second is left out; and no call goes to a module that is not loaded or gave no function list. See
+ *     docs/guards.md.
  * 11. The PIN: an empty one is sent to the card like any other and costs a try. Reading logs in twice (once
  *     for the dump that goes to the log, once for the lists); after a wrong, locked or expired PIN the second
  *     login is left out, so that one typing error costs one try. A request logs in twice as well: for the
@@ -133,11 +133,10 @@ ZV_API void set_ATRini_path(const char* dir);
  * Detects the card and lists its certificates, pending keys and free identifiers.
  *
  * A certificate list is an array of ZV_LIST_ENTRIES pointers to buffers of ZV_LIST_ENTRY_SIZE characters.
- * Entry 0 receives the number of certificates in decimal, entries 1 to n one record
- * each, fields joined by "#" (a "#" inside a field is not marked). The lists have ten records at most together;
- * what is pending or free is answered from everything on the card. Every entry must be an empty text before
- * every call, since counts and records are appended. listCNS is written for a services card only: take an empty
- * entry 0 as 0.
+ * Entry 0 receives the number of certificates in decimal, entries 1 to n one record each, fields joined by
+ * "#" (a "#" inside a field is not marked). The lists have ten records at most together; what is pending or
+ * free is answered from everything on the card. Every entry must be an empty text before every call, since
+ * counts and records are appended. listCNS is written for a services card only: take an empty entry 0 as 0.
  *
  * Records: subject, issuer (attributes as numeric OIDs, "2.5.4.6=IT2.5.4.10=..."), IUT (dnQualifier),
  * policies, serial number, start, end ("DD/MM/YYYY HH:MM:SS", UTC), identifier, then for PRA: notice text,
@@ -168,12 +167,12 @@ ZV_API void set_ATRini_path(const char* dir);
  *                                     0. The first pending pair found ends the search: at most one of the two
  *                                        is reported. A search that failed leaves 0 and empty keys
  * @param[out] keyPRA, keyAUT  ZV_KEY_ID_SIZE characters each: the pending pair's identifier; else a free
- *                             identifier for a
- *                             new pair; else empty. A text without a digit ("DS", "AUTHCertificate") means
- *                             that none is free; a full DS series also stops the proposal for AUT. "Free"
- *                             looks at public keys only. A kind without a certificate on the card gets no
- *                             proposal here (rinnovo_Card_findFreeCKAID gives one); on a signature card the
- *                             authority's certificate counts as an AUT one
+ *                             identifier for a new pair; else empty. A text without a digit ("DS",
+ *                             "AUTHCertificate") means that none is free; a full DS series also stops the
+ *                             proposal for AUT. "Free" looks at public keys only. A kind without a
+ *                             certificate on the card gets no proposal here (rinnovo_Card_findFreeCKAID
+ *                             gives one); on a signature card the authority's certificate counts as an AUT
+ *                             one
  * @param[in]  reservedText  not used
  * @param[in]  moduleDir     directory of the PKCS#11 modules, at most ZV_MODULE_DIR_MAX characters
  *
@@ -213,9 +212,8 @@ ZV_API int rinnovo_Card_findFreeCKAID(char* reader, char* pin, char* keyPRA, cha
  *
  * @param[out] requestOut    ZV_REQUEST_SIZE characters: the DER of the CMS in base64, lines of 64
  *                           characters. A longer one is cut, with result 0: take a text of exactly
- *                           ZV_REQUEST_SIZE - 1 characters as a failure. A terminator is always written there.
- *                           Not touched
- *                           after a failure
+ *                           ZV_REQUEST_SIZE - 1 characters as a failure. A terminator is always written
+ *                           there. Not touched after a failure
  * @param[in]  pendingLabel  the whole and final identifier of the new pair, at most ZV_ID_MAX characters, such as
  *                           keyPRA of a reading: it becomes the CKA_ID and CKA_LABEL of both keys. Must not
  *                           be empty, nor a part of keyId
@@ -272,12 +270,12 @@ ZV_API int rinnovo_Card_createCertRequestAUT(char* requestOut, const char* pendi
  *
  * With keepOld false, *before the new certificate is compared with its pair*, every object whose identifier
  * contains certLabel is removed, keys included ("DS" would remove every signature pair), and with them the
- * authority's certificate "Korvalenta Firma Dig" (ZV_AUTHORITY_ID), which nothing puts back. Then the pending
- * pair is looked
- * for, gets pendingLabel as CKA_ID and CKA_LABEL, and the certificate is compared with it and written under
- * the same text; when it is refused, the pair is given pendingLabel again. (Modules named bit4ipki,
- * bit4hipki, incryptoki2 or cnspkcs11 keep the pair's old texts; a module that does not read keys leaves out
- * the comparison.) The marker "pending_CNS_key" of a services card is removed after any success.
+ * authority's certificate "Korvalenta Firma Dig" (ZV_AUTHORITY_ID), which nothing puts back. Then the
+ * pending pair is looked for, gets pendingLabel as CKA_ID and CKA_LABEL, and the certificate is compared
+ * with it and written under the same text; when it is refused, the pair is given pendingLabel again.
+ * (Modules named bit4ipki, bit4hipki, incryptoki2 or cnspkcs11 keep the pair's old texts; a module that
+ * does not read keys leaves out the comparison.) The marker "pending_CNS_key" of a services card is removed
+ * after any success.
  *
  * @param[in]     pin           user PIN, at most ZV_PIN_MAX characters, no trailing blank
  * @param[in,out] certLabel     identifier of the certificate to replace, room for 4 characters at least:

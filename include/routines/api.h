@@ -55,10 +55,9 @@ ZV_API unsigned long RichiestaMinInfo(char* certLabel, const char* pin, const ch
  * Labels, keep flag and subject that the block names become those of the library, and stay so when the
  * command fails. The handles of the pending pair are forgotten. The slot digit, 0 to 7, is the index for a
  * new login, which finds the slot of the opened session there or is refused (0 is looked up as the module's
- * first slot). A block
- * without "BEGIN_STRING" leaves the record empty, and the command runs all the same; one that was cut runs
- * with what is left of it, and without a keep flag of "R" it deletes. What guards against that stands at the
- * entry points.
+ * first slot). A block without "BEGIN_STRING" leaves the record empty, and the command runs all the same;
+ * one that was cut runs with what is left of it, and without a keep flag of "R" it deletes. What guards
+ * against that stands at the entry points.
  *
  * @param[in]     command   "REQREN" (Rinnova) or "REQSCA" (Scarica); null is empty
  * @param[in]     block     the block, as RichiestaMinInfo writes it; null is empty

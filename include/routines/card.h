@@ -33,8 +33,7 @@ ZV_API int CheckSmartCard(bool& isTouchSign, char* reader);
  *
  * @param[in] readerName  reader; the first slot with a token is taken whose description (blanks at its end
  *                        removed; ZV_DESCRIPTION_MAX characters where it fills its field) is part of this
- *                        name. Null is
- *                        empty, which no slot belongs to
+ *                        name. Null is empty, which no slot belongs to
  * @param[in] libPath     path of the module; null and empty never load
  * @return the slot's identifier (low 32 bits); 0xFFFFFFFF none, or the module cannot be used
  * After a failure: the module is unloaded again; only a failed load is logged.

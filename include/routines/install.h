@@ -34,10 +34,9 @@ ZV_API int ChangeValueObject(void*, char* newId);
 /**
  * Writes a certificate that carries the pending key on the card, and removes a marker ZV_PENDING_MARKER.
  *
- * The key's modulus (256 bytes at most) must stand in the certificate; a module that answers its reading with
- * CKR_FUNCTION_FAILED is spared the comparison. Subject and issuer have at most ZVC_CARD_NAME_SIZE bytes of
- * DER, the serial
- * number 256, zero bytes in front dropped.
+ * The key's modulus (256 bytes at most) must stand in the certificate; a module that answers its reading
+ * with CKR_FUNCTION_FAILED is spared the comparison. Subject and issuer have at most ZVC_CARD_NAME_SIZE
+ * bytes of DER, the serial number 256, zero bytes in front dropped.
  *
  * @param[in]     cert           record with the certificate's DER
  * @param[in]     derLength      its bytes, at most ZVC_CERT_DER_SIZE

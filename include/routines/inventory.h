@@ -17,9 +17,8 @@ extern "C" {
  * in its place (of certificates behind the card's tenth: is empty). Null arguments are skipped, and change
  * nothing in the others.
  *
- * @param[in,out] praList, autList    ZV_LIST_ENTRIES pointers to texts of ZV_LIST_ENTRY_SIZE bytes each, empty
- *                                    before: entry 0 receives
- *                                    the count, entries 1 to n a record each
+ * @param[in,out] praList, autList    ZV_LIST_ENTRIES pointers to texts of ZV_LIST_ENTRY_SIZE bytes each,
+ *                                    empty before: entry 0 receives the count, entries 1 to n a record each
  * @param[in,out] praRecord, autRecord          work buffers of one record, empty before and afterwards
  * @param[in]     praRecordSize, autRecordSize  their bytes, 4096 at most used
  * @param[out]    praSubject, autSubject        ZVC_DESCRIPTION_SIZE bytes: subject of the last PRA / AUT certificate
