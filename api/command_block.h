@@ -55,8 +55,8 @@ void publish(const REQRENIN& record, const std::bitset<BLOCK_KEYS>& found);
 // The text of a field.
 [[nodiscard]] std::string_view field_text(const REQRENIN& record, const BlockKey& key);
 
-// What was written into the request buffer: its length without the last line, and where the PIN stands. All zero, and the
-// buffer empty, when it did not fit.
+// What was written into the request buffer: its length without the last line, and where the PIN stands. All
+// zero, and the buffer empty, when it did not fit.
 struct WrittenBlock {
     std::size_t length = 0, pin_start = 0, pin_length = 0;
 };

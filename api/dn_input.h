@@ -13,8 +13,8 @@ namespace zv {
 // Puts a text with every `from` replaced into newstring; what does not fit stays out.
 void replace_text(std::string_view text, std::string_view from, std::string_view to);
 
-// The name of the request, dNameRen: emptied; filled from lines of one attribute each; taken from a host's text, which is
-// brought to such lines in its place.
+// The name of the request, dNameRen: emptied; filled from lines of one attribute each; taken from a host's
+// text, which is brought to such lines in its place.
 void clear_subject();
 void load_subject(std::string_view lines);
 void take_subject(std::span<char> dn);

@@ -11,7 +11,8 @@ void trace_module(const char* prefix);
 // Puts the crypto library's last reason into szBuffErr.
 void fetch_reason();
 
-// Puts a text into szBuffErr, the crypto library's last reason when none is given; logs it, then the line. Returns code.
+// Puts a text into szBuffErr, the crypto library's last reason when none is given; logs it, then the line.
+// Returns code.
 int fail(const char* line, int code, const char* text = nullptr);
 
 // Logs "Funzione '", the entry point's name and after.

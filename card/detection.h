@@ -21,8 +21,8 @@ struct Detection {
     bool touch_sign = false; // of what was found before a failure, too
 };
 
-// Finds the reader, the module that serves its card, the slot, the kind of card and its serial number. Null is the first
-// reader that is listed.
+// Finds the reader, the module that serves its card, the slot, the kind of card and its serial number. Null
+// is the first reader that is listed.
 [[nodiscard]] Detection detect_card(const char* reader);
 
 // A path that does not fit is none.

@@ -98,8 +98,8 @@ void add_pending(Inventory& inventory, const std::string& id) {
     if (!known) inventory.pending.push_back({kind_of_pair(id), id});
 }
 
-// Whether the list's first record has one more field. Other cards than services cards get both marks under the signature
-// list's conditions.
+// Whether the list's first record has one more field. Other cards than services cards get both marks under
+// the signature list's conditions.
 bool is_marked(const Reading& reading, Kind kind, bool services_card) {
     const OfKind& signature = reading[Kind::signature];
     if (services_card || kind != Kind::authentication) return reading[kind].pending == 1;

@@ -12,8 +12,8 @@ ossl::DigestContext new_context() noexcept {
     return context;
 }
 
-// Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its zeros. It lives as
-// long as the process.
+// Made ahead, when there is memory: nobody is told of a digest that fails, and the card would sign its
+// zeros. It lives as long as the process.
 EVP_MD_CTX* next_context = new_context().release();
 
 } // namespace

@@ -6,8 +6,8 @@
 // The user's log. A log that cannot be opened or written stops nothing: there is nowhere to say so.
 namespace zv {
 
-// Where the log is, 512 characters at most; empty without a home directory: nothing is then logged. Made on the first call; what a caller writes
-// there counts from then on.
+// Where the log is, 512 characters at most; empty without a home directory: nothing is then logged. Made on
+// the first call; what a caller writes there counts from then on.
 [[nodiscard]] char* log_path();
 
 // Appends a line; null and empty become a word. Empties a log that has grown too long first.

@@ -15,8 +15,8 @@ extern CK_OBJECT_HANDLE hCert; // the object created last
 
 enum class Serial { as_given, trimmed };
 
-// Fills the template with a certificate, its parts and the text that it is called by. Returns the crypto library's code,
-// logged under title when it is a failure.
+// Fills the template with a certificate, its parts and the text that it is called by. Returns the crypto
+// library's code, logged under title when it is a failure.
 [[nodiscard]] int fill_template(const char* title, std::span<unsigned char> der, const char* label,
                                 Serial serial);
 

@@ -5,8 +5,8 @@
 // The buffers that a host gives the inventory; those that are null are ones that nobody reads.
 namespace zv {
 
-// For one kind of certificate: its list, whether a pair waits, that pair's identifier or a free one; the last certificate's
-// holder and identifier; a work buffer that records are cut to and cleared in.
+// For one kind of certificate: its list, whether a pair waits, that pair's identifier or a free one; the
+// last certificate's holder and identifier; a work buffer that records are cut to and cleared in.
 struct HostKind {
     char** list = nullptr;
     int* pending = nullptr;

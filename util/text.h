@@ -52,8 +52,9 @@ template <std::size_t N> struct FixedText {
 // Bytes of a buffer less the zeros at its end.
 [[nodiscard]] std::size_t length_without_zeros(std::string_view bytes);
 
-// Replaces the first pattern in a text, whatever the case of its letters; the text grows or shrinks in place and is cut to its
-// size. scratch holds what follows the pattern, of the same size. Returns false when there is none.
+// Replaces the first pattern in a text, whatever the case of its letters; the text grows or shrinks in place
+// and is cut to its size. scratch holds what follows the pattern, of the same size. Returns false when there
+// is none.
 bool replace_first(char* text, std::size_t size, const char* pattern, const char* replacement, char* scratch);
 
 [[nodiscard]] inline bool is_digit(char c) {

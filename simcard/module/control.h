@@ -14,7 +14,7 @@
 
 namespace simcard {
 
-// What zvsimcard_control.h lets a test do to the calls of this process. It outlives C_Finalize.
+// What simcard/control.h lets a test do to the calls of this process. It outlives C_Finalize.
 class Control {
   public:
     // Takes rules, trace and key file from the environment.

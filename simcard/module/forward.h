@@ -8,9 +8,9 @@
 namespace simcard {
 
 // Passes a call on to SoftHSM, as any function of a card: slots, sessions and objects are exchanged for
-// SoftHSM's, a card that was taken out answers so, one
-// that would be changed before a login CKR_USER_NOT_LOGGED_IN, a full one CKR_DEVICE_MEMORY, the card takes its time, and
-// what is created gets its handle and its place in the order of objects.
+// SoftHSM's, a card that was taken out answers so, one that would be changed before a login
+// CKR_USER_NOT_LOGGED_IN, a full one CKR_DEVICE_MEMORY, the card takes its time, and what is created gets
+// its handle and its place in the order of objects.
 [[nodiscard]] CK_RV forward(Call call);
 
 template <Function F, class... A> [[nodiscard]] CK_RV forward(A... arguments) {

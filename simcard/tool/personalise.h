@@ -33,8 +33,9 @@ struct CardPlan {
     int cns_days = 30;
 };
 
-// Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the copy to which it can be reset. The folder of cards and its authority are made when there
-// are none. Other processes see the card when it is complete.
+// Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the
+// copy to which it can be reset. The folder of cards and its authority are made when there are none. Other
+// processes see the card when it is complete.
 //
 // Ready-made keys make this a matter of some 50 ms.
 // @param keys  gives the authority's key, when one is made, then a key for each pair of the profile
