@@ -7,7 +7,7 @@
 // The one module and the one session that the library works with, and the gate to them.
 namespace zv {
 
-// Slot indices whose identifiers inizializza keeps.
+// Slot indices whose identifiers the full opener keeps.
 constexpr std::size_t CACHED_SLOTS = 8;
 // Above any number of slots that a machine has; a larger count is a module's error.
 constexpr CK_ULONG MOST_SLOTS = 1024;

@@ -76,7 +76,7 @@ std::optional<CertificateRecord> parse_record(std::string_view text, Kind kind, 
     const std::size_t names_end = *dates - 3;
     const std::size_t id = *dates + 2;
     const std::size_t end = fields.size() - (marked ? 1 : 0);
-    const std::size_t behind_id = kind_row(kind).notice ? 3 : 2; // notice, key identifier, fiscal code
+    const std::size_t behind_id = kind_row(kind).notice ? 3 : 2; // notice, key identifier, tax code
     if (end < id + 1 + behind_id) return std::nullopt;
 
     const std::size_t issuer = place_of_issuer(fields, names_end);

@@ -29,7 +29,7 @@ struct OldCertificate {
 
 // What an installation is going to do to the card; made before anything is done.
 struct InstallPlan {
-    Bytes certificate; // DER of the one to store
+    Bytes certificate; // DER of the one to install
     std::string pair;  // identifier of the pair it belongs to
     Kind kind = Kind::signature;
     std::optional<OldCertificate> old;

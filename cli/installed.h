@@ -9,7 +9,7 @@
 
 namespace cli {
 
-// A certificate that was stored and proved.
+// A certificate that was installed and proved.
 struct Installed {
     CardFacts card;
     InstallPlan plan;

@@ -19,14 +19,14 @@ struct PairState {
 };
 
 struct CardState {
-    ByKind<PairState> pairs; // of a services card's own one the flag alone, by its mark
+    ByKind<PairState> pairs; // of a services card's own one the flag alone, by its marker
     char expiry[9] = {};     // of a services card, unless empty
 };
 
 // The first pair that waits, and a free identifier for each kind that has a certificate and no such pair.
 [[nodiscard]] int read_card_state(CardState& state);
 
-// The same of a services card, with its mark and expiry date; sets the key-size flags.
+// The same of a services card, with its marker and expiry date; sets the key-size flags.
 [[nodiscard]] int read_services_card_state(CardState& state);
 
 // The first pair that waits of each kind, else a free identifier, whatever the card holds; sets the key-size flags.
