@@ -30,8 +30,10 @@
 
 /** Of a user PIN. */
 #define ZV_PIN_MAX 31
-/** Of an identifier that a reading gives, and of a pending one that survives it. */
+/** Of an identifier that a reading gives. */
 #define ZV_ID_MAX 31
+/** Of a pending identifier that survives a reading. */
+#define ZV_PENDING_LABEL_MAX ZV_ID_MAX
 /** Of a reader's name. */
 #define ZV_READER_MAX 127
 /** Of a slot's description, that are compared with a reader's name. */
@@ -65,8 +67,6 @@
 #define ZV_LABEL_SIZE 256
 /** Characters of the buffer for a request. */
 #define ZV_REQUEST_SIZE 16384
-/** Characters of a pending identifier that survive a reading. */
-#define ZV_PENDING_LABEL_MAX ZV_ID_MAX
 
 /* ---- Files that a request passes through; a folder or another user's file of the name stops it ---- */
 
