@@ -172,7 +172,7 @@ void trace_summary(const Reading& reading) {
 }
 
 int read(UnderWay& reading, char* reader, char* pin) {
-    if (reader != nullptr && std::string_view(reader).find(".dll") != std::string_view::npos) {
+    if (reader != nullptr && std::string_view(reader).find(ZV_MODULE_PATH_MARK) != std::string_view::npos) {
         copy_text(Libreria, reader);
         isCNS = true;
         clear_expiry();

@@ -15,9 +15,6 @@
 namespace cli {
 namespace {
 
-// A reader name with this in it is taken by the library as the path of a module.
-constexpr const char* MODULE_PATH_MARK = ".dll";
-
 Reader look_at(const std::string& name) {
     Reader reader;
     reader.name = name;
@@ -163,7 +160,7 @@ Place find_place(const ReaderOptions& options) {
     const Reader& reader =
         options.reader.empty() ? the_only_one(readers) : the_one_named(readers, options.reader);
     require_known_card(reader);
-    if (contains(reader.name, MODULE_PATH_MARK))
+    if (contains(reader.name, ZV_MODULE_PATH_MARK))
         throw Stop(Exit::refused, fmt::format("The reader name \"{}\" cannot be used.", reader.name));
     const auto folder = folder_of_module(reader.module, options.module_dir);
     // The last reader looked at need not be this one, and the library asks the crypto library again anyway.

@@ -15,6 +15,8 @@ namespace {
 
 // Stands in the buffer for a text that it cannot hold: no part of such a text may pass for the whole.
 constexpr std::string_view TOO_LONG_MARK = "(oltre 8191 caratteri)";
+static_assert(ZVC_CERT_TEXT_MAX == 8191 && ZVC_CARD_NAME_SIZE == 512 && ZVC_CARD_SERIAL_SIZE == 256,
+              "the texts here say these limits");
 
 std::string_view bounded_text(const char* text) {
     const std::string_view bounded(text, ::strnlen(text, ZVC_CERT_TEXT_SIZE));

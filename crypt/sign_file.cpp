@@ -3,6 +3,7 @@
 #include "crypt/cms.h"
 #include "crypt/files.h"
 #include "crypt/signer.h"
+#include "zvConstants.h"
 
 #include <functional>
 
@@ -10,7 +11,7 @@ namespace zvcrypt {
 namespace {
 
 // What the renewal request has room for.
-constexpr std::size_t LONGEST_BASE64 = 16383;
+constexpr std::size_t LONGEST_BASE64 = ZV_REQUEST_SIZE - 1;
 
 constexpr std::size_t CONTENT_PIECE = 65536;
 

@@ -50,6 +50,8 @@
 #define ZV_LAST_SLOT 9
 /** Bits of the keys that are generated, and of the largest that a certificate is stored for. */
 #define ZV_KEY_BITS 2048
+/** What a text given for a reader contains when it is the path of a PKCS#11 module. */
+#define ZV_MODULE_PATH_MARK ".dll"
 
 /* ---- Buffers that a host gives: characters, terminator included ---- */
 
