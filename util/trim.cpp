@@ -1,4 +1,4 @@
-// Letter case, blanks and separators, changed in place.
+#include "util/trim.h"
 
 #include <cctype>
 #include <cstring>

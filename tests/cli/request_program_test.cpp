@@ -192,7 +192,7 @@ TEST_F(RequestProgramTest, WorksOnACardAlone) {
     for (const char* second : {"request authentication --force", "install certificate --remove-old"}) {
         const Outcome outcome = shell(
             "({ " +
-            command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:4000000") +
+            command("request signature --new-pair --out other" + pin, "C_GenerateKeyPair:1:delay:3000000") +
             " 2>first & }; timeout 20 sh -c '" + busy + "'; " + command(second + pin) +
             "; code=$?; wait; rm other; exit $code)");
         EXPECT_EQ(outcome.code, 2) << second << outcome.err;
