@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/outcome.h"
 #include "cli/pin_gate.h"
+#include "cli/report.h"
 
 #include <functional>
 

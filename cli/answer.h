@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/outcome.h"
+#include "cli/report.h"
 
 namespace cli {
 

@@ -1,6 +1,7 @@
 #include "cli/card_json.h"
 
 #include <fmt/chrono.h>
+#include <nlohmann/json.hpp>
 
 namespace cli {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/options.h"
-#include "cli/outcome.h"
+#include "cli/report.h"
 
 namespace cli {
 

@@ -6,6 +6,7 @@
 #include "zvRenew.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,8 @@
 #include "cli/card_json.h"
 #include "cli/card_list.h"
 
+#include <nlohmann/json.hpp>
+
 namespace cli {
 namespace {
 

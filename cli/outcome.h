@@ -1,13 +1,11 @@
 #pragma once
 
 #include "cli/card_facts.h"
-#include "cli/json.h"
 #include "cli/on_card.h"
 #include "exit_codes.h"
 
 #include <ctime>
 #include <exception>
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -27,19 +25,6 @@ struct Advice {
     std::string key; // never changes its meaning; docs/json.md lists all
     std::string text;
     Values values = {};
-};
-
-struct Stop;
-
-// What a command has to say when it reached its aim.
-struct Report {
-    Exit exit = Exit::done;
-    std::string text; // for a person, without a final line feed
-    Json json = Json::object();
-    std::vector<Advice> advice;        // what can be done next
-    bool logged = false;               // whether the log tells more
-    std::string payload;               // what the command made, when it goes to no file
-    std::function<void(Stop&)> unsaid; // says what is on the card in a Stop, should nobody get the report
 };
 
 // What a request finds when its certificate is not due.

@@ -6,6 +6,7 @@
 #include "cli/place.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "cli/json.h"
+#include "cli/outcome.h"
+
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// What a command has to say when it reached its aim.
+struct Report {
+    Exit exit = Exit::done;
+    std::string text; // for a person, without a final line feed
+    Json json = Json::object();
+    std::vector<Advice> advice;        // what can be done next
+    bool logged = false;               // whether the log tells more
+    std::string payload;               // what the command made, when it goes to no file
+    std::function<void(Stop&)> unsaid; // says what is on the card in a Stop, should nobody get the report
+};
+
+} // namespace cli
