@@ -16,7 +16,7 @@ constexpr std::size_t MOST_TEXT = sizeof zv::newstring - 1;
 void load_line(datiDN& name, std::string_view line, std::size_t& org_units) {
     for (const zv::NameAttribute attribute : zv::forms::HOST_LINE) {
         std::string_view value;
-        if (!zv::value_behind(line, zv::nameAttribute(attribute).oid, value)) continue;
+        if (!zv::value_behind(line, zv::name_attribute(attribute).oid, value)) continue;
         zv::NamePlace place = attribute;
         if (attribute == zv::NameAttribute::orgUnit) {
             if (org_units == ZV_ORG_UNITS) return;
@@ -82,7 +82,7 @@ template <typename Text> Text replaced(std::string_view rest, std::string_view f
 datiDN zv::whole_name(std::string_view dn) {
     std::string text(dn);
     for (const auto& [from, place] : zv::forms::HOST_NAMES)
-        text = replaced<WholeText>(text, from, nameAttribute(place.attribute).oid).get();
+        text = replaced<WholeText>(text, from, name_attribute(place.attribute).oid).get();
     for (const std::string_view start : zv::forms::HOST_LINE_STARTS)
         text = replaced<WholeText>(text, start, std::string("\n").append(start)).get();
     datiDN name{};
@@ -111,7 +111,7 @@ void zv::take_subject(std::span<char> dn) {
         copy_text(dn.data(), dn.size(), newstring);
     };
     for (const auto& [from, place] : forms::HOST_NAMES)
-        replace_in(from, nameAttribute(place.attribute).oid);
+        replace_in(from, name_attribute(place.attribute).oid);
     for (const std::string_view start : forms::HOST_LINE_STARTS)
         replace_in(start, std::string("\n").append(start));
     clear_subject();

@@ -20,7 +20,7 @@ bool has_short_name(std::string_view text) {
     const std::string terminated(text);
     return std::any_of(
         std::begin(zv::forms::CARD), std::end(zv::forms::CARD), [&](zv::NameAttribute attribute) {
-            return strstrICase(terminated.c_str(), zv::nameAttribute(attribute).slash) != nullptr;
+            return strstrICase(terminated.c_str(), zv::name_attribute(attribute).slash) != nullptr;
         });
 }
 

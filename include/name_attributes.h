@@ -40,12 +40,12 @@ enum class NameString : unsigned char { utf8 = 0x0C, printable = 0x13, ia5 = 0x1
 constexpr std::size_t NAME_VALUE_MAX = 127;
 
 /** Width of one value of an attribute, terminator included. */
-template <std::size_t Width> constexpr std::size_t nameWidth(char (datiDN::*)[Width]) {
+template <std::size_t Width> constexpr std::size_t name_width(char (datiDN::*)[Width]) {
     return Width;
 }
 
 template <std::size_t Count, std::size_t Width>
-constexpr std::size_t nameWidth(char (datiDN::*)[Count][Width]) {
+constexpr std::size_t name_width(char (datiDN::*)[Count][Width]) {
     return Width;
 }
 
@@ -55,16 +55,16 @@ struct NameAttributeRow {
     std::size_t offset; ///< of its first value in datiDN; others follow
     std::size_t width;  ///< of each value there, terminator included
     NameString type;
-    const char* slash;          ///< its short name in a name in slash form: "/C="
-    const char* oid;            ///< its numeric OID (X.520, PKCS#9) in front of a value: "2.5.4.6="
-    unsigned char derBytes[11]; ///< the OID in DER, zeros behind it
+    const char* slash;           ///< its short name in a name in slash form: "/C="
+    const char* oid;             ///< its numeric OID (X.520, PKCS#9) in front of a value: "2.5.4.6="
+    unsigned char der_bytes[11]; ///< the OID in DER, zeros behind it
 
     [[nodiscard]] constexpr std::string_view name() const {
         const std::string_view framed = slash;
         return framed.substr(1, framed.size() - 2);
     }
     [[nodiscard]] constexpr std::span<const unsigned char> der() const {
-        return {derBytes, derBytes[1] + std::size_t{2}};
+        return {der_bytes, der_bytes[1] + std::size_t{2}};
     }
     /** Bytes of a value that a request carries. */
     [[nodiscard]] constexpr std::size_t longest() const { return std::min(width - 1, NAME_VALUE_MAX); }
@@ -72,7 +72,7 @@ struct NameAttributeRow {
 
 #define ZV_NAME_ROW(field, type, name, oid, ...)                                                             \
     NameAttributeRow {                                                                                       \
-        NameAttribute::field, offsetof(datiDN, field), nameWidth(&datiDN::field), NameString::type,          \
+        NameAttribute::field, offsetof(datiDN, field), name_width(&datiDN::field), NameString::type,         \
             "/" name "=", oid "=", {                                                                         \
             __VA_ARGS__                                                                                      \
         }                                                                                                    \
@@ -101,12 +101,12 @@ inline constexpr NameAttributeRow NAME_ATTRIBUTES[] = {
 #undef ZV_NAME_ROW
 #undef ZV_X520_ROW
 
-[[nodiscard]] constexpr const NameAttributeRow& nameAttribute(NameAttribute id) {
+[[nodiscard]] constexpr const NameAttributeRow& name_attribute(NameAttribute id) {
     return NAME_ATTRIBUTES[static_cast<std::size_t>(id)];
 }
 
 static_assert(std::all_of(std::begin(NAME_ATTRIBUTES), std::end(NAME_ATTRIBUTES),
-                          [](const NameAttributeRow& row) { return &nameAttribute(row.id) == &row; }));
+                          [](const NameAttributeRow& row) { return &name_attribute(row.id) == &row; }));
 
 } // namespace zv
 

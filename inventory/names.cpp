@@ -10,14 +10,14 @@ namespace zv {
 namespace {
 
 constexpr std::size_t MOST_COMMON_NAME = 62;
-constexpr const NameAttributeRow& common_name_row = nameAttribute(NameAttribute::commonName);
+constexpr const NameAttributeRow& common_name_row = name_attribute(NameAttribute::commonName);
 
 } // namespace
 
 void rewrite_name(char* name, std::size_t size) {
     char scratch[NAME_SIZE];
     for (const NameAttribute attribute : forms::CARD) {
-        const NameAttributeRow& row = nameAttribute(attribute);
+        const NameAttributeRow& row = name_attribute(attribute);
         while (replace_first(name, size, row.slash, row.oid, scratch)) {
         }
     }

@@ -19,7 +19,7 @@ der::Bytes build_name(const datiDN& subject, SubjectTable table) {
     der::Bytes rdns;
     std::size_t count = 0;
     for (const NamePlace& place : table) {
-        const NameAttributeRow& row = nameAttribute(place.attribute);
+        const NameAttributeRow& row = name_attribute(place.attribute);
         const std::string_view value = cut_at_character(name_text(subject, place), row.longest());
         if (value.empty()) continue;
         rdns = der::joined({rdns, rdn(row, value)});

@@ -20,11 +20,11 @@ namespace forms {
 using enum NameAttribute;
 
 constexpr NameSpelling slash(NameAttribute attribute) {
-    return {nameAttribute(attribute).slash, attribute};
+    return {name_attribute(attribute).slash, attribute};
 }
 
 constexpr std::string_view oid(NameAttribute attribute) {
-    return nameAttribute(attribute).oid;
+    return name_attribute(attribute).oid;
 }
 
 constexpr std::string_view bare_oid(NameAttribute attribute) {

@@ -17,10 +17,10 @@ struct NamePlace {
     constexpr NamePlace() = default;
     constexpr NamePlace(NameAttribute only, std::size_t which = 0) : attribute(only), unit(which) {}
 
-    [[nodiscard]] constexpr std::size_t width() const { return nameAttribute(attribute).width; }
+    [[nodiscard]] constexpr std::size_t width() const { return name_attribute(attribute).width; }
     // Where in datiDN the value begins.
     [[nodiscard]] constexpr std::size_t offset() const {
-        return nameAttribute(attribute).offset + unit * width();
+        return name_attribute(attribute).offset + unit * width();
     }
 };
 
