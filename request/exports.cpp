@@ -9,10 +9,6 @@
 
 namespace {
 
-template <typename Make> ADATA* made(Make make) {
-    return zv::guarded(static_cast<ADATA*>(nullptr), make);
-}
-
 template <typename Work> unsigned short worked(Work work) {
     return zv::guarded(static_cast<unsigned short>(ZV_FAILED), work);
 }
@@ -20,21 +16,21 @@ template <typename Work> unsigned short worked(Work work) {
 } // namespace
 
 ADATA* CreateADATA(unsigned char* src, unsigned long size, unsigned long copy_length) {
-    return made([=] { return zv::create_piece(src, size, copy_length); });
+    return zv::create_piece(src, size, copy_length);
 }
 
 ADATA* ConcatenateADATA(ADATA* first, ADATA* second) {
-    return made([=] { return zv::join_pieces(first, second); });
+    return zv::join_pieces(first, second);
 }
 
 ADATA* ConstructADATA(unsigned char tag, ADATA* first, va_list list) {
-    return made([&] { return zv::wrap_pieces(tag, first, list); });
+    return zv::wrap_pieces(tag, first, list);
 }
 
 ADATA* var_tlv(unsigned char tag, ADATA* first, ...) {
     va_list list;
     va_start(list, first);
-    ADATA* piece = made([&] { return zv::wrap_pieces(tag, first, list); });
+    ADATA* piece = zv::wrap_pieces(tag, first, list);
     va_end(list);
     return piece;
 }
@@ -42,7 +38,7 @@ ADATA* var_tlv(unsigned char tag, ADATA* first, ...) {
 ADATA* SET(ADATA* first, ...) {
     va_list list;
     va_start(list, first);
-    ADATA* piece = made([&] { return zv::wrap_pieces(zv::der::TAG_SET, first, list); });
+    ADATA* piece = zv::wrap_pieces(zv::der::TAG_SET, first, list);
     va_end(list);
     return piece;
 }
@@ -50,13 +46,13 @@ ADATA* SET(ADATA* first, ...) {
 ADATA* SEQUENCE(ADATA* first, ...) {
     va_list list;
     va_start(list, first);
-    ADATA* piece = made([&] { return zv::wrap_pieces(zv::der::TAG_SEQUENCE, first, list); });
+    ADATA* piece = zv::wrap_pieces(zv::der::TAG_SEQUENCE, first, list);
     va_end(list);
     return piece;
 }
 
 ADATA* _INTEGER(unsigned char* bytes, unsigned long length) {
-    return made([=] { return zv::integer_piece(bytes, length); });
+    return zv::integer_piece(bytes, length);
 }
 
 unsigned short SignIt(void*, unsigned char* data, unsigned long data_length, unsigned char* signature,

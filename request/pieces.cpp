@@ -1,13 +1,17 @@
 #include "request/pieces.h"
 
 #include "request/der.h"
+#include "util/guarded.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace zv {
 
 namespace {
+
+constexpr ADATA* NO_PIECE = nullptr;
 
 der::View view_of(const ADATA* piece) {
     return piece != nullptr ? der::View(piece->data, piece->length) : der::View();
@@ -31,20 +35,27 @@ ADATA* piece_of(const der::Bytes& bytes) {
     return piece;
 }
 
-der::Bytes padded_bytes(const unsigned char* bytes, unsigned long size, unsigned long copy_length) {
-    der::Bytes copy(size);
-    if (bytes != nullptr) std::copy_n(bytes, std::min(copy_length, size), copy.begin());
-    return copy;
+// next gives the pieces behind the first, the last of them null.
+template <typename Next> ADATA* wrap(unsigned char tag, ADATA* first, Next next) {
+    ADATA* content = first != nullptr ? join_pieces(nullptr, first) : nullptr;
+    for (ADATA* piece = first; piece != nullptr;)
+        if ((piece = next()) != nullptr) content = join_pieces(content, piece);
+    ADATA* header = guarded(NO_PIECE, [=] { return piece_of(der::header(tag, view_of(content).size())); });
+    return join_pieces(header, content);
 }
 
 } // namespace
 
 ADATA* create_piece(const unsigned char* bytes, unsigned long size, unsigned long copy_length) {
-    return piece_of(padded_bytes(bytes, size, copy_length));
+    return guarded(NO_PIECE, [=] {
+        der::Bytes copy(size);
+        if (bytes != nullptr) std::copy_n(bytes, std::min(copy_length, size), copy.begin());
+        return piece_of(copy);
+    });
 }
 
 ADATA* join_pieces(ADATA* first, ADATA* second) {
-    ADATA* both = piece_of(der::joined({view_of(first), view_of(second)}));
+    ADATA* both = guarded(NO_PIECE, [=] { return piece_of(der::joined({view_of(first), view_of(second)})); });
     if (both == nullptr) return nullptr;
     release(first);
     release(second);
@@ -52,22 +63,16 @@ ADATA* join_pieces(ADATA* first, ADATA* second) {
 }
 
 ADATA* wrap_pieces(unsigned char tag, ADATA* first, va_list list) {
-    std::vector<ADATA*> pieces;
-    der::Bytes content;
-    for (ADATA* next = first; next != nullptr; next = va_arg(list, ADATA*)) {
-        content = der::joined({content, view_of(next)});
-        pieces.push_back(next);
-    }
-    ADATA* whole = piece_of(der::tlv(tag, {content}));
-    if (whole != nullptr) std::ranges::for_each(pieces, release);
-    return whole;
+    return wrap(tag, first, [&] { return va_arg(list, ADATA*); });
 }
 
 ADATA* integer_piece(const unsigned char* bytes, unsigned long length) {
     // The first byte is looked at whatever the length; a zero in front of it keeps the value positive.
     const bool looks_negative = bytes != nullptr && (bytes[0] & 0x80) != 0;
-    const der::Bytes zero(looks_negative ? 1 : 0);
-    return piece_of(der::tlv(der::TAG_INTEGER, {zero, padded_bytes(bytes, length, length)}));
+    ADATA* number = create_piece(bytes, length, length);
+    if (!looks_negative) return wrap(der::TAG_INTEGER, number, [] { return NO_PIECE; });
+    return wrap(der::TAG_INTEGER, create_piece(nullptr, 1, 0),
+                [number]() mutable { return std::exchange(number, NO_PIECE); });
 }
 
 } // namespace zv

@@ -4,8 +4,8 @@
 
 #include <cstdarg>
 
-// The DER pieces of the interface: records from the C heap around what request/der.h encodes. Without
-// memory these throw or give null, and release nothing.
+// The DER pieces of the interface: records from the C heap around what request/der.h encodes. Without memory a piece
+// is null, and a null piece ends the list in which it stands.
 namespace zv {
 
 [[nodiscard]] ADATA* create_piece(const unsigned char* bytes, unsigned long size, unsigned long copy_length);

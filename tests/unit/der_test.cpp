@@ -57,6 +57,8 @@ TEST(Der, IntegersStayPositiveAndKeepLeadingZeros) {
     EXPECT_EQ(taken(_INTEGER(high, 1)), (Bytes{0x02, 0x02, 0x00, 0x80}));
     EXPECT_EQ(taken(_INTEGER(led, 2)), (Bytes{0x02, 0x02, 0x00, 0x7F}));
     EXPECT_EQ(taken(_INTEGER(high, 0)), (Bytes{0x02, 0x01, 0x00}));
+    EXPECT_EQ(taken(_INTEGER(small, ~0UL)), (Bytes{0x02, 0x00})) << "no memory for the number";
+    EXPECT_EQ(taken(_INTEGER(high, ~0UL)), (Bytes{0x02, 0x01, 0x00}));
 }
 
 TEST(Der, PiecesArePaddedAndJoined) {
