@@ -15,6 +15,12 @@ class StatusProgramTest : public ProgramTest {
         return outcome;
     }
     nlohmann::json status_json() { return nlohmann::json::parse(status("--json").out); }
+    // A day may end between two of them.
+    static nlohmann::json without_days_left(nlohmann::json certificates) {
+        for (auto& certificate : certificates)
+            EXPECT_EQ(certificate.erase("days_left"), 1U);
+        return certificates;
+    }
     void make_other_card(int days, const char* profile = "signature") {
         ASSERT_EQ(tool("remove card").code, 0);
         make_card(days, profile);
@@ -30,7 +36,9 @@ TEST_F(StatusProgramTest, TellsByItsCodeWhereARenewalStands) {
     const Outcome due = status();
     EXPECT_EQ(due.code, 10) << due.err;
     EXPECT_TRUE(due.says("zvrenew request signature --out FILE\n")) << due.out;
-    EXPECT_EQ(status_json()["certificates"], json("list")["certificates"]) << "the authority's is in neither";
+    EXPECT_EQ(without_days_left(status_json()["certificates"]),
+              without_days_left(json("list")["certificates"]))
+        << "the authority's is in neither";
 
     ASSERT_EQ(with_pin("request signature --out s").code, 0);
     const auto waiting = status_json();
