@@ -73,4 +73,8 @@ ossl::Certificate Authority::issue(const X509_NAME& subject, EVP_PKEY& subject_k
     return build_certificate({subject, subject_key, kind, validity, certificate_.get(), *key_});
 }
 
+ossl::Certificate Authority::issue_like(X509& other, EVP_PKEY& subject_key) const {
+    return copy_certificate(other, subject_key, *certificate_, *key_);
+}
+
 } // namespace simcard

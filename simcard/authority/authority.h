@@ -43,6 +43,10 @@ class Authority {
     [[nodiscard]] ossl::Certificate issue(const X509_NAME& subject, EVP_PKEY& subject_key,
                                           const CertificateKind& kind, Validity validity) const;
 
+    // Issues a certificate that is like another authority's: its subject, dates, serial number and extensions, as far
+    // as they do not tell of keys.
+    [[nodiscard]] ossl::Certificate issue_like(X509& other, EVP_PKEY& subject_key) const;
+
   private:
     Authority(ossl::Key key, ossl::Certificate certificate);
 

@@ -11,6 +11,8 @@ namespace {
 // 16 bytes. Every other one has its top bit set, and so begins with a byte of zero in the certificate.
 constexpr int SERIAL_BITS = 128;
 
+using Extension = ossl::Owner<X509_EXTENSION, X509_EXTENSION_free>;
+
 void need(int result, const char* step) {
     if (result != 1) fail_with_openssl_reason(step);
 }
@@ -39,6 +41,27 @@ void add_extensions(X509& certificate, X509& issuer, const char* text) {
          "Adding the extensions");
 }
 
+void replace_extension(X509& certificate, X509& issuer, int nid, const char* value) {
+    const int place = X509_get_ext_by_NID(&certificate, nid, -1);
+    if (place < 0) return;
+    X509_EXTENSION_free(X509_delete_ext(&certificate, place));
+    X509V3_CTX context{};
+    X509V3_set_ctx(&context, &issuer, &certificate, nullptr, nullptr, 0);
+    const Extension extension = ossl::made(Extension(X509V3_EXT_conf_nid(nullptr, &context, nid, value)));
+    need(X509_add_ext(&certificate, extension.get(), place), "Replacing an extension");
+}
+
+void make_unknown_extensions_harmless(X509& certificate) {
+    for (int place = 0; place < X509_get_ext_count(&certificate); ++place)
+        if (X509_EXTENSION* extension = X509_get_ext(&certificate, place);
+            X509_supported_extension(extension) == 0)
+            need(X509_EXTENSION_set_critical(extension, 0), "Changing an extension");
+}
+
+void sign(X509& certificate, EVP_PKEY& key) {
+    if (X509_sign(&certificate, &key, EVP_sha256()) == 0) fail_with_openssl_reason("Signing the certificate");
+}
+
 } // namespace
 
 ossl::Certificate build_certificate(const CertificatePlan& plan) {
@@ -51,8 +74,19 @@ ossl::Certificate build_certificate(const CertificatePlan& plan) {
     set_validity(*certificate, plan.validity);
     need(X509_set_pubkey(certificate.get(), &plan.subject_key), "Setting the key");
     add_extensions(*certificate, issuer, plan.kind.extensions);
-    if (X509_sign(certificate.get(), &plan.signing_key, EVP_sha256()) == 0)
-        fail_with_openssl_reason("Signing the certificate");
+    sign(*certificate, plan.signing_key);
+    return certificate;
+}
+
+ossl::Certificate copy_certificate(X509& original, EVP_PKEY& subject_key, X509& issuer,
+                                   EVP_PKEY& signing_key) {
+    ossl::Certificate certificate = ossl::made(ossl::Certificate(X509_dup(&original)));
+    need(X509_set_issuer_name(certificate.get(), X509_get_subject_name(&issuer)), "Setting the issuer");
+    need(X509_set_pubkey(certificate.get(), &subject_key), "Setting the key");
+    replace_extension(*certificate, issuer, NID_subject_key_identifier, "hash");
+    replace_extension(*certificate, issuer, NID_authority_key_identifier, "keyid:always");
+    make_unknown_extensions_harmless(*certificate);
+    sign(*certificate, signing_key);
     return certificate;
 }
 

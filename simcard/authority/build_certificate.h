@@ -17,4 +17,9 @@ struct CertificatePlan {
 // Builds and signs the certificate. @throws Failure with OpenSSL's reason.
 [[nodiscard]] ossl::Certificate build_certificate(const CertificatePlan& plan);
 
+// Builds a certificate that says what another one says, for another key and by another issuer. An extension that OpenSSL
+// does not know is no longer critical. @throws Failure with OpenSSL's reason.
+[[nodiscard]] ossl::Certificate copy_certificate(X509& original, EVP_PKEY& subject_key, X509& issuer,
+                                                 EVP_PKEY& signing_key);
+
 } // namespace simcard

@@ -43,10 +43,10 @@ KeySource KeySource::from_file(const std::filesystem::path& path) {
     return keys;
 }
 
-ossl::Key KeySource::next() {
+ossl::Key KeySource::next(unsigned bits) {
     ossl::Key key;
-    if (ready_.empty()) {
-        key.reset(EVP_RSA_gen(KEY_BITS));
+    if (ready_.empty() || bits != KEY_BITS) {
+        key.reset(EVP_RSA_gen(bits));
         if (!key) fail_with_openssl_reason("Making a key pair");
     } else {
         key = std::move(ready_.front());

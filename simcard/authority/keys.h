@@ -10,7 +10,7 @@ namespace simcard {
 constexpr unsigned KEY_BITS = 2048;
 
 // Where the key pairs of cards and authorities come from: those made ready, in their order, then new ones
-// (RSA of `key_bits`, exponent 65537). Making one takes a while, so tests bring theirs.
+// (RSA, exponent 65537). Making one takes a while, so tests bring theirs.
 class KeySource {
   public:
     KeySource() = default;
@@ -20,8 +20,9 @@ class KeySource {
     // @throws Refusal when the file cannot be read, or holds something else than RSA keys of `key_bits`.
     [[nodiscard]] static KeySource from_file(const std::filesystem::path& path);
 
-    // The next key pair. @throws Failure when it cannot be made.
-    [[nodiscard]] ossl::Key next();
+    // The next key pair; one of another size than those made ready is a new one. @throws Failure when it cannot be
+    // made.
+    [[nodiscard]] ossl::Key next(unsigned bits = KEY_BITS);
 
   private:
     std::deque<ossl::Key> ready_;

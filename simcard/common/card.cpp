@@ -17,11 +17,12 @@ struct TextField {
     std::size_t limit;
 };
 using NumberField = unsigned long Card::*;
+using OptionalNumberField = std::optional<unsigned long> Card::*;
 using FlagField = bool Card::*;
 
 struct Field {
     const char* key;
-    std::variant<TextField, NumberField, FlagField> member;
+    std::variant<TextField, NumberField, OptionalNumberField, FlagField> member;
 };
 
 constexpr std::size_t UNBOUNDED = 1000;
@@ -39,6 +40,7 @@ const Field FIELDS[] = {
     {"insertions", &Card::insertions},
     {"latency_us", &Card::latency_us},
     {"capacity", &Card::capacity},
+    {"memory_left", &Card::memory_left},
     {"pin_each_signature", TextField{&Card::pin_each_signature, UNBOUNDED}},
     {"signature_pin", TextField{&Card::signature_pin, UNBOUNDED}},
 };
@@ -63,20 +65,29 @@ struct Access {
             refuse(key, "is longer than " + std::to_string(field.limit) + " bytes");
         card.*field.member = value;
     }
-    void put(NumberField field, std::string_view value) const {
-        const char* end = value.data() + value.size();
-        const auto [rest, error] = std::from_chars(value.data(), end, card.*field);
-        if (error != std::errc{} || rest != end) refuse(key, "is not a number");
+    void put(NumberField field, std::string_view value) const { card.*field = number(value); }
+    void put(OptionalNumberField field, std::string_view value) const {
+        card.*field = value.empty() ? std::optional<unsigned long>() : number(value);
     }
     void put(FlagField field, std::string_view value) const {
         if (value != "yes" && value != "no") refuse(key, "is neither yes nor no");
         card.*field = value == "yes";
+    }
+
+    [[nodiscard]] unsigned long number(std::string_view value) const {
+        unsigned long read = 0;
+        const char* end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, read);
+        if (error != std::errc{} || rest != end) refuse(key, "is not a number");
+        return read;
     }
 };
 
 std::string value_of(const Card& card, const Field& field) {
     if (const auto* text = std::get_if<TextField>(&field.member)) return card.*text->member;
     if (const auto* number = std::get_if<NumberField>(&field.member)) return std::to_string(card.**number);
+    if (const auto* number = std::get_if<OptionalNumberField>(&field.member))
+        return card.**number ? std::to_string(*(card.**number)) : "";
     return card.*std::get<FlagField>(field.member) ? "yes" : "no";
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +26,8 @@ struct Card {
     unsigned long insertions = 0; // grows each time the card is put in: what was open before is void
     unsigned long latency_us = 0; // how long the card takes for every call, in microseconds
     unsigned long capacity = 0;   // how many objects fit; 0 is no limit
+    // How many bytes of objects still fit; counted while it is given, no limit else.
+    std::optional<unsigned long> memory_left;
     // Private keys whose CKA_ID begins so want the PIN before each signature; empty for none.
     std::string pin_each_signature;
     std::string signature_pin; // what those keys want; empty for the user's PIN

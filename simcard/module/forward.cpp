@@ -1,14 +1,12 @@
 #include "simcard/module/forward.h"
 
 #include "simcard/common/object_order.h"
+#include "simcard/module/space.h"
 #include "simcard/module/state.h"
 
 #include <algorithm>
 #include <chrono>
-#include <system_error>
 #include <thread>
-
-namespace fs = std::filesystem;
 
 namespace simcard {
 namespace {
@@ -53,43 +51,6 @@ CK_RV exchange(Call& call, Target& target) {
     return CKR_OK;
 }
 
-bool makes_objects(const Call& call) {
-    const auto& parameters = call.parameters();
-    return call.function != Function::C_FindObjects &&
-           std::any_of(parameters.begin(), parameters.end(), [](const pkcs11::Parameter& parameter) {
-               return parameter.role == Role::new_objects;
-           });
-}
-
-// How many token objects the call asks for: a template each. A copy is one unless its template says no.
-CK_ULONG token_objects_asked(const Call& call) {
-    const auto& parameters = call.parameters();
-    const bool unsaid = call.function == Function::C_CopyObject;
-    CK_ULONG asked = 0;
-    for (std::size_t i = 0; i < parameters.size(); ++i)
-        if (parameters[i].role == Role::attributes) {
-            const auto* attributes = call.pointer<CK_ATTRIBUTE>(i);
-            asked += flag_in(attributes, call.arguments[i + 1], CKA_TOKEN).value_or(unsaid);
-        }
-    return asked;
-}
-
-// The objects on a card, also those that nobody has seen because nobody is logged in: a file each, beside
-// the token's own.
-CK_ULONG objects_on(const fs::path& folder) {
-    std::error_code error;
-    CK_ULONG found = 0;
-    for (const auto& entry : fs::directory_iterator(folder, error))
-        if (entry.path().extension() == ".object" && entry.path().stem() != "token") ++found;
-    return found;
-}
-
-bool has_room(const Card& card, const Call& call) {
-    if (card.capacity == 0) return true;
-    const CK_ULONG asked = token_objects_asked(call);
-    return asked == 0 || objects_on(card.folder) + asked <= card.capacity;
-}
-
 bool is_token_object(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object) {
     CK_BBOOL token = CK_FALSE;
     CK_ATTRIBUTE entry{CKA_TOKEN, &token, sizeof token};
@@ -103,10 +64,10 @@ bool logged_in(CK_SESSION_HANDLE session) {
 }
 
 // Whether a call is to change what the card holds. SoftHSM lets everybody change public objects, cards do not.
-bool changes_card(const Call& call, const Target& target) {
+bool changes_card(const Call& call, const Target& target, const Space& space) {
     if (call.function == Function::C_DestroyObject || call.function == Function::C_SetAttributeValue)
         return is_token_object(target.session, call.arguments[1]);
-    return makes_objects(call) && token_objects_asked(call) > 0;
+    return space.objects() > 0;
 }
 
 // Gives the objects that a call made handles of ours, and a place in the card's order.
@@ -126,6 +87,14 @@ void take_in_objects(const Call& call, const Target& target) {
 
 } // namespace
 
+bool makes_objects(const Call& call) {
+    const auto& parameters = call.parameters();
+    return call.function != Function::C_FindObjects &&
+           std::any_of(parameters.begin(), parameters.end(), [](const pkcs11::Parameter& parameter) {
+               return parameter.role == Role::new_objects;
+           });
+}
+
 std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count, CK_ATTRIBUTE_TYPE type) {
     if (!attributes) return std::nullopt;
     for (const CK_ATTRIBUTE* entry = attributes; entry != attributes + count; ++entry)
@@ -139,13 +108,16 @@ CK_RV forward(Call call) {
     Target target;
     const CK_RV reached = exchange(call, target);
     if (reached != CKR_OK) return reached;
-    if (changes_card(call, target) && !logged_in(target.session)) return CKR_USER_NOT_LOGGED_IN;
-    const bool makes = makes_objects(call);
-    if (makes && !has_room(target.slot->card(), call)) return CKR_DEVICE_MEMORY;
-    if (target.slot) std::this_thread::sleep_for(std::chrono::microseconds(target.slot->card().latency_us));
+    if (!target.slot) return call.invoke(*state().hsm->get(), call.arguments);
+    const Space space(target.slot->card(), call, target.session);
+    if (changes_card(call, target, space) && !logged_in(target.session)) return CKR_USER_NOT_LOGGED_IN;
+    if (!space.is_there()) return CKR_DEVICE_MEMORY;
+    std::this_thread::sleep_for(std::chrono::microseconds(target.slot->card().latency_us));
     const CK_RV result = call.invoke(*state().hsm->get(), call.arguments);
-    if (result == CKR_OK && makes) take_in_objects(call, target);
-    return result;
+    if (result != CKR_OK) return result;
+    if (makes_objects(call)) take_in_objects(call, target);
+    space.settle();
+    return CKR_OK;
 }
 
 } // namespace simcard

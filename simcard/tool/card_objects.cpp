@@ -58,8 +58,8 @@ template <class Object, class Encode> std::string der(Encode encode, Object* obj
 
 } // namespace
 
-Attributes public_key_object(const EVP_PKEY& key, std::string_view id) {
-    Attributes object = token_object(CKO_PUBLIC_KEY, false, id);
+Attributes public_key_object(const EVP_PKEY& key, std::string_view id, Label label) {
+    Attributes object = token_object(CKO_PUBLIC_KEY, false, label.value_or(id));
     object.add(CKA_ID, id)
         .add_number(CKA_KEY_TYPE, CKK_RSA)
         .add_flag(CKA_VERIFY, true)
@@ -68,8 +68,8 @@ Attributes public_key_object(const EVP_PKEY& key, std::string_view id) {
     return object;
 }
 
-Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool asks) {
-    Attributes object = token_object(CKO_PRIVATE_KEY, true, id);
+Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool asks, Label label) {
+    Attributes object = token_object(CKO_PRIVATE_KEY, true, label.value_or(id));
     object.add(CKA_ID, id)
         .add_number(CKA_KEY_TYPE, CKK_RSA)
         .add_flag(CKA_SENSITIVE, true)
@@ -81,8 +81,8 @@ Attributes private_key_object(const EVP_PKEY& key, std::string_view id, bool ask
     return object;
 }
 
-Attributes certificate_object(X509& certificate, std::string_view id) {
-    Attributes object = token_object(CKO_CERTIFICATE, false, id);
+Attributes certificate_object(X509& certificate, std::string_view id, Label label) {
+    Attributes object = token_object(CKO_CERTIFICATE, false, label.value_or(id));
     object.add(CKA_ID, id).add_number(CKA_CERTIFICATE_TYPE, CKC_X_509);
     object.add(CKA_VALUE, der(i2d_X509, &certificate));
     object.add(CKA_SUBJECT, der(i2d_X509_NAME, X509_get_subject_name(&certificate)));
@@ -91,8 +91,16 @@ Attributes certificate_object(X509& certificate, std::string_view id) {
     return object;
 }
 
-Attributes public_data_object(std::string_view label, std::string_view value) {
+Attributes broken_certificate_object(std::string_view bytes, std::string_view id, Label label) {
+    Attributes object = token_object(CKO_CERTIFICATE, false, label.value_or(id));
+    object.add(CKA_ID, id).add_number(CKA_CERTIFICATE_TYPE, CKC_X_509);
+    object.add(CKA_VALUE, bytes).add(CKA_SUBJECT, {});
+    return object;
+}
+
+Attributes public_data_object(std::string_view label, std::string_view value, std::string_view application) {
     Attributes object = token_object(CKO_DATA, false, label);
+    if (!application.empty()) object.add(CKA_APPLICATION, application);
     object.add(CKA_VALUE, value);
     return object;
 }

@@ -17,6 +17,9 @@ constexpr std::string_view IN_NAMES = ".-_";
 // Names of readers stand in lists and configuration files: no separator of theirs may be in one.
 constexpr std::string_view IN_READERS = " .-_()/+,:'";
 
+// Real cards' serial numbers have these.
+constexpr std::string_view IN_SERIALS = ".-_/:";
+
 constexpr int DAYS_PAST = -6 * 365; // three years of life before that are still within the authority's time
 
 bool consists_of_letters_and(std::string_view others, std::string_view text) {
@@ -70,7 +73,7 @@ CardPlan completed(CardPlan plan, const std::filesystem::path& home) {
     check_text("reader", plan.reader, ZV_DESCRIPTION_MAX, IN_READERS);
     if (plan.reader.front() == ' ' || plan.reader.back() == ' ')
         throw Refusal("A reader's name cannot start or end with a blank.");
-    check_text("serial number", plan.serial, 16, "");
+    check_text("serial number", plan.serial, 16, IN_SERIALS);
     if (const std::string& pin = plan.pin.text();
         pin.size() < 4 || pin.size() > ZV_PIN_MAX || pin.back() == ' ')
         throw Refusal("A PIN has 4 to " + std::to_string(ZV_PIN_MAX) +

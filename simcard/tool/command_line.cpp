@@ -24,21 +24,31 @@ void add_holder_options(CLI::App& command, Holder& holder) {
     command.add_option("--organisation", holder.organisation, "O of the subject")->capture_default_str();
 }
 
+// Name, reader and PIN.
+void add_card_options(CLI::App& command, CardPlan& plan) {
+    command.add_option("--name", plan.name, "Name of the card's folder")->capture_default_str();
+    command.add_option("--reader", plan.reader,
+                       "Reader that holds it (default: the first free \"Simulated Reader\")");
+    command.add_option("--pin", plan.pin.text(), "The user's PIN")->capture_default_str();
+}
+
+template <class Options> void add_making_options(CLI::App& command, Options& options) {
+    command.add_option("--keys", options.keys, "PEM file with ready-made RSA keys (default: new ones)");
+    command.add_option("--config", options.configuration, "Write the zvcrypt.conf of all cards to this file");
+}
+
 void add_create_command(CLI::App& program, const Home& home) {
     CLI::App& command = *program.add_subcommand("create", "Makes a card and puts it into a reader");
     const auto options = std::make_shared<CreateOptions>();
     CardPlan& plan = options->plan;
     plan.name = "card";
-    command.add_option("--name", plan.name, "Name of the card's folder")->capture_default_str();
+    add_card_options(command, plan);
     command
         .add_option("--profile", options->profile,
                     "signature, signature-pin (its keys want the PIN before each signature), cns, or "
                     "cns-signature (cns with a signature pair)")
         ->capture_default_str();
-    command.add_option("--reader", plan.reader,
-                       "Reader that holds it (default: the first free \"Simulated Reader\")");
     command.add_option("--serial", plan.serial, "Serial number (default: a random one)");
-    command.add_option("--pin", plan.pin.text(), "The user's PIN")->capture_default_str();
     command.add_option("--days", plan.signature_days, "Days until the signature certificate ends")
         ->capture_default_str();
     command
@@ -47,10 +57,23 @@ void add_create_command(CLI::App& program, const Home& home) {
     command.add_option("--cns-days", plan.cns_days, "Days until a services card's own certificate ends")
         ->capture_default_str();
     add_holder_options(command, plan.holder);
-    command.add_option("--keys", options->keys, "PEM file with ready-made RSA keys (default: new ones)");
-    command.add_option("--config", options->configuration,
-                       "Write the zvcrypt.conf of all cards to this file");
+    command.add_option("--memory", plan.memory_left, "Bytes that still fit (default: no limit)");
+    add_making_options(command, *options);
     command.callback([options, &home] { create(*options, home.path()); });
+}
+
+void add_twin_command(CLI::App& program, const Home& home) {
+    CLI::App& command = *program.add_subcommand(
+        "twin", "Makes a card like another one, as far as that shows without its PIN");
+    const auto options = std::make_shared<TwinOptions>();
+    command.add_option("description", options->description, "JSON file that says what the other one shows")
+        ->required();
+    options->plan.name = "twin";
+    add_card_options(command, options->plan);
+    add_making_options(command, *options);
+    command.add_option("--module", options->module,
+                       "Name of the module in that file, where it is a copy of the simulated card's");
+    command.callback([options, &home] { twin(*options, home.path()); });
 }
 
 void add_list_command(CLI::App& program, const Home& home) {
@@ -109,6 +132,7 @@ zv::ExitCode run_command_line(int argc, char** argv) {
     program.require_subcommand(1);
     program.fallthrough();
     add_create_command(program, home);
+    add_twin_command(program, home);
     add_list_command(program, home);
     add_card_command(program, home, "reset", "Puts a card's objects and PIN back as they were made", reset);
     add_card_command(program, home, "remove", "Deletes a card", remove);

@@ -26,6 +26,16 @@ struct CreateOptions {
 };
 void create(CreateOptions& options, const std::filesystem::path& home);
 
+struct TwinOptions {
+    CardPlan plan;
+    std::string description;
+    std::string keys;
+    std::string configuration;
+    std::string module;
+};
+// Makes a card like the one that a file describes: see twin_description.h.
+void twin(TwinOptions& options, const std::filesystem::path& home);
+
 struct ListOptions {
     std::string card; // empty: every card
     Secret pin;

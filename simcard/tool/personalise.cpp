@@ -37,7 +37,8 @@ Card settings(const CardPlan& plan) {
     card.atr = plan.profile->atr;
     card.serial = plan.serial;
     card.profile = plan.profile->name;
-    card.label = plan.name;
+    card.label = plan.label.empty() ? plan.name : plan.label;
+    card.memory_left = plan.memory_left;
     card.pin_each_signature = plan.profile->pin_each_signature;
     return card;
 }
@@ -60,17 +61,20 @@ Validity card_life(const CardPlan& plan) {
     return {first.from, first.to + CERTIFICATE_LIFE};
 }
 
-void store_objects(const fs::path& tokens, const Card& card, const CardPlan& plan, const Authority& authority,
-                   KeySource& keys) {
-    const SoftHsm hsm(tokens);
-    TokenSession token(hsm, card);
-    if (!token.login(plan.pin)) throw Failure("The new card does not take its PIN.");
+void store_objects(TokenSession& token, const CardPlan& plan, const Authority& authority, KeySource& keys) {
     for (const PairPlan& pair : plan.profile->pairs)
         store_pair(token, plan, pair, authority, *keys.next());
     if (plan.profile->authority_id != nullptr)
         token.create(certificate_object(authority.certificate(), plan.profile->authority_id));
     if (plan.profile->has_personal_data)
         token.create(public_data_object("PDATA", personal_data(plan.holder, card_life(plan))));
+}
+
+void fill_card(const Card& card, const CardPlan& plan, const Authority& authority, const Fill& fill) {
+    const SoftHsm hsm(card.folder.parent_path());
+    TokenSession token(hsm, card);
+    if (!token.login(plan.pin)) throw Failure("The new card does not take its PIN.");
+    fill(token, plan, authority);
 }
 
 void move_in(Card& card, const fs::path& folder) {
@@ -83,17 +87,24 @@ void move_in(Card& card, const fs::path& folder) {
 
 } // namespace
 
-Card personalise_card(const fs::path& home, const CardPlan& wanted, KeySource& keys) {
+Card make_filled_card(const fs::path& home, const CardPlan& wanted, KeySource& keys, const Fill& fill) {
     make_home(home);
     const CardPlan plan = completed(wanted, home);
     const Authority authority = Authority::open_or_create(Authority::folder_beside_cards(home), keys);
     // In a folder of its own until it is complete: nobody else's SoftHSM takes it for a token meanwhile.
     const TemporaryFolder workshop(home / ".making");
     Card card = make_card(workshop.path(), settings(plan), OFFICER_PIN, plan.pin.text());
-    store_objects(workshop.path(), card, plan, authority, keys);
+    fill_card(card, plan, authority, fill);
     keep_as_made(card);
     move_in(card, home / plan.name);
     return card;
+}
+
+Card personalise_card(const fs::path& home, const CardPlan& plan, KeySource& keys) {
+    return make_filled_card(home, plan, keys,
+                            [&](TokenSession& token, const CardPlan& whole, const Authority& authority) {
+                                store_objects(token, whole, authority, keys);
+                            });
 }
 
 } // namespace simcard

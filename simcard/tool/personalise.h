@@ -7,9 +7,14 @@
 #include "simcard/tool/secret.h"
 
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace simcard {
+
+class Authority;
+class TokenSession;
 
 // PINs of a simulated card that is made without saying others.
 inline constexpr const char* DEFAULT_PIN = "12345678";
@@ -22,6 +27,8 @@ struct CardPlan {
     const Profile* profile = nullptr;
     // Empty: "Simulated Reader" and the first free number from 0 to 9.
     std::string reader = {};
+    // The token's label, at most 32 bytes. Empty: the name.
+    std::string label = {};
     // Serial number, at most 16 letters and digits. Empty: a random one.
     std::string serial = {};
     // 4 to 31 characters.
@@ -31,6 +38,8 @@ struct CardPlan {
     int signature_days = 30;
     int authentication_days = 2 * 365;
     int cns_days = 30;
+    // How many bytes still fit once the card is made; no limit when it is not said.
+    std::optional<unsigned long> memory_left = {};
 };
 
 // Makes a card: a token with what the profile says (key pairs, certificates, data), its card.ini, and the
@@ -43,5 +52,12 @@ struct CardPlan {
 // @throws Refusal when the plan cannot be followed (names, a reader that holds a card); Failure or
 // CardProblem when making it fails. Nothing is left of it then.
 [[nodiscard]] Card personalise_card(const std::filesystem::path& home, const CardPlan& plan, KeySource& keys);
+
+// Stores a new card's objects, in the order in which it is to have them.
+using Fill = std::function<void(TokenSession& token, const CardPlan& plan, const Authority& authority)>;
+
+// Makes a card in the same way, with other objects than the profile's.
+[[nodiscard]] Card make_filled_card(const std::filesystem::path& home, const CardPlan& plan, KeySource& keys,
+                                    const Fill& fill);
 
 } // namespace simcard

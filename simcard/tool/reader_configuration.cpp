@@ -9,9 +9,9 @@
 namespace simcard {
 namespace {
 
-std::string card_section(const Profile& profile) {
+std::string card_section(const Profile& profile, const std::string& module) {
     std::string text = "[card simulated " + std::string(profile.name) + "]\natr = " + profile.atr +
-                       "\nmodule = " ZVSIMCARD_MODULE "\n";
+                       "\nmodule = " + (module.empty() ? ZVSIMCARD_MODULE : module) + "\n";
     if (*profile.flags != '\0') text += "flags = " + std::string(profile.flags) + "\n";
     return text + "\n";
 }
@@ -23,7 +23,7 @@ std::string reader_section(const Card& card) {
 
 } // namespace
 
-std::string reader_configuration(const std::filesystem::path& home) {
+std::string reader_configuration(const std::filesystem::path& home, const std::string& module) {
     std::map<std::string, Card> readers; // of two cards that share a reader, the one that is in it
     for (Card& card : list_cards(home))
         if (Card& known = readers[card.reader]; known.reader.empty() || card.inserted)
@@ -36,7 +36,7 @@ std::string reader_configuration(const std::filesystem::path& home) {
     }
     std::string cards;
     for (const Profile& profile : profiles())
-        if (used.contains(profile.name)) cards += card_section(profile);
+        if (used.contains(profile.name)) cards += card_section(profile, module);
     return cards + text;
 }
 

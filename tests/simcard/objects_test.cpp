@@ -1,3 +1,4 @@
+#include "simcard/common/card_folder.h"
 #include "tests/simcard/objects.h"
 
 #include <chrono>
@@ -38,6 +39,25 @@ TEST_F(Objects, AreListedInTheOrderInWhichTheyWereMade) {
     EXPECT_EQ(store(module, session, "x", &result), 0U);
     EXPECT_EQ(result, CKR_USER_NOT_LOGGED_IN);
     EXPECT_EQ(generate(module, session, "DS3", pair), CKR_USER_NOT_LOGGED_IN);
+}
+
+TEST_F(Objects, TakeBytesAndGiveThemBack) {
+    constexpr unsigned long pair_bytes = 128 + 2 * 128 + 5 * 64;
+    simcard::update_card(card.folder, [](simcard::Card& changed) { changed.memory_left = pair_bytes + 1; });
+    const auto left = [&] {
+        CK_TOKEN_INFO info{};
+        EXPECT_EQ(module->C_GetTokenInfo(0, &info), CKR_OK);
+        return info.ulFreePublicMemory;
+    };
+    Pair pair;
+    ASSERT_EQ(generate(module, session, "DS3", pair), CKR_OK);
+    EXPECT_EQ(left(), 1U);
+    Pair other;
+    EXPECT_EQ(generate(module, session, "DS4", other), CKR_DEVICE_MEMORY);
+    for (const CK_OBJECT_HANDLE key : {pair.open, pair.secret})
+        ASSERT_EQ(module->C_DestroyObject(session, key), CKR_OK);
+    EXPECT_EQ(left(), pair_bytes + 1);
+    EXPECT_EQ(generate(module, session, "DS4", other), CKR_OK);
 }
 
 TEST_F(Objects, AreFoundWhileASearchIsOpenAsBySoftHsm) {
