@@ -1,8 +1,9 @@
 #include "cli/answer.h"
 
-#include "cli/advice.h"
 #include "cli/card_json.h"
-#include "cli/log_folder.h"
+#include "cli/on_card.h"
+#include "host/log_folder.h"
+#include "words/words.h"
 
 #include <type_traits>
 
@@ -11,8 +12,15 @@ namespace {
 
 Json value_json(const Value& value) {
     const auto convert = [](const auto& held) {
-        if constexpr (std::is_same_v<decltype(held), const std::monostate&>)
+        using Held = std::decay_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, std::monostate>)
             return Json();
+        else if constexpr (std::is_same_v<Held, Kind>)
+            return Json(kind_name(held));
+        else if constexpr (std::is_same_v<Held, Moment>)
+            return Json(instant(held.time));
+        else if constexpr (std::is_same_v<Held, std::vector<Sentence>>)
+            return Json(words::of(held));
         else
             return Json(held);
     };
@@ -22,7 +30,7 @@ Json value_json(const Value& value) {
 Json advice_json(const std::vector<Advice>& advice) {
     Json list = Json::array();
     for (const Advice& one : advice) {
-        list.push_back({{"key", one.key}, {"text", one.text}});
+        list.push_back({{"key", one.key}, {"text", words::of(one.says)}});
         for (const auto& [name, value] : one.values)
             list.back()[name] = value_json(value);
     }
@@ -41,14 +49,29 @@ Json as_json(const AlreadyStored& found) {
     return {{"stored", found.id}, {"verified", found.verified}};
 }
 
+// What is true of a text of the library that names files of another program.
+std::vector<Advice> explain_quotes(const std::string& text) {
+    std::vector<Advice> advice;
+    if (text.find("molvastra.ini") != std::string::npos)
+        advice.push_back(
+            {"quoted-file",
+             "The quoted text names molvastra.ini, a file that this program does not have: see instead what "
+             "the reader and the card say with: zvrenew readers"});
+    if (text.find("molvastra.exe") != std::string::npos)
+        advice.push_back(
+            {"quoted-program",
+             "By molvastra.exe the quoted text means this program: there is nothing else to restart."});
+    return advice;
+}
+
 } // namespace
 
 std::string in_words(const Report& report) {
-    std::string words = report.text;
+    std::string text = report.text;
     for (const Advice& one : report.advice)
-        words += "\n" + one.text;
-    if (report.logged) words += "\nLog: " + log_path();
-    return words;
+        text += "\n" + words::of(one.says);
+    if (report.logged) text += "\nLog: " + log_path();
+    return text;
 }
 
 Json report_json(const Report& report) {
@@ -57,20 +80,21 @@ Json report_json(const Report& report) {
     return facts;
 }
 
-std::vector<Advice> advice_of(const Stop& stop) {
-    std::vector<Advice> advice = explain_quotes(stop.sentence + (stop.card ? stop.card->problem : ""));
+std::vector<Advice> advice_of(const Error& stop) {
+    std::vector<Advice> advice =
+        explain_quotes(words::of(stop.sentence) + (stop.card ? words::of(stop.card->problem) : ""));
     advice.insert(advice.end(), stop.advice.begin(), stop.advice.end());
     return advice;
 }
 
-Json stop_json(const Stop& stop) {
-    Json facts = {{"message", stop.sentence}};
+Json stop_json(const Error& stop) {
+    Json facts = {{"message", words::of(stop.sentence)}};
     if (stop.code) facts["code"] = *stop.code;
     facts.update(std::visit([](const auto& found) { return as_json(found); }, stop.found));
     if (stop.about) facts.update(as_json(*stop.about));
     if (stop.card) {
         facts["on_card"] = as_json(*stop.card);
-        if (!stop.card->problem.empty()) facts["on_card_problem"] = stop.card->problem;
+        if (!stop.card->problem.empty()) facts["on_card_problem"] = words::of(stop.card->problem);
     }
     facts["advice"] = advice_json(advice_of(stop));
     return facts;

@@ -11,9 +11,9 @@ namespace cli {
 [[nodiscard]] Json report_json(const Report& report);
 
 // What a person can do; the library's texts are quoted as they are, and what they say may need a word.
-[[nodiscard]] std::vector<Advice> advice_of(const Stop& stop);
+[[nodiscard]] std::vector<Advice> advice_of(const Error& stop);
 
 // {"message", "advice", ...} and, where it could have been changed, "on_card".
-[[nodiscard]] Json stop_json(const Stop& stop);
+[[nodiscard]] Json stop_json(const Error& stop);
 
 } // namespace cli

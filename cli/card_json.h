@@ -1,9 +1,10 @@
 #pragma once
 
-#include "cli/card_facts.h"
-#include "cli/inventory.h"
+#include "cli/engine.h"
 #include "cli/json.h"
-#include "cli/on_card.h"
+#include "host/card_facts.h"
+#include "host/card_list.h"
+#include "host/on_card.h"
 
 #include <ctime>
 #include <string>

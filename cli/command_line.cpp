@@ -94,7 +94,7 @@ Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool jso
     if (app.exit(error, out, none) == 0)
         return {command, json, false, [text = out.str()] { return told(text); }};
     return {command, json, false, [sentence = std::string(error.what())]() -> Report {
-                throw Stop(Exit::refused, sentence, Advice{"help", "Run with --help for more information."});
+                throw Error(Exit::refused, sentence, Advice{"help", "Run with --help for more information."});
             }};
 }
 

@@ -5,7 +5,7 @@
 
 namespace cli {
 
-// Each command does its work and says what came of it. @throws Stop when it ends before its aim.
+// Each command does its work and says what came of it. @throws Error when it ends before its aim.
 
 [[nodiscard]] Report run_readers(const CommonOptions& options);
 [[nodiscard]] Report run_status(const StatusOptions& options);

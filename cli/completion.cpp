@@ -1,7 +1,7 @@
 #include "cli/completion.h"
 
-#include "cli/kind.h"
 #include "cli/options.h"
+#include "host/kind.h"
 
 #include <CLI/CLI.hpp>
 

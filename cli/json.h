@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/engine.h"
+
 #include <nlohmann/json_fwd.hpp>
 
 namespace cli {

@@ -1,5 +1,5 @@
 #include "cli/card_json.h"
-#include "cli/card_list.h"
+#include "cli/listed.h"
 
 #include <nlohmann/json.hpp>
 
@@ -10,8 +10,8 @@ Json as_json(const ListedCertificate& listed) {
     const CertificateRecord& record = listed.record;
     return {{"kind", kind_name(record.kind)},
             {"id", record.id},
-            {"subject", as_json(record.subject)},
-            {"issuer", as_json(record.issuer)},
+            {"subject", cli::as_json(record.subject)},
+            {"issuer", cli::as_json(record.issuer)},
             {"serial", record.serial},
             {"tax_code", record.tax_code},
             {"iut", record.iut},

@@ -1,4 +1,4 @@
-#include "cli/card_list.h"
+#include "cli/listed.h"
 
 #include <fmt/format.h>
 

@@ -2,12 +2,14 @@
 #include "cli/card_json.h"
 #include "cli/command_line.h"
 #include "cli/dumps.h"
-#include "cli/library_text.h"
-#include "cli/log_folder.h"
 #include "cli/note.h"
-#include "cli/outcome.h"
+#include "cli/on_card.h"
 #include "cli/output.h"
 #include "cli/signals.h"
+#include "host/error.h"
+#include "host/log_folder.h"
+#include "host/printable.h"
+#include "words/words.h"
 #include "zvRenew.h"
 
 #include <cstdio>
@@ -58,16 +60,17 @@ void print_report(const Invocation& invocation, const Report& report) {
     }
 }
 
-Exit tell_stop(const Stop& stop) {
-    note(stop.exit == Exit::nothing_due ? stop.sentence : "zvrenew: " + stop.sentence);
-    if (stop.card) note("Now on the card: " + stop.card->in_words());
+Exit tell_stop(const Error& stop) {
+    const std::string sentence = words::of(stop.sentence);
+    note(stop.exit == Exit::nothing_due ? sentence : "zvrenew: " + sentence);
+    if (stop.card) note("Now on the card: " + in_words(*stop.card));
     for (const Advice& one : advice_of(stop))
-        note(one.text);
+        note(one.says);
     if (stop.logged) note("The log has the details: " + log_path());
     return stop.exit;
 }
 
-Exit print_stop(const Invocation& invocation, const Stop& stop) {
+Exit print_stop(const Invocation& invocation, const Error& stop) {
     if (invocation.json) {
         print_json(invocation.command, stop.exit, stop_json(stop));
         return stop.exit;
@@ -84,7 +87,7 @@ Exit answer(const Invocation& invocation, const Report& report) {
     try {
         print_report(invocation, report);
         return report.exit;
-    } catch (Stop& stop) {
+    } catch (Error& stop) {
         stop.card = as_before();
         if (report.unsaid) report.unsaid(stop);
         return tell_stop(stop);
@@ -94,10 +97,10 @@ Exit answer(const Invocation& invocation, const Report& report) {
 Exit run(const Invocation& invocation) {
     try {
         return answer(invocation, invocation.run());
-    } catch (const Stop& stop) {
+    } catch (const Error& stop) {
         return print_stop(invocation, stop);
     } catch (const std::exception& error) {
-        return print_stop(invocation, Stop(Exit::failed, error.what()));
+        return print_stop(invocation, Error(Exit::failed, error.what()));
     }
 }
 
@@ -108,13 +111,13 @@ int start(int argc, char** argv) {
 #endif
     let_writes_fail();
     if (!open_standard_descriptors()) {
-        Stop closed(Exit::failed, "Standard output is closed.");
+        Error closed(Exit::failed, "Standard output is closed.");
         closed.card = as_before();
         return static_cast<int>(tell_stop(closed));
     }
     const Invocation invocation = read_command_line(argc, argv);
     if (invocation.uses_library) {
-        if (const std::string problem = make_log_folder(); !problem.empty()) note(problem);
+        if (const Sentence problem = make_log_folder(); !problem.empty()) note(problem);
     }
     loadErrorCodes();
     return static_cast<int>(run(invocation));
@@ -126,7 +129,7 @@ int main(int argc, char** argv) {
     // What could not be reported as an answer, such as that standard output takes none.
     try {
         return start(argc, argv);
-    } catch (const Stop& stop) {
+    } catch (const Error& stop) {
         return static_cast<int>(tell_stop(stop));
     } catch (const std::exception& error) {
         (void)std::fprintf(stderr, "zvrenew: %s\n", error.what());

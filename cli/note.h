@@ -1,13 +1,14 @@
 #pragma once
 
+#include "cli/engine.h"
+#include "host/sentence.h"
+
 #include <string>
 
 namespace cli {
 
-// A text without what a terminal would take as a command; cards and certificates may hold anything.
-[[nodiscard]] std::string printable(std::string text);
-
 // Tells the person at the terminal what goes on, on standard error: results alone go to standard output.
 void note(const std::string& line);
+void note(const Sentence& sentence);
 
 } // namespace cli

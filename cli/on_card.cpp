@@ -1,5 +1,7 @@
 #include "cli/on_card.h"
 
+#include "words/words.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -20,12 +22,12 @@ const char* state_of(const Held& held) {
 
 } // namespace
 
-std::string OnCard::in_words() const {
-    if (untouched) return "what was on it before: nothing was changed";
-    if (!problem.empty()) return "cannot be read. " + problem;
+std::string in_words(const OnCard& contents) {
+    if (contents.untouched) return "what was on it before: nothing was changed";
+    if (!contents.problem.empty()) return "cannot be read. " + words::of(contents.problem);
     std::vector<std::string> parts;
-    parts.reserve(held.size());
-    for (const Held& one : held)
+    parts.reserve(contents.held.size());
+    for (const Held& one : contents.held)
         parts.push_back(fmt::format("{} ({})", one.id, state_of(one)));
     return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cli/kind.h"
+#include "cli/engine.h"
+#include "host/kind.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "cli/engine.h"
 #include "cli/option_list.h"
+#include "host/choice.h"
+#include "host/wishes.h"
 
 #include <string>
 #include <vector>
@@ -12,22 +15,20 @@ namespace cli {
 // What every command takes.
 struct CommonOptions {
     bool json = false;
-    std::string module_dir; // empty: searched for
+    CardChoice choice;
 
     void declare(OptionList& list) {
         list.flag("--json", json, "Print the result as JSON on standard output");
-        list.text("--module-dir", "DIR", module_dir,
+        list.text("--module-dir", "DIR", choice.module_dir,
                   "Folder of the cards' PKCS#11 modules (else this program's own, then the system's)");
     }
 };
 
 // What a command takes that is about one card.
 struct ReaderOptions : CommonOptions {
-    std::string reader; // empty: the only reader that holds a known card
-
     void declare(OptionList& list) {
         CommonOptions::declare(list);
-        list.text("--reader", "NAME", reader,
+        list.text("--reader", "NAME", choice.reader,
                   "Reader to use, its whole name (else the only one with a card)");
     }
 };
@@ -45,73 +46,62 @@ struct CardOptions : ReaderOptions {
 };
 
 // How soon a certificate is due.
-struct DueOptions {
-    static constexpr int USUAL_DAYS = 90;
+inline void declare_days(OptionList& list, int& days) {
+    list.days("--days", days, "A certificate is due when it ends within so many days");
+}
+
+struct StatusOptions : ReaderOptions {
     int days = USUAL_DAYS;
 
     void declare(OptionList& list) {
-        list.days("--days", days, "A certificate is due when it ends within so many days");
-    }
-};
-
-struct StatusOptions : ReaderOptions, DueOptions {
-    void declare(OptionList& list) {
         ReaderOptions::declare(list);
-        DueOptions::declare(list);
+        declare_days(list, days);
     }
 };
 
-struct ListOptions : CardOptions, DueOptions {
+struct ListOptions : CardOptions {
+    int days = USUAL_DAYS;
+
     void declare(OptionList& list) {
         CardOptions::declare(list);
-        DueOptions::declare(list);
+        declare_days(list, days);
     }
 };
 
-struct RequestOptions : CardOptions, DueOptions {
-    Kind kind = Kind::signature;
-    std::string out;         // empty: standard output
-    std::string subject;     // empty: the certificate's
-    std::string certificate; // identifier; empty: the one of that kind that ends last
-    bool force = false;
-    bool new_pair = false;
+struct RequestOptions : CardOptions {
+    RequestWishes wishes;
 
     void declare(OptionList& list) {
-        list.kind("KIND", kind, "signature, authentication, or services (a services card's own)");
-        list.text("--out", "FILE", out, "New file for the request (else standard output)");
-        list.text("--subject", "NAME", subject, "Subject, as /C=IT/O=.../CN=... (else the certificate's)");
-        list.text("--certificate", "ID", certificate,
+        list.kind("KIND", wishes.kind, "signature, authentication, or services (a services card's own)");
+        list.text("--out", "FILE", wishes.out, "New file for the request (else standard output)");
+        list.text("--subject", "NAME", wishes.subject,
+                  "Subject, as /C=IT/O=.../CN=... (else the certificate's)");
+        list.text("--certificate", "ID", wishes.certificate,
                   "Identifier of the certificate to renew (else the one that ends last)");
-        list.flag("--force", force, "Renew also what is not due");
-        list.flag("--new-pair", new_pair,
+        list.flag("--force", wishes.force, "Renew also what is not due");
+        list.flag("--new-pair", wishes.new_pair,
                   "Discard the pair that waits on the card and make another (else it is used again)");
-        DueOptions::declare(list);
+        declare_days(list, wishes.days);
         CardOptions::declare(list);
     }
 };
-
-// The reasons for which a certificate would be refused and can be taken all the same.
-[[nodiscard]] const std::vector<std::string>& accepted_reasons();
 
 struct InstallOptions : CardOptions {
-    std::string certificate_file;
-    std::string request_file; // empty: the pairs that wait on the card are asked
-    std::string replace;      // identifier; empty: the one that signed the request, or the only one
-    bool remove_old = false;
-    std::string backup; // empty: a name made from the identifier and the serial number
-    std::vector<std::string> accept;
+    InstallWishes wishes;
 
     void declare(OptionList& list) {
-        list.argument("CERTIFICATE", certificate_file, "The authority's file: PEM, DER or a PKCS#7 bundle");
-        list.text("--request", "FILE", request_file,
+        list.argument("CERTIFICATE", wishes.certificate_file,
+                      "The authority's file: PEM, DER or a PKCS#7 bundle");
+        list.text("--request", "FILE", wishes.request_file,
                   "The request that it answers (else the pairs that wait on the card are compared)");
-        list.text("--replace", "ID", replace,
+        list.text("--replace", "ID", wishes.replace,
                   "Identifier of the certificate it replaces (else the one that signed the request, or "
                   "the only one of its kind)");
-        list.flag("--remove-old", remove_old, "Remove the old certificate and its keys from the card");
-        list.text("--backup", "FILE", backup,
+        list.flag("--remove-old", wishes.remove_old, "Remove the old certificate and its keys from the card");
+        list.text("--backup", "FILE", wishes.backup,
                   "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)");
-        list.words("--accept", "REASON,...", accept, accepted_reasons(), "Take the certificate although: ");
+        list.words("--accept", "REASON,...", wishes.accept, accepted_reasons(),
+                   "Take the certificate although: ");
         CardOptions::declare(list);
     }
 };

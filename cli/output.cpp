@@ -1,6 +1,7 @@
 #include "cli/output.h"
 
-#include "cli/outcome.h"
+#include "cli/engine.h"
+#include "host/error.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -25,9 +26,9 @@ bool open_standard_descriptors() {
 void print_out(const std::string& text) {
     errno = 0;
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
-    throw Stop(Exit::failed,
-               fmt::format("Standard output does not take the answer ({}).", std::strerror(errno)),
-               Advice{"other-output", "Have it written elsewhere."});
+    throw Error(Exit::failed,
+                fmt::format("Standard output does not take the answer ({}).", std::strerror(errno)),
+                Advice{"other-output", "Have it written elsewhere."});
 }
 
 } // namespace cli

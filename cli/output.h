@@ -8,7 +8,7 @@ namespace cli {
 // @return whether standard output was open
 [[nodiscard]] bool open_standard_descriptors();
 
-// Writes to standard output and sees that it arrives. @throws Stop
+// Writes to standard output and sees that it arrives. @throws Error
 void print_out(const std::string& text);
 
 } // namespace cli

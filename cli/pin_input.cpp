@@ -1,8 +1,9 @@
 #include "cli/pin_input.h"
 
 #include "cli/note.h"
-#include "cli/outcome.h"
 #include "cli/scoped_fd.h"
+#include "host/error.h"
+#include "words/words.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -39,13 +40,13 @@ bool read_char(int fd, char& c) {
 class QuietTerminal {
   public:
     explicit QuietTerminal(int fd) : fd_(fd) {
-        if (tcgetattr(fd, &before_) != 0) throw Stop(Exit::refused, "The terminal cannot be read.");
+        if (tcgetattr(fd, &before_) != 0) throw Error(Exit::refused, "The terminal cannot be read.");
         termios quiet = before_;
         quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON | ISIG);
         quiet.c_cc[VMIN] = 1;
         quiet.c_cc[VTIME] = 0;
         if (tcsetattr(fd, TCSAFLUSH, &quiet) != 0)
-            throw Stop(Exit::refused, "The terminal's echo cannot be switched off.");
+            throw Error(Exit::refused, "The terminal's echo cannot be switched off.");
     }
     ~QuietTerminal() { tcsetattr(fd_, TCSAFLUSH, &before_); }
     QuietTerminal(const QuietTerminal&) = delete;
@@ -125,15 +126,15 @@ Pin typed(int terminal, const std::string& prompt) {
             pin.add(c);
     }
     say(terminal, "\n");
-    if (c != '\n' && c != '\r') throw Stop(Exit::refused, "Stopped at the PIN.");
+    if (c != '\n' && c != '\r') throw Error(Exit::refused, "Stopped at the PIN.");
     return pin;
 }
 
 Pin pin_from_terminal(const std::string& reader) {
     const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
-        throw Stop(Exit::refused, "There is no terminal to ask for the PIN on.",
-                   Advice{"pin-file", "Give --pin-file FILE."});
+        throw Error(Exit::refused, "There is no terminal to ask for the PIN on.",
+                    Advice{"pin-file", "Give --pin-file FILE."});
     return typed(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
 }
 
@@ -146,8 +147,8 @@ void warn_when_others_can_read(int fd, const std::string& path) {
 Pin pin_from_file(const std::string& path) {
     const ScopedFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file)
-        throw Stop(Exit::refused,
-                   fmt::format("The PIN file {} cannot be read ({}).", path, std::strerror(errno)));
+        throw Error(Exit::refused,
+                    fmt::format("The PIN file {} cannot be read ({}).", path, std::strerror(errno)));
     warn_when_others_can_read(file.get(), path);
     Pin pin;
     char c = 0;
@@ -161,10 +162,16 @@ Pin pin_from_file(const std::string& path) {
 
 } // namespace
 
-Pin take_pin(const std::string& file, const std::string& reader) {
-    Pin pin = file.empty() ? pin_from_terminal(reader) : pin_from_file(file);
-    check_pin_form(pin);
-    return pin;
+std::optional<Pin> PinInput::at_once() {
+    if (options_.pin_file.empty()) return std::nullopt;
+    return pin_from_file(options_.pin_file);
+}
+
+Pin PinInput::ask(const CardFacts& card) {
+    if (const auto tries = card.state && card.state->pin ? tries_told(*card.state->pin) : Sentence();
+        !tries.empty())
+        note(fmt::format("The card says that {}.", words::of(tries)));
+    return pin_from_terminal(card.reader);
 }
 
 } // namespace cli

@@ -1,16 +1,25 @@
 #pragma once
 
-#include "cli/pin.h"
+#include "cli/options.h"
 
 #include <string>
 
 namespace cli {
 
-// Takes the PIN from a file, or from the terminal without echo when `file` is empty, and checks its form.
+// Takes the PIN from where the options say: a file, or the terminal, without echo.
 //
 // A file holds the PIN and nothing else; one line end behind it does not count.
-//
-// @throws Stop when there is no PIN to be had or its form is refused.
-[[nodiscard]] Pin take_pin(const std::string& file, const std::string& reader);
+class PinInput : public PinSource {
+  public:
+    explicit PinInput(const CardOptions& options) : options_(options) {}
+
+    // @throws Error when there is no PIN to be had
+    [[nodiscard]] std::optional<Pin> at_once() override;
+    [[nodiscard]] Pin ask(const CardFacts& card) override;
+    [[nodiscard]] bool final_try() const override { return options_.final_try; }
+
+  private:
+    const CardOptions& options_;
+};
 
 } // namespace cli

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "cli/engine.h"
 #include "cli/json.h"
-#include "cli/outcome.h"
+#include "host/error.h"
 
 #include <nlohmann/json.hpp>
 
@@ -16,10 +17,10 @@ struct Report {
     Exit exit = Exit::done;
     std::string text; // for a person, without a final line feed
     Json json = Json::object();
-    std::vector<Advice> advice;        // what can be done next
-    bool logged = false;               // whether the log tells more
-    std::string payload;               // what the command made, when it goes to no file
-    std::function<void(Stop&)> unsaid; // says what is on the card in a Stop, should nobody get the report
+    std::vector<Advice> advice;         // what can be done next
+    bool logged = false;                // whether the log tells more
+    std::string payload;                // what the command made, when it goes to no file
+    std::function<void(Error&)> unsaid; // says what is on the card in an error, should nobody get the report
 };
 
 } // namespace cli

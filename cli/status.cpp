@@ -1,39 +1,37 @@
-#include "cli/card_status.h"
 #include "cli/commands.h"
-#include "cli/pin_gate.h"
-#include "cli/place.h"
+#include "cli/listed.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <nlohmann/json.hpp>
 
 namespace cli {
 namespace {
 
-// What is known of the card is added to `facts` as soon as it is.
-CardStatus look_at_card(const Place& place, int days, CardFacts& facts) {
-    const CardState state = card_state(place);
-    facts = facts_of(place, state);
-    return status_of(facts, view_public(place, state), days);
+std::string status_in_words(const CardStatus& status) {
+    std::string text = in_words(status.list);
+    if (!status.uncertified.empty())
+        text += fmt::format("  (keys that show no certificate: {})\n", fmt::join(status.uncertified, ", "));
+    return text;
 }
 
-Report report_on(const CardStatus& status) {
-    Report report;
-    report.exit = status.exit;
-    report.text = in_words(status);
-    report.json = as_json(status);
-    report.advice = advice_on(status);
-    return report;
+Json status_json(const CardStatus& status) {
+    Json json = contents_json(status.list);
+    if (status.list.card.services_card) json["services_pending"] = nullptr;
+    json["uncertified"] = status.uncertified;
+    return json;
 }
 
 } // namespace
 
 Report run_status(const StatusOptions& options) {
-    const Place place = find_place(options);
-    CardFacts facts = facts_of(place, {});
-    try {
-        return report_on(look_at_card(place, options.days, facts));
-    } catch (Stop& stop) {
-        stop.tell_card(facts);
-        if (stop.exit == Exit::failed) stop.card = OnCard{{}, {}, true};
-        throw;
-    }
+    const CardStatus status = look_at_card(options.choice, options.days);
+    Report report;
+    report.exit = status.exit;
+    report.text = status_in_words(status);
+    report.json = status_json(status);
+    report.advice = status.list.advice;
+    return report;
 }
 
 } // namespace cli

@@ -8,13 +8,13 @@ set(origin $<IF:$<BOOL:${APPLE}>,@loader_path,$ORIGIN>)
 file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 
-set_target_properties(zvRenew min_zvCrypt PROPERTIES INSTALL_RPATH ${origin})
+set_target_properties(zvRenew min_zvCrypt zvhost PROPERTIES INSTALL_RPATH ${origin})
 set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
 # A path that is changed at installation is padded with empty elements until then, and the loader takes each for the
 # working folder.
-set_target_properties(zvRenew min_zvCrypt zvrenew zvsimcard zvsimcard-tool PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+set_target_properties(zvRenew min_zvCrypt zvhost zvrenew zvsimcard zvsimcard-tool PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 
-install(TARGETS zvRenew min_zvCrypt EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
+install(TARGETS zvRenew min_zvCrypt zvhost EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
 install(TARGETS zvrenew COMPONENT runtime)
 install(TARGETS zvsimcard zvsimcard-tool
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT simcard EXCLUDE_FROM_ALL
@@ -27,7 +27,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${header_dir} COMPO
   FILES_MATCHING PATTERN *.h)
 
 configure_file(${PROJECT_SOURCE_DIR}/packaging/zvrenew.pc.in ${PROJECT_BINARY_DIR}/zvrenew.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/zvrenew.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+configure_file(${PROJECT_SOURCE_DIR}/packaging/zvrenew-host.pc.in ${PROJECT_BINARY_DIR}/zvrenew-host.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zvrenew.pc ${PROJECT_BINARY_DIR}/zvrenew-host.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 install(EXPORT zvRenew NAMESPACE zvRenew:: FILE zvRenewConfig.cmake DESTINATION ${package_dir} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zvRenewConfigVersion.cmake COMPATIBILITY SameMajorVersion)

@@ -1,6 +1,6 @@
-#include "cli/certificate.h"
-#include "cli/read_file.h"
-#include "cli/signed_request.h"
+#include "host/certificate.h"
+#include "host/read_file.h"
+#include "host/signed_request.h"
 #include "tests/cli/program.h"
 
 #include <algorithm>
@@ -34,18 +34,18 @@ class InstallProgramTest : public ProgramTest {
 
 TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOldOne) {
     prepare();
-    const cli::Bytes key = cli::modulus_of_request(simcard::read_file(file("request")));
+    const zvhost::Bytes key = zvhost::modulus_of_request(simcard::read_file(file("request")));
     for (const std::string form : {"", "--der", "--p7b", "--p7b --der"}) {
         issue("request", "form", form);
-        const auto found = cli::certificates_in_file(file("form"));
+        const auto found = zvhost::certificates_in_file(file("form"));
         EXPECT_EQ(found.size(), form.starts_with("--p7b") ? 2U : 1U) << form;
-        const auto is_the_holders = [&](const auto& one) { return cli::modulus_of(*one) == key; };
+        const auto is_the_holders = [&](const auto& one) { return zvhost::modulus_of(*one) == key; };
         EXPECT_EQ(std::count_if(found.begin(), found.end(), is_the_holders), 1) << form;
         EXPECT_EQ(simcard::read_file(file("form")).starts_with("-----BEGIN"), !form.ends_with("--der"));
     }
-    const cli::Bytes der = cli::certificates_in_file(file("form")).front().der();
-    simcard::write_file(file("base64"), cli::base64_of(der), simcard::Access::owner_only);
-    EXPECT_EQ(cli::certificates_in_file(file("base64")).size(), 1U);
+    const zvhost::Bytes der = zvhost::certificates_in_file(file("form")).front().der();
+    simcard::write_file(file("base64"), zvhost::base64_of(der), simcard::Access::owner_only);
+    EXPECT_EQ(zvhost::certificates_in_file(file("base64")).size(), 1U);
 
     const Outcome outcome = with_pin("install certificate --request request --backup old.pem");
     EXPECT_EQ(outcome.code, 0) << outcome.err;
@@ -56,7 +56,7 @@ TEST_F(InstallProgramTest, TakesTheHoldersCertificateOutOfEveryFormAndKeepsTheOl
     EXPECT_EQ(list["certificates"][0]["replaced"], true);
     EXPECT_EQ(list["certificates"][0]["due"], false);
     EXPECT_TRUE(list["pending"].empty());
-    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "what a removal would take";
+    EXPECT_EQ(zvhost::certificates_in_file(file("old.pem")).size(), 2U) << "what a removal would take";
     const Outcome again = with_pin("install certificate");
     EXPECT_EQ(again.code, 2) << "it is there already";
     EXPECT_EQ(again.count("C_Sign"), 1U) << "its key is tried";
@@ -80,7 +80,8 @@ TEST_F(InstallProgramTest, TakesWhatAuthoritiesIssue) {
     const Outcome request = with_pin("request signature --certificate DS3 --force --out again");
     EXPECT_EQ(request.code, 0) << request.err;
     EXPECT_TRUE(request.says("CN=Ada Collaudò")) << request.out;
-    EXPECT_EQ(cli::signer_of_request(simcard::read_file(file("again"))), cli::Bytes(odd.begin(), odd.end()));
+    EXPECT_EQ(zvhost::signer_of_request(simcard::read_file(file("again"))),
+              zvhost::Bytes(odd.begin(), odd.end()));
 }
 
 TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
@@ -92,7 +93,7 @@ TEST_F(InstallProgramTest, RenewsAndRemovesTheOldOne) {
     EXPECT_EQ(result["removed"], (Ids{"DS0", "Korvalenta Firma Dig"}));
     EXPECT_EQ(result["on_card"], zvtest::whole({"AUTHCertificate0", "DS3"}));
     EXPECT_EQ(identifiers(), (Ids{"DS3", "AUTHCertificate0"}));
-    EXPECT_EQ(cli::certificates_in_file(file("old.pem")).size(), 2U) << "the authority's goes too";
+    EXPECT_EQ(zvhost::certificates_in_file(file("old.pem")).size(), 2U) << "the authority's goes too";
     EXPECT_NE(simcard::read_file(file("old.pem")).find("BEGIN PUBLIC KEY"), std::string::npos);
 }
 

@@ -177,7 +177,7 @@ def play(desk):
 
 
 def keys_of_sources():
-    text = "".join(path.read_text() for path in sorted(pathlib.Path(root, "cli").glob("*.cpp")))
+    text = "".join(path.read_text() for room in ("host", "cli") for path in sorted(pathlib.Path(root, room).glob("*.cpp")))
     return set(re.findall(r'(?:Advice\s*\{|return \{|push_back\(\s*\{)\s*"([a-z-]+)",', text))
 
 

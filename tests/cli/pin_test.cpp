@@ -1,5 +1,6 @@
-#include "cli/outcome.h"
 #include "cli/pin_input.h"
+#include "host/error.h"
+#include "words/words.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,7 +12,7 @@
 
 namespace {
 
-using namespace cli;
+using namespace zvhost;
 
 class PinFileTest : public testing::Test {
   protected:
@@ -20,7 +21,11 @@ class PinFileTest : public testing::Test {
     Pin take(const std::string& content) {
         std::ofstream(path, std::ios::binary) << content;
         ::chmod(path.c_str(), 0600);
-        return take_pin(path, "reader");
+        cli::CardOptions options;
+        options.pin_file = path;
+        Pin pin = cli::PinInput(options).at_once().value();
+        check_pin_form(pin);
+        return pin;
     }
 
     std::string path = testing::TempDir() + "zvrenew-pin-" + std::to_string(::getpid());
@@ -42,9 +47,9 @@ TEST_F(PinFileTest, RefusesAFormThatWouldCostATry) {
         try {
             const Pin pin = take(content);
             ADD_FAILURE() << "taken: " << content.size();
-        } catch (const Stop& stop) {
+        } catch (const Error& stop) {
             EXPECT_EQ(stop.exit, Exit::refused);
-            EXPECT_EQ(stop.sentence.find("777"), std::string::npos) << "the PIN is not shown";
+            EXPECT_EQ(words::of(stop.sentence).find("777"), std::string::npos) << "the PIN is not shown";
         }
 }
 

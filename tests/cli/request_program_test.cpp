@@ -1,4 +1,4 @@
-#include "cli/signed_request.h"
+#include "host/signed_request.h"
 #include "tests/cli/program.h"
 
 namespace {
@@ -8,8 +8,8 @@ using zvtest::ProgramTest;
 
 class RequestProgramTest : public ProgramTest {
   protected:
-    cli::Bytes key_of(const std::string& name) {
-        return cli::modulus_of_request(simcard::read_file(file(name)));
+    zvhost::Bytes key_of(const std::string& name) {
+        return zvhost::modulus_of_request(simcard::read_file(file(name)));
     }
     // Does it beside the command that follows, as soon as the card has been asked that.
     std::string once(const std::string& call, const std::string& deed) {
@@ -171,7 +171,7 @@ TEST_F(RequestProgramTest, LosesNoAnswerAndReplacesNoFile) {
         1)
         << "nobody reads";
     outcome = shell("(" + command("request signature" + pin) + " 2>&1)");
-    EXPECT_FALSE(cli::modulus_of_request(outcome.out.substr(outcome.out.rfind(".log\n") + 5)).empty());
+    EXPECT_FALSE(zvhost::modulus_of_request(outcome.out.substr(outcome.out.rfind(".log\n") + 5)).empty());
 
     ASSERT_EQ(with_pin("request signature --out done").code, 0);
     outcome = with_pin("request signature --out done");

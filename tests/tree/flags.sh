@@ -14,13 +14,13 @@ configure -DCMAKE_BUILD_TYPE=None -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$f
 "$cmake" --build "$build" --target CMakeFiles/zvrenew_objects.dir/util/trim.cpp.o
 # looks_in FOLDER: who looks for the configuration there, and who tells the user of it.
 looks_in() {
-    for file in crypt/config.cpp cli/advice.cpp; do
+    for file in crypt/config.cpp host/advice.cpp; do
         tr -d '\\"' <"$build/compile_commands.json" | grep "^ *command:.* -c $source/$file," |
             grep -qF -- "-DZV_SYSCONFDIR=$1 " || { echo "$file does not take $1"; exit 1; }
     done
 }
 looks_in /etc
-if grep -n '/etc/zvcrypt\.conf' "$source"/crypt/*.cpp "$source"/cli/*.cpp; then
+if grep -n '/etc/zvcrypt\.conf' "$source"/crypt/*.cpp "$source"/host/*.cpp "$source"/words/*/*.cpp "$source"/cli/*.cpp; then
     echo "the folder of the system's configuration is the build's to name"
     exit 1
 fi

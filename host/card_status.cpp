@@ -1,0 +1,94 @@
+#include "host/card_status.h"
+
+#include "host/listing.h"
+#include "host/pin_gate.h"
+#include "host/place.h"
+#include "host/public_inventory.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace zvhost {
+namespace {
+
+Advice list_with_pin(const char* text) {
+    return {"list", text};
+}
+
+// What was replaced is no matter, as in the list.
+Exit exit_of(const CardList& list) {
+    const auto any = [&](const auto& holds) {
+        return std::any_of(list.certificates.begin(), list.certificates.end(), holds);
+    };
+    if (any([](const ListedCertificate& one) { return one.days_left < 0 && !one.replaced; }))
+        return Exit::expired;
+    if (!list.pending.empty()) return Exit::under_way;
+    if (any([](const ListedCertificate& one) { return one.due; })) return Exit::due;
+    return list.certificates.empty() ? Exit::nothing_there : Exit::done;
+}
+
+void stop_if_hidden(const CardStatus& status) {
+    if (status.exit != Exit::nothing_there) return;
+    if (status.list.unreadable > 0)
+        throw Error(Exit::failed, "The certificates on the card cannot be read: when they end is not known.");
+    if (!status.uncertified.empty())
+        throw Error(Exit::failed,
+                    fmt::format("The card shows the keys {}, but no certificate without the PIN.",
+                                fmt::join(status.uncertified, ", ")),
+                    list_with_pin("See what there is with: zvrenew list"));
+}
+
+CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
+    const Inventory inventory = public_inventory(view, card);
+    CardStatus status{list_of(card, inventory, view, days), view.uncertified_first_keys(), Exit::done};
+    std::erase_if(status.uncertified, [&](const std::string& id) {
+        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
+                           [&](const RetiredPair& pair) { return pair.id == id; });
+    });
+    // Whether a pair can sign its request once more does not show.
+    for (ListedPair& listed : status.list.pending)
+        listed.renewable = false;
+    status.exit = exit_of(status.list);
+    stop_if_hidden(status);
+    return status;
+}
+
+std::vector<Advice> advice_on(const CardStatus& status) {
+    std::vector<Advice> advice = advice_on(status.list);
+    if (status.list.card.services_card)
+        advice.push_back(
+            list_with_pin("Whether a request for the card's own certificate is under way does not "
+                          "show without the PIN. See it with:  zvrenew list"));
+    else if (status.exit == Exit::nothing_there)
+        advice.push_back(
+            list_with_pin("What the card does not show without the PIN, see with:  zvrenew list"));
+    return advice;
+}
+
+// What is known of the card is added to `facts` as soon as it is.
+CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>& facts) {
+    const Place place = find_place(choice);
+    facts = facts_of(place, {});
+    const CardState state = card_state(place);
+    facts = facts_of(place, state);
+    CardStatus status = status_of(*facts, view_public(place, state), days);
+    status.list.advice = advice_on(status);
+    return status;
+}
+
+} // namespace
+
+CardStatus look_at_card(const CardChoice& choice, int days) {
+    std::optional<CardFacts> facts;
+    try {
+        return look_at(choice, days, facts);
+    } catch (Error& error) {
+        if (facts) error.tell_card(*facts);
+        if (facts && error.exit == Exit::failed) error.card = OnCard{{}, {}, true};
+        throw;
+    }
+}
+
+} // namespace zvhost

@@ -1,0 +1,238 @@
+#include "host/card_view.h"
+
+#include "host/error.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zvhost {
+namespace {
+
+// A text ends at its first zero byte, as the library reads identifiers.
+std::string as_text(const Bytes& bytes) {
+    return {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)};
+}
+
+CK_OBJECT_CLASS class_of(const Session& session, CK_OBJECT_HANDLE handle) {
+    const Bytes value = session.attribute(handle, CKA_CLASS);
+    CK_OBJECT_CLASS type = CKO_VENDOR_DEFINED;
+    if (value.size() == sizeof type) std::memcpy(&type, value.data(), sizeof type);
+    return type;
+}
+
+Bytes without_leading_zeros(Bytes number) {
+    const auto first = std::find_if(number.begin(), number.end(), [](unsigned char b) { return b != 0; });
+    number.erase(number.begin(), first);
+    return number;
+}
+
+bool is_key(CK_OBJECT_CLASS type) {
+    return type == CKO_PUBLIC_KEY || type == CKO_PRIVATE_KEY;
+}
+
+// What is no certificate, key or data may refuse to tell anything of itself.
+CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
+    CardObject object;
+    object.handle = handle;
+    object.type = class_of(session, handle);
+    if (object.type != CKO_CERTIFICATE && !is_key(object.type)) {
+        object.id = as_text(session.attribute_if_given(handle, CKA_ID));
+        if (object.type == CKO_DATA) object.label = as_text(session.attribute(handle, CKA_LABEL));
+        return object;
+    }
+    object.id = as_text(session.attribute(handle, CKA_ID));
+    object.label = as_text(session.attribute(handle, CKA_LABEL));
+    if (object.type == CKO_CERTIFICATE) object.value = session.attribute(handle, CKA_VALUE);
+    if (is_key(object.type)) object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
+    if (object.type == CKO_PRIVATE_KEY) {
+        const Bytes always = session.attribute_if_given(handle, CKA_ALWAYS_AUTHENTICATE);
+        object.wants_pin = always.size() == 1 && always.front() == CK_TRUE;
+    }
+    if (object.type == CKO_PUBLIC_KEY)
+        object.exponent = without_leading_zeros(session.attribute(handle, CKA_PUBLIC_EXPONENT));
+    return object;
+}
+
+// These are never taken for pairs of a request.
+bool is_first_key(const std::string& id) {
+    return id == ZV_OWN_PAIR ||
+           std::any_of(std::begin(zv::KINDS), std::end(zv::KINDS), [&](const zv::KindRow& kind) {
+               return kind.new_pair && zv::in_series(id, kind.series, zv::FIRST_DIGITS);
+           });
+}
+
+std::vector<std::string> uncertified_public_keys(const CardView& view) {
+    std::vector<std::string> found = view.identifiers();
+    std::erase_if(found, [&](const std::string& id) {
+        return view.find(CKO_PUBLIC_KEY, id) == nullptr || view.find(CKO_CERTIFICATE, id) != nullptr;
+    });
+    return found;
+}
+
+// Cards pad what they hold.
+bool begins_with(const Bytes& stored, const Bytes& expected) {
+    return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
+}
+
+// A PIN is for the card that it was proved with, and an answer is about one card.
+void require_same_card(const Module& module, const CardState& state) {
+    const CK_TOKEN_INFO token = module.token(state.slot);
+    if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
+        throw Error(Exit::failed, "Another card is in the reader.",
+                    Advice{"insert-card", "Put the card back that the command began with."});
+}
+
+} // namespace
+
+const CardObject* CardView::find(CK_OBJECT_CLASS type, const std::string& id) const {
+    const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const CardObject& object) {
+        return object.type == type && object.id == id;
+    });
+    return found == objects_.end() ? nullptr : &*found;
+}
+
+std::vector<const CardObject*> CardView::certificates(const std::string& id) const {
+    std::vector<const CardObject*> found;
+    for (const CardObject& object : objects_)
+        if (object.type == CKO_CERTIFICATE && object.id == id) found.push_back(&object);
+    return found;
+}
+
+const CardObject* CardView::certificate(const std::string& id, const Bytes& der) const {
+    const std::vector<const CardObject*> all = certificates(id);
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const CardObject* one) { return begins_with(one->value, der); });
+    return found == all.end() ? nullptr : *found;
+}
+
+bool CardView::marked_pending() const {
+    return std::any_of(objects_.begin(), objects_.end(), [](const CardObject& object) {
+        return object.type == CKO_DATA && object.label == ZV_PENDING_MARKER;
+    });
+}
+
+bool CardView::wants_pin(const std::string& id) const {
+    const CardObject* key = find(CKO_PRIVATE_KEY, id);
+    return key != nullptr && key->wants_pin;
+}
+
+std::size_t CardView::private_keys(const std::string& id) const {
+    const auto fits = [&](const CardObject& object) {
+        return object.type == CKO_PRIVATE_KEY && object.id == id;
+    };
+    return static_cast<std::size_t>(std::count_if(objects_.begin(), objects_.end(), fits));
+}
+
+bool CardView::has(const std::string& id) const {
+    return std::any_of(objects_.begin(), objects_.end(), [&](const auto& object) { return object.id == id; });
+}
+
+Bytes CardView::modulus(const std::string& id) const {
+    for (const CK_OBJECT_CLASS type : {CKO_PUBLIC_KEY, CKO_PRIVATE_KEY})
+        if (const CardObject* key = find(type, id); key != nullptr && !key->value.empty()) return key->value;
+    return {};
+}
+
+std::vector<std::string> CardView::identifiers() const {
+    std::vector<std::string> found;
+    for (const CardObject& object : objects_)
+        if (!object.id.empty() && std::find(found.begin(), found.end(), object.id) == found.end())
+            found.push_back(object.id);
+    return found;
+}
+
+std::vector<std::string> CardView::others_containing(const std::string& text) const {
+    std::vector<std::string> found = identifiers();
+    std::erase_if(found,
+                  [&](const std::string& id) { return id == text || id.find(text) == std::string::npos; });
+    return found;
+}
+
+std::vector<std::string> CardView::pending_pairs() const {
+    std::vector<std::string> found = identifiers();
+    std::erase_if(found, [&](const std::string& id) {
+        const bool pair = find(CKO_PUBLIC_KEY, id) != nullptr && find(CKO_PRIVATE_KEY, id) != nullptr;
+        return !pair || find(CKO_CERTIFICATE, id) != nullptr || is_first_key(id);
+    });
+    return found;
+}
+
+std::vector<std::string> CardView::pending_public_keys() const {
+    std::vector<std::string> found = uncertified_public_keys(*this);
+    std::erase_if(found, is_first_key);
+    return found;
+}
+
+std::vector<std::string> CardView::uncertified_first_keys() const {
+    std::vector<std::string> found = uncertified_public_keys(*this);
+    std::erase_if(found, [](const std::string& id) { return !is_first_key(id); });
+    return found;
+}
+
+OnCard CardView::contents() const {
+    OnCard contents;
+    for (const std::string& id : identifiers())
+        contents.held.push_back({id, certificates(id).size(), find(CKO_PUBLIC_KEY, id) != nullptr,
+                                 find(CKO_PRIVATE_KEY, id) != nullptr});
+    return contents;
+}
+
+void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
+    for (const std::string& id : ids)
+        if (view.private_keys(id) > 1)
+            throw Error(Exit::refused,
+                        "There are several private keys " + id +
+                            " on the card: which one is taken would be chance.",
+                        Advice{"doubled",
+                               "With the card's own software, remove the keys " + id +
+                                   " that no certificate is wanted for; then run the command again.",
+                               {{"remove", std::vector{id}}}});
+}
+
+void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
+    const Module module(card.place.module_path);
+    require_same_card(module, card.state);
+    Session session(module, card.state.slot);
+    session.log_in(card.pin);
+    work(session);
+}
+
+CardView view_in(const Session& session) {
+    std::vector<CardObject> objects;
+    for (const CK_OBJECT_HANDLE handle : session.objects())
+        objects.push_back(read_object(session, handle));
+    return CardView(std::move(objects));
+}
+
+CardView view_card(OpenedCard& card) {
+    CardView view({});
+    with_session(card, [&](const Session& session) { view = view_in(session); });
+    return view;
+}
+
+CardView view_public(const Place& place, const CardState& state) {
+    const Module module(place.module_path);
+    require_same_card(module, state);
+    return view_in(Session(module, state.slot));
+}
+
+CardNow card_now(OpenedCard& card) {
+    // A session that a failed call left open would keep the module from being started.
+    kvFinalize();
+    try {
+        const CardView view = view_card(card);
+        return {view, view.contents()};
+    } catch (const Error& stop) {
+        return {std::nullopt, {{}, stop.sentence, false}};
+    }
+}
+
+bool CardNow::is_pending(const std::string& pair) const {
+    if (!view) return false;
+    const std::vector<std::string> pending = view->pending_pairs();
+    return std::find(pending.begin(), pending.end(), pair) != pending.end();
+}
+
+} // namespace zvhost

@@ -1,0 +1,268 @@
+#include "host/install.h"
+
+#include "host/about_card.h"
+#include "host/install_plan.h"
+#include "host/library_text.h"
+#include "host/new_file.h"
+#include "host/proof.h"
+#include "host/suitability.h"
+#include "zvRenew.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace zvhost {
+namespace {
+
+// Saves what is about to be replaced. A file that holds all of it already will do.
+std::string save_backup(const InstallPlan& plan) {
+    if (plan.backup.blocks.empty()) return plan.old ? plan.old->backup : std::string();
+    const std::string& file = plan.backup.file;
+    if (const auto there = read_backup(file); there && there->covers(plan.backup)) return file;
+    try {
+        NewFile(file).save(plan.backup.text());
+    } catch (Error& stop) {
+        if (stop.exit == Exit::refused)
+            stop.advice = {
+                {"other-file", "Give the backup another name with --backup FILE.", {{"file", file}}}};
+        throw;
+    }
+    return file;
+}
+
+void announce_install(const InstallPlan& plan, Progress& progress) {
+    const auto note = [&](const Sentence& sentence) { progress.notice(sentence); };
+    if (const std::string issuer = new_issuer(plan); !issuer.empty()) note(issuer);
+    if (plan.removed.empty()) return;
+    if (plan.kind == Kind::services)
+        return note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
+    note(fmt::format("Removing {} from the card, keys included.", plan.removed.front()));
+    if (plan.removed.size() > 1)
+        note(fmt::format("The authority's certificate \"{}\" goes too: nothing puts it back.",
+                         plan.removed[1]));
+}
+
+int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
+    const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
+    // Where nothing is removed the label only has to be one that is not empty.
+    std::string label = plan.removed.empty() ? plan.pair : plan.old->id;
+    label.resize(std::max(label.size(), std::size_t{ZV_LABEL_SIZE}), '\0');
+    std::string pair = plan.pair;
+    std::string text = base64_of(plan.certificate);
+    forget_library_texts();
+    return save(card.pin.text(), label.data(), pair.data(), text.data(), keep);
+}
+
+Advice say_backup(const std::string& backup) {
+    return {"backup", fmt::format("A copy of the old certificate: {}", backup), {{"file", backup}}};
+}
+
+// What the card may have refused: it does not say why.
+void advise_on_room(std::vector<Advice>& advice, const InstallPlan& plan) {
+    if (plan.kind == Kind::services && plan.removed.empty() && plan.old && plan.old->on_card)
+        advice.push_back({"remove-old", "A card that takes one certificate of an identifier only needs "
+                                        "--remove-old beside that."});
+    else if (plan.removed.empty() && plan.old && plan.old->on_card)
+        advice.push_back(
+            {"remove-old",
+             fmt::format("If the card is full, the old certificate makes room: give --remove-old "
+                         "--replace {} beside that.",
+                         plan.old->id),
+             {{"replace", plan.old->id}}});
+    else if (plan.kind != Kind::services)
+        advice.push_back({"make-room",
+                          "If the card is full, remove something from it with the card's own software "
+                          "first."});
+}
+
+std::vector<Advice> advice_after_failure(const InstallPlan& plan, const CardNow& now) {
+    if (!now.view) return {{"repeat", "Put the card in the reader and run the same command again."}};
+    if (now.view->certificate(plan.pair, plan.certificate) != nullptr)
+        return {{"repeat", "To try the new key once more, run the same command again."}};
+    if (now.view->find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
+        return {{"list", "See what is on the card with: zvrenew list"}};
+    const char* keys = plan.kind == Kind::services
+                           ? "The keys {} are as they were: run the same command again."
+                           : "The pair {} still waits for the certificate: run the "
+                             "same command again.";
+    std::vector<Advice> advice{{"repeat", fmt::format(fmt::runtime(keys), plan.pair), {{"pair", plan.pair}}}};
+    advise_on_room(advice, plan);
+    return advice;
+}
+
+[[noreturn]] void stop_install(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
+                               Error stop) {
+    const CardNow now = card_now(card);
+    stop.card = now.contents;
+    if (stop.advice.empty() || stop.advice.front().key != "signature-pin")
+        for (Advice& advice : advice_after_failure(plan, now))
+            stop.advice.push_back(std::move(advice));
+    if (!backup.empty()) stop.advice.push_back(say_backup(backup));
+    throw stop;
+}
+
+// Of a services card only the certificate goes, whose place the new one takes.
+bool is_left(const InstallPlan& plan, const CardView& view, const std::string& id) {
+    return plan.kind == Kind::services ? view.certificates(id).size() > 1 : view.has(id);
+}
+
+Error because_left(const std::vector<std::string>& left, const InstallPlan& plan, const CardNow& now,
+                   const std::string& backup) {
+    const std::string what = plan.kind == Kind::services
+                                 ? fmt::format("another certificate {} is still there", plan.pair)
+                                 : fmt::format("{} could not be removed whole", fmt::join(left, ", "));
+    Error stop(Exit::failed,
+               fmt::format("The new certificate is stored and verified, as {}, but {}.", plan.pair, what),
+               Advice{"card-software", "Remove it with the card's own software.", {{"remove", left}}});
+    stop.advice.push_back(say_backup(backup));
+    stop.card = now.contents;
+    stop.logged = true;
+    return stop;
+}
+
+// The library says nothing of an object that would not go.
+void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::string& backup) {
+    if (!now.view) return;
+    std::vector<std::string> left = plan.removed;
+    std::erase_if(left, [&](const std::string& id) { return !is_left(plan, *now.view, id); });
+    if (!left.empty()) throw because_left(left, plan, now, backup);
+}
+
+OldCertificateNow old_now(const InstallPlan& plan) {
+    if (!plan.old) return OldCertificateNow::none;
+    if (!plan.removed.empty()) return OldCertificateNow::removed;
+    if (!plan.old->on_card) return OldCertificateNow::gone_before;
+    return plan.kind == Kind::services ? OldCertificateNow::under_the_same_identifier
+                                       : OldCertificateNow::beside;
+}
+
+constexpr const char* MARK_LEFT =
+    "The mark " ZV_PENDING_MARKER " of the request is still on the card: the list "
+    "shows a request under way until the "
+    "next\ncertificate is installed, or the card's own software removes it.";
+
+Advice say_mark_left() {
+    return {"mark", MARK_LEFT};
+}
+
+Advice say_left(const std::vector<std::string>& left) {
+    return {
+        "card-software",
+        fmt::format(
+            "Left on the card of a certificate removed before: {}. The card's own software can remove it.",
+            fmt::join(left, ", ")),
+        {{"remove", left}}};
+}
+
+Installed told(OpenedCard& card, const InstallPlan& plan, const std::string& backup, const Proof& proof) {
+    const CardNow now = card_now(card);
+    refuse_leftovers(plan, now, backup);
+    Installed installed{card.facts(),
+                        plan.kind,
+                        plan.pair,
+                        proof.signed_with,
+                        plan.old ? plan.old->id : "",
+                        old_now(plan),
+                        plan.removed,
+                        plan.left,
+                        !new_issuer(plan).empty(),
+                        backup,
+                        now.contents,
+                        plan.kind == Kind::services && now.view && now.view->marked_pending(),
+                        {}};
+    if (installed.mark_left) installed.advice.push_back(say_mark_left());
+    if (!plan.left.empty()) installed.advice.push_back(say_left(plan.left));
+    return installed;
+}
+
+// What a run before this one may have left, when it was broken off after installing.
+Error because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory& inventory,
+                     const CardView& view, const std::string& id) {
+    Proof proof;
+    for (const Certificate& certificate : files.certificates)
+        if (view.certificate(id, certificate.der()) != nullptr)
+            proof = prove_pair(card, id, certificate.der(), KeyPin::kept);
+    if (!proof.reason.empty())
+        return {Exit::failed,
+                {"stored-already-unproved", {{"pair", id}, {"reason", std::vector{proof.reason}}}}};
+    Error stop(Exit::refused,
+               fmt::format("The certificate is on the card already, as {}: {}.", id,
+                           proof.signed_with
+                               ? "a signature of its key verifies with it"
+                               : "its key, which wants a PIN before each signature, is the right one"));
+    stop.found = AlreadyStored{id, proof.signed_with};
+    std::vector<std::string> left;
+    for (const RetiredPair& pair : inventory.retired)
+        left.push_back(pair.id);
+    if (!left.empty()) stop.advice.push_back(say_left(left));
+    if (id == ZV_OWN_PAIR && view.marked_pending()) stop.advice.push_back(say_mark_left());
+    return stop;
+}
+
+Error because_unproved(const Proof& proof) {
+    Error stop(Exit::failed, {"stored-unproved", {{"reason", std::vector{proof.reason}}}});
+    if (proof.advice) stop.advice.push_back(*proof.advice);
+    return stop;
+}
+
+} // namespace
+
+class PlannedInstall::Work {
+  public:
+    Work(InstallWishes wishes, IssuedFiles files, OpenedCard card)
+        : wishes_(std::move(wishes)), files_(std::move(files)), card_(std::move(card)) {}
+
+    [[nodiscard]] OpenedCard& card() { return card_; }
+
+    void plan() {
+        const CardView before = view_card(card_);
+        const Inventory inventory = read_inventory(card_, before, wishes_.backup);
+        if (const std::string id = stored_already(files_, inventory, before); !id.empty())
+            throw because_stored(card_, files_, inventory, before, id);
+        plan_ = plan_install(wishes_, files_, card_, inventory, before);
+    }
+
+    [[nodiscard]] Installed apply(Progress& progress) {
+        progress.changing();
+        const std::string backup = save_backup(plan_);
+        announce_install(plan_, progress);
+        require_alone(card_);
+        if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK)
+            fail(backup, library_stop("The certificate could not be stored", code));
+        const Proof proof = prove_pair(card_, plan_.pair, plan_.certificate, KeyPin::given);
+        if (!proof.reason.empty()) fail(backup, because_unproved(proof));
+        return told(card_, plan_, backup, proof);
+    }
+
+  private:
+    [[noreturn]] void fail(const std::string& backup, const Error& error) {
+        stop_install(card_, plan_, backup, error);
+    }
+
+    InstallWishes wishes_;
+    IssuedFiles files_;
+    OpenedCard card_;
+    InstallPlan plan_;
+};
+
+PlannedInstall::PlannedInstall(std::shared_ptr<Work> work) : work_(std::move(work)) {}
+
+Installed PlannedInstall::apply(Progress& progress) {
+    return about_card(work_->card(), [&] { return work_->apply(progress); });
+}
+
+PlannedInstall plan_install(const InstallWishes& wishes, const CardChoice& choice, PinSource& pin) {
+    IssuedFiles files = read_issued_files(wishes);
+    // One that is there may be of a run that was broken off.
+    if (std::error_code error; !wishes.backup.empty() && !std::filesystem::exists(wishes.backup, error))
+        NewFile trial(wishes.backup);
+    const auto work = std::make_shared<PlannedInstall::Work>(wishes, std::move(files),
+                                                             open_card(choice, pin, Use::changing));
+    about_card(work->card(), [&] { work->plan(); });
+    return PlannedInstall(work);
+}
+
+} // namespace zvhost

@@ -1,0 +1,151 @@
+#include "host/install_plan.h"
+
+#include "host/certificate_facts.h"
+#include "host/error.h"
+#include "host/old_certificate.h"
+#include "host/read_file.h"
+#include "host/removal.h"
+#include "host/signed_request.h"
+#include "host/suitability.h"
+#include "zvRenew.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace zvhost {
+namespace {
+
+// Of two that end in the same second the later one in the file.
+bool ends_later(const Certificate& one, const Certificate* other) {
+    return other == nullptr || end_of(*one) >= end_of(**other);
+}
+
+// A services card's old and new certificate have one key.
+const Certificate* certificate_with(const std::vector<Certificate>& certificates, const Bytes& modulus) {
+    const Certificate* found = nullptr;
+    for (const Certificate& one : certificates)
+        if (modulus_of(*one) == modulus && ends_later(one, found)) found = &one;
+    return found;
+}
+
+struct Match {
+    PendingPair pair;
+    const Certificate* certificate;
+};
+
+std::string ids(const std::vector<PendingPair>& pairs) {
+    std::vector<std::string> list;
+    list.reserve(pairs.size());
+    for (const PendingPair& pair : pairs)
+        list.push_back(pair.id);
+    return fmt::format("{}", fmt::join(list, ", "));
+}
+
+// A services card's own pair takes a new certificate also when the mark of its request is not there.
+std::vector<PendingPair> pairs_to_serve(const Inventory& inventory) {
+    std::vector<PendingPair> pairs = inventory.pending;
+    if (inventory.own_pair) pairs.push_back({Kind::services, ZV_OWN_PAIR});
+    return pairs;
+}
+
+// Every private key without a certificate can take its own, also the one that a removal left.
+std::vector<PendingPair> pairs_to_try(const Inventory& inventory, const CardView& view) {
+    std::vector<PendingPair> pairs = pairs_to_serve(inventory);
+    for (const std::string& id : view.identifiers())
+        if (id != ZV_OWN_PAIR && view.find(CKO_PRIVATE_KEY, id) != nullptr && view.certificates(id).empty())
+            pairs.push_back({kind_of_pair(id), id});
+    return pairs;
+}
+
+std::optional<Match> match_one(const std::vector<PendingPair>& pairs, const IssuedFiles& files,
+                               const CardView& view) {
+    for (const PendingPair& pair : pairs) {
+        const Bytes key = view.modulus(pair.id);
+        if (key.empty() || (!files.request_key.empty() && key != files.request_key)) continue;
+        const Certificate* certificate = certificate_with(files.certificates, key);
+        if (certificate != nullptr && view.certificate(pair.id, certificate->der()) == nullptr)
+            return Match{pair, certificate};
+    }
+    return std::nullopt;
+}
+
+Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
+    if (const auto match = match_one(pairs_to_try(inventory, view), files, view)) return *match;
+    const std::vector<PendingPair> pairs = pairs_to_serve(inventory);
+    if (pairs.empty())
+        throw Error(Exit::refused, "No pair on the card waits for a certificate.",
+                    Advice{"list", "See what is on the card with: zvrenew list"});
+    throw Error(Exit::refused,
+                fmt::format("The certificate is for another key than what can take one on the card ({}).",
+                            ids(pairs)),
+                Advice{"other-card", "Install it on the card whose request it answers."});
+}
+
+// Keys are looked up, and objects removed, by whether their identifier contains a text.
+void refuse_ambiguous(const InstallPlan& plan, const CardView& view) {
+    if (plan.pair.size() > ZV_PENDING_LABEL_MAX)
+        throw Error(Exit::refused,
+                    fmt::format("The identifier {} is too long to be worked with.", plan.pair));
+    if (const auto others = view.others_containing(plan.pair); !others.empty())
+        throw Error(Exit::refused,
+                    fmt::format("The identifier {} is part of {} on the card: another key could get the "
+                                "certificate.",
+                                plan.pair, fmt::join(others, ", ")));
+}
+
+} // namespace
+
+IssuedFiles read_issued_files(const InstallWishes& wishes) {
+    if (is_request(read_file(wishes.certificate_file, "The file")))
+        throw Error(Exit::refused, fmt::format("{} is a request, not the certificate that answers it.",
+                                               wishes.certificate_file));
+    IssuedFiles files{certificates_in_file(wishes.certificate_file), {}, {}};
+    if (wishes.request_file.empty()) return files;
+    const std::string request = read_file(wishes.request_file, "The request");
+    files.request_key = modulus_of_request(request);
+    files.signer = signer_of_request(request);
+    if (files.request_key.empty())
+        throw Error(Exit::refused, fmt::format("There is no request in {}.", wishes.request_file));
+    if (certificate_with(files.certificates, files.request_key) == nullptr)
+        throw Error(Exit::refused,
+                    fmt::format("The certificate in {} is for another key than the request in {}.",
+                                wishes.certificate_file, wishes.request_file));
+    return files;
+}
+
+std::string stored_already(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
+    if (match_one(pairs_to_serve(inventory), files, view)) return {};
+    std::string found;
+    const Certificate* last = nullptr;
+    for (const Certificate& certificate : files.certificates)
+        for (const std::string& id : view.identifiers())
+            if (ends_later(certificate, last) && view.find(CKO_PRIVATE_KEY, id) != nullptr &&
+                view.certificate(id, certificate.der()) != nullptr) {
+                last = &certificate;
+                found = id;
+            }
+    return found;
+}
+
+InstallPlan plan_install(const InstallWishes& wishes, const IssuedFiles& files, const OpenedCard& card,
+                         const Inventory& inventory, const CardView& view) {
+    const Match match = match_pair(files, inventory, view);
+    if (const std::string reason = why_not_storable(*match.certificate); !reason.empty())
+        throw Error(Exit::refused, fmt::format("The certificate cannot be stored: {}.", reason));
+    InstallPlan plan;
+    plan.certificate = match.certificate->der();
+    plan.pair = match.pair.id;
+    plan.kind = match.pair.kind;
+    plan.old =
+        find_old({wishes, files, view, inventory.backups, card, plan.kind, plan.pair, plan.certificate});
+    refuse_ambiguous(plan, view);
+    refuse_doubled(view, {plan.pair});
+    if (plan.old) plan_removal(plan, wishes, card.state.serial, view);
+    refuse_doubled(view, plan.removed);
+    refuse_worthless(wishes, plan, files, view);
+    return plan;
+}
+
+} // namespace zvhost

@@ -1,0 +1,27 @@
+#include "host/log_folder.h"
+
+#include "routines/diag.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace zvhost {
+
+std::string log_path() {
+    return getLogPath();
+}
+
+Sentence make_log_folder() {
+    const std::string log = log_path();
+    const std::string folder = log.substr(0, log.rfind('/'));
+    if (folder.empty() || mkdir(folder.c_str(), S_IRWXU) == 0) return {};
+    const int reason = errno;
+    struct stat status {};
+    if (reason == EEXIST && stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
+    return fmt::format("There will be no log: {} cannot be made ({}).", folder, std::strerror(reason));
+}
+
+} // namespace zvhost

@@ -1,0 +1,176 @@
+#include "host/module.h"
+
+#include "host/error.h"
+#include "host/library_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <string_view>
+
+namespace zvhost {
+namespace {
+
+// What a module answers is not trusted: no card has this many, and nothing on it is this large.
+constexpr CK_ULONG MOST_SLOTS = 256;
+constexpr std::size_t MOST_OBJECTS = 1024;
+constexpr CK_ULONG LONGEST_ATTRIBUTE = 65536;
+constexpr CK_ULONG LONGEST_SIGNATURE = 1024;
+
+using List = CK_FUNCTION_LIST;
+
+void require(CK_RV result, std::string_view what) {
+    if (result == CKR_OK) return;
+    const int code = result <= 0x7FFFFFFF ? static_cast<int>(result) : -1;
+    forget_library_texts();
+    throw Error(Exit::failed, fmt::format("{} failed{}.", what, library_reason(code)));
+}
+
+pkcs11::Module load(const std::string& path) {
+    try {
+        return pkcs11::Module(path, pkcs11::Mapped::until_exit);
+    } catch (const pkcs11::NotLoaded& reason) {
+        throw Error(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, reason.what()));
+    } catch (const pkcs11::NotAModule&) {
+        throw Error(Exit::failed, fmt::format("{} is no PKCS#11 module.", path));
+    }
+}
+
+} // namespace
+
+Module::Module(const std::string& path) : loaded_(load(path)) {
+    require(call<&List::C_Initialize>(nullptr), "Starting the card's module");
+}
+
+Module::~Module() {
+    // Nothing can be done about a module that does not end.
+    [[maybe_unused]] const CK_RV result = call<&List::C_Finalize>(nullptr);
+}
+
+std::vector<CK_SLOT_ID> Module::slots() const {
+    CK_ULONG count = 0;
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count), "Listing the slots");
+    std::vector<CK_SLOT_ID> found(std::min(count, MOST_SLOTS));
+    CK_ULONG filled = found.size();
+    if (found.empty()) return found;
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_TRUE}, found.data(), &filled), "Listing the slots");
+    if (filled < found.size()) found.resize(filled);
+    return found;
+}
+
+std::string Module::description(CK_SLOT_ID slot) const {
+    CK_SLOT_INFO info{};
+    if (call<&List::C_GetSlotInfo>(slot, &info) != CKR_OK) return {};
+    if ((info.flags & CKF_TOKEN_PRESENT) == 0) return {};
+    const auto* text = reinterpret_cast<const char*>(info.slotDescription);
+    std::string found(text, strnlen(text, sizeof info.slotDescription));
+    while (!found.empty() && std::isspace(static_cast<unsigned char>(found.back())) != 0)
+        found.pop_back();
+    return found;
+}
+
+CK_TOKEN_INFO Module::token(CK_SLOT_ID slot) const {
+    CK_TOKEN_INFO info{};
+    require(call<&List::C_GetTokenInfo>(slot, &info), "Asking the card for its state");
+    return info;
+}
+
+Session::Session(const Module& module, CK_SLOT_ID slot) : module_(module), slot_(slot) {
+    require(module_.call<&List::C_OpenSession>(slot, CKF_SERIAL_SESSION, nullptr, nullptr, &handle_),
+            "Opening a session with the card");
+}
+
+Session::~Session() {
+    // A card that is gone closes the session by itself.
+    [[maybe_unused]] const CK_RV result = module_.call<&List::C_CloseSession>(handle_);
+}
+
+void Session::log_in(Pin& pin) {
+    auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
+    const CK_RV result =
+        module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
+    if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "The login");
+}
+
+std::vector<CK_OBJECT_HANDLE> Session::objects() const {
+    require(module_.call<&List::C_FindObjectsInit>(handle_, nullptr, CK_ULONG{0}), "Searching the card");
+    std::vector<CK_OBJECT_HANDLE> found;
+    CK_RV result = CKR_OK;
+    CK_ULONG count = 0;
+    do {
+        std::array<CK_OBJECT_HANDLE, 16> some{};
+        count = 0;
+        result = module_.call<&List::C_FindObjects>(handle_, some.data(), CK_ULONG{some.size()}, &count);
+        if (result == CKR_OK && (count > some.size() || found.size() > MOST_OBJECTS))
+            result = CKR_GENERAL_ERROR;
+        if (result == CKR_OK) found.insert(found.end(), some.begin(), some.begin() + count);
+    } while (result == CKR_OK && count != 0);
+    const CK_RV closed = module_.call<&List::C_FindObjectsFinal>(handle_);
+    require(result, "Searching the card");
+    require(closed, "Searching the card");
+    return found;
+}
+
+CK_RV Session::read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type, Bytes& value) const {
+    CK_ATTRIBUTE wanted{type, nullptr, 0};
+    const auto ask = [&] {
+        return module_.call<&List::C_GetAttributeValue>(handle_, object, &wanted, CK_ULONG{1});
+    };
+    CK_RV result = ask();
+    if (result != CKR_OK || wanted.ulValueLen == 0) return result;
+    if (wanted.ulValueLen > LONGEST_ATTRIBUTE) return CKR_GENERAL_ERROR;
+    value.resize(wanted.ulValueLen);
+    wanted.pValue = value.data();
+    result = ask();
+    if (result == CKR_OK && wanted.ulValueLen > value.size()) result = CKR_GENERAL_ERROR;
+    value.resize(result == CKR_OK ? wanted.ulValueLen : 0);
+    return result;
+}
+
+Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+    Bytes value;
+    const CK_RV result = read(object, type, value);
+    if (result != CKR_ATTRIBUTE_SENSITIVE && result != CKR_ATTRIBUTE_TYPE_INVALID)
+        require(result, "Reading an object of the card");
+    return value;
+}
+
+Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
+    Bytes value;
+    return read(object, type, value) == CKR_OK ? value : Bytes();
+}
+
+bool Session::last_try() const {
+    return (module_.token(slot_).flags & (CKF_USER_PIN_FINAL_TRY | CKF_USER_PIN_LOCKED)) != 0;
+}
+
+bool Session::takes(Pin& pin) const {
+    auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
+    const CK_RV result = module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_CONTEXT_SPECIFIC}, text,
+                                                      CK_ULONG{pin.view().size()});
+    for (const CK_RV refusal :
+         {CKR_PIN_INCORRECT, CKR_PIN_INVALID, CKR_PIN_LEN_RANGE, CKR_PIN_EXPIRED, CKR_PIN_LOCKED})
+        if (result == refusal) return false;
+    // The key wants nothing more, or its module knows no such login.
+    if (result != CKR_USER_ALREADY_LOGGED_IN && result != CKR_USER_TYPE_INVALID)
+        require(result, "The login for a signature");
+    return true;
+}
+
+std::optional<Bytes> Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info, Pin* pin) const {
+    CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
+    require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "Starting a signature");
+    if (pin != nullptr && !takes(*pin)) return std::nullopt;
+    Bytes signature(LONGEST_SIGNATURE);
+    CK_ULONG length = signature.size();
+    require(module_.call<&List::C_Sign>(handle_, digest_info.data(), CK_ULONG{digest_info.size()},
+                                        signature.data(), &length),
+            "Signing with the card");
+    signature.resize(std::min<std::size_t>(length, signature.size()));
+    return signature;
+}
+
+} // namespace zvhost

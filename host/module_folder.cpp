@@ -1,0 +1,83 @@
+#include "host/module_folder.h"
+
+#include "host/error.h"
+#include "zvRenew.h"
+
+#include <fmt/format.h>
+#ifdef __APPLE__
+#include <mach-o/dyld.h>
+
+#include <cstdint>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace zvhost {
+namespace {
+
+fs::path program_folder() {
+    std::error_code none;
+#ifdef __APPLE__
+    std::string path(4096, '\0');
+    auto size = static_cast<std::uint32_t>(path.size());
+    if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
+    return fs::weakly_canonical(path.c_str(), none).parent_path();
+#else
+    return fs::read_symlink("/proc/self/exe", none).parent_path();
+#endif
+}
+
+bool holds(const fs::path& folder, const std::string& module) {
+    std::error_code none;
+    return fs::is_regular_file(folder / module, none);
+}
+
+std::string listed(const std::vector<fs::path>& folders) {
+    std::string text;
+    for (const fs::path& folder : folders)
+        text += (text.empty() ? "" : ", ") + folder.string();
+    return text;
+}
+
+} // namespace
+
+std::vector<fs::path> module_folders() {
+    std::vector<fs::path> folders;
+    if (const fs::path own = program_folder(); !own.empty()) {
+        const fs::path prefix = own.parent_path();
+        folders = {prefix / "lib", prefix / ZV_INSTALL_LIBDIR, prefix / ZV_INSTALL_LIBDIR / "pkcs11"};
+    }
+#ifdef __APPLE__
+    const auto system = {"/usr/local/lib", "/opt/homebrew/lib", "/usr/lib"};
+#else
+    const auto system = {"/usr/local/lib",
+                         "/usr/lib/" ZV_LIBRARY_ARCHITECTURE "/pkcs11",
+                         "/usr/lib/" ZV_LIBRARY_ARCHITECTURE,
+                         "/usr/lib64/pkcs11",
+                         "/usr/lib64",
+                         "/usr/lib/pkcs11",
+                         "/usr/lib"};
+#endif
+    folders.insert(folders.end(), system.begin(), system.end());
+    return folders;
+}
+
+fs::path folder_of_module(const std::string& module, const std::string& given) {
+    const std::vector<fs::path> folders = given.empty() ? module_folders() : std::vector<fs::path>{given};
+    for (const fs::path& folder : folders) {
+        if (!holds(folder, module)) continue;
+        fs::path found = fs::absolute(folder).lexically_normal();
+        if (found.native().size() > ZV_MODULE_DIR_MAX)
+            throw Error(
+                Exit::refused,
+                fmt::format("The module's folder has a path of more than {} characters.", ZV_MODULE_DIR_MAX));
+        return found;
+    }
+    throw Error(Exit::refused,
+                fmt::format("The card needs the module {}, which is not in {}.", module, listed(folders)),
+                Advice{"module-dir",
+                       "Install the card maker's software, or say where the module is with --module-dir.",
+                       {{"module", module}}});
+}
+
+} // namespace zvhost

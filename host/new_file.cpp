@@ -1,0 +1,120 @@
+#include "host/new_file.h"
+
+#include "host/error.h"
+#include "host/scoped_fd.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace zvhost {
+namespace {
+
+constexpr mode_t READABLE_BY_ALL = 0644;
+
+// More than a request or a few certificates need.
+constexpr std::size_t ROOM = 65536;
+
+int create(const std::string& path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, READABLE_BY_ALL);
+}
+
+std::string folder_of(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+// Not every file system has something to do here; one that has and cannot did not take the file.
+int synced(int fd) {
+    const bool nothing_to_do = ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP;
+    return nothing_to_do ? 0 : errno;
+}
+
+// The functions below give 0, or the error that stopped them.
+
+int write_to(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(fd, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return written < 0 ? errno : EIO;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return synced(fd);
+}
+
+int make(const std::string& path, std::string_view text) {
+    const ScopedFd file(create(path));
+    if (!file) return errno;
+    const int error = write_to(file.get(), text);
+    if (error != 0) ::unlink(path.c_str());
+    return error;
+}
+
+bool rename_to_new(const char* from, const char* to) {
+#ifdef __APPLE__
+    return ::renamex_np(from, to, RENAME_EXCL) == 0;
+#else
+    return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0;
+#endif
+}
+
+// File systems that cannot rename without replacing know links, or neither, as the ones of memory sticks.
+int put(const std::string& from, const std::string& to, std::string_view text) {
+    if (rename_to_new(from.c_str(), to.c_str())) return 0;
+    const bool linked = errno != EEXIST && ::link(from.c_str(), to.c_str()) == 0;
+    const int error = linked ? 0 : errno;
+    ::unlink(from.c_str());
+    return linked || error == EEXIST ? error : make(to, text);
+}
+
+// One of that name was left by a process of this number that was killed.
+std::string draft_beside(const std::string& path) {
+    std::string draft = fmt::format("{}.zvrenew-{}", folder_of(path), ::getpid());
+    ::unlink(draft.c_str());
+    return draft;
+}
+
+int make_whole(const std::string& path, std::string_view text) {
+    const std::string draft = draft_beside(path);
+    if (const int error = make(draft, text); error != 0) return error;
+    if (const int error = put(draft, path, text); error != 0) return error;
+    const ScopedFd folder(::open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return folder ? synced(folder.get()) : 0;
+}
+
+int try_place(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0) return EEXIST;
+    if (errno != ENOENT) return errno;
+    const std::string draft = draft_beside(path);
+    const int error = make(draft, std::string(ROOM, '\0'));
+    ::unlink(draft.c_str());
+    return error;
+}
+
+[[noreturn]] void refuse(const std::string& path, int error) {
+    if (error == EEXIST)
+        throw Error(Exit::refused, fmt::format("There is a file {} already.", path),
+                    Advice{"other-file", "Give another name, or move that file away.", {{"file", path}}});
+    throw Error(Exit::refused, fmt::format("The file {} cannot be made ({}).", path, std::strerror(error)));
+}
+
+} // namespace
+
+NewFile::NewFile(std::string path) : path_(std::move(path)) {
+    if (const int error = try_place(path_); error != 0) refuse(path_, error);
+}
+
+void NewFile::save(std::string_view text) const {
+    const int error = make_whole(path_, text);
+    if (error != 0)
+        throw Error(Exit::failed,
+                    fmt::format("The file {} cannot be written ({}).", path_, std::strerror(error)));
+}
+
+} // namespace zvhost

@@ -1,0 +1,155 @@
+#include "host/pin_gate.h"
+
+#include "host/error.h"
+#include "host/library_text.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace zvhost {
+namespace {
+
+void refuse_risky_try(const CardState& state, bool final_try) {
+    if (state.pin == PinState::locked)
+        throw Error(Exit::refused, "The card's PIN is locked.",
+                    Advice{"unlock", "Unlock it with the card's PUK first."});
+    if (state.pin == PinState::last_try && !final_try)
+        throw Error(Exit::refused, "Only one PIN try is left: a wrong PIN now locks the card.",
+                    Advice{"final-try", "If you are sure of the PIN, give --final-try."});
+}
+
+// What the card says of its PIN after a wrong one; none when it cannot be asked.
+std::optional<PinState> pin_now(const Place& place, bool locked) {
+    try {
+        const CardState now = card_state(place);
+        return locked ? PinState::locked : now.pin;
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+Sentence tries_left(std::optional<PinState> pin) {
+    if (!pin) return Sentence{"pin-tries-not-asked", {}};
+    const Sentence tries = tries_told(*pin);
+    return tries.empty() ? Sentence{"pin-tries-untold", {}} : tries;
+}
+
+Error wrong_pin(const Place& place, CardState state, const std::string& reason, bool locked) {
+    state.pin = pin_now(place, locked);
+    locked = locked || state.pin == PinState::locked;
+    Error stop(Exit::failed,
+               {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
+               locked ? Advice{"unlock", "It takes the card's PUK to unlock the PIN."}
+                      : Advice{"check-pin", "Make sure of the PIN before the next try."});
+    stop.tell_card(facts_of(place, std::move(state)));
+    return stop;
+}
+
+// The crypto library's own session, opened and closed here.
+int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
+    std::string path = place.module_path;
+    int code = kvInitialize(path.data(), static_cast<int>(slot));
+    if (code == ZVC_OK) code = kvLogin(pin.text());
+    if (code != ZVC_OK) return code;
+    return kvFinalize();
+}
+
+void prove_pin(const Place& place, const CardState& state, Pin& pin) {
+    const int code = try_pin(place, state.slot, pin);
+    if (code == ZVC_OK) return;
+    const std::string reason = crypto_reason(code);
+    kvFinalize();
+    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
+        throw wrong_pin(place, state, reason, code == ZVC_ERR_PIN_LOCKED);
+    throw Error(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
+}
+
+// The same for every user, and for every way to the module. (FNV-1a: the name of a file is no secret.)
+std::string lock_of(const Place& place, const CardState& state) {
+    std::error_code none;
+    const std::string module = std::filesystem::weakly_canonical(place.module_path, none);
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const char c : fmt::format("{}\n{}\n{}", module, state.slot, state.serial))
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+    return fmt::format("card-{:016x}", hash);
+}
+
+// People take their time: the card that gets the PIN is looked at again.
+Pin ask_pin(const Place& place, const CardState& state, PinSource& source) {
+    Pin pin = source.ask(facts_of(place, state));
+    check_pin_form(pin);
+    const CardState now = card_state(place);
+    if (now.slot != state.slot || now.serial != state.serial)
+        throw Error(Exit::refused, "Another card is in the reader than when the PIN was asked for.");
+    refuse_risky_try(now, source.final_try());
+    return pin;
+}
+
+// What is known of the card is added to `facts` as soon as it is.
+OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
+                          std::optional<CardFacts>& facts) {
+    std::optional<Pin> early = source.at_once();
+    if (early) check_pin_form(*early);
+    Place place = find_place(choice);
+    facts = facts_of(place, {});
+    CardState state = card_state(place);
+    facts = facts_of(place, state);
+    if (use == Use::changing && state.slot > ZV_LAST_SLOT)
+        throw Error(Exit::refused,
+                    fmt::format("The card is in slot {} of its module; only slots 0 to {} can be "
+                                "worked with.",
+                                state.slot, ZV_LAST_SLOT));
+    refuse_risky_try(state, source.final_try());
+    std::optional<Lock> lock;
+    if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");
+    Pin pin = early ? std::move(*early) : ask_pin(place, state, source);
+    prove_pin(place, state, pin);
+    return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
+}
+
+} // namespace
+
+CardState card_state(const Place& place) {
+    const Module module(place.module_path);
+    CardState state;
+    state.slot = slot_of(module, place.reader);
+    const CK_TOKEN_INFO token = module.token(state.slot);
+    state.label = token_text(token.label, sizeof token.label);
+    state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
+    state.pin = pin_state(token.flags);
+    return state;
+}
+
+CardFacts facts_of(const Place& place, std::optional<CardState> state) {
+    return {place.reader, place.module_path, place.services, std::move(state)};
+}
+
+CardFacts OpenedCard::facts() const {
+    return facts_of(place, state);
+}
+
+void require_alone(const OpenedCard& card) {
+    if (card.lock && !card.lock->holds())
+        throw Error(
+            Exit::refused,
+            "Another program may be at work on this card by now: the file that keeps it away is gone.",
+            Advice{"repeat", "Run the command again."});
+}
+
+OpenedCard open_card(const CardChoice& choice, PinSource& source, Use use) {
+    std::optional<CardFacts> facts;
+    try {
+        return open_untouched(choice, source, use, facts);
+    } catch (Error& stop) {
+        if (facts) stop.tell_card(*facts);
+        if (stop.exit == Exit::failed && !stop.card) stop.card = OnCard{{}, {}, true};
+        throw;
+    }
+}
+
+} // namespace zvhost

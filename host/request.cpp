@@ -1,0 +1,270 @@
+#include "host/request.h"
+
+#include "host/about_card.h"
+#include "host/advice.h"
+#include "host/library_text.h"
+#include "host/new_file.h"
+#include "host/read_file.h"
+#include "host/request_files.h"
+#include "host/request_plan.h"
+#include "host/signed_request.h"
+#include "zvCrypt.h"
+#include "zvRenew.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace zvhost {
+namespace {
+
+void say_what_comes(const RequestPlan& plan, Progress& progress) {
+    const auto note = [&](const Sentence& sentence) { progress.notice(sentence); };
+    if (plan.old.ends < std::time(nullptr))
+        note(fmt::format(
+            "The certificate {} has expired: the authority may not take a request signed with it.",
+            plan.old.id));
+    if (plan.old.kind == Kind::services) {
+        note(fmt::format("The card's own keys {} stay and sign the request.", plan.pair));
+        return;
+    }
+    if (plan.signer_wants_pin)
+        note(fmt::format(
+            "The key {} signs the request and wants the PIN for that: it is given the card's. If it "
+            "has a PIN of its own, that fails and costs one of its tries.",
+            plan.old.id));
+    if (plan.reuse) {
+        note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
+        return;
+    }
+    if (plan.discard)
+        note(
+            fmt::format("The pair {} that waits on the card is discarded: a certificate for it can no longer "
+                        "be installed.",
+                        plan.pair));
+    if (!plan.wants_pin.empty())
+        note(fmt::format(
+            "The key {} wants the PIN before each signature. If the card makes the new pair {} so, too, "
+            "that pair cannot sign its request and stays on the card without one.",
+            plan.wants_pin, plan.pair));
+    note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
+}
+
+// The card could not be read, or gave numbers or a signature that are none: it would do so again.
+bool key_failed() {
+    const std::string_view said = szSockMsg;
+    return said.starts_with("Errore nella lettura del modulo/esponente") ||
+           said.starts_with("Errore nella operazione di firma");
+}
+
+// Another crypto library may mean something else by these codes.
+bool signer_failed(const RequestPlan& plan, const Error& stop) {
+    return plan.signer_wants_pin && (stop.code == ZVC_ERR_KEY_PIN || stop.code == ZVC_ERR_PIN_UNSENT);
+}
+
+Advice advice_on(const RequestPlan& plan, const CardNow& now, const Error& stop) {
+    const Values pair = {{"pair", plan.pair}};
+    if (now.view && now.view->wants_pin(plan.pair)) return leave_to_card_software(plan.pair);
+    if (signer_failed(plan, stop)) return give_key_the_pin(plan.old.id);
+    if (key_failed() && plan.old.kind == Kind::services)
+        return {
+            "own-keys",
+            "Repeat the request with the card in the reader. If that fails in the same way, the card's own "
+            "keys are of no use for a request: its issuer has to help.",
+            pair};
+    if (!now.is_pending(plan.pair))
+        return {"repeat", "See that the card is in the reader and repeat the request."};
+    if (key_failed())
+        return {"new-pair",
+                fmt::format("The card made no request of the pair {}. Make another pair: repeat the request "
+                            "with --new-pair, which discards {}{}.",
+                            plan.pair, plan.pair,
+                            plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
+                pair};
+    if (plan.discard && now.view->modulus(plan.pair) == plan.pending_key)
+        return {"repeat", fmt::format("The pair {} is not discarded yet: repeat the request.", plan.pair),
+                pair};
+    if (plan.discard)
+        return {"without-new-pair",
+                fmt::format("Repeat the request without --new-pair: it will use the pair {}.", plan.pair),
+                pair};
+    return {"repeat-with-pair",
+            fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair), pair};
+}
+
+void explain(OpenedCard& card, const RequestPlan& plan, Error& stop) {
+    const CardNow now = card_now(card);
+    stop.card = now.contents;
+    // A full card stays full.
+    if (stop.advice.empty()) stop.advice.push_back(advice_on(plan, now, stop));
+}
+
+[[noreturn]] void stop_failed(OpenedCard& card, const RequestPlan& plan, Error stop) {
+    explain(card, plan, stop);
+    throw stop;
+}
+
+std::string ask_library(OpenedCard& card, const RequestPlan& plan, Kind kind) {
+    const auto create =
+        kind == Kind::signature ? rinnovo_Card_createCertRequestPRA : rinnovo_Card_createCertRequestAUT;
+    std::vector<char> result(ZV_REQUEST_SIZE, '\0');
+    std::string key = plan.old.id;
+    forget_library_texts();
+    const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
+                            plan.subject.oid_form().c_str(), plan.discard);
+    if (code != ZV_OK) stop_failed(card, plan, library_stop("The request could not be made", code));
+    return {result.data(), strnlen(result.data(), result.size())};
+}
+
+// The library's success alone does not say that there is a request, nor for which pair.
+void check_request(OpenedCard& card, const RequestPlan& plan, const std::string& request) {
+    if (request.size() == ZV_REQUEST_SIZE - 1)
+        stop_failed(card, plan, {Exit::failed, "The request came out too long and was cut."});
+    const Bytes key = modulus_of_request(request);
+    if (key.empty()) stop_failed(card, plan, {Exit::failed, "What came out is no request."});
+    if (plan.discard && key == plan.pending_key)
+        stop_failed(card, plan, {Exit::failed, "The waiting pair could not be discarded."});
+    if (plan.reuse && key != plan.pending_key)
+        stop_failed(card, plan,
+                    {Exit::failed, fmt::format("The request came out for another pair than {}.", plan.pair)});
+}
+
+// The library does not say whether the card took the mark.
+void check_mark(OpenedCard& card, Progress& progress) {
+    const CardNow now = card_now(card);
+    if (!now.view || !now.view->marked_pending())
+        progress.notice(
+            "The card bears no mark of the request: the list will not show that it is under way.");
+}
+
+// Where the request goes.
+struct Output {
+    std::optional<NewFile> file; // none for standard output, or when a request is there already
+    Bytes earlier;               // the key of that request
+};
+
+// A request whose file was made before the program ended, or was ended, is done when it is asked for again.
+Output prepare_output(const RequestWishes& wishes) {
+    Output output;
+    if (wishes.out.empty()) return output;
+    if (std::filesystem::is_regular_file(wishes.out) && wishes.subject.empty() && !wishes.new_pair)
+        output.earlier = modulus_of_request(read_file(wishes.out, "The file"));
+    if (output.earlier.empty()) output.file.emplace(wishes.out);
+    return output;
+}
+
+bool is_done(const Output& output, const RequestPlan& plan, const CardView& view) {
+    const bool under_way = plan.old.kind != Kind::services || view.marked_pending();
+    return plan.reuse && under_way && output.earlier == plan.pending_key;
+}
+
+Advice next_step(const MadeRequest& made) {
+    const bool remove_old = made.kind == Kind::services;
+    return {"install",
+            fmt::format("Send it to the authority. When the certificate comes:\n"
+                        "  zvrenew install CERTIFICATE --request {}{}",
+                        made.file.empty() ? "REQUEST" : made.file, remove_old ? " --remove-old" : ""),
+            {{"kind", kind_name(made.kind)},
+             {"pair", made.pair},
+             {"request", made.file.empty() ? Value() : Value(made.file)},
+             {"remove_old", remove_old}}};
+}
+
+// A discarding that was broken off leaves one key of the two, which no request and no installation uses.
+Advice say_left_keys(const std::vector<std::string>& left) {
+    return {"card-software",
+            fmt::format("Left on the card of a pair that is no longer whole: {}. The card's own "
+                        "software can remove it.",
+                        fmt::join(left, ", ")),
+            {{"remove", left}}};
+}
+
+} // namespace
+
+// Lives as long as the last that tells of it: the card may have to be read once more.
+class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
+  public:
+    Work(RequestWishes wishes, Output output, Lock files, OpenedCard card)
+        : wishes_(std::move(wishes)), output_(std::move(output)), files_(std::move(files)),
+          card_(std::move(card)) {}
+
+    void plan(std::optional<DistinguishedName> subject) {
+        const CardView view = view_card(card_);
+        const Inventory inventory = read_inventory(card_, view);
+        plan_ = plan_request(wishes_, inventory, view, std::move(subject));
+        if (output_.earlier.empty()) return;
+        if (!is_done(output_, plan_, view)) NewFile refused(wishes_.out);
+    }
+    [[nodiscard]] OpenedCard& card() { return card_; }
+
+    [[nodiscard]] MadeRequest apply(Progress& progress) {
+        if (!output_.earlier.empty()) return told({});
+        if (output_.file) NewFile still_free(wishes_.out);
+        progress.changing();
+        say_what_comes(plan_, progress);
+        require_alone(card_);
+        const std::string text = ask_library(card_, plan_, wishes_.kind);
+        check_request(card_, plan_, text);
+        if (wishes_.kind == Kind::services) check_mark(card_, progress);
+        save(text);
+        MadeRequest made = told(output_.file ? "" : text);
+        made.unsaid = [self = shared_from_this()](Error& error) { explain(self->card_, self->plan_, error); };
+        return made;
+    }
+
+  private:
+    void save(const std::string& text) {
+        try {
+            if (output_.file) output_.file->save(text);
+        } catch (const Error& error) {
+            stop_failed(card_, plan_, error);
+        }
+    }
+    [[nodiscard]] MadeRequest told(const std::string& text) const {
+        MadeRequest made{card_.facts(),
+                         wishes_.kind,
+                         plan_.old.id,
+                         plan_.pair,
+                         plan_.reuse,
+                         plan_.subject,
+                         wishes_.out,
+                         !output_.earlier.empty(),
+                         text,
+                         {},
+                         {}};
+        made.advice.push_back(next_step(made));
+        if (!plan_.left.empty()) made.advice.push_back(say_left_keys(plan_.left));
+        return made;
+    }
+
+    RequestWishes wishes_;
+    Output output_;
+    Lock files_;
+    OpenedCard card_;
+    RequestPlan plan_;
+};
+
+PlannedRequest::PlannedRequest(std::shared_ptr<Work> work) : work_(std::move(work)) {}
+
+MadeRequest PlannedRequest::apply(Progress& progress) {
+    return about_card(work_->card(), [&] { return work_->apply(progress); });
+}
+
+PlannedRequest plan_request(const RequestWishes& wishes, const CardChoice& choice, PinSource& pin) {
+    check_wishes(wishes);
+    std::optional<DistinguishedName> subject = given_subject(wishes);
+    Output output = prepare_output(wishes);
+    Lock files = hold_request_files();
+    const auto work = std::make_shared<PlannedRequest::Work>(wishes, std::move(output), std::move(files),
+                                                             open_card(choice, pin, Use::changing));
+    about_card(work->card(), [&] { work->plan(std::move(subject)); });
+    return PlannedRequest(work);
+}
+
+} // namespace zvhost

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "exit_codes.h"
+#include "host/card_list.h"
+
+#include <string>
+#include <vector>
+
+namespace zvhost {
+
+// How it stands with a card, by what it shows without a PIN.
+struct CardStatus {
+    CardList list;
+    std::vector<std::string> uncertified; // a card's first keys whose certificate does not show
+    zv::ExitCode exit = zv::ExitCode::done;
+};
+
+// Looks at a card without a login.
+//
+// @param days  a certificate is due when it ends within so many
+// @throws Error, also when the card shows that there is something, but nothing that ends
+[[nodiscard]] CardStatus look_at_card(const CardChoice& choice, int days);
+
+} // namespace zvhost

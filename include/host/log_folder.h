@@ -1,0 +1,16 @@
+#pragma once
+
+#include "host/sentence.h"
+
+#include <string>
+
+namespace zvhost {
+
+// Path of the library's log.
+[[nodiscard]] std::string log_path();
+
+// Makes the log's folder (mode 0700) when there is none; the library writes no log without it.
+// Returns a sentence when it cannot be made, else an empty one.
+[[nodiscard]] Sentence make_log_folder();
+
+} // namespace zvhost

@@ -1,0 +1,47 @@
+#include "host/library_text.h"
+#include "host/printable.h"
+#include "zvRenew.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+using namespace zvhost;
+
+class LibraryTextTest : public testing::Test {
+  protected:
+    LibraryTextTest() {
+        loadErrorCodes();
+        forget_library_texts();
+    }
+    ~LibraryTextTest() override { forget_library_texts(); }
+};
+
+TEST_F(LibraryTextTest, QuotesWhatTheLibraryLeftOnOneLineAndNothingBehindIt) {
+    std::strcpy(szBuffErr, "Errore nella mininfo");
+    EXPECT_EQ(library_reason(1), ": \"Errore nella mininfo\" (0x1)");
+    std::strcpy(szSockMsg, "Errore aprendo la sessione.\r\nRiprovare\n (x)");
+    EXPECT_EQ(library_reason(0xA0),
+              ": \"Errore aprendo la sessione. Riprovare (x)\", \"Errore nella mininfo\" "
+              "(0xa0, \"Pin errato\")");
+    forget_library_texts();
+    std::memset(szBuffErr, 'x', sizeof szBuffErr);
+    EXPECT_EQ(library_reason(1), ": \"" + std::string(sizeof szBuffErr, 'x') + "\" (0x1)");
+}
+
+TEST_F(LibraryTextTest, FallsBackOnTheCodeAndStaysInsideTheTable) {
+    EXPECT_EQ(library_reason(0xA0), ": \"Pin errato\" (0xa0)");
+    for (const int code : {1, 100, -1, -10000, 4, 511, 512, 0x2029, 0x7FFFFFFF}) {
+        const std::string reason = library_reason(code);
+        EXPECT_EQ(reason.substr(0, 2), ": ") << code;
+        EXPECT_EQ(reason.find('"'), std::string::npos) << code << reason;
+    }
+}
+
+TEST(PrintableTest, KeepsWhatATerminalWouldObeyOut) {
+    EXPECT_EQ(printable("DS0\x1B[2J\r\x7F città\n"), "DS0?[2J?? città\n");
+}
+
+} // namespace

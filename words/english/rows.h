@@ -1,0 +1,22 @@
+#pragma once
+
+#include <span>
+
+namespace words {
+
+// A sentence in English, with a place for each of its values: "The pair {pair} waits.".
+struct Row {
+    const char* id;
+    const char* english;
+};
+
+using Rows = std::span<const Row>;
+
+// Each area's, in its own file.
+Rows card_rows();
+Rows pin_rows();
+
+} // namespace words
+
+// What a translator gets to see.
+#define N_(text) text // NOLINT(cppcoreguidelines-macro-usage): the catalogue's tools look for it

@@ -1,0 +1,75 @@
+#include "words/words.h"
+
+#include "words/english/rows.h"
+
+#include <fmt/args.h>
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <map>
+#include <string_view>
+
+namespace words {
+namespace {
+
+using zvhost::Sentence, zvhost::Value;
+
+std::map<std::string_view, const char*> all_rows() {
+    std::map<std::string_view, const char*> all;
+    for (const Rows rows : {card_rows(), pin_rows()})
+        for (const Row& row : rows)
+            all.emplace(row.id, row.english);
+    return all;
+}
+
+// The sentence in the reader's language; the identifier itself where there is none, which a test finds.
+const char* text_of(const std::string& id) {
+    static const auto all = all_rows();
+    const auto row = all.find(id);
+    return row == all.end() ? id.c_str() : row->second;
+}
+
+std::string in_place(const Value& value) {
+    struct Worded {
+        std::string operator()(std::monostate /*unknown*/) const { return "?"; }
+        std::string operator()(bool held) const { return held ? "yes" : "no"; }
+        std::string operator()(long held) const { return std::to_string(held); }
+        std::string operator()(const std::string& held) const { return held; }
+        std::string operator()(const std::vector<std::string>& held) const {
+            return fmt::format("{}", fmt::join(held, ", "));
+        }
+        std::string operator()(zvhost::Kind held) const { return of(held); }
+        std::string operator()(zvhost::Moment held) const { return day_of(held.time); }
+        std::string operator()(const std::vector<Sentence>& held) const { return of(held); }
+    };
+    return std::visit(Worded{}, value);
+}
+
+} // namespace
+
+std::string of(const Sentence& sentence) {
+    if (sentence.empty()) return {};
+    if (sentence.id == "as-is") return in_place(sentence.values.front().second);
+    fmt::dynamic_format_arg_store<fmt::format_context> places;
+    for (const auto& [name, value] : sentence.values)
+        places.push_back(fmt::arg(name.c_str(), in_place(value)));
+    return fmt::vformat(text_of(sentence.id), places);
+}
+
+std::string of(const std::vector<Sentence>& sentences) {
+    std::string text;
+    for (const Sentence& sentence : sentences)
+        text += (text.empty() ? "" : " ") + of(sentence);
+    return text;
+}
+
+std::string of(zvhost::Kind kind) {
+    return zvhost::kind_name(kind);
+}
+
+std::string day_of(std::time_t time) {
+    return fmt::format("{:%Y-%m-%d}", fmt::gmtime(time));
+}
+
+} // namespace words
