@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/on_card.h"
 #include "cli/pin_input.h"
+#include "cli/plan_shown.h"
 #include "cli/progress_lines.h"
 #include "host/log_folder.h"
 
@@ -74,7 +75,9 @@ Json as_json(const Installed& installed) {
 Report run_install(const InstallOptions& options) {
     PinInput pin(options);
     ProgressLines progress;
-    const Installed installed = plan_install(options.wishes, options.choice, pin).apply(progress);
+    PlannedInstall planned = plan_install(options.wishes, options.choice, pin);
+    if (auto plan = plan_alone(options, planned.plan())) return *plan;
+    const Installed installed = planned.apply(progress);
     Report report;
     report.json = as_json(installed);
     report.text = in_words(installed);

@@ -68,7 +68,21 @@ struct ListOptions : CardOptions {
     }
 };
 
-struct RequestOptions : CardOptions {
+// What a command takes that changes a card.
+struct ChangingOptions : CardOptions {
+    bool dry_run = false;
+    std::string apply_if; // fingerprint of a plan; empty: any
+
+    void declare(OptionList& list) {
+        CardOptions::declare(list);
+        list.flag("--dry-run", dry_run,
+                  "Print what would be done to the card, and its fingerprint; do nothing");
+        list.text("--apply-if", "FINGERPRINT", apply_if,
+                  "Refuse when the card, or what would be done to it, is not as --dry-run printed it");
+    }
+};
+
+struct RequestOptions : ChangingOptions {
     RequestWishes wishes;
 
     void declare(OptionList& list) {
@@ -82,11 +96,11 @@ struct RequestOptions : CardOptions {
         list.flag("--new-pair", wishes.new_pair,
                   "Discard the pair that waits on the card and make another (else it is used again)");
         declare_days(list, wishes.days);
-        CardOptions::declare(list);
+        ChangingOptions::declare(list);
     }
 };
 
-struct InstallOptions : CardOptions {
+struct InstallOptions : ChangingOptions {
     InstallWishes wishes;
 
     void declare(OptionList& list) {
@@ -102,7 +116,7 @@ struct InstallOptions : CardOptions {
                   "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)");
         list.words("--accept", "REASON,...", wishes.accept, accepted_reasons(),
                    "Take the certificate although: ");
-        CardOptions::declare(list);
+        ChangingOptions::declare(list);
     }
 };
 

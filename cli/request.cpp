@@ -3,6 +3,7 @@
 #include "cli/card_json.h"
 #include "cli/commands.h"
 #include "cli/pin_input.h"
+#include "cli/plan_shown.h"
 #include "cli/progress_lines.h"
 
 #include <fmt/format.h>
@@ -41,7 +42,9 @@ Json as_json(const MadeRequest& made) {
 Report run_request(const RequestOptions& options) {
     PinInput pin(options);
     ProgressLines progress;
-    const MadeRequest made = plan_request(options.wishes, options.choice, pin).apply(progress);
+    PlannedRequest planned = plan_request(options.wishes, options.choice, pin);
+    if (auto plan = plan_alone(options, planned.plan())) return *plan;
+    const MadeRequest made = planned.apply(progress);
     Report report;
     report.json = as_json(made);
     report.text = in_words(made);

@@ -4,6 +4,7 @@
 #include "host/install_plan.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
+#include "host/planned_changes.h"
 #include "host/proof.h"
 #include "host/suitability.h"
 #include "zvRenew.h"
@@ -33,16 +34,20 @@ std::string save_backup(const InstallPlan& plan) {
     return file;
 }
 
-void announce_install(const InstallPlan& plan, Progress& progress) {
-    const auto note = [&](const Sentence& sentence) { progress.notice(sentence); };
+std::vector<Sentence> install_notices(const InstallPlan& plan) {
+    std::vector<Sentence> notices;
+    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
     if (const std::string issuer = new_issuer(plan); !issuer.empty()) note(issuer);
-    if (plan.removed.empty()) return;
-    if (plan.kind == Kind::services)
-        return note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
+    if (plan.removed.empty()) return notices;
+    if (plan.kind == Kind::services) {
+        note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
+        return notices;
+    }
     note(fmt::format("Removing {} from the card, keys included.", plan.removed.front()));
     if (plan.removed.size() > 1)
         note(fmt::format("The authority's certificate \"{}\" goes too: nothing puts it back.",
                          plan.removed[1]));
+    return notices;
 }
 
 int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
@@ -223,12 +228,16 @@ class PlannedInstall::Work {
         if (const std::string id = stored_already(files_, inventory, before); !id.empty())
             throw because_stored(card_, files_, inventory, before, id);
         plan_ = plan_install(wishes_, files_, card_, inventory, before);
+        seen_ = changes_of(plan_, card_.facts(), before);
+        seen_.notices = install_notices(plan_);
     }
+    [[nodiscard]] const Plan& seen() const { return seen_; }
 
     [[nodiscard]] Installed apply(Progress& progress) {
         progress.changing();
         const std::string backup = save_backup(plan_);
-        announce_install(plan_, progress);
+        for (const Sentence& notice : seen_.notices)
+            progress.notice(notice);
         require_alone(card_);
         if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK)
             fail(backup, library_stop("The certificate could not be stored", code));
@@ -246,9 +255,14 @@ class PlannedInstall::Work {
     IssuedFiles files_;
     OpenedCard card_;
     InstallPlan plan_;
+    Plan seen_;
 };
 
 PlannedInstall::PlannedInstall(std::shared_ptr<Work> work) : work_(std::move(work)) {}
+
+const Plan& PlannedInstall::plan() const {
+    return work_->seen();
+}
 
 Installed PlannedInstall::apply(Progress& progress) {
     return about_card(work_->card(), [&] { return work_->apply(progress); });

@@ -121,6 +121,7 @@ CardState card_state(const Place& place) {
     const CK_TOKEN_INFO token = module.token(state.slot);
     state.label = token_text(token.label, sizeof token.label);
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
+    if (token.ulFreePublicMemory != CK_UNAVAILABLE_INFORMATION) state.room = token.ulFreePublicMemory;
     state.pin = pin_state(token.flags);
     return state;
 }

@@ -4,6 +4,7 @@
 #include "host/advice.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
+#include "host/planned_changes.h"
 #include "host/read_file.h"
 #include "host/request_files.h"
 #include "host/request_plan.h"
@@ -24,15 +25,16 @@
 namespace zvhost {
 namespace {
 
-void say_what_comes(const RequestPlan& plan, Progress& progress) {
-    const auto note = [&](const Sentence& sentence) { progress.notice(sentence); };
+std::vector<Sentence> request_notices(const RequestPlan& plan) {
+    std::vector<Sentence> notices;
+    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
     if (plan.old.ends < std::time(nullptr))
         note(fmt::format(
             "The certificate {} has expired: the authority may not take a request signed with it.",
             plan.old.id));
     if (plan.old.kind == Kind::services) {
         note(fmt::format("The card's own keys {} stay and sign the request.", plan.pair));
-        return;
+        return notices;
     }
     if (plan.signer_wants_pin)
         note(fmt::format(
@@ -41,7 +43,7 @@ void say_what_comes(const RequestPlan& plan, Progress& progress) {
             plan.old.id));
     if (plan.reuse) {
         note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
-        return;
+        return notices;
     }
     if (plan.discard)
         note(
@@ -54,6 +56,7 @@ void say_what_comes(const RequestPlan& plan, Progress& progress) {
             "that pair cannot sign its request and stays on the card without one.",
             plan.wants_pin, plan.pair));
     note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
+    return notices;
 }
 
 // The card could not be read, or gave numbers or a signature that are none: it would do so again.
@@ -198,16 +201,18 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         const CardView view = view_card(card_);
         const Inventory inventory = read_inventory(card_, view);
         plan_ = plan_request(wishes_, inventory, view, std::move(subject));
-        if (output_.earlier.empty()) return;
-        if (!is_done(output_, plan_, view)) NewFile refused(wishes_.out);
+        if (!output_.earlier.empty() && !is_done(output_, plan_, view)) NewFile refused(wishes_.out);
+        seen_ = seen(view);
     }
+    [[nodiscard]] const Plan& seen() const { return seen_; }
     [[nodiscard]] OpenedCard& card() { return card_; }
 
     [[nodiscard]] MadeRequest apply(Progress& progress) {
         if (!output_.earlier.empty()) return told({});
         if (output_.file) NewFile still_free(wishes_.out);
         progress.changing();
-        say_what_comes(plan_, progress);
+        for (const Sentence& notice : seen_.notices)
+            progress.notice(notice);
         require_alone(card_);
         const std::string text = ask_library(card_, plan_, wishes_.kind);
         check_request(card_, plan_, text);
@@ -219,6 +224,12 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     }
 
   private:
+    [[nodiscard]] Plan seen(const CardView& view) const {
+        if (!output_.earlier.empty()) return unchanged(card_.facts(), view);
+        Plan plan = changes_of(plan_, card_.facts(), view);
+        plan.notices = request_notices(plan_);
+        return plan;
+    }
     void save(const std::string& text) {
         try {
             if (output_.file) output_.file->save(text);
@@ -248,9 +259,14 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     Lock files_;
     OpenedCard card_;
     RequestPlan plan_;
+    Plan seen_;
 };
 
 PlannedRequest::PlannedRequest(std::shared_ptr<Work> work) : work_(std::move(work)) {}
+
+const Plan& PlannedRequest::plan() const {
+    return work_->seen();
+}
 
 MadeRequest PlannedRequest::apply(Progress& progress) {
     return about_card(work_->card(), [&] { return work_->apply(progress); });

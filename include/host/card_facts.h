@@ -2,6 +2,7 @@
 
 #include "host/pin_state.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -12,7 +13,8 @@ struct CardState {
     CK_SLOT_ID slot = 0;
     std::string label;
     std::string serial;
-    std::optional<PinState> pin; // none when the card could not be asked
+    std::optional<std::size_t> room; // bytes free for public objects; none when the card does not say
+    std::optional<PinState> pin;     // none when the card could not be asked
 };
 
 // Which card an answer is about, as far as it is known.

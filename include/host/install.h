@@ -2,6 +2,7 @@
 
 #include "host/choice.h"
 #include "host/error.h"
+#include "host/plan.h"
 #include "host/progress.h"
 #include "host/wishes.h"
 
@@ -37,6 +38,8 @@ class PlannedInstall {
     class Work;
 
     explicit PlannedInstall(std::shared_ptr<Work> work);
+
+    [[nodiscard]] const Plan& plan() const;
 
     // Saves what is replaced, stores the certificate and proves it with its key. Once.
     // @throws Error, which says what is on the card then

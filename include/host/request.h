@@ -3,6 +3,7 @@
 #include "host/certificate_record.h"
 #include "host/choice.h"
 #include "host/error.h"
+#include "host/plan.h"
 #include "host/progress.h"
 #include "host/wishes.h"
 
@@ -35,6 +36,8 @@ class PlannedRequest {
     class Work;
 
     explicit PlannedRequest(std::shared_ptr<Work> work);
+
+    [[nodiscard]] const Plan& plan() const;
 
     // Has the card make the keys and the request. Once. @throws Error, which says what is on the card then
     [[nodiscard]] MadeRequest apply(Progress& progress);

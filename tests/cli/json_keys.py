@@ -119,6 +119,8 @@ def play(desk):
     for code in ("0x6", "0x30"):
         desk.run("list", f"C_FindObjectsInit:1:answer:{code}")
     desk.run("list", "C_FindObjects:all:answer:0x30")
+    desk.run("request signature --out s --dry-run")
+    desk.run("request signature --out s --apply-if x")
     desk.run("request signature --out s", "C_GenerateKeyPair:1:answer:0x5")
     desk.run("request signature --out s", "C_Sign:1:answer:0x30")
     desk.run("request signature --out s")

@@ -15,6 +15,7 @@ using Rows = std::span<const Row>;
 // Each area's, in its own file.
 Rows card_rows();
 Rows pin_rows();
+Rows plan_rows();
 
 } // namespace words
 
