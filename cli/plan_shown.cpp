@@ -16,7 +16,7 @@ Sentence told(const Change& change) {
                           {"why", std::vector{change.why}}};
     if (change.what == ObjectClass::data)
         return {change.action == Action::create ? "change-create-data" : "change-remove-data", about};
-    if (change.action == Action::relabel) return {"change-relabel", about};
+    if (change.action == Action::relabel) return Sentence{"change-relabel", about};
     const bool create = change.action == Action::create;
     if (change.what == ObjectClass::certificate)
         return {create ? "change-create-certificate" : "change-remove-certificate", about};

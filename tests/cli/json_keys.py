@@ -91,6 +91,8 @@ class Desk:
         wanted = set(sections["Every answer"]) | sections.get(command, set())
         if command not in (None, "readers"):
             wanted |= sections["The card"]
+        if "--dry-run" in line:
+            wanted |= sections["With --dry-run"]
         wanted |= {key for key in sections["After failed, refused and nothing due"]
                    if 0 < code < 10 or key.startswith("on_card")}
         for advice in answer.pop("advice"):

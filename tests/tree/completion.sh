@@ -21,7 +21,7 @@ offers "request" req
 offers "signature authentication services" request ""
 offers "signature" request --force sig
 offers "--remove-old" install --rem
-offers "--accept" install certificate.pem --a
+offers "--accept --apply-if" install certificate.pem --a
 offers "expired ends-earlier" install --accept e
 offers "holder,expired holder,ends-earlier" install --accept holder,e
 offers "--version" --v
