@@ -68,8 +68,9 @@ std::vector<Advice> explain_quotes(const std::string& text) {
 
 std::string in_words(const Report& report) {
     std::string text = report.text;
-    for (const Advice& one : report.advice)
-        text += "\n" + words::of(one.says);
+    if (!report.advice_told)
+        for (const Advice& one : report.advice)
+            text += "\n" + words::of(one.says);
     if (report.logged) text += "\nLog: " + log_path();
     return text;
 }

@@ -18,6 +18,9 @@ constexpr const char* EXITS =
     "Exit codes: 0 done, 1 failed, 2 refused or mistyped (no PIN try spent, nothing on the card changed), "
     "3 nothing due.";
 
+constexpr const char* DOCTOR_EXITS =
+    "Exit codes: 0 nothing is wrong (a warning may be), 1 something is, 2 refused or mistyped.";
+
 constexpr const char* STATUS_EXITS =
     "Exit codes: 0 no certificate is due, 10 one is, 11 one has ended, 12 a request is under way, 13 there "
     "is nothing on "
@@ -29,6 +32,8 @@ constexpr const char* STEPS = R"(A renewal:
   zvrenew request signature --out request.b64    new keys on the card, a request for them
   zvrenew install certificate.pem --request request.b64
                                                  the authority's certificate, beside its keys
+
+  zvrenew doctor                                 what is wrong, when something does not work
 
 The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
 )";
@@ -62,6 +67,9 @@ void add_command(CLI::App& app, Invocation& chosen, const char* name, const char
 void add_commands(CLI::App& app, Invocation& chosen) {
     add_command(app, chosen, "readers",
                 "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
+    add_command(app, chosen, "doctor",
+                "Looks at all that a renewal needs and says what is wrong and what to do (asks for no PIN)",
+                run_doctor, DOCTOR_EXITS);
     add_command(app, chosen, "status",
                 "Tells by the exit code which certificates end soon or have ended (asks for no PIN)",
                 run_status, STATUS_EXITS);

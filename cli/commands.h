@@ -8,6 +8,7 @@ namespace cli {
 // Each command does its work and says what came of it. @throws Error when it ends before its aim.
 
 [[nodiscard]] Report run_readers(const CommonOptions& options);
+[[nodiscard]] Report run_doctor(const DoctorOptions& options);
 [[nodiscard]] Report run_status(const StatusOptions& options);
 [[nodiscard]] Report run_list(const ListOptions& options);
 [[nodiscard]] Report run_free_id(const CardOptions& options);

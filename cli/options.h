@@ -24,6 +24,19 @@ struct CommonOptions {
     }
 };
 
+struct DoctorOptions : CommonOptions {
+    std::string bundle; // empty: none
+    bool with_names = false;
+
+    void declare(OptionList& list) {
+        CommonOptions::declare(list);
+        list.text("--bundle", "FILE", bundle,
+                  "New file for a help desk: what was found, the configuration, the log; plain text");
+        list.flag("--with-names", with_names,
+                  "Leave names and tax codes in that file (else they are masked)");
+    }
+};
+
 // What a command takes that is about one card.
 struct ReaderOptions : CommonOptions {
     void declare(OptionList& list) {

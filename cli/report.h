@@ -18,6 +18,7 @@ struct Report {
     std::string text; // for a person, without a final line feed
     Json json = Json::object();
     std::vector<Advice> advice;         // what can be done next
+    bool advice_told = false;           // whether the text says it
     bool logged = false;                // whether the log tells more
     std::string payload;                // what the command made, when it goes to no file
     std::function<void(Error&)> unsaid; // says what is on the card in an error, should nobody get the report

@@ -40,21 +40,6 @@ void stop_if_hidden(const CardStatus& status) {
                     list_with_pin("See what there is with: zvrenew list"));
 }
 
-CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
-    const Inventory inventory = public_inventory(view, card);
-    CardStatus status{list_of(card, inventory, view, days), view.uncertified_first_keys(), Exit::done};
-    std::erase_if(status.uncertified, [&](const std::string& id) {
-        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
-                           [&](const RetiredPair& pair) { return pair.id == id; });
-    });
-    // Whether a pair can sign its request once more does not show.
-    for (ListedPair& listed : status.list.pending)
-        listed.renewable = false;
-    status.exit = exit_of(status.list);
-    stop_if_hidden(status);
-    return status;
-}
-
 std::vector<Advice> advice_on(const CardStatus& status) {
     std::vector<Advice> advice = advice_on(status.list);
     if (status.list.card.services_card)
@@ -79,6 +64,21 @@ CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>&
 }
 
 } // namespace
+
+CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
+    const Inventory inventory = public_inventory(view, card);
+    CardStatus status{list_of(card, inventory, view, days), view.uncertified_first_keys(), Exit::done};
+    std::erase_if(status.uncertified, [&](const std::string& id) {
+        return std::any_of(inventory.retired.begin(), inventory.retired.end(),
+                           [&](const RetiredPair& pair) { return pair.id == id; });
+    });
+    // Whether a pair can sign its request once more does not show.
+    for (ListedPair& listed : status.list.pending)
+        listed.renewable = false;
+    status.exit = exit_of(status.list);
+    stop_if_hidden(status);
+    return status;
+}
 
 CardStatus look_at_card(const CardChoice& choice, int days) {
     std::optional<CardFacts> facts;

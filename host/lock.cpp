@@ -101,6 +101,11 @@ ScopedFd acquire(const std::string& path, const std::string& busy) {
 
 } // namespace
 
+int process_that_locks(const std::string& path) {
+    const ScopedFd file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return file ? locker_of(file.get()) : 0;
+}
+
 std::string owner_of(unsigned int user) {
     const passwd* entry = ::getpwuid(user);
     return entry != nullptr ? entry->pw_name : fmt::format("user {}", user);

@@ -29,6 +29,9 @@ class Lock {
     ScopedFd file_;
 };
 
+// The process that has the right that a file stands for; 0 when none has, or when the system does not say.
+[[nodiscard]] int process_that_locks(const std::string& path);
+
 // Who owns a file, by name where the system knows one.
 [[nodiscard]] std::string owner_of(unsigned int user);
 

@@ -41,12 +41,15 @@ std::string listed(const std::vector<fs::path>& folders) {
 
 } // namespace
 
+std::vector<fs::path> own_folders() {
+    const fs::path own = program_folder();
+    if (own.empty()) return {};
+    const fs::path prefix = own.parent_path();
+    return {prefix / "lib", prefix / ZV_INSTALL_LIBDIR, prefix / ZV_INSTALL_LIBDIR / "pkcs11"};
+}
+
 std::vector<fs::path> module_folders() {
-    std::vector<fs::path> folders;
-    if (const fs::path own = program_folder(); !own.empty()) {
-        const fs::path prefix = own.parent_path();
-        folders = {prefix / "lib", prefix / ZV_INSTALL_LIBDIR, prefix / ZV_INSTALL_LIBDIR / "pkcs11"};
-    }
+    std::vector<fs::path> folders = own_folders();
 #ifdef __APPLE__
     const auto system = {"/usr/local/lib", "/opt/homebrew/lib", "/usr/lib"};
 #else

@@ -8,6 +8,7 @@ namespace zvhost {
 
 // Folders that may hold modules: the build's or installation's own, then the system's.
 [[nodiscard]] std::vector<std::filesystem::path> module_folders();
+[[nodiscard]] std::vector<std::filesystem::path> own_folders();
 
 // Finds the folder that holds a module: `given` when it is not empty, else the first of module_folders().
 //

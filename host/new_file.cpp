@@ -16,12 +16,13 @@ namespace zvhost {
 namespace {
 
 constexpr mode_t READABLE_BY_ALL = 0644;
+constexpr mode_t READABLE_BY_OWNER = 0600;
 
 // More than a request or a few certificates need.
 constexpr std::size_t ROOM = 65536;
 
-int create(const std::string& path) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, READABLE_BY_ALL);
+int create(const std::string& path, mode_t mode) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
 }
 
 std::string folder_of(const std::string& path) {
@@ -47,8 +48,8 @@ int write_to(int fd, std::string_view text) {
     return synced(fd);
 }
 
-int make(const std::string& path, std::string_view text) {
-    const ScopedFd file(create(path));
+int make(const std::string& path, std::string_view text, mode_t mode) {
+    const ScopedFd file(create(path, mode));
     if (!file) return errno;
     const int error = write_to(file.get(), text);
     if (error != 0) ::unlink(path.c_str());
@@ -64,12 +65,12 @@ bool rename_to_new(const char* from, const char* to) {
 }
 
 // File systems that cannot rename without replacing know links, or neither, as the ones of memory sticks.
-int put(const std::string& from, const std::string& to, std::string_view text) {
+int put(const std::string& from, const std::string& to, std::string_view text, mode_t mode) {
     if (rename_to_new(from.c_str(), to.c_str())) return 0;
     const bool linked = errno != EEXIST && ::link(from.c_str(), to.c_str()) == 0;
     const int error = linked ? 0 : errno;
     ::unlink(from.c_str());
-    return linked || error == EEXIST ? error : make(to, text);
+    return linked || error == EEXIST ? error : make(to, text, mode);
 }
 
 // One of that name was left by a process of this number that was killed.
@@ -79,10 +80,10 @@ std::string draft_beside(const std::string& path) {
     return draft;
 }
 
-int make_whole(const std::string& path, std::string_view text) {
+int make_whole(const std::string& path, std::string_view text, mode_t mode) {
     const std::string draft = draft_beside(path);
-    if (const int error = make(draft, text); error != 0) return error;
-    if (const int error = put(draft, path, text); error != 0) return error;
+    if (const int error = make(draft, text, mode); error != 0) return error;
+    if (const int error = put(draft, path, text, mode); error != 0) return error;
     const ScopedFd folder(::open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return folder ? synced(folder.get()) : 0;
 }
@@ -92,7 +93,7 @@ int try_place(const std::string& path) {
     if (::lstat(path.c_str(), &status) == 0) return EEXIST;
     if (errno != ENOENT) return errno;
     const std::string draft = draft_beside(path);
-    const int error = make(draft, std::string(ROOM, '\0'));
+    const int error = make(draft, std::string(ROOM, '\0'), READABLE_BY_OWNER);
     ::unlink(draft.c_str());
     return error;
 }
@@ -110,8 +111,8 @@ NewFile::NewFile(std::string path) : path_(std::move(path)) {
     if (const int error = try_place(path_); error != 0) refuse(path_, error);
 }
 
-void NewFile::save(std::string_view text) const {
-    const int error = make_whole(path_, text);
+void NewFile::save(std::string_view text, For whom) const {
+    const int error = make_whole(path_, text, whom == For::owner ? READABLE_BY_OWNER : READABLE_BY_ALL);
     if (error != 0)
         throw Error(Exit::failed,
                     fmt::format("The file {} cannot be written ({}).", path_, std::strerror(error)));

@@ -12,8 +12,10 @@ class NewFile {
     // Makes sure that the file can be made: nothing has its name, and its folder has room. @throws Error
     explicit NewFile(std::string path);
 
-    // Makes the file; it is on the disk, not on its way there, when this returns. @throws Error
-    void save(std::string_view text) const;
+    enum class For { everyone, owner };
+
+    // Makes the file, for others to read or not; it is on the disk, not on its way there, when this returns. @throws Error
+    void save(std::string_view text, For whom = For::everyone) const;
 
   private:
     std::string path_;

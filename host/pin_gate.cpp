@@ -114,16 +114,20 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
 
 } // namespace
 
-CardState card_state(const Place& place) {
-    const Module module(place.module_path);
+CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token) {
     CardState state;
-    state.slot = slot_of(module, place.reader);
-    const CK_TOKEN_INFO token = module.token(state.slot);
+    state.slot = slot;
     state.label = token_text(token.label, sizeof token.label);
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
     if (token.ulFreePublicMemory != CK_UNAVAILABLE_INFORMATION) state.room = token.ulFreePublicMemory;
     state.pin = pin_state(token.flags);
     return state;
+}
+
+CardState card_state(const Place& place) {
+    const Module module(place.module_path);
+    const CK_SLOT_ID slot = slot_of(module, place.reader);
+    return card_state(slot, module.token(slot));
 }
 
 CardFacts facts_of(const Place& place, std::optional<CardState> state) {

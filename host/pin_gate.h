@@ -15,6 +15,8 @@ namespace zvhost {
 
 // Asks a card for its state, without a login. @throws Error
 [[nodiscard]] CardState card_state(const Place& place);
+// What it answered.
+[[nodiscard]] CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token);
 
 [[nodiscard]] CardFacts facts_of(const Place& place, std::optional<CardState> state);
 

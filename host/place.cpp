@@ -4,6 +4,7 @@
 #include "host/error.h"
 #include "host/library_text.h"
 #include "host/module_folder.h"
+#include "host/slot_choice.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
@@ -99,31 +100,6 @@ bool contains(const std::string& text, const std::string& part) {
     return !part.empty() && text.find(part) != std::string::npos;
 }
 
-// Slots whose description is part of a reader's name, with the length of the description.
-using Matches = std::vector<std::pair<CK_SLOT_ID, std::size_t>>;
-
-// A module says no more than 64 characters of a reader's name. Slots of one card are no matter: modules show one
-// for each of its PINs, and the first is the one that everybody takes.
-void refuse_alike(const Module& module, const Matches& matching, std::size_t longest,
-                  const std::string& reader) {
-    std::vector<std::string> serials;
-    for (const auto& [slot, length] : matching)
-        if (length == longest) {
-            const CK_TOKEN_INFO token = module.token(slot);
-            serials.push_back(token_text(token.serialNumber, sizeof token.serialNumber));
-        }
-    const bool one_card = std::all_of(serials.begin(), serials.end(), [&](const std::string& serial) {
-        return !serial.empty() && serial == serials.front();
-    });
-    if (serials.size() > 1 && !one_card)
-        throw Error(
-            Exit::refused,
-            fmt::format("Two readers that hold a card cannot be told apart by the first {} characters of "
-                        "the name \"{}\", so the PIN could go to the other card.",
-                        ZV_DESCRIPTION_MAX, reader),
-            Advice{"remove-other-card", "Take the other card out."});
-}
-
 Error listing_stop(int code) {
     Error stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
     if (code == ZVC_ERR_NO_SERVICE) stop.advice.push_back(start_service());
@@ -168,24 +144,13 @@ Place find_place(const CardChoice& choice) {
 }
 
 CK_SLOT_ID slot_of(const Module& module, const std::string& reader) {
-    Matches matching;
-    for (const CK_SLOT_ID slot : module.slots()) {
-        const std::string description = module.description(slot).substr(0, ZV_DESCRIPTION_MAX);
-        if (contains(reader, description)) matching.emplace_back(slot, description.size());
-    }
-    if (matching.empty())
-        throw Error(Exit::failed, fmt::format("The card's module shows no card in \"{}\".", reader),
-                    Advice{"insert-card", "Put the card in, or take it out and in again."});
-    const auto best = std::max_element(matching.begin(), matching.end(),
-                                       [](const auto& a, const auto& b) { return a.second < b.second; });
-    refuse_alike(module, matching, best->second, reader);
-    if (best->second > matching.front().second)
-        throw Error(Exit::refused,
-                    fmt::format("The name of another reader that holds a card is part of \"{}\", so the PIN "
-                                "would go to that card.",
-                                reader),
-                    Advice{"remove-other-card", "Take the other card out."});
-    return matching.front().first;
+    std::vector<NamedSlot> slots;
+    for (const CK_SLOT_ID slot : module.slots())
+        slots.push_back({slot, module.description(slot)});
+    return choose_slot(slots, reader, [&](CK_SLOT_ID slot) {
+        const CK_TOKEN_INFO token = module.token(slot);
+        return token_text(token.serialNumber, sizeof token.serialNumber);
+    });
 }
 
 } // namespace zvhost

@@ -75,7 +75,7 @@ class Desk:
         pin_file = self.folder / "pin"
         pin_file.write_text(self.pin)
         pin_file.chmod(0o600)
-        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["status"]) else [])
+        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["doctor"], ["status"]) else [])
         done = subprocess.run([zvrenew, *arguments, "--json"], cwd=self.work, capture_output=True, stdin=subprocess.DEVNULL,
                               start_new_session=True, env={**self.environment, "ZVSIMCARD_RULES": rules, **(environment or {})})
         try:
@@ -89,7 +89,7 @@ class Desk:
             problems.append(f"{line}: {answer['result']} with exit code {code}")
         command = answer["command"]
         wanted = set(sections["Every answer"]) | sections.get(command, set())
-        if command not in (None, "readers"):
+        if command not in (None, "readers", "doctor"):
             wanted |= sections["The card"]
         if "--dry-run" in line:
             wanted |= sections["With --dry-run"]
@@ -118,6 +118,9 @@ def play(desk):
         desk.run(line)
     desk.run("list", pin=False)
     desk.run("status", "C_FindObjectsInit:1:answer:0x30")
+    desk.run("doctor --bundle b")
+    desk.run("doctor --module-dir .", "C_Initialize:*:answer:0x5")
+    desk.run("doctor --bundle b", "C_Initialize:*:answer:0x5")
     for code in ("0x6", "0x30"):
         desk.run("list", f"C_FindObjectsInit:1:answer:{code}")
     desk.run("list", "C_FindObjects:all:answer:0x30")
@@ -176,13 +179,13 @@ def play(desk):
     desk.run("list")
     for text in ("[reader x]\nname = x\natr = 3B00\n", ""):
         (desk.folder / "conf").write_text(text)
-        for line in ("readers", "list"):
+        for line in ("readers", "doctor", "list"):
             desk.run(line, environment={"PCSCLITE_CSOCK_NAME": "/nowhere"})
 
 
 def keys_of_sources():
     text = "".join(path.read_text() for room in ("host", "cli") for path in sorted(pathlib.Path(root, room).glob("*.cpp")))
-    return set(re.findall(r'(?:Advice\s*\{|return \{|push_back\(\s*\{)\s*"([a-z-]+)",', text))
+    return set(re.findall(r'(?:Advice\s*\{|return \{|push_back\(\s*\{|advise\()\s*"([a-z-]+)",', text))
 
 
 sections, advice_keys = described()

@@ -14,6 +14,7 @@ using Rows = std::span<const Row>;
 
 // Each area's, in its own file.
 Rows card_rows();
+Rows doctor_rows();
 Rows pin_rows();
 Rows plan_rows();
 
