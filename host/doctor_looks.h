@@ -23,7 +23,7 @@ struct ExaminedCard {
 
 // What the doctor's looks have in common: each adds what it found, and what the later ones go by.
 struct Looks {
-    std::string module_dir;
+    std::string module_dir = {};
     std::time_t now = 0;
     CardTable table = {};
     PcscService service = {};

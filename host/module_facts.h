@@ -11,10 +11,10 @@ namespace zvhost {
 // A slot of a module, and what the card in it shows to everybody.
 struct SlotFacts {
     CK_SLOT_ID id = 0;
-    std::string description;
+    std::string description = {};
     bool card = false;
-    std::optional<CK_TOKEN_INFO> token; // none when the card could not be asked
-    std::vector<CardObject> objects;
+    std::optional<CK_TOKEN_INFO> token = {}; // none when the card could not be asked
+    std::vector<CardObject> objects = {};
 
     [[nodiscard]] std::string serial() const;
 };

@@ -28,4 +28,29 @@ TEST_F(PcscProgram, ListsReadersAndCards) {
     EXPECT_EQ(with_pin("list").code, 0) << "of two cards the known one";
 }
 
+TEST_F(PcscProgram, ExaminesServiceReadersAndCards) {
+    ZVTEST_NEEDS_READERS();
+    simcard::TestCards cards;
+    simcard::VirtualReaders pcsc;
+    cards.make({.reader = "Desk Reader 00 01", .serial = "42"});
+    std::ofstream(file("conf")) << "[card mine]\natr = 3B0201\nmodule = libzvsimcard.so\n";
+    ::setenv("ZVCRYPT_CONF", file("conf").c_str(), 1);
+    const Outcome alone = zvrenew("doctor");
+    EXPECT_EQ(alone.code, 1);
+    EXPECT_TRUE(alone.says("WRONG    service: ")) << alone.out;
+    pcsc.start();
+    EXPECT_EQ(zvrenew("doctor").code, 0) << "a card may be missing";
+    pcsc.insert(1, {"--atr", "3B0201"});
+    const Outcome one = zvrenew("doctor");
+    EXPECT_EQ(one.code, 0) << one.out;
+    EXPECT_TRUE(one.says("right    service: ")) << one.out;
+    EXPECT_TRUE(one.says("[card mine] (line 1 of ")) << one.out;
+    EXPECT_TRUE(one.says("The card in \"Desk Reader 00 01\" is 42")) << one.out;
+    pcsc.insert(0, {"--mute"});
+    const Outcome mute = zvrenew("doctor");
+    EXPECT_EQ(mute.code, 1);
+    EXPECT_TRUE(mute.says("WRONG    card: The card in \"Desk Reader 00 00\" does not answer")) << mute.out;
+    EXPECT_EQ(one.count("C_Login") + mute.count("C_Login"), 0U);
+}
+
 } // namespace zvtest
