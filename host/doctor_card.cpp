@@ -2,6 +2,7 @@
 #include "host/certificate_facts.h"
 #include "host/doctor_looks.h"
 #include "host/listing.h"
+#include "host/mask_words.h"
 #include "host/pin_gate.h"
 #include "host/place.h"
 #include "host/slot_choice.h"
@@ -114,16 +115,23 @@ void tell_beginning(Looks& looks, const std::string& id, const X509& certificate
               {{"id", id}, {"begins", Moment{*begins}}}, {advise("set-clock", "doctor-set-clock")});
 }
 
+// Of a person's name each word stands for the person, in any order; an organisation's are words like others.
+bool is_persons_name(const std::string& attribute) {
+    return attribute == "CN" || attribute == "SN" || attribute == "GN" || attribute == "pseudonym";
+}
+
 // An authority's certificate says nothing of a person.
 void note_holder(Looks& looks, X509& certificate) {
     if (::X509_check_ca(&certificate) != 0) return;
     const DistinguishedName subject = subject_of(certificate);
+    std::vector<std::string>& personal = looks.examination.personal;
     for (const NameAttribute& attribute : subject.attributes()) {
-        auto& personal = looks.examination.personal;
-        if (attribute.name == "C" || attribute.value.empty()) continue;
-        if (std::find(personal.begin(), personal.end(), attribute.value) == personal.end())
-            personal.push_back(attribute.value);
+        if (attribute.name == "C") continue;
+        if (is_persons_name(attribute.name)) add_name(personal, attribute.value);
+        personal.push_back(attribute.value);
     }
+    std::sort(personal.begin(), personal.end());
+    personal.erase(std::unique(personal.begin(), personal.end()), personal.end());
 }
 
 void tell_certificates(Looks& looks, const std::vector<CardObject>& objects) {

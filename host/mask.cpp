@@ -55,7 +55,7 @@ void add_name(std::vector<std::string>& names, const std::string& name) {
 
 Mask::Mask(const Examination& examination, bool with_names) : with_names_(with_names) {
     for (const std::string& value : examination.personal)
-        add_name(names_, value);
+        if (value.size() >= SHORTEST_NAME) names_.push_back(value);
     if (const passwd* entry = ::getpwuid(::getuid())) {
         add_user(users_, entry->pw_name);
         add_folder(homes_, entry->pw_dir);

@@ -25,7 +25,7 @@ struct Finding {
 struct Examination {
     std::vector<Finding> findings;
     std::vector<CardStatus> cards;     // what the cards show to everybody
-    std::vector<std::string> personal; // what their certificates say of their holders, each value once
+    std::vector<std::string> personal; // values and words that their certificates say of their holders
 
     [[nodiscard]] bool any_wrong() const;
 };
