@@ -50,18 +50,28 @@ that ends before the old one or begins later than now. --accept takes what it na
 
 )";
 
+// "pending discard"
+std::string full_name(const CLI::App& command) {
+    const CLI::App* parent = command.get_parent();
+    const bool top = parent == nullptr || parent->get_parent() == nullptr;
+    return top ? command.get_name() : parent->get_name() + " " + command.get_name();
+}
+
 // A command with its options, which live as long as the parser.
 template <class Options>
-void add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
-                 Report (*run)(const Options&), const std::string& footer = EXITS) {
+CLI::App& add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
+                      Report (*run)(const Options&), const std::string& footer = EXITS) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(name, text);
     command->footer(footer);
     OptionList list(*command);
     options->declare(list);
-    command->callback([&chosen, options, name, run] {
+    // A command's own commands come first.
+    command->callback([&chosen, command, options, name = full_name(*command), run] {
+        if (!command->get_subcommands().empty()) return;
         chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
+    return *command;
 }
 
 void add_commands(CLI::App& app, Invocation& chosen) {
@@ -79,6 +89,12 @@ void add_commands(CLI::App& app, Invocation& chosen) {
                 "Makes new keys on the card and a request for them; a services card's own stay", run_request);
     add_command(app, chosen, "install", "Stores the certificate that the authority issued, beside its keys",
                 run_install, std::string(ABOUT_REMOVAL) + EXITS);
+    CLI::App& pending =
+        add_command(app, chosen, "pending", "Shows what waits for a certificate", run_pending);
+    add_command(pending, chosen, "discard",
+                "Removes a pair that waits: no certificate can be installed for it then", run_discard);
+    add_command(app, chosen, "remove", "Removes a certificate that is no longer needed, with its keys",
+                run_remove);
 }
 
 // A mistake ends the reading before every option is known.

@@ -3,6 +3,7 @@
 #include "cli/engine.h"
 #include "cli/option_list.h"
 #include "host/choice.h"
+#include "host/remove.h"
 #include "host/wishes.h"
 
 #include <string>
@@ -129,6 +130,31 @@ struct InstallOptions : ChangingOptions {
                   "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)");
         list.words("--accept", "REASON,...", wishes.accept, accepted_reasons(),
                    "Take the certificate although: ");
+        ChangingOptions::declare(list);
+    }
+};
+
+struct RemoveOptions : ChangingOptions {
+    RemovalWishes wishes;
+
+    void declare(OptionList& list) {
+        list.argument("ID", wishes.id, "Identifier of what goes, as zvrenew list shows it, whole");
+        list.flag("--last", wishes.last, "Remove also the certificate of its kind that ends last");
+        declare_backup(list);
+        ChangingOptions::declare(list);
+    }
+
+  protected:
+    void declare_backup(OptionList& list) {
+        list.text("--backup", "FILE", wishes.backup,
+                  "New file for what is public of it (else IDENTIFIER-....pem in this folder)");
+    }
+};
+
+struct DiscardOptions : RemoveOptions {
+    void declare(OptionList& list) {
+        list.argument("ID", wishes.id, "Identifier of the pair, as zvrenew pending shows it, whole");
+        declare_backup(list);
         ChangingOptions::declare(list);
     }
 };

@@ -1,6 +1,7 @@
 #include "host/backup.h"
 
 #include "host/error.h"
+#include "host/new_file.h"
 #include "host/printable.h"
 #include "host/public_key.h"
 
@@ -77,6 +78,20 @@ std::optional<Backup> read_backup(const std::string& file) {
     text.resize(static_cast<std::size_t>(stream.gcount()));
     backup.blocks = ossl::pem_blocks(text);
     return backup;
+}
+
+std::string save(const Backup& backup) {
+    const std::string& file = backup.file;
+    if (const auto there = read_backup(file); there && there->covers(backup)) return file;
+    try {
+        NewFile(file).save(backup.text());
+    } catch (Error& stop) {
+        if (stop.exit == Exit::refused)
+            stop.advice = {
+                {"other-file", "Give the backup another name with --backup FILE.", {{"file", file}}}};
+        throw;
+    }
+    return file;
 }
 
 std::vector<Backup> backups_of(const std::string& card, const std::string& given) {

@@ -28,6 +28,9 @@ struct Backup {
     [[nodiscard]] bool covers(const Backup& other) const;
 };
 
+// Makes its file; one that holds all of it already will do. Returns its name. @throws Error
+std::string save(const Backup& backup);
+
 [[nodiscard]] std::string backup_heading(const std::string& card, const std::string& id);
 
 // Reads a file; none when it is no backup.

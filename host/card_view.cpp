@@ -84,6 +84,14 @@ void require_same_card(const Module& module, const CardState& state) {
                     Advice{"insert-card", "Put the card back that the command began with."});
 }
 
+void in_session(OpenedCard& card, Access access, const std::function<void(Session&)>& work) {
+    const Module module(card.place.module_path);
+    require_same_card(module, card.state);
+    Session session(module, card.state.slot, access);
+    session.log_in(card.pin);
+    work(session);
+}
+
 } // namespace
 
 const CardObject* CardView::find(CK_OBJECT_CLASS type, const std::string& id) const {
@@ -192,11 +200,11 @@ void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
 }
 
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
-    const Module module(card.place.module_path);
-    require_same_card(module, card.state);
-    Session session(module, card.state.slot);
-    session.log_in(card.pin);
-    work(session);
+    in_session(card, Access::reading, work);
+}
+
+void with_writing_session(OpenedCard& card, const std::function<void(Session&)>& work) {
+    in_session(card, Access::writing, work);
 }
 
 CardView view_in(const Session& session) {

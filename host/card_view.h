@@ -69,6 +69,9 @@ void refuse_doubled(const CardView& view, const std::vector<std::string>& ids);
 // Opens a session of its own on the card, logs in, runs `work` and ends the session. @throws Error
 void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
 
+// The same, in a session that may change the card. @throws Error
+void with_writing_session(OpenedCard& card, const std::function<void(Session&)>& work);
+
 // Reads what a session sees; handles hold as long as it does. @throws Error
 [[nodiscard]] CardView view_in(const Session& session);
 

@@ -18,20 +18,10 @@
 namespace zvhost {
 namespace {
 
-// Saves what is about to be replaced. A file that holds all of it already will do.
+// Saves what is about to be replaced.
 std::string save_backup(const InstallPlan& plan) {
     if (plan.backup.blocks.empty()) return plan.old ? plan.old->backup : std::string();
-    const std::string& file = plan.backup.file;
-    if (const auto there = read_backup(file); there && there->covers(plan.backup)) return file;
-    try {
-        NewFile(file).save(plan.backup.text());
-    } catch (Error& stop) {
-        if (stop.exit == Exit::refused)
-            stop.advice = {
-                {"other-file", "Give the backup another name with --backup FILE.", {{"file", file}}}};
-        throw;
-    }
-    return file;
+    return save(plan.backup);
 }
 
 std::vector<Sentence> install_notices(const InstallPlan& plan) {

@@ -78,8 +78,9 @@ CK_TOKEN_INFO Module::token(CK_SLOT_ID slot) const {
     return info;
 }
 
-Session::Session(const Module& module, CK_SLOT_ID slot) : module_(module), slot_(slot) {
-    require(module_.call<&List::C_OpenSession>(slot, CKF_SERIAL_SESSION, nullptr, nullptr, &handle_),
+Session::Session(const Module& module, CK_SLOT_ID slot, Access access) : module_(module), slot_(slot) {
+    const CK_FLAGS flags = CKF_SERIAL_SESSION | (access == Access::writing ? CKF_RW_SESSION : 0);
+    require(module_.call<&List::C_OpenSession>(slot, flags, nullptr, nullptr, &handle_),
             "Opening a session with the card");
 }
 
@@ -141,6 +142,17 @@ Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const 
 Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
     Bytes value;
     return read(object, type, value) == CKR_OK ? value : Bytes();
+}
+
+void Session::destroy(CK_OBJECT_HANDLE object) {
+    require(module_.call<&List::C_DestroyObject>(handle_, object), "Removing an object from the card");
+}
+
+void Session::create(std::vector<CK_ATTRIBUTE> attributes) {
+    CK_OBJECT_HANDLE object = 0;
+    require(
+        module_.call<&List::C_CreateObject>(handle_, attributes.data(), CK_ULONG{attributes.size()}, &object),
+        "Storing an object on the card");
 }
 
 bool Session::last_try() const {

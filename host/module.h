@@ -39,11 +39,13 @@ class Module {
     pkcs11::Module loaded_;
 };
 
-// A read-only session with the card in a slot.
+enum class Access { reading, writing };
+
+// A session with the card in a slot.
 class Session {
   public:
     // @throws Error
-    Session(const Module& module, CK_SLOT_ID slot);
+    Session(const Module& module, CK_SLOT_ID slot, Access access = Access::reading);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -61,6 +63,10 @@ class Session {
     // once; nothing when it refuses it. @throws Error
     [[nodiscard]] std::optional<Bytes> sign(CK_OBJECT_HANDLE key, Bytes digest_info,
                                             Pin* pin = nullptr) const;
+    // @throws Error when the card keeps the object
+    void destroy(CK_OBJECT_HANDLE object);
+    // @throws Error when the card does not take it
+    void create(std::vector<CK_ATTRIBUTE> attributes);
     // Whether a wrong PIN would be the last one, or there is none left. @throws Error
     [[nodiscard]] bool last_try() const;
 

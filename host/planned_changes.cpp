@@ -85,10 +85,10 @@ class Digest {
         if (EVP_DigestUpdate(context_.get(), data, size) != 1) fail();
     }
     void add(const std::string& text) { add(text.c_str(), text.size() + 1); }
-    [[nodiscard]] std::string text() {
+    [[nodiscard]] std::string text(std::size_t bytes = FINGERPRINT_BYTES) {
         std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
         if (EVP_DigestFinal_ex(context_.get(), digest.data(), nullptr) != 1) fail();
-        return hex_of(digest.data(), FINGERPRINT_BYTES);
+        return hex_of(digest.data(), bytes);
     }
 
   private:
@@ -101,6 +101,13 @@ class Digest {
 
 Change removal_of(const CardObject& object, const Sentence& why) {
     return {Action::remove, class_of_object(object.type), object.id, object.label, size_of(object), why};
+}
+
+std::string short_digest(const Bytes& bytes) {
+    constexpr std::size_t enough = 4;
+    Digest digest;
+    digest.add(bytes.data(), bytes.size());
+    return digest.text(enough);
 }
 
 void seal(Plan& plan, const CardView& view) {

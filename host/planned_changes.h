@@ -17,6 +17,9 @@ namespace zvhost {
 // An object of the card that goes.
 [[nodiscard]] Change removal_of(const CardObject& object, const Sentence& why);
 
+// SHA-256 of bytes, its first four, in hexadecimal.
+[[nodiscard]] std::string short_digest(const Bytes& bytes);
+
 // Gives the plan the fingerprint of its changes to what the card holds.
 void seal(Plan& plan, const CardView& view);
 

@@ -2,7 +2,18 @@
 
 #include "host/sentence.h"
 
+#include <chrono>
+#include <optional>
+
 namespace zvhost {
+
+// A part of the work that cannot be broken off.
+struct Step {
+    Sentence what;
+    int number = 1; // this one
+    int of = 1;     // so many there are
+    std::optional<std::chrono::milliseconds> usual; // how long this card took for it before
+};
 
 // What a plan that is carried out tells whoever shows it. It is called by the thread that carries out the plan, which
 // waits for it.
@@ -17,6 +28,10 @@ class Progress {
     virtual void notice(const Sentence& sentence) { (void)sentence; }
     // From here on the card is changed: who is ended now may leave it without what it had.
     virtual void changing() {}
+    // A step begins. It is over when the next one begins, or when the call returns.
+    virtual void step(const Step& step) { (void)step; }
+    // Asked between two steps: whether to stop there. What was begun is never left half done.
+    [[nodiscard]] virtual bool cancelled() { return false; }
 };
 
 } // namespace zvhost

@@ -16,7 +16,7 @@ offers() {
     _zvrenew zvrenew "${*: -1}" ""
     [ "${COMPREPLY[*]}" = "$wanted" ] || { echo "zvrenew $*: offers \"${COMPREPLY[*]}\", not \"$wanted\""; status=1; }
 }
-offers "readers request" re
+offers "install" i
 offers "request" req
 offers "signature authentication services" request ""
 offers "signature" request --force sig
@@ -37,8 +37,8 @@ for command in $(zvrenew --complete "" | cut -f 1); do
 done
 
 if command -v fish >/dev/null; then
-    offered=$(fish -N -c "source $root/packaging/completion/zvrenew.fish; complete -C 'zvrenew re'" | cut -f 1 | tr '\n' ' ')
-    [ "$offered" = "readers request " ] || { echo "fish offers \"$offered\""; status=1; }
+    offered=$(fish -N -c "source $root/packaging/completion/zvrenew.fish; complete -C 'zvrenew i'" | cut -f 1 | tr '\n' ' ')
+    [ "$offered" = "install " ] || { echo "fish offers \"$offered\""; status=1; }
 fi
 ! command -v zsh >/dev/null || zsh -n "$root/packaging/completion/_zvrenew" || status=1
 exit $status

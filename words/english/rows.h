@@ -17,6 +17,7 @@ Rows card_rows();
 Rows doctor_rows();
 Rows pin_rows();
 Rows plan_rows();
+Rows remove_rows();
 
 } // namespace words
 

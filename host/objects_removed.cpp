@@ -1,0 +1,36 @@
+#include "host/objects_removed.h"
+
+#include <algorithm>
+
+namespace zvhost {
+namespace {
+
+bool is_same(const CardObject& one, const CardObject& other) {
+    return one.type == other.type && one.id == other.id && one.value == other.value;
+}
+
+// Another object of the same class and identifier means that the card is not what was planned for.
+void require_known(const CardView& view, const std::vector<CardObject>& objects) {
+    const auto known = [&](const CardObject& there) {
+        return std::any_of(objects.begin(), objects.end(),
+                           [&](const CardObject& one) { return is_same(one, there); });
+    };
+    for (const CardObject& there : view.objects())
+        for (const CardObject& one : objects)
+            if (there.type == one.type && there.id == one.id && !known(there))
+                throw Error(Exit::failed, {"removal-not-as-planned", {{"id", one.id}}});
+}
+
+} // namespace
+
+void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects) {
+    with_writing_session(card, [&](Session& session) {
+        const CardView view = view_in(session);
+        require_known(view, objects);
+        for (const CardObject& one : objects)
+            for (const CardObject& there : view.objects())
+                if (is_same(one, there)) session.destroy(there.handle);
+    });
+}
+
+} // namespace zvhost

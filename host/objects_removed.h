@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/card_view.h"
+
+#include <vector>
+
+namespace zvhost {
+
+// Removes objects from a card, in their order: exactly these, found again by class, identifier and value in a session of
+// its own, each by its handle there. One that is gone already is no matter. @throws Error when the card does not hold
+// them as they were, or keeps one; what comes behind that one stays
+void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects);
+
+} // namespace zvhost
