@@ -15,9 +15,9 @@ namespace {
 
 using zvhost::Examination, zvhost::Finding, zvhost::Health;
 
-// "WRONG" is seen in a long list.
-const char* shown(Health health) {
-    return health == Health::wrong ? "WRONG" : word_for(health);
+// Such as "WRONG", which is seen in a long list.
+std::string in_a_word(const char* what, const std::string& which) {
+    return words::of(zvhost::Sentence(std::string("doctor-") + what + "-" + which, {}));
 }
 
 std::string indented(std::string text) {
@@ -52,7 +52,8 @@ std::vector<Advice> advice_by_need(const Examination& examination) {
 std::string in_lines(const Examination& examination) {
     std::string text;
     for (const Finding& finding : examination.findings) {
-        text += fmt::format("{:<8} {}: {}\n", shown(finding.health), finding.topic, words::of(finding.says));
+        text += fmt::format("{:<8} {}: {}\n", in_a_word("state", word_for(finding.health)),
+                            in_a_word("topic", finding.topic), words::of(finding.says));
         for (const Advice& one : finding.advice)
             text += indented(words::of(one.says)) + "\n";
     }

@@ -43,7 +43,7 @@ TEST_F(DoctorProgramTest, FindsNothingWrongWithACardThatServes) {
     for (const char* part :
          {"ATR is 3B8880015A5653494D5349470F", "[card simulated signature] (line 1 of ",
           "libzvsimcard.so loads, starts", "is slot 0 of", "initialised.\n",
-          "right    pin: ", "right    clock: ", "right    log: ", "right    versions: Module: "})
+          "right    PIN: ", "right    clock: ", "right    log: ", "right    versions: Module: "})
         EXPECT_TRUE(outcome.says(part)) << part << "\n" << outcome.out;
     const auto json = nlohmann::json::parse(doctor("--json").out);
     EXPECT_EQ(json["result"], "done");
@@ -101,14 +101,14 @@ TEST_F(DoctorProgramTest, TellsOfACardThatCannotBeUsedYet) {
     (void)with_pin("list");
     const Outcome last = doctor();
     EXPECT_EQ(last.code, 0);
-    EXPECT_TRUE(last.says("warning  pin: One try is left")) << last.out;
+    EXPECT_TRUE(last.says("warning  PIN: One try is left")) << last.out;
     give_pin(simcard::DEFAULT_PIN);
     EXPECT_EQ(with_pin("list --final-try").code, 0) << "as advised";
-    EXPECT_TRUE(doctor().says("right    pin: "));
+    EXPECT_TRUE(doctor().says("right    PIN: "));
     give_pin("9999");
     for (const char* arguments : {"list", "list", "list --final-try"})
         (void)with_pin(arguments);
-    EXPECT_TRUE(doctor().says("WRONG    pin: The PIN is locked."));
+    EXPECT_TRUE(doctor().says("WRONG    PIN: The PIN is locked."));
 
     ASSERT_EQ(tool("create --name two --reader Simulated --config " + configuration().string()).code, 0);
     const Outcome alike = doctor();
@@ -128,7 +128,7 @@ TEST_F(DoctorProgramTest, RemovesWhatIsInTheWayAsItAdvises) {
     simcard::write_file(ZV_REQUEST_FILE, "x", simcard::Access::owner_only);
     const Outcome left = doctor();
     EXPECT_EQ(left.code, 0);
-    EXPECT_TRUE(left.says("warning  temporary-files: ")) << left.out;
+    EXPECT_TRUE(left.says("warning  temporary files: ")) << left.out;
     EXPECT_EQ(shell(advised(left, "Remove it: ")).code, 0);
     fs::remove_all(home() / ".trevallo");
     simcard::write_file(home() / ".trevallo", "x", simcard::Access::owner_only);
@@ -138,7 +138,7 @@ TEST_F(DoctorProgramTest, RemovesWhatIsInTheWayAsItAdvises) {
     EXPECT_EQ(shell(advised(log, "Remove it: ")).code, 0);
     const Outcome mended = doctor();
     EXPECT_EQ(mended.code, 0) << mended.out;
-    EXPECT_FALSE(mended.says("temporary-files: " ZV_TEMP_FOLDER "/")) << mended.out;
+    EXPECT_FALSE(mended.says("temporary files: " ZV_TEMP_FOLDER "/")) << mended.out;
 }
 
 #ifdef __linux__
