@@ -15,12 +15,12 @@ namespace {
 
 Report removal_report(const Removed& removed) {
     Report report;
-    report.json = as_json(removed.card);
+    report.json = cli::as_json(removed.card);
     report.json.update({{"removed", std::vector{removed.id}},
                         {"backup", removed.backup},
-                        {"on_card", as_json(removed.now)}});
+                        {"on_card", cli::as_json(removed.now)}});
     report.text = words::of(Sentence{
-        "removed", {{"id", removed.id}, {"backup", removed.backup}, {"now", in_words(removed.now)}}});
+        "removed", {{"id", removed.id}, {"backup", removed.backup}, {"now", cli::in_words(removed.now)}}});
     report.unsaid = [now = removed.now](Error& error) { error.card = now; };
     return report;
 }

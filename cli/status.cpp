@@ -9,7 +9,7 @@ namespace cli {
 namespace {
 
 std::string status_in_words(const CardStatus& status) {
-    std::string text = in_words(status.list);
+    std::string text = cli::in_words(status.list);
     if (!status.uncertified.empty())
         text += fmt::format("  (keys that show no certificate: {})\n", fmt::join(status.uncertified, ", "));
     return text;

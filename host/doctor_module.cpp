@@ -7,20 +7,20 @@
 namespace zvhost {
 namespace {
 
-using Step = ModuleFacts::Step;
+using Stage = ModuleFacts::Stage;
 
-const char* step_sentence(Step step) {
+const char* step_sentence(Stage step) {
     switch (step) {
-    case Step::loading:
+    case Stage::loading:
         return "doctor-step-loading";
-    case Step::starting:
+    case Stage::starting:
         return "doctor-step-starting";
-    case Step::listing:
+    case Stage::listing:
         return "doctor-step-listing";
-    case Step::reading:
+    case Stage::reading:
         return "doctor-step-reading";
-    case Step::ending:
-    case Step::done:
+    case Stage::ending:
+    case Stage::done:
         return "doctor-step-ending";
     }
     return "";
@@ -74,7 +74,7 @@ void tell_problem(Looks& looks, const std::string& path, const ModuleFacts& fact
         return add_wrong(looks, "doctor-module-crashes", values, "doctor-mend-module");
     }
     if (!facts.is_module) return add_wrong(looks, "doctor-module-none", where, "doctor-mend-module");
-    if (facts.reached == Step::loading)
+    if (facts.reached == Stage::loading)
         return add_wrong(looks, "doctor-module-not-loaded", with("reason", facts.problem),
                          "doctor-complete-module");
     if (facts.started != CKR_OK)

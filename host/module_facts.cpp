@@ -9,12 +9,12 @@ namespace zvhost {
 namespace {
 
 using List = CK_FUNCTION_LIST;
-using Step = ModuleFacts::Step;
+using Stage = ModuleFacts::Stage;
 
 // What the child tells, each behind its mark.
 enum class Told : char { step, problem, no_module, started, info, slot, token, object };
 
-void tell_step(const Tell& tell, Step step) {
+void tell_step(const Tell& tell, Stage step) {
     tell(WireText().put(Told::step).put(step).text());
 }
 
@@ -65,19 +65,19 @@ bool starts(const Tell& tell, const pkcs11::Module& module) {
 void use_module(const Tell& tell, const std::string& path) {
     {
         const pkcs11::Module loaded(path, pkcs11::Mapped::until_exit);
-        tell_step(tell, Step::starting);
+        tell_step(tell, Stage::starting);
         if (!starts(tell, loaded)) return;
     }
-    tell_step(tell, Step::listing);
+    tell_step(tell, Stage::listing);
     {
         const Module module(path);
         for (const CK_SLOT_ID slot : module.slots()) {
-            tell_step(tell, Step::reading);
+            tell_step(tell, Stage::reading);
             tell_slot(tell, module, slot);
         }
-        tell_step(tell, Step::ending);
+        tell_step(tell, Stage::ending);
     }
-    tell_step(tell, Step::done);
+    tell_step(tell, Stage::done);
 }
 
 void try_module(const Tell& tell, const std::string& path) {

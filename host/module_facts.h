@@ -21,9 +21,9 @@ struct SlotFacts {
 
 // How far a module comes when it is used.
 struct ModuleFacts {
-    enum class Step { loading, starting, listing, reading, ending, done };
+    enum class Stage { loading, starting, listing, reading, ending, done };
 
-    Step reached = Step::loading; // what it was at last
+    Stage reached = Stage::loading; // what it was at last
     bool is_module = true;
     std::string problem;    // why the system does not load it
     CK_RV started = CKR_OK; // what it answered when it was started
@@ -32,7 +32,7 @@ struct ModuleFacts {
     int signal = 0; // that ended its process
     bool late = false;
 
-    [[nodiscard]] bool usable() const { return reached == Step::done && signal == 0 && !late; }
+    [[nodiscard]] bool usable() const { return reached == Stage::done && signal == 0 && !late; }
 };
 
 constexpr int MOST_SECONDS_OF_A_MODULE = 60;

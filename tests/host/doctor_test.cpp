@@ -32,7 +32,7 @@ Looks look_at(SlotFacts slot) {
     looks.cards = {ExaminedCard{"R", "3B00", "m.so", PATH, false}};
     slot.description = "R";
     ModuleFacts& module = looks.modules[PATH];
-    module.reached = ModuleFacts::Step::done;
+    module.reached = ModuleFacts::Stage::done;
     module.slots = {std::move(slot)};
     look_at_cards(looks);
     return looks;
