@@ -34,7 +34,7 @@ void Looks::add(const char* topic, Health health, const Error& error) {
     examination.findings.push_back({topic, health, error.sentence, error.advice});
 }
 
-Advice advise(const char* key, const char* sentence, Values values) {
+Advice advise(const char* key, const char* sentence, const Values& values) {
     return {key, Sentence(sentence, values), values};
 }
 

@@ -49,6 +49,6 @@ void look_at_programs(Looks& looks);
 void look_at_versions(Looks& looks);
 
 // An advice whose sentence has the same values as a program is told.
-[[nodiscard]] Advice advise(const char* key, const char* sentence, Values values = {});
+[[nodiscard]] Advice advise(const char* key, const char* sentence, const Values& values = {});
 
 } // namespace zvhost

@@ -33,12 +33,12 @@ std::string first_word_of(const fs::path& file) {
     return word;
 }
 
-// Without a look into its memory a process counts as hidden, unless it is the system's own, which has none.
+// Without a look into its memory a process counts as hidden, unless it is the system's own or has ended: neither has
+// arguments.
 void look_into(const fs::path& process, const std::vector<std::string>& modules, CardProcesses& all) {
     std::ifstream map(process / "maps");
     if (!map) {
-        std::error_code gone;
-        if (fs::exists(process, gone)) ++all.hidden;
+        if (!first_word_of(process / "cmdline").empty()) ++all.hidden;
         return;
     }
     for (std::string line; std::getline(map, line);) {
