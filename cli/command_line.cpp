@@ -26,6 +26,10 @@ constexpr const char* STATUS_EXITS =
     "is nothing on "
     "the card (of several 11, then 12, then 10); 1 failed, 2 refused or mistyped.";
 
+constexpr const char* RENEW_EXITS =
+    "Exit codes: 0 done, 1 failed, 2 refused or mistyped (no PIN try spent, nothing on the card changed), "
+    "3 nothing due, 12 the authority's certificate is waited for.";
+
 constexpr const char* STEPS = R"(A renewal:
   zvrenew status                                 what is due, without the PIN
   zvrenew list                                   what is on the card, and what is due
@@ -84,6 +88,10 @@ void add_commands(CLI::App& app, Invocation& chosen) {
                 "Tells by the exit code which certificates end soon or have ended (asks for no PIN)",
                 run_status, STATUS_EXITS);
     add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
+    add_command(
+        app, chosen, "renew",
+        "Renews a certificate: request, authority, installation, proof; goes on where it was broken off",
+        run_renew, RENEW_EXITS);
     add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
     add_command(app, chosen, "request",
                 "Makes new keys on the card and a request for them; a services card's own stay", run_request);

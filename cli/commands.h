@@ -13,6 +13,7 @@ namespace cli {
 [[nodiscard]] Report run_list(const ListOptions& options);
 [[nodiscard]] Report run_free_id(const CardOptions& options);
 [[nodiscard]] Report run_request(const RequestOptions& options);
+[[nodiscard]] Report run_renew(const RenewOptions& options);
 [[nodiscard]] Report run_pending(const CardOptions& options);
 [[nodiscard]] Report run_discard(const DiscardOptions& options);
 [[nodiscard]] Report run_remove(const RemoveOptions& options);

@@ -4,6 +4,7 @@
 #include "cli/option_list.h"
 #include "host/choice.h"
 #include "host/remove.h"
+#include "host/renew.h"
 #include "host/wishes.h"
 
 #include <string>
@@ -157,6 +158,49 @@ struct DiscardOptions : RemoveOptions {
         declare_backup(list);
         ChangingOptions::declare(list);
     }
+};
+
+struct RenewOptions : ChangingOptions {
+    RenewalWishes wishes;
+    std::string from;       // file of the authority's certificate
+    std::string ca_command; // that asks the authority
+
+    void declare(OptionList& list) {
+        list.kind("KIND", wishes.request.kind,
+                  "signature, authentication, or services (a services card's own)");
+        list.text("--to", "FILE", wishes.request.out,
+                  "File for the request (else request-KIND.b64 in this folder)");
+        list.text("--from", "FILE", from, "File in which the authority's certificate is, or will be");
+        list.text(
+            "--ca-command", "COMMAND", ca_command,
+            "Command that gets the request on standard input and prints the certificate, or ends with 75 "
+            "when there is none yet");
+        list.text("--subject", "NAME", wishes.request.subject,
+                  "Subject, as /C=IT/O=.../CN=... (else the certificate's)");
+        list.text("--certificate", "ID", wishes.request.certificate,
+                  "Identifier of the certificate to renew (else the one that ends last)");
+        list.flag("--force", wishes.request.force, "Renew also what is not due");
+        list.flag("--remove-old", wishes.remove_old,
+                  "Remove the old certificate and its keys, once the new one is proved");
+        list.text("--replace", "ID", wishes.replace,
+                  "Identifier of the certificate that goes (else the one that the request was signed with)");
+        list.text("--backup", "FILE", wishes.backup,
+                  "New file for the old certificate (else IDENTIFIER-SERIAL.pem in this folder)");
+        list.words("--accept", "REASON,...", wishes.accept, accepted_reasons(),
+                   "Take the certificate although: ");
+        declare_days(list, wishes.request.days);
+        ChangingOptions::declare(list);
+    }
+    // Refuses options that leave the authority out. @throws Error
+    void check() const;
+    [[nodiscard]] RenewalWishes renewal() const;
+    // File in which the command's answer is kept.
+    [[nodiscard]] std::string answer() const;
+    // Removes the files that were not asked for by name.
+    void tidy() const;
+
+  private:
+    [[nodiscard]] std::string request_file() const;
 };
 
 } // namespace cli

@@ -6,6 +6,7 @@
 #include "host/new_file.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
+#include "host/stored_back.h"
 #include "host/suitability.h"
 #include "zvRenew.h"
 
@@ -229,14 +230,27 @@ class PlannedInstall::Work {
         for (const Sentence& notice : seen_.notices)
             progress.notice(notice);
         require_alone(card_);
-        if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK)
-            fail(backup, library_stop("The certificate could not be stored", code));
+        progress.step(Step({"step-store", {{"pair", plan_.pair}}}));
+        if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK) {
+            Error error = library_stop("The certificate could not be stored", code);
+            undo_removal(progress);
+            fail(backup, error);
+        }
+        progress.step(Step({"step-prove", {{"pair", plan_.pair}}}));
         const Proof proof = prove_pair(card_, plan_.pair, plan_.certificate, KeyPin::given);
         if (!proof.reason.empty()) fail(backup, because_unproved(proof));
         return told(card_, plan_, backup, proof);
     }
 
   private:
+    // Of keys that stayed, the certificate comes back.
+    void undo_removal(Progress& progress) {
+        if (plan_.removed.empty()) return;
+        for (const Change& change : seen_.changes)
+            if (change.action == Action::remove && change.what == ObjectClass::certificate &&
+                change.id == plan_.old->id && store_back(card_, plan_.old->der, change.id, change.label))
+                progress.notice({"stored-back", {{"id", change.id}}});
+    }
     [[noreturn]] void fail(const std::string& backup, const Error& error) {
         stop_install(card_, plan_, backup, error);
     }

@@ -46,6 +46,12 @@ void Pin::remove_last() {
         page_->text[--page_->length] = '\0';
 }
 
+Pin Pin::copy() const {
+    Pin other;
+    *other.page_ = *page_;
+    return other;
+}
+
 void Pin::wipe() {
     OPENSSL_cleanse(page_->text.data(), page_->text.size());
     page_->length = page_->dropped = 0;

@@ -2,6 +2,7 @@
 
 #include "host/about_card.h"
 #include "host/advice.h"
+#include "host/journal.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
 #include "host/planned_changes.h"
@@ -214,6 +215,8 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         for (const Sentence& notice : seen_.notices)
             progress.notice(notice);
         require_alone(card_);
+        progress.step(
+            Step({plan_.reuse ? "step-request" : "step-keys", {{"pair", plan_.pair}}}, usual_time()));
         const std::string text = ask_library(card_, plan_, wishes_.kind);
         check_request(card_, plan_, text);
         if (wishes_.kind == Kind::services) check_mark(card_, progress);
@@ -224,6 +227,9 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     }
 
   private:
+    [[nodiscard]] std::optional<std::chrono::milliseconds> usual_time() const {
+        return plan_.reuse ? std::nullopt : Journal().card(card_.state.serial).key_pair_took;
+    }
     [[nodiscard]] Plan seen(const CardView& view) const {
         if (!output_.earlier.empty()) return unchanged(card_.facts(), view);
         Plan plan = changes_of(plan_, card_.facts(), view);

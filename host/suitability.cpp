@@ -23,12 +23,13 @@ struct Objection {
 };
 using Objections = std::vector<Objection>;
 
-void object_to_dates(Objections& objections, const InstallPlan& plan, X509& certificate) {
+// @param goes  the old certificate
+void object_to_dates(Objections& objections, const InstallPlan& plan, X509& certificate, bool goes) {
     const std::time_t now = std::time(nullptr);
     const std::time_t begins = begin_of(certificate).value_or(now);
     const std::time_t ends = end_of(certificate).value_or(0);
     if (ends < now) objections.push_back(Objection{"expired", fmt::format("It ended on {}.", day_of(ends))});
-    if (plan.removed.empty()) return;
+    if (!goes || !plan.old) return;
     const Certificate old = certificate_from(plan.old->der);
     const std::time_t old_ends = old ? end_of(*old).value_or(0) : 0;
     if (ends < old_ends)
@@ -77,7 +78,7 @@ void refuse_worthless(const InstallWishes& wishes, const InstallPlan& plan, cons
                       const CardView& view) {
     Objections objections;
     const Certificate certificate = certificate_from(plan.certificate);
-    object_to_dates(objections, plan, *certificate);
+    object_to_dates(objections, plan, *certificate, !plan.removed.empty() || wishes.removed_later);
     object_to_holder(objections, holders(plan, files, view), holder_of(plan.certificate));
     object_to_purpose(objections, plan, *certificate);
     std::erase_if(objections, [&](const Objection& one) {

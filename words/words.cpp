@@ -17,7 +17,7 @@ using zvhost::Sentence, zvhost::Value;
 
 std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
-    for (const Rows rows : {card_rows(), doctor_rows(), pin_rows(), plan_rows(), remove_rows()})
+    for (const Rows rows : {card_rows(), doctor_rows(), pin_rows(), plan_rows(), remove_rows(), renew_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;

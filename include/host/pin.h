@@ -14,7 +14,8 @@ class Pin {
   public:
     Pin();
     Pin(Pin&&) noexcept = default;
-    Pin& operator=(Pin&&) = delete;
+    Pin& operator=(Pin&&) = default;
+    [[nodiscard]] Pin copy() const;
 
     void add(char c);
     void remove_last();

@@ -9,9 +9,12 @@ namespace zvhost {
 
 // A part of the work that cannot be broken off.
 struct Step {
+    explicit Step(Sentence does, std::optional<std::chrono::milliseconds> usually = {})
+        : what(std::move(does)), usual(usually) {}
+
     Sentence what;
-    int number = 1; // this one
-    int of = 1;     // so many there are
+    int number = 1;                                 // this one
+    int of = 1;                                     // so many there are
     std::optional<std::chrono::milliseconds> usual; // how long this card took for it before
 };
 

@@ -27,6 +27,7 @@ struct InstallWishes {
     std::string request_file;        // empty: the pairs that wait on the card are asked
     std::string replace;             // identifier; empty: the one that signed the request, or the only one
     bool remove_old = false;         // remove the old certificate and its keys
+    bool removed_later = false;      // once the new one is proved, by whoever installs it
     std::string backup;              // empty: a name made from the identifier and the serial number
     std::vector<std::string> accept; // of accepted_reasons()
 };

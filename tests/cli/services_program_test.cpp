@@ -41,7 +41,8 @@ TEST_F(ServicesProgramTest, RenewsTheCardsOwnCertificate) {
 
 TEST_F(ServicesProgramTest, FinishesOnceTheOldOneIsGone) {
     prepare();
-    const Outcome full = with_pin("install certificate --remove-old", "C_CreateObject:1:answer:0x31");
+    const Outcome full = with_pin("install certificate --remove-old",
+                                  "C_CreateObject:1:answer:0x31;C_CreateObject:2:answer:0x31");
     EXPECT_EQ(full.code, 1);
     EXPECT_TRUE(full.says("Now on the card: CNS0 (keys without a certificate)")) << full.err;
     EXPECT_TRUE(full.says("run the same command again")) << full.err;

@@ -18,6 +18,7 @@ Rows doctor_rows();
 Rows pin_rows();
 Rows plan_rows();
 Rows remove_rows();
+Rows renew_rows();
 
 } // namespace words
 

@@ -1,0 +1,70 @@
+#include "cli/authority.h"
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/on_card.h"
+#include "cli/pin_input.h"
+#include "cli/plan_shown.h"
+#include "cli/progress_lines.h"
+#include "words/words.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+
+namespace cli {
+namespace {
+
+std::unique_ptr<Authority> authority_of(const RenewOptions& options) {
+    if (options.ca_command.empty()) return std::make_unique<AuthorityByFile>(options.from);
+    return std::make_unique<AuthorityByCommand>(options.ca_command, options.answer());
+}
+
+std::string in_words(const Renewal& renewal) {
+    const Values about = {{"kind", renewal.kind},     {"pair", renewal.pair},
+                          {"file", renewal.request},  {"old", renewal.removed},
+                          {"backup", renewal.backup}, {"now", cli::in_words(renewal.now)}};
+    if (!renewal.done) return words::of(Sentence{"renewal-under-way", about});
+    std::string text = words::of(Sentence{"renewal-done", about});
+    if (renewal.installed)
+        text += "\n" + words::of(Sentence{
+                           renewal.installed->signed_with ? "renewal-proved" : "renewal-compared", about});
+    if (!renewal.removed.empty()) text += "\n" + words::of(Sentence{"renewal-removed", about});
+    if (!renewal.backup.empty()) text += "\n" + words::of(Sentence{"renewal-backup", about});
+    return text + "\n" + words::of(Sentence{"renewal-now", about});
+}
+
+Json as_json(const Renewal& renewal) {
+    Json json = cli::as_json(renewal.card);
+    json.update({{"kind", kind_name(renewal.kind)},
+                 {"pair", renewal.pair},
+                 {"request", renewal.request},
+                 {"installed", renewal.installed.has_value()},
+                 {"verified", renewal.installed ? Json(renewal.installed->signed_with) : Json()},
+                 {"removed", or_null(renewal.removed)},
+                 {"backup", or_null(renewal.backup)},
+                 {"on_card", cli::as_json(renewal.now)}});
+    return json;
+}
+
+} // namespace
+
+Report run_renew(const RenewOptions& options) {
+    options.check();
+    PinInput pin(options);
+    ProgressLines progress;
+    const auto authority = authority_of(options);
+    PlannedRenewal planned = plan_renewal(options.renewal(), options.choice, pin, *authority);
+    if (auto plan = plan_alone(options, planned.plan())) return *plan;
+    const Renewal renewal = planned.apply(progress);
+    Report report;
+    report.exit = renewal.done ? Exit::done : Exit::under_way;
+    report.json = as_json(renewal);
+    report.text = in_words(renewal);
+    report.advice = renewal.advice;
+    report.logged = true;
+    report.unsaid = [now = renewal.now](Error& error) { error.card = now; };
+    if (renewal.done) options.tidy();
+    return report;
+}
+
+} // namespace cli
