@@ -1,5 +1,7 @@
 #include "host/objects_removed.h"
 
+#include "zvConstants.h"
+
 #include <algorithm>
 
 namespace zvhost {
@@ -30,6 +32,14 @@ void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects) {
         for (const CardObject& one : objects)
             for (const CardObject& there : view.objects())
                 if (is_same(one, there)) session.destroy(there.handle);
+    });
+}
+
+void remove_mark(OpenedCard& card) {
+    with_writing_session(card, [](Session& session) {
+        const CardView view = view_in(session);
+        for (const CardObject& there : view.objects())
+            if (there.type == CKO_DATA && there.label == ZV_PENDING_MARKER) session.destroy(there.handle);
     });
 }
 

@@ -11,4 +11,7 @@ namespace zvhost {
 // them as they were, or keeps one; what comes behind that one stays
 void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects);
 
+// Removes the mark of a request from a services card, where it is. @throws Error
+void remove_mark(OpenedCard& card);
+
 } // namespace zvhost

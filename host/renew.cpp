@@ -6,6 +6,7 @@
 #include "host/inventory.h"
 #include "host/journal.h"
 #include "host/kept_pin.h"
+#include "host/objects_removed.h"
 #include "host/planned_changes.h"
 #include "host/read_file.h"
 #include "host/remove.h"
@@ -40,6 +41,8 @@ struct Standing {
     bool requested = false;           // the request's file is there, and is that pair's
     Bytes signer;                     // the certificate that signed the request of that file
     std::vector<Candidate> certified; // of the kind, with their keys
+    std::vector<std::string> retired; // identifiers of keys that a removal left
+    bool marked = false;              // a services card bears the mark of a request
     std::string current;              // identifier of the one that ends last
     bool due = false;
     RememberedRenewal remembered;
@@ -85,15 +88,36 @@ class PlannedRenewal::Work {
     [[nodiscard]] const Plan& seen() const { return seen_; }
 
     [[nodiscard]] Renewal apply(Progress& progress) {
+        try {
+            return go_on(progress);
+        } catch (const Error& error) {
+            throw advised(error);
+        }
+    }
+
+  private:
+    [[nodiscard]] Renewal go_on(Progress& progress) {
         if (request_) make_request(progress);
         if (!install_ && !removal_ && !finished_ && !hand_over(progress)) return told();
         if (install_) install(progress);
         if (removal_) remove(progress);
+        if (unmarks_) unmark(progress);
         forget();
         return told();
     }
 
-  private:
+    // What to do about a request or an installation by itself is not always what to do about a renewal.
+    [[nodiscard]] Error advised(Error error) const {
+        for (Advice& advice : error.advice) {
+            if (advice.key == "new-pair") advice.says = {"renewal-new-pair", {{"pair", standing_.waiting}}};
+            if (advice.key == "remove-old" && install_)
+                advice.says = {"renewal-no-room", {{"file", answer_}}};
+        }
+        // A later step that did nothing does not know of those before it.
+        if (changed_ && error.card && error.card->untouched) error.card = standing_.now;
+        return error;
+    }
+
     [[nodiscard]] Kind kind() const { return wishes_.request.kind; }
 
     void look() {
@@ -109,6 +133,9 @@ class PlannedRenewal::Work {
             standing_.current = current->id;
             standing_.due = ends_within(current->ends, wishes_.request.days, std::time(nullptr));
         }
+        standing_.marked = view.marked_pending();
+        for (const RetiredPair& pair : inventory.retired)
+            standing_.retired.push_back(pair.id);
         read_request(standing_, view, wishes_.request.out);
         const RememberedCard remembered = Journal().card(card.state.serial);
         if (const RememberedRenewal* renewal = remembered.renewal(kind())) standing_.remembered = *renewal;
@@ -132,6 +159,7 @@ class PlannedRenewal::Work {
             const auto* stored = std::get_if<AlreadyStored>(&error.found);
             if (stored == nullptr) throw;
             if (standing_.due && stored->id == standing_.current) return false;
+            left_ = error.advice;
             plan_rest(stored->id);
             return true;
         }
@@ -140,6 +168,7 @@ class PlannedRenewal::Work {
     void plan_installation(const std::string& file) {
         const bool services = kind() == Kind::services;
         InstallWishes wishes;
+        answer_ = file;
         wishes.certificate_file = file;
         if (standing_.requested) wishes.request_file = wishes_.request.out;
         wishes.replace = wishes_.replace;
@@ -174,7 +203,8 @@ class PlannedRenewal::Work {
     void plan_rest(const std::string& pair) {
         finished_ = true;
         pair_ = pair;
-        if (!wishes_.remove_old || kind() == Kind::services) return;
+        if (kind() == Kind::services) return plan_unmarking();
+        if (!wishes_.remove_old) return;
         const std::string old = old_of(pair);
         if (old.empty()) return;
         RemovalWishes removal;
@@ -182,6 +212,14 @@ class PlannedRenewal::Work {
         removal.backup = wishes_.backup;
         removal_.emplace(plan_removal(removal, choice_, pin_));
         seen_ = removal_->plan();
+    }
+
+    // A request that is answered is marked no longer; an installation that was broken off had no time for that.
+    void plan_unmarking() {
+        unmarks_ = installed_ ? installed_->mark_left : standing_.marked;
+        if (unmarks_ && !installed_)
+            seen_.changes.push_back(
+                {Action::remove, ObjectClass::data, {}, ZV_PENDING_MARKER, 0, {"why-mark-removed", {}}});
     }
 
     // The certificate that goes: the one that is named, that signed the request, that this computer remembers, or the
@@ -196,23 +234,34 @@ class PlannedRenewal::Work {
                 (remembered.pair == pair && remembered.replaces == one.id &&
                  remembered.replaced_serial == one.serial))
                 return one.id;
+        const auto& retired = standing_.retired;
+        if (remembered.pair == pair &&
+            std::find(retired.begin(), retired.end(), remembered.replaces) != retired.end())
+            return remembered.replaces;
         return others.size() == 1 ? others.front().id : "";
     }
 
     void make_request(Progress& progress) {
+        standing_.waiting = request_->pair();
         const MadeRequest made = request_->apply(progress);
         request_.reset();
         pair_ = made.pair;
+        changed_ = true;
+        note_pair(made.pair);
         standing_.requested = true;
         standing_.waiting = made.pair;
         RememberedRenewal renewal{kind(), made.pair, "requested", absolute(made.file), made.renews, {}, 0};
         renewal.begun = std::time(nullptr);
+        renewal.replaced_serial = serial_under(made.renews);
         for (const Candidate& one : standing_.certified)
-            if (one.id == made.renews) {
-                renewal.replaced_serial = one.serial;
-                standing_.signer = one.der;
-            }
+            if (one.id == made.renews) standing_.signer = one.der;
         remember(renewal);
+    }
+
+    void note_pair(const std::string& pair) {
+        std::vector<Held>& held = standing_.now.held;
+        if (std::none_of(held.begin(), held.end(), [&](const Held& one) { return one.id == pair; }))
+            held.push_back({pair, 0, true, true});
     }
 
     // False when the authority's certificate has not come yet.
@@ -233,8 +282,11 @@ class PlannedRenewal::Work {
         renewal.kind = kind();
         renewal.pair = installed_->pair;
         renewal.step = STORED;
+        renewal.replaces = old_of(installed_->pair);
+        renewal.replaced_serial = serial_under(renewal.replaces);
         remember(renewal);
         standing_.now = installed_->now;
+        changed_ = true;
         plan_rest(installed_->pair);
     }
 
@@ -246,6 +298,18 @@ class PlannedRenewal::Work {
         removed_ = removed.id;
         backup_ = removed.backup;
         standing_.now = removed.now;
+    }
+
+    void unmark(Progress& progress) {
+        progress.changing();
+        OpenedCard card = open_card(choice_, pin_, Use::changing);
+        remove_mark(card);
+        const CardNow now = card_now(card);
+        standing_.now = now.contents;
+        if (!now.view || now.view->marked_pending()) return;
+        const auto about_mark = [](const Advice& one) { return one.key == "mark"; };
+        std::erase_if(left_, about_mark);
+        if (installed_) std::erase_if(installed_->advice, about_mark);
     }
 
     void stop_if_cancelled(Progress& progress) const {
@@ -263,6 +327,12 @@ class PlannedRenewal::Work {
     void forget() {
         if (!installed_ && removed_.empty() && !finished_) return;
         (void)Journal().change(serial(), [&](RememberedCard& card) { card.end_renewal(kind()); });
+    }
+    // Serial number of a certificate of the card.
+    [[nodiscard]] std::string serial_under(const std::string& id) const {
+        for (const Candidate& one : standing_.certified)
+            if (one.id == id) return one.serial;
+        return {};
     }
     [[nodiscard]] std::string serial() const {
         return standing_.card.state ? standing_.card.state->serial : "";
@@ -289,7 +359,7 @@ class PlannedRenewal::Work {
         renewal.removed = removed_;
         renewal.backup = backup_.empty() && installed_ ? installed_->backup : backup_;
         renewal.now = standing_.now;
-        if (installed_) renewal.advice = installed_->advice;
+        renewal.advice = installed_ ? installed_->advice : left_;
         if (finished_ && removed_.empty()) advise_on_kept(renewal.advice);
         return renewal;
     }
@@ -309,7 +379,11 @@ class PlannedRenewal::Work {
     std::optional<PlannedInstall> install_;
     std::optional<PlannedRemoval> removal_;
     std::optional<Installed> installed_;
+    std::vector<Advice> left_; // of what an installation before this run left
+    bool unmarks_ = false;     // the mark of a request goes
+    bool changed_ = false;     // the card, by this run
     std::string pair_;
+    std::string answer_; // file of the authority's certificate
     std::string removed_;
     std::string backup_;
     bool finished_ = false; // the new certificate is on the card

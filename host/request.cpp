@@ -206,6 +206,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         seen_ = seen(view);
     }
     [[nodiscard]] const Plan& seen() const { return seen_; }
+    [[nodiscard]] const std::string& pair() const { return plan_.pair; }
     [[nodiscard]] OpenedCard& card() { return card_; }
 
     [[nodiscard]] MadeRequest apply(Progress& progress) {
@@ -269,6 +270,10 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
 };
 
 PlannedRequest::PlannedRequest(std::shared_ptr<Work> work) : work_(std::move(work)) {}
+
+const std::string& PlannedRequest::pair() const {
+    return work_->pair();
+}
 
 const Plan& PlannedRequest::plan() const {
     return work_->seen();

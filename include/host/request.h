@@ -38,6 +38,8 @@ class PlannedRequest {
     explicit PlannedRequest(std::shared_ptr<Work> work);
 
     [[nodiscard]] const Plan& plan() const;
+    // Identifier of the pair that the request is for.
+    [[nodiscard]] const std::string& pair() const;
 
     // Has the card make the keys and the request. Once. @throws Error, which says what is on the card then
     [[nodiscard]] MadeRequest apply(Progress& progress);

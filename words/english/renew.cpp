@@ -19,6 +19,11 @@ constexpr Row RENEW_ROWS[] = {
     {"renewal-done", N_("The new {kind} certificate is on the card, with its keys, as {pair}.")},
     {"renewal-kept", N_("The certificate {id} is still on the card. When it is no longer needed:  zvrenew "
                         "remove {id}")},
+    {"renewal-new-pair",
+     N_("Run the same command again. If it fails in the same way, give the pair up first:  "
+        "zvrenew pending discard {pair}")},
+    {"renewal-no-room", N_("If the card is full, the old certificate makes room when it goes first:  zvrenew "
+                           "install {file} --remove-old")},
     {"renewal-now", N_("Now on the card: {now}")},
     {"renewal-proved", N_("Signed with {pair} and verified with the new certificate.")},
     {"renewal-removed", N_("Removed: {old}.")},
