@@ -54,12 +54,15 @@ std::string waiting_pair(const Inventory& inventory, Kind kind) {
     return pending == nullptr ? "" : pending->id;
 }
 
-void add_certified(Standing& standing, const Inventory& inventory, const CardView& view, Kind kind) {
-    for (const CertificateRecord& record : inventory.certificates)
-        for (const CardObject* object : view.certificates(record.id))
-            if (record.kind == kind && view.find(CKO_PRIVATE_KEY, record.id) != nullptr)
-                standing.certified.push_back(
-                    {record.id, serial_of(without_padding(object->value)), without_padding(object->value)});
+// From the card itself: a list that lacks one would leave it there unsaid.
+void add_certified(Standing& standing, const CardView& view, Kind kind) {
+    for (const CardObject& object : view.objects()) {
+        if (object.type != CKO_CERTIFICATE || view.find(CKO_PRIVATE_KEY, object.id) == nullptr ||
+            kind_of_certificate(object.id, standing.card.services_card) != kind)
+            continue;
+        const Bytes der = without_padding(object.value);
+        standing.certified.push_back({object.id, serial_of(der), der});
+    }
 }
 
 void read_request(Standing& standing, const CardView& view, const std::string& file) {
@@ -128,7 +131,7 @@ class PlannedRenewal::Work {
         standing_.card = card.facts();
         standing_.now = view.contents();
         standing_.waiting = waiting_pair(inventory, kind());
-        add_certified(standing_, inventory, view, kind());
+        add_certified(standing_, view, kind());
         if (const CertificateRecord* current = inventory.current(kind())) {
             standing_.current = current->id;
             standing_.due = ends_within(current->ends, wishes_.request.days, std::time(nullptr));
