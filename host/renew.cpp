@@ -117,7 +117,9 @@ class PlannedRenewal::Work {
                 advice.says = {"renewal-no-room", {{"file", answer_}}};
         }
         // A later step that did nothing does not know of those before it.
-        if (changed_ && error.card && error.card->untouched) error.card = standing_.now;
+        if (!changed_) return error;
+        if (error.exit == Exit::refused) error.exit = Exit::failed;
+        if (!error.card || error.card->untouched) error.card = standing_.now;
         return error;
     }
 
@@ -179,7 +181,13 @@ class PlannedRenewal::Work {
         wishes.removed_later = !services && wishes_.remove_old;
         wishes.backup = wishes_.backup;
         wishes.accept = wishes_.accept;
-        install_.emplace(plan_install(wishes, choice_, pin_));
+        try {
+            install_.emplace(plan_install(wishes, choice_, pin_));
+        } catch (Error& error) {
+            error.advice.push_back(
+                {"other-file", {"renewal-answer-kept", {{"file", file}}}, {{"file", file}}});
+            throw;
+        }
         seen_ = install_->plan();
         if (wishes.removed_later) seen_.notices.emplace_back("renewal-removes-later", Values{});
     }

@@ -47,6 +47,17 @@ TEST_F(RenewProgramTest, IsOneCommandWithAnAuthorityThatIsAsked) {
     EXPECT_EQ(renew("signature").code, 2) << "nobody to ask";
 }
 
+TEST_F(RenewProgramTest, KeepsAnAnswerThatIsNone) {
+    make_card(12);
+    const Outcome odd = renew("signature --ca-command 'cat; echo'");
+    EXPECT_EQ(odd.code, 1) << "the card has new keys: " << odd.err;
+    EXPECT_TRUE(odd.says("DS3 (keys without a certificate)")) << odd.err;
+    EXPECT_TRUE(odd.says("is in certificate-signature.pem")) << odd.err;
+    EXPECT_EQ(renew(std::string(BY_COMMAND) + "signature").code, 2) << "it is still there";
+    ASSERT_EQ(shell("mv certificate-signature.pem away").code, 0);
+    EXPECT_EQ(renew(std::string(BY_COMMAND) + "signature").code, 0) << "as advised";
+}
+
 TEST_F(RenewProgramTest, GoesOnWhereTheCertificateIsWaitedFor) {
     make_card(12);
     const std::string command = std::string("signature --remove-old ") + BY_FILE;

@@ -11,6 +11,9 @@ constexpr Row RENEW_ROWS[] = {
     {"authority-unasked", N_("The authority's command could not be run ({reason}): {command}")},
     {"insert-same-card", N_("Put the card back that the command began with.")},
     {"renewal-again", N_("To go on, run the same command again.")},
+    {"renewal-answer-kept",
+     N_("The authority's answer is in {file}. To have another one taken, move it away and run "
+        "the same command again.")},
     {"renewal-asks-authority", N_("Then the request is handed to the authority; its certificate is installed "
                                   "when it has come.")},
     {"renewal-backup", N_("A copy of the old certificate: {backup}")},
