@@ -184,8 +184,9 @@ class PlannedRenewal::Work {
         try {
             install_.emplace(plan_install(wishes, choice_, pin_));
         } catch (Error& error) {
-            error.advice.push_back(
-                {"other-file", {"renewal-answer-kept", {{"file", file}}}, {{"file", file}}});
+            if (std::get_if<AlreadyStored>(&error.found) == nullptr)
+                error.advice.push_back(
+                    {"other-file", {"renewal-answer-kept", {{"file", file}}}, {{"file", file}}});
             throw;
         }
         seen_ = install_->plan();
