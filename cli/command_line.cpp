@@ -29,6 +29,9 @@ constexpr const char* STATUS_EXITS =
 constexpr const char* RENEW_EXITS =
     "Exit codes: 0 done, 1 failed, 2 refused or mistyped (no PIN try spent, nothing on the card changed), "
     "3 nothing due, 12 the authority's certificate is waited for.";
+constexpr const char* REHEARSE_EXITS = "Exit codes: 0 the renewal would go through, 1 it would fail, 2 it "
+                                       "would be refused (or: refused or mistyped), "
+                                       "3 nothing due.";
 
 constexpr const char* STEPS = R"(A renewal:
   zvrenew status                                 what is due, without the PIN
@@ -95,6 +98,11 @@ void add_commands(CLI::App& app, Invocation& chosen) {
     add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
     add_command(app, chosen, "request",
                 "Makes new keys on the card and a request for them; a services card's own stay", run_request);
+    add_command(
+        app, chosen, "rehearse",
+        "Renews on a simulated twin of the card and shows how it went; the card is only read, without "
+        "the PIN",
+        run_rehearse, REHEARSE_EXITS);
     add_command(app, chosen, "install", "Stores the certificate that the authority issued, beside its keys",
                 run_install, std::string(ABOUT_REMOVAL) + EXITS);
     CLI::App& pending =

@@ -17,6 +17,7 @@ namespace cli {
 [[nodiscard]] Report run_pending(const CardOptions& options);
 [[nodiscard]] Report run_discard(const DiscardOptions& options);
 [[nodiscard]] Report run_remove(const RemoveOptions& options);
+[[nodiscard]] Report run_rehearse(const RehearseOptions& options);
 [[nodiscard]] Report run_install(const InstallOptions& options);
 
 } // namespace cli

@@ -6,6 +6,7 @@
 #include "cli/on_card.h"
 #include "cli/output.h"
 #include "cli/signals.h"
+#include "cli/twin_programs.h"
 #include "host/error.h"
 #include "host/log_folder.h"
 #include "host/printable.h"
@@ -13,6 +14,7 @@
 #include "zvRenew.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 namespace {
@@ -104,6 +106,12 @@ Exit run(const Invocation& invocation) {
     }
 }
 
+// A rehearsal's log goes with it.
+void log_in_rehearsal() {
+    if (const char* folder = std::getenv(REHEARSAL_FOLDER); folder != nullptr)
+        log_to(std::string(folder) + "/" + REHEARSAL_LOG);
+}
+
 int start(int argc, char** argv) {
     forbid_cores();
 #ifndef ZV_DUMPABLE
@@ -115,6 +123,7 @@ int start(int argc, char** argv) {
         closed.card = as_before();
         return static_cast<int>(tell_stop(closed));
     }
+    log_in_rehearsal();
     const Invocation invocation = read_command_line(argc, argv);
     if (invocation.uses_library) {
         if (const Sentence problem = make_log_folder(); !problem.empty()) note(problem);

@@ -115,6 +115,25 @@ struct RequestOptions : ChangingOptions {
     }
 };
 
+// A renewal that is only tried, on a twin of the card.
+struct RehearseOptions : ReaderOptions {
+    Kind kind = Kind::signature;
+    std::string certificate; // identifier; empty: the one of that kind that ends last
+    int days = USUAL_DAYS;
+    bool force = false;
+    bool remove_old = false;
+
+    void declare(OptionList& list) {
+        list.kind("KIND", kind, "signature, authentication, or services (a services card's own)");
+        list.text("--certificate", "ID", certificate,
+                  "Identifier of the certificate to renew (else the one that ends last)");
+        list.flag("--force", force, "Renew also what is not due");
+        list.flag("--remove-old", remove_old, "Remove the old certificate and its keys, too");
+        declare_days(list, days);
+        ReaderOptions::declare(list);
+    }
+};
+
 struct InstallOptions : ChangingOptions {
     InstallWishes wishes;
 

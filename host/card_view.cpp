@@ -76,14 +76,6 @@ bool begins_with(const Bytes& stored, const Bytes& expected) {
     return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
 }
 
-// A PIN is for the card that it was proved with, and an answer is about one card.
-void require_same_card(const Module& module, const CardState& state) {
-    const CK_TOKEN_INFO token = module.token(state.slot);
-    if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
-        throw Error(Exit::failed, "Another card is in the reader.",
-                    Advice{"insert-card", "Put the card back that the command began with."});
-}
-
 void in_session(OpenedCard& card, Access access, const std::function<void(Session&)>& work) {
     const Module module(card.place.module_path);
     require_same_card(module, card.state);
@@ -185,6 +177,14 @@ OnCard CardView::contents() const {
         contents.held.push_back({id, certificates(id).size(), find(CKO_PUBLIC_KEY, id) != nullptr,
                                  find(CKO_PRIVATE_KEY, id) != nullptr});
     return contents;
+}
+
+// A PIN is for the card that it was proved with, and an answer is about one card.
+void require_same_card(const Module& module, const CardState& state) {
+    const CK_TOKEN_INFO token = module.token(state.slot);
+    if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
+        throw Error(Exit::failed, "Another card is in the reader.",
+                    Advice{"insert-card", "Put the card back that the command began with."});
 }
 
 void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {

@@ -62,6 +62,9 @@ class CardView {
     std::vector<CardObject> objects_;
 };
 
+// Refuses another card than the one that was found. @throws Error
+void require_same_card(const Module& module, const CardState& state);
+
 // Refuses identifiers that more than one private key has: which of them is used, or removed, would be chance.
 // @throws Error
 void refuse_doubled(const CardView& view, const std::vector<std::string>& ids);

@@ -14,6 +14,11 @@ std::string log_path() {
     return getLogPath();
 }
 
+void log_to(const std::string& path) {
+    constexpr std::size_t room = 513; // of the library's buffer
+    if (path.size() < room) std::memcpy(getLogPath(), path.c_str(), path.size() + 1);
+}
+
 Sentence make_log_folder() {
     const std::string log = log_path();
     const std::string folder = log.substr(0, log.rfind('/'));

@@ -1,6 +1,7 @@
 #include "host/module_folder.h"
 
 #include "host/error.h"
+#include "host/installation.h"
 #include "zvRenew.h"
 
 #include <fmt/format.h>
@@ -15,18 +16,6 @@ namespace fs = std::filesystem;
 namespace zvhost {
 namespace {
 
-fs::path program_folder() {
-    std::error_code none;
-#ifdef __APPLE__
-    std::string path(4096, '\0');
-    auto size = static_cast<std::uint32_t>(path.size());
-    if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
-    return fs::weakly_canonical(path.c_str(), none).parent_path();
-#else
-    return fs::read_symlink("/proc/self/exe", none).parent_path();
-#endif
-}
-
 bool holds(const fs::path& folder, const std::string& module) {
     std::error_code none;
     return fs::is_regular_file(folder / module, none);
@@ -40,6 +29,28 @@ std::string listed(const std::vector<fs::path>& folders) {
 }
 
 } // namespace
+
+std::string program_path() {
+    std::error_code none;
+#ifdef __APPLE__
+    std::string path(4096, '\0');
+    auto size = static_cast<std::uint32_t>(path.size());
+    if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
+    return fs::weakly_canonical(path.c_str(), none);
+#else
+    return fs::read_symlink("/proc/self/exe", none);
+#endif
+}
+
+std::string program_folder() {
+    return fs::path(program_path()).parent_path();
+}
+
+std::string find_module(const std::string& file_name) {
+    for (const fs::path& folder : module_folders())
+        if (holds(folder, file_name)) return folder / file_name;
+    return {};
+}
 
 std::vector<fs::path> own_folders() {
     const fs::path own = program_folder();

@@ -112,6 +112,14 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
     return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
 }
 
+// Modules that know nothing of the card's memory say so, or 0 of all of it.
+std::optional<std::size_t> room_on(const CK_TOKEN_INFO& token) {
+    const bool unknown = token.ulFreePublicMemory == CK_UNAVAILABLE_INFORMATION ||
+                         (token.ulFreePublicMemory == 0 && token.ulTotalPublicMemory == 0);
+    if (unknown) return std::nullopt;
+    return token.ulFreePublicMemory;
+}
+
 } // namespace
 
 CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token) {
@@ -119,7 +127,7 @@ CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token) {
     state.slot = slot;
     state.label = token_text(token.label, sizeof token.label);
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
-    if (token.ulFreePublicMemory != CK_UNAVAILABLE_INFORMATION) state.room = token.ulFreePublicMemory;
+    state.room = room_on(token);
     state.pin = pin_state(token.flags);
     return state;
 }

@@ -75,7 +75,7 @@ class Desk:
         pin_file = self.folder / "pin"
         pin_file.write_text(self.pin)
         pin_file.chmod(0o600)
-        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["doctor"], ["status"]) else [])
+        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["doctor"], ["status"], ["rehearse"]) else [])
         done = subprocess.run([zvrenew, *arguments, "--json"], cwd=self.work, capture_output=True, stdin=subprocess.DEVNULL,
                               start_new_session=True, env={**self.environment, "ZVSIMCARD_RULES": rules, **(environment or {})})
         try:
@@ -149,6 +149,8 @@ def play(desk):
     desk.run("status")
     desk.run("free-id")
     desk.run("pending discard DS0")
+    desk.run("rehearse signature")
+    desk.run("rehearse authentication")
     desk.run("renew authentication")
     desk.run("renew authentication --from answer")
     desk.run("renew authentication --force --from answer")

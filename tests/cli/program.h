@@ -133,6 +133,7 @@ class ProgramTest : public testing::Test {
     [[nodiscard]] fs::path home() const { return folder_.path() / "home"; }
     [[nodiscard]] fs::path work() const { return folder_.path() / "work"; }
     [[nodiscard]] fs::path file(const std::string& name) const { return work() / name; }
+    [[nodiscard]] fs::path card_folder() const { return cards_.path() / "card"; }
     [[nodiscard]] fs::path trace() const { return folder_.path() / "trace"; }
     [[nodiscard]] fs::path pin_file() const { return folder_.path() / "pin"; }
 
