@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* STORED = "stored"; // the new certificate is on the card, and was proved
 
-bool is_there(const std::string& file) {
+bool is_a_file(const std::string& file) {
     std::error_code none;
     return !file.empty() && std::filesystem::is_regular_file(file, none);
 }
@@ -66,7 +66,7 @@ void add_certified(Standing& standing, const CardView& view, Kind kind) {
 }
 
 void read_request(Standing& standing, const CardView& view, const std::string& file) {
-    if (!is_there(file)) return;
+    if (!is_a_file(file)) return;
     const std::string request = read_file(file, "The file");
     standing.signer = signer_of_request(request);
     const Bytes key = modulus_of_request(request);
