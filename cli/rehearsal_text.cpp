@@ -36,7 +36,7 @@ std::string contents_in_words(const Json& objects) {
     return text;
 }
 
-std::string indented(const std::string& text) {
+std::string set_in(const std::string& text) {
     std::string all;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
@@ -51,7 +51,7 @@ std::string outcome_of(int exit) {
 
 std::string step_in_words(const RehearsedStep& step) {
     const std::string what = step.command.empty() ? "The authority (a simulated one) answers" : step.command;
-    return fmt::format("\n{}: {}{}", what, outcome_of(step.result.exit), indented(step.result.text));
+    return fmt::format("\n{}: {}{}", what, outcome_of(step.result.exit), set_in(step.result.text));
 }
 
 std::string room_in_words(const std::optional<std::size_t>& bytes) {
