@@ -6,6 +6,7 @@
 #include "cli/on_card.h"
 #include "cli/output.h"
 #include "cli/signals.h"
+#include "cli/spoken.h"
 #include "cli/twin_programs.h"
 #include "host/error.h"
 #include "host/log_folder.h"
@@ -118,6 +119,7 @@ int start(int argc, char** argv) {
     forbid_reading();
 #endif
     let_writes_fail();
+    choose_language(argc, argv);
     if (!open_standard_descriptors()) {
         Error closed(Exit::failed, "Standard output is closed.");
         closed.card = as_before();

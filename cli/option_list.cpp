@@ -1,5 +1,7 @@
 #include "cli/option_list.h"
 
+#include "words/language.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -20,35 +22,42 @@ std::string kind_number(std::string& word) {
 } // namespace
 
 void OptionList::flag(const char* name, bool& field, const char* meaning) {
-    command_.add_flag(name, field, meaning);
+    command_.add_flag(name, field, words::tr(meaning));
 }
 
 void OptionList::text(const char* name, const char* shown, std::string& field, const char* meaning) {
-    command_.add_option(name, field, meaning)->type_name(shown);
+    command_.add_option(name, field, words::tr(meaning))->type_name(shown);
 }
 
 void OptionList::days(const char* name, int& field, const char* meaning) {
     constexpr int most = 36500; // a century
-    command_.add_option(name, field, meaning)
+    command_.add_option(name, field, words::tr(meaning))
         ->type_name("N")
         ->check(CLI::Range(0, most).description(""))
         ->capture_default_str();
 }
 
 void OptionList::words(const char* name, const char* shown, std::vector<std::string>& field,
-                       const std::vector<std::string>& known, const std::string& meaning) {
-    command_.add_option(name, field, fmt::format("{}{}", meaning, fmt::join(known, ", ")))
+                       const std::vector<std::string>& known, const char* meaning) {
+    command_.add_option(name, field, fmt::format("{}{}", words::tr(meaning), fmt::join(known, ", ")))
         ->type_name(shown)
         ->delimiter(',')
         ->check(CLI::IsMember(known).description(""));
 }
 
 void OptionList::argument(const char* shown, std::string& field, const char* meaning) {
-    command_.add_option(shown, field, meaning)->required()->type_name("");
+    command_.add_option(shown, field, words::tr(meaning))->required()->type_name("");
+}
+
+void OptionList::language(const char* name, std::string& field) {
+    const std::vector<std::string> known(words::LANGUAGES.begin(), words::LANGUAGES.end());
+    command_.add_option(name, field, words::tr("Language of what is said (else that of the environment)"))
+        ->type_name(fmt::format("{}", fmt::join(known, "|")))
+        ->check(CLI::IsMember(known).description(""));
 }
 
 void OptionList::kind(const char* shown, Kind& field, const char* meaning) {
-    command_.add_option(shown, field, meaning)
+    command_.add_option(shown, field, words::tr(meaning))
         ->required()
         ->type_name("")
         ->transform(CLI::Validator(kind_number, "", "kind"));

@@ -23,9 +23,10 @@ class OptionList {
     void days(const char* name, int& field, const char* meaning);
     // Some of the words that are known, separated by commas; they are added to the meaning.
     void words(const char* name, const char* shown, std::vector<std::string>& field,
-               const std::vector<std::string>& known, const std::string& meaning);
+               const std::vector<std::string>& known, const char* meaning);
     // What has to be given, without a name.
     void argument(const char* shown, std::string& field, const char* meaning);
+    void language(const char* name, std::string& field);
     void kind(const char* shown, Kind& field, const char* meaning);
 
   private:

@@ -17,10 +17,12 @@ namespace cli {
 // What every command takes.
 struct CommonOptions {
     bool json = false;
+    std::string language; // what is spoken was looked up before these texts were made
     CardChoice choice;
 
     void declare(OptionList& list) {
         list.flag("--json", json, "Print the result as JSON on standard output");
+        list.language("--lang", language);
         list.text("--module-dir", "DIR", choice.module_dir,
                   "Folder of the cards' PKCS#11 modules (else this program's own, then the system's)");
     }

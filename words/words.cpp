@@ -1,6 +1,7 @@
 #include "words/words.h"
 
 #include "words/english/rows.h"
+#include "words/language.h"
 
 #include <fmt/args.h>
 #include <fmt/chrono.h>
@@ -13,11 +14,12 @@
 namespace words {
 namespace {
 
-using zvhost::Sentence, zvhost::Value;
+using zvhost::Sentence, zvhost::Value, zvhost::Values;
 
 std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
-    for (const Rows rows : {card_rows(), doctor_rows(), pin_rows(), plan_rows(), remove_rows(), renew_rows()})
+    for (const Rows rows : {card_rows(), command_line_rows(), doctor_rows(), pin_rows(), plan_rows(),
+                            remove_rows(), renew_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;
@@ -33,7 +35,7 @@ const char* text_of(const std::string& id) {
 std::string in_place(const Value& value) {
     struct Worded {
         std::string operator()(std::monostate /*unknown*/) const { return "?"; }
-        std::string operator()(bool held) const { return held ? "yes" : "no"; }
+        std::string operator()(bool held) const { return tr(held ? N_("yes") : N_("no")); }
         std::string operator()(long held) const { return std::to_string(held); }
         std::string operator()(const std::string& held) const { return held; }
         std::string operator()(const std::vector<std::string>& held) const {
@@ -46,15 +48,25 @@ std::string in_place(const Value& value) {
     return std::visit(Worded{}, value);
 }
 
+// A text whose places are others than the values is no reason to say nothing; a test finds it.
+std::string with_values(const char* english, const Values& values) {
+    fmt::dynamic_format_arg_store<fmt::format_context> places;
+    for (const auto& [name, value] : values)
+        places.push_back(fmt::arg(name.c_str(), in_place(value)));
+    for (const std::string& text : {tr(english), std::string(english)})
+        try {
+            return fmt::vformat(text, places);
+        } catch (const fmt::format_error&) {
+        }
+    return english;
+}
+
 } // namespace
 
 std::string of(const Sentence& sentence) {
     if (sentence.empty()) return {};
     if (sentence.id == "as-is") return in_place(sentence.values.front().second);
-    fmt::dynamic_format_arg_store<fmt::format_context> places;
-    for (const auto& [name, value] : sentence.values)
-        places.push_back(fmt::arg(name.c_str(), in_place(value)));
-    return fmt::vformat(text_of(sentence.id), places);
+    return with_values(text_of(sentence.id), sentence.values);
 }
 
 std::string of(const std::vector<Sentence>& sentences) {
@@ -65,6 +77,8 @@ std::string of(const std::vector<Sentence>& sentences) {
 }
 
 std::string of(zvhost::Kind kind) {
+    for (const char* name : {N_("signature"), N_("authentication"), N_("services")})
+        if (std::string_view(name) == zvhost::kind_name(kind)) return tr(name);
     return zvhost::kind_name(kind);
 }
 

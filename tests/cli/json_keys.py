@@ -96,8 +96,8 @@ class Desk:
         wanted |= {key for key in sections["After failed, refused and nothing due"]
                    if 0 < code < 10 or key.startswith("on_card")}
         for advice in answer.pop("advice"):
-            self.printed |= {"advice[].key", "advice[].text"}
-            further = set(advice) - {"key", "text"}
+            self.printed |= {"advice[].key", "advice[].text", "advice[].sentence"}
+            further = set(advice) - {"key", "text", "sentence"}
             self.advised.add(advice["key"])
             if not further <= advice_keys.get(advice["key"], set()):
                 problems.append(f"{line}: advice {advice['key']} with {further}")

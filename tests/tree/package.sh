@@ -16,6 +16,7 @@ mv first moved
 case $(uname) in Linux) sh "$here/search_path.sh" "$work/moved" ;; esac
 lib=$(dirname "$(find "$work/moved" -name 'libmin_zvCrypt.*')")
 moved/bin/zvrenew --version
+LC_ALL=it_IT.UTF-8 moved/bin/zvrenew --help | grep -q '^Uso: ' || { echo "the Italian catalogue is not found"; exit 1; }
 for page in 1/zvrenew.1 1/zvsimcard-tool.1 3/zvRenew.3 5/zvcrypt.conf.5; do
     [ -s "moved/share/man/man$page" ] || { echo "the manual's $page is not installed"; exit 1; }
 done

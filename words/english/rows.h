@@ -1,5 +1,7 @@
 #pragma once
 
+#include "words/language.h"
+
 #include <span>
 
 namespace words {
@@ -14,6 +16,7 @@ using Rows = std::span<const Row>;
 
 // Each area's, in its own file.
 Rows card_rows();
+Rows command_line_rows();
 Rows doctor_rows();
 Rows pin_rows();
 Rows plan_rows();
@@ -21,6 +24,3 @@ Rows remove_rows();
 Rows renew_rows();
 
 } // namespace words
-
-// What a translator gets to see.
-#define N_(text) text // NOLINT(cppcoreguidelines-macro-usage): the catalogue's tools look for it

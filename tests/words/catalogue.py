@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+"""catalogue.py ROOT LANGUAGE: fails when a text that is told has no translation, or one with other places; when there is
+a translation of what nothing tells; when a sentence that the engine or the program tells has no row, or not one; when a row
+is told nowhere; and when the values that are told along are not the row's places."""
+import pathlib
+import re
+import subprocess
+import sys
+
+root, language = pathlib.Path(sys.argv[1]), sys.argv[2]
+# What takes a text and translates it: which of its arguments is the text.
+KEYWORDS = ["N_", "tr", "flag:3", "text:4", "days:3", "words:5", "argument:3", "kind:3", "add_command:4"]
+wrong = []
+
+
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, encoding="utf-8", cwd=root).stdout
+
+
+def unquoted(text):
+    pieces = re.findall(r'"((?:[^"\\]|\\.)*)"', text)
+    return re.sub(r"\\(.)", lambda m: {"n": "\n", "t": "\t"}.get(m[1], m[1]), "".join(pieces))
+
+
+def messages(catalogue):
+    """{msgid: (msgstr, fuzzy)}"""
+    found = {}
+    for block in catalogue.split("\n\n"):
+        parts = re.search(r'^msgid (.*?)^msgstr (.*)', block, re.S | re.M)
+        if not parts or re.search("^#~", block, re.M):
+            continue
+        found[unquoted(parts[1])] = (unquoted(parts[2]), bool(re.search("^#,.*fuzzy", block, re.M)))
+    found.pop("", None)
+    return found
+
+
+def places(text):
+    return sorted(set(re.findall(r"{(\w*)}", text)))
+
+
+def sources(*folders):
+    return [path for folder in folders for path in sorted((root / folder).rglob("*")) if path.suffix in (".cpp", ".h")]
+
+
+# An area of sentences whose catalogue has not been begun is left out.
+def has_area(path):
+    return path.parent.name != "english" or path.stem == "rows" or (root / "words" / language / (path.stem + ".po")).exists()
+
+
+def check_translations():
+    files = [str(path.relative_to(root)) for path in sources("words", "cli") if has_area(path)]
+    told = messages(run("xgettext", "-L", "C++", "--from-code=UTF-8", "--no-wrap", "--no-location", "-o", "-", "-k",
+                        *["-k" + keyword for keyword in KEYWORDS], *files))
+    areas = sorted(str(path) for path in (root / "words" / language).glob("*.po"))
+    translated = {}
+    for area in areas:
+        for text, said in messages(run("msgcat", "--no-wrap", area)).items():
+            if translated.setdefault(text, said) != said:
+                wrong.append(f"{area}: translated differently elsewhere: {text!r}")
+    for text in told:
+        said, fuzzy = translated.get(text, ("", False))
+        if not said or fuzzy:
+            wrong.append(f"not in {language}: {text!r}")
+        elif places(said) != places(text):
+            wrong.append(f"other places in {language}: {text!r}: {said!r}")
+    wrong.extend(f"in {language}, but told nowhere: {text!r}" for text in translated if text not in told)
+    return told
+
+
+if len(check_translations()) < 50:
+    wrong.append("too few texts were seen")
+print("\n".join(wrong))
+sys.exit(bool(wrong))
