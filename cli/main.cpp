@@ -66,10 +66,10 @@ void print_report(const Invocation& invocation, const Report& report) {
 Exit tell_stop(const Error& stop) {
     const std::string sentence = words::of(stop.sentence);
     note(stop.exit == Exit::nothing_due ? sentence : "zvrenew: " + sentence);
-    if (stop.card) note("Now on the card: " + in_words(*stop.card));
+    if (stop.card) note(Sentence{"now-on-card", {{"now", in_words(*stop.card)}}});
     for (const Advice& one : advice_of(stop))
         note(one.says);
-    if (stop.logged) note("The log has the details: " + log_path());
+    if (stop.logged) note(Sentence{"log-has-details", {{"log", log_path()}}});
     return stop.exit;
 }
 
@@ -121,7 +121,7 @@ int start(int argc, char** argv) {
     let_writes_fail();
     choose_language(argc, argv);
     if (!open_standard_descriptors()) {
-        Error closed(Exit::failed, "Standard output is closed.");
+        Error closed(Exit::failed, Sentence{"output-closed", {}});
         closed.card = as_before();
         return static_cast<int>(tell_stop(closed));
     }

@@ -1,5 +1,6 @@
 #include "cli/on_card.h"
 
+#include "words/language.h"
 #include "words/words.h"
 
 #include <fmt/format.h>
@@ -9,27 +10,29 @@ namespace cli {
 namespace {
 
 const char* certificates_in_words(std::size_t count, bool private_key) {
-    if (count > 1) return private_key ? "several certificates and keys" : "several certificates alone";
-    return private_key ? "certificate and keys" : "certificate alone";
+    if (count > 1)
+        return private_key ? N_("several certificates and keys") : N_("several certificates alone");
+    return private_key ? N_("certificate and keys") : N_("certificate alone");
 }
 
 const char* state_of(const Held& held) {
     if (held.certificates > 0) return certificates_in_words(held.certificates, held.private_key);
-    if (held.public_key && held.private_key) return "keys without a certificate";
-    if (held.private_key) return "private key alone";
-    return held.public_key ? "public key alone" : "data";
+    if (held.public_key && held.private_key) return N_("keys without a certificate");
+    if (held.private_key) return N_("private key alone");
+    return held.public_key ? N_("public key alone") : N_("data");
 }
 
 } // namespace
 
 std::string in_words(const OnCard& contents) {
-    if (contents.untouched) return "what was on it before: nothing was changed";
-    if (!contents.problem.empty()) return "cannot be read. " + words::of(contents.problem);
+    if (contents.untouched) return words::tr("what was on it before: nothing was changed");
+    if (!contents.problem.empty())
+        return words::of(Sentence{"card-unread", {{"reason", std::vector{contents.problem}}}});
     std::vector<std::string> parts;
     parts.reserve(contents.held.size());
     for (const Held& one : contents.held)
-        parts.push_back(fmt::format("{} ({})", one.id, state_of(one)));
-    return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
+        parts.push_back(fmt::format("{} ({})", one.id, words::tr(state_of(one))));
+    return parts.empty() ? words::tr("nothing") : fmt::format("{}", fmt::join(parts, ", "));
 }
 
 } // namespace cli

@@ -2,6 +2,7 @@
 
 #include "cli/card_json.h"
 #include "cli/commands.h"
+#include "words/language.h"
 #include "words/words.h"
 
 #include <fmt/format.h>
@@ -25,18 +26,21 @@ Json as_json(const ReaderFacts& shown) {
 }
 
 std::string what_is_in(const ReaderFacts& shown) {
-    if (!shown.reader.card) return shown.problem.empty() ? "no card" : words::of(shown.problem);
+    if (!shown.reader.card) return shown.problem.empty() ? words::tr("no card") : words::of(shown.problem);
     if (!shown.state) return words::of(shown.problem);
     const std::string tries = words::of(tries_told(shown.state->pin.value_or(PinState::no_warning)));
-    return fmt::format("card {} (\"{}\"), module {}{}{}", shown.state->serial, shown.state->label,
-                       shown.reader.module, tries.empty() ? "" : "; ", tries);
+    return words::of(Sentence{"card-in-reader",
+                              {{"serial", shown.state->serial},
+                               {"label", shown.state->label},
+                               {"module", shown.reader.module},
+                               {"tries", tries.empty() ? "" : "; " + tries}}});
 }
 
 std::string in_words(const std::vector<ReaderFacts>& readers) {
     std::string lines;
     for (const ReaderFacts& shown : readers)
         lines += fmt::format("{}{}: {}", lines.empty() ? "" : "\n", shown.reader.name, what_is_in(shown));
-    return lines.empty() ? "There is no card reader." : lines;
+    return lines.empty() ? words::of(Sentence{"no-reader", {}}) : lines;
 }
 
 } // namespace

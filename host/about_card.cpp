@@ -7,7 +7,7 @@ namespace zvhost {
 Error with_card(OpenedCard& card, Error error) {
     if (error.exit == Exit::failed && !error.card) error.card = card_now(card).contents;
     if (error.exit == Exit::failed && error.advice.empty())
-        error.advice.push_back({"repeat", "Leave the card in the reader and run the same command again."});
+        error.advice.push_back({"repeat", Sentence{"leave-card-and-repeat", {}}});
     error.tell_card(card.facts());
     return error;
 }

@@ -2,7 +2,6 @@
 
 #include "host/error.h"
 
-#include <fmt/format.h>
 #include <openssl/crypto.h>
 #include <sys/mman.h>
 
@@ -58,14 +57,13 @@ void Pin::wipe() {
 }
 
 void check_pin_form(const Pin& pin) {
-    const auto refuse = [](const std::string& sentence) { throw Error(Exit::refused, sentence); };
+    const auto refuse = [](const Sentence& sentence) { throw Error(Exit::refused, sentence); };
     const std::string_view text = pin.view();
-    if (text.empty()) refuse("The PIN is empty: the card would count that as a wrong one.");
-    if (pin.overlong()) refuse(fmt::format("The PIN has more than {} characters.", ZV_PIN_MAX));
-    if (text.back() == ' ') refuse("The PIN ends with a blank, which would not reach the card.");
+    if (text.empty()) refuse({"pin-empty", {}});
+    if (pin.overlong()) refuse({"pin-long", {{"most", long{ZV_PIN_MAX}}}});
+    if (text.back() == ' ') refuse({"pin-blank", {}});
     const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
-    if (std::any_of(text.begin(), text.end(), is_control))
-        refuse("The PIN has a control character in it (a tab, a line end).");
+    if (std::any_of(text.begin(), text.end(), is_control)) refuse({"pin-control", {}});
 }
 
 } // namespace zvhost

@@ -16,11 +16,11 @@ namespace {
 
 void refuse_risky_try(const CardState& state, bool final_try) {
     if (state.pin == PinState::locked)
-        throw Error(Exit::refused, "The card's PIN is locked.",
-                    Advice{"unlock", "Unlock it with the card's PUK first."});
+        throw Error(Exit::refused, Sentence{"pin-locked-already", {}},
+                    Advice{"unlock", Sentence{"unlock-first", {}}});
     if (state.pin == PinState::last_try && !final_try)
-        throw Error(Exit::refused, "Only one PIN try is left: a wrong PIN now locks the card.",
-                    Advice{"final-try", "If you are sure of the PIN, give --final-try."});
+        throw Error(Exit::refused, Sentence{"pin-final-try", {}},
+                    Advice{"final-try", Sentence{"final-try", {}}});
 }
 
 // What the card says of its PIN after a wrong one; none when it cannot be asked.
@@ -42,10 +42,9 @@ Sentence tries_left(std::optional<PinState> pin) {
 Error wrong_pin(const Place& place, CardState state, const std::string& reason, bool locked) {
     state.pin = pin_now(place, locked);
     locked = locked || state.pin == PinState::locked;
-    Error stop(Exit::failed,
-               {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
-               locked ? Advice{"unlock", "It takes the card's PUK to unlock the PIN."}
-                      : Advice{"check-pin", "Make sure of the PIN before the next try."});
+    Error stop(
+        Exit::failed, {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
+        locked ? Advice{"unlock", Sentence{"unlock", {}}} : Advice{"check-pin", Sentence{"check-pin", {}}});
     stop.tell_card(facts_of(place, std::move(state)));
     return stop;
 }
@@ -66,7 +65,7 @@ void prove_pin(const Place& place, const CardState& state, Pin& pin) {
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
         throw wrong_pin(place, state, reason, code == ZVC_ERR_PIN_LOCKED);
-    throw Error(Exit::failed, fmt::format("The PIN could not be checked{}.", reason));
+    throw Error(Exit::failed, Sentence{"pin-unchecked", {{"reason", reason}}});
 }
 
 // The same for every user, and for every way to the module. (FNV-1a: the name of a file is no secret.)
@@ -85,7 +84,7 @@ Pin ask_pin(const Place& place, const CardState& state, PinSource& source) {
     check_pin_form(pin);
     const CardState now = card_state(place);
     if (now.slot != state.slot || now.serial != state.serial)
-        throw Error(Exit::refused, "Another card is in the reader than when the PIN was asked for.");
+        throw Error(Exit::refused, Sentence{"pin-other-card", {}});
     refuse_risky_try(now, source.final_try());
     return pin;
 }
@@ -101,9 +100,8 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
     facts = facts_of(place, state);
     if (use == Use::changing && state.slot > ZV_LAST_SLOT)
         throw Error(Exit::refused,
-                    fmt::format("The card is in slot {} of its module; only slots 0 to {} can be "
-                                "worked with.",
-                                state.slot, ZV_LAST_SLOT));
+                    Sentence{"slot-too-high",
+                             {{"slot", static_cast<long>(state.slot)}, {"last", long{ZV_LAST_SLOT}}}});
     refuse_risky_try(state, source.final_try());
     std::optional<Lock> lock;
     if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");
@@ -148,10 +146,7 @@ CardFacts OpenedCard::facts() const {
 
 void require_alone(const OpenedCard& card) {
     if (card.lock && !card.lock->holds())
-        throw Error(
-            Exit::refused,
-            "Another program may be at work on this card by now: the file that keeps it away is gone.",
-            Advice{"repeat", "Run the command again."});
+        throw Error(Exit::refused, Sentence{"lock-gone", {}}, Advice{"repeat", Sentence{"run-again", {}}});
 }
 
 OpenedCard open_card(const CardChoice& choice, PinSource& source, Use use) {

@@ -60,9 +60,9 @@ const Reader& the_one_named(const std::vector<Reader>& readers, const std::strin
     const auto found = std::find_if(readers.begin(), readers.end(),
                                     [&](const Reader& reader) { return reader.name == name; });
     if (found == readers.end())
-        throw Error(
-            Exit::refused, fmt::format("There is no reader \"{}\"; there are: {}.", name, names(readers)),
-            Advice{"reader", "Give the name of one of these, whole.", {{"readers", names_of(readers)}}});
+        throw Error(Exit::refused,
+                    Sentence{"reader-unknown", {{"reader", name}, {"readers", names(readers)}}},
+                    Advice{"reader", Sentence{"reader-whole-name", {}}, {{"readers", names_of(readers)}}});
     return *found;
 }
 
@@ -71,8 +71,8 @@ const Reader& the_only_one(const std::vector<Reader>& readers) {
     std::copy_if(readers.begin(), readers.end(), std::back_inserter(known),
                  [](const Reader& reader) { return !reader.module.empty(); });
     if (known.size() > 1)
-        throw Error(Exit::refused, fmt::format("More than one reader holds a card: {}.", names(known)),
-                    Advice{"reader", "Say which one with --reader NAME.", {{"readers", names_of(known)}}});
+        throw Error(Exit::refused, Sentence{"readers-several", {{"readers", names(known)}}},
+                    Advice{"reader", Sentence{"reader-which", {}}, {{"readers", names_of(known)}}});
     if (known.size() == 1) return the_one_named(readers, known.front().name);
     const auto card = std::find_if(readers.begin(), readers.end(), [](const Reader& r) { return r.card; });
     return card != readers.end() ? *card : readers.front();
@@ -82,8 +82,7 @@ Error unusable(const Reader& reader) {
     Error stop(Exit::refused,
                {"card-unusable", {{"reader", reader.name}, {"problem", std::vector{reader.problem}}}});
     if (reader.state == "unknown card") stop.advice.push_back(enter_card());
-    if (reader.state == "mute card")
-        stop.advice.push_back({"insert-card", "Take the card out and put it in the right way round."});
+    if (reader.state == "mute card") stop.advice.push_back({"insert-card", Sentence{"turn-card", {}}});
     stop.tell_card({reader.name, {}, false, {}});
     return stop;
 }
@@ -91,8 +90,8 @@ Error unusable(const Reader& reader) {
 void require_known_card(const Reader& reader) {
     if (!reader.module.empty()) return;
     if (!reader.card && reader.problem.empty())
-        throw Error(Exit::refused, fmt::format("There is no card in \"{}\".", reader.name),
-                    Advice{"insert-card", "Put the card in."});
+        throw Error(Exit::refused, Sentence{"no-card", {{"reader", reader.name}}},
+                    Advice{"insert-card", Sentence{"insert-card", {}}});
     throw unusable(reader);
 }
 
@@ -101,7 +100,7 @@ bool contains(const std::string& text, const std::string& part) {
 }
 
 Error listing_stop(int code) {
-    Error stop(Exit::refused, fmt::format("The readers cannot be listed{}.", crypto_reason(code)));
+    Error stop(Exit::refused, Sentence{"readers-unlisted", {{"reason", crypto_reason(code)}}});
     if (code == ZVC_ERR_NO_SERVICE) stop.advice.push_back(start_service());
     stop.code = code;
     return stop;
@@ -131,13 +130,13 @@ std::vector<Reader> list_readers() {
 Place find_place(const CardChoice& choice) {
     const std::vector<Reader> readers = list_readers();
     if (readers.empty())
-        throw Error(Exit::refused, "There is no card reader.",
-                    Advice{"plug-reader", "Plug the reader in and put the card in it."});
+        throw Error(Exit::refused, Sentence{"no-reader", {}},
+                    Advice{"plug-reader", Sentence{"plug-reader", {}}});
     const Reader& reader =
         choice.reader.empty() ? the_only_one(readers) : the_one_named(readers, choice.reader);
     require_known_card(reader);
     if (contains(reader.name, ZV_MODULE_PATH_MARK))
-        throw Error(Exit::refused, fmt::format("The reader name \"{}\" cannot be used.", reader.name));
+        throw Error(Exit::refused, Sentence{"reader-unusable", {{"reader", reader.name}}});
     const auto folder = folder_of_module(reader.module, choice.module_dir);
     // The last reader looked at need not be this one, and the library asks the crypto library again anyway.
     return {reader.name, reader.module, folder, folder / reader.module, reader.services};

@@ -24,7 +24,7 @@ ReaderFacts look_into(const Reader& reader, const std::string& module_dir) {
 }
 
 std::vector<Advice> advice_on(const std::vector<ReaderFacts>& readers) {
-    if (readers.empty()) return {{"plug-reader", "Plug the reader in and put the card in it."}};
+    if (readers.empty()) return {{"plug-reader", Sentence{"plug-reader", {}}}};
     if (std::any_of(readers.begin(), readers.end(),
                     [](const ReaderFacts& one) { return one.reader.state == "unknown card"; }))
         return {enter_card()};

@@ -3,8 +3,6 @@
 #include "host/error.h"
 #include "zvConstants.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace zvhost {
@@ -24,12 +22,9 @@ void refuse_alike(const SerialOf& serial_of, const Matches& matching, std::size_
         return !serial.empty() && serial == serials.front();
     });
     if (serials.size() > 1 && !one_card)
-        throw Error(
-            Exit::refused,
-            fmt::format("Two readers that hold a card cannot be told apart by the first {} characters of "
-                        "the name \"{}\", so the PIN could go to the other card.",
-                        ZV_DESCRIPTION_MAX, reader),
-            Advice{"remove-other-card", "Take the other card out."});
+        throw Error(Exit::refused,
+                    Sentence{"readers-alike", {{"characters", long{ZV_DESCRIPTION_MAX}}, {"reader", reader}}},
+                    Advice{"remove-other-card", Sentence{"remove-other-card", {}}});
 }
 
 } // namespace
@@ -43,17 +38,14 @@ CK_SLOT_ID choose_slot(const std::vector<NamedSlot>& slots, const std::string& r
             matching.emplace_back(slot.id, description.size());
     }
     if (matching.empty())
-        throw Error(Exit::failed, fmt::format("The card's module shows no card in \"{}\".", reader),
-                    Advice{"insert-card", "Put the card in, or take it out and in again."});
+        throw Error(Exit::failed, Sentence{"module-without-card", {{"reader", reader}}},
+                    Advice{"insert-card", Sentence{"insert-card-again", {}}});
     const auto best = std::max_element(matching.begin(), matching.end(),
                                        [](const auto& a, const auto& b) { return a.second < b.second; });
     refuse_alike(serial_of, matching, best->second, reader);
     if (best->second > matching.front().second)
-        throw Error(Exit::refused,
-                    fmt::format("The name of another reader that holds a card is part of \"{}\", so the PIN "
-                                "would go to that card.",
-                                reader),
-                    Advice{"remove-other-card", "Take the other card out."});
+        throw Error(Exit::refused, Sentence{"reader-inside-name", {{"reader", reader}}},
+                    Advice{"remove-other-card", Sentence{"remove-other-card", {}}});
     return matching.front().first;
 }
 
