@@ -13,6 +13,9 @@ namespace zvhost {
 // The identifiers that new keys of a kind can get.
 [[nodiscard]] std::vector<std::string> identifiers_of(Kind kind);
 
+// The same, for a sentence that names them: "{kind}", "{first}" and "{last}".
+[[nodiscard]] Values series_of(Kind kind);
+
 // What to do when none of them is free.
 [[nodiscard]] Advice free_an_identifier(Kind kind);
 

@@ -5,8 +5,6 @@
 #include "host/library_text.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 
@@ -26,9 +24,7 @@ KeyTexts ask_library(OpenedCard& card) {
                           return as_proposal(key.data()).none_free;
                       });
     if (code != ZV_OK && !full)
-        throw library_stop(
-            "The identifiers could not be read", code,
-            Advice{"repeat", "Nothing on the card was changed. Leave the card in the reader and try again."});
+        throw library_stop("identifiers-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}});
     return keys;
 }
 

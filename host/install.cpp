@@ -232,7 +232,7 @@ class PlannedInstall::Work {
         require_alone(card_);
         progress.step(Step({"step-store", {{"pair", plan_.pair}}}));
         if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK) {
-            Error error = library_stop("The certificate could not be stored", code);
+            Error error = library_stop("certificate-not-stored", code);
             undo_removal(progress);
             fail(backup, error);
         }

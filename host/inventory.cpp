@@ -6,8 +6,6 @@
 #include "host/library_text.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -64,9 +62,7 @@ void read_with_library(OpenedCard& card, Reading& reading) {
         authentication.list.entries(), &services.pending, &signature.pending, &authentication.pending,
         signature.key.data(), authentication.key.data(), no_text, card.place.module_dir.c_str());
     if (code != ZV_OK)
-        throw library_stop(
-            "The card could not be read", code,
-            Advice{"repeat", "Nothing on the card was changed. Leave the card in the reader and try again."});
+        throw library_stop("card-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}});
 }
 
 void add_certificates(Inventory& inventory, const CertificateList& list, Kind kind, bool marked) {

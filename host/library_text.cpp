@@ -83,16 +83,16 @@ std::string library_reason(int code) {
     return fmt::format(": {} ({}, \"{}\")", fmt::join(quotes, ", "), shown(code), meaning);
 }
 
-Error library_stop(const std::string& sentence, int code) {
-    Error stop(Exit::failed, sentence + library_reason(code) + ".");
+Error library_stop(const std::string& id, int code) {
+    Error stop(Exit::failed, {id, {{"reason", library_reason(code)}}});
     stop.code = code;
     stop.logged = true;
     if (no_room(code)) stop.advice.push_back(make_room());
     return stop;
 }
 
-Error library_stop(const std::string& sentence, int code, Advice advice) {
-    Error stop = library_stop(sentence, code);
+Error library_stop(const std::string& id, int code, Advice advice) {
+    Error stop = library_stop(id, code);
     stop.advice.push_back(std::move(advice));
     return stop;
 }

@@ -15,9 +15,9 @@ void forget_library_texts();
 // is asked, and for the library's own codes a few words of ours stand in.
 [[nodiscard]] std::string library_reason(int code);
 
-// A failed call of the library, as a Error: the sentence, ended by library_reason().
-[[nodiscard]] Error library_stop(const std::string& sentence, int code);
-[[nodiscard]] Error library_stop(const std::string& sentence, int code, Advice advice);
+// A failed call of the library, as an Error: the sentence of that identifier, whose "{reason}" is library_reason().
+[[nodiscard]] Error library_stop(const std::string& id, int code);
+[[nodiscard]] Error library_stop(const std::string& id, int code, Advice advice);
 
 // The crypto library's reason of its last failure, to end a sentence in the same way.
 [[nodiscard]] std::string crypto_reason(int code);

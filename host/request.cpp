@@ -13,9 +13,6 @@
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -29,34 +26,19 @@ namespace {
 std::vector<Sentence> request_notices(const RequestPlan& plan) {
     std::vector<Sentence> notices;
     const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
-    if (plan.old.ends < std::time(nullptr))
-        note(fmt::format(
-            "The certificate {} has expired: the authority may not take a request signed with it.",
-            plan.old.id));
+    if (plan.old.ends < std::time(nullptr)) note({"signer-expired", {{"id", plan.old.id}}});
     if (plan.old.kind == Kind::services) {
-        note(fmt::format("The card's own keys {} stay and sign the request.", plan.pair));
+        note({"own-keys-stay", {{"pair", plan.pair}}});
         return notices;
     }
-    if (plan.signer_wants_pin)
-        note(fmt::format(
-            "The key {} signs the request and wants the PIN for that: it is given the card's. If it "
-            "has a PIN of its own, that fails and costs one of its tries.",
-            plan.old.id));
+    if (plan.signer_wants_pin) note({"signer-wants-pin", {{"key", plan.old.id}}});
     if (plan.reuse) {
-        note(fmt::format("The pair {} that waits on the card is used.", plan.pair));
+        note({"pair-used-again", {{"pair", plan.pair}}});
         return notices;
     }
-    if (plan.discard)
-        note(
-            fmt::format("The pair {} that waits on the card is discarded: a certificate for it can no longer "
-                        "be installed.",
-                        plan.pair));
-    if (!plan.wants_pin.empty())
-        note(fmt::format(
-            "The key {} wants the PIN before each signature. If the card makes the new pair {} so, too, "
-            "that pair cannot sign its request and stays on the card without one.",
-            plan.wants_pin, plan.pair));
-    note("The card is generating a key pair. This can take a minute; leave the card in the reader.");
+    if (plan.discard) note({"pair-discarded", {{"pair", plan.pair}}});
+    if (!plan.wants_pin.empty()) note({"pair-may-want-pin", {{"key", plan.wants_pin}, {"pair", plan.pair}}});
+    note({"generating", {}});
     return notices;
 }
 
@@ -77,29 +59,14 @@ Advice advice_on(const RequestPlan& plan, const CardNow& now, const Error& stop)
     if (now.view && now.view->wants_pin(plan.pair)) return leave_to_card_software(plan.pair);
     if (signer_failed(plan, stop)) return give_key_the_pin(plan.old.id);
     if (key_failed() && plan.old.kind == Kind::services)
-        return {
-            "own-keys",
-            "Repeat the request with the card in the reader. If that fails in the same way, the card's own "
-            "keys are of no use for a request: its issuer has to help.",
-            pair};
-    if (!now.is_pending(plan.pair))
-        return {"repeat", "See that the card is in the reader and repeat the request."};
+        return {"own-keys", {"own-keys-of-no-use", {}}, pair};
+    if (!now.is_pending(plan.pair)) return {"repeat", {"repeat-request", {}}};
     if (key_failed())
-        return {"new-pair",
-                fmt::format("The card made no request of the pair {}. Make another pair: repeat the request "
-                            "with --new-pair, which discards {}{}.",
-                            plan.pair, plan.pair,
-                            plan.reuse ? " (a certificate for it can then no longer be installed)" : ""),
-                pair};
+        return {"new-pair", {plan.reuse ? "replace-waiting-pair" : "replace-new-pair", pair}, pair};
     if (plan.discard && now.view->modulus(plan.pair) == plan.pending_key)
-        return {"repeat", fmt::format("The pair {} is not discarded yet: repeat the request.", plan.pair),
-                pair};
-    if (plan.discard)
-        return {"without-new-pair",
-                fmt::format("Repeat the request without --new-pair: it will use the pair {}.", plan.pair),
-                pair};
-    return {"repeat-with-pair",
-            fmt::format("Repeat the request: it will use the pair {} that is on the card.", plan.pair), pair};
+        return {"repeat", {"repeat-discarding", pair}, pair};
+    if (plan.discard) return {"without-new-pair", {"repeat-without-new-pair", pair}, pair};
+    return {"repeat-with-pair", {"repeat-with-pair", pair}, pair};
 }
 
 void explain(OpenedCard& card, const RequestPlan& plan, Error& stop) {
@@ -122,29 +89,25 @@ std::string ask_library(OpenedCard& card, const RequestPlan& plan, Kind kind) {
     forget_library_texts();
     const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
                             plan.subject.oid_form().c_str(), plan.discard);
-    if (code != ZV_OK) stop_failed(card, plan, library_stop("The request could not be made", code));
+    if (code != ZV_OK) stop_failed(card, plan, library_stop("request-not-made", code));
     return {result.data(), strnlen(result.data(), result.size())};
 }
 
 // The library's success alone does not say that there is a request, nor for which pair.
 void check_request(OpenedCard& card, const RequestPlan& plan, const std::string& request) {
-    if (request.size() == ZV_REQUEST_SIZE - 1)
-        stop_failed(card, plan, {Exit::failed, "The request came out too long and was cut."});
+    if (request.size() == ZV_REQUEST_SIZE - 1) stop_failed(card, plan, {Exit::failed, {"request-cut", {}}});
     const Bytes key = modulus_of_request(request);
-    if (key.empty()) stop_failed(card, plan, {Exit::failed, "What came out is no request."});
+    if (key.empty()) stop_failed(card, plan, {Exit::failed, {"no-request-made", {}}});
     if (plan.discard && key == plan.pending_key)
-        stop_failed(card, plan, {Exit::failed, "The waiting pair could not be discarded."});
+        stop_failed(card, plan, {Exit::failed, {"pair-not-discarded", {}}});
     if (plan.reuse && key != plan.pending_key)
-        stop_failed(card, plan,
-                    {Exit::failed, fmt::format("The request came out for another pair than {}.", plan.pair)});
+        stop_failed(card, plan, {Exit::failed, {"request-of-other-pair", {{"pair", plan.pair}}}});
 }
 
 // The library does not say whether the card took the mark.
 void check_mark(OpenedCard& card, Progress& progress) {
     const CardNow now = card_now(card);
-    if (!now.view || !now.view->marked_pending())
-        progress.notice(
-            "The card bears no mark of the request: the list will not show that it is under way.");
+    if (!now.view || !now.view->marked_pending()) progress.notice({"no-mark", {}});
 }
 
 // Where the request goes.
@@ -170,10 +133,9 @@ bool is_done(const Output& output, const RequestPlan& plan, const CardView& view
 
 Advice next_step(const MadeRequest& made) {
     const bool remove_old = made.kind == Kind::services;
+    const std::string file = made.file.empty() ? "REQUEST" : made.file;
     return {"install",
-            fmt::format("Send it to the authority. When the certificate comes:\n"
-                        "  zvrenew install CERTIFICATE --request {}{}",
-                        made.file.empty() ? "REQUEST" : made.file, remove_old ? " --remove-old" : ""),
+            {remove_old ? "send-request-services" : "send-request", {{"file", file}}},
             {{"kind", kind_name(made.kind)},
              {"pair", made.pair},
              {"request", made.file.empty() ? Value() : Value(made.file)},
@@ -182,11 +144,7 @@ Advice next_step(const MadeRequest& made) {
 
 // A discarding that was broken off leaves one key of the two, which no request and no installation uses.
 Advice say_left_keys(const std::vector<std::string>& left) {
-    return {"card-software",
-            fmt::format("Left on the card of a pair that is no longer whole: {}. The card's own "
-                        "software can remove it.",
-                        fmt::join(left, ", ")),
-            {{"remove", left}}};
+    return {"card-software", {"left-of-pair", {{"left", left}}}, {{"remove", left}}};
 }
 
 } // namespace

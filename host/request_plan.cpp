@@ -4,9 +4,6 @@
 #include "host/error.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 #include <ctime>
 
@@ -14,7 +11,7 @@ namespace zvhost {
 namespace {
 
 Advice say_subject() {
-    return {"subject", "Give the subject of the request with --subject."};
+    return {"subject", {"give-subject", {}}};
 }
 
 bool is_listed(const Inventory& inventory, const std::string& id) {
@@ -45,29 +42,24 @@ std::string unread_certificate(const RequestWishes& wishes, const Inventory& inv
 CertificateRecord certificate_to_renew(const RequestWishes& wishes, const Inventory& inventory,
                                        const CardView& view) {
     if (const std::string id = unread_certificate(wishes, inventory, view); !id.empty())
-        throw Error(
-            Exit::failed, fmt::format("The certificate {} is on the card, but could not be read.", id),
-            Advice{"repeat", "Leave the card in the reader and run the same command again, or name another "
-                             "certificate with --certificate ID."});
+        throw Error(Exit::failed, {"certificate-not-read", {{"id", id}}},
+                    Advice{"repeat", {"repeat-or-other-certificate", {}}});
     const CertificateRecord* found = wishes.certificate.empty()
                                          ? inventory.current(wishes.kind)
                                          : inventory.find(wishes.kind, wishes.certificate);
     if (found != nullptr) return *found;
-    const std::string id = wishes.certificate.empty() ? "" : " " + wishes.certificate;
     throw Error(Exit::refused,
-                fmt::format("There is no {} certificate{} on the card.", kind_name(wishes.kind), id),
-                Advice{"list", "See what there is with: zvrenew list"});
+                {wishes.certificate.empty() ? "no-certificate-of-kind" : "no-certificate-named",
+                 {{"kind", wishes.kind}, {"id", wishes.certificate}}},
+                Advice{"list", {"see-list", {}}});
 }
 
 Error not_due(const CertificateRecord& old, int days) {
     const long left = days_until(old.ends, std::time(nullptr));
     Error stop(
         Exit::nothing_due,
-        fmt::format("Nothing to do: the {} certificate {} ends on {}, in {} days.", kind_name(old.kind),
-                    old.id, day_of(old.ends), left),
-        Advice{"force",
-               fmt::format("It is due {} days before. To renew it now all the same, give --force.", days),
-               {{"due_in_days", left - days}}});
+        {"nothing-due", {{"kind", old.kind}, {"id", old.id}, {"ends", Moment{old.ends}}, {"days", left}}},
+        Advice{"force", {"give-force", {{"days", long{days}}}}, {{"due_in_days", left - days}}});
     stop.found = NotDue{old.id, old.ends, left};
     return stop;
 }
@@ -78,19 +70,21 @@ void stop_unless_due(const RequestWishes& wishes, const CertificateRecord& old) 
 }
 
 // A request for a services card's own certificate leaves these out.
-std::string why_not_services(const DistinguishedName& subject) {
+Sentence why_not_services(const DistinguishedName& subject) {
     for (const char* name : {"title", "pseudonym"})
-        if (!subject.value(name).empty())
-            return fmt::format("a request of a services card does not carry {}", name);
+        if (!subject.value(name).empty()) return {"not-of-services-card", {{"name", name}}};
     return {};
 }
 
-DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* whose) {
-    std::string reason = subject.why_not_requestable();
-    if (reason.empty() && kind == Kind::services) reason = why_not_services(subject);
-    if (!reason.empty())
-        throw Error(Exit::refused, fmt::format("{} cannot go into a request: {}.", whose, reason),
-                    say_subject());
+Error unfit(const char* which, const Sentence& reason) {
+    return {Exit::refused, {which, {{"reason", std::vector{reason}}}}, say_subject()};
+}
+
+// `which` is the sentence for a subject that is not.
+DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* which) {
+    if (const auto reason = subject.why_not_requestable(); !reason.empty()) throw unfit(which, reason);
+    if (const auto reason = why_not_services(subject); kind == Kind::services && !reason.empty())
+        throw unfit(which, reason);
     return subject;
 }
 
@@ -99,16 +93,12 @@ DistinguishedName subject_of(const CertificateRecord& old) {
     const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
     const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
     if (!old.subject_exact && !whole)
-        throw Error(Exit::refused, "The subject of the certificate cannot be read whole.", say_subject());
-    return requestable(old.subject, old.kind, "The subject of the certificate");
+        throw Error(Exit::refused, {"old-subject-not-whole", {}}, say_subject());
+    return requestable(old.subject, old.kind, "old-subject-unfit");
 }
 
 [[noreturn]] void stop_none_free(Kind kind) {
-    const std::vector<std::string> ids = identifiers_of(kind);
-    throw Error(Exit::refused,
-                fmt::format("No identifier is free for a new {} key: {} and {} are taken.", kind_name(kind),
-                            fmt::join(ids.begin(), ids.end() - 1, ", "), ids.back()),
-                free_an_identifier(kind));
+    throw Error(Exit::refused, {"none-free", series_of(kind)}, free_an_identifier(kind));
 }
 
 // The library calls an identifier free when no public key has it. A certificate or private key under it would
@@ -124,8 +114,7 @@ std::string free_identifier(Kind kind, const Inventory& inventory, const CardVie
 
 void take_own_pair(RequestPlan& plan, const CardView& view) {
     if (plan.old.id != ZV_OWN_PAIR)
-        throw Error(Exit::refused,
-                    fmt::format("The certificate {} is not the services card's own.", plan.old.id));
+        throw Error(Exit::refused, {"not-own-certificate", {{"id", plan.old.id}}});
     plan.pair = ZV_OWN_PAIR;
     plan.reuse = true;
     plan.pending_key = view.modulus(plan.pair);
@@ -139,7 +128,7 @@ void take_new_pair(RequestPlan& plan, const RequestWishes& wishes, const Invento
     plan.discard = wishes.new_pair;
     plan.reuse = !wishes.new_pair;
     if (view.find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
-        throw Error(Exit::refused, fmt::format("The pair {} is not on the card whole.", plan.pair));
+        throw Error(Exit::refused, {"pair-not-whole", {{"pair", plan.pair}}});
     plan.pending_key = view.modulus(plan.pair);
 }
 
@@ -164,32 +153,28 @@ std::string certified_that_wants_pin(const RequestWishes& wishes, const Inventor
 // The pair that is there would fail to sign its request, and one made in its place as well.
 void refuse_unable(const RequestPlan& plan, const CardView& view) {
     if (view.wants_pin(plan.pair))
-        throw Error(Exit::refused, fmt::format("The pair {} cannot sign its request.", plan.pair),
+        throw Error(Exit::refused, {"pair-cannot-sign", {{"pair", plan.pair}}},
                     leave_to_card_software(plan.pair));
 }
 
 void refuse_ambiguous(const std::string& pair, const CardView& view) {
     if (pair.size() > ZV_PENDING_LABEL_MAX)
-        throw Error(Exit::refused, fmt::format("The identifier {} is too long to be worked with.", pair));
+        throw Error(Exit::refused, {"identifier-too-long", {{"id", pair}}});
     if (const auto others = view.others_containing(pair); !others.empty())
-        throw Error(
-            Exit::refused,
-            fmt::format("The identifier {} is part of {} on the card: another key could be taken for the "
-                        "new one.",
-                        pair, fmt::join(others, ", ")));
+        throw Error(Exit::refused, {"identifier-inside-others", {{"id", pair}, {"others", others}}});
 }
 
 } // namespace
 
 void check_wishes(const RequestWishes& wishes) {
     if (wishes.kind == Kind::services && wishes.new_pair)
-        throw Error(Exit::refused, "A services card keeps its own keys: there is no new pair to make.",
-                    Advice{"without-new-pair", "Repeat the request without --new-pair."});
+        throw Error(Exit::refused, {"services-keep-keys", {}},
+                    Advice{"without-new-pair", {"request-without-new-pair", {}}});
 }
 
 std::optional<DistinguishedName> given_subject(const RequestWishes& wishes) {
     if (wishes.subject.empty()) return std::nullopt;
-    return requestable(DistinguishedName::from_user(wishes.subject), wishes.kind, "The subject");
+    return requestable(DistinguishedName::from_user(wishes.subject), wishes.kind, "given-subject-unfit");
 }
 
 RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory, const CardView& view,
@@ -199,8 +184,7 @@ RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory
     stop_unless_due(wishes, plan.old);
     plan.subject = subject ? std::move(*subject) : subject_of(plan.old);
     if (view.find(CKO_PRIVATE_KEY, plan.old.id) == nullptr)
-        throw Error(Exit::refused,
-                    fmt::format("The key of the certificate {} is not on the card.", plan.old.id));
+        throw Error(Exit::refused, {"key-not-there", {{"id", plan.old.id}}});
     if (wishes.kind == Kind::services)
         take_own_pair(plan, view);
     else

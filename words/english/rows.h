@@ -15,12 +15,15 @@ struct Row {
 using Rows = std::span<const Row>;
 
 // Each area's, in its own file.
+Rows advice_rows();
 Rows card_rows();
 Rows command_line_rows();
 Rows doctor_rows();
+Rows install_rows();
 Rows pin_rows();
 Rows plan_rows();
 Rows remove_rows();
 Rows renew_rows();
+Rows request_rows();
 
 } // namespace words
