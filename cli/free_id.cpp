@@ -2,6 +2,7 @@
 #include "cli/commands.h"
 #include "cli/pin_input.h"
 #include "host/free_ids.h"
+#include "words/words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -11,10 +12,10 @@ namespace {
 
 std::string in_words(const FreeId& free) {
     const std::string& id = free.proposal.id;
-    if (free.proposal.none_free) return "none free";
-    if (id.empty()) return "not looked for, since no signature identifier is free";
-    if (free.pending) return id + " (taken by a pair that waits for its certificate)";
-    return free.retired ? id + " (taken by keys that a removal left)" : id;
+    if (free.proposal.none_free) return words::of(Sentence{"free-none", {}});
+    if (id.empty()) return words::of(Sentence{"free-unasked", {}});
+    if (free.pending) return words::of({"free-of-pending", {{"id", id}}});
+    return free.retired ? words::of({"free-of-retired", {{"id", id}}}) : id;
 }
 
 Json as_json(const FreeId& free) {
@@ -33,7 +34,7 @@ Report run_free_id(const CardOptions& options) {
     for (const FreeId& free : found.kinds) {
         report.json[kind_name(free.kind)] = as_json(free);
         report.text +=
-            fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", kind_name(free.kind), in_words(free));
+            fmt::format("{}{:<16}{}", report.text.empty() ? "" : "\n", words::of(free.kind), in_words(free));
     }
     return report;
 }

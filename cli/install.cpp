@@ -7,52 +7,43 @@
 #include "cli/plan_shown.h"
 #include "cli/progress_lines.h"
 #include "host/log_folder.h"
+#include "words/words.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
 namespace cli {
 namespace {
 
-std::string proved_in_words(const Installed& installed) {
-    if (installed.signed_with)
-        return fmt::format("Signed with {} and verified with the new certificate.", installed.pair);
-    return fmt::format(
-        "The key {} wants a PIN before each signature. The card's was refused, or not sent on its last "
-        "try:\nthe key was compared with the new certificate instead. It may have a PIN of its own.",
-        installed.pair);
+Sentence proof_of(const Installed& installed) {
+    return {installed.signed_with ? "renewal-proved" : "installed-compared", {{"pair", installed.pair}}};
 }
 
-std::string old_in_words(const Installed& installed) {
+Sentence old_of(const Installed& installed) {
     switch (installed.old) {
     case OldCertificateNow::none:
         return {};
     case OldCertificateNow::gone_before:
-        return "\nThe old certificate is no longer on the card.";
+        return {"old-gone-before", {}};
     case OldCertificateNow::beside:
-        return fmt::format("\nThe old certificate {} is still on the card.", installed.replaces);
+        return {"old-beside", {{"id", installed.replaces}}};
     case OldCertificateNow::under_the_same_identifier:
-        return fmt::format("\nThe old certificate is still on the card, under the same identifier {}: "
-                           "programs may take it for the new\none. Only the card's own software can "
-                           "remove it now; --remove-old does so before storing.",
-                           installed.pair);
+        return {"old-same-identifier", {{"id", installed.pair}}};
     case OldCertificateNow::removed:
         return installed.kind == Kind::services
-                   ? fmt::format("\nRemoved: the old certificate {}.", installed.pair)
-                   : fmt::format("\nRemoved: {}.", fmt::join(installed.removed, ", "));
+                   ? Sentence{"installed-removed-certificate", {{"id", installed.pair}}}
+                   : Sentence{"renewal-removed", {{"old", installed.removed}}};
     }
     return {};
 }
 
 std::string in_words(const Installed& installed) {
-    std::string text = fmt::format("The new {0} certificate is on the card, with its keys, as {1}.\n"
-                                   "{2}{3}",
-                                   kind_name(installed.kind), installed.pair, proved_in_words(installed),
-                                   old_in_words(installed));
-    if (!installed.backup.empty())
-        text += fmt::format("\nA copy of the old certificate: {}", installed.backup);
-    return text + fmt::format("\nNow on the card: {}\nLog: {}", cli::in_words(installed.now), log_path());
+    std::string text = words::of({"renewal-done", {{"kind", installed.kind}, {"pair", installed.pair}}});
+    std::vector<Sentence> lines{proof_of(installed), old_of(installed)};
+    if (!installed.backup.empty()) lines.push_back({"renewal-backup", {{"backup", installed.backup}}});
+    lines.push_back({"renewal-now", {{"now", cli::in_words(installed.now)}}});
+    for (const Sentence& line : lines)
+        if (!line.empty()) text += "\n" + words::of(line);
+    return text + "\nLog: " + log_path();
 }
 
 Json as_json(const Installed& installed) {

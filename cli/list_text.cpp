@@ -1,8 +1,10 @@
 #include "cli/listed.h"
+#include "words/words.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 namespace cli {
 namespace {
@@ -20,47 +22,60 @@ std::string shown_holder(const CertificateRecord& record) {
     return name.substr(0, end) + "...";
 }
 
-std::string mark(const ListedCertificate& listed) {
-    if (listed.replaced) return "  replaced";
-    const char* state = !listed.due ? "" : listed.days_left < 0 ? "  EXPIRED, due" : "  DUE";
-    if (!listed.requested) return state;
-    return fmt::format("{}{}request under way", state, listed.due ? ", " : "  ");
+const char* mark_of(const ListedCertificate& listed) {
+    if (listed.replaced) return "mark-replaced";
+    if (!listed.due) return listed.requested ? "mark-under-way" : "";
+    if (listed.days_left < 0) return listed.requested ? "mark-expired-under-way" : "mark-expired";
+    return listed.requested ? "mark-due-under-way" : "mark-due";
 }
 
-struct Columns {
-    std::size_t id = 10;
-    std::size_t name = 6;
-};
+std::string word(const char* id) {
+    return words::of(Sentence{id, {}});
+}
 
-Columns widths(const std::vector<ListedCertificate>& certificates) {
-    Columns columns;
-    for (const ListedCertificate& listed : certificates) {
-        columns.id = std::max(columns.id, listed.record.id.size());
-        columns.name = std::max(columns.name, shown_holder(listed.record).size());
-    }
-    return columns;
+using Row = std::array<std::string, 5>;
+
+Row row_of(const ListedCertificate& listed) {
+    return {words::of(listed.record.kind), listed.record.id, shown_holder(listed.record),
+            words::day_of(listed.record.ends), std::to_string(listed.days_left)};
+}
+
+std::string line_of(const Row& row, const std::array<std::size_t, 5>& widths) {
+    return fmt::format("  {:<{}}  {:<{}}  {:<{}}  {:<{}}  {:>{}}", row[0], widths[0], row[1], widths[1],
+                       row[2], widths[2], row[3], widths[3], row[4], widths[4]);
 }
 
 std::string table_of(const std::vector<ListedCertificate>& certificates) {
-    const Columns columns = widths(certificates);
-    std::string table = fmt::format("\n  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}\n", "KIND", "IDENTIFIER",
-                                    columns.id, "HOLDER", columns.name, "ENDS", "DAYS");
+    std::vector<Row> rows{{word("head-kind"), word("head-identifier"), word("head-holder"), word("head-ends"),
+                           word("head-days")}};
     for (const ListedCertificate& listed : certificates)
-        table += fmt::format("  {:<16}{:<{}}  {:<{}}  {:<10}  {:>5}{}\n", kind_name(listed.record.kind),
-                             listed.record.id, columns.id, shown_holder(listed.record), columns.name,
-                             day_of(listed.record.ends), listed.days_left, mark(listed));
+        rows.push_back(row_of(listed));
+    std::array<std::size_t, 5> widths{14, 10, 6, 10, 5};
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    std::string table = "\n" + line_of(rows.front(), widths) + "\n";
+    for (std::size_t i = 0; i < certificates.size(); ++i) {
+        const std::string mark = mark_of(certificates[i]);
+        table += line_of(rows[i + 1], widths) + (mark.empty() ? "" : "  " + word(mark.c_str())) + "\n";
+    }
     return table;
+}
+
+Sentence heading(const CardFacts& card) {
+    if (!card.state) return {"list-card-unknown", {{"reader", card.reader}}};
+    return {"list-card",
+            {{"serial", card.state->serial}, {"label", card.state->label}, {"reader", card.reader}}};
 }
 
 } // namespace
 
 std::string in_words(const CardList& list) {
-    const std::string card =
-        list.card.state ? fmt::format("Card {} (\"{}\")", list.card.state->serial, list.card.state->label)
-                        : "Card";
-    std::string text = fmt::format("{} in {}\n{}", card, list.card.reader, table_of(list.certificates));
-    if (list.certificates.empty()) text += "  (no certificates)\n";
-    if (list.unreadable > 0) text += fmt::format("  ({} more cannot be read)\n", list.unreadable);
+    std::string text = words::of(heading(list.card)) + "\n" + table_of(list.certificates);
+    if (list.certificates.empty()) text += word("list-empty") + "\n";
+    if (list.unreadable > 0)
+        text +=
+            words::of(Sentence{"list-unreadable", {{"count", static_cast<long>(list.unreadable)}}}) + "\n";
     return text;
 }
 

@@ -5,24 +5,27 @@
 #include "cli/pin_input.h"
 #include "cli/plan_shown.h"
 #include "cli/progress_lines.h"
+#include "words/words.h"
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace cli {
 namespace {
 
-const char* which_pair(const MadeRequest& made) {
-    if (made.kind == Kind::services) return "card's own";
-    return made.reused ? "waiting" : "new";
+const char* with_which_pair(const MadeRequest& made) {
+    if (made.kind == Kind::services) return "made-request-services";
+    return made.reused ? "made-request-again" : "made-request";
 }
 
 std::string in_words(const MadeRequest& made) {
-    const char* saved = made.there_already ? "It is there already, as" : "Saved as";
-    return fmt::format("Request for the {} certificate {}, with the {} pair {}\nSubject: {}{}",
-                       kind_name(made.kind), made.renews, which_pair(made), made.pair,
-                       made.subject.readable(),
-                       made.file.empty() ? "" : fmt::format("\n{} {}", saved, made.file));
+    const std::string text = words::of({with_which_pair(made),
+                                        {{"kind", made.kind},
+                                         {"id", made.renews},
+                                         {"pair", made.pair},
+                                         {"subject", made.subject.readable()}}});
+    if (made.file.empty()) return text;
+    const char* saved = made.there_already ? "request-saved-before" : "request-saved";
+    return text + "\n" + words::of({saved, {{"file", made.file}}});
 }
 
 Json as_json(const MadeRequest& made) {

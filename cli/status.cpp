@@ -1,8 +1,7 @@
 #include "cli/commands.h"
 #include "cli/listed.h"
+#include "words/words.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
 namespace cli {
@@ -11,7 +10,7 @@ namespace {
 std::string status_in_words(const CardStatus& status) {
     std::string text = cli::in_words(status.list);
     if (!status.uncertified.empty())
-        text += fmt::format("  (keys that show no certificate: {})\n", fmt::join(status.uncertified, ", "));
+        text += words::of({"list-uncertified", {{"keys", status.uncertified}}}) + "\n";
     return text;
 }
 

@@ -5,16 +5,13 @@
 #include "host/place.h"
 #include "host/public_inventory.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 
 namespace zvhost {
 namespace {
 
-Advice list_with_pin(const char* text) {
-    return {"list", text};
+Advice list_with_pin(const char* id) {
+    return {"list", {id, {}}};
 }
 
 // What was replaced is no matter, as in the list.
@@ -31,24 +28,18 @@ Exit exit_of(const CardList& list) {
 
 void stop_if_hidden(const CardStatus& status) {
     if (status.exit != Exit::nothing_there) return;
-    if (status.list.unreadable > 0)
-        throw Error(Exit::failed, "The certificates on the card cannot be read: when they end is not known.");
+    if (status.list.unreadable > 0) throw Error(Exit::failed, {"certificates-unreadable", {}});
     if (!status.uncertified.empty())
-        throw Error(Exit::failed,
-                    fmt::format("The card shows the keys {}, but no certificate without the PIN.",
-                                fmt::join(status.uncertified, ", ")),
-                    list_with_pin("See what there is with: zvrenew list"));
+        throw Error(Exit::failed, {"certificates-hidden", {{"keys", status.uncertified}}},
+                    list_with_pin("see-list"));
 }
 
 std::vector<Advice> advice_on(const CardStatus& status) {
     std::vector<Advice> advice = advice_on(status.list);
     if (status.list.card.services_card)
-        advice.push_back(
-            list_with_pin("Whether a request for the card's own certificate is under way does not "
-                          "show without the PIN. See it with:  zvrenew list"));
+        advice.push_back(list_with_pin("services-request-hidden"));
     else if (status.exit == Exit::nothing_there)
-        advice.push_back(
-            list_with_pin("What the card does not show without the PIN, see with:  zvrenew list"));
+        advice.push_back(list_with_pin("more-with-pin"));
     return advice;
 }
 

@@ -10,9 +10,6 @@
 #include "host/suitability.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -28,16 +25,14 @@ std::string save_backup(const InstallPlan& plan) {
 std::vector<Sentence> install_notices(const InstallPlan& plan) {
     std::vector<Sentence> notices;
     const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
-    if (const std::string issuer = new_issuer(plan); !issuer.empty()) note(issuer);
+    if (const Sentence issuer = new_issuer(plan); !issuer.empty()) note(issuer);
     if (plan.removed.empty()) return notices;
     if (plan.kind == Kind::services) {
-        note(fmt::format("Removing the old certificate {} from the card; its keys stay.", plan.pair));
+        note({"removing-certificate", {{"id", plan.pair}}});
         return notices;
     }
-    note(fmt::format("Removing {} from the card, keys included.", plan.removed.front()));
-    if (plan.removed.size() > 1)
-        note(fmt::format("The authority's certificate \"{}\" goes too: nothing puts it back.",
-                         plan.removed[1]));
+    note({"removing-with-keys", {{"id", plan.removed.front()}}});
+    if (plan.removed.size() > 1) note({"removing-authority", {{"id", plan.removed[1]}}});
     return notices;
 }
 
@@ -53,38 +48,28 @@ int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
 }
 
 Advice say_backup(const std::string& backup) {
-    return {"backup", fmt::format("A copy of the old certificate: {}", backup), {{"file", backup}}};
+    return {"backup", {"renewal-backup", {{"backup", backup}}}, {{"file", backup}}};
 }
 
 // What the card may have refused: it does not say why.
 void advise_on_room(std::vector<Advice>& advice, const InstallPlan& plan) {
     if (plan.kind == Kind::services && plan.removed.empty() && plan.old && plan.old->on_card)
-        advice.push_back({"remove-old", "A card that takes one certificate of an identifier only needs "
-                                        "--remove-old beside that."});
+        advice.push_back({"remove-old", {"one-certificate-only", {}}});
     else if (plan.removed.empty() && plan.old && plan.old->on_card)
         advice.push_back(
-            {"remove-old",
-             fmt::format("If the card is full, the old certificate makes room: give --remove-old "
-                         "--replace {} beside that.",
-                         plan.old->id),
-             {{"replace", plan.old->id}}});
+            {"remove-old", {"old-makes-room", {{"id", plan.old->id}}}, {{"replace", plan.old->id}}});
     else if (plan.kind != Kind::services)
-        advice.push_back({"make-room",
-                          "If the card is full, remove something from it with the card's own software "
-                          "first."});
+        advice.push_back({"make-room", {"make-room-first", {}}});
 }
 
 std::vector<Advice> advice_after_failure(const InstallPlan& plan, const CardNow& now) {
-    if (!now.view) return {{"repeat", "Put the card in the reader and run the same command again."}};
+    if (!now.view) return {{"repeat", {"repeat-with-card", {}}}};
     if (now.view->certificate(plan.pair, plan.certificate) != nullptr)
-        return {{"repeat", "To try the new key once more, run the same command again."}};
-    if (now.view->find(CKO_PRIVATE_KEY, plan.pair) == nullptr)
-        return {{"list", "See what is on the card with: zvrenew list"}};
-    const char* keys = plan.kind == Kind::services
-                           ? "The keys {} are as they were: run the same command again."
-                           : "The pair {} still waits for the certificate: run the "
-                             "same command again.";
-    std::vector<Advice> advice{{"repeat", fmt::format(fmt::runtime(keys), plan.pair), {{"pair", plan.pair}}}};
+        return {{"repeat", {"repeat-to-try-key", {}}}};
+    if (now.view->find(CKO_PRIVATE_KEY, plan.pair) == nullptr) return {{"list", {"see-card", {}}}};
+    const char* keys = plan.kind == Kind::services ? "repeat-keys-unchanged" : "repeat-pair-waits";
+    const Values pair = {{"pair", plan.pair}};
+    std::vector<Advice> advice{{"repeat", {keys, pair}, pair}};
     advise_on_room(advice, plan);
     return advice;
 }
@@ -107,12 +92,10 @@ bool is_left(const InstallPlan& plan, const CardView& view, const std::string& i
 
 Error because_left(const std::vector<std::string>& left, const InstallPlan& plan, const CardNow& now,
                    const std::string& backup) {
-    const std::string what = plan.kind == Kind::services
-                                 ? fmt::format("another certificate {} is still there", plan.pair)
-                                 : fmt::format("{} could not be removed whole", fmt::join(left, ", "));
     Error stop(Exit::failed,
-               fmt::format("The new certificate is stored and verified, as {}, but {}.", plan.pair, what),
-               Advice{"card-software", "Remove it with the card's own software.", {{"remove", left}}});
+               {plan.kind == Kind::services ? "stored-beside-another" : "stored-leaving",
+                {{"pair", plan.pair}, {"left", left}}},
+               Advice{"card-software", {"remove-with-card-software", {}}, {{"remove", left}}});
     stop.advice.push_back(say_backup(backup));
     stop.card = now.contents;
     stop.logged = true;
@@ -135,22 +118,12 @@ OldCertificateNow old_now(const InstallPlan& plan) {
                                        : OldCertificateNow::beside;
 }
 
-constexpr const char* MARK_LEFT =
-    "The mark " ZV_PENDING_MARKER " of the request is still on the card: the list "
-    "shows a request under way until the "
-    "next\ncertificate is installed, or the card's own software removes it.";
-
 Advice say_mark_left() {
-    return {"mark", MARK_LEFT};
+    return {"mark", {"mark-left", {{"mark", ZV_PENDING_MARKER}}}};
 }
 
 Advice say_left(const std::vector<std::string>& left) {
-    return {
-        "card-software",
-        fmt::format(
-            "Left on the card of a certificate removed before: {}. The card's own software can remove it.",
-            fmt::join(left, ", ")),
-        {{"remove", left}}};
+    return {"card-software", {"left-of-removed", {{"left", left}}}, {{"remove", left}}};
 }
 
 Installed told(OpenedCard& card, const InstallPlan& plan, const std::string& backup, const Proof& proof) {
@@ -185,10 +158,7 @@ Error because_stored(OpenedCard& card, const IssuedFiles& files, const Inventory
         return {Exit::failed,
                 {"stored-already-unproved", {{"pair", id}, {"reason", std::vector{proof.reason}}}}};
     Error stop(Exit::refused,
-               fmt::format("The certificate is on the card already, as {}: {}.", id,
-                           proof.signed_with
-                               ? "a signature of its key verifies with it"
-                               : "its key, which wants a PIN before each signature, is the right one"));
+               {proof.signed_with ? "stored-already" : "stored-already-compared", {{"pair", id}}});
     stop.found = AlreadyStored{id, proof.signed_with};
     std::vector<std::string> left;
     for (const RetiredPair& pair : inventory.retired)

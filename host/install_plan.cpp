@@ -9,9 +9,6 @@
 #include "host/suitability.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 
 namespace zvhost {
@@ -35,12 +32,12 @@ struct Match {
     const Certificate* certificate;
 };
 
-std::string ids(const std::vector<PendingPair>& pairs) {
+std::vector<std::string> ids_of(const std::vector<PendingPair>& pairs) {
     std::vector<std::string> list;
     list.reserve(pairs.size());
     for (const PendingPair& pair : pairs)
         list.push_back(pair.id);
-    return fmt::format("{}", fmt::join(list, ", "));
+    return list;
 }
 
 // A services card's own pair takes a new certificate also when the mark of its request is not there.
@@ -74,44 +71,34 @@ std::optional<Match> match_one(const std::vector<PendingPair>& pairs, const Issu
 Match match_pair(const IssuedFiles& files, const Inventory& inventory, const CardView& view) {
     if (const auto match = match_one(pairs_to_try(inventory, view), files, view)) return *match;
     const std::vector<PendingPair> pairs = pairs_to_serve(inventory);
-    if (pairs.empty())
-        throw Error(Exit::refused, "No pair on the card waits for a certificate.",
-                    Advice{"list", "See what is on the card with: zvrenew list"});
-    throw Error(Exit::refused,
-                fmt::format("The certificate is for another key than what can take one on the card ({}).",
-                            ids(pairs)),
-                Advice{"other-card", "Install it on the card whose request it answers."});
+    if (pairs.empty()) throw Error(Exit::refused, {"no-pair-waits", {}}, Advice{"list", {"see-card", {}}});
+    throw Error(Exit::refused, {"certificate-of-other-key", {{"pairs", ids_of(pairs)}}},
+                Advice{"other-card", {"install-on-its-card", {}}});
 }
 
 // Keys are looked up, and objects removed, by whether their identifier contains a text.
 void refuse_ambiguous(const InstallPlan& plan, const CardView& view) {
     if (plan.pair.size() > ZV_PENDING_LABEL_MAX)
-        throw Error(Exit::refused,
-                    fmt::format("The identifier {} is too long to be worked with.", plan.pair));
+        throw Error(Exit::refused, {"identifier-too-long", {{"id", plan.pair}}});
     if (const auto others = view.others_containing(plan.pair); !others.empty())
-        throw Error(Exit::refused,
-                    fmt::format("The identifier {} is part of {} on the card: another key could get the "
-                                "certificate.",
-                                plan.pair, fmt::join(others, ", ")));
+        throw Error(Exit::refused, {"pair-inside-others", {{"id", plan.pair}, {"others", others}}});
 }
 
 } // namespace
 
 IssuedFiles read_issued_files(const InstallWishes& wishes) {
     if (is_request(read_file(wishes.certificate_file, "The file")))
-        throw Error(Exit::refused, fmt::format("{} is a request, not the certificate that answers it.",
-                                               wishes.certificate_file));
+        throw Error(Exit::refused, {"request-for-certificate", {{"file", wishes.certificate_file}}});
     IssuedFiles files{certificates_in_file(wishes.certificate_file), {}, {}};
     if (wishes.request_file.empty()) return files;
     const std::string request = read_file(wishes.request_file, "The request");
     files.request_key = modulus_of_request(request);
     files.signer = signer_of_request(request);
     if (files.request_key.empty())
-        throw Error(Exit::refused, fmt::format("There is no request in {}.", wishes.request_file));
+        throw Error(Exit::refused, {"no-request-in-file", {{"file", wishes.request_file}}});
     if (certificate_with(files.certificates, files.request_key) == nullptr)
-        throw Error(Exit::refused,
-                    fmt::format("The certificate in {} is for another key than the request in {}.",
-                                wishes.certificate_file, wishes.request_file));
+        throw Error(Exit::refused, {"certificate-of-other-request",
+                                    {{"file", wishes.certificate_file}, {"request", wishes.request_file}}});
     return files;
 }
 
@@ -132,8 +119,8 @@ std::string stored_already(const IssuedFiles& files, const Inventory& inventory,
 InstallPlan plan_install(const InstallWishes& wishes, const IssuedFiles& files, const OpenedCard& card,
                          const Inventory& inventory, const CardView& view) {
     const Match match = match_pair(files, inventory, view);
-    if (const std::string reason = why_not_storable(*match.certificate); !reason.empty())
-        throw Error(Exit::refused, fmt::format("The certificate cannot be stored: {}.", reason));
+    if (const auto reason = why_not_storable(*match.certificate); !reason.empty())
+        throw Error(Exit::refused, {"certificate-not-storable", {{"reason", std::vector<Sentence>{reason}}}});
     InstallPlan plan;
     plan.certificate = match.certificate->der();
     plan.pair = match.pair.id;

@@ -4,8 +4,6 @@
 #include "host/error.h"
 #include "host/inventory.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <openssl/x509v3.h>
 
 #include <algorithm>
@@ -64,24 +62,24 @@ std::optional<OldCertificate> last_of(const Objects& found) {
     return last == found.end() ? std::nullopt : std::optional(on_card(**last));
 }
 
+// "--replace DS0 or --replace DS3"
+std::vector<Sentence> choices(const std::vector<std::string>& ids) {
+    std::vector<Sentence> choices;
+    for (const std::string& id : ids)
+        choices.push_back({choices.empty() ? "replace-this" : "or-replace-this", {{"id", id}}});
+    return choices;
+}
+
 [[noreturn]] void refuse_several(const Replacing& replacing, const Objects& found) {
     std::vector<std::string> ids;
     for (const CardObject* object : found)
         if (std::find(ids.begin(), ids.end(), object->id) == ids.end()) ids.push_back(object->id);
-    const std::string sentence =
-        fmt::format("There are several {} certificates on the card, and nothing says which of them goes.",
-                    kind_name(replacing.kind));
+    const Sentence several{"several-could-go", {{"kind", replacing.kind}}};
     if (ids.size() == 1)
-        throw Error(Exit::refused, sentence,
-                    Advice{"without-remove-old",
-                           fmt::format("All have the identifier {}: install without --remove-old, or first "
-                                       "remove the ones that are no longer needed with the card's own "
-                                       "software.",
-                                       ids.front())});
-    throw Error(Exit::refused, sentence,
-                Advice{"replace",
-                       fmt::format("Say which one with --replace {}.", fmt::join(ids, " or --replace ")),
-                       {{"ids", ids}}});
+        throw Error(Exit::refused, several,
+                    Advice{"without-remove-old", {"all-have-one-identifier", {{"id", ids.front()}}}});
+    throw Error(Exit::refused, several,
+                Advice{"replace", {"say-which", {{"choices", choices(ids)}}}, {{"ids", ids}}});
 }
 
 // One whose backup is there and whose key is not on the card any more, or is there alone under its identifier.
@@ -109,9 +107,8 @@ OldCertificate find_named(const Replacing& replacing, Objects found) {
     if (const auto there = last_of(found)) return *there;
     if (id != replacing.pair && kind_of_certificate(id, replacing.card.place.services) == replacing.kind)
         if (const auto old = named_and_gone(replacing, id)) return *old;
-    throw Error(Exit::refused,
-                fmt::format("There is no {} certificate {} on the card.", kind_name(replacing.kind), id),
-                Advice{"whole-identifier", "Give an identifier as zvrenew list shows it, whole."});
+    throw Error(Exit::refused, {"no-certificate-named", {{"kind", replacing.kind}, {"id", id}}},
+                Advice{"whole-identifier", {"give-whole-identifier", {}}});
 }
 
 // Keys without a certificate whose number is that of the one that signed.

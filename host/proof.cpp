@@ -4,7 +4,6 @@
 #include "host/error.h"
 #include "ossl/owners.h"
 
-#include <fmt/format.h>
 #include <openssl/err.h>
 #include <openssl/rand.h>
 
@@ -28,7 +27,7 @@ Bytes digest_info(const Challenge& message) {
     std::copy(SHA256_INFO.begin(), SHA256_INFO.end(), info.begin());
     unsigned char* digest = info.data() + SHA256_INFO.size();
     if (EVP_Digest(message.data(), message.size(), digest, nullptr, EVP_sha256(), nullptr) != 1)
-        throw Error(Exit::failed, "A digest could not be made.");
+        throw Error(Exit::failed, {"no-digest", {}});
     return info;
 }
 
@@ -55,9 +54,7 @@ struct Tried {
 Proof compare(const Tried& tried, KeyPin key_pin) {
     const std::string& id = tried.key.id;
     if (!tried.key.value.empty() && tried.key.value == modulus_of(tried.certificate)) return {{}, false, {}};
-    Proof proof = failed(fmt::format("the key {} wants a PIN before each signature and was not tried; nor is "
-                                     "its modulus the certificate's.",
-                                     id));
+    Proof proof = failed({"key-neither-tried-nor-fitting", {{"key", id}}});
     if (key_pin == KeyPin::given) proof.advice = give_key_the_pin(id);
     return proof;
 }
@@ -67,13 +64,12 @@ Proof try_key(const Session& session, const Tried& tried, OpenedCard& card, KeyP
     if (wants_pin && (key_pin == KeyPin::kept || session.last_try())) return compare(tried, KeyPin::kept);
     Challenge message{};
     if (RAND_bytes(message.data(), static_cast<int>(message.size())) != 1)
-        return failed("no random text could be made.");
+        return failed({"no-random-text", {}});
     const auto signature =
         session.sign(tried.key.handle, digest_info(message), wants_pin ? &card.pin : nullptr);
     if (!signature) return compare(tried, KeyPin::given);
     if (!verifies(tried.certificate, message, *signature))
-        return failed(
-            fmt::format("a signature of the key {} does not verify with its certificate.", tried.key.id));
+        return failed({"signature-does-not-verify", {{"key", tried.key.id}}});
     return {};
 }
 
@@ -82,11 +78,10 @@ Proof prove(const Session& session, const std::string& id, const Bytes& expected
     const CardView view = view_in(session);
     const CardObject* stored = view.certificate(id, expected_certificate);
     const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
-    if (view.certificates(id).empty())
-        return failed(fmt::format("there is no certificate {} on the card.", id));
-    if (key == nullptr) return failed(fmt::format("there is no private key {} on the card.", id));
+    if (view.certificates(id).empty()) return failed({"certificate-missing", {{"id", id}}});
+    if (key == nullptr) return failed({"private-key-missing", {{"id", id}}});
     const Certificate certificate = stored == nullptr ? Certificate() : certificate_from(stored->value);
-    if (!certificate) return failed(fmt::format("the certificate {} on the card is another one.", id));
+    if (!certificate) return failed({"certificate-another", {{"id", id}}});
     return try_key(session, {*key, *certificate}, card, key_pin);
 }
 

@@ -4,19 +4,14 @@
 #include "host/error.h"
 #include "host/public_key.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 #include <cctype>
 
 namespace zvhost {
 namespace {
 
-constexpr const char* INSTALL_WITHOUT = "Install without --remove-old.";
-
-[[noreturn]] void refuse_removal(const std::string& sentence) {
-    throw Error(Exit::refused, sentence, Advice{"without-remove-old", INSTALL_WITHOUT});
+[[noreturn]] void refuse_removal(const Sentence& sentence) {
+    throw Error(Exit::refused, sentence, Advice{"without-remove-old", {"install-without-remove-old", {}}});
 }
 
 Bytes key_of(const OldCertificate& old) {
@@ -26,7 +21,7 @@ Bytes key_of(const OldCertificate& old) {
 
 std::string backup_file(const InstallWishes& wishes, const OldCertificate& old) {
     if (!wishes.backup.empty()) return wishes.backup;
-    std::string name = fmt::format("{}-{}.pem", old.id, serial_of(old.der));
+    std::string name = old.id + "-" + serial_of(old.der) + ".pem";
     const auto odd = [](unsigned char c) { return std::isalnum(c) == 0 && c != '-' && c != '.'; };
     std::replace_if(name.begin(), name.end(), odd, '_');
     return name;
@@ -36,7 +31,7 @@ std::string backup_file(const InstallWishes& wishes, const OldCertificate& old) 
 void save_certificates(InstallPlan& plan, const CardView& view, const std::string& id, bool removing) {
     for (const CardObject* object : view.certificates(id)) {
         const Bytes der = without_padding(object->value);
-        if (der.empty() && removing) refuse_removal(fmt::format("A certificate {} cannot be saved.", id));
+        if (der.empty() && removing) refuse_removal({"certificate-unsaved", {{"id", id}}});
         const bool first = plan.old->on_card && der == plan.old->der && id == plan.old->id;
         if (!der.empty() && der != plan.certificate && !first) plan.backup.add("CERTIFICATE", der);
     }
@@ -46,8 +41,7 @@ void save_keys(InstallPlan& plan, const CardView& view, bool removing) {
     for (const CardObject& object : view.objects()) {
         if (object.type != CKO_PUBLIC_KEY || object.id != plan.old->id) continue;
         const Bytes der = public_key_of(object.value, object.exponent);
-        if (der.empty() && removing)
-            refuse_removal(fmt::format("The public key {} cannot be saved.", object.id));
+        if (der.empty() && removing) refuse_removal({"public-key-unsaved", {{"id", object.id}}});
         if (!der.empty()) plan.backup.add("PUBLIC KEY", der);
     }
 }
@@ -72,13 +66,10 @@ bool is_other_key(const CardObject& object, const OldCertificate& old, const Byt
 void refuse_more(const InstallPlan& plan, const CardView& view) {
     const std::string& id = plan.old->id;
     if (const auto others = view.others_containing(id); !others.empty())
-        refuse_removal(
-            fmt::format("The identifier {} is part of {} on the card, which would be removed with it.", id,
-                        fmt::join(others, ", ")));
+        refuse_removal({"others-would-go", {{"id", id}, {"others", others}}});
     const Bytes key = key_of(*plan.old);
     for (const CardObject& object : view.objects())
-        if (is_other_key(object, *plan.old, key))
-            refuse_removal(fmt::format("Another key has the identifier {} too, and would be removed.", id));
+        if (is_other_key(object, *plan.old, key)) refuse_removal({"other-key-would-go", {{"id", id}}});
     const auto certificates = view.certificates(id);
     if (certificates.empty()) return;
     // Of a services card the first one goes, of others all.
@@ -87,8 +78,7 @@ void refuse_more(const InstallPlan& plan, const CardView& view) {
     };
     if (plan.kind == Kind::services ? other(certificates.front())
                                     : std::any_of(certificates.begin(), certificates.end(), other))
-        refuse_removal(
-            fmt::format("Another certificate has the identifier {} too, and would be removed.", id));
+        refuse_removal({"other-certificate-would-go", {{"id", id}}});
 }
 
 // Keys under the identifier of a certificate that is gone are its own when they have its number.

@@ -6,9 +6,6 @@
 #include "host/holder.h"
 #include "host/old_certificate.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 #include <ctime>
 
@@ -19,7 +16,7 @@ constexpr std::time_t SOON = 10L * 60; // clocks differ
 
 struct Objection {
     std::string name;
-    std::string sentence;
+    Sentence sentence;
 };
 using Objections = std::vector<Objection>;
 
@@ -28,16 +25,15 @@ void object_to_dates(Objections& objections, const InstallPlan& plan, X509& cert
     const std::time_t now = std::time(nullptr);
     const std::time_t begins = begin_of(certificate).value_or(now);
     const std::time_t ends = end_of(certificate).value_or(0);
-    if (ends < now) objections.push_back(Objection{"expired", fmt::format("It ended on {}.", day_of(ends))});
+    if (ends < now) objections.push_back({"expired", {"has-ended", {{"ends", Moment{ends}}}}});
     if (!goes || !plan.old) return;
     const Certificate old = certificate_from(plan.old->der);
     const std::time_t old_ends = old ? end_of(*old).value_or(0) : 0;
     if (ends < old_ends)
-        objections.push_back(Objection{"ends-earlier", fmt::format("It ends on {}, before the old one ({}).",
-                                                                   day_of(ends), day_of(old_ends))});
-    if (begins > now + SOON)
         objections.push_back(
-            Objection{"starts-later", fmt::format("It does not begin before {}.", day_of(begins))});
+            {"ends-earlier", {"ends-before-old", {{"ends", Moment{ends}}, {"old_ends", Moment{old_ends}}}}});
+    if (begins > now + SOON)
+        objections.push_back({"starts-later", {"begins-later", {{"begins", Moment{begins}}}}});
 }
 
 // Whose certificate the new one has to be; none when nothing on the card says it.
@@ -55,15 +51,21 @@ std::vector<Holder> holders(const InstallPlan& plan, const IssuedFiles& files, c
 void object_to_holder(Objections& objections, const std::vector<Holder>& known, const Holder& holder) {
     const auto same = [&](const Holder& one) { return same_holder(one, holder); };
     if (known.empty() || std::any_of(known.begin(), known.end(), same)) return;
-    objections.push_back(Objection{
-        "holder", fmt::format("It is for {}, and the card is of {}.", holder.shown, known.front().shown)});
+    objections.push_back(
+        {"holder", {"other-holder", {{"holder", holder.shown}, {"known", known.front().shown}}}});
 }
 
 void object_to_purpose(Objections& objections, const InstallPlan& plan, X509& certificate) {
     if (const std::string usage = missing_usage(certificate, plan.kind); !usage.empty())
-        objections.push_back(Objection{
-            "purpose", fmt::format("It is for another purpose: a {} certificate has the key usage {}.",
-                                   kind_name(plan.kind), usage)});
+        objections.push_back({"purpose", {"other-purpose", {{"kind", plan.kind}, {"usage", usage}}}});
+}
+
+// What is to be typed has no blanks in its list.
+std::string accept_option(const std::vector<std::string>& names) {
+    std::string option = "--accept ";
+    for (const std::string& name : names)
+        option += (&name == names.data() ? "" : ",") + name;
+    return option;
 }
 
 } // namespace
@@ -86,26 +88,23 @@ void refuse_worthless(const InstallWishes& wishes, const InstallPlan& plan, cons
     });
     if (objections.empty()) return;
     std::vector<std::string> names = wishes.accept;
-    std::string sentence = "The certificate is of no use here.";
-    for (const auto& [name, text] : objections) {
+    std::vector<Sentence> reasons;
+    for (const auto& [name, sentence] : objections) {
         names.push_back(name);
-        sentence += " " + text;
+        reasons.push_back(sentence);
     }
-    throw Error(Exit::refused, sentence,
-                Advice{"accept",
-                       fmt::format("Ask the authority. To install it all the same, give --accept {}.",
-                                   fmt::join(names, ",")),
-                       {{"accept", names}}});
+    throw Error(Exit::refused, {"certificate-of-no-use", {{"reasons", reasons}}},
+                Advice{"accept", {"accept-anyway", {{"option", accept_option(names)}}}, {{"accept", names}}});
 }
 
-std::string new_issuer(const InstallPlan& plan) {
+Sentence new_issuer(const InstallPlan& plan) {
     const Certificate now = certificate_from(plan.certificate);
     const Certificate before = plan.old ? certificate_from(plan.old->der) : Certificate();
     if (!now || !before ||
         X509_NAME_cmp(X509_get_issuer_name(now.get()), X509_get_issuer_name(before.get())) == 0)
         return {};
-    return fmt::format("Another authority issued it: {}; the old one was issued by {}.",
-                       issuer_of(*now).readable(), issuer_of(*before).readable());
+    return {"other-issuer",
+            {{"issuer", issuer_of(*now).readable()}, {"old_issuer", issuer_of(*before).readable()}}};
 }
 
 } // namespace zvhost

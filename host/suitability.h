@@ -13,6 +13,6 @@ void refuse_worthless(const InstallWishes& wishes, const InstallPlan& plan, cons
                       const CardView& view);
 
 // Tells who issued the new certificate when it was another than the old one's; empty when it was the same.
-[[nodiscard]] std::string new_issuer(const InstallPlan& plan);
+[[nodiscard]] Sentence new_issuer(const InstallPlan& plan);
 
 } // namespace zvhost

@@ -16,6 +16,12 @@ constexpr Row REQUEST_ROWS[] = {
     {"key-not-there", N_("The key of the certificate {id} is not on the card.")},
     {"left-of-pair", N_("Left on the card of a pair that is no longer whole: {left}. The card's own software "
                         "can remove it.")},
+    {"made-request",
+     N_("Request for the {kind} certificate {id}, with the new pair {pair}\nSubject: {subject}")},
+    {"made-request-again",
+     N_("Request for the {kind} certificate {id}, with the waiting pair {pair}\nSubject: {subject}")},
+    {"made-request-services",
+     N_("Request for the {kind} certificate {id}, with the card's own pair {pair}\nSubject: {subject}")},
     {"no-certificate-named", N_("There is no {kind} certificate {id} on the card.")},
     {"no-certificate-of-kind", N_("There is no {kind} certificate on the card.")},
     {"no-mark", N_("The card bears no mark of the request: the list will not show that it is under way.")},
@@ -53,6 +59,8 @@ constexpr Row REQUEST_ROWS[] = {
     {"request-cut", N_("The request came out too long and was cut.")},
     {"request-not-made", N_("The request could not be made{reason}.")},
     {"request-of-other-pair", N_("The request came out for another pair than {pair}.")},
+    {"request-saved", N_("Saved as {file}")},
+    {"request-saved-before", N_("It is there already, as {file}")},
     {"request-without-new-pair", N_("Repeat the request without --new-pair.")},
     {"send-request", N_("Send it to the authority. When the certificate comes:\n"
                         "  zvrenew install CERTIFICATE --request {file}")},

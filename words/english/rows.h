@@ -20,6 +20,7 @@ Rows card_rows();
 Rows command_line_rows();
 Rows doctor_rows();
 Rows install_rows();
+Rows list_rows();
 Rows pin_rows();
 Rows plan_rows();
 Rows remove_rows();
