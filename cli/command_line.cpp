@@ -110,6 +110,8 @@ void add_commands(CLI::App& app, Invocation& chosen) {
                 "Tells by the exit code which certificates end soon or have ended (asks for no PIN)",
                 run_status, {STATUS_EXITS});
     add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
+    add_command(app, chosen, "remind",
+                "Shows a desktop notification for what ends soon or has ended (needs no card)", run_remind);
     add_command(
         app, chosen, "renew",
         "Renews a certificate: request, authority, installation, proof; goes on where it was broken off",

@@ -11,6 +11,7 @@ namespace cli {
 [[nodiscard]] Report run_doctor(const DoctorOptions& options);
 [[nodiscard]] Report run_status(const StatusOptions& options);
 [[nodiscard]] Report run_list(const ListOptions& options);
+[[nodiscard]] Report run_remind(const RemindOptions& options);
 [[nodiscard]] Report run_free_id(const CardOptions& options);
 [[nodiscard]] Report run_request(const RequestOptions& options);
 [[nodiscard]] Report run_renew(const RenewOptions& options);

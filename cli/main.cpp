@@ -9,6 +9,7 @@
 #include "cli/spoken.h"
 #include "cli/twin_programs.h"
 #include "host/error.h"
+#include "host/journal.h"
 #include "host/log_folder.h"
 #include "host/printable.h"
 #include "words/words.h"
@@ -131,7 +132,9 @@ int start(int argc, char** argv) {
         if (const Sentence problem = make_log_folder(); !problem.empty()) note(problem);
     }
     loadErrorCodes();
-    return static_cast<int>(run(invocation));
+    const Exit exit = run(invocation);
+    if (const Sentence problem = journal_problem(); !problem.empty()) note(problem);
+    return static_cast<int>(exit);
 }
 
 } // namespace

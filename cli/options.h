@@ -14,15 +14,19 @@ namespace cli {
 
 // The options of each command: what one is called, what it takes and what --help says of it stands beside its field.
 
-// What every command takes.
+inline void declare_json(OptionList& list, bool& json, std::string& language) {
+    list.flag("--json", json, "Print the result as JSON on standard output");
+    list.language("--lang", language);
+}
+
+// What every command takes that has to do with cards.
 struct CommonOptions {
     bool json = false;
     std::string language; // what is spoken was looked up before these texts were made
     CardChoice choice;
 
     void declare(OptionList& list) {
-        list.flag("--json", json, "Print the result as JSON on standard output");
-        list.language("--lang", language);
+        declare_json(list, json, language);
         list.text("--module-dir", "DIR", choice.module_dir,
                   "Folder of the cards' PKCS#11 modules (else this program's own, then the system's)");
     }
@@ -73,6 +77,21 @@ struct StatusOptions : ReaderOptions {
     void declare(OptionList& list) {
         ReaderOptions::declare(list);
         declare_days(list, days);
+    }
+};
+
+struct RemindOptions {
+    bool json = false;
+    std::string language;
+    int days = USUAL_DAYS;
+    bool enable = false;
+    bool disable = false;
+
+    void declare(OptionList& list) {
+        declare_json(list, json, language);
+        declare_days(list, days);
+        list.flag("--enable", enable, "Have this run by itself from now on (else only this once)");
+        list.flag("--disable", disable, "Have it run by itself no longer");
     }
 };
 

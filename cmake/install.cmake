@@ -52,6 +52,23 @@ install(FILES ${man}/zvcrypt.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COM
 install(FILES ${man}/zvRenew.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
 install(FILES ${man}/zvsimcard-tool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simcard EXCLUDE_FROM_ALL)
 
+# The reminders' timer and the desktop's entry; both are off until a user turns them on. They name the program, and where
+# that is, is known when it is installed.
+function(zv_install_naming_program file folder)
+  set(program ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/zvrenew)
+  configure_file(packaging/remind/${file}.in ${PROJECT_BINARY_DIR}/${folder}/${file} @ONLY)
+  install(CODE "
+    set(program \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/zvrenew\")
+    configure_file(\"${PROJECT_SOURCE_DIR}/packaging/remind/${file}.in\"
+      \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}/${file}\" @ONLY)
+    list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${CMAKE_INSTALL_PREFIX}/${folder}/${file}\")" COMPONENT runtime)
+endfunction()
+if(NOT APPLE)
+  zv_install_naming_program(zvrenew-remind.service lib/systemd/user)
+  zv_install_naming_program(zvrenew-remind.timer lib/systemd/user)
+  zv_install_naming_program(zvrenew-remind.desktop ${CMAKE_INSTALL_DATADIR}/zvrenew)
+endif()
+
 set(completion packaging/completion)
 install(FILES ${completion}/zvrenew.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zvrenew
   COMPONENT runtime)

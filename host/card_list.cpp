@@ -3,6 +3,7 @@
 #include "host/about_card.h"
 #include "host/card_view.h"
 #include "host/listing.h"
+#include "host/remember.h"
 
 #include <ctime>
 
@@ -39,7 +40,9 @@ CardList list_card(const CardChoice& choice, PinSource& pin, int days) {
     OpenedCard card = open_card(choice, pin);
     return about_card(card, [&] {
         const CardView view = view_card(card);
-        CardList list = list_of(card.facts(), read_inventory(card, view), view, days);
+        const Inventory inventory = read_inventory(card, view);
+        remember_all(card.facts(), inventory, view);
+        CardList list = list_of(card.facts(), inventory, view, days);
         list.advice = advice_on(list);
         return list;
     });

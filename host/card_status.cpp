@@ -4,6 +4,7 @@
 #include "host/pin_gate.h"
 #include "host/place.h"
 #include "host/public_inventory.h"
+#include "host/remember.h"
 
 #include <algorithm>
 
@@ -35,8 +36,12 @@ void stop_if_hidden(const CardStatus& status) {
 }
 
 std::vector<Advice> advice_on(const CardStatus& status) {
-    std::vector<Advice> advice = advice_on(status.list);
-    if (status.list.card.services_card)
+    CardList list = status.list;
+    list.services_pending = status.services_pending;
+    std::vector<Advice> advice = advice_on(list);
+    if (status.services_pending)
+        advice.push_back(list_with_pin("services-request-by-journal"));
+    else if (status.list.card.services_card)
         advice.push_back(list_with_pin("services-request-hidden"));
     else if (status.exit == Exit::nothing_there)
         advice.push_back(list_with_pin("more-with-pin"));
@@ -50,6 +55,8 @@ CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>&
     const CardState state = card_state(place);
     facts = facts_of(place, state);
     CardStatus status = status_of(*facts, view_public(place, state), days);
+    status.services_pending = remember_shown(status.list, status.uncertified).is_pending(Kind::services);
+    if (status.services_pending && status.exit != Exit::expired) status.exit = Exit::under_way;
     status.list.advice = advice_on(status);
     return status;
 }

@@ -1,6 +1,7 @@
 #include "host/card_view.h"
 
 #include "host/error.h"
+#include "host/remember.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
@@ -231,6 +232,7 @@ CardNow card_now(OpenedCard& card) {
     kvFinalize();
     try {
         const CardView view = view_card(card);
+        remember_view(card.facts(), view);
         return {view, view.contents()};
     } catch (const Error& stop) {
         return {std::nullopt, {{}, stop.sentence, false}};

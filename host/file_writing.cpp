@@ -18,7 +18,7 @@ std::string folder_with_slash(const std::string& path) {
 }
 
 // Not every file system has something to do here; one that has and cannot did not take the file.
-int flushed(int fd) {
+int synced(int fd) {
     const bool nothing_to_do = ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP;
     return nothing_to_do ? 0 : errno;
 }
@@ -30,7 +30,7 @@ int write_whole(int fd, std::string_view text) {
         if (written <= 0) return written < 0 ? errno : EIO;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
-    return flushed(fd);
+    return synced(fd);
 }
 
 } // namespace
@@ -47,19 +47,19 @@ int make_file(const std::string& path, std::string_view text, mode_t mode) {
 int sync_folder_of(const std::string& path) {
     const int fd = ::open(folder_with_slash(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return 0;
-    const int error = flushed(fd);
+    const int error = synced(fd);
     ::close(fd);
     return error;
 }
 
-std::string draft_for(const std::string& path) {
+std::string draft_beside(const std::string& path) {
     std::string draft = folder_with_slash(path) + ".zvrenew-" + std::to_string(::getpid());
     ::unlink(draft.c_str());
     return draft;
 }
 
 int replace_file(const std::string& path, std::string_view text) {
-    const std::string draft = draft_for(path);
+    const std::string draft = draft_beside(path);
     if (const int error = make_file(draft, text, OWNER_ONLY); error != 0) return error;
     if (::rename(draft.c_str(), path.c_str()) == 0) return sync_folder_of(path);
     const int error = errno;

@@ -17,7 +17,7 @@ namespace zvhost {
 
 // A name beside that of a file, for this process alone; one that was killed may have left a file of that name, which is
 // removed.
-[[nodiscard]] std::string draft_for(const std::string& path);
+[[nodiscard]] std::string draft_beside(const std::string& path);
 
 // Puts a file that only its owner may read in the place of one that may be there: whole, or not at all.
 [[nodiscard]] int replace_file(const std::string& path, std::string_view text);

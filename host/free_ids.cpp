@@ -3,6 +3,7 @@
 #include "host/about_card.h"
 #include "host/inventory.h"
 #include "host/library_text.h"
+#include "host/remember.h"
 #include "zvRenew.h"
 
 #include <algorithm>
@@ -37,7 +38,9 @@ FreeId look_up(const Inventory& inventory, Kind kind, const std::string& key_tex
 
 FreeIds read_free(OpenedCard& card) {
     // The reading also tells the library where the modules are.
-    const Inventory inventory = read_inventory(card, view_card(card));
+    const CardView view = view_card(card);
+    const Inventory inventory = read_inventory(card, view);
+    remember_all(card.facts(), inventory, view);
     const KeyTexts keys = ask_library(card);
     FreeIds free{card.facts(), {}};
     for (const zv::KindRow& kind : zv::KINDS)

@@ -6,6 +6,7 @@
 #include "host/new_file.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
+#include "host/remember.h"
 #include "host/stored_back.h"
 #include "host/suitability.h"
 #include "zvRenew.h"
@@ -186,6 +187,7 @@ class PlannedInstall::Work {
     void plan() {
         const CardView before = view_card(card_);
         const Inventory inventory = read_inventory(card_, before, wishes_.backup);
+        remember_all(card_.facts(), inventory, before);
         if (const std::string id = stored_already(files_, inventory, before); !id.empty())
             throw because_stored(card_, files_, inventory, before, id);
         plan_ = plan_install(wishes_, files_, card_, inventory, before);

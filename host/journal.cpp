@@ -2,7 +2,9 @@
 
 #include "host/file_writing.h"
 #include "host/journal_file.h"
+#include "host/journal_problem.h"
 #include "host/journal_text.h"
+#include "host/user_folders.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -34,6 +36,11 @@ const RememberedRenewal* RememberedCard::renewal(zv::Kind kind) const {
     return found == renewals.end() ? nullptr : &*found;
 }
 
+bool RememberedCard::is_pending(zv::Kind kind) const {
+    return std::any_of(pending.begin(), pending.end(),
+                       [&](const RememberedPair& pair) { return pair.kind == kind; });
+}
+
 void RememberedCard::set_renewal(RememberedRenewal renewal) {
     end_renewal(renewal.kind);
     renewals.push_back(std::move(renewal));
@@ -43,7 +50,9 @@ void RememberedCard::end_renewal(zv::Kind kind) {
     std::erase_if(renewals, [&](const RememberedRenewal& one) { return one.kind == kind; });
 }
 
-Journal::Journal() : folder_(users_journal_folder()) {}
+Journal::Journal() : folder_(state_folder()) {
+    if (!folder_.empty()) folder_ += "/zvrenew";
+}
 
 RememberedCard Journal::card(const std::string& serial) const {
     return remembered_in(folder_ + "/" + journal_file_of(serial), serial);
@@ -76,8 +85,8 @@ std::optional<std::chrono::milliseconds> key_pair_took(const std::string& card_s
     return Journal().card(card_serial).key_pair_took;
 }
 
-int remember_key_pair_took(const std::string& card_serial, std::chrono::milliseconds took) {
-    return Journal().change(card_serial, [&](RememberedCard& card) { card.key_pair_took = took; });
+void remember_key_pair_took(const std::string& card_serial, std::chrono::milliseconds took) {
+    note_journal(Journal().change(card_serial, [&](RememberedCard& card) { card.key_pair_took = took; }));
 }
 
 } // namespace zvhost

@@ -1,14 +1,12 @@
 #include "host/journal_file.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <thread>
@@ -21,16 +19,6 @@ constexpr std::string_view ENDING = ".json";
 constexpr int MOST_WAITS = 200;
 constexpr std::chrono::milliseconds WAIT{10};
 
-// The environment belongs to the caller, not to the owner of a set-user-id program.
-std::string state_home_given() {
-#ifdef __GLIBC__
-    const char* value = ::secure_getenv("XDG_STATE_HOME");
-#else
-    const char* value = ::issetugid() != 0 ? nullptr : std::getenv("XDG_STATE_HOME");
-#endif
-    return value != nullptr && value[0] == '/' ? value : "";
-}
-
 bool is_plain(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '_';
 }
@@ -41,14 +29,6 @@ int hex_digit(char c) {
 }
 
 } // namespace
-
-// As for the log, the home is the one that the user database has.
-std::string users_journal_folder() {
-    if (const std::string given = state_home_given(); !given.empty()) return given + "/zvrenew";
-    const passwd* entry = ::getpwuid(::getuid());
-    if (entry == nullptr || entry->pw_dir == nullptr || entry->pw_dir[0] != '/') return {};
-    return std::string(entry->pw_dir) + "/.local/state/zvrenew";
-}
 
 int make_private_folder(const std::string& folder) {
     if (folder.empty()) return ENOENT;

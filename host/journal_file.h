@@ -7,9 +7,6 @@ namespace zvhost {
 
 // The folder of the journal, and who may write in it.
 
-// Where the user's journal is; empty without a home.
-[[nodiscard]] std::string users_journal_folder();
-
 // Makes the folder, and those above it, for the user alone. @return 0, or the system's error number
 [[nodiscard]] int make_private_folder(const std::string& folder);
 

@@ -1,7 +1,7 @@
 #include "host/new_file.h"
 
 #include "host/error.h"
-#include "host/scoped_fd.h"
+#include "host/file_writing.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -21,40 +21,7 @@ constexpr mode_t READABLE_BY_OWNER = 0600;
 // More than a request or a few certificates need.
 constexpr std::size_t ROOM = 65536;
 
-int create(const std::string& path, mode_t mode) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-}
-
-std::string folder_of(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-}
-
-// Not every file system has something to do here; one that has and cannot did not take the file.
-int synced(int fd) {
-    const bool nothing_to_do = ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP;
-    return nothing_to_do ? 0 : errno;
-}
-
 // The functions below give 0, or the error that stopped them.
-
-int write_to(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(fd, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return written < 0 ? errno : EIO;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return synced(fd);
-}
-
-int make(const std::string& path, std::string_view text, mode_t mode) {
-    const ScopedFd file(create(path, mode));
-    if (!file) return errno;
-    const int error = write_to(file.get(), text);
-    if (error != 0) ::unlink(path.c_str());
-    return error;
-}
 
 bool rename_to_new(const char* from, const char* to) {
 #ifdef __APPLE__
@@ -70,22 +37,14 @@ int put(const std::string& from, const std::string& to, std::string_view text, m
     const bool linked = errno != EEXIST && ::link(from.c_str(), to.c_str()) == 0;
     const int error = linked ? 0 : errno;
     ::unlink(from.c_str());
-    return linked || error == EEXIST ? error : make(to, text, mode);
-}
-
-// One of that name was left by a process of this number that was killed.
-std::string draft_beside(const std::string& path) {
-    std::string draft = fmt::format("{}.zvrenew-{}", folder_of(path), ::getpid());
-    ::unlink(draft.c_str());
-    return draft;
+    return linked || error == EEXIST ? error : make_file(to, text, mode);
 }
 
 int make_whole(const std::string& path, std::string_view text, mode_t mode) {
     const std::string draft = draft_beside(path);
-    if (const int error = make(draft, text, mode); error != 0) return error;
+    if (const int error = make_file(draft, text, mode); error != 0) return error;
     if (const int error = put(draft, path, text, mode); error != 0) return error;
-    const ScopedFd folder(::open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder ? synced(folder.get()) : 0;
+    return sync_folder_of(path);
 }
 
 int try_place(const std::string& path) {
@@ -93,7 +52,7 @@ int try_place(const std::string& path) {
     if (::lstat(path.c_str(), &status) == 0) return EEXIST;
     if (errno != ENOENT) return errno;
     const std::string draft = draft_beside(path);
-    const int error = make(draft, std::string(ROOM, '\0'), READABLE_BY_OWNER);
+    const int error = make_file(draft, std::string(ROOM, '\0'), READABLE_BY_OWNER);
     ::unlink(draft.c_str());
     return error;
 }

@@ -262,7 +262,8 @@ class PlannedRenewal::Work {
         note_pair(made.pair);
         standing_.requested = true;
         standing_.waiting = made.pair;
-        RememberedRenewal renewal{kind(), made.pair, "requested", absolute(made.file), made.renews, {}, 0};
+        RememberedRenewal renewal{kind(), made.pair, RENEWAL_REQUESTED, absolute(made.file), made.renews,
+                                  {},     0};
         renewal.begun = std::time(nullptr);
         renewal.replaced_serial = serial_under(made.renews);
         for (const Candidate& one : standing_.certified)

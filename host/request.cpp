@@ -7,6 +7,7 @@
 #include "host/new_file.h"
 #include "host/planned_changes.h"
 #include "host/read_file.h"
+#include "host/remember.h"
 #include "host/request_files.h"
 #include "host/request_plan.h"
 #include "host/signed_request.h"
@@ -159,6 +160,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     void plan(std::optional<DistinguishedName> subject) {
         const CardView view = view_card(card_);
         const Inventory inventory = read_inventory(card_, view);
+        remember_all(card_.facts(), inventory, view);
         plan_ = plan_request(wishes_, inventory, view, std::move(subject));
         if (!output_.earlier.empty() && !is_done(output_, plan_, view)) NewFile refused(wishes_.out);
         seen_ = seen(view);
@@ -168,7 +170,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     [[nodiscard]] OpenedCard& card() { return card_; }
 
     [[nodiscard]] MadeRequest apply(Progress& progress) {
-        if (!output_.earlier.empty()) return told({});
+        if (!output_.earlier.empty()) return remembered(told({}));
         if (output_.file) NewFile still_free(wishes_.out);
         progress.changing();
         for (const Sentence& notice : seen_.notices)
@@ -180,7 +182,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         check_request(card_, plan_, text);
         if (wishes_.kind == Kind::services) check_mark(card_, progress);
         save(text);
-        MadeRequest made = told(output_.file ? "" : text);
+        MadeRequest made = remembered(told(output_.file ? "" : text));
         made.unsaid = [self = shared_from_this()](Error& error) { explain(self->card_, self->plan_, error); };
         return made;
     }
@@ -201,6 +203,13 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         } catch (const Error& error) {
             stop_failed(card_, plan_, error);
         }
+    }
+    [[nodiscard]] MadeRequest remembered(MadeRequest made) const {
+        std::error_code none;
+        const std::string file = made.file.empty() ? "" : std::filesystem::absolute(made.file, none).string();
+        remember_request(made.card, {made.kind, made.pair, RENEWAL_REQUESTED, file, made.renews,
+                                     plan_.old.serial, std::time(nullptr)});
+        return made;
     }
     [[nodiscard]] MadeRequest told(const std::string& text) const {
         MadeRequest made{card_.facts(),

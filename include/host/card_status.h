@@ -13,6 +13,9 @@ struct CardStatus {
     CardList list;
     std::vector<std::string> uncertified; // a card's first keys whose certificate does not show
     zv::ExitCode exit = zv::ExitCode::done;
+    // Of a services card, by this computer's journal: a request for its own certificate is under way, which the card does
+    // not show.
+    bool services_pending = false;
 };
 
 // Looks at a card without a login.

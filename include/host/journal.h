@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/sentence.h"
 #include "kinds.h"
 
 #include <chrono>
@@ -27,6 +28,9 @@ struct RememberedPair {
     std::string id;
 };
 
+// The first step of a renewal, which a request is.
+inline constexpr const char* RENEWAL_REQUESTED = "requested";
+
 // A renewal under way on a card: from the request until the new certificate is proved and the old one dealt with.
 struct RememberedRenewal {
     zv::Kind kind = zv::Kind::signature;
@@ -50,6 +54,8 @@ struct RememberedCard {
 
     // The renewal of that kind; null when none is under way.
     [[nodiscard]] const RememberedRenewal* renewal(zv::Kind kind) const;
+    // Whether a pair of that kind waits for its certificate.
+    [[nodiscard]] bool is_pending(zv::Kind kind) const;
     // Notes one in the place of what there was of its kind.
     void set_renewal(RememberedRenewal renewal);
     void end_renewal(zv::Kind kind);
@@ -83,7 +89,10 @@ class Journal {
 // How long a card took to make its last key pair, as this computer's journal knows; none when it does not.
 [[nodiscard]] std::optional<std::chrono::milliseconds> key_pair_took(const std::string& card_serial);
 
-// Remembers it. @return as Journal::change
-int remember_key_pair_took(const std::string& card_serial, std::chrono::milliseconds took);
+// Remembers it. What becomes of that, journal_problem tells.
+void remember_key_pair_took(const std::string& card_serial, std::chrono::milliseconds took);
+
+// Why this process could not write the journal. Each is told once: empty when there is nothing more to tell.
+[[nodiscard]] Sentence journal_problem();
 
 } // namespace zvhost

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""json_keys.py ROOT ZVRENEW TOOL KEYS NSS_WRAPPER: compares the keys that docs/json.md describes with those that the
+"""json_keys.py ROOT ZVRENEW TOOL KEYS NSS_WRAPPER NOTIFICATION_SERVICE: compares the keys that docs/json.md describes with those that the
 program prints, in both directions, and its list of advice with the program's sources."""
 import json
 import os
@@ -9,7 +9,7 @@ import subprocess
 import sys
 import tempfile
 
-root, zvrenew, tool, keys, wrapper = sys.argv[1:]
+root, zvrenew, tool, keys, wrapper, notification_service = sys.argv[1:]
 problems = []
 RESULTS = {"done": 0, "failed": 1, "refused": 2, "nothing due": 3,
            "due": 10, "expired": 11, "request under way": 12, "nothing on the card": 13}
@@ -53,8 +53,11 @@ class Desk:
         self.work.mkdir()
         (self.folder / "passwd").write_text(f"u:x:{os.getuid()}:{os.getgid()}::{folder}:/bin/sh\n")
         self.environment = {**os.environ, "LD_PRELOAD": wrapper, "NSS_WRAPPER_PASSWD": f"{folder}/passwd",
-                            "NSS_WRAPPER_GROUP": "/etc/group", "ZVSIMCARD_HOME": f"{folder}/cards", "HOME": folder,
+                            "NSS_WRAPPER_GROUP": "/etc/group", "ZVSIMCARD_HOME": f"{folder}/cards", "HOME": folder, "XDG_STATE_HOME": f"{folder}/state", "XDG_CONFIG_HOME": f"{folder}/configuration",
                             "ZVCRYPT_CONF": f"{folder}/conf", "ASAN_OPTIONS": "verify_asan_link_order=0"}
+        # No session but one of its own: what is turned on by a test is not the user's.
+        self.environment.pop("DBUS_SESSION_BUS_ADDRESS", None)
+        self.environment["XDG_RUNTIME_DIR"] = folder
         self.pin = "12345678"
         self.printed, self.advised = set(), set()
 
@@ -71,12 +74,22 @@ class Desk:
         file = self.folder / "cards/card/card.ini"
         file.write_text(re.sub("capacity = .*", "capacity = 1", file.read_text()))
 
-    def run(self, line, rules="", environment=None, pin=True):
+    def session(self):
+        """What runs a command in a desktop session."""
+        (self.folder / "n.service").write_text("[D-BUS Service]\nName=org.freedesktop.Notifications\n"
+                                               f"Exec={notification_service} {self.folder}/shown\n")
+        (self.folder / "session.conf").write_text(
+            f"<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><servicedir>{self.folder}</servicedir>"
+            '<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/>'
+            '<allow own="*"/></policy></busconfig>')
+        return ["dbus-run-session", "--config-file", f"{self.folder}/session.conf", "--"]
+
+    def run(self, line, rules="", environment=None, pin=True, before=()):
         pin_file = self.folder / "pin"
         pin_file.write_text(self.pin)
         pin_file.chmod(0o600)
-        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["doctor"], ["status"], ["rehearse"]) else [])
-        done = subprocess.run([zvrenew, *arguments, "--json"], cwd=self.work, capture_output=True, stdin=subprocess.DEVNULL,
+        arguments = line.split() + (["--pin-file", str(pin_file)] if pin and line.split()[:1] not in (["readers"], ["doctor"], ["status"], ["rehearse"], ["remind"]) else [])
+        done = subprocess.run([*before, zvrenew, *arguments, "--json"], cwd=self.work, capture_output=True, stdin=subprocess.DEVNULL,
                               start_new_session=True, env={**self.environment, "ZVSIMCARD_RULES": rules, **(environment or {})})
         try:
             answer = json.loads(done.stdout)
@@ -89,7 +102,7 @@ class Desk:
             problems.append(f"{line}: {answer['result']} with exit code {code}")
         command = answer["command"]
         wanted = set(sections["Every answer"]) | sections.get(command, set())
-        if command not in (None, "readers", "doctor"):
+        if command not in (None, "readers", "doctor", "remind"):
             wanted |= sections["The card"]
         if "--dry-run" in line:
             wanted |= sections["With --dry-run"]
@@ -110,12 +123,17 @@ class Desk:
 
 
 def play(desk):
+    desk.run("remind --enable")
     desk.card("--days", "12")
     for line in ("readers", "readers --days 3", "status", "status --days 800", "status --reader none", "list", "list --help", "list --days 800", "free-id", "lost",
                  "list --reader none", "list --module-dir /", "install none", "install cards", "request authentication",
                  "request services", "request services --new-pair", "request signature --subject /C=ITA",
                  "request signature --certificate none", "request signature --out s --subject CN"):
         desk.run(line)
+    desk.run("remind")
+    desk.run("remind", before=desk.session())
+    desk.run("remind --disable")
+    desk.run("remind --enable --disable")
     desk.run("list", pin=False)
     desk.run("status", "C_FindObjectsInit:1:answer:0x30")
     desk.run("doctor --bundle b")

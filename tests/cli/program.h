@@ -102,7 +102,8 @@ class ProgramTest : public testing::Test {
 
     // What the shell is told to run zvrenew.
     [[nodiscard]] std::string command(const std::string& arguments, const std::string& rules = {}) const {
-        return "env LD_PRELOAD=" NSS_WRAPPER " ASAN_OPTIONS=verify_asan_link_order=0 NSS_WRAPPER_PASSWD=" +
+        return "env -u XDG_STATE_HOME -u XDG_CONFIG_HOME LD_PRELOAD=" NSS_WRAPPER
+               " ASAN_OPTIONS=verify_asan_link_order=0 NSS_WRAPPER_PASSWD=" +
                passwd().string() + " NSS_WRAPPER_GROUP=/etc/group ZVSIMCARD_TRACE=" + trace().string() +
                " ZVSIMCARD_RULES='" + rules + "' " ZVRENEW " " + arguments;
     }

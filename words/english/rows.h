@@ -23,6 +23,7 @@ Rows install_rows();
 Rows list_rows();
 Rows pin_rows();
 Rows plan_rows();
+Rows remind_rows();
 Rows remove_rows();
 Rows renew_rows();
 Rows request_rows();

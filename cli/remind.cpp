@@ -1,0 +1,70 @@
+#include "cli/card_json.h"
+#include "cli/commands.h"
+#include "cli/notification.h"
+#include "cli/reminder_switch.h"
+#include "host/reminders.h"
+#include "words/words.h"
+
+#include <nlohmann/json.hpp>
+
+#include <ctime>
+
+namespace cli {
+namespace {
+
+Error untold(const std::string& reason) {
+    return {Exit::failed, Sentence{"desktop-untold", {{"reason", reason}}},
+            Advice{"see-status", Sentence("see-status", {})}};
+}
+
+Json reminder_json(const Reminder& reminder, std::time_t now) {
+    const RememberedCertificate& one = reminder.certificate;
+    return {{"serial", reminder.card},
+            {"kind", kind_name(one.kind)},
+            {"id", one.id},
+            {"not_after", instant(one.ends)},
+            {"days_left", days_until(one.ends, now)},
+            {"request_under_way", reminder.under_way},
+            {"seen_at", instant(reminder.seen_at)}};
+}
+
+Report tell(const std::vector<Reminder>& found, std::time_t now) {
+    Desktop desktop;
+    Report report;
+    report.json["reminders"] = Json::array();
+    for (const Reminder& reminder : found) {
+        const Notification shown{words::of(reminder.title), words::of(reminder.says), reminder.ended};
+        if (const std::string problem = desktop.show(shown); !problem.empty()) throw untold(problem);
+        note_told(Journal(), reminder, now);
+        report.text += (report.text.empty() ? "" : "\n") + shown.body;
+        report.json["reminders"].push_back(reminder_json(reminder, now));
+    }
+    return report;
+}
+
+Report report_on_switch(const Switched& done) {
+    Report report;
+    report.text = words::of(done.says);
+    report.json = {{"reminders_by", or_null(done.by)}, {"file", or_null(done.file)}};
+    report.advice = done.advice;
+    return report;
+}
+
+} // namespace
+
+Report run_remind(const RemindOptions& options) {
+    if (options.enable && options.disable)
+        throw Error(Exit::refused, Sentence("enable-or-disable", {}),
+                    Advice{"help", Sentence("help", {})});
+    if (options.enable) return report_on_switch(turn_reminders_on());
+    if (options.disable) return report_on_switch(turn_reminders_off());
+    const std::time_t now = std::time(nullptr);
+    const std::vector<Reminder> found = reminders(Journal(), options.days, now);
+    if (!found.empty()) return tell(found, now);
+    Report report;
+    report.text = words::of(Sentence("nothing-to-remind-of", {}));
+    report.json["reminders"] = Json::array();
+    return report;
+}
+
+} // namespace cli

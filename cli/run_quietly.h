@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// Runs a program of the search path, which gets no input and whose output nobody sees.
+// @return whether it could be run and ended with 0
+[[nodiscard]] bool run_quietly(const std::vector<std::string>& command);
+
+} // namespace cli
