@@ -58,14 +58,9 @@ Json as_json(const AlreadyStored& found) {
 std::vector<Advice> explain_quotes(const std::string& text) {
     std::vector<Advice> advice;
     if (text.find("molvastra.ini") != std::string::npos)
-        advice.push_back(
-            {"quoted-file",
-             "The quoted text names molvastra.ini, a file that this program does not have: see instead what "
-             "the reader and the card say with: zvrenew readers"});
+        advice.push_back({"quoted-file", Sentence{"quoted-file", {}}});
     if (text.find("molvastra.exe") != std::string::npos)
-        advice.push_back(
-            {"quoted-program",
-             "By molvastra.exe the quoted text means this program: there is nothing else to restart."});
+        advice.push_back({"quoted-program", Sentence{"quoted-program", {}}});
     return advice;
 }
 
@@ -76,7 +71,7 @@ std::string in_words(const Report& report) {
     if (!report.advice_told)
         for (const Advice& one : report.advice)
             text += "\n" + words::of(one.says);
-    if (report.logged) text += "\nLog: " + log_path();
+    if (report.logged) text += "\n" + words::of(Sentence{"log-is", {{"log", log_path()}}});
     return text;
 }
 

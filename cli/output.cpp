@@ -4,7 +4,6 @@
 #include "host/error.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -26,9 +25,8 @@ bool open_standard_descriptors() {
 void print_out(const std::string& text) {
     errno = 0;
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
-    throw Error(Exit::failed,
-                fmt::format("Standard output does not take the answer ({}).", std::strerror(errno)),
-                Advice{"other-output", "Have it written elsewhere."});
+    throw Error(Exit::failed, Sentence{"output-full", {{"reason", std::strerror(errno)}}},
+                Advice{"other-output", Sentence{"output-elsewhere", {}}});
 }
 
 } // namespace cli

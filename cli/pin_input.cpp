@@ -6,7 +6,6 @@
 #include "words/words.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/select.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -132,21 +131,21 @@ Pin typed(int terminal, const std::string& prompt) {
 Pin pin_from_terminal(const std::string& reader) {
     const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
-        throw Error(Exit::refused, Sentence{"no-terminal", {}}, Advice{"pin-file", "Give --pin-file FILE."});
-    return typed(terminal.get(), fmt::format("PIN of the card in \"{}\": ", reader));
+        throw Error(Exit::refused, Sentence{"no-terminal", {}}, Advice{"pin-file", Sentence{"pin-file", {}}});
+    return typed(terminal.get(), words::of(Sentence{"pin-prompt", {{"reader", reader}}}));
 }
 
 void warn_when_others_can_read(int fd, const std::string& path) {
     struct stat status {};
     if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        note(fmt::format("Warning: others can read the PIN file {} (chmod 600 it).", path));
+        note(Sentence{"pin-file-open", {{"file", path}}});
 }
 
 Pin pin_from_file(const std::string& path) {
     const ScopedFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file)
         throw Error(Exit::refused,
-                    fmt::format("The PIN file {} cannot be read ({}).", path, std::strerror(errno)));
+                    Sentence{"pin-file-unread", {{"file", path}, {"reason", std::strerror(errno)}}});
     warn_when_others_can_read(file.get(), path);
     Pin pin;
     char c = 0;
@@ -168,7 +167,7 @@ std::optional<Pin> PinInput::at_once() {
 Pin PinInput::ask(const CardFacts& card) {
     if (const auto tries = card.state && card.state->pin ? tries_told(*card.state->pin) : Sentence();
         !tries.empty())
-        note(fmt::format("The card says that {}.", words::of(tries)));
+        note(Sentence{"pin-card-says", {{"tries", std::vector{tries}}}});
     return pin_from_terminal(card.reader);
 }
 

@@ -184,19 +184,16 @@ OnCard CardView::contents() const {
 void require_same_card(const Module& module, const CardState& state) {
     const CK_TOKEN_INFO token = module.token(state.slot);
     if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
-        throw Error(Exit::failed, "Another card is in the reader.",
-                    Advice{"insert-card", "Put the card back that the command began with."});
+        throw Error(Exit::failed, Sentence{"another-card", {}},
+                    Advice{"insert-card", Sentence{"insert-same-card", {}}});
 }
 
 void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
     for (const std::string& id : ids)
         if (view.private_keys(id) > 1)
-            throw Error(Exit::refused,
-                        "There are several private keys " + id +
-                            " on the card: which one is taken would be chance.",
+            throw Error(Exit::refused, Sentence{"keys-doubled", {{"id", id}}},
                         Advice{"doubled",
-                               "With the card's own software, remove the keys " + id +
-                                   " that no certificate is wanted for; then run the command again.",
+                               Sentence{"keys-doubled-advice", {{"id", id}}},
                                {{"remove", std::vector{id}}}});
 }
 

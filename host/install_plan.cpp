@@ -87,11 +87,11 @@ void refuse_ambiguous(const InstallPlan& plan, const CardView& view) {
 } // namespace
 
 IssuedFiles read_issued_files(const InstallWishes& wishes) {
-    if (is_request(read_file(wishes.certificate_file, "The file")))
+    if (is_request(read_file(wishes.certificate_file, "file")))
         throw Error(Exit::refused, {"request-for-certificate", {{"file", wishes.certificate_file}}});
     IssuedFiles files{certificates_in_file(wishes.certificate_file), {}, {}};
     if (wishes.request_file.empty()) return files;
-    const std::string request = read_file(wishes.request_file, "The request");
+    const std::string request = read_file(wishes.request_file, "request");
     files.request_key = modulus_of_request(request);
     files.signer = signer_of_request(request);
     if (files.request_key.empty())

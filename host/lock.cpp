@@ -69,22 +69,18 @@ int locker_of(int fd) {
 
 [[noreturn]] void refuse_second(int fd, const std::string& busy) {
     const int process = locker_of(fd);
-    const std::string who = process > 0 ? fmt::format(" (process {})", process) : "";
-    throw Error(Exit::refused, fmt::format("Another program{} {}.", who, busy),
+    const std::vector<Sentence> who =
+        process > 0 ? std::vector{Sentence{"busy-process", {{"process", long{process}}}}}
+                    : std::vector<Sentence>{};
+    throw Error(Exit::refused, Sentence{busy, {{"who", who}}},
                 Advice{"wait",
-                       "Run the command again when that one has ended.",
+                       Sentence{"run-when-ended", {}},
                        {{"process", process > 0 ? Value(long{process}) : Value()}}});
 }
 
 [[noreturn]] void refuse_unusable(const std::string& path, int error) {
-    throw Error(
-        Exit::refused,
-        fmt::format("The file {}, which keeps programs apart, cannot be used ({}).", path,
-                    std::strerror(error)),
-        Advice{"free-tmp",
-               fmt::format("See to it that files can be made in /tmp, and that nothing else is called {}.",
-                           path),
-               {{"file", path}}});
+    throw Error(Exit::refused, Sentence{"lock-unusable", {{"file", path}, {"reason", std::strerror(error)}}},
+                Advice{"free-tmp", Sentence{"free-name", {{"file", path}}}, {{"file", path}}});
 }
 
 ScopedFd acquire(const std::string& path, const std::string& busy) {

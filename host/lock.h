@@ -13,7 +13,7 @@ namespace zvhost {
 class Lock {
   public:
     // @param[in] name  part of the file's name
-    // @param[in] busy  what another program is at then, to end "Another program (process 12) "
+    // @param[in] busy  the sentence that says what another program is at then, with its {who}
     // @throws Error when another program has it, or when there can be no such file
     Lock(const std::string& name, const std::string& busy);
     Lock(Lock&& other) = default;

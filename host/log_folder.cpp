@@ -2,7 +2,6 @@
 
 #include "routines/diag.h"
 
-#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -26,7 +25,7 @@ Sentence make_log_folder() {
     const int reason = errno;
     struct stat status {};
     if (reason == EEXIST && stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
-    return fmt::format("There will be no log: {} cannot be made ({}).", folder, std::strerror(reason));
+    return Sentence{"no-log", {{"folder", folder}, {"reason", std::strerror(reason)}}};
 }
 
 } // namespace zvhost

@@ -3,8 +3,6 @@
 #include "host/error.h"
 #include "host/library_text.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -22,27 +20,29 @@ constexpr CK_ULONG LONGEST_SIGNATURE = 1024;
 
 using List = CK_FUNCTION_LIST;
 
-void require(CK_RV result, std::string_view what) {
+void require(CK_RV result, const char* what) {
     if (result == CKR_OK) return;
     const int code = result <= 0x7FFFFFFF ? static_cast<int>(result) : -1;
     forget_library_texts();
-    throw Error(Exit::failed, fmt::format("{} failed{}.", what, library_reason(code)));
+    throw Error(Exit::failed,
+                Sentence{"call-failed",
+                         {{"what", std::vector{Sentence{what, {}}}}, {"reason", library_reason(code)}}});
 }
 
 pkcs11::Module load(const std::string& path) {
     try {
         return pkcs11::Module(path, pkcs11::Mapped::until_exit);
     } catch (const pkcs11::NotLoaded& reason) {
-        throw Error(Exit::failed, fmt::format("The module {} cannot be loaded: {}.", path, reason.what()));
+        throw Error(Exit::failed, Sentence{"module-unloaded", {{"module", path}, {"reason", reason.what()}}});
     } catch (const pkcs11::NotAModule&) {
-        throw Error(Exit::failed, fmt::format("{} is no PKCS#11 module.", path));
+        throw Error(Exit::failed, Sentence{"module-none", {{"file", path}}});
     }
 }
 
 } // namespace
 
 Module::Module(const std::string& path) : loaded_(load(path)) {
-    require(call<&List::C_Initialize>(nullptr), "Starting the card's module");
+    require(call<&List::C_Initialize>(nullptr), "call-start");
 }
 
 Module::~Module() {
@@ -52,11 +52,11 @@ Module::~Module() {
 
 std::vector<CK_SLOT_ID> Module::slots() const {
     CK_ULONG count = 0;
-    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count), "Listing the slots");
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_FALSE}, nullptr, &count), "call-list");
     std::vector<CK_SLOT_ID> found(std::min(count, MOST_SLOTS));
     CK_ULONG filled = found.size();
     if (found.empty()) return found;
-    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_TRUE}, found.data(), &filled), "Listing the slots");
+    require(call<&List::C_GetSlotList>(CK_BBOOL{CK_TRUE}, found.data(), &filled), "call-list");
     if (filled < found.size()) found.resize(filled);
     return found;
 }
@@ -74,14 +74,13 @@ std::string Module::description(CK_SLOT_ID slot) const {
 
 CK_TOKEN_INFO Module::token(CK_SLOT_ID slot) const {
     CK_TOKEN_INFO info{};
-    require(call<&List::C_GetTokenInfo>(slot, &info), "Asking the card for its state");
+    require(call<&List::C_GetTokenInfo>(slot, &info), "call-ask");
     return info;
 }
 
 Session::Session(const Module& module, CK_SLOT_ID slot, Access access) : module_(module), slot_(slot) {
     const CK_FLAGS flags = CKF_SERIAL_SESSION | (access == Access::writing ? CKF_RW_SESSION : 0);
-    require(module_.call<&List::C_OpenSession>(slot, flags, nullptr, nullptr, &handle_),
-            "Opening a session with the card");
+    require(module_.call<&List::C_OpenSession>(slot, flags, nullptr, nullptr, &handle_), "call-open");
 }
 
 Session::~Session() {
@@ -93,11 +92,11 @@ void Session::log_in(Pin& pin) {
     auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
     const CK_RV result =
         module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
-    if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "The login");
+    if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "call-login");
 }
 
 std::vector<CK_OBJECT_HANDLE> Session::objects() const {
-    require(module_.call<&List::C_FindObjectsInit>(handle_, nullptr, CK_ULONG{0}), "Searching the card");
+    require(module_.call<&List::C_FindObjectsInit>(handle_, nullptr, CK_ULONG{0}), "call-search");
     std::vector<CK_OBJECT_HANDLE> found;
     CK_RV result = CKR_OK;
     CK_ULONG count = 0;
@@ -110,8 +109,8 @@ std::vector<CK_OBJECT_HANDLE> Session::objects() const {
         if (result == CKR_OK) found.insert(found.end(), some.begin(), some.begin() + count);
     } while (result == CKR_OK && count != 0);
     const CK_RV closed = module_.call<&List::C_FindObjectsFinal>(handle_);
-    require(result, "Searching the card");
-    require(closed, "Searching the card");
+    require(result, "call-search");
+    require(closed, "call-search");
     return found;
 }
 
@@ -135,7 +134,7 @@ Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const 
     Bytes value;
     const CK_RV result = read(object, type, value);
     if (result != CKR_ATTRIBUTE_SENSITIVE && result != CKR_ATTRIBUTE_TYPE_INVALID)
-        require(result, "Reading an object of the card");
+        require(result, "call-read");
     return value;
 }
 
@@ -145,14 +144,14 @@ Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE typ
 }
 
 void Session::destroy(CK_OBJECT_HANDLE object) {
-    require(module_.call<&List::C_DestroyObject>(handle_, object), "Removing an object from the card");
+    require(module_.call<&List::C_DestroyObject>(handle_, object), "call-remove");
 }
 
 void Session::create(std::vector<CK_ATTRIBUTE> attributes) {
     CK_OBJECT_HANDLE object = 0;
     require(
         module_.call<&List::C_CreateObject>(handle_, attributes.data(), CK_ULONG{attributes.size()}, &object),
-        "Storing an object on the card");
+        "call-store");
 }
 
 bool Session::last_try() const {
@@ -168,19 +167,19 @@ bool Session::takes(Pin& pin) const {
         if (result == refusal) return false;
     // The key wants nothing more, or its module knows no such login.
     if (result != CKR_USER_ALREADY_LOGGED_IN && result != CKR_USER_TYPE_INVALID)
-        require(result, "The login for a signature");
+        require(result, "call-signature-login");
     return true;
 }
 
 std::optional<Bytes> Session::sign(CK_OBJECT_HANDLE key, Bytes digest_info, Pin* pin) const {
     CK_MECHANISM mechanism{CKM_RSA_PKCS, nullptr, 0};
-    require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "Starting a signature");
+    require(module_.call<&List::C_SignInit>(handle_, &mechanism, key), "call-begin-signature");
     if (pin != nullptr && !takes(*pin)) return std::nullopt;
     Bytes signature(LONGEST_SIGNATURE);
     CK_ULONG length = signature.size();
     require(module_.call<&List::C_Sign>(handle_, digest_info.data(), CK_ULONG{digest_info.size()},
                                         signature.data(), &length),
-            "Signing with the card");
+            "call-sign");
     signature.resize(std::min<std::size_t>(length, signature.size()));
     return signature;
 }

@@ -4,7 +4,6 @@
 #include "host/installation.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
 #ifdef __APPLE__
 #include <mach-o/dyld.h>
 
@@ -82,16 +81,11 @@ fs::path folder_of_module(const std::string& module, const std::string& given) {
         if (!holds(folder, module)) continue;
         fs::path found = fs::absolute(folder).lexically_normal();
         if (found.native().size() > ZV_MODULE_DIR_MAX)
-            throw Error(
-                Exit::refused,
-                fmt::format("The module's folder has a path of more than {} characters.", ZV_MODULE_DIR_MAX));
+            throw Error(Exit::refused, Sentence{"module-folder-long", {{"most", long{ZV_MODULE_DIR_MAX}}}});
         return found;
     }
-    throw Error(Exit::refused,
-                fmt::format("The card needs the module {}, which is not in {}.", module, listed(folders)),
-                Advice{"module-dir",
-                       "Install the card maker's software, or say where the module is with --module-dir.",
-                       {{"module", module}}});
+    throw Error(Exit::refused, Sentence{"module-missing", {{"module", module}, {"folders", listed(folders)}}},
+                Advice{"module-dir", Sentence{"module-install", {}}, {{"module", module}}});
 }
 
 } // namespace zvhost

@@ -59,9 +59,9 @@ int try_place(const std::string& path) {
 
 [[noreturn]] void refuse(const std::string& path, int error) {
     if (error == EEXIST)
-        throw Error(Exit::refused, fmt::format("There is a file {} already.", path),
-                    Advice{"other-file", "Give another name, or move that file away.", {{"file", path}}});
-    throw Error(Exit::refused, fmt::format("The file {} cannot be made ({}).", path, std::strerror(error)));
+        throw Error(Exit::refused, Sentence{"file-there", {{"file", path}}},
+                    Advice{"other-file", Sentence{"file-other-name", {}}, {{"file", path}}});
+    throw Error(Exit::refused, Sentence{"file-unmade", {{"file", path}, {"reason", std::strerror(error)}}});
 }
 
 } // namespace
@@ -74,7 +74,7 @@ void NewFile::save(std::string_view text, For whom) const {
     const int error = make_whole(path_, text, whom == For::owner ? READABLE_BY_OWNER : READABLE_BY_ALL);
     if (error != 0)
         throw Error(Exit::failed,
-                    fmt::format("The file {} cannot be written ({}).", path_, std::strerror(error)));
+                    Sentence{"file-unwritten", {{"file", path_}, {"reason", std::strerror(error)}}});
 }
 
 } // namespace zvhost

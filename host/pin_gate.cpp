@@ -104,7 +104,7 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
                              {{"slot", static_cast<long>(state.slot)}, {"last", long{ZV_LAST_SLOT}}}});
     refuse_risky_try(state, source.final_try());
     std::optional<Lock> lock;
-    if (use == Use::changing) lock.emplace(lock_of(place, state), "is at work on this card");
+    if (use == Use::changing) lock.emplace(lock_of(place, state), "busy-card");
     Pin pin = early ? std::move(*early) : ask_pin(place, state, source);
     prove_pin(place, state, pin);
     return {std::move(place), std::move(state), std::move(pin), std::move(lock)};

@@ -67,7 +67,7 @@ void add_certified(Standing& standing, const CardView& view, Kind kind) {
 
 void read_request(Standing& standing, const CardView& view, const std::string& file) {
     if (!is_a_file(file)) return;
-    const std::string request = read_file(file, "The file");
+    const std::string request = read_file(file, "file");
     standing.signer = signer_of_request(request);
     const Bytes key = modulus_of_request(request);
     standing.requested = !standing.waiting.empty() && !key.empty() && key == view.modulus(standing.waiting);

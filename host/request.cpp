@@ -122,7 +122,7 @@ Output prepare_output(const RequestWishes& wishes) {
     Output output;
     if (wishes.out.empty()) return output;
     if (std::filesystem::is_regular_file(wishes.out) && wishes.subject.empty() && !wishes.new_pair)
-        output.earlier = modulus_of_request(read_file(wishes.out, "The file"));
+        output.earlier = modulus_of_request(read_file(wishes.out, "file"));
     if (output.earlier.empty()) output.file.emplace(wishes.out);
     return output;
 }

@@ -20,10 +20,10 @@ void refuse_obstacle(const std::string& path) {
     if (ours && replaced) return;
     const std::string owner = owner_of(status.st_uid);
     throw Error(Exit::refused,
-                fmt::format("{} is in the way: a {} of {}.", path,
-                            S_ISDIR(status.st_mode) ? "folder" : "file", owner),
+                Sentence{S_ISDIR(status.st_mode) ? "folder-in-the-way" : "file-in-the-way",
+                         {{"file", path}, {"owner", owner}}},
                 Advice{"remove-file",
-                       fmt::format("Have {} remove {}, or an administrator.", owner, path),
+                       Sentence{"have-removed", {{"owner", owner}, {"file", path}}},
                        {{"file", path}, {"owner", owner}}});
 }
 
@@ -32,14 +32,16 @@ void require_room() {
         NewFile trial(fmt::format(ZV_TEMP_FOLDER "/zvrenew-{}.trial", ::getpid()));
     } catch (const Error& stop) {
         throw Error(Exit::refused, {"no-temporary-files", {{"reason", std::vector{stop.sentence}}}},
-                    Advice{"free-tmp", "Make room in " ZV_TEMP_FOLDER ".", {{"file", ZV_TEMP_FOLDER}}});
+                    Advice{"free-tmp",
+                           Sentence{"make-room-in", {{"folder", ZV_TEMP_FOLDER}}},
+                           {{"file", ZV_TEMP_FOLDER}}});
     }
 }
 
 } // namespace
 
 Lock hold_request_files() {
-    Lock lock("request", "is making a request, and two would get into each other's temporary files");
+    Lock lock("request", "busy-requesting");
     for (const char* path : {ZV_REQUEST_FILE, ZV_SIGNED_FILE, ZV_BASE64_FILE})
         refuse_obstacle(path);
     require_room();

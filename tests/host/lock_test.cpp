@@ -13,22 +13,21 @@ using namespace zvhost;
 
 TEST(LockTest, LetsOneInAndSaysWho) {
     const std::string name = "test-" + std::to_string(::getpid()), path = "/tmp/zvrenew-" + name + ".lock";
-    std::optional<Lock> first(std::in_place, name, "is here");
+    std::optional<Lock> first(std::in_place, name, "busy-card");
     EXPECT_NE(::fcntl(100, F_GETFD), -1) << "modules close the lowest descriptors";
     try {
-        const Lock second(name, "is here");
+        const Lock second(name, "busy-card");
         ADD_FAILURE();
     } catch (const Error& stop) {
         EXPECT_EQ(stop.exit, Exit::refused);
 #ifndef __APPLE__
-        EXPECT_EQ(std::get<std::string>(stop.sentence.values.front().second),
-                  "Another program (process " + std::to_string(::getpid()) + ") is here.");
+        EXPECT_EQ(std::get<long>(stop.advice.front().values.front().second), long{::getpid()});
 #endif
     }
     EXPECT_TRUE(first->holds());
     ::unlink(path.c_str());
     EXPECT_FALSE(first->holds()) << "another could get in";
-    const Lock third(name, "is here");
+    const Lock third(name, "busy-card");
     first.reset();
     EXPECT_TRUE(third.holds()) << "the first left what is not its own";
     ::close(100);
