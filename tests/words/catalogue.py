@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """catalogue.py ROOT LANGUAGE: fails when a text that is told has no translation, or one with other places; when there is
-a translation of what nothing tells; when a sentence that the engine or the program tells has no row, or not one; when a row
-is told nowhere; and when the values that are told along are not the row's places."""
+a translation of what nothing tells; when a sentence that the engine or the program tells has no row, or not one; and when
+a row is told nowhere."""
 import pathlib
 import re
 import subprocess
@@ -67,6 +67,21 @@ def check_translations():
     return told
 
 
+def check_rows():
+    rows = [id for path in sources("words/english") for id in re.findall(r'{"([^"]+)",\s*N_\(', path.read_text())]
+    wrong.extend(f"{id}: has several rows" for id in sorted(set(rows)) if rows.count(id) > 1)
+    code = "\n".join(path.read_text() for path in sources("host", "cli"))
+    told = set(re.findall(r'Sentence{\s*"([^"]+)"', code)) - {"as-is"}
+    wrong.extend(f"{id}: is told and has no row" for id in sorted(told - set(rows)))
+    # Some are put together: "object-" and a word.
+    literals = set(re.findall(r'"([\w -]+)"', code))
+    parts = tuple(literal for literal in literals if re.fullmatch(r"[a-z]+(-[a-z]+)*-", literal))
+    ends = tuple(literal for literal in literals if re.fullmatch(r"(-[a-z]+)+", literal))
+    wrong.extend(f"{id}: has a row and is told nowhere" for id in rows
+                 if id not in literals and not id.startswith(parts) and not id.endswith(ends))
+
+
+check_rows()
 if len(check_translations()) < 50:
     wrong.append("too few texts were seen")
 print("\n".join(wrong))
