@@ -3,6 +3,7 @@
 #include "host/about_card.h"
 #include "host/inventory.h"
 #include "host/library_text.h"
+#include "host/refused_pin.h"
 #include "host/remember.h"
 #include "zvRenew.h"
 
@@ -25,7 +26,8 @@ KeyTexts ask_library(OpenedCard& card) {
                           return as_proposal(key.data()).none_free;
                       });
     if (code != ZV_OK && !full)
-        throw library_stop("identifiers-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}});
+        throw with_pin(card.pin, library_stop("identifiers-not-read", code,
+                                              Advice{"repeat", {"unchanged-try-again", {}}}));
     return keys;
 }
 

@@ -6,6 +6,7 @@
 #include "host/new_file.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
+#include "host/refused_pin.h"
 #include "host/remember.h"
 #include "host/stored_back.h"
 #include "host/suitability.h"
@@ -204,7 +205,7 @@ class PlannedInstall::Work {
         require_alone(card_);
         progress.step(Step({"step-store", {{"pair", plan_.pair}}}));
         if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK) {
-            Error error = library_stop("certificate-not-stored", code);
+            Error error = with_pin(card_.pin, library_stop("certificate-not-stored", code));
             undo_removal(progress);
             fail(backup, error);
         }

@@ -4,6 +4,7 @@
 #include "host/certificate_facts.h"
 #include "host/error.h"
 #include "host/library_text.h"
+#include "host/refused_pin.h"
 #include "zvRenew.h"
 
 #include <algorithm>
@@ -62,7 +63,8 @@ void read_with_library(OpenedCard& card, Reading& reading) {
         authentication.list.entries(), &services.pending, &signature.pending, &authentication.pending,
         signature.key.data(), authentication.key.data(), no_text, card.place.module_dir.c_str());
     if (code != ZV_OK)
-        throw library_stop("card-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}});
+        throw with_pin(card.pin,
+                       library_stop("card-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}}));
 }
 
 void add_certificates(Inventory& inventory, const CertificateList& list, Kind kind, bool marked) {

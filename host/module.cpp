@@ -2,6 +2,7 @@
 
 #include "host/error.h"
 #include "host/library_text.h"
+#include "host/refused_pin.h"
 
 #include <algorithm>
 #include <array>
@@ -92,6 +93,7 @@ void Session::log_in(Pin& pin) {
     auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
     const CK_RV result =
         module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
+    if (refuses_pin(result)) pin.refuse();
     if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "call-login");
 }
 
@@ -162,9 +164,7 @@ bool Session::takes(Pin& pin) const {
     auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
     const CK_RV result = module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_CONTEXT_SPECIFIC}, text,
                                                       CK_ULONG{pin.view().size()});
-    for (const CK_RV refusal :
-         {CKR_PIN_INCORRECT, CKR_PIN_INVALID, CKR_PIN_LEN_RANGE, CKR_PIN_EXPIRED, CKR_PIN_LOCKED})
-        if (result == refusal) return false;
+    if (refuses_pin(result)) return false;
     // The key wants nothing more, or its module knows no such login.
     if (result != CKR_USER_ALREADY_LOGGED_IN && result != CKR_USER_TYPE_INVALID)
         require(result, "call-signature-login");

@@ -31,6 +31,11 @@ void Pin::Release::operator()(Page* page) const {
     ::munmap(page, PAGE_SIZE);
 }
 
+char* Pin::text() {
+    if (page_->refused) throw Error(Exit::failed, Sentence("pin-refused-before", {}));
+    return page_->text.data();
+}
+
 void Pin::add(char c) {
     if (full())
         ++page_->dropped;

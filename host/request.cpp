@@ -7,6 +7,7 @@
 #include "host/new_file.h"
 #include "host/planned_changes.h"
 #include "host/read_file.h"
+#include "host/refused_pin.h"
 #include "host/remember.h"
 #include "host/request_files.h"
 #include "host/request_plan.h"
@@ -14,6 +15,7 @@
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
+#include <chrono>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -90,7 +92,7 @@ std::string ask_library(OpenedCard& card, const RequestPlan& plan, Kind kind) {
     forget_library_texts();
     const int code = create(result.data(), plan.pair.c_str(), card.pin.text(), key.data(),
                             plan.subject.oid_form().c_str(), plan.discard);
-    if (code != ZV_OK) stop_failed(card, plan, library_stop("request-not-made", code));
+    if (code != ZV_OK) stop_failed(card, plan, with_pin(card.pin, library_stop("request-not-made", code)));
     return {result.data(), strnlen(result.data(), result.size())};
 }
 
@@ -178,7 +180,9 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         require_alone(card_);
         progress.step(
             Step({plan_.reuse ? "step-request" : "step-keys", {{"pair", plan_.pair}}}, usual_time()));
+        const auto begun = std::chrono::steady_clock::now();
         const std::string text = ask_library(card_, plan_, wishes_.kind);
+        if (!plan_.reuse && wishes_.kind != Kind::services) remember_time(begun);
         check_request(card_, plan_, text);
         if (wishes_.kind == Kind::services) check_mark(card_, progress);
         save(text);
@@ -190,6 +194,11 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
   private:
     [[nodiscard]] std::optional<std::chrono::milliseconds> usual_time() const {
         return plan_.reuse ? std::nullopt : Journal().card(card_.state.serial).key_pair_took;
+    }
+    void remember_time(std::chrono::steady_clock::time_point begun) const {
+        const auto took = std::chrono::steady_clock::now() - begun;
+        (void)remember_key_pair_took(card_.state.serial,
+                                     std::chrono::duration_cast<std::chrono::milliseconds>(took));
     }
     [[nodiscard]] Plan seen(const CardView& view) const {
         if (!output_.earlier.empty()) return unchanged(card_.facts(), view);

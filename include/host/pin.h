@@ -21,8 +21,12 @@ class Pin {
     void remove_last();
     void wipe();
 
-    // The library takes PINs as writable texts, but never writes into them.
-    [[nodiscard]] char* text() { return page_->text.data(); }
+    // What is sent to a card. The library takes PINs as writable texts, but never writes into them.
+    // @throws Error when a card has refused it: it is not sent again
+    [[nodiscard]] char* text();
+    // A card has refused it.
+    void refuse() { page_->refused = true; }
+    [[nodiscard]] bool refused() const { return page_->refused; }
     [[nodiscard]] std::string_view view() const { return {page_->text.data(), page_->length}; }
     [[nodiscard]] bool full() const { return page_->length + 1 == page_->text.size(); }
     [[nodiscard]] bool overlong() const { return page_->dropped > 0 || page_->length > ZV_PIN_MAX; }
@@ -32,6 +36,7 @@ class Pin {
         std::array<char, 64> text{};
         std::size_t length = 0;
         std::size_t dropped = 0; // characters that found no room
+        bool refused = false;
     };
     struct Release {
         void operator()(Page* page) const;
