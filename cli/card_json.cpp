@@ -16,7 +16,8 @@ Json as_json(const CardFacts& card) {
 Json as_json(const CardState& state) {
     return {{"label", state.label},
             {"serial", state.serial},
-            {"pin", state.pin ? Json(word_for(*state.pin)) : Json()}};
+            {"pin", state.pin ? Json(word_for(*state.pin)) : Json()},
+            {"keypad", state.keypad}};
 }
 
 Json as_json(const OnCard& contents) {

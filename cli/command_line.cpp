@@ -42,7 +42,7 @@ constexpr const char* STEPS = N_(R"(A renewal:
 
   zvrenew doctor                                 what is wrong, when something does not work
 
-The PIN is asked for at the terminal, or read from --pin-file; it is never an argument.
+The PIN is asked for at the terminal or by --pinentry, or read from --pin-file or --pin-fd; it is never an argument.
 )");
 
 constexpr const char* ABOUT_REMOVAL = N_(

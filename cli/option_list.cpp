@@ -1,5 +1,6 @@
 #include "cli/option_list.h"
 
+#include "cli/waiting.h"
 #include "words/language.h"
 
 #include <CLI/CLI.hpp>
@@ -19,6 +20,9 @@ std::string kind_number(std::string& word) {
     return "signature, authentication or services, not \"" + word + "\"";
 }
 
+// What --help shows in the place of a value that may be left out.
+constexpr const char* FOR_EVER = "SECONDS";
+
 } // namespace
 
 void OptionList::flag(const char* name, bool& field, const char* meaning) {
@@ -27,6 +31,26 @@ void OptionList::flag(const char* name, bool& field, const char* meaning) {
 
 void OptionList::text(const char* name, const char* shown, std::string& field, const char* meaning) {
     command_.add_option(name, field, words::tr(meaning))->type_name(shown);
+}
+
+void OptionList::descriptor(const char* name, int& field, const char* meaning) {
+    command_.add_option(name, field, words::tr(meaning))
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber.description(""));
+}
+
+void OptionList::wait(const char* name, std::function<bool(const Sentence&)>& field, const char* meaning) {
+    const auto take = [&field](const std::string& value) {
+        std::optional<std::chrono::seconds> longest;
+        if (value != FOR_EVER) longest = std::chrono::seconds(std::stoul(value));
+        field = waiting(longest);
+    };
+    const auto check = [](const std::string& value) {
+        const bool number = value.size() < 8 && value.find_first_not_of("0123456789") == std::string::npos;
+        return number || value == FOR_EVER ? std::string() : "a number of seconds, not \"" + value + "\"";
+    };
+    auto* option = command_.add_flag(fmt::format("{}{{{}}}", name, FOR_EVER));
+    option->description(words::tr(meaning))->check(CLI::Validator(check, ""))->each(take);
 }
 
 void OptionList::days(const char* name, int& field, const char* meaning) {

@@ -2,7 +2,9 @@
 
 #include "cli/engine.h"
 #include "host/kind.h"
+#include "host/sentence.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,9 @@ class OptionList {
     void flag(const char* name, bool& field, const char* meaning);
     // @param shown  what its value is called
     void text(const char* name, const char* shown, std::string& field, const char* meaning);
+    void descriptor(const char* name, int& field, const char* meaning);
+    // Without a value: as long as it takes.
+    void wait(const char* name, std::function<bool(const Sentence&)>& field, const char* meaning);
     void days(const char* name, int& field, const char* meaning);
     // Some of the words that are known, separated by commas; they are added to the meaning.
     void words(const char* name, const char* shown, std::vector<std::string>& field,

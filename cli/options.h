@@ -51,17 +51,24 @@ struct ReaderOptions : CommonOptions {
         CommonOptions::declare(list);
         list.text("--reader", "NAME", choice.reader,
                   "Reader to use, its whole name (else the only one with a card)");
+        list.wait("--wait", choice.wait,
+                  "Wait for the reader and the card; --wait=SECONDS: for so long at most");
     }
 };
 
 // What a command takes that opens a card.
 struct CardOptions : ReaderOptions {
-    std::string pin_file; // empty: asked for at the terminal
+    // Where the PIN comes from; asked for at the terminal without any of them.
+    std::string pin_file;
+    int pin_fd = -1;
+    bool pinentry = false;
     bool final_try = false;
 
     void declare(OptionList& list) {
         ReaderOptions::declare(list);
         list.text("--pin-file", "FILE", pin_file, "Read the PIN from a file (else it is asked for)");
+        list.descriptor("--pin-fd", pin_fd, "Read the PIN from an open descriptor, one line");
+        list.flag("--pinentry", pinentry, "Have the program pinentry ask for the PIN");
         list.flag("--final-try", final_try, "Use the PIN even if it is the last try before the card locks");
     }
 };

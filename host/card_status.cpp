@@ -50,10 +50,7 @@ std::vector<Advice> advice_on(const CardStatus& status) {
 
 // What is known of the card is added to `facts` as soon as it is.
 CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>& facts) {
-    const Place place = find_place(choice);
-    facts = facts_of(place, {});
-    const CardState state = card_state(place);
-    facts = facts_of(place, state);
+    const auto [place, state] = find_card(choice, facts);
     CardStatus status = status_of(*facts, view_public(place, state), days);
     status.services_pending = remember_shown(status.list, status.uncertified).is_pending(Kind::services);
     if (status.services_pending && status.exit != Exit::expired) status.exit = Exit::under_way;

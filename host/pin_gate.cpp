@@ -2,6 +2,8 @@
 
 #include "host/error.h"
 #include "host/library_text.h"
+#include "host/missing.h"
+#include "host/refused_pin.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
@@ -44,7 +46,7 @@ Error wrong_pin(const Place& place, CardState state, const std::string& reason, 
     locked = locked || state.pin == PinState::locked;
     Error stop(
         Exit::failed, {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
-        locked ? Advice{"unlock", Sentence{"unlock", {}}} : Advice{"check-pin", Sentence{"check-pin", {}}});
+        locked ? Advice{"unlock", Sentence{"unlock", {}}} : check_pin());
     stop.tell_card(facts_of(place, std::move(state)));
     return stop;
 }
@@ -58,13 +60,15 @@ int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
     return kvFinalize();
 }
 
-void prove_pin(const Place& place, const CardState& state, Pin& pin) {
+void prove_pin(const Place& place, const CardState& state, Pin& pin, PinSource& source) {
     const int code = try_pin(place, state.slot, pin);
     if (code == ZVC_OK) return;
     const std::string reason = crypto_reason(code);
     kvFinalize();
-    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED)
+    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED) {
+        source.refused();
         throw wrong_pin(place, state, reason, code == ZVC_ERR_PIN_LOCKED);
+    }
     throw Error(Exit::failed, Sentence{"pin-unchecked", {{"reason", reason}}});
 }
 
@@ -94,10 +98,7 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
                           std::optional<CardFacts>& facts) {
     std::optional<Pin> early = source.at_once();
     if (early) check_pin_form(*early);
-    Place place = find_place(choice);
-    facts = facts_of(place, {});
-    CardState state = card_state(place);
-    facts = facts_of(place, state);
+    auto [place, state] = find_card(choice, facts);
     if (use == Use::changing && state.slot > ZV_LAST_SLOT)
         throw Error(Exit::refused,
                     Sentence{"slot-too-high",
@@ -106,7 +107,7 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
     std::optional<Lock> lock;
     if (use == Use::changing) lock.emplace(lock_of(place, state), "busy-card");
     Pin pin = early ? std::move(*early) : ask_pin(place, state, source);
-    prove_pin(place, state, pin);
+    prove_pin(place, state, pin, source);
     return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
 }
 
@@ -127,6 +128,7 @@ CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token) {
     state.serial = token_text(token.serialNumber, sizeof token.serialNumber);
     state.room = room_on(token);
     state.pin = pin_state(token.flags);
+    state.keypad = (token.flags & CKF_PROTECTED_AUTHENTICATION_PATH) != 0;
     return state;
 }
 
@@ -134,6 +136,20 @@ CardState card_state(const Place& place) {
     const Module module(place.module_path);
     const CK_SLOT_ID slot = slot_of(module, place.reader);
     return card_state(slot, module.token(slot));
+}
+
+FoundCard find_card(const CardChoice& choice, std::optional<CardFacts>& facts) {
+    const auto wait = choice.wait;
+    for (;;)
+        try {
+            const Place place = find_place(choice);
+            facts = facts_of(place, {});
+            const CardState state = card_state(place);
+            facts = facts_of(place, state);
+            return {place, state};
+        } catch (const Missing& missing) {
+            if (!wait || !wait(missing.sentence)) throw;
+        }
 }
 
 CardFacts facts_of(const Place& place, std::optional<CardState> state) {

@@ -18,6 +18,16 @@ namespace zvhost {
 // What it answered.
 [[nodiscard]] CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token);
 
+// A card that was found, and what it says of itself without a login.
+struct FoundCard {
+    Place place;
+    CardState state;
+};
+
+// Finds the card, or waits for it where the choice wants that. What is known of it is told in `facts` as soon as it is.
+// @throws Error
+[[nodiscard]] FoundCard find_card(const CardChoice& choice, std::optional<CardFacts>& facts);
+
 [[nodiscard]] CardFacts facts_of(const Place& place, std::optional<CardState> state);
 
 // A card whose PIN was proved right, and all that working with it needs.

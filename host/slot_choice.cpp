@@ -1,6 +1,6 @@
 #include "host/slot_choice.h"
 
-#include "host/error.h"
+#include "host/missing.h"
 #include "zvConstants.h"
 
 #include <algorithm>
@@ -38,8 +38,8 @@ CK_SLOT_ID choose_slot(const std::vector<NamedSlot>& slots, const std::string& r
             matching.emplace_back(slot.id, description.size());
     }
     if (matching.empty())
-        throw Error(Exit::failed, Sentence{"module-without-card", {{"reader", reader}}},
-                    Advice{"insert-card", Sentence{"insert-card-again", {}}});
+        throw Missing({Exit::failed, Sentence{"module-without-card", {{"reader", reader}}},
+                    Advice{"insert-card", Sentence{"insert-card-again", {}}}});
     const auto best = std::max_element(matching.begin(), matching.end(),
                                        [](const auto& a, const auto& b) { return a.second < b.second; });
     refuse_alike(serial_of, matching, best->second, reader);

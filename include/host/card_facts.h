@@ -15,6 +15,7 @@ struct CardState {
     std::string serial;
     std::optional<std::size_t> room; // bytes free for public objects; none when the card does not say
     std::optional<PinState> pin;     // none when the card could not be asked
+    bool keypad = false;             // the module says that PINs can be typed at the reader
 };
 
 // Which card an answer is about, as far as it is known.

@@ -43,6 +43,7 @@ const Field FIELDS[] = {
     {"memory_left", &Card::memory_left},
     {"pin_each_signature", TextField{&Card::pin_each_signature, UNBOUNDED}},
     {"signature_pin", TextField{&Card::signature_pin, UNBOUNDED}},
+    {"keypad", &Card::keypad},
 };
 
 std::string_view trimmed(std::string_view text) {

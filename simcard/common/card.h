@@ -31,6 +31,7 @@ struct Card {
     // Private keys whose CKA_ID begins so want the PIN before each signature; empty for none.
     std::string pin_each_signature;
     std::string signature_pin; // what those keys want; empty for the user's PIN
+    bool keypad = false; // the token's flags say that the reader has one; a PIN sent as text is taken as ever
     // Lines under other names, kept as they are.
     std::vector<std::pair<std::string, std::string>> others;
 

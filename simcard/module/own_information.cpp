@@ -75,6 +75,7 @@ CK_RV get_token_info(CK_SLOT_ID slot, CK_TOKEN_INFO_PTR info) {
     pad(info->serialNumber, card.serial);
     if (card.memory_left) info->ulFreePublicMemory = info->ulFreePrivateMemory = *card.memory_left;
     info->flags = (info->flags & ~ALL_USER_PIN_FLAGS) | user_pin_flags(card);
+    if (card.keypad) info->flags |= CKF_PROTECTED_AUTHENTICATION_PATH;
     return CKR_OK;
 }
 

@@ -29,5 +29,6 @@ Rows remind_rows();
 Rows remove_rows();
 Rows renew_rows();
 Rows request_rows();
+Rows waiting_rows();
 
 } // namespace words
