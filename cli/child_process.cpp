@@ -25,9 +25,9 @@ namespace {
 }
 
 // How the program is started: with the pipes, and with the signals as a program expects them.
-class Start {
+class ProgramStart {
   public:
-    Start(int input, int output) {
+    ProgramStart(int input, int output) {
         posix_spawn_file_actions_init(&files_);
         posix_spawn_file_actions_adddup2(&files_, input, STDIN_FILENO);
         posix_spawn_file_actions_adddup2(&files_, output, STDOUT_FILENO);
@@ -40,12 +40,12 @@ class Start {
         posix_spawnattr_setsigdefault(&attributes_, &signals);
         posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
-    ~Start() {
+    ~ProgramStart() {
         posix_spawn_file_actions_destroy(&files_);
         posix_spawnattr_destroy(&attributes_);
     }
-    Start(const Start&) = delete;
-    Start& operator=(const Start&) = delete;
+    ProgramStart(const ProgramStart&) = delete;
+    ProgramStart& operator=(const ProgramStart&) = delete;
 
     [[nodiscard]] int run(const std::string& program, pid_t& process) const {
         std::string name = program;
@@ -72,7 +72,7 @@ bool ends_soon(pid_t process) {
 } // namespace
 
 ChildProcess::ChildProcess(const std::string& program) {
-    const Start start(to_program_.from->get(), from_program_.to->get());
+    const ProgramStart start(to_program_.from->get(), from_program_.to->get());
     if (const int error = start.run(program, process_); error != 0) stop_at_start(program, error);
     to_program_.from.reset();
     from_program_.to.reset();

@@ -82,6 +82,17 @@ void translate(CLI::App& app) {
         app.get_formatter()->label(label, words::tr(label));
 }
 
+// Shows "--wait [=SECONDS]", a value that may be left out, in place of "--wait{SECONDS}".
+class Help : public CLI::Formatter {
+  public:
+    [[nodiscard]] std::string make_option_name(const CLI::Option* option, bool positional) const override {
+        std::string name = CLI::Formatter::make_option_name(option, positional);
+        const auto value = name.find('{');
+        if (value == std::string::npos) return name;
+        return name.substr(0, value) + " [=" + name.substr(value + 1, name.size() - value - 2) + "]";
+    }
+};
+
 // A command with its options, which live as long as the parser.
 template <class Options>
 CLI::App& add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
@@ -177,6 +188,7 @@ Invocation read_command_line(int argc, char** argv) {
     CLI::App app(words::tr(ABOUT), "zvrenew");
     Invocation chosen;
     std::string language;
+    app.formatter(std::make_shared<Help>());
     translate(app);
     app.set_version_flag("--version", ZV_VERSION, words::tr("Display program version information and exit"));
     OptionList(app).language("--lang", language);

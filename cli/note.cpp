@@ -1,5 +1,6 @@
 #include "cli/note.h"
 
+#include "cli/status_line.h"
 #include "host/printable.h"
 #include "words/words.h"
 
@@ -10,6 +11,7 @@
 namespace cli {
 
 void note(const std::string& line) {
+    clear_status_line();
     fmt::print(stderr, "{}\n", printable(line));
     (void)std::fflush(stderr);
 }

@@ -1,5 +1,6 @@
 #include "cli/progress_lines.h"
 
+#include "cli/ending_signals.h"
 #include "cli/note.h"
 #include "cli/signals.h"
 
@@ -11,6 +12,15 @@ void ProgressLines::notice(const Sentence& sentence) {
 
 void ProgressLines::changing() {
     hold_signals();
+}
+
+void ProgressLines::step(const Step& step) {
+    heartbeat_.reset();
+    heartbeat_.emplace(step.usual);
+}
+
+bool ProgressLines::cancelled() {
+    return told_to_end();
 }
 
 } // namespace cli

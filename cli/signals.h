@@ -2,7 +2,8 @@
 
 namespace cli {
 
-// Lets Ctrl-C, Ctrl-\, a hang-up and a request to terminate wait until the program ends by itself.
+// Lets Ctrl-C, Ctrl-\, a hang-up and a request to terminate wait until the step is done that the card is in. One that
+// comes is noticed, and answered at once that this is so.
 //
 // Called before the card is changed: a program that stops between the removal of a certificate and the installing of
 // its successor would leave neither. A module that never answers is ended with SIGKILL.

@@ -281,6 +281,7 @@ class PlannedRenewal::Work {
     bool hand_over(Progress& progress) {
         stop_if_cancelled(progress);
         pair_ = standing_.waiting;
+        progress.rests();
         const std::string file = authority_.ask(wishes_.request.out);
         if (file.empty()) return false;
         plan_installation(file);

@@ -33,6 +33,8 @@ class Progress {
     virtual void changing() {}
     // A step begins. It is over when the next one begins, or when the call returns.
     virtual void step(const Step& step) { (void)step; }
+    // No step is under way until the next one begins: the card rests, and what is waited for is somebody else.
+    virtual void rests() {}
     // Asked between two steps: whether to stop there. What was begun is never left half done.
     [[nodiscard]] virtual bool cancelled() { return false; }
 };

@@ -1,0 +1,89 @@
+// What is shown while the card works, at a terminal.
+#include "tests/cli/program.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <functional>
+
+#ifdef __APPLE__
+#include <util.h>
+#else
+#include <pty.h>
+#endif
+
+namespace {
+
+using zvtest::ProgramTest;
+namespace fs = std::filesystem;
+
+class ProgressProgramTest : public ProgramTest {
+  protected:
+    // What is done once a text has come.
+    struct Cue {
+        std::string text;
+        std::function<void(int terminal)> act;
+    };
+    struct Shown {
+        int code = -1;
+        std::string screen;
+
+        [[nodiscard]] bool has(const std::string& text) const {
+            return screen.find(text) != std::string::npos;
+        }
+    };
+
+    // Runs a command at a terminal of its own.
+    Shown at_terminal(const std::string& shell_command, const std::vector<Cue>& cues) {
+        int terminal = -1;
+        const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (child == 0) {
+            ::alarm(60);
+            ::execl("/bin/sh", "sh", "-c", ("cd " + work().string() + " && exec " + shell_command).c_str(),
+                    nullptr);
+            ::_exit(127);
+        }
+        Shown shown;
+        auto cue = cues.begin();
+        std::array<char, 512> piece{};
+        for (ssize_t got = 0; (got = ::read(terminal, piece.data(), piece.size())) > 0;) {
+            shown.screen.append(piece.data(), static_cast<std::size_t>(got));
+            for (; cue != cues.end() && shown.has(cue->text); ++cue)
+                cue->act(terminal);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ::close(terminal);
+        if (WIFEXITED(status)) shown.code = WEXITSTATUS(status);
+        return shown;
+    }
+    // A request whose keys the card looks for in a pipe, and makes when there is nothing in it.
+    [[nodiscard]] std::string request() const {
+        return "env ZVSIMCARD_KEYS=keys " +
+               command("request signature --out request --pin-file " + pin_file().string());
+    }
+    void let_card_go_on() const {
+        const int pipe = ::open(file("keys").c_str(), O_WRONLY | O_CLOEXEC);
+        fs::remove(file("keys"));
+        ::close(pipe);
+    }
+};
+
+TEST_F(ProgressProgramTest, AnswersCtrlCAtOnceAndStopsAfterTheStep) {
+    make_card();
+    ASSERT_EQ(::mkfifo(file("keys").c_str(), 0600), 0);
+    const Shown shown = at_terminal(
+        request(), {{"The card is at work", [](int terminal) { EXPECT_EQ(::write(terminal, "\x03", 1), 1); }},
+                    {"It stops when", [this](int /*terminal*/) { let_card_go_on(); }}});
+    EXPECT_EQ(shown.code, 0) << "the request was the card's last step: " << shown.screen;
+    EXPECT_TRUE(fs::exists(file("request")));
+    EXPECT_FALSE(shown.has("the last time"));
+
+    fs::remove(file("keys"));
+    EXPECT_TRUE(
+        at_terminal(command("request signature --new-pair --force --pin-file " + pin_file().string()), {})
+            .has("(the last time it took"));
+    EXPECT_FALSE(with_pin("request signature --new-pair --force").says("at work")) << "no terminal";
+}
+
+} // namespace
