@@ -1,6 +1,7 @@
 #!/bin/sh
 # headers.sh ROOT CXX CC [FLAG...]: fails when a header does not compile alone, or not twice in a row. A header that some
-# source file includes before anything else was compiled alone when that file was, and is left out.
+# source file includes before anything else is left out: it was compiled alone when that file was, or includes.py looks at it
+# where files are compiled together.
 set -eu
 cd "$1"
 cxx=$2 cc=$3
