@@ -56,8 +56,8 @@ class Pinentry {
         if (::access("/dev/tty", R_OK | W_OK) == 0) option("ttyname", "/dev/tty");
         option("ttytype", environment("TERM"));
         option("lc-ctype", character_set());
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience_.person).count();
-        (void)assuan_.ask("SETTIMEOUT", std::to_string(seconds), patience_.program);
+        const auto longest = std::chrono::duration_cast<std::chrono::seconds>(patience_.person).count();
+        (void)assuan_.ask("SETTIMEOUT", std::to_string(longest), patience_.program);
         (void)assuan_.ask("SETTITLE", "zvrenew", patience_.program);
     }
     // A question that is not shown gets no answer.

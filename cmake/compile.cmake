@@ -13,10 +13,11 @@ if(ZV_FUZZ)
   set(ZV_SANITIZE ON)
   target_compile_options(zv_compile INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-# Files compiled together see each other's file-wide names: too many of them for tests, and for clang++'s look at shadows.
+# Files compiled together see each other's file-wide names: too many of them for tests, for a whole library at once, and for
+# clang++'s look at shadows.
 define_property(TARGET PROPERTY ZV_SHADOWS INITIALIZE_FROM_VARIABLE ZV_SHADOWS)
 set(together $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
-set(shadows $<OR:$<BOOL:$<TARGET_PROPERTY:ZV_SHADOWS>>,$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>>)
+set(shadows $<OR:$<BOOL:${ZV_SANITIZE}>,$<BOOL:$<TARGET_PROPERTY:ZV_SHADOWS>>,$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>>)
 target_compile_options(zv_compile INTERFACE $<$<AND:${together},${shadows}>:-Wno-shadow>
   $<$<AND:${together},$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wno-subobject-linkage>)
 if(ZV_SANITIZE)
