@@ -23,13 +23,12 @@ constexpr char DEL = 127;
 class QuietTerminal {
   public:
     explicit QuietTerminal(int fd) : fd_(fd) {
-        if (tcgetattr(fd, &before_) != 0) throw Error(Exit::refused, "The terminal cannot be read.");
+        if (tcgetattr(fd, &before_) != 0) throw Error(Exit::refused, Sentence{"terminal-unread", {}});
         termios quiet = before_;
         quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON | ISIG);
         quiet.c_cc[VMIN] = 1;
         quiet.c_cc[VTIME] = 0;
-        if (tcsetattr(fd, TCSAFLUSH, &quiet) != 0)
-            throw Error(Exit::refused, "The terminal's echo cannot be switched off.");
+        if (tcsetattr(fd, TCSAFLUSH, &quiet) != 0) throw Error(Exit::refused, Sentence{"terminal-echo", {}});
     }
     ~QuietTerminal() { tcsetattr(fd_, TCSAFLUSH, &before_); }
     QuietTerminal(const QuietTerminal&) = delete;
@@ -74,8 +73,7 @@ Pin typed(int terminal, const std::string& prompt) {
 Pin pin_from_terminal(const std::string& prompt) {
     const ScopedFd terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
     if (!terminal)
-        throw Error(Exit::refused, "There is no terminal to ask for the PIN on.",
-                    Advice{"pin-file", Sentence("give-pin-otherwise", {})});
+        throw Error(Exit::refused, Sentence{"no-terminal", {}}, Advice{"pin-file", Sentence{"pin-file", {}}});
     return typed(terminal.get(), prompt);
 }
 

@@ -15,6 +15,7 @@ class KeptPin : public PinSource {
 
     [[nodiscard]] std::optional<Pin> at_once() override;
     [[nodiscard]] Pin ask(const CardFacts& card) override;
+    void refused() override { source_.refused(); }
     [[nodiscard]] bool final_try() const override { return source_.final_try(); }
 
     // The card that it was proved with: it goes to no other.

@@ -44,9 +44,9 @@ Sentence tries_left(std::optional<PinState> pin) {
 Error wrong_pin(const Place& place, CardState state, const std::string& reason, bool locked) {
     state.pin = pin_now(place, locked);
     locked = locked || state.pin == PinState::locked;
-    Error stop(
-        Exit::failed, {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
-        locked ? Advice{"unlock", Sentence{"unlock", {}}} : check_pin());
+    Error stop(Exit::failed,
+               {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
+               locked ? Advice{"unlock", Sentence{"unlock", {}}} : check_pin());
     stop.tell_card(facts_of(place, std::move(state)));
     return stop;
 }

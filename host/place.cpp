@@ -61,9 +61,9 @@ const Reader& the_one_named(const std::vector<Reader>& readers, const std::strin
     const auto found = std::find_if(readers.begin(), readers.end(),
                                     [&](const Reader& reader) { return reader.name == name; });
     if (found == readers.end())
-        throw Missing({Exit::refused,
-                    Sentence{"reader-unknown", {{"reader", name}, {"readers", names(readers)}}},
-                    Advice{"reader", Sentence{"reader-whole-name", {}}, {{"readers", names_of(readers)}}}});
+        throw Missing(
+            {Exit::refused, Sentence{"reader-unknown", {{"reader", name}, {"readers", names(readers)}}},
+             Advice{"reader", Sentence{"reader-whole-name", {}}, {{"readers", names_of(readers)}}}});
     return *found;
 }
 
@@ -92,7 +92,7 @@ void require_known_card(const Reader& reader) {
     if (!reader.module.empty()) return;
     if (!reader.card && reader.problem.empty())
         throw Missing({Exit::refused, Sentence{"no-card", {{"reader", reader.name}}},
-                    Advice{"insert-card", Sentence{"insert-card", {}}}});
+                       Advice{"insert-card", Sentence{"insert-card", {}}}});
     if (reader.state == "mute card") throw Missing(unusable(reader));
     throw unusable(reader);
 }
@@ -132,8 +132,8 @@ std::vector<Reader> list_readers() {
 Place find_place(const CardChoice& choice) {
     const std::vector<Reader> readers = list_readers();
     if (readers.empty())
-        throw Missing({Exit::refused, Sentence{"no-reader", {}},
-                    Advice{"plug-reader", Sentence{"plug-reader", {}}}});
+        throw Missing(
+            {Exit::refused, Sentence{"no-reader", {}}, Advice{"plug-reader", Sentence{"plug-reader", {}}}});
     const Reader& reader =
         choice.reader.empty() ? the_only_one(readers) : the_one_named(readers, choice.reader);
     require_known_card(reader);

@@ -39,7 +39,7 @@ CK_SLOT_ID choose_slot(const std::vector<NamedSlot>& slots, const std::string& r
     }
     if (matching.empty())
         throw Missing({Exit::failed, Sentence{"module-without-card", {{"reader", reader}}},
-                    Advice{"insert-card", Sentence{"insert-card-again", {}}}});
+                       Advice{"insert-card", Sentence{"insert-card-again", {}}}});
     const auto best = std::max_element(matching.begin(), matching.end(),
                                        [](const auto& a, const auto& b) { return a.second < b.second; });
     refuse_alike(serial_of, matching, best->second, reader);
