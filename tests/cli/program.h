@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 namespace zvtest {
@@ -59,6 +60,9 @@ inline nlohmann::json whole(const std::vector<std::string>& ids) {
 class ProgramTest : public testing::Test {
   protected:
     ProgramTest() {
+        // Folders of the user's own, which a test has no business in.
+        for (const char* name : {"XDG_STATE_HOME", "XDG_CONFIG_HOME"})
+            ::unsetenv(name);
         fs::create_directory(home());
         fs::create_directory(work());
         simcard::write_file(passwd(),
@@ -102,8 +106,7 @@ class ProgramTest : public testing::Test {
 
     // What the shell is told to run zvrenew.
     [[nodiscard]] std::string command(const std::string& arguments, const std::string& rules = {}) const {
-        return "env -u XDG_STATE_HOME -u XDG_CONFIG_HOME LD_PRELOAD=" NSS_WRAPPER
-               " ASAN_OPTIONS=verify_asan_link_order=0 NSS_WRAPPER_PASSWD=" +
+        return "env LD_PRELOAD=" NSS_WRAPPER " ASAN_OPTIONS=verify_asan_link_order=0 NSS_WRAPPER_PASSWD=" +
                passwd().string() + " NSS_WRAPPER_GROUP=/etc/group ZVSIMCARD_TRACE=" + trace().string() +
                " ZVSIMCARD_RULES='" + rules + "' " ZVRENEW " " + arguments;
     }
