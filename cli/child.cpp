@@ -25,6 +25,7 @@ sigset_t waited_for() {
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> list;
+    list.reserve(texts.size() + 1);
     for (const std::string& text : texts)
         list.push_back(const_cast<char*>(text.c_str()));
     list.push_back(nullptr);
@@ -85,7 +86,7 @@ int wait_for(pid_t child, int& status) {
     ::kill(-child, SIGKILL);
     int status = 0;
     ::waitpid(child, &status, 0);
-    ::raise(signal);
+    (void)::raise(signal);
     throw std::runtime_error("A signal ended the program.");
 }
 

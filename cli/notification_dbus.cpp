@@ -82,17 +82,17 @@ void append_arguments(DBusMessage* call, const Notification& notification) {
 
 // A connection of its own: the shared one would end the program along with the session.
 struct Desktop::Bus {
-    explicit Bus(DBusConnection* connection) : connection_(connection) {
-        dbus_connection_set_exit_on_disconnect(connection, FALSE);
+    explicit Bus(DBusConnection* opened) : connection(opened) {
+        dbus_connection_set_exit_on_disconnect(opened, FALSE);
     }
     ~Bus() {
-        dbus_connection_close(connection_);
-        dbus_connection_unref(connection_);
+        dbus_connection_close(connection);
+        dbus_connection_unref(connection);
     }
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
 
-    DBusConnection* connection_;
+    DBusConnection* connection;
 };
 
 Desktop::Desktop() {
@@ -110,7 +110,7 @@ std::string Desktop::show(const Notification& notification) {
     const Message call(dbus_message_new_method_call(SERVICE, OBJECT, SERVICE, "Notify"));
     append_arguments(call.get(), notification);
     BusError error;
-    const Message answer(dbus_connection_send_with_reply_and_block(bus_->connection_, call.get(),
+    const Message answer(dbus_connection_send_with_reply_and_block(bus_->connection, call.get(),
                                                                    LONGEST_NOTIFYING, error.get()));
     return answer ? std::string() : error.text();
 }

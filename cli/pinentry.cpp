@@ -28,7 +28,7 @@ std::string environment(const char* name) {
 
 std::string character_set() {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"})
-        if (const std::string value = environment(name); !value.empty()) return value;
+        if (std::string value = environment(name); !value.empty()) return value;
     return {};
 }
 
@@ -62,7 +62,8 @@ class Pinentry {
     }
     // A question that is not shown gets no answer.
     void show(const char* command, const std::string& text) {
-        if (!assuan_.ask(command, text, patience_.program).ok) throw Assuan::Failure::nonsense;
+        if (!assuan_.ask(command, text, patience_.program).ok)
+            throw Assuan::Failure{Assuan::Failure::nonsense};
     }
     [[nodiscard]] Pin pin() {
         Pin pin;

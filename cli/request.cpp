@@ -18,11 +18,11 @@ const char* with_which_pair(const MadeRequest& made) {
 }
 
 std::string in_words(const MadeRequest& made) {
-    const std::string text = words::of({with_which_pair(made),
-                                        {{"kind", made.kind},
-                                         {"id", made.renews},
-                                         {"pair", made.pair},
-                                         {"subject", made.subject.readable()}}});
+    std::string text = words::of({with_which_pair(made),
+                                  {{"kind", made.kind},
+                                   {"id", made.renews},
+                                   {"pair", made.pair},
+                                   {"subject", made.subject.readable()}}});
     if (made.file.empty()) return text;
     const char* saved = made.there_already ? "request-saved-before" : "request-saved";
     return text + "\n" + words::of({saved, {{"file", made.file}}});

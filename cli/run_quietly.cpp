@@ -42,6 +42,7 @@ bool ended_well(pid_t process) {
 
 bool run_quietly(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command)
         arguments.push_back(
             const_cast<char*>(word.c_str())); // NOLINT(cppcoreguidelines-pro-type-const-cast): the

@@ -33,7 +33,8 @@ std::string find_program(const std::string& name) {
     const char* path = std::getenv("PATH");
     std::stringstream folders(program_folder() + ":" + (path != nullptr ? path : ""));
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string file = folder + "/" + name;
+        std::string file = folder;
+        file.append("/").append(name);
         if (folder.starts_with('/') && ::access(file.c_str(), X_OK) == 0) return file;
     }
     return {};
@@ -66,7 +67,7 @@ std::string name_of(const std::string& setting) {
 } // namespace
 
 SimulatedCard find_simulated_card() {
-    const SimulatedCard found{find_program(TOOL), find_module(MODULE)};
+    SimulatedCard found{find_program(TOOL), find_module(MODULE)};
     if (found.tool.empty() || found.module.empty())
         throw Error(
             Exit::refused,

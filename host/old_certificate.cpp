@@ -65,6 +65,7 @@ std::optional<OldCertificate> last_of(const Objects& found) {
 // "--replace DS0 or --replace DS3"
 std::vector<Sentence> choices(const std::vector<std::string>& ids) {
     std::vector<Sentence> choices;
+    choices.reserve(ids.size());
     for (const std::string& id : ids)
         choices.push_back({choices.empty() ? "replace-this" : "or-replace-this", {{"id", id}}});
     return choices;

@@ -331,7 +331,7 @@ class PlannedRenewal::Work {
         Error error(Exit::failed, {"renewal-stopped", {}}, Advice{"repeat", {"renewal-again", {}}});
         error.about = standing_.card;
         error.card = standing_.now;
-        throw error;
+        throw Error(error);
     }
 
     void remember(const RememberedRenewal& renewal) {

@@ -18,7 +18,7 @@ Bytes name_der(const X509_NAME* name) {
 Bytes serial_der(const X509& certificate) {
     unsigned char* bytes = nullptr;
     const int size = i2d_ASN1_INTEGER(X509_get0_serialNumber(&certificate), &bytes);
-    const Bytes der(bytes, bytes + (size > 0 ? size : 0));
+    Bytes der(bytes, bytes + (size > 0 ? size : 0));
     OPENSSL_free(bytes);
     return der;
 }

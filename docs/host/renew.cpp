@@ -98,7 +98,8 @@ zvhost::Kind kind_of(std::string_view id) {
 }
 
 int renew(const std::string& modules, const std::string& authority_path, const std::string& id, bool remove) {
-    const zvhost::CardChoice choice{.reader = {}, .module_dir = modules};
+    zvhost::CardChoice choice;
+    choice.module_dir = modules;
     for (const zvhost::ReaderFacts& facts : zvhost::look_into_readers(modules).readers) // spends no try
         std::cout << facts.reader.name << ": " << facts.reader.state << '\n';
 

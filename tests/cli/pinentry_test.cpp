@@ -96,9 +96,9 @@ TEST_F(PinentryTest, TakesNoAnswerThatIsNone) {
 
 TEST_F(PinentryTest, DoesNotWaitForOneThatIsNoneOrNeverAnswers) {
     program = "/bin/cat";
-    EXPECT_THROW(cli::pin_from_pinentry("/bin/cat", card, {1ms, 1ms}), Error);
-    EXPECT_THROW(cli::pin_from_pinentry("/bin/true", card), Error);
-    EXPECT_THROW(cli::pin_from_pinentry(folder + "/none", card), Error);
+    EXPECT_THROW(static_cast<void>(cli::pin_from_pinentry("/bin/cat", card, {1ms, 1ms})), Error);
+    EXPECT_THROW(static_cast<void>(cli::pin_from_pinentry("/bin/true", card)), Error);
+    EXPECT_THROW(static_cast<void>(cli::pin_from_pinentry(folder + "/none", card)), Error);
 }
 
 } // namespace

@@ -11,7 +11,7 @@ class WaitProgramTest : public ProgramTest {
     // Waits for a card that is out, and does `then` when the program says that it waits. $waiting is its process.
     Outcome wait_and(const std::string& then) {
         EXPECT_EQ(tool("eject card").code, 0);
-        return shell("{ : >said; (exec timeout 60 " + command("status --wait") +
+        return shell("{ : >said; (exec timeout --foreground 60 " + command("status --wait") +
                      " 2>said) & waiting=$!; until grep -q Waiting said; do sleep 0.1; done; " + then +
                      "; wait $waiting; }");
     }
