@@ -1,0 +1,145 @@
+#include "host/standing.h"
+
+#include "host/certificate.h"
+#include "host/certificate_facts.h"
+#include "host/inventory.h"
+#include "host/planned_changes.h"
+#include "host/read_file.h"
+#include "host/signed_request.h"
+#include "zvConstants.h"
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+
+namespace zvhost {
+namespace {
+
+constexpr const char* RENEWAL_STORED = "stored"; // the new certificate is on the card, and was proved
+
+bool is_a_file(const std::string& file) {
+    std::error_code none;
+    return !file.empty() && std::filesystem::is_regular_file(file, none);
+}
+
+std::string absolute(const std::string& file) {
+    std::error_code none;
+    return std::filesystem::absolute(file, none).string();
+}
+
+std::string waiting_pair(const Inventory& inventory, Kind kind) {
+    if (kind == Kind::services) return inventory.services_pending ? ZV_OWN_PAIR : "";
+    const PendingPair* pending = inventory.pending_pair(kind);
+    return pending == nullptr ? "" : pending->id;
+}
+
+// From the card itself: a list that lacks one would leave it there unsaid.
+void add_certified(Standing& standing, const CardView& view) {
+    for (const CardObject& object : view.objects()) {
+        if (object.type != CKO_CERTIFICATE || view.find(CKO_PRIVATE_KEY, object.id) == nullptr ||
+            kind_of_certificate(object.id, standing.card.services_card) != standing.kind)
+            continue;
+        const Bytes der = without_padding(object.value);
+        standing.certified.push_back({object.id, serial_of(der), der});
+    }
+}
+
+void take_inventory(Standing& standing, const Inventory& inventory, int days) {
+    standing.waiting = waiting_pair(inventory, standing.kind);
+    if (const CertificateRecord* current = inventory.current(standing.kind)) {
+        standing.current = current->id;
+        standing.due = ends_within(current->ends, days, std::time(nullptr));
+    }
+    for (const RetiredPair& pair : inventory.retired)
+        standing.retired.push_back(pair.id);
+}
+
+void read_request(Standing& standing, const CardView& view, const std::string& file) {
+    if (!is_a_file(file)) return;
+    const std::string request = read_file(file, "file");
+    standing.signer = signer_of_request(request);
+    const Bytes key = modulus_of_request(request);
+    standing.requested = !standing.waiting.empty() && !key.empty() && key == view.modulus(standing.waiting);
+}
+
+} // namespace
+
+std::string Standing::card_serial() const {
+    return card.state ? card.state->serial : "";
+}
+
+const Candidate* Standing::certificate(const std::string& id) const {
+    const auto found =
+        std::find_if(certified.begin(), certified.end(), [&](const Candidate& one) { return one.id == id; });
+    return found == certified.end() ? nullptr : &*found;
+}
+
+std::string Standing::serial_under(const std::string& id) const {
+    const Candidate* found = certificate(id);
+    return found == nullptr ? "" : found->serial;
+}
+
+bool Standing::was_stored() const {
+    const bool due_again = due && remembered.pair == current;
+    return remembered.step == RENEWAL_STORED && !due_again && waiting.empty() &&
+           certificate(remembered.pair) != nullptr;
+}
+
+std::string Standing::old_of(const std::string& pair) const {
+    std::vector<Candidate> others = certified;
+    std::erase_if(others, [&](const Candidate& one) { return one.id == pair; });
+    const bool remembers = remembered.pair == pair;
+    for (const Candidate& one : others)
+        if ((!signer.empty() && one.der == signer) ||
+            (remembers && remembered.replaces == one.id && remembered.replaced_serial == one.serial))
+            return one.id;
+    if (remembers && std::find(retired.begin(), retired.end(), remembered.replaces) != retired.end())
+        return remembered.replaces;
+    return others.size() == 1 ? others.front().id : "";
+}
+
+void Standing::note_request(const MadeRequest& made) {
+    const auto is_there = [&](const Held& one) { return one.id == made.pair; };
+    if (std::none_of(now.held.begin(), now.held.end(), is_there))
+        now.held.push_back({made.pair, 0, true, true});
+    requested = true;
+    waiting = made.pair;
+    remembered = {kind,
+                  made.pair,
+                  RENEWAL_REQUESTED,
+                  absolute(made.file),
+                  made.renews,
+                  serial_under(made.renews),
+                  std::time(nullptr)};
+    if (const Candidate* renewed = certificate(made.renews)) signer = renewed->der;
+}
+
+void Standing::note_stored(const Installed& installed, const std::string& replaces) {
+    remembered.kind = kind;
+    remembered.pair = installed.pair;
+    remembered.step = RENEWAL_STORED;
+    remembered.replaces = replaces;
+    remembered.replaced_serial = serial_under(replaces);
+    now = installed.now;
+}
+
+Standing find_standing(const RenewalWishes& wishes, const CardChoice& choice, KeptPin& pin) {
+    OpenedCard card = open_card(choice, pin, Use::changing);
+    pin.bind(card.state.serial);
+    const CardView view = view_card(card);
+    const Inventory inventory = read_inventory(card, view, wishes.backup);
+    Standing standing;
+    standing.card = card.facts();
+    standing.now = view.contents();
+    standing.kind = wishes.request.kind;
+    standing.marked = view.marked_pending();
+    standing.nothing = unchanged(standing.card, view);
+    take_inventory(standing, inventory, wishes.request.days);
+    add_certified(standing, view);
+    read_request(standing, view, wishes.request.out);
+    const RememberedCard remembered = Journal().card(card.state.serial);
+    if (const RememberedRenewal* renewal = remembered.renewal(standing.kind)) standing.remembered = *renewal;
+    return standing;
+}
+
+} // namespace zvhost
