@@ -1,7 +1,7 @@
 #include "cli/authority.h"
 
-#include "cli/scoped_fd.h"
 #include "host/new_file.h"
+#include "host/scoped_fd.h"
 
 #include <fcntl.h>
 #include <spawn.h>

@@ -6,8 +6,8 @@
 #include "cli/pin_terminal.h"
 #include "cli/pinentry.h"
 #include "cli/read_char.h"
-#include "cli/scoped_fd.h"
 #include "host/error.h"
+#include "host/scoped_fd.h"
 #include "words/words.h"
 
 #include <fcntl.h>

@@ -2,8 +2,8 @@
 
 #include "cli/ending_signals.h"
 #include "cli/read_char.h"
-#include "cli/scoped_fd.h"
 #include "host/error.h"
+#include "host/scoped_fd.h"
 
 #include <fcntl.h>
 #include <termios.h>

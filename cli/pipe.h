@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cli/scoped_fd.h"
+#include "cli/engine.h"
+#include "host/scoped_fd.h"
 
 #include <array>
 #include <optional>

@@ -16,7 +16,7 @@ namespace zvcrypt {
 namespace {
 
 constexpr off_t LARGEST_TABLE = off_t{8} * 1024 * 1024;
-constexpr const char* SYSTEM_CONFIGURATION = ZV_SYSCONFDIR "/zvcrypt.conf";
+constexpr const char* SYSTEM_CONFIGURATION = ZV_SYSCONFDIR "/" ZVC_CONFIGURATION_FILE;
 
 // The environment belongs to the caller, not to the owner of a set-user-id program.
 std::string environment(const char* name) {
@@ -81,8 +81,9 @@ class TableFile {
 
 std::optional<std::string> user_configuration() {
     if (const std::string base = environment("XDG_CONFIG_HOME"); base.starts_with('/'))
-        return base + "/zvcrypt.conf";
-    if (const std::string home = environment("HOME"); !home.empty()) return home + "/.config/zvcrypt.conf";
+        return base + "/" ZVC_CONFIGURATION_FILE;
+    if (const std::string home = environment("HOME"); !home.empty())
+        return home + "/" ZVC_CONFIGURATION_HOME "/" ZVC_CONFIGURATION_FILE;
     return std::nullopt;
 }
 
@@ -92,7 +93,7 @@ bool exists(const std::string& path) {
 }
 
 std::optional<std::string> configuration_path() {
-    if (std::string named = environment("ZVCRYPT_CONF"); named == "/dev/null")
+    if (std::string named = environment(ZVC_CONFIGURATION_VARIABLE); named == "/dev/null")
         return std::nullopt;
     else if (!named.empty())
         return named;

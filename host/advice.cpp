@@ -1,5 +1,7 @@
 #include "host/advice.h"
 
+#include "host/card_table.h"
+
 namespace zvhost {
 
 std::vector<std::string> identifiers_of(Kind kind) {
@@ -37,9 +39,7 @@ Advice give_key_the_pin(const std::string& key) {
 }
 
 Advice enter_card() {
-    return {"add-card",
-            {"enter-card", {{"folder", ZV_SYSCONFDIR}}},
-            {{"files", std::vector<std::string>{"~/.config/zvcrypt.conf", ZV_SYSCONFDIR "/zvcrypt.conf"}}}};
+    return {"add-card", {"enter-card", {{"folder", ZV_SYSCONFDIR}}}, {{"files", card_table_places()}}};
 }
 
 Advice start_service() {

@@ -1,11 +1,12 @@
 #include "host/card_table.h"
 
+#include "host/environment.h"
+#include "zvCrypt.h"
+
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string_view>
@@ -13,17 +14,7 @@
 namespace zvhost {
 namespace {
 
-constexpr const char* SYSTEM_TABLE = ZV_SYSCONFDIR "/zvcrypt.conf";
-
-// As the crypto library reads it: another user's rights go with that user's environment.
-std::string variable(const char* name) {
-#ifdef __GLIBC__
-    const char* value = ::secure_getenv(name);
-#else
-    const char* value = ::issetugid() != 0 ? nullptr : std::getenv(name);
-#endif
-    return value == nullptr ? std::string() : std::string(value);
-}
+constexpr const char* SYSTEM_TABLE = ZV_SYSCONFDIR "/" ZVC_CONFIGURATION_FILE;
 
 bool is_there(const std::string& path) {
     struct stat status {};
@@ -31,16 +22,16 @@ bool is_there(const std::string& path) {
 }
 
 std::string users_table() {
-    if (const std::string base = variable("XDG_CONFIG_HOME"); base.starts_with('/'))
-        return base + "/zvcrypt.conf";
-    const std::string home = variable("HOME");
-    return home.empty() ? home : home + "/.config/zvcrypt.conf";
+    if (const std::string base = environment("XDG_CONFIG_HOME"); base.starts_with('/'))
+        return base + "/" ZVC_CONFIGURATION_FILE;
+    const std::string home = environment("HOME");
+    return home.empty() ? home : home + "/" ZVC_CONFIGURATION_HOME "/" ZVC_CONFIGURATION_FILE;
 }
 
 // Those that are there, the one that counts first.
 std::vector<std::string> table_files() {
     std::vector<std::string> files;
-    const std::string named = variable("ZVCRYPT_CONF");
+    const std::string named = environment(ZVC_CONFIGURATION_VARIABLE);
     if (!named.empty()) files.push_back(named);
     for (const std::string& file : {users_table(), std::string(SYSTEM_TABLE)})
         if (!file.empty() && is_there(file)) files.push_back(file);
@@ -114,6 +105,10 @@ CardTable read_card_table() {
     table.file = files.front();
     table.unread.assign(files.begin() + 1, files.end());
     return table;
+}
+
+std::vector<std::string> card_table_places() {
+    return {"~/" ZVC_CONFIGURATION_HOME "/" ZVC_CONFIGURATION_FILE, SYSTEM_TABLE};
 }
 
 const TableEntry* CardTable::entry_for(const std::string& atr) const {

@@ -29,4 +29,7 @@ struct CardTable {
 [[nodiscard]] CardTable read_card_table();
 [[nodiscard]] CardTable card_table_in(const std::string& text);
 
+// Where a person puts such a file: the user's own, the system's.
+[[nodiscard]] std::vector<std::string> card_table_places();
+
 } // namespace zvhost

@@ -10,10 +10,7 @@ namespace zvhost {
 namespace {
 
 Advice advise_to_add(const std::string& atr) {
-    return advise(
-        "add-card", "doctor-add-card",
-        {{"atr", atr},
-         {"files", std::vector<std::string>{"~/.config/zvcrypt.conf", ZV_SYSCONFDIR "/zvcrypt.conf"}}});
+    return advise("add-card", "doctor-add-card", {{"atr", atr}, {"files", card_table_places()}});
 }
 
 std::vector<std::string> names_in(std::string_view list) {

@@ -54,6 +54,11 @@
 
 #define ZVCRYPT_API __attribute__((visibility("default")))
 
+/** Of the configuration: the variable that names it, its file name, and the folder that it has in the user's home. */
+#define ZVC_CONFIGURATION_VARIABLE "ZVCRYPT_CONF"
+#define ZVC_CONFIGURATION_FILE "zvcrypt.conf"
+#define ZVC_CONFIGURATION_HOME ".config"
+
 #ifdef __cplusplus
 extern "C" {
 #endif

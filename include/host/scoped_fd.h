@@ -6,7 +6,7 @@
 
 namespace zvhost {
 
-// A file descriptor that is closed with its owner.
+// A file descriptor that is closed with its owner; a negative number stands for none. It can be moved, not copied.
 class ScopedFd {
   public:
     explicit ScopedFd(int fd) : fd_(fd) {}
