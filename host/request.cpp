@@ -41,7 +41,7 @@ std::vector<Sentence> request_notices(const RequestPlan& plan) {
     }
     if (plan.discard) note({"pair-discarded", {{"pair", plan.pair}}});
     if (!plan.wants_pin.empty()) note({"pair-may-want-pin", {{"key", plan.wants_pin}, {"pair", plan.pair}}});
-    note({"generating", {}});
+
     return notices;
 }
 
@@ -136,7 +136,7 @@ bool is_done(const Output& output, const RequestPlan& plan, const CardView& view
 
 Advice next_step(const MadeRequest& made) {
     const bool remove_old = made.kind == Kind::services;
-    const std::string file = made.file.empty() ? "REQUEST" : made.file;
+    const Value file = made.file.empty() ? Value(std::vector{Sentence{"the-request", {}}}) : Value(made.file);
     return {"install",
             {remove_old ? "send-request-services" : "send-request", {{"file", file}}},
             {{"kind", kind_name(made.kind)},
@@ -177,6 +177,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
         progress.changing();
         for (const Sentence& notice : seen_.notices)
             progress.notice(notice);
+        if (!plan_.reuse) progress.notice({"generating", {}});
         require_alone(card_);
         progress.step(
             Step({plan_.reuse ? "step-request" : "step-keys", {{"pair", plan_.pair}}}, usual_time()));

@@ -46,6 +46,7 @@ class PlanProgramTest : public ProgramTest {
     Json planned(const std::string& command) {
         std::map<std::string, int> objects = held();
         const Outcome dry = with_pin(command + " --dry-run --json");
+        EXPECT_FALSE(dry.says("is generating")) << dry.out;
         EXPECT_EQ(dry.code, 0) << dry.out;
         EXPECT_FALSE(dry.changed_card());
         Json plan = Json::parse(dry.out)["plan"];

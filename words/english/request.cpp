@@ -71,6 +71,7 @@ constexpr Row REQUEST_ROWS[] = {
      N_("The certificate {id} has expired: the authority may not take a request signed with it.")},
     {"signer-wants-pin", N_("The key {key} signs the request and wants the PIN for that: it is given the "
                             "card's. If it has a PIN of its own, that fails and costs one of its tries.")},
+    {"the-request", N_("REQUEST")},
 };
 
 } // namespace
