@@ -3,7 +3,6 @@
 #include "cli/engine.h"
 #include "host/error.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -18,7 +17,7 @@ PrivateFolder::PrivateFolder(const std::string& name) {
     const fs::path among = fs::temp_directory_path();
     std::string pattern = (among / (name + "-XXXXXX")).string();
     if (::mkdtemp(pattern.data()) == nullptr)
-        throw Error(Exit::failed, fmt::format("No folder can be made in {}.", among.string()));
+        throw Error(Exit::failed, {"no-folder-made", {{"folder", among.string()}}});
     path_ = pattern;
 }
 
@@ -30,8 +29,7 @@ PrivateFolder::~PrivateFolder() {
 void PrivateFolder::write(const std::string& name, const std::string& text) const {
     std::ofstream file(path_ / name, std::ios::binary);
     file << text;
-    if (!file.flush())
-        throw Error(Exit::failed, fmt::format("{} cannot be written.", (path_ / name).string()));
+    if (!file.flush()) throw Error(Exit::failed, {"file-unwritable", {{"file", (path_ / name).string()}}});
 }
 
 std::string PrivateFolder::read(const std::string& name) const {

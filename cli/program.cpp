@@ -105,7 +105,7 @@ Exit run(const Invocation& invocation) {
     } catch (const Error& stop) {
         return print_stop(invocation, stop);
     } catch (const std::exception& error) {
-        return print_stop(invocation, Error(Exit::failed, error.what()));
+        return print_stop(invocation, Error(Exit::failed, {"unexpected", {{"text", error.what()}}}));
     }
 }
 

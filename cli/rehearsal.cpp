@@ -21,6 +21,7 @@ Words renew_words(const RehearseOptions& options) {
     if (!options.certificate.empty()) words.insert(words.end(), {"--certificate", options.certificate});
     if (options.force) words.emplace_back("--force");
     if (options.remove_old) words.emplace_back("--remove-old");
+    if (!options.language.empty()) words.insert(words.end(), {"--lang", options.language});
     if (options.days != USUAL_DAYS) words.insert(words.end(), {"--days", std::to_string(options.days)});
     return words;
 }

@@ -1,10 +1,7 @@
 #include "cli/card_json.h"
 #include "cli/rehearsal.h"
+#include "words/words.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-#include <algorithm>
 #include <sstream>
 
 namespace cli {
@@ -12,9 +9,10 @@ namespace {
 
 // "certificate until 2027-01-31", "public key"
 std::string in_a_word(const Json& object) {
-    const std::string what = object.at("class");
-    return object.contains("ends") ? fmt::format("{} until {}", what, object.at("ends").get<std::string>())
-                                   : what;
+    const Sentence what("object-" + object.at("class").get<std::string>(), {});
+    if (!object.contains("ends")) return words::of(what);
+    return words::of(Sentence{"object-until",
+                              {{"what", std::vector{what}}, {"ends", object.at("ends").get<std::string>()}}});
 }
 
 std::string name_of_object(const Json& object) {
@@ -32,7 +30,7 @@ std::string contents_in_words(const Json& objects) {
     }
     std::string text;
     for (const auto& [name, held] : names)
-        text += fmt::format("\n  {}: {}", name, fmt::join(held, ", "));
+        text += "\n" + words::of(Sentence{"twin-holds", {{"id", name}, {"held", held}}});
     return text;
 }
 
@@ -44,40 +42,44 @@ std::string set_in(const std::string& text) {
     return all;
 }
 
-std::string outcome_of(int exit) {
-    if (exit == static_cast<int>(Exit::under_way)) return "the request is made";
-    return exit == 0 ? "done" : fmt::format("ends with exit code {}", exit);
+Sentence outcome_of(int exit) {
+    if (exit == static_cast<int>(Exit::under_way)) return {"rehearsed-request-made", {}};
+    return exit == 0 ? Sentence{"rehearsed-done", {}} : Sentence{"rehearsed-exit", {{"code", long{exit}}}};
 }
 
 std::string step_in_words(const RehearsedStep& step) {
-    const std::string what = step.command.empty() ? "The authority (a simulated one) answers" : step.command;
-    return fmt::format("\n{}: {}{}", what, outcome_of(step.result.exit), set_in(step.result.text));
+    const std::string what =
+        step.command.empty() ? words::of(Sentence{"rehearsed-authority", {}}) : step.command;
+    return "\n" + what + ": " + words::of(outcome_of(step.result.exit)) + set_in(step.result.text);
 }
 
-std::string room_in_words(const std::optional<std::size_t>& bytes) {
-    return bytes ? fmt::format("The card says that {} bytes are free: so many has the twin.", *bytes)
-                 : "The card does not say how much room it has: the twin has any.";
+Sentence room_of(const std::optional<std::size_t>& bytes) {
+    return bytes ? Sentence{"twin-has-room", {{"bytes", static_cast<long>(*bytes)}}}
+                 : Sentence{"twin-has-any-room", {}};
 }
 
 std::string verdict(const Rehearsal& rehearsal) {
-    if (rehearsal.exit() == Exit::nothing_due) return "Nothing is due, so nothing was renewed.";
-    return rehearsal.exit() == Exit::done ? "The renewal would go through."
-                                          : "The renewal would not go through.";
+    if (rehearsal.exit() == Exit::nothing_due) return words::of(Sentence{"rehearsed-nothing-due", {}});
+    return words::of(rehearsal.exit() == Exit::done ? Sentence{"would-go-through", {}}
+                                                    : Sentence{"would-not-go-through", {}});
+}
+
+Sentence heading(const CardFacts& card) {
+    return {"rehearsed-on-twin",
+            {{"serial", card.state->serial},
+             {"label", card.state->label},
+             {"reader", card.reader},
+             {"room", std::vector{room_of(card.state->room)}}}};
 }
 
 } // namespace
 
 std::string in_words(const Rehearsal& rehearsal) {
-    const CardState& state = *rehearsal.card.card.state;
-    std::string text =
-        fmt::format("Rehearsed on a simulated twin of card {} (\"{}\") in \"{}\". The card itself was only "
-                    "read, without the PIN.\n{}\n\nOn the twin before:",
-                    state.serial, state.label, rehearsal.card.card.reader, room_in_words(state.room));
-    text += contents_in_words(rehearsal.before) + "\n";
+    std::string text = words::of(heading(rehearsal.card.card)) + contents_in_words(rehearsal.before) + "\n";
     for (const RehearsedStep& step : rehearsal.steps)
         text += step_in_words(step);
-    return text + "\n\nOn the twin afterwards:" + contents_in_words(rehearsal.after) + "\n\n" +
-           verdict(rehearsal);
+    return text + "\n\n" + words::of(Sentence{"twin-afterwards", {}}) + contents_in_words(rehearsal.after) +
+           "\n\n" + verdict(rehearsal);
 }
 
 Json as_json(const Rehearsal& rehearsal) {
@@ -99,11 +101,8 @@ Json as_json(const Rehearsal& rehearsal) {
 }
 
 std::vector<Advice> advice_on(const Rehearsal& rehearsal) {
-    if (rehearsal.exit() == Exit::nothing_due)
-        return {Advice{"force", "To rehearse it all the same, give --force."}};
-    return {Advice{"not-rehearsed",
-                   "What only the card knows was not rehearsed: its PIN, objects that show with it alone, "
-                   "and how its maker's module does things."}};
+    if (rehearsal.exit() == Exit::nothing_due) return {Advice{"force", {"rehearse-with-force", {}}}};
+    return {Advice{"not-rehearsed", {"not-rehearsed", {}}}};
 }
 
 } // namespace cli

@@ -55,7 +55,7 @@ Twin::Twin(const PublicCard& original, const SimulatedCard& programs, const Held
     try {
         make(original);
     } catch (const fs::filesystem_error& error) {
-        throw Error(Exit::failed, std::string(error.what()));
+        throw Error(Exit::failed, {"unexpected", {{"text", std::string(error.what())}}});
     }
 }
 
@@ -69,8 +69,7 @@ void Twin::make(const PublicCard& original) const {
     folder_.write("card.json", description_of(original).dump(-1, ' ', false, Json::error_handler_t::replace));
     const ChildResult made = tool({"twin", "card.json", "--name", NAME, "--reader", READER, "--pin", PIN,
                                    "--module", module, "--config", "zvcrypt.conf"});
-    if (made.exit != 0)
-        throw Error(Exit::failed, fmt::format("No twin of the card can be made. {}", made.text));
+    if (made.exit != 0) throw Error(Exit::failed, {"no-twin-made", {{"reason", made.text}}});
 }
 
 ChildResult Twin::renew(std::vector<std::string> words) const {
@@ -87,7 +86,7 @@ ChildResult Twin::issue(const std::string& request, const std::string& kind,
 
 Json Twin::objects() const {
     const ChildResult listed = tool({"list", NAME, "--pin", PIN, "--json"});
-    if (listed.exit != 0) throw Error(Exit::failed, fmt::format("The twin cannot be read. {}", listed.text));
+    if (listed.exit != 0) throw Error(Exit::failed, {"twin-unreadable", {{"reason", listed.text}}});
     return Json::parse(listed.text).at("objects");
 }
 

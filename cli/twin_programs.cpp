@@ -4,7 +4,6 @@
 #include "host/error.h"
 #include "host/installation.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -69,13 +68,8 @@ std::string name_of(const std::string& setting) {
 SimulatedCard find_simulated_card() {
     SimulatedCard found{find_program(TOOL), find_module(MODULE)};
     if (found.tool.empty() || found.module.empty())
-        throw Error(
-            Exit::refused,
-            fmt::format("A rehearsal takes the simulated card, and {} is not there.",
-                        found.tool.empty() ? TOOL : MODULE),
-            Advice{"install-simcard",
-                   "Install the package zvsimcard; of a build, its component simcard: cmake --install "
-                   "build --component simcard"});
+        throw Error(Exit::refused, {"no-simulated-card", {{"file", found.tool.empty() ? TOOL : MODULE}}},
+                    Advice{"install-simcard", {"install-simcard", {}}});
     return found;
 }
 

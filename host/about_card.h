@@ -16,7 +16,7 @@ template <class Work> auto about_card(OpenedCard& card, const Work& work) {
     } catch (const Error& error) {
         throw with_card(card, error);
     } catch (const std::exception& error) {
-        throw with_card(card, {Exit::failed, error.what()});
+        throw with_card(card, {Exit::failed, {"unexpected", {{"text", error.what()}}}});
     }
 }
 

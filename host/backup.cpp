@@ -87,8 +87,7 @@ std::string save(const Backup& backup) {
         NewFile(file).save(backup.text());
     } catch (Error& stop) {
         if (stop.exit == Exit::refused)
-            stop.advice = {
-                {"other-file", "Give the backup another name with --backup FILE.", {{"file", file}}}};
+            stop.advice = {{"other-file", {"other-backup-file", {}}, {{"file", file}}}};
         throw;
     }
     return file;

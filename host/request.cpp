@@ -41,7 +41,6 @@ std::vector<Sentence> request_notices(const RequestPlan& plan) {
     }
     if (plan.discard) note({"pair-discarded", {{"pair", plan.pair}}});
     if (!plan.wants_pin.empty()) note({"pair-may-want-pin", {{"key", plan.wants_pin}, {"pair", plan.pair}}});
-
     return notices;
 }
 

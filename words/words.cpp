@@ -18,9 +18,10 @@ using zvhost::Sentence, zvhost::Value, zvhost::Values;
 
 std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
-    for (const Rows rows : {advice_rows(), card_rows(), command_line_rows(), doctor_rows(), files_rows(),
-                            install_rows(), list_rows(), module_rows(), pin_rows(), plan_rows(),
-                            remind_rows(), remove_rows(), renew_rows(), request_rows(), waiting_rows()})
+    for (const Rows rows :
+         {advice_rows(), card_rows(), command_line_rows(), doctor_rows(), files_rows(), install_rows(),
+          list_rows(), module_rows(), pin_rows(), plan_rows(), rehearse_rows(), remind_rows(), remove_rows(),
+          renew_rows(), request_rows(), waiting_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;

@@ -18,6 +18,7 @@ constexpr Row COMMAND_LINE_ROWS[] = {
                        "instead what the reader and the card say with: zvrenew readers")},
     {"quoted-program",
      N_("By molvastra.exe the quoted text means this program: there is nothing else to restart.")},
+    {"unexpected", N_("Unexpected failure: {text}")},
 };
 
 } // namespace

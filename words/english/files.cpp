@@ -6,7 +6,8 @@ namespace {
 constexpr Row FILES_ROWS[] = {
     {"busy-card", N_("Another program{who} is at work on this card.")},
     {"busy-process", N_(" (process {process})")},
-    {"busy-requesting", N_("Another program{who} is making a request, and two would get into each other's temporary files.")},
+    {"busy-requesting",
+     N_("Another program{who} is making a request, and two would get into each other's temporary files.")},
     {"file-in-the-way", N_("{file} is in the way: a file of {owner}.")},
     {"file-other-name", N_("Give another name, or move that file away.")},
     {"file-there", N_("There is a file {file} already.")},

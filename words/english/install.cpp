@@ -49,6 +49,7 @@ constexpr Row INSTALL_ROWS[] = {
     {"one-certificate-only",
      N_("A card that takes one certificate of an identifier only needs --remove-old beside that.")},
     {"or-replace-this", N_("or --replace {id}")},
+    {"other-backup-file", N_("Give the backup another name with --backup FILE.")},
     {"other-certificate-would-go",
      N_("Another certificate has the identifier {id} too, and would be removed.")},
     {"other-holder", N_("It is for {holder}, and the card is of {known}.")},

@@ -25,6 +25,7 @@ Rows list_rows();
 Rows module_rows();
 Rows pin_rows();
 Rows plan_rows();
+Rows rehearse_rows();
 Rows remind_rows();
 Rows remove_rows();
 Rows renew_rows();
