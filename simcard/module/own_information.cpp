@@ -1,10 +1,9 @@
+#include "pkcs11/slot_list.h"
 #include "simcard/common/text.h"
 #include "simcard/module/forward.h"
 #include "simcard/module/own_functions.h"
 #include "simcard/module/state.h"
 
-#include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace simcard::own {
@@ -42,13 +41,7 @@ CK_RV get_info(CK_INFO_PTR info) {
 
 CK_RV get_slot_list(CK_BBOOL token_present, CK_SLOT_ID_PTR list, CK_ULONG_PTR count) {
     if (!state().hsm) return CKR_CRYPTOKI_NOT_INITIALIZED;
-    if (!count) return CKR_ARGUMENTS_BAD;
-    const auto listed = listed_slots(token_present != CK_FALSE);
-    const CK_ULONG room = std::exchange(*count, listed.size());
-    if (!list) return CKR_OK;
-    if (room < listed.size()) return CKR_BUFFER_TOO_SMALL;
-    std::copy(listed.begin(), listed.end(), list);
-    return CKR_OK;
+    return pkcs11::give_slots(listed_slots(token_present != CK_FALSE), list, count);
 }
 
 CK_RV get_slot_info(CK_SLOT_ID slot, CK_SLOT_INFO_PTR info) {
