@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/options.h"
+#include "cli/changing_options.h"
 #include "cli/report.h"
 
 namespace cli {

@@ -1,5 +1,6 @@
 #include "cli/help_desk_file.h"
 
+#include "cli/examination.h"
 #include "cli/json.h"
 #include "cli/listed.h"
 #include "words/words.h"

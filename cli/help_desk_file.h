@@ -6,9 +6,6 @@
 
 namespace cli {
 
-// The doctor's findings, a line each, what can be done below.
-[[nodiscard]] std::string in_lines(const zvhost::Examination& examination);
-
 // What is sent to a help desk: plain text, so that it can be read before.
 //
 // @param with_names  names and tax codes stay in it

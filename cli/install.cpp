@@ -1,11 +1,10 @@
 #include "host/install.h"
 
 #include "cli/card_json.h"
+#include "cli/carry_out.h"
 #include "cli/commands.h"
 #include "cli/on_card.h"
 #include "cli/pin_input.h"
-#include "cli/plan_shown.h"
-#include "cli/progress_lines.h"
 #include "host/log_folder.h"
 #include "words/words.h"
 
@@ -61,20 +60,20 @@ Json as_json(const Installed& installed) {
     return json;
 }
 
-} // namespace
-
-Report run_install(const InstallOptions& options) {
-    PinInput pin(options);
-    ProgressLines progress;
-    PlannedInstall planned = plan_install(options.wishes, options.choice, pin);
-    if (auto plan = plan_alone(options, planned.plan())) return *plan;
-    const Installed installed = planned.apply(progress);
+Report installation_report(const Installed& installed) {
     Report report;
     report.json = as_json(installed);
     report.text = in_words(installed);
     report.advice = installed.advice;
     report.unsaid = [now = installed.now](Error& error) { error.card = now; };
     return report;
+}
+
+} // namespace
+
+Report run_install(const InstallOptions& options) {
+    PinInput pin(options);
+    return carry_out(options, plan_install(options.wishes, options.choice, pin), installation_report);
 }
 
 } // namespace cli

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "cli/changing_options.h"
 #include "cli/engine.h"
 #include "cli/json.h"
-#include "cli/options.h"
 #include "cli/twin.h"
 #include "host/error.h"
 

@@ -54,8 +54,7 @@ Report report_on_switch(const Switched& done) {
 
 Report run_remind(const RemindOptions& options) {
     if (options.enable && options.disable)
-        throw Error(Exit::refused, Sentence("enable-or-disable", {}),
-                    Advice{"help", Sentence("help", {})});
+        throw Error(Exit::refused, Sentence("enable-or-disable", {}), Advice{"help", Sentence("help", {})});
     if (options.enable) return report_on_switch(turn_reminders_on());
     if (options.disable) return report_on_switch(turn_reminders_off());
     const std::time_t now = std::time(nullptr);

@@ -1,10 +1,9 @@
 #include "cli/authority.h"
 #include "cli/card_json.h"
+#include "cli/carry_out.h"
 #include "cli/commands.h"
 #include "cli/on_card.h"
 #include "cli/pin_input.h"
-#include "cli/plan_shown.h"
-#include "cli/progress_lines.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -46,16 +45,7 @@ Json as_json(const Renewal& renewal) {
     return json;
 }
 
-} // namespace
-
-Report run_renew(const RenewOptions& options) {
-    options.check();
-    PinInput pin(options);
-    ProgressLines progress;
-    const auto authority = authority_of(options);
-    PlannedRenewal planned = plan_renewal(options.renewal(), options.choice, pin, *authority);
-    if (auto plan = plan_alone(options, planned.plan())) return *plan;
-    const Renewal renewal = planned.apply(progress);
+Report renewal_report(const Renewal& renewal) {
     Report report;
     report.exit = renewal.done ? Exit::done : Exit::under_way;
     report.json = as_json(renewal);
@@ -63,8 +53,20 @@ Report run_renew(const RenewOptions& options) {
     report.advice = renewal.advice;
     report.logged = true;
     report.unsaid = [now = renewal.now](Error& error) { error.card = now; };
-    if (renewal.done) options.tidy();
     return report;
+}
+
+} // namespace
+
+Report run_renew(const RenewOptions& options) {
+    options.check();
+    PinInput pin(options);
+    const auto authority = authority_of(options);
+    return carry_out(options, plan_renewal(options.renewal(), options.choice, pin, *authority),
+                     [&](const Renewal& renewal) {
+                         if (renewal.done) options.tidy();
+                         return renewal_report(renewal);
+                     });
 }
 
 } // namespace cli

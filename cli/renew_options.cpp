@@ -1,4 +1,4 @@
-#include "cli/options.h"
+#include "cli/changing_options.h"
 #include "host/error.h"
 
 #include <filesystem>

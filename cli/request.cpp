@@ -1,10 +1,9 @@
 #include "host/request.h"
 
 #include "cli/card_json.h"
+#include "cli/carry_out.h"
 #include "cli/commands.h"
 #include "cli/pin_input.h"
-#include "cli/plan_shown.h"
-#include "cli/progress_lines.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -40,14 +39,7 @@ Json as_json(const MadeRequest& made) {
     return json;
 }
 
-} // namespace
-
-Report run_request(const RequestOptions& options) {
-    PinInput pin(options);
-    ProgressLines progress;
-    PlannedRequest planned = plan_request(options.wishes, options.choice, pin);
-    if (auto plan = plan_alone(options, planned.plan())) return *plan;
-    const MadeRequest made = planned.apply(progress);
+Report request_report(const MadeRequest& made) {
     Report report;
     report.json = as_json(made);
     report.text = in_words(made);
@@ -56,6 +48,13 @@ Report run_request(const RequestOptions& options) {
     report.logged = true;
     report.unsaid = made.unsaid;
     return report;
+}
+
+} // namespace
+
+Report run_request(const RequestOptions& options) {
+    PinInput pin(options);
+    return carry_out(options, plan_request(options.wishes, options.choice, pin), request_report);
 }
 
 } // namespace cli
