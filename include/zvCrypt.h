@@ -372,7 +372,7 @@ ZVCRYPT_API int GiveMeCertDate(unsigned char* der, unsigned long length, char* d
  *
  * @param[in]  length  length of data in bytes; below 0 counts as 0
  * @param[in]  data    the data; may be null when length is 0
- * @param[out] digest  ZVC_SHA1_SIZE bytes; zeros if the digest cannot be made
+ * @param[out] digest  ZVC_SHA1_SIZE bytes; zeros when data is missing
  * Standard: FIPS 180-4.
  */
 ZVCRYPT_API void Sha1Digest(int length, unsigned char* data, unsigned char* digest);
