@@ -1,13 +1,17 @@
 #include "crypt/bundle.h"
 
 #include "crypt/failure.h"
+#include "crypt/keyless.h"
 #include "lenient/mended.h"
 #include "ossl/owners.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace zvcrypt {
 namespace {
+
+using UsagePtr = ossl::Owner<ASN1_BIT_STRING, ASN1_BIT_STRING_free>;
 
 bool starts_as_certificate(const Bytes& der) {
     try {
@@ -21,7 +25,9 @@ bool starts_as_certificate(const Bytes& der) {
 // Null when the bytes do not start as such a bundle.
 ossl::Message read_only_bundle(const Bytes& der) {
     const unsigned char* end = der.data();
-    ossl::Message bundle(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
+    CMS_ContentInfo* made = CMS_ContentInfo_new_ex(keyless(), nullptr);
+    (void)d2i_CMS_ContentInfo(&made, &end, static_cast<long>(der.size())); // frees it when it fails
+    ossl::Message bundle(made);
     if (!bundle || OBJ_obj2nid(CMS_get0_type(bundle.get())) != NID_pkcs7_signed) return nullptr;
     if (end != der.data() + der.size())
         throw Failure(ZVC_ERR_TEXT_FORM, "La busta PKCS#7 dei certificati è seguita da altri dati");
@@ -45,13 +51,20 @@ void add_certificates_of(CMS_ContentInfo& bundle, const Bytes& der, const Bytes&
     }
 }
 
+// Of a certificate with a broken extension nothing is believed.
+bool signs_certificates(const X509& certificate, std::uint32_t flags) {
+    constexpr int key_cert_sign = 5; // bit of the extension
+    const UsagePtr usage((flags & EXFLAG_INVALID) == 0 ? static_cast<ASN1_BIT_STRING*>(X509_get_ext_d2i(
+                                                             &certificate, NID_key_usage, nullptr, nullptr))
+                                                       : nullptr);
+    return usage != nullptr && ASN1_BIT_STRING_get_bit(usage.get(), key_cert_sign) == 1;
+}
+
 // One that stands alone must say, too, that it signs others: tools call what they make for a holder an
 // authority's.
 bool is_authority(const Certificate& certificate, bool alone) {
     const auto flags = X509_get_extension_flags(certificate.x509.get());
-    const bool signs_others =
-        (flags & EXFLAG_KUSAGE) != 0 && (X509_get_key_usage(certificate.x509.get()) & KU_KEY_CERT_SIGN) != 0;
-    return (flags & EXFLAG_CA) != 0 && (signs_others || !alone);
+    return (flags & EXFLAG_CA) != 0 && (!alone || signs_certificates(*certificate.x509, flags));
 }
 
 bool is_same(const Certificate& one, const Certificate& other) {

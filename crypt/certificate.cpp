@@ -1,6 +1,7 @@
 #include "crypt/certificate.h"
 
 #include "crypt/failure.h"
+#include "crypt/keyless.h"
 #include "lenient/mended.h"
 
 namespace zvcrypt {
@@ -11,8 +12,10 @@ using AnyPtr = ossl::Owner<ASN1_TYPE, ASN1_TYPE_free>;
 Certificate parsed(der::Span whole) {
     const Bytes readable = lenient::mended(whole);
     const unsigned char* end = readable.data();
-    return {Bytes(whole.begin(), whole.end()),
-            ossl::Certificate(d2i_X509(nullptr, &end, static_cast<long>(readable.size())))};
+    auto* made = reinterpret_cast<ASN1_VALUE*>(X509_new_ex(keyless(), nullptr));
+    // Takes the object along when it fails. d2i_X509 would look for a digest besides, in some versions.
+    (void)ASN1_item_d2i(&made, &end, static_cast<long>(readable.size()), ASN1_ITEM_rptr(X509));
+    return {Bytes(whole.begin(), whole.end()), ossl::Certificate(reinterpret_cast<X509*>(made))};
 }
 
 // What is signed is the bytes that were issued.
@@ -29,6 +32,14 @@ bool is_signed_by(const Certificate& certificate, EVP_PKEY* key) {
 }
 
 } // namespace
+
+EVP_PKEY* Certificate::key() const {
+    if (decoded != nullptr || x509 == nullptr) return decoded.get();
+    const Bytes readable = lenient::mended(parts().public_key);
+    const unsigned char* end = readable.data();
+    decoded.reset(d2i_PUBKEY(nullptr, &end, static_cast<long>(readable.size())));
+    return decoded.get();
+}
 
 Certificate read_certificate(std::span<const unsigned char> der) {
     try {

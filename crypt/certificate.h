@@ -12,11 +12,14 @@ namespace zvcrypt {
 // those that OpenSSL refuses it has others.
 struct Certificate {
     Bytes der;
-    ossl::Certificate x509; // null for none
+    ossl::Certificate x509; // null for none; without its key
 
     [[nodiscard]] explicit operator bool() const noexcept { return x509 != nullptr; }
     [[nodiscard]] CertificateParts parts() const { return take_apart(der); }
-    [[nodiscard]] EVP_PKEY* key() const noexcept { return X509_get0_pubkey(x509.get()); }
+
+    // Null where it cannot be read.
+    [[nodiscard]] EVP_PKEY* key() const;
+    mutable ossl::Key decoded = nullptr; // once it was asked for
 };
 
 // None when the bytes are no certificate in DER. What follows is ignored, as cards pad.

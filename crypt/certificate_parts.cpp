@@ -63,7 +63,7 @@ CertificateParts take_apart(der::Span der) {
     parts.not_before = validity.next().whole;
     parts.not_after = validity.next().whole;
     parts.subject = body.next(der::sequence).whole;
-    (void)body.next(der::sequence); // public key
+    parts.public_key = body.next(der::sequence).whole;
     parts.extensions = extensions_in(body);
     (void)certificate.next(der::sequence); // algorithm of the signature
     (void)certificate.next(der::bit_string);

@@ -17,6 +17,7 @@ struct CertificateParts {
     der::Span not_before;
     der::Span not_after;
     der::Span subject;
+    der::Span public_key;
     der::Span extensions; // one after another
     der::Span whole;
 };
