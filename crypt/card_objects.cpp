@@ -1,12 +1,13 @@
 #include "crypt/card_objects.h"
 
+#include "zvConstants.h"
+
 #include <array>
 
 namespace zvcrypt {
 namespace {
 
 constexpr std::size_t HANDLES_PER_CALL = 64;
-constexpr std::size_t MOST_OBJECTS = 256;
 
 // Ends a search whatever becomes of it.
 class Search {
@@ -33,7 +34,7 @@ std::vector<CK_OBJECT_HANDLE> Search::handles() const {
         count = 0;
         check("C_FindObjects", session_.call(&CK_FUNCTION_LIST::C_FindObjects, some.data(),
                                              static_cast<CK_ULONG>(some.size()), &count));
-        if (count > some.size() || all.size() + count > MOST_OBJECTS)
+        if (count > some.size() || all.size() + count > ZV_OBJECTS_MAX)
             throw Failure(ZVC_ERR_MODULE_ANSWER,
                           "Il modulo PKCS#11 ha dato un numero di oggetti impossibile");
         all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(count));

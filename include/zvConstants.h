@@ -48,6 +48,8 @@
 #define ZV_CERT_TEXT_MAX 7500
 /** Number of the last slot that requests and installing work with. */
 #define ZV_LAST_SLOT 9
+/** Objects of a card that a search gives; one that gives more fails, as it may have no end. */
+#define ZV_OBJECTS_MAX 4096
 /** Bits of the keys that are generated, and of the largest that a certificate is stored for. */
 #define ZV_KEY_BITS 2048
 /** What a text given for a reader contains when it is the path of a PKCS#11 module. */

@@ -1,13 +1,11 @@
 #include "store/walk.h"
 
 #include "card/session.h"
+#include "zvConstants.h"
 
 namespace zv {
 
 namespace {
-
-// Above any number of objects that a card has room for; a search that gives more is a module's error.
-constexpr int MOST_OBJECTS = 4096;
 
 SearchCall call_of(const Search& search, SearchStep step, int round = 1, CK_OBJECT_HANDLE last = 0) {
     static constexpr const char* names[] = {"C_FindObjectsInit", "C_FindObjects", "C_FindObjectsFinal"};
@@ -26,7 +24,7 @@ CK_RV find_next(SearchCall& made) {
     const CK_RV result =
         call<&Functions::C_FindObjects>(made.session, &made.object, CK_ULONG{1}, &made.found);
     if (result != CKR_OK) return result;
-    return made.round <= MOST_OBJECTS || made.found == 0 ? check_found(made.found, 1) : CKR_GENERAL_ERROR;
+    return made.round <= ZV_OBJECTS_MAX || made.found == 0 ? check_found(made.found, 1) : CKR_GENERAL_ERROR;
 }
 
 } // namespace

@@ -109,6 +109,20 @@ class Sign : public test::Scratch {
 
 } // namespace
 
+TEST_F(Sign, IsMadeOnACardWithHundredsOfCertificates) {
+    constexpr int many = 300;
+    {
+        const simcard::SoftHsm hsm(cards.path());
+        simcard::TokenSession token(hsm, card);
+        ASSERT_TRUE(token.login(zvtest::USER_PIN));
+        for (int i = 0; i < many; ++i)
+            token.create(simcard::certificate_object(*certificate.x509, "of another key"));
+    }
+    open_and_login();
+    EXPECT_EQ(sign_text("testo"), ZVC_OK) << last_error();
+    EXPECT_TRUE(result().is_by(certificate));
+}
+
 TEST_F(Sign, MakesACanonicalCadesSignatureThatTwoValidatorsAccept) {
     hold(authority, "CA");
     open_and_login();
