@@ -1,6 +1,5 @@
 #include "cli/heartbeat.h"
 
-#include "cli/engine.h"
 #include "cli/status_line.h"
 #include "words/words.h"
 
@@ -13,19 +12,18 @@ namespace {
 
 using std::chrono::seconds;
 
-std::string line_after(seconds passed, std::optional<seconds> before) {
-    Sentence line("card-at-work", {{"seconds", long{passed.count()}}});
-    if (before)
-        line = {"card-at-work-before",
-                {{"seconds", long{passed.count()}}, {"before", long{before->count()}}}};
-    return words::of(line);
-}
-
 } // namespace
 
-Heartbeat::Heartbeat(std::optional<std::chrono::milliseconds> before) {
-    if (before) before_ = std::chrono::round<seconds>(*before);
-    if (::isatty(STDERR_FILENO) == 1) thread_ = std::thread([this] { beat(); });
+Heartbeat::Heartbeat(const Step& step)
+    : about_{{"number", long{step.number}}, {"of", long{step.of}}}, line_("card-at-work") {
+    if (::isatty(STDERR_FILENO) != 1) return;
+    if (step.of > 1) line_ += "-step";
+    if (step.usual) {
+        line_ += "-before";
+        about_.emplace_back("before", long{std::chrono::round<seconds>(*step.usual).count()});
+    }
+    show(seconds(0));
+    thread_ = std::thread([this] { beat(); });
 }
 
 Heartbeat::~Heartbeat() {
@@ -39,14 +37,17 @@ Heartbeat::~Heartbeat() {
     clear_status_line();
 }
 
+void Heartbeat::show(seconds passed) const {
+    Values about = about_;
+    about.emplace_back("seconds", long{passed.count()});
+    show_status_line(words::of(Sentence(line_, about)));
+}
+
 void Heartbeat::beat() {
     std::unique_lock waiting(mutex_);
     const auto begun = std::chrono::steady_clock::now();
-    while (!over_) {
-        const auto passed = std::chrono::round<seconds>(std::chrono::steady_clock::now() - begun);
-        show_status_line(line_after(passed, before_));
-        changed_.wait_for(waiting, seconds(1), [this] { return over_; });
-    }
+    while (!changed_.wait_for(waiting, seconds(1), [this] { return over_; }))
+        show(std::chrono::round<seconds>(std::chrono::steady_clock::now() - begun));
 }
 
 } // namespace cli

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "cli/engine.h"
+#include "host/progress.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <optional>
+#include <string>
 #include <thread>
 
 namespace cli {
@@ -12,16 +15,17 @@ namespace cli {
 // out. Nothing of it where standard error is no terminal.
 class Heartbeat {
   public:
-    // @param before  how long this card took the last time, when that is known
-    explicit Heartbeat(std::optional<std::chrono::milliseconds> before);
+    explicit Heartbeat(const Step& step);
     ~Heartbeat();
     Heartbeat(const Heartbeat&) = delete;
     Heartbeat& operator=(const Heartbeat&) = delete;
 
   private:
+    void show(std::chrono::seconds passed) const;
     void beat();
 
-    std::optional<std::chrono::seconds> before_;
+    Values about_; // the step
+    std::string line_;
     std::mutex mutex_;
     std::condition_variable changed_;
     bool over_ = false;

@@ -16,7 +16,7 @@ void ProgressLines::changing() {
 
 void ProgressLines::step(const Step& step) {
     heartbeat_.reset();
-    heartbeat_.emplace(step.usual);
+    heartbeat_.emplace(step);
 }
 
 bool ProgressLines::cancelled() {

@@ -4,6 +4,7 @@
 #include "host/install_plan.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
+#include "host/numbered_steps.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
 #include "host/refused_pin.h"
@@ -197,7 +198,8 @@ class PlannedInstall::Work {
     }
     [[nodiscard]] const Plan& seen() const { return seen_; }
 
-    [[nodiscard]] Installed apply(Progress& progress) {
+    [[nodiscard]] Installed apply(Progress& shown) {
+        NumberedSteps progress(shown, STEPS_OF_AN_INSTALLATION);
         progress.changing();
         const std::string backup = save_backup(plan_);
         for (const Sentence& notice : seen_.notices)

@@ -12,6 +12,9 @@
 
 namespace zvhost {
 
+// Storing, and trying the key.
+inline constexpr int STEPS_OF_AN_INSTALLATION = 2;
+
 // The files that an installation starts from.
 struct IssuedFiles {
     std::vector<Certificate> certificates; // all that the authority's file holds

@@ -154,6 +154,7 @@ class PlannedRemoval::Work {
         progress.changing();
         const std::string backup = save(backup_);
         require_alone(card_);
+        progress.step(Step({"step-remove", {{"id", wishes_.id}}}));
         remove_objects(card_, objects_);
         const CardNow now = card_now(card_);
         if (now.view && now.view->has(wishes_.id))

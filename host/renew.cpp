@@ -1,6 +1,8 @@
 #include "host/renew.h"
 
+#include "host/install_plan.h"
 #include "host/journal_problem.h"
+#include "host/numbered_steps.h"
 #include "host/objects_removed.h"
 #include "host/renewal.h"
 
@@ -9,12 +11,25 @@
 
 namespace zvhost {
 
-Renewal PlannedRenewal::Work::apply(Progress& progress) {
+Renewal PlannedRenewal::Work::apply(Progress& shown) {
+    NumberedSteps progress(shown, steps(), steps_done());
     try {
         return go_on(progress);
     } catch (const Error& error) {
         throw advised(error);
     }
+}
+
+// Of the whole renewal, with what earlier runs did: the request, the installation, and what becomes of the old one.
+int PlannedRenewal::Work::steps() const {
+    const bool removes = removal_ || (wishes_.remove_old && kind() != Kind::services && !finished_ &&
+                                      !old_of(standing_.waiting).empty());
+    return 1 + STEPS_OF_AN_INSTALLATION + (removes || unmarks_ ? 1 : 0);
+}
+
+int PlannedRenewal::Work::steps_done() const {
+    if (request_) return 0;
+    return finished_ ? 1 + STEPS_OF_AN_INSTALLATION : 1;
 }
 
 Renewal PlannedRenewal::Work::go_on(Progress& progress) {
@@ -73,7 +88,6 @@ void PlannedRenewal::Work::install(Progress& progress) {
 
 void PlannedRenewal::Work::remove(Progress& progress) {
     stop_if_cancelled(progress);
-    progress.step(Step(Sentence{"step-remove", {}}));
     const Removed removed = removal_->apply(progress);
     removal_.reset();
     removed_ = removed.id;
@@ -83,6 +97,7 @@ void PlannedRenewal::Work::remove(Progress& progress) {
 
 void PlannedRenewal::Work::unmark(Progress& progress) {
     progress.changing();
+    progress.step(Step(Sentence{"step-unmark", {}}));
     OpenedCard card = open_card(choice_, pin_, Use::changing);
     remove_mark(card);
     const CardNow now = card_now(card);

@@ -20,7 +20,7 @@ class PlannedRenewal::Work {
 
     void plan();
     [[nodiscard]] const Plan& seen() const { return seen_; }
-    [[nodiscard]] Renewal apply(Progress& progress);
+    [[nodiscard]] Renewal apply(Progress& shown);
 
   private:
     // What comes next.
@@ -36,6 +36,8 @@ class PlannedRenewal::Work {
     void advise_on_kept(std::vector<Advice>& advice, const std::string& new_one) const;
 
     // Doing it.
+    [[nodiscard]] int steps() const;
+    [[nodiscard]] int steps_done() const;
     [[nodiscard]] Renewal go_on(Progress& progress);
     void make_request(Progress& progress);
     [[nodiscard]] bool hand_over(Progress& progress);

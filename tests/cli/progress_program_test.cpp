@@ -86,4 +86,19 @@ TEST_F(ProgressProgramTest, AnswersCtrlCAtOnceAndStopsAfterTheStep) {
     EXPECT_FALSE(with_pin("request signature --new-pair --force").says("at work")) << "no terminal";
 }
 
+TEST_F(ProgressProgramTest, CountsTheStepsOfTheWholeRenewal) {
+    make_card();
+    const std::string pin = " --pin-file " + pin_file().string();
+    const std::string renew = "renew signature --remove-old --to r --from c" + pin;
+    EXPECT_TRUE(at_terminal(command(renew), {}).has("work, step 1 of 4: 0 s"));
+    ASSERT_EQ(tool("issue r --out c").code, 0);
+    const Shown shown = at_terminal(command(renew), {});
+    EXPECT_EQ(shown.code, 0) << shown.screen;
+    for (const char* step : {"step 2 of 4", "step 3 of 4", "step 4 of 4"})
+        EXPECT_TRUE(shown.has(step)) << step << shown.screen;
+    ASSERT_EQ(with_pin("request signature --force --out other").code, 0);
+    for (const char* removing : {"pending discard DS4", "remove DS3 --last"})
+        EXPECT_TRUE(at_terminal(command(removing + pin), {}).has("The card is at work: 0 s")) << removing;
+}
+
 } // namespace

@@ -43,9 +43,10 @@ constexpr Row RENEW_ROWS[] = {
      N_("Give --from FILE, into which you put the certificate when it has come, or --ca-command COMMAND.")},
     {"step-keys", N_("The card makes the keys {pair}")},
     {"step-prove", N_("Trying the key {pair} with its certificate")},
-    {"step-remove", N_("Removing the old certificate")},
+    {"step-remove", N_("Removing {id}")},
     {"step-request", N_("Making the request for {pair}")},
     {"step-store", N_("Storing the certificate {pair}")},
+    {"step-unmark", N_("Removing the mark of the request")},
     {"stored-back", N_("The new certificate could not be stored: the old one, {id}, is back on the card.")},
 };
 

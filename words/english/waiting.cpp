@@ -6,6 +6,9 @@ namespace {
 constexpr Row WAITING_ROWS[] = {
     {"card-at-work", N_("The card is at work: {seconds} s")},
     {"card-at-work-before", N_("The card is at work: {seconds} s (the last time it took {before} s)")},
+    {"card-at-work-step", N_("The card is at work, step {number} of {of}: {seconds} s")},
+    {"card-at-work-step-before",
+     N_("The card is at work, step {number} of {of}: {seconds} s (the last time it took {before} s)")},
     {"stopped-waiting", N_("Stopped while waiting for the card.")},
     {"stops-after-step",
      N_("It stops when the card has done the step that it is in. Leave the card in the reader.")},
