@@ -6,53 +6,75 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <concepts>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
 
 namespace zv {
 
 namespace {
 
-constexpr long SIZE_LIMIT = 1'048'576;
+constexpr off_t SIZE_LIMIT = 1'048'576;
 constexpr std::size_t PATH_LENGTH = 512;
+constexpr std::string_view LINE_END = "\n";
 
-using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
+class File {
+  public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    ~File() {
+        if (is_open()) ::close(descriptor_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
+    [[nodiscard]] int descriptor() const { return descriptor_; }
+
+  private:
+    int descriptor_;
+};
 
 // A link is not followed, and whatever is not a plain file of the user's own is left alone: a log must not be led
 // elsewhere.
-File open_plain(const char* path, int flags, const char* mode) {
-    File none(nullptr, &std::fclose);
+int open_plain(const char* path, int flags, off_t* size = nullptr) {
     const int descriptor = ::open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-    if (descriptor < 0) return none;
     struct stat status {};
-    std::FILE* file = nullptr;
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid())
-        file = ::fdopen(descriptor, mode);
-    if (file == nullptr) ::close(descriptor);
-    return {file, &std::fclose};
+    if (descriptor < 0) return descriptor;
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid()) {
+        ::close(descriptor);
+        return -1;
+    }
+    if (size != nullptr) *size = status.st_size;
+    return descriptor;
 }
 
 // The log of an older version, or a copy, may be open to others. Once a path: a mode given later is the user's wish.
-void make_private(std::FILE* log) {
+void make_private(int log) {
     static char done[PATH_LENGTH + 1];
     if (std::strcmp(done, log_path()) == 0) return;
     copy_text(done, log_path());
-    [[maybe_unused]] const int made = ::fchmod(::fileno(log), 0600);
+    [[maybe_unused]] const int made = ::fchmod(log, 0600);
 }
 
-void empty(std::FILE* file) {
-    [[maybe_unused]] const int emptied = ::ftruncate(::fileno(file), 0);
+void empty(int file) {
+    [[maybe_unused]] const int emptied = ::ftruncate(file, 0);
 }
 
-File open_log() {
-    File log = open_plain(log_path(), O_RDWR | O_APPEND | O_CREAT, "a+");
-    if (log != nullptr) make_private(log.get());
+int open_log(off_t* size = nullptr) {
+    const int log = open_plain(log_path(), O_RDWR | O_APPEND | O_CREAT, size);
+    if (log >= 0) make_private(log);
     return log;
+}
+
+// All in one call: no other process writes between.
+template <std::same_as<std::string_view>... Texts> void append(const File& log, Texts... texts) {
+    const iovec parts[] = {{const_cast<char*>(texts.data()), texts.size()}...};
+    [[maybe_unused]] const ssize_t written =
+        ::writev(log.descriptor(), parts, static_cast<int>(sizeof...(texts)));
 }
 
 template <std::size_t N> void format_time(char (&prefix)[N], const char* format) {
@@ -63,23 +85,20 @@ template <std::size_t N> void format_time(char (&prefix)[N], const char* format)
 }
 
 // What the log held is given up: the companion file is only ever created empty.
-void empty_log(std::FILE* log, const char* prefix) {
+void empty_log(const File& log, std::string_view prefix) {
     char companion[PATH_LENGTH + 1] = {};
     copy_text(companion, PATH_LENGTH - 1, log_path());
     append_text(companion, ".1");
-    const File beside = open_plain(companion, O_WRONLY | O_CREAT, "w");
-    if (beside != nullptr) empty(beside.get());
-    empty(log);
-    (void)std::fseek(log, 0, SEEK_END);
-    for (const char* line :
+    const File beside(open_plain(companion, O_WRONLY | O_CREAT));
+    if (beside.is_open()) empty(beside.descriptor());
+    empty(log.descriptor());
+    for (const std::string_view line :
          {"----------------------------------", "zvRenew", ZV_VERSION, "----------------------------------"})
-        (void)std::fprintf(log, "%s%s\n", prefix, line);
+        append(log, prefix, line, LINE_END);
 }
 
-void write_datum(std::FILE* log, const Datum& datum) {
-    if (!datum) return;
-    (void)std::fwrite(datum->data(), 1, datum->size(), log);
-    (void)std::fputc('\n', log);
+std::string_view line_end(const Datum& datum) {
+    return datum ? LINE_END : std::string_view();
 }
 
 // Without a home there is no path, and nothing is logged.
@@ -104,22 +123,21 @@ char* log_path() {
 void write_line(const char* message) {
     char prefix[256] = {};
     format_time(prefix, "[%d %b %Y %H:%M:%S]: ");
-    const File log = open_log();
-    if (log == nullptr) return;
-    (void)std::fseek(log.get(), 0, SEEK_END);
-    if (std::ftell(log.get()) > SIZE_LIMIT) empty_log(log.get(), prefix);
+    off_t size = 0;
+    const File log(open_log(&size));
+    if (!log.is_open()) return;
+    if (size > SIZE_LIMIT) empty_log(log, prefix);
     const bool empty = message == nullptr || message[0] == '\0';
-    (void)std::fprintf(log.get(), "%s%s\n", prefix, empty ? "MESSAGGIO VUOTO!" : message);
+    append(log, std::string_view(prefix), std::string_view(empty ? "MESSAGGIO VUOTO!" : message), LINE_END);
 }
 
 void write_entry(const char* title, Datum first, Datum second) {
     char prefix[255] = {};
     format_time(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
-    const File log = open_log();
-    if (log == nullptr) return;
-    (void)std::fprintf(log.get(), "%s%s\n", prefix, or_empty(title));
-    write_datum(log.get(), first);
-    write_datum(log.get(), second);
+    const File log(open_log());
+    if (!log.is_open()) return;
+    append(log, std::string_view(prefix), std::string_view(or_empty(title)), LINE_END, first.value_or(""),
+           line_end(first), second.value_or(""), line_end(second));
 }
 
 } // namespace zv
