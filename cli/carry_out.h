@@ -13,7 +13,9 @@ template <class Planned, class ReportOn>
 [[nodiscard]] Report carry_out(const ChangingOptions& options, Planned planned, const ReportOn& report_on) {
     if (auto plan = plan_alone(options, planned.plan())) return *std::move(plan);
     ProgressLines progress;
-    return report_on(planned.apply(progress));
+    Report report = report_on(planned.apply(progress));
+    if (report.exit == Exit::done) progress.done();
+    return report;
 }
 
 } // namespace cli

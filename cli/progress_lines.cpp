@@ -23,4 +23,9 @@ bool ProgressLines::cancelled() {
     return told_to_end();
 }
 
+void ProgressLines::done() {
+    heartbeat_.reset();
+    if (told_to_end()) note(Sentence("stopped-too-late", {}));
+}
+
 } // namespace cli

@@ -16,6 +16,8 @@ class ProgressLines : public Progress {
     void step(const Step& step) override;
     void rests() override { heartbeat_.reset(); }
     [[nodiscard]] bool cancelled() override;
+    // All is done, also where the end was asked for meanwhile: then it says so.
+    void done();
 
   private:
     std::optional<Heartbeat> heartbeat_;

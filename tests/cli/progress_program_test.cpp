@@ -57,10 +57,16 @@ class ProgressProgramTest : public ProgramTest {
         if (WIFEXITED(status)) shown.code = WEXITSTATUS(status);
         return shown;
     }
-    // A request whose keys the card looks for in a pipe, and makes when there is nothing in it.
-    [[nodiscard]] std::string request() const {
-        return "env ZVSIMCARD_KEYS=keys " +
-               command("request signature --out request --pin-file " + pin_file().string());
+    [[nodiscard]] std::string with_pin_file(const std::string& arguments) const {
+        return command(arguments + " --pin-file " + pin_file().string());
+    }
+    // Ends a command while the card makes keys, which it looks for in a pipe: it makes them when there is nothing in that.
+    Shown stopped_while_making_keys(const std::string& command) {
+        EXPECT_EQ(::mkfifo(file("keys").c_str(), 0600), 0);
+        const auto press_ctrl_c = [](int terminal) { EXPECT_EQ(::write(terminal, "\x03", 1), 1); };
+        return at_terminal("env ZVSIMCARD_KEYS=keys " + command,
+                           {{"The card is at work", press_ctrl_c},
+                            {"It stops when", [this](int /*terminal*/) { let_card_go_on(); }}});
     }
     void let_card_go_on() const {
         const int pipe = ::open(file("keys").c_str(), O_WRONLY | O_CLOEXEC);
@@ -71,34 +77,41 @@ class ProgressProgramTest : public ProgramTest {
 
 TEST_F(ProgressProgramTest, AnswersCtrlCAtOnceAndStopsAfterTheStep) {
     make_card();
-    ASSERT_EQ(::mkfifo(file("keys").c_str(), 0600), 0);
-    const Shown shown = at_terminal(
-        request(), {{"The card is at work", [](int terminal) { EXPECT_EQ(::write(terminal, "\x03", 1), 1); }},
-                    {"It stops when", [this](int /*terminal*/) { let_card_go_on(); }}});
+    const Shown shown = stopped_while_making_keys(with_pin_file("request signature --out request"));
     EXPECT_EQ(shown.code, 0) << "the request was the card's last step: " << shown.screen;
+    EXPECT_TRUE(shown.has("its last step was under way. That was finished")) << shown.screen;
     EXPECT_TRUE(fs::exists(file("request")));
     EXPECT_FALSE(shown.has("the last time"));
 
-    fs::remove(file("keys"));
-    EXPECT_TRUE(
-        at_terminal(command("request signature --new-pair --force --pin-file " + pin_file().string()), {})
-            .has("(the last time it took"));
+    const Shown again = at_terminal(with_pin_file("request signature --new-pair --force"), {});
+    EXPECT_TRUE(again.has("(the last time it took"));
+    EXPECT_FALSE(again.has("It was to stop")) << again.screen;
     EXPECT_FALSE(with_pin("request signature --new-pair --force").says("at work")) << "no terminal";
+}
+
+TEST_F(ProgressProgramTest, StopsARenewalAfterTheStepAndGoesOn) {
+    make_card();
+    const std::string renew = with_pin_file("renew signature --ca-command 'cat >r && " ZVSIMCARD_TOOL
+                                            " issue r --out c && cat c && rm c'");
+    const Shown stopped = stopped_while_making_keys(renew);
+    EXPECT_EQ(stopped.code, 1) << stopped.screen;
+    EXPECT_TRUE(stopped.has("To go on, run the same command again.")) << stopped.screen;
+    EXPECT_FALSE(fs::exists(file("r"))) << "nobody was asked";
+    EXPECT_EQ(at_terminal(renew, {}).code, 0) << "as advised";
 }
 
 TEST_F(ProgressProgramTest, CountsTheStepsOfTheWholeRenewal) {
     make_card();
-    const std::string pin = " --pin-file " + pin_file().string();
-    const std::string renew = "renew signature --remove-old --to r --from c" + pin;
-    EXPECT_TRUE(at_terminal(command(renew), {}).has("work, step 1 of 4: 0 s"));
+    const std::string renew = with_pin_file("renew signature --remove-old --to r --from c");
+    EXPECT_TRUE(at_terminal(renew, {}).has("work, step 1 of 4: 0 s"));
     ASSERT_EQ(tool("issue r --out c").code, 0);
-    const Shown shown = at_terminal(command(renew), {});
+    const Shown shown = at_terminal(renew, {});
     EXPECT_EQ(shown.code, 0) << shown.screen;
     for (const char* step : {"step 2 of 4", "step 3 of 4", "step 4 of 4"})
         EXPECT_TRUE(shown.has(step)) << step << shown.screen;
     ASSERT_EQ(with_pin("request signature --force --out other").code, 0);
     for (const char* removing : {"pending discard DS4", "remove DS3 --last"})
-        EXPECT_TRUE(at_terminal(command(removing + pin), {}).has("The card is at work: 0 s")) << removing;
+        EXPECT_TRUE(at_terminal(with_pin_file(removing), {}).has("The card is at work: 0 s")) << removing;
 }
 
 } // namespace

@@ -9,6 +9,8 @@ constexpr Row WAITING_ROWS[] = {
     {"card-at-work-step", N_("The card is at work, step {number} of {of}: {seconds} s")},
     {"card-at-work-step-before",
      N_("The card is at work, step {number} of {of}: {seconds} s (the last time it took {before} s)")},
+    {"stopped-too-late",
+     N_("It was to stop, but its last step was under way. That was finished: everything is done.")},
     {"stopped-waiting", N_("Stopped while waiting for the card.")},
     {"stops-after-step",
      N_("It stops when the card has done the step that it is in. Leave the card in the reader.")},
