@@ -27,15 +27,10 @@ Json value_json(const Value& value) {
     return std::visit(convert, value);
 }
 
-// Which sentence it is; none of a text that is told as it is.
-Json identifier(const Sentence& sentence) {
-    return sentence.id == "as-is" ? Json() : or_null(sentence.id);
-}
-
 Json advice_json(const std::vector<Advice>& advice) {
     Json list = Json::array();
     for (const Advice& one : advice) {
-        list.push_back({{"key", one.key}, {"text", words::of(one.says)}, {"sentence", identifier(one.says)}});
+        list.push_back({{"key", one.key}, {"text", words::of(one.says)}, {"sentence", or_null(one.says.id)}});
         for (const auto& [name, value] : one.values)
             list.back()[name] = value_json(value);
     }
@@ -89,7 +84,7 @@ std::vector<Advice> advice_of(const Error& stop) {
 }
 
 Json stop_json(const Error& stop) {
-    Json facts = {{"message", words::of(stop.sentence)}, {"sentence", identifier(stop.sentence)}};
+    Json facts = {{"message", words::of(stop.sentence)}, {"sentence", or_null(stop.sentence.id)}};
     if (stop.code) facts["code"] = *stop.code;
     facts.update(std::visit([](const auto& found) { return as_json(found); }, stop.found));
     if (stop.about) facts.update(as_json(*stop.about));

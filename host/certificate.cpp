@@ -5,7 +5,6 @@
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
-#include <fmt/format.h>
 #include <openssl/core_names.h>
 #include <openssl/err.h>
 
@@ -55,16 +54,15 @@ std::string base64_of(const Bytes& bytes) {
     return text;
 }
 
-std::string why_not_storable(const Certificate& certificate) {
+Sentence why_not_storable(const Certificate& certificate) {
     const EVP_PKEY* key = X509_get0_pubkey(certificate.get());
-    if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return "its key is not an RSA key";
-    if (EVP_PKEY_get_bits(key) > ZV_KEY_BITS)
-        return fmt::format("its key has more than {} bits", ZV_KEY_BITS);
+    if (key == nullptr || EVP_PKEY_is_a(key, "RSA") != 1) return {"key-not-rsa", {}};
+    if (EVP_PKEY_get_bits(key) > ZV_KEY_BITS) return {"key-too-long", {{"bits", long{ZV_KEY_BITS}}}};
     for (X509_NAME* name :
          {X509_get_subject_name(certificate.get()), X509_get_issuer_name(certificate.get())})
         if (i2d_X509_NAME(name, nullptr) > ZVC_CARD_NAME_SIZE)
-            return fmt::format("its subject or issuer has more than {} bytes", ZVC_CARD_NAME_SIZE);
-    if (base64_of(certificate.der()).size() > ZV_CERT_TEXT_MAX) return "it is too large";
+            return {"names-too-long", {{"bytes", long{ZVC_CARD_NAME_SIZE}}}};
+    if (base64_of(certificate.der()).size() > ZV_CERT_TEXT_MAX) return {"certificate-too-large", {}};
     return {};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/module.h"
+#include "host/sentence.h"
 #include "ossl/owners.h"
 
 #include <string>
@@ -42,6 +43,6 @@ class Certificate {
 [[nodiscard]] std::string base64_of(const Bytes& bytes);
 
 // Says why a card cannot store a certificate; empty when it can.
-[[nodiscard]] std::string why_not_storable(const Certificate& certificate);
+[[nodiscard]] Sentence why_not_storable(const Certificate& certificate);
 
 } // namespace zvhost

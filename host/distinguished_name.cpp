@@ -64,6 +64,10 @@ Mark next_slash(std::string_view text, std::size_t from) {
     return {};
 }
 
+long as_value(std::size_t number) {
+    return static_cast<long>(number);
+}
+
 std::string trimmed(std::string_view value) {
     while (!value.empty() && value.back() == ' ')
         value.remove_suffix(1);
@@ -82,33 +86,30 @@ bool may_have(NameString type, const std::string& value) {
                                          : std::all_of(value.begin(), value.end(), is_ascii);
 }
 
-std::string why_not(const NameAttribute& attribute) {
+Sentence why_not(const NameAttribute& attribute) {
     const Row* row = by_name(attribute.name);
-    if (row == nullptr)
-        return fmt::format("\"{}\" is an attribute that a request does not carry", attribute.name);
+    if (row == nullptr) return {"attribute-not-carried", {{"name", attribute.name}}};
+    const std::string name(row->name());
     const std::string& value = attribute.value;
-    if (value.empty()) return fmt::format("{} is empty", row->name());
+    if (value.empty()) return {"attribute-empty", {{"name", name}}};
     if (value.size() > row->longest())
-        return fmt::format("{} has {} bytes, a request carries {}", row->name(), value.size(),
-                           row->longest());
+        return {"attribute-too-long",
+                {{"name", name}, {"bytes", as_value(value.size())}, {"most", as_value(row->longest())}}};
     const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
     if (std::any_of(value.begin(), value.end(), is_control))
-        return fmt::format("{} has a control character in it", row->name());
-    if (!may_have(row->type, value))
-        return fmt::format("{} has a character that it may not have", row->name());
+        return {"attribute-control-character", {{"name", name}}};
+    if (!may_have(row->type, value)) return {"attribute-character", {{"name", name}}};
     for (const std::string_view part : TAKEN_APART)
         if (value.find(part) != std::string::npos)
-            return fmt::format("{} contains \"{}\", which would be taken for an attribute", row->name(),
-                               part);
+            return {"attribute-taken-apart", {{"name", name}, {"part", std::string(part)}}};
     return {};
 }
 
 // A text taken apart by the attributes that are known leaves the others inside the value before them.
-std::string why_swallowed(const std::string& value) {
+Sentence why_swallowed(const std::string& value) {
     const Mark inner = next_slash(value, 0);
     if (inner.at == std::string_view::npos) return {};
-    return fmt::format("\"{}\" is an attribute that a request does not carry",
-                       value.substr(inner.at + 1, inner.value - inner.at - 2));
+    return {"attribute-not-carried", {{"name", value.substr(inner.at + 1, inner.value - inner.at - 2)}}};
 }
 
 } // namespace
@@ -129,12 +130,12 @@ DistinguishedName DistinguishedName::from_user(std::string_view text) {
         return from_oid_form(text);
     DistinguishedName name;
     Mark mark = next_slash(text, 0);
-    if (mark.at != 0) throw Error(Exit::refused, "A subject looks like this: /C=IT/O=Acme/CN=Name.");
+    if (mark.at != 0) throw Error(Exit::refused, {"subject-form", {}});
     while (mark.at != std::string_view::npos) {
         const Mark next = next_slash(text, mark.value);
-        const std::string_view word = text.substr(mark.at + 1, mark.value - mark.at - 2);
+        const std::string word(text.substr(mark.at + 1, mark.value - mark.at - 2));
         if (mark.row == nullptr)
-            throw Error(Exit::refused, fmt::format("A request does not carry the attribute \"{}\".", word));
+            throw Error(Exit::refused, {"subject-attribute-not-carried", {{"name", word}}});
         name.attributes_.push_back(
             {std::string(mark.row->name()), trimmed(text.substr(mark.value, next.at - mark.value))});
         mark = next;
@@ -179,22 +180,22 @@ std::string DistinguishedName::value(std::string_view name) const {
     return found == attributes_.end() ? std::string() : found->value;
 }
 
-std::string DistinguishedName::why_not_requestable() const {
-    if (attributes_.empty()) return "it has no attribute that a request carries";
+Sentence DistinguishedName::why_not_requestable() const {
+    if (attributes_.empty()) return {"subject-empty", {}};
     for (const NameAttribute& attribute : attributes_) {
-        if (std::string reason = why_not(attribute); !reason.empty()) return reason;
-        std::string swallowed = exact_ ? "" : why_swallowed(attribute.value);
+        if (Sentence reason = why_not(attribute); !reason.empty()) return reason;
+        Sentence swallowed = exact_ ? Sentence() : why_swallowed(attribute.value);
         if (!swallowed.empty()) return swallowed;
         const auto times =
             std::count_if(attributes_.begin(), attributes_.end(),
                           [&](const NameAttribute& other) { return other.name == attribute.name; });
         if (attribute.name == "OU" ? times > ZV_ORG_UNITS : times > 1)
-            return fmt::format("{} stands {} times", attribute.name, times);
+            return {"attribute-repeated", {{"name", attribute.name}, {"times", long{times}}}};
     }
     const std::size_t length = oid_form().size() + attributes_.size();
     if (length > ZV_SUBJECT_MAX)
-        return fmt::format("it has {} characters, {} more than a request can carry", length,
-                           length - ZV_SUBJECT_MAX);
+        return {"subject-too-long",
+                {{"characters", as_value(length)}, {"over", as_value(length - ZV_SUBJECT_MAX)}}};
     return {};
 }
 

@@ -102,9 +102,10 @@ int process_that_locks(const std::string& path) {
     return file ? locker_of(file.get()) : 0;
 }
 
-std::string owner_of(unsigned int user) {
+Value owner_of(unsigned int user) {
     const passwd* entry = ::getpwuid(user);
-    return entry != nullptr ? entry->pw_name : fmt::format("user {}", user);
+    if (entry != nullptr) return std::string(entry->pw_name);
+    return std::vector{Sentence{"user-without-name", {{"number", long{user}}}}};
 }
 
 Lock::Lock(const std::string& name, const std::string& busy)

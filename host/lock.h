@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/scoped_fd.h"
+#include "host/sentence.h"
 
 #include <string>
 
@@ -33,6 +34,6 @@ class Lock {
 [[nodiscard]] int process_that_locks(const std::string& path);
 
 // Who owns a file, by name where the system knows one.
-[[nodiscard]] std::string owner_of(unsigned int user);
+[[nodiscard]] Value owner_of(unsigned int user);
 
 } // namespace zvhost

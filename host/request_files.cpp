@@ -18,7 +18,7 @@ void refuse_obstacle(const std::string& path) {
     const bool ours = status.st_uid == ::geteuid() || ::geteuid() == 0;
     const bool replaced = S_ISREG(status.st_mode) || S_ISLNK(status.st_mode);
     if (ours && replaced) return;
-    const std::string owner = owner_of(status.st_uid);
+    const Value owner = owner_of(status.st_uid);
     throw Error(Exit::refused,
                 Sentence{S_ISDIR(status.st_mode) ? "folder-in-the-way" : "file-in-the-way",
                          {{"file", path}, {"owner", owner}}},

@@ -21,7 +21,7 @@ std::map<std::string_view, const char*> all_rows() {
     for (const Rows rows :
          {advice_rows(), card_rows(), command_line_rows(), doctor_rows(), files_rows(), install_rows(),
           list_rows(), module_rows(), pin_rows(), plan_rows(), rehearse_rows(), remind_rows(), remove_rows(),
-          renew_rows(), request_rows(), waiting_rows()})
+          renew_rows(), request_rows(), subject_rows(), waiting_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;
@@ -67,7 +67,6 @@ std::string with_values(const char* english, const Values& values) {
 
 std::string of(const Sentence& sentence) {
     if (sentence.empty()) return {};
-    if (sentence.id == "as-is") return in_place(sentence.values.front().second);
     return with_values(text_of(sentence.id), sentence.values);
 }
 

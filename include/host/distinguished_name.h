@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/sentence.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +36,7 @@ class DistinguishedName {
     [[nodiscard]] const std::vector<NameAttribute>& attributes() const { return attributes_; }
 
     // Says why a request would not carry this name whole; empty when it would.
-    [[nodiscard]] std::string why_not_requestable() const;
+    [[nodiscard]] Sentence why_not_requestable() const;
 
   private:
     std::vector<NameAttribute> attributes_;

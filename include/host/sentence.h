@@ -27,9 +27,6 @@ using Values = std::vector<std::pair<std::string, Value>>; // such as {{"pair", 
 struct Sentence {
     Sentence() = default; // nothing to be told
     Sentence(std::string which, Values about) : id(std::move(which)), values(std::move(about)) {}
-    // A text that is told as it is.
-    Sentence(const std::string& text) : Sentence("as-is", {{"text", Value(text)}}) {}
-    Sentence(const char* text) : Sentence(std::string(text)) {}
 
     [[nodiscard]] bool empty() const { return id.empty(); }
 

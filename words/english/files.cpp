@@ -25,6 +25,7 @@ constexpr Row FILES_ROWS[] = {
     {"request-too-large", N_("The request {file} is larger than 1 MiB.")},
     {"request-unread", N_("The request {file} cannot be read ({reason}).")},
     {"run-when-ended", N_("Run the command again when that one has ended.")},
+    {"user-without-name", N_("user {number}")},
 };
 
 } // namespace

@@ -18,6 +18,7 @@ constexpr Row INSTALL_ROWS[] = {
      N_("The certificate is for another key than what can take one on the card ({pairs}).")},
     {"certificate-of-other-request",
      N_("The certificate in {file} is for another key than the request in {request}.")},
+    {"certificate-too-large", N_("it is too large")},
     {"certificate-unsaved", N_("A certificate {id} cannot be saved.")},
     {"ends-before-old", N_("It ends on {ends}, before the old one ({old_ends}).")},
     {"give-whole-identifier", N_("Give an identifier as zvrenew list shows it, whole.")},
@@ -30,12 +31,15 @@ constexpr Row INSTALL_ROWS[] = {
     {"installed-removed-certificate", N_("Removed: the old certificate {id}.")},
     {"key-neither-tried-nor-fitting", N_("the key {key} wants a PIN before each signature and was not tried; "
                                          "nor is its modulus the certificate's.")},
+    {"key-not-rsa", N_("its key is not an RSA key")},
+    {"key-too-long", N_("its key has more than {bits} bits")},
     {"left-of-removed",
      N_("Left on the card of a certificate removed before: {left}. The card's own software can remove it.")},
     {"make-room-first",
      N_("If the card is full, remove something from it with the card's own software first.")},
     {"mark-left", N_("The mark {mark} of the request is still on the card: the list shows a request under "
                      "way until the next\ncertificate is installed, or the card's own software removes it.")},
+    {"names-too-long", N_("its subject or issuer has more than {bytes} bytes")},
     {"no-pair-waits", N_("No pair on the card waits for a certificate.")},
     {"no-random-text", N_("no random text could be made.")},
     {"no-request-in-file", N_("There is no request in {file}.")},

@@ -30,6 +30,7 @@ Rows remind_rows();
 Rows remove_rows();
 Rows renew_rows();
 Rows request_rows();
+Rows subject_rows();
 Rows waiting_rows();
 
 } // namespace words
