@@ -15,6 +15,7 @@ set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/
 set_target_properties(zvRenew min_zvCrypt zvhost zvrenew zvsimcard zvsimcard-tool PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 
 install(TARGETS zvRenew min_zvCrypt zvhost EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
+install(TARGETS zvfront LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zvrenew COMPONENT runtime)
 install(TARGETS zvrenew COMPONENT runtime)
 install(TARGETS zvsimcard zvsimcard-tool
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT simcard EXCLUDE_FROM_ALL

@@ -1,4 +1,5 @@
 #include "host/doctor_looks.h"
+#include "host/front.h"
 #include "host/module_folder.h"
 
 #include <algorithm>
@@ -88,6 +89,9 @@ void use(Looks& looks, const std::string& path) {
     const ModuleFacts& facts = looks.modules[path] = ask_module(path);
     if (!facts.usable()) return tell_problem(looks, path, facts);
     looks.add("module", Health::right, "doctor-module", {{"module", path}});
+    const std::string front = front_file();
+    looks.add("module", Health::right, front.empty() ? "doctor-no-front" : "doctor-front",
+              {{"module", path}, {"front", front}});
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "host/certificate.h"
 #include "host/certificate_facts.h"
 #include "host/error.h"
+#include "host/front.h"
 #include "host/library_text.h"
 #include "host/refused_pin.h"
 #include "zvRenew.h"
@@ -58,10 +59,11 @@ void read_with_library(OpenedCard& card, Reading& reading) {
     std::string reader = card.place.reader;
     char no_text[] = "";
     forget_library_texts();
-    const int code = rinnovo_Card_readCerts(
-        reader.data(), card.pin.text(), 0, services.list.entries(), signature.list.entries(),
-        authentication.list.entries(), &services.pending, &signature.pending, &authentication.pending,
-        signature.key.data(), authentication.key.data(), no_text, card.place.module_dir.c_str());
+    const int code = rinnovo_Card_readCerts(reader.data(), card.pin.text(), 0, services.list.entries(),
+                                            signature.list.entries(), authentication.list.entries(),
+                                            &services.pending, &signature.pending, &authentication.pending,
+                                            signature.key.data(), authentication.key.data(), no_text,
+                                            library_way(card.place.module_path).folder.c_str());
     if (code != ZV_OK)
         throw with_pin(card.pin,
                        library_stop("card-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}}));

@@ -1,6 +1,7 @@
 #include "host/module.h"
 
 #include "host/error.h"
+#include "host/front.h"
 #include "host/library_text.h"
 #include "host/refused_pin.h"
 
@@ -32,7 +33,7 @@ void require(CK_RV result, const char* what) {
 
 pkcs11::Module load(const std::string& path) {
     try {
-        return pkcs11::Module(path, pkcs11::Mapped::until_exit);
+        return pkcs11::Module(module_way(path), pkcs11::Mapped::until_exit);
     } catch (const pkcs11::NotLoaded& reason) {
         throw Error(Exit::failed, Sentence{"module-unloaded", {{"module", path}, {"reason", reason.what()}}});
     } catch (const pkcs11::NotAModule&) {

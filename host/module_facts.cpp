@@ -1,6 +1,7 @@
 #include "host/module_facts.h"
 
 #include "host/error.h"
+#include "host/front.h"
 #include "host/in_child.h"
 #include "host/place.h"
 #include "host/wire.h"
@@ -64,7 +65,7 @@ bool starts(const Tell& tell, const pkcs11::Module& module) {
 
 void use_module(const Tell& tell, const std::string& path) {
     {
-        const pkcs11::Module loaded(path, pkcs11::Mapped::until_exit);
+        const pkcs11::Module loaded(module_way(path), pkcs11::Mapped::until_exit);
         tell_step(tell, Stage::starting);
         if (!starts(tell, loaded)) return;
     }
@@ -77,6 +78,7 @@ void use_module(const Tell& tell, const std::string& path) {
         }
         tell_step(tell, Stage::ending);
     }
+    end_modules();
     tell_step(tell, Stage::done);
 }
 

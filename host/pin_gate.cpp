@@ -1,6 +1,7 @@
 #include "host/pin_gate.h"
 
 #include "host/error.h"
+#include "host/front.h"
 #include "host/library_text.h"
 #include "host/missing.h"
 #include "host/refused_pin.h"
@@ -53,7 +54,7 @@ Error wrong_pin(const Place& place, CardState state, const std::string& reason, 
 
 // The crypto library's own session, opened and closed here.
 int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
-    std::string path = place.module_path;
+    std::string path = library_way(place.module_path).path;
     int code = kvInitialize(path.data(), static_cast<int>(slot));
     if (code == ZVC_OK) code = kvLogin(pin.text());
     if (code != ZVC_OK) return code;
@@ -72,12 +73,12 @@ void prove_pin(const Place& place, const CardState& state, Pin& pin, PinSource& 
     throw Error(Exit::failed, Sentence{"pin-unchecked", {{"reason", reason}}});
 }
 
-// The same for every user, and for every way to the module. (FNV-1a: the name of a file is no secret.)
+// The same for every user, and for every way to the module, in which a slot may have other numbers. (FNV-1a: the name of a file is no secret.)
 std::string lock_of(const Place& place, const CardState& state) {
     std::error_code none;
     const std::string module = std::filesystem::weakly_canonical(place.module_path, none);
     std::uint64_t hash = 0xCBF29CE484222325;
-    for (const char c : fmt::format("{}\n{}\n{}", module, state.slot, state.serial))
+    for (const char c : fmt::format("{}\n{}", module, state.serial))
         hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
     return fmt::format("card-{:016x}", hash);
 }

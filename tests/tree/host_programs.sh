@@ -55,6 +55,8 @@ for host in c cpp py; do
     renewed "$host" DS0 DS3 "$@" "$lib" "$work/authority" DS0 remove
     if grep -q '"DS0"' "$host/status.json"; then echo "renew.$host left DS0 on the card"; exit 1; fi
     renewed "$host" CNS0 CNS0 "$@" "$lib" "$work/authority" CNS0 remove
+    LD_PRELOAD=$wrapper "$installed/bin/zvrenew" doctor --module-dir "$lib" >"$host/doctor" || true
+    grep -q "once a command, through $lib/zvrenew/" "$host/doctor" || { cat "$host/doctor"; echo "no front is used"; exit 1; }
     # A PIN that would cost a try for its form alone ends it before the card.
     if (cd "$host" && echo '12345678 ' | LD_PRELOAD=$wrapper "$@" "$lib" "$work/authority" DS3 >said 2>&1); then
         echo "renew.$host took a PIN with a blank at its end"

@@ -33,6 +33,7 @@ constexpr Row DOCTOR_ROWS[] = {
     {"doctor-folder", N_("{folder} can be written and has {free} bytes free.")},
     {"doctor-folder-closed", N_("{folder} cannot be written: no request can be made.")},
     {"doctor-folder-full", N_("{folder} has only {free} bytes free: a request may not pass.")},
+    {"doctor-front", N_("{module} is started once a command, through {front}.")},
     {"doctor-have-removed", N_("Have {owner} or an administrator remove it: rm -r \"{file}\"")},
     {"doctor-in-the-way", N_("{file}, of {owner}, is in the way of the library's: no request can be made.")},
     {"doctor-insert-card", N_("Put the card in.")},
@@ -66,6 +67,8 @@ constexpr Row DOCTOR_ROWS[] = {
     {"doctor-mute-card", N_("The card in \"{reader}\" does not answer.")},
     {"doctor-no-card", N_("\"{reader}\" holds no card.")},
     {"doctor-no-card-anywhere", N_("There is no card in any reader.")},
+    {"doctor-no-front", N_("{module} is started anew for each step: there is no libzvfront beside this "
+                           "program, or ZVRENEW_FRONT is \"off\".")},
     {"doctor-no-reader", N_("There is no card reader.")},
     {"doctor-one-configuration",
      N_("Only one file counts, never several: put into {file} what is wanted of the others.")},
