@@ -32,7 +32,8 @@ CK_RV Standing::start_module() const {
 
 CK_RV Standing::start(State& state) {
     CK_RV result = start_module();
-    if (result == CKR_CRYPTOKI_ALREADY_INITIALIZED && state.inherited == Started::here) {
+    const bool of_parent = state.parents != nullptr && state.parents->started == Started::here;
+    if (result == CKR_CRYPTOKI_ALREADY_INITIALIZED && of_parent) {
         // Such a module does not notice that this is another process than the one which started it.
         (void)module_.call<&List::C_Finalize>(nullptr);
         result = start_module();

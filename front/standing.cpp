@@ -9,7 +9,11 @@ namespace zvfront {
 
 Standing::Standing(std::string module_path, std::chrono::milliseconds longest_pause)
     : path_(std::move(module_path)), longest_pause_(longest_pause),
-      module_(path_, pkcs11::Mapped::until_exit), state_(new State(::getpid(), Started::no)) {}
+      module_(path_, pkcs11::Mapped::until_exit), state_(new State(::getpid())) {}
+
+Standing::~Standing() {
+    delete state_.load();
+}
 
 // What is open in a process is not open in its child: there it begins anew. What the parent's threads held, and had half
 // written, stays behind.
@@ -17,7 +21,7 @@ State& Standing::state() {
     State* now = state_.load();
     const pid_t process = ::getpid();
     if (now->process == process) return *now;
-    auto own = std::make_unique<State>(process, now->started);
+    auto own = std::make_unique<State>(process, now);
     return state_.compare_exchange_strong(now, own.get()) ? *own.release() : *now;
 }
 

@@ -25,6 +25,7 @@ class Standing {
   public:
     // @throws pkcs11::NotLoaded, pkcs11::NotAModule
     explicit Standing(std::string module_path, std::chrono::milliseconds longest_pause = LONGEST_PAUSE);
+    ~Standing();
     Standing(const Standing&) = delete;
     Standing& operator=(const Standing&) = delete;
 

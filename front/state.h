@@ -16,10 +16,10 @@ enum class Started { no, here, elsewhere };
 
 // What one process knows of a module.
 struct State {
-    State(pid_t owner, Started parents) : process(owner), inherited(parents) {}
+    explicit State(pid_t owner, const State* of_parent = nullptr) : process(owner), parents(of_parent) {}
 
     const pid_t process;
-    const Started inherited; // how it was in the process that this one is a child of
+    const State* const parents; // how it was in the process that this one is a child of, when that was made
     // A card does one thing at a time. A module may call its caller back, who may call it again.
     std::recursive_mutex gate;
     int depth = 0; // calls under way

@@ -72,7 +72,7 @@ std::string own_folder() {
 fs::path link_named(const std::string& name, const fs::path& file) {
     const fs::path folder = own_folder();
     if (folder.empty()) return {};
-    const fs::path link = folder / name;
+    fs::path link = folder / name;
     std::error_code failure;
     if (fs::read_symlink(link, failure) == file) return link;
     fs::remove(link, failure);
