@@ -64,7 +64,7 @@ std::string verdict(const Rehearsal& rehearsal) {
                                                     : Sentence{"would-not-go-through", {}});
 }
 
-Sentence heading(const CardFacts& card) {
+Sentence heading_of_rehearsal(const CardFacts& card) {
     return {"rehearsed-on-twin",
             {{"serial", card.state->serial},
              {"label", card.state->label},
@@ -75,7 +75,8 @@ Sentence heading(const CardFacts& card) {
 } // namespace
 
 std::string in_words(const Rehearsal& rehearsal) {
-    std::string text = words::of(heading(rehearsal.card.card)) + contents_in_words(rehearsal.before) + "\n";
+    std::string text =
+        words::of(heading_of_rehearsal(rehearsal.card.card)) + contents_in_words(rehearsal.before) + "\n";
     for (const RehearsedStep& step : rehearsal.steps)
         text += step_in_words(step);
     return text + "\n\n" + words::of(Sentence{"twin-afterwards", {}}) + contents_in_words(rehearsal.after) +
