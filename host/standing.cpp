@@ -95,7 +95,8 @@ std::string Standing::old_of(const std::string& pair) const {
             return one.id;
     if (remembers && std::find(retired.begin(), retired.end(), remembered.replaces) != retired.end())
         return remembered.replaces;
-    return others.size() == 1 ? others.front().id : "";
+    const bool is_gone = !signer.empty() || (remembers && !remembered.replaces.empty());
+    return others.size() == 1 && !is_gone ? others.front().id : "";
 }
 
 void Standing::note_request(const MadeRequest& made) {

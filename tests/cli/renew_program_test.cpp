@@ -93,6 +93,18 @@ TEST_F(RenewProgramTest, KeepsWhatNothingSaysToGo) {
     EXPECT_EQ(with_pin("remove DS0").code, 0) << "as advised";
 }
 
+TEST_F(RenewProgramTest, RemovesNoOtherInThePlaceOfOneThatIsGone) {
+    make_card_with({"DS0", "DS1"});
+    const std::string command = std::string("signature --force --certificate DS0 --remove-old ") + BY_FILE;
+    ASSERT_EQ(renew(command).code, 12);
+    ASSERT_EQ(tool("issue request --out certificate").code, 0);
+    EXPECT_NE(renew(command, "C_DestroyObject:3:kill-after").code, 0);
+    EXPECT_EQ(held(), Json::array({"DS1", "DS3"}));
+    const Outcome done = renew(command);
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(held(), Json::array({"DS1", "DS3"}));
+}
+
 TEST_F(RenewProgramTest, LeavesAServicesCardWithACertificate) {
     make_card(12, "cns");
     const std::string command = std::string("services --remove-old ") + BY_FILE;
