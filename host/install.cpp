@@ -5,6 +5,7 @@
 #include "host/library_text.h"
 #include "host/new_file.h"
 #include "host/numbered_steps.h"
+#include "host/objects_removed.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
 #include "host/refused_pin.h"
@@ -29,6 +30,7 @@ std::vector<Sentence> install_notices(const InstallPlan& plan) {
     std::vector<Sentence> notices;
     const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
     if (const Sentence issuer = new_issuer(plan); !issuer.empty()) note(issuer);
+    if (plan.first) note({"certificate-goes-first", {{"id", plan.first->id}}});
     if (plan.removed.empty()) return notices;
     if (plan.kind == Kind::services) {
         note({"removing-certificate", {{"id", plan.pair}}});
@@ -115,7 +117,7 @@ void refuse_leftovers(const InstallPlan& plan, const CardNow& now, const std::st
 
 OldCertificateNow old_now(const InstallPlan& plan) {
     if (!plan.old) return OldCertificateNow::none;
-    if (!plan.removed.empty()) return OldCertificateNow::removed;
+    if (!plan.removed.empty() || plan.first) return OldCertificateNow::removed;
     if (!plan.old->on_card) return OldCertificateNow::gone_before;
     return plan.kind == Kind::services ? OldCertificateNow::under_the_same_identifier
                                        : OldCertificateNow::beside;
@@ -206,6 +208,7 @@ class PlannedInstall::Work {
             progress.notice(notice);
         require_alone(card_);
         progress.step(Step({"step-store", {{"pair", plan_.pair}}}));
+        if (plan_.first) remove_objects(card_, {*plan_.first});
         if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK) {
             Error error = with_pin(card_.pin, library_stop("certificate-not-stored", code));
             undo_removal(progress);
@@ -220,7 +223,7 @@ class PlannedInstall::Work {
   private:
     // Of keys that stayed, the certificate comes back.
     void undo_removal(Progress& progress) {
-        if (plan_.removed.empty()) return;
+        if (plan_.removed.empty() && !plan_.first) return;
         for (const Change& change : seen_.changes)
             if (change.action == Action::remove && change.what == ObjectClass::certificate &&
                 change.id == plan_.old->id && store_back(card_, plan_.old->der, change.id, change.label))

@@ -130,6 +130,8 @@ InstallPlan plan_install(const InstallWishes& wishes, const IssuedFiles& files, 
     refuse_ambiguous(plan, view);
     refuse_doubled(view, {plan.pair});
     if (plan.old) plan_removal(plan, wishes, card.state.serial, view);
+    if (plan.old && wishes.certificate_first)
+        if (const CardObject* first = view.certificate(plan.old->id, plan.old->der)) plan.first = *first;
     refuse_doubled(view, plan.removed);
     refuse_worthless(wishes, plan, files, view);
     return plan;

@@ -38,7 +38,9 @@ struct InstallPlan {
     std::optional<OldCertificate> old;
     std::vector<std::string> removed; // identifiers that go, with --remove-old
     std::vector<std::string> left;    // identifiers of what a removal before this run left for good
-    Backup backup;                    // what goes or is replaced; nothing in it: none is needed
+    std::optional<CardObject>
+        first;     // the old certificate, which makes room for the new one and leaves its keys
+    Backup backup; // what goes or is replaced; nothing in it: none is needed
 };
 
 // Reads the files, and refuses a certificate that is not for the request's key or that no card can store.

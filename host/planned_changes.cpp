@@ -154,6 +154,10 @@ Plan changes_of(const InstallPlan& install, const CardFacts& card, const CardVie
     plan.card = card;
     plan.logins = LOGINS_OF_AN_INSTALLATION;
     if (!install.removed.empty()) remove_old(plan, install, view);
+    if (install.first) {
+        plan.changes.push_back(removal_of(*install.first, {"why-makes-room", {{"pair", install.pair}}}));
+        ++plan.logins;
+    }
     plan.changes.push_back({Action::create,
                             ObjectClass::certificate,
                             install.pair,

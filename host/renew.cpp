@@ -46,7 +46,10 @@ Renewal PlannedRenewal::Work::go_on(Progress& progress) {
 Error PlannedRenewal::Work::advised(Error error) const {
     for (Advice& advice : error.advice) {
         if (advice.key == "new-pair") advice.says = {"renewal-new-pair", {{"pair", standing_.waiting}}};
-        if (advice.key == "remove-old" && install_) advice.says = {"renewal-no-room", {{"file", answer_}}};
+        if (advice.key == "remove-old" && !answer_.empty())
+            advice.says = {lacks_room_ && !wishes_.remove_old ? "renewal-needs-remove-old"
+                                                              : "renewal-no-room",
+                           {{"file", answer_}}};
     }
     // A later step that did nothing does not know of those before it.
     if (!changed_) return error;
@@ -92,6 +95,8 @@ void PlannedRenewal::Work::remove(Progress& progress) {
     removal_.reset();
     removed_ = removed.id;
     backup_ = removed.backup;
+    std::erase_if(installed_ ? installed_->advice : left_,
+                  [](const Advice& one) { return one.key == "card-software"; });
     standing_.now = removed.now;
 }
 

@@ -26,12 +26,14 @@ class PlannedRenewal::Work {
     // What comes next.
     [[nodiscard]] bool plan_answer(const std::string& file);
     void plan_installation(const std::string& file);
+    void plan_with(const InstallWishes& wishes);
+    [[nodiscard]] bool plan_certificate_first();
     void plan_request();
     void plan_waiting();
     void plan_rest(const std::string& pair);
     void plan_removal(const std::string& old);
     void plan_unmarking();
-    [[nodiscard]] InstallWishes install_wishes(const std::string& file) const;
+    [[nodiscard]] InstallWishes install_wishes() const;
     [[nodiscard]] std::string old_of(const std::string& pair) const;
     void advise_on_kept(std::vector<Advice>& advice, const std::string& new_one) const;
 
@@ -62,6 +64,8 @@ class PlannedRenewal::Work {
     std::optional<PlannedRemoval> removal_;
     std::optional<Installed> installed_;
     std::vector<Advice> left_; // of what an installation before this run left
+    bool first_ = false;       // the old certificate goes before the new one is stored, its keys at the end
+    bool lacks_room_ = false;  // for both certificates
     bool unmarks_ = false;     // the mark of a request goes
     bool changed_ = false;     // the card, by this run
     std::string pair_;

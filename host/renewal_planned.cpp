@@ -1,9 +1,21 @@
 #include "host/renewal.h"
 #include "zvConstants.h"
 
+#include <cstddef>
 #include <variant>
 
 namespace zvhost {
+namespace {
+
+// As far as the card says how much it has.
+bool lacks_room(const Plan& plan) {
+    std::size_t needed = 0;
+    for (const Change& change : plan.changes)
+        if (change.action == Action::create) needed += change.size;
+    return plan.room && *plan.room < needed;
+}
+
+} // namespace
 
 void PlannedRenewal::Work::plan() {
     standing_ = find_standing(wishes_, choice_, pin_);
@@ -29,10 +41,10 @@ bool PlannedRenewal::Work::plan_answer(const std::string& file) {
     }
 }
 
-InstallWishes PlannedRenewal::Work::install_wishes(const std::string& file) const {
+InstallWishes PlannedRenewal::Work::install_wishes() const {
     const bool services = kind() == Kind::services;
     InstallWishes wishes;
-    wishes.certificate_file = file;
+    wishes.certificate_file = answer_;
     if (standing_.requested) wishes.request_file = wishes_.request.out;
     wishes.replace = wishes_.replace;
     wishes.remove_old = services && wishes_.remove_old;
@@ -42,19 +54,37 @@ InstallWishes PlannedRenewal::Work::install_wishes(const std::string& file) cons
     return wishes;
 }
 
-void PlannedRenewal::Work::plan_installation(const std::string& file) {
-    answer_ = file;
-    const InstallWishes wishes = install_wishes(file);
+void PlannedRenewal::Work::plan_with(const InstallWishes& wishes) {
+    install_.reset();
     try {
         install_.emplace(plan_install(wishes, choice_, pin_));
     } catch (Error& error) {
         if (std::get_if<AlreadyStored>(&error.found) == nullptr)
             error.advice.push_back(
-                {"other-file", {"renewal-answer-kept", {{"file", file}}}, {{"file", file}}});
+                {"other-file", {"renewal-answer-kept", {{"file", answer_}}}, {{"file", answer_}}});
         throw;
     }
     seen_ = install_->plan();
-    if (wishes.removed_later) seen_.notices.emplace_back("renewal-removes-later", Values{});
+}
+
+void PlannedRenewal::Work::plan_installation(const std::string& file) {
+    answer_ = file;
+    plan_with(install_wishes());
+    if (kind() == Kind::services) return;
+    lacks_room_ = lacks_room(seen_);
+    if (lacks_room_ && wishes_.remove_old && plan_certificate_first()) return;
+    if (lacks_room_) seen_.notices.emplace_back("renewal-little-room", Values{});
+    if (wishes_.remove_old) seen_.notices.emplace_back("renewal-removes-later", Values{});
+}
+
+// The old certificate makes room for the new one; its keys stay until that is proved, so that it can be stored back.
+bool PlannedRenewal::Work::plan_certificate_first() {
+    InstallWishes wishes = install_wishes();
+    wishes.replace = old_of(standing_.waiting);
+    wishes.certificate_first = true;
+    first_ = standing_.certificate(wishes.replace) != nullptr;
+    if (first_) plan_with(wishes);
+    return first_;
 }
 
 void PlannedRenewal::Work::plan_request() {
@@ -88,7 +118,7 @@ void PlannedRenewal::Work::plan_rest(const std::string& pair) {
 void PlannedRenewal::Work::plan_removal(const std::string& old) {
     RemovalWishes removal;
     removal.id = old;
-    removal.backup = wishes_.backup;
+    removal.backup = first_ && installed_ ? installed_->backup : wishes_.backup;
     removal_.emplace(zvhost::plan_removal(removal, choice_, pin_));
     seen_ = removal_->plan();
 }

@@ -28,6 +28,7 @@ struct InstallWishes {
     std::string replace;             // identifier; empty: the one that signed the request, or the only one
     bool remove_old = false;         // remove the old certificate and its keys
     bool removed_later = false;      // once the new one is proved, by whoever installs it
+    bool certificate_first = false;  // but its certificate before the new one: there is no room for both
     std::string backup;              // empty: a name made from the identifier and the serial number
     std::vector<std::string> accept; // of accepted_reasons()
 };

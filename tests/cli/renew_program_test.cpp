@@ -15,6 +15,14 @@ class RenewProgramTest : public ProgramTest {
     Outcome renew(const std::string& arguments, const std::string& rules = {}) {
         return with_pin("renew " + arguments, rules);
     }
+    // Has the card say how many bytes it has.
+    void leave_room(int bytes) {
+        const std::string card = (card_folder() / "card.ini").string();
+        ASSERT_EQ(shell("sed -i /memory_left/d " + card + " && echo memory_left = " + std::to_string(bytes) +
+                        " >>" + card)
+                      .code,
+                  0);
+    }
     // What there is under each identifier.
     Json held() {
         Json ids = Json::array();
@@ -79,6 +87,54 @@ TEST_F(RenewProgramTest, GoesOnWhereTheCertificateIsWaitedFor) {
     EXPECT_EQ(done.code, 0) << done.err;
     EXPECT_EQ(held(), Json::array({"DS3", "AUTHCertificate0"}));
     EXPECT_EQ(renew(command).code, 0) << "it is done";
+}
+
+TEST_F(RenewProgramTest, RemovesTheOldCertificateFirstWhereThereIsNoRoomForBoth) {
+    make_card(12);
+    const std::string command = std::string("signature --remove-old ") + BY_FILE;
+    ASSERT_EQ(renew(command).code, 12);
+    ASSERT_EQ(tool("issue request --out certificate").code, 0);
+    leave_room(100);
+    const Outcome dry = renew(command + "--dry-run");
+    EXPECT_TRUE(dry.says("- certificate DS0")) << dry.out;
+    EXPECT_TRUE(dry.says("no room for both certificates: DS0 is removed before")) << dry.out;
+
+    const Outcome broken = renew(command, "C_CreateObject:1:answer:0x30");
+    EXPECT_EQ(broken.code, 1) << broken.out;
+    EXPECT_TRUE(broken.says("DS0, is back on the card")) << broken.err;
+    EXPECT_EQ(held(), Json::array({"DS0", "AUTHCertificate0"}));
+    // It ends after the removal; the backup and the request say the rest.
+    EXPECT_NE(renew(command, "C_CreateObject:1:kill-before").code, 1);
+    EXPECT_EQ(held(), Json::array({"AUTHCertificate0"}));
+    const Outcome done = renew(command + "--json");
+    ASSERT_EQ(done.code, 0) << done.out << done.err;
+    EXPECT_EQ(held(), Json::array({"DS3", "AUTHCertificate0"}));
+    EXPECT_FALSE(with_pin("list").says("DS0"));
+    EXPECT_EQ(shell("cat DS0-*.pem | openssl x509 -noout").code, 0) << "its backup";
+}
+
+TEST_F(RenewProgramTest, SaysWhatMakesRoom) {
+    make_card(12);
+    const std::string command = std::string("signature ") + BY_FILE;
+    ASSERT_EQ(renew(command).code, 12);
+    ASSERT_EQ(tool("issue request --out certificate").code, 0);
+    leave_room(100);
+    const Outcome full = renew(command);
+    EXPECT_EQ(full.code, 1) << full.out;
+    EXPECT_TRUE(full.says("run the same command again with --remove-old")) << full.err;
+    const Json done = json("renew " + command + "--remove-old");
+    EXPECT_EQ(done["removed"], "DS0") << "as advised: " << done;
+    EXPECT_EQ(done["advice"], Json::array());
+    EXPECT_EQ(shell("openssl x509 -noout -in " + done["backup"].get<std::string>()).code, 0);
+
+    leave_room(20000);
+    ASSERT_EQ(renew("authentication --force --to r --from c").code, 12);
+    ASSERT_EQ(tool("issue r --out c").code, 0);
+    const Outcome unsaid =
+        renew("authentication --to r --from c --remove-old", "C_CreateObject:1:answer:0x31");
+    EXPECT_TRUE(unsaid.says("zvrenew install c --remove-old")) << unsaid.err;
+    EXPECT_EQ(with_pin("install c --remove-old").code, 0) << "as advised";
+    EXPECT_EQ(held(), Json::array({"DS3", "AUTHCertificate3"}));
 }
 
 TEST_F(RenewProgramTest, KeepsWhatNothingSaysToGo) {

@@ -10,6 +10,9 @@ constexpr Row INSTALL_ROWS[] = {
         "longer needed with the card's own software.")},
     {"begins-later", N_("It does not begin before {begins}.")},
     {"certificate-another", N_("the certificate {id} on the card is another one.")},
+    {"certificate-goes-first",
+     N_("The card has no room for both certificates: {id} is removed before the new one is stored, and "
+        "stored back should that fail. Its keys go once the new one is proved.")},
     {"certificate-missing", N_("there is no certificate {id} on the card.")},
     {"certificate-not-storable", N_("The certificate cannot be stored: {reason}.")},
     {"certificate-not-stored", N_("The certificate could not be stored{reason}.")},

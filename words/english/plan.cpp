@@ -24,6 +24,7 @@ constexpr Row PLAN_ROWS[] = {
     {"plan-logins", N_("The card would get the PIN for it this often: {logins}")},
     {"plan-room", N_("Room that the card has: {room} bytes")},
     {"why-authority-removed", N_("the authority's certificate goes with the old one; nothing puts it back")},
+    {"why-makes-room", N_("makes room for the certificate of {pair}")},
     {"why-mark", N_("marks that a request is under way")},
     {"why-mark-removed", N_("the request is answered")},
     {"why-new-certificate", N_("the new certificate, beside its keys")},

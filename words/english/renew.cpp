@@ -22,6 +22,10 @@ constexpr Row RENEW_ROWS[] = {
     {"renewal-done", N_("The new {kind} certificate is on the card, with its keys, as {pair}.")},
     {"renewal-kept", N_("The certificate {id} is still on the card. When it is no longer needed:  zvrenew "
                         "remove {id}")},
+    {"renewal-little-room",
+     N_("The card says that it has no room for both certificates: it may refuse the new one.")},
+    {"renewal-needs-remove-old", N_("The card has no room for both certificates, and the old one makes room: "
+                                    "run the same command again with --remove-old.")},
     {"renewal-new-pair",
      N_("Run the same command again. If it fails in the same way, give the pair up first:  "
         "zvrenew pending discard {pair}")},
