@@ -2,6 +2,7 @@
 
 #include "cli/command_tree.h"
 #include "cli/completion.h"
+#include "cli/mistake.h"
 #include "cli/option_list.h"
 #include "host/error.h"
 #include "words/language.h"
@@ -40,14 +41,16 @@ void translate(CLI::App& app) {
         app.get_formatter()->label(label, words::tr(label));
 }
 
-// Shows "--wait [=SECONDS]", a value that may be left out, in place of "--wait{SECONDS}".
+// Shows "--wait [=SECONDS]", a value that may be left out, in place of "--wait{SECONDS}", and what is given without a
+// name in the language.
 class Help : public CLI::Formatter {
   public:
     [[nodiscard]] std::string make_option_name(const CLI::Option* option, bool positional) const override {
-        std::string name = CLI::Formatter::make_option_name(option, positional);
+        const std::string name = CLI::Formatter::make_option_name(option, positional);
         const auto value = name.find('{');
-        if (value == std::string::npos) return name;
-        return name.substr(0, value) + " [=" + name.substr(value + 1, name.size() - value - 2) + "]";
+        if (value == std::string::npos) return positional ? words::tr(name.c_str()) : name;
+        const std::string shown = name.substr(value + 1, name.size() - value - 2);
+        return name.substr(0, value) + " [=" + words::tr(shown.c_str()) + "]";
     }
 };
 
@@ -71,9 +74,8 @@ Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool jso
     std::ostringstream out, none;
     if (app.exit(error, out, none) == 0)
         return {command, json, false, [text = out.str()] { return told(text); }};
-    return {command, json, false, [text = std::string(error.what())]() -> Report {
-                throw Error(Exit::refused, Sentence{"mistyped", {{"text", text}}},
-                            Advice{"help", Sentence{"help", {}}});
+    return {command, json, false, [mistake = mistake_in(app, error)]() -> Report {
+                throw Error(Exit::refused, mistake, Advice{"help", Sentence{"help", {}}});
             }};
 }
 

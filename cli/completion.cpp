@@ -2,6 +2,7 @@
 
 #include "cli/options.h"
 #include "host/kind.h"
+#include "words/words.h"
 
 #include <CLI/CLI.hpp>
 
@@ -53,7 +54,7 @@ void add_arguments(Candidates& candidates, const CLI::App& command) {
         candidates.add(one->get_name(), one->get_description());
     if (command.get_option_no_throw("KIND") == nullptr) return;
     for (const zv::KindRow& row : zv::KINDS)
-        candidates.add(row.name, std::string("the ") + row.name + " certificate");
+        candidates.add(row.name, words::of(Sentence{"certificate-of-kind", {{"kind", row.id}}}));
 }
 
 bool takes_argument(const CLI::App& command) {

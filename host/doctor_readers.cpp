@@ -107,7 +107,7 @@ void look_at_readers(Looks& looks) {
     const int code = kvGetReader(list.data());
     if (code == ZVC_OK) return look_into(looks, names_in(list.data()));
     if (code == ZVC_ERR_NO_SERVICE) return; // told of the service
-    const std::string reason = crypto_reason(code);
+    const auto reason = crypto_reason(code);
     if (code == ZVC_ERR_CONFIG || code == ZVC_ERR_CONFIG_FILE)
         return looks.add(
             "configuration", Health::wrong, "doctor-configuration-refused",

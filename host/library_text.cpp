@@ -6,7 +6,6 @@
 #include "zvRenew.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <array>
 #include <cstring>
@@ -36,19 +35,23 @@ std::string table_text(int code) {
     return one_line(errorMessages[code], ZV_MESSAGE_SIZE);
 }
 
-const char* own_words(int code) {
+Sentence own_words(int code) {
     switch (code) {
     case ZV_FAILED:
-        return "the step was refused";
+        return {"library-refused", {}};
     case ZV_UNSUPPORTED:
-        return "the card is not supported, or a temporary file could not be used";
+        return {"library-unsupported", {}};
     case ZV_UNUSABLE:
-        return "no usable module, or no slot for the reader";
+        return {"library-unusable", {}};
     case ZV_NOT_SENT:
-        return "stopped before it was sent, or the result is too large";
+        return {"library-not-sent", {}};
     default:
-        return "no reason was given";
+        return {"library-silent", {}};
     }
+}
+
+Sentence quoted(const std::string& text) {
+    return {"quoted", {{"text", text}}};
 }
 
 // Key generation tells its own result in the text alone.
@@ -63,6 +66,19 @@ std::string shown(int code) {
     return code < 0 ? std::to_string(code) : fmt::format("{:#x}", code);
 }
 
+// The texts that the library left, one or both; none: nothing to be told.
+Sentence own_texts() {
+    const std::string first = one_line(szSockMsg, ZV_MESSAGE_SIZE);
+    const std::string second = one_line(szBuffErr, ZV_MESSAGE_SIZE);
+    if (first.empty() && second.empty()) return {};
+    if (first.empty() || second.empty()) return quoted(first + second);
+    return {"two-quotes", {{"first", std::vector{quoted(first)}}, {"second", std::vector{quoted(second)}}}};
+}
+
+std::vector<Sentence> because(Sentence what, Value code) {
+    return {{"because", {{"what", std::vector{std::move(what)}}, {"code", std::move(code)}}}};
+}
+
 } // namespace
 
 void forget_library_texts() {
@@ -70,17 +86,15 @@ void forget_library_texts() {
     szSockMsg[0] = '\0';
 }
 
-std::string library_reason(int code) {
-    std::vector<std::string> quotes;
-    for (const char* source : {szSockMsg, szBuffErr}) {
-        const std::string text = one_line(source, ZV_MESSAGE_SIZE);
-        if (!text.empty()) quotes.push_back(fmt::format("\"{}\"", text));
-    }
-    const std::string meaning = table_text(code);
-    if (quotes.empty() && meaning.empty()) return fmt::format(": {} ({})", own_words(code), shown(code));
-    if (quotes.empty()) return fmt::format(": \"{}\" ({})", meaning, shown(code));
-    if (meaning.empty()) return fmt::format(": {} ({})", fmt::join(quotes, ", "), shown(code));
-    return fmt::format(": {} ({}, \"{}\")", fmt::join(quotes, ", "), shown(code), meaning);
+std::vector<Sentence> library_reason(int code) {
+    Sentence own = own_texts();
+    const std::string message = table_text(code);
+    if (own.empty()) return because(message.empty() ? own_words(code) : quoted(message), shown(code));
+    const bool told = one_line(szSockMsg, ZV_MESSAGE_SIZE).find(message) != std::string::npos;
+    if (told) return because(std::move(own), shown(code));
+    return because(std::move(own),
+                   std::vector{Sentence{"code-with-message",
+                                        {{"code", shown(code)}, {"message", std::vector{quoted(message)}}}}});
 }
 
 Error library_stop(const std::string& id, int code) {
@@ -97,12 +111,12 @@ Error library_stop(const std::string& id, int code, Advice advice) {
     return stop;
 }
 
-std::string crypto_reason(int code) {
+std::vector<Sentence> crypto_reason(int code) {
     std::array<char, ZV_MESSAGE_SIZE> buffer{};
     kvLastError(buffer.data(), static_cast<int>(buffer.size()));
     const std::string text = one_line(buffer.data(), buffer.size());
-    if (text.empty()) return fmt::format(" ({})", shown(code));
-    return fmt::format(": \"{}\" ({})", text, shown(code));
+    if (text.empty()) return {{"code-alone", {{"code", shown(code)}}}};
+    return because(quoted(text), shown(code));
 }
 
 } // namespace zvhost

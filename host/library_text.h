@@ -3,6 +3,7 @@
 #include "host/error.h"
 
 #include <string>
+#include <vector>
 
 namespace zvhost {
 
@@ -11,15 +12,15 @@ void forget_library_texts();
 
 // Says why a call of the library failed, to end a sentence: `: "Pin errato" (0xA0)`.
 //
-// The library's own Italian texts are quoted as they are; where it left none, the table of PKCS#11 messages
-// is asked, and for the library's own codes a few words of ours stand in.
-[[nodiscard]] std::string library_reason(int code);
+// The library's own Italian texts are quoted as they are, each as the sentence "quoted" with its {text}; where it left
+// none, the table of PKCS#11 messages is asked, and for the library's own codes a few words of ours stand in.
+[[nodiscard]] std::vector<Sentence> library_reason(int code);
 
 // A failed call of the library, as an Error: the sentence of that identifier, whose "{reason}" is library_reason().
 [[nodiscard]] Error library_stop(const std::string& id, int code);
 [[nodiscard]] Error library_stop(const std::string& id, int code, Advice advice);
 
 // The crypto library's reason of its last failure, to end a sentence in the same way.
-[[nodiscard]] std::string crypto_reason(int code);
+[[nodiscard]] std::vector<Sentence> crypto_reason(int code);
 
 } // namespace zvhost

@@ -42,7 +42,7 @@ Sentence tries_left(std::optional<PinState> pin) {
     return tries.empty() ? Sentence{"pin-tries-untold", {}} : tries;
 }
 
-Error wrong_pin(const Place& place, CardState state, const std::string& reason, bool locked) {
+Error wrong_pin(const Place& place, CardState state, const std::vector<Sentence>& reason, bool locked) {
     state.pin = pin_now(place, locked);
     locked = locked || state.pin == PinState::locked;
     Error stop(Exit::failed,
@@ -64,7 +64,7 @@ int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
 void prove_pin(const Place& place, const CardState& state, Pin& pin, PinSource& source) {
     const int code = try_pin(place, state.slot, pin);
     if (code == ZVC_OK) return;
-    const std::string reason = crypto_reason(code);
+    const auto reason = crypto_reason(code);
     kvFinalize();
     if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED) {
         source.refused();

@@ -67,6 +67,10 @@ void speak(const std::string& language, const std::filesystem::path& folder) {
     (void)::bind_textdomain_codeset("libc", "UTF-8");
 }
 
+bool speaks_english() {
+    return !is_spoken;
+}
+
 std::string tr(const char* english) {
     return is_spoken && *english != '\0' ? ::dgettext(DOMAIN, english) : english;
 }

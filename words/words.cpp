@@ -2,6 +2,7 @@
 
 #include "words/english/rows.h"
 #include "words/language.h"
+#include "words/quotes.h"
 
 #include <fmt/args.h>
 #include <fmt/chrono.h>
@@ -20,8 +21,8 @@ std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
     for (const Rows rows :
          {advice_rows(), card_rows(), command_line_rows(), doctor_rows(), files_rows(), install_rows(),
-          list_rows(), module_rows(), pin_rows(), plan_rows(), rehearse_rows(), remind_rows(), remove_rows(),
-          renew_rows(), request_rows(), subject_rows(), waiting_rows()})
+          library_rows(), list_rows(), module_rows(), pin_rows(), plan_rows(), rehearse_rows(), remind_rows(),
+          remove_rows(), renew_rows(), request_rows(), subject_rows(), waiting_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;
@@ -63,10 +64,19 @@ std::string with_values(const char* english, const Values& values) {
     return english;
 }
 
+// What the library says is Italian.
+std::string quote(const Sentence& quoted) {
+    const std::string text = in_place(quoted.values.front().second);
+    const std::string meaning = speaks_english() ? meaning_of(text) : "";
+    if (meaning.empty()) return with_values(text_of(quoted.id), quoted.values);
+    return of(Sentence{"quoted-with-meaning", {{"text", text}, {"meaning", meaning}}});
+}
+
 } // namespace
 
 std::string of(const Sentence& sentence) {
     if (sentence.empty()) return {};
+    if (sentence.id == "quoted") return quote(sentence);
     return with_values(text_of(sentence.id), sentence.values);
 }
 

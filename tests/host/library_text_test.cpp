@@ -1,5 +1,6 @@
 #include "host/library_text.h"
 #include "host/printable.h"
+#include "words/words.h"
 #include "zvRenew.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,10 @@
 namespace {
 
 using namespace zvhost;
+
+std::string told(int code) {
+    return words::of(library_reason(code));
+}
 
 class LibraryTextTest : public testing::Test {
   protected:
@@ -21,20 +26,24 @@ class LibraryTextTest : public testing::Test {
 
 TEST_F(LibraryTextTest, QuotesWhatTheLibraryLeftOnOneLineAndNothingBehindIt) {
     std::strcpy(szBuffErr, "Errore nella mininfo");
-    EXPECT_EQ(library_reason(1), ": \"Errore nella mininfo\" (0x1)");
-    std::strcpy(szSockMsg, "Errore aprendo la sessione.\r\nRiprovare\n (x)");
-    EXPECT_EQ(library_reason(0xA0),
-              ": \"Errore aprendo la sessione. Riprovare (x)\", \"Errore nella mininfo\" "
-              "(0xa0, \"Pin errato\")");
+    EXPECT_EQ(told(1), ": \"Errore nella mininfo\" (error in the command to the card) (0x1)");
+    std::strcpy(szSockMsg, "Non so.\r\nRiprovare\n (x)");
+    EXPECT_EQ(told(0xA0),
+              ": \"Non so. Riprovare (x)\", \"Errore nella mininfo\" (error in the command to the card) "
+              "(0xa0, \"Pin errato\" (wrong PIN))");
+    std::strcpy(szSockMsg, "Errore nel login alla smartcard (Pin errato)");
+    szBuffErr[0] = '\0';
+    EXPECT_EQ(told(0xA0), ": \"Errore nel login alla smartcard (Pin errato)\" "
+                          "(error in the login to the card (wrong PIN)) (0xa0)");
     forget_library_texts();
     std::memset(szBuffErr, 'x', sizeof szBuffErr);
-    EXPECT_EQ(library_reason(1), ": \"" + std::string(sizeof szBuffErr, 'x') + "\" (0x1)");
+    EXPECT_EQ(told(1), ": \"" + std::string(sizeof szBuffErr, 'x') + "\" (0x1)");
 }
 
 TEST_F(LibraryTextTest, FallsBackOnTheCodeAndStaysInsideTheTable) {
-    EXPECT_EQ(library_reason(0xA0), ": \"Pin errato\" (0xa0)");
+    EXPECT_EQ(told(0xA0), ": \"Pin errato\" (wrong PIN) (0xa0)");
     for (const int code : {1, 100, -1, -10000, 4, 511, 512, 0x2029, 0x7FFFFFFF}) {
-        const std::string reason = library_reason(code);
+        const std::string reason = told(code);
         EXPECT_EQ(reason.substr(0, 2), ": ") << code;
         EXPECT_EQ(reason.find('"'), std::string::npos) << code << reason;
     }

@@ -11,7 +11,7 @@ speaks() {
     shift 3
     said=en
     env -u LC_ALL -u LC_MESSAGES LANG="$locale" LANGUAGE="$list" "$program" "$@" 2>&1 |
-        grep -qE '^Uso: |scritto male' && said=it
+        grep -qE '^Uso: |Non previsto qui' && said=it
     [ $said = "$wanted" ] || { echo "LANG=$locale LANGUAGE=$list zvrenew $*: speaks $said"; status=1; }
 }
 program=$1
@@ -29,4 +29,17 @@ speaks it C "" list --lang=it --help
 speaks it C "" list --lang it --no-such-option
 speaks en it_IT.UTF-8 "" --lang en --help
 speaks en C "" list --lang de --help
+
+# What is wrong with a command line, in Italian: nothing of it is the parser's own English.
+for mistake in "" "request" "request firma" "request signature --days" "request signature --days x" "list --pin-fd x" \
+    "list --json=x" "frob" "list --wait=x" "list --days 1 --days 2" "status --no-such x" \
+    "install x.pem --accept other" "remove"; do
+    # shellcheck disable=SC2086 # several words
+    said=$("$program" --lang it $mistake 2>&1 </dev/null) || true
+    if echo "$said" | grep -qiE 'required|expected|convert|should|mistyped|missing|wants|override|ommand line|not in|scritto male' ||
+        ! echo "$said" | grep -q 'aggiungere --help'; then
+        echo "zvrenew --lang it $mistake: $said"
+        status=1
+    fi
+done
 exit $status

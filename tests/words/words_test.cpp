@@ -1,3 +1,4 @@
+#include "words/quotes.h"
 #include "words/words.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,15 @@ TEST(WordsTest, LosesNoSentenceWhoseValuesAreOthers) {
     EXPECT_EQ(words::of(zvhost::Sentence{"pin-wrong", {{"reason", "."}}}),
               "The PIN is wrong{reason}; {tries}.");
     EXPECT_EQ(words::of(zvhost::Sentence{"no-such-sentence", {}}), "no-such-sentence");
+}
+
+TEST(WordsTest, KnowsWhatTheLibrarySays) {
+    EXPECT_EQ(words::meaning_of("PIN errato (C_Login: 0xA0). Il PIN ora è bloccato"),
+              "wrong PIN (C_Login: 0xA0); the PIN is locked now");
+    EXPECT_EQ(words::meaning_of("Impossibile aprire /a: permesso negato"),
+              "/a cannot be opened: permission denied");
+    for (const char* text : {"", "x", "Pin errato!", "x (C_Login: 0xA0)"})
+        EXPECT_EQ(words::meaning_of(text), "") << text;
 }
 
 } // namespace

@@ -21,6 +21,7 @@ Rows command_line_rows();
 Rows doctor_rows();
 Rows files_rows();
 Rows install_rows();
+Rows library_rows();
 Rows list_rows();
 Rows module_rows();
 Rows pin_rows();
