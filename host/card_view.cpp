@@ -1,12 +1,12 @@
 #include "host/card_view.h"
 
+#include "host/attributes.h"
 #include "host/error.h"
 #include "host/remember.h"
 #include "zvCrypt.h"
 #include "zvRenew.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zvhost {
 namespace {
@@ -14,13 +14,6 @@ namespace {
 // A text ends at its first zero byte, as the library reads identifiers.
 std::string as_text(const Bytes& bytes) {
     return {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)};
-}
-
-CK_OBJECT_CLASS class_of(const Session& session, CK_OBJECT_HANDLE handle) {
-    const Bytes value = session.attribute(handle, CKA_CLASS);
-    CK_OBJECT_CLASS type = CKO_VENDOR_DEFINED;
-    if (value.size() == sizeof type) std::memcpy(&type, value.data(), sizeof type);
-    return type;
 }
 
 Bytes without_leading_zeros(Bytes number) {
@@ -33,26 +26,28 @@ bool is_key(CK_OBJECT_CLASS type) {
     return type == CKO_PUBLIC_KEY || type == CKO_PRIVATE_KEY;
 }
 
+bool is_true(const Bytes& value) {
+    return value.size() == 1 && value.front() == CK_TRUE;
+}
+
 // What is no certificate, key or data may refuse to tell anything of itself.
 CardObject read_object(const Session& session, CK_OBJECT_HANDLE handle) {
+    const Attributes all(
+        session, handle,
+        {CKA_CLASS, CKA_ID, CKA_LABEL, CKA_VALUE, CKA_MODULUS, CKA_PUBLIC_EXPONENT, CKA_ALWAYS_AUTHENTICATE});
     CardObject object;
     object.handle = handle;
-    object.type = class_of(session, handle);
+    object.type = as_class(all.get(CKA_CLASS));
     if (object.type != CKO_CERTIFICATE && !is_key(object.type)) {
-        object.id = as_text(session.attribute_if_given(handle, CKA_ID));
-        if (object.type == CKO_DATA) object.label = as_text(session.attribute(handle, CKA_LABEL));
+        object.id = as_text(all.get_if_given(CKA_ID));
+        if (object.type == CKO_DATA) object.label = as_text(all.get(CKA_LABEL));
         return object;
     }
-    object.id = as_text(session.attribute(handle, CKA_ID));
-    object.label = as_text(session.attribute(handle, CKA_LABEL));
-    if (object.type == CKO_CERTIFICATE) object.value = session.attribute(handle, CKA_VALUE);
-    if (is_key(object.type)) object.value = without_leading_zeros(session.attribute(handle, CKA_MODULUS));
-    if (object.type == CKO_PRIVATE_KEY) {
-        const Bytes always = session.attribute_if_given(handle, CKA_ALWAYS_AUTHENTICATE);
-        object.wants_pin = always.size() == 1 && always.front() == CK_TRUE;
-    }
-    if (object.type == CKO_PUBLIC_KEY)
-        object.exponent = without_leading_zeros(session.attribute(handle, CKA_PUBLIC_EXPONENT));
+    object.id = as_text(all.get(CKA_ID));
+    object.label = as_text(all.get(CKA_LABEL));
+    object.value = is_key(object.type) ? without_leading_zeros(all.get(CKA_MODULUS)) : all.get(CKA_VALUE);
+    if (object.type == CKO_PRIVATE_KEY) object.wants_pin = is_true(all.get_if_given(CKA_ALWAYS_AUTHENTICATE));
+    if (object.type == CKO_PUBLIC_KEY) object.exponent = without_leading_zeros(all.get(CKA_PUBLIC_EXPONENT));
     return object;
 }
 

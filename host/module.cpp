@@ -4,6 +4,7 @@
 #include "host/front.h"
 #include "host/library_text.h"
 #include "host/refused_pin.h"
+#include "zvConstants.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,7 @@ namespace {
 
 // What a module answers is not trusted: no card has this many, and nothing on it is this large.
 constexpr CK_ULONG MOST_SLOTS = 256;
-constexpr std::size_t MOST_OBJECTS = 1024;
+constexpr std::size_t HANDLES_PER_CALL = 64;
 constexpr CK_ULONG LONGEST_ATTRIBUTE = 65536;
 constexpr CK_ULONG LONGEST_SIGNATURE = 1024;
 
@@ -104,10 +105,10 @@ std::vector<CK_OBJECT_HANDLE> Session::objects() const {
     CK_RV result = CKR_OK;
     CK_ULONG count = 0;
     do {
-        std::array<CK_OBJECT_HANDLE, 16> some{};
+        std::array<CK_OBJECT_HANDLE, HANDLES_PER_CALL> some{};
         count = 0;
         result = module_.call<&List::C_FindObjects>(handle_, some.data(), CK_ULONG{some.size()}, &count);
-        if (result == CKR_OK && (count > some.size() || found.size() > MOST_OBJECTS))
+        if (result == CKR_OK && (count > some.size() || found.size() + count > ZV_OBJECTS_MAX))
             result = CKR_GENERAL_ERROR;
         if (result == CKR_OK) found.insert(found.end(), some.begin(), some.begin() + count);
     } while (result == CKR_OK && count != 0);
@@ -144,6 +145,10 @@ Bytes Session::attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const 
 Bytes Session::attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const {
     Bytes value;
     return read(object, type, value) == CKR_OK ? value : Bytes();
+}
+
+CK_RV Session::read_at_once(CK_OBJECT_HANDLE object, std::vector<CK_ATTRIBUTE>& wanted) const {
+    return module_.call<&List::C_GetAttributeValue>(handle_, object, wanted.data(), CK_ULONG{wanted.size()});
 }
 
 void Session::destroy(CK_OBJECT_HANDLE object) {

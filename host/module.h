@@ -59,6 +59,8 @@ class Session {
     [[nodiscard]] Bytes attribute(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
     // The same of an object that nothing depends on: empty also when it cannot be read.
     [[nodiscard]] Bytes attribute_if_given(CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type) const;
+    // Asks for several at once, as the module does it: its result, and what it wrote.
+    [[nodiscard]] CK_RV read_at_once(CK_OBJECT_HANDLE object, std::vector<CK_ATTRIBUTE>& wanted) const;
     // Signs a PKCS#1 v1.5 block (a DigestInfo) with a private key. One that wants the PIN for that gets `pin`,
     // once; nothing when it refuses it. @throws Error
     [[nodiscard]] std::optional<Bytes> sign(CK_OBJECT_HANDLE key, Bytes digest_info,

@@ -1,8 +1,7 @@
 #include "host/public_card.h"
 
+#include "host/attributes.h"
 #include "host/card_view.h"
-
-#include <cstring>
 
 namespace zvhost {
 namespace {
@@ -12,16 +11,14 @@ std::string plain_text(const Bytes& bytes) {
 }
 
 std::optional<PublicObject> object_in(const Session& session, CK_OBJECT_HANDLE handle) {
-    const Bytes type = session.attribute_if_given(handle, CKA_CLASS);
+    const Attributes all(session, handle,
+                         {CKA_CLASS, CKA_ID, CKA_LABEL, CKA_VALUE, CKA_MODULUS, CKA_APPLICATION});
     PublicObject object;
-    if (type.size() != sizeof object.type) return std::nullopt;
-    std::memcpy(&object.type, type.data(), sizeof object.type);
+    object.type = as_class(all.get_if_given(CKA_CLASS));
     const bool known =
         object.type == CKO_CERTIFICATE || object.type == CKO_PUBLIC_KEY || object.type == CKO_DATA;
     if (!known) return std::nullopt;
-    const auto read = [&](CK_ATTRIBUTE_TYPE attribute) {
-        return plain_text(session.attribute_if_given(handle, attribute));
-    };
+    const auto read = [&](CK_ATTRIBUTE_TYPE attribute) { return plain_text(all.get_if_given(attribute)); };
     object.id = read(CKA_ID);
     object.label = read(CKA_LABEL);
     object.value = read(object.type == CKO_PUBLIC_KEY ? CKA_MODULUS : CKA_VALUE);

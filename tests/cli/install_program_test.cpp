@@ -131,7 +131,7 @@ TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
     EXPECT_FALSE(outcome.changed_card());
     EXPECT_EQ(simcard::read_file(file("mine")), "mine");
     EXPECT_TRUE(outcome.says("another name with --backup"));
-    outcome = with_pin("install certificate --remove-old", "C_GetAttributeValue:9:answer:0x30");
+    outcome = with_pin("install certificate --remove-old", "C_GetAttributeValue:3+:answer:0x30");
     EXPECT_EQ(outcome.code, 1) << "what is not read is in no backup: " << outcome.err;
     EXPECT_TRUE(outcome.says("reader and run the same command again")) << outcome.err;
     EXPECT_FALSE(outcome.changed_card());
