@@ -41,9 +41,7 @@ void advise_on_pending(std::vector<Advice>& advice, const ListedPair& listed) {
 }
 
 Advice advice_on_retired(const RetiredPair& pair) {
-    return {"card-software",
-            {"keys-left", {{"keys", pair.id}, {"backup", pair.backup}}},
-            {{"remove", std::vector{pair.id}}}};
+    return {"remove", {"keys-left", {{"id", pair.id}, {"backup", pair.backup}}}, {{"id", pair.id}}};
 }
 
 void advise_on_services(std::vector<Advice>& advice, bool stored) {

@@ -2,6 +2,9 @@
 
 #include "host/certificate_record.h"
 #include "host/journal_problem.h"
+#include "host/wishes.h"
+
+#include <string>
 
 namespace zvhost {
 namespace {
@@ -17,11 +20,23 @@ bool is_that(const RememberedCertificate& a, const RememberedCertificate& b) {
     return a.kind == b.kind && a.id == b.id && a.serial == b.serial;
 }
 
-Reminder reminder_of(const RememberedCard& card, const RememberedCertificate& one, std::time_t now) {
+// A services card holds one certificate of its own. What is not due in the usual days has to be told so.
+std::string what_to_renew(const RememberedCertificate& one, int days, std::time_t now) {
+    std::string argument = kind_name(one.kind);
+    if (one.kind == Kind::services) argument += " --remove-old";
+    if (!ends_within(one.ends, USUAL_DAYS, now)) argument += " --days " + std::to_string(days);
+    return argument;
+}
+
+Reminder reminder_of(const RememberedCard& card, const RememberedCertificate& one, int days,
+                     std::time_t now) {
     Reminder reminder{card.serial, card.seen_at, one, one.ends < now, card.is_pending(one.kind), {}, {}};
-    const Values about = {
-        {"kind", one.kind},    {"argument", kind_name(one.kind)}, {"id", one.id},
-        {"card", card.serial}, {"seen", Moment{card.seen_at}},    {"end", Moment{one.ends}}};
+    const Values about = {{"kind", one.kind},
+                          {"argument", what_to_renew(one, days, now)},
+                          {"id", one.id},
+                          {"card", card.serial},
+                          {"seen", Moment{card.seen_at}},
+                          {"end", Moment{one.ends}}};
     const std::string when = reminder.ended ? "reminder-ended" : "reminder-ends";
     reminder.title = {when + "-title", about};
     reminder.says = {when + (reminder.under_way ? "-under-way" : ""), about};
@@ -35,7 +50,7 @@ std::vector<Reminder> reminders(const Journal& journal, int days, std::time_t no
     for (const RememberedCard& card : journal.cards())
         for (const RememberedCertificate& one : card.certificates)
             if (!one.replaced && ends_within(one.ends, days, now) && !was_told(one, now))
-                found.push_back(reminder_of(card, one, now));
+                found.push_back(reminder_of(card, one, days, now));
     return found;
 }
 

@@ -74,23 +74,24 @@ TEST_F(RemindProgramTest, TellsOfACertificateOnceAWeekUntilItIsReplaced) {
         << notifications();
     EXPECT_NE(notifications().find("The signature certificate DS0 on the card "), std::string::npos)
         << notifications();
-    EXPECT_TRUE(first.says("zvrenew request signature --out FILE")) << first.out;
+    EXPECT_TRUE(first.says("zvrenew renew signature --from CERTIFICATE")) << first.out;
     EXPECT_FALSE(first.says("AUTHCertificate0")) << "not due";
     let_pass(6);
     const Outcome again = remind("--json");
     EXPECT_EQ(again.code, 0);
     EXPECT_EQ(notifications(), "");
     EXPECT_TRUE(Json::parse(again.out)["reminders"].empty());
+    EXPECT_TRUE(remind("--days 5000").says("zvrenew renew authentication --days 5000 --from CERTIFICATE"));
     let_pass(1);
     EXPECT_EQ(Json::parse(remind("--json").out)["reminders"][0]["id"], "DS0");
     EXPECT_NE(notifications(), "");
 
     let_pass(8);
     ASSERT_EQ(tool("insert card").code, 0);
-    ASSERT_EQ(with_pin("request signature --out FILE").code, 0) << "as advised";
+    ASSERT_EQ(with_pin("renew signature --from CERTIFICATE").code, 12) << "as advised";
     EXPECT_TRUE(remind().says("is under way: when the authority's certificate comes"));
     let_pass(8);
-    ASSERT_EQ(tool("issue FILE --out CERTIFICATE").code, 0);
+    ASSERT_EQ(tool("issue request-signature.b64 --out CERTIFICATE").code, 0);
     ASSERT_EQ(with_pin("install CERTIFICATE").code, 0) << "as advised";
     EXPECT_EQ(remind().code, 0);
     EXPECT_EQ(notifications(), "");

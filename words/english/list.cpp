@@ -22,8 +22,8 @@ constexpr Row LIST_ROWS[] = {
     {"head-holder", N_("HOLDER")},
     {"head-identifier", N_("IDENTIFIER")},
     {"head-kind", N_("KIND")},
-    {"keys-left", N_("The keys {keys} are what is left of a certificate that was removed (a copy: "
-                     "{backup}).\n  The card's own software can remove them; nothing uses them.")},
+    {"keys-left", N_("The keys {id} are what is left of a certificate that was removed (a copy: {backup}); "
+                     "nothing uses them.\n  They can go:   zvrenew remove {id}")},
     {"list-card", N_("Card {serial} (\"{label}\") in {reader}")},
     {"list-card-unknown", N_("Card in {reader}")},
     {"list-empty", N_("  (no certificates)")},

@@ -25,8 +25,8 @@ constexpr Row REMIND_ROWS[] = {
     {"reminder-ends", N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ends on "
                          "{end}. An expired certificate cannot "
                          "sign the request for its successor: renew it before that. Put the card in the "
-                         "reader and run:  zvrenew request "
-                         "{argument} --out FILE")},
+                         "reader and run:  zvrenew renew "
+                         "{argument} --from CERTIFICATE")},
     {"reminder-ends-title", N_("A certificate on your card ends on {end}")},
     {"reminder-ends-under-way",
      N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ends on {end}. A request for "
