@@ -8,7 +8,8 @@ using Clock = std::chrono::steady_clock;
 } // namespace
 
 bool Standing::is_worn(const State& state) const {
-    return state.started == Started::here && Clock::now() - state.closed > longest_pause_;
+    const bool unused = Clock::now() - state.closed > longest_pause_;
+    return state.started == Started::here && (unused || state.objects.mixed_up());
 }
 
 CK_RV Standing::initialize(State& state, const CK_C_INITIALIZE_ARGS* wishes) {
@@ -38,6 +39,7 @@ CK_RV Standing::start(State& state) {
         (void)module_.call<&List::C_Finalize>(nullptr);
         result = start_module();
     }
+    state.objects = {};
     if (result == CKR_OK) {
         state.started = Started::here;
         // Exit handlers run last first: this one before those of what the module has started.

@@ -2,13 +2,16 @@
 
 namespace zvfront {
 
-void Opening::closed(CK_SESSION_HANDLE session) {
+std::optional<CK_SLOT_ID> Opening::slot_of(CK_SESSION_HANDLE session) const {
     const auto found = sessions_.find(session);
-    if (found == sessions_.end()) return;
-    const CK_SLOT_ID slot = found->second;
-    sessions_.erase(found);
+    return found == sessions_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void Opening::closed(CK_SESSION_HANDLE session) {
+    const auto slot = slot_of(session);
+    sessions_.erase(session);
     // The last one takes the login along.
-    if (!slots().contains(slot)) logged_in_.erase(slot);
+    if (slot && !slots().contains(*slot)) logged_in_.erase(*slot);
 }
 
 void Opening::closed_all(CK_SLOT_ID slot) {
@@ -17,17 +20,16 @@ void Opening::closed_all(CK_SLOT_ID slot) {
 }
 
 void Opening::logged_in(CK_SESSION_HANDLE session) {
-    if (const auto found = sessions_.find(session); found != sessions_.end())
-        logged_in_.insert(found->second);
+    if (const auto slot = slot_of(session)) logged_in_.insert(*slot);
 }
 
 void Opening::logged_out(CK_SESSION_HANDLE session) {
-    if (const auto found = sessions_.find(session); found != sessions_.end()) logged_in_.erase(found->second);
+    if (const auto slot = slot_of(session)) logged_in_.erase(*slot);
 }
 
 bool Opening::is_logged_in(CK_SESSION_HANDLE session) const {
-    const auto found = sessions_.find(session);
-    return found != sessions_.end() && logged_in_.contains(found->second);
+    const auto slot = slot_of(session);
+    return slot && logged_in_.contains(*slot);
 }
 
 std::set<CK_SLOT_ID> Opening::slots() const {

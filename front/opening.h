@@ -3,6 +3,7 @@
 #include "pkcs11.h"
 
 #include <map>
+#include <optional>
 #include <set>
 
 namespace zvfront {
@@ -16,6 +17,8 @@ class Opening {
     void logged_in(CK_SESSION_HANDLE session);
     void logged_out(CK_SESSION_HANDLE session);
 
+    // The slot of a session; none of one that is not known.
+    [[nodiscard]] std::optional<CK_SLOT_ID> slot_of(CK_SESSION_HANDLE session) const;
     // Whether somebody is logged in to the card of a session, as far as this caller's logins go.
     [[nodiscard]] bool is_logged_in(CK_SESSION_HANDLE session) const;
     // Slots in which a session is left.

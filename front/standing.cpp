@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -63,6 +64,21 @@ CK_RV Standing::forward(State& state, Call call) {
     return result == CKR_OK ? note(state, call) : result;
 }
 
+void Standing::note_objects(State& state, const Call& call) {
+    const auto slot = state.opening->slot_of(call.arguments[0]);
+    if (!slot) return;
+    if (call.function == Function::C_DestroyObject) state.objects.destroyed(*slot, call.arguments[1]);
+    if (call.function == Function::C_FindObjects)
+        for (CK_ULONG i = 0; i < std::min(call.arguments[2], *call.pointer<CK_ULONG>(3)); ++i)
+            state.objects.found(*slot, call.pointer<CK_OBJECT_HANDLE>(1)[i]);
+    if (!pkcs11::makes_objects(call.function)) return;
+    const auto& parameters = call.parameters();
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        if (const auto* handle = call.pointer<CK_OBJECT_HANDLE>(i);
+            parameters[i].role == pkcs11::Role::new_objects && handle != nullptr)
+            state.objects.made(*slot, *handle);
+}
+
 // Takes account of a call that succeeded, whose slots are the module's, and gives the caller its numbers.
 CK_RV Standing::note(State& state, const Call& call) const {
     Opening& opening = *state.opening;
@@ -86,6 +102,7 @@ CK_RV Standing::note(State& state, const Call& call) const {
     case Function::C_GetSessionInfo:
         return give_number(state, call.pointer<CK_SESSION_INFO>(1)->slotID);
     default:
+        note_objects(state, call);
         break;
     }
     return CKR_OK;

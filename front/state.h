@@ -1,5 +1,6 @@
 #pragma once
 
+#include "front/known_objects.h"
 #include "front/opening.h"
 #include "front/slot_numbers.h"
 
@@ -27,6 +28,7 @@ struct State {
     std::optional<Opening> opening;
     std::chrono::steady_clock::time_point closed; // when the last one ended
     SlotNumbers slots;
+    KnownObjects objects;
 };
 
 // The way into a module, for one call.

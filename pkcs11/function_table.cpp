@@ -66,6 +66,13 @@ const FunctionInfo& info(Function function) {
     return table()[static_cast<std::size_t>(function)];
 }
 
+bool makes_objects(Function function) {
+    const auto& parameters = info(function).parameters;
+    return function != Function::C_FindObjects &&
+           std::any_of(parameters.begin(), parameters.end(),
+                       [](const Parameter& parameter) { return parameter.role == Role::new_objects; });
+}
+
 std::optional<Function> function_named(std::string_view name) {
     for (std::size_t i = 0; i < FUNCTION_COUNT; ++i)
         if (table()[i].name == name) return static_cast<Function>(i);

@@ -53,6 +53,9 @@ struct FunctionInfo {
 // Name and parameters of a function.
 [[nodiscard]] const FunctionInfo& info(Function function);
 
+// Whether it makes objects, whose handles go where its parameters say.
+[[nodiscard]] bool makes_objects(Function function);
+
 // The function of that name, such as "C_Login".
 [[nodiscard]] std::optional<Function> function_named(std::string_view name);
 

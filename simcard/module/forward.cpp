@@ -4,7 +4,6 @@
 #include "simcard/module/space.h"
 #include "simcard/module/state.h"
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -87,14 +86,6 @@ void take_in_objects(const Call& call, const Target& target) {
 
 } // namespace
 
-bool makes_objects(const Call& call) {
-    const auto& parameters = call.parameters();
-    return call.function != Function::C_FindObjects &&
-           std::any_of(parameters.begin(), parameters.end(), [](const pkcs11::Parameter& parameter) {
-               return parameter.role == Role::new_objects;
-           });
-}
-
 std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count, CK_ATTRIBUTE_TYPE type) {
     if (!attributes) return std::nullopt;
     for (const CK_ATTRIBUTE* entry = attributes; entry != attributes + count; ++entry)
@@ -115,7 +106,7 @@ CK_RV forward(Call call) {
     std::this_thread::sleep_for(std::chrono::microseconds(target.slot->card().latency_us));
     const CK_RV result = call.invoke(*state().hsm->get(), call.arguments);
     if (result != CKR_OK) return result;
-    if (makes_objects(call)) take_in_objects(call, target);
+    if (pkcs11::makes_objects(call.function)) take_in_objects(call, target);
     space.settle();
     return CKR_OK;
 }

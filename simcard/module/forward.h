@@ -17,9 +17,6 @@ template <Function F, class... A> [[nodiscard]] CK_RV forward(A... arguments) {
     return forward(pkcs11::make_call<F>(arguments...));
 }
 
-// Whether a function makes objects.
-[[nodiscard]] bool makes_objects(const Call& call);
-
 // Reads a truth value of a template.
 [[nodiscard]] std::optional<bool> flag_in(const CK_ATTRIBUTE* attributes, CK_ULONG count,
                                           CK_ATTRIBUTE_TYPE type);

@@ -75,7 +75,7 @@ CK_ULONG objects_on(const fs::path& folder) {
 Space::Space(const Card& card, const Call& call, CK_SESSION_HANDLE session) : card_(card) {
     if (call.function == Function::C_DestroyObject && card.memory_left)
         given_back_ = bytes_on_card(session, call.arguments[1]);
-    if (!makes_objects(call)) return;
+    if (!pkcs11::makes_objects(call.function)) return;
     const auto& parameters = call.parameters();
     const bool unsaid = call.function == Function::C_CopyObject; // one unless its template says no
     for (std::size_t i = 0; i < parameters.size(); ++i) {

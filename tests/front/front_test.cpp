@@ -151,10 +151,30 @@ TEST(Front, StandsBeforeSeveralModulesWithoutMixingThemUp) {
 TEST(Front, TakesAModuleThatTakesNoLocksAndLacksFunctions) {
     const Front front(ZVFRONT_LOCKLESS);
     ASSERT_EQ(front->C_Initialize(nullptr), CKR_OK);
-    CK_ULONG count = 0;
-    EXPECT_EQ(front->C_GetSlotList(CK_FALSE, nullptr, &count), CKR_FUNCTION_NOT_SUPPORTED);
-    EXPECT_EQ(front->C_GetInfo(nullptr), CKR_FUNCTION_NOT_SUPPORTED);
+    CK_SLOT_INFO info{};
+    EXPECT_EQ(front->C_GetSlotInfo(0, &info), CKR_FUNCTION_NOT_SUPPORTED);
+    EXPECT_EQ(front->C_CloseSession(front.open()), CKR_FUNCTION_NOT_SUPPORTED);
     EXPECT_EQ(front->C_Finalize(nullptr), CKR_OK);
+}
+
+TEST(Front, StartsAModuleAnewThatMixesUpItsObjects) {
+    const Front front(ZVFRONT_LOCKLESS);
+    const auto starts_after = [&](bool creates) {
+        CK_INFO info{};
+        CK_OBJECT_HANDLE object = 0;
+        CK_ULONG count = 0;
+        EXPECT_EQ(front->C_Initialize(nullptr), CKR_OK);
+        EXPECT_EQ(front->C_FindObjects(front.open(), &object, 1, &count), CKR_OK);
+        const auto create = front->C_CreateObject;
+        EXPECT_EQ(creates ? create(front.open(), nullptr, 0, &object) : CKR_OK, CKR_OK);
+        EXPECT_EQ(front->C_GetInfo(&info), CKR_OK);
+        EXPECT_EQ(front->C_Finalize(nullptr), CKR_OK);
+        return info.flags;
+    };
+    const CK_FLAGS first = starts_after(false);
+    EXPECT_EQ(starts_after(true), first);
+    EXPECT_EQ(starts_after(false), first + 1);
+    EXPECT_EQ(starts_after(false), first + 1);
 }
 
 TEST(Front, StaysAwayFromWhatIsNoModule) {
