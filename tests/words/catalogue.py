@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """catalogue.py ROOT LANGUAGE: fails when a text that is told has no translation, or one with other places; when there is
-a translation of what nothing tells; when a sentence that the engine or the program tells has no row, or not one; and when
-a row is told nowhere."""
+a translation of what nothing tells; when a sentence that the engine or the program tells has no row, not one, or not the
+values that its row has places for; and when a row is told nowhere."""
 import pathlib
 import re
 import subprocess
@@ -15,8 +15,8 @@ SHOWN = ["text:2", "words:2", "argument:1", "kind:1"]
 wrong = []
 
 
-def run(*command):
-    return subprocess.run(command, check=True, capture_output=True, encoding="utf-8", cwd=root).stdout
+def run(*command, errors=None):
+    return subprocess.run(command, check=not errors, stdout=subprocess.PIPE, stderr=errors, encoding="utf-8", cwd=root).stdout
 
 
 def unquoted(text):
@@ -53,6 +53,7 @@ def check_translations():
     areas = sorted(str(path) for path in (root / "words" / language).glob("*.po"))
     translated = {}
     for area in areas:
+        wrong.extend(run("msgfmt", "--check", "-o", "/dev/null", area, errors=subprocess.STDOUT).splitlines())
         for text, said in messages(run("msgcat", "--no-wrap", area)).items():
             if translated.setdefault(text, said) != said:
                 wrong.append(f"{area}: translated differently elsewhere: {text!r}")
@@ -80,7 +81,34 @@ def check_rows():
                  if id not in literals and not id.startswith(parts) and not id.endswith(ends))
 
 
+# The text between a brace and the one that closes it.
+def braced(text):
+    depth = 0
+    for brace in re.finditer(r'"(?:[^"\\]|\\.)*"|[{}]', text):
+        depth += {"{": 1, "}": -1}.get(brace[0], 0)
+        if depth == 0:
+            return text[:brace.end()]
+    return text
+
+
+# The values where a sentence is told, where its identifier and they stand there.
+def check_values():
+    rows = dict((id, places(unquoted(text))) for path in sources("words/english")
+                for id, text in re.findall(r'{"([^"]+)",\s*N_\(((?:"(?:[^"\\]|\\.)*"\s*)+)\)', path.read_text()))
+    seen = 0
+    for path in sources("host", "cli"):
+        code = path.read_text()
+        for told in re.finditer(r'(?:"([a-z-]+)"\s*:\s*)?"([a-z-]+)",\s*(?={{"|{}[})])', code):
+            given = re.findall(r'{"(\w+)",', braced(code[told.end():]))
+            for id in filter(rows.__contains__, told.groups()):
+                seen += 1
+                wrong.extend(f"{path}: {id}: no value for {{{place}}}" for place in rows[id] if place not in given)
+    if seen < 250:
+        wrong.append(f"the values of too few sentences were seen: {seen}")
+
+
 check_rows()
+check_values()
 if len(check_translations()) < 50:
     wrong.append("too few texts were seen")
 print("\n".join(wrong))
