@@ -1,5 +1,7 @@
 #include "cli/rehearsal.h"
 
+#include "words/language.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -21,7 +23,8 @@ Words renew_words(const RehearseOptions& options) {
     if (!options.certificate.empty()) words.insert(words.end(), {"--certificate", options.certificate});
     if (options.force) words.emplace_back("--force");
     if (options.remove_old) words.emplace_back("--remove-old");
-    if (!options.language.empty()) words.insert(words.end(), {"--lang", options.language});
+    if (const std::string spoken = words::spoken_language(); spoken != words::usual_language())
+        words.insert(words.end(), {"--lang", spoken});
     if (options.days != USUAL_DAYS) words.insert(words.end(), {"--days", std::to_string(options.days)});
     return words;
 }

@@ -48,9 +48,11 @@ Sentence outcome_of(int exit) {
 }
 
 std::string step_in_words(const RehearsedStep& step) {
-    const std::string what =
-        step.command.empty() ? words::of(Sentence{"rehearsed-authority", {}}) : step.command;
-    return "\n" + what + ": " + words::of(outcome_of(step.result.exit)) + set_in(step.result.text);
+    const bool authority = step.command.empty();
+    const std::string what = authority ? words::of(Sentence{"rehearsed-authority", {}}) : step.command;
+    const std::string line = "\n" + what + ": " + words::of(outcome_of(step.result.exit));
+    // What the simulated authority issued is in English alone, and shows in what follows.
+    return authority && step.result.exit == 0 ? line : line + set_in(step.result.text);
 }
 
 Sentence room_of(const std::optional<std::size_t>& bytes) {

@@ -13,7 +13,11 @@ namespace {
 
 constexpr const char* DOMAIN = "zvrenew";
 
-bool is_spoken = false;
+const char* spoken = LANGUAGES.front();
+
+bool is_english() {
+    return std::string_view(spoken) == LANGUAGES.front();
+}
 
 // The first of these that is set to something.
 std::string_view setting(std::initializer_list<const char*> variables) {
@@ -57,8 +61,9 @@ std::string usual_language() {
 }
 
 void speak(const std::string& language, const std::filesystem::path& folder) {
-    is_spoken = language != LANGUAGES.front();
-    if (!is_spoken) return;
+    const auto* known = std::find(LANGUAGES.begin(), LANGUAGES.end(), language);
+    spoken = known == LANGUAGES.end() ? LANGUAGES.front() : *known;
+    if (is_english()) return;
     leave_plain_locale();
     (void)::setenv("LANGUAGE", language.c_str(), 1);
     (void)::bindtextdomain(DOMAIN, folder.c_str());
@@ -67,12 +72,12 @@ void speak(const std::string& language, const std::filesystem::path& folder) {
     (void)::bind_textdomain_codeset("libc", "UTF-8");
 }
 
-bool speaks_english() {
-    return !is_spoken;
+std::string spoken_language() {
+    return spoken;
 }
 
 std::string tr(const char* english) {
-    return is_spoken && *english != '\0' ? ::dgettext(DOMAIN, english) : english;
+    return !is_english() && *english != '\0' ? ::dgettext(DOMAIN, english) : english;
 }
 
 } // namespace words

@@ -15,7 +15,7 @@ inline constexpr std::array<const char*, 2> LANGUAGES{"en", "it"};
 // From now on, sentences are in this language; the catalogues are in the folder.
 void speak(const std::string& language, const std::filesystem::path& folder);
 
-[[nodiscard]] bool speaks_english();
+[[nodiscard]] std::string spoken_language();
 
 // A text of a face itself, in the language that is spoken.
 [[nodiscard]] std::string tr(const char* english);

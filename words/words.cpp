@@ -67,7 +67,7 @@ std::string with_values(const char* english, const Values& values) {
 // What the library says is Italian.
 std::string quote(const Sentence& quoted) {
     const std::string text = in_place(quoted.values.front().second);
-    const std::string meaning = speaks_english() ? meaning_of(text) : "";
+    const std::string meaning = spoken_language() == LANGUAGES.front() ? meaning_of(text) : "";
     if (meaning.empty()) return with_values(text_of(quoted.id), quoted.values);
     return of(Sentence{"quoted-with-meaning", {{"text", text}, {"meaning", meaning}}});
 }

@@ -64,10 +64,12 @@ TEST_F(RehearseProgramTest, RenewsOnATwinAndLeavesTheCardAlone) {
     EXPECT_TRUE(words.says("The renewal would go through.")) << words.out;
     EXPECT_FALSE(words.says(temporary().string())) << words.out;
 
-    const auto removing = nlohmann::json::parse(rehearse("signature --remove-old --json").out);
+    const auto removing = nlohmann::json::parse(rehearse("signature --remove-old --json --lang it").out);
     EXPECT_EQ(pairs(removing["before"]), (std::multiset<std::string>{"AUTHCertificate0", "DS0"}));
     EXPECT_EQ(pairs(removing["after"]), (std::multiset<std::string>{"AUTHCertificate0", "DS3"}));
-    EXPECT_EQ(removing["steps"].size(), 3U);
+    ASSERT_EQ(removing["steps"].size(), 3U);
+    EXPECT_TRUE(std::string(removing["steps"][2]["text"]).starts_with("Il nuovo certificato di firma"))
+        << removing;
     EXPECT_EQ(rehearse("authentication --force").code, 0) << "as advised when nothing is due";
 }
 

@@ -52,7 +52,7 @@ constexpr Row DOCTOR_ROWS[] = {
     {"doctor-make-room",
      N_("Remove a certificate that is no longer needed, with its keys, using the card's own software.")},
     {"doctor-mend-configuration",
-     N_("Mend the line of {file} that is named; the form is in: man zvcrypt.conf")},
+     N_("Mend {file}, at the line that is named if one is; the form is in: man zvcrypt.conf")},
     {"doctor-mend-module", N_("Install the card's software again, or a newer version of it.")},
     {"doctor-module", N_("{module} loads, starts and shows its slots.")},
     {"doctor-module-beside-program", N_("{module} is in {folder}, beside this program.")},
