@@ -44,6 +44,7 @@ std::string set_in(const std::string& text) {
 
 Sentence outcome_of(int exit) {
     if (exit == static_cast<int>(Exit::under_way)) return {"rehearsed-request-made", {}};
+    if (exit == static_cast<int>(Exit::nothing_due)) return {"rehearsed-not-due", {}};
     return exit == 0 ? Sentence{"rehearsed-done", {}} : Sentence{"rehearsed-exit", {{"code", long{exit}}}};
 }
 

@@ -87,7 +87,7 @@ constexpr Row DOCTOR_ROWS[] = {
      N_("No other program that may be looked at uses a card ({hidden} may not be looked at).")},
     {"doctor-programs-unknown", N_("Which programs use a card cannot be told on this system.")},
     {"doctor-reader-unreachable", N_("\"{reader}\" cannot be looked at{reason}.")},
-    {"doctor-readers", N_("There is: {readers}.")},
+    {"doctor-readers", N_("Readers found: {readers}.")},
     {"doctor-readers-failed", N_("The readers cannot be listed{reason}.")},
     {"doctor-reinsert-card", N_("Take the card out and put it in again.")},
     {"doctor-remove-own", N_("Remove it: rm -r \"{file}\"")},

@@ -21,7 +21,7 @@ constexpr Row PLAN_ROWS[] = {
     {"plan-empty", N_("Nothing on the card would be changed.")},
     {"plan-fingerprint", N_("Fingerprint of this plan: {fingerprint}")},
     {"plan-heading", N_("This would be done to the card:")},
-    {"plan-logins", N_("The card would get the PIN for it this often: {logins}")},
+    {"plan-logins", N_("Times that the PIN would go to the card: {logins}")},
     {"plan-room", N_("Room that the card has: {room} bytes")},
     {"why-authority-removed", N_("the authority's certificate goes with the old one; nothing puts it back")},
     {"why-makes-room", N_("makes room for the certificate of {pair}")},
