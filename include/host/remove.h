@@ -26,9 +26,12 @@ class PlannedRemoval {
 
     explicit PlannedRemoval(std::shared_ptr<Work> work);
 
+    // Each object that goes, in this order: certificate, public key, private key.
     [[nodiscard]] const Plan& plan() const;
-    // Saves what goes, then removes exactly the objects of the plan. Once.
-    // @throws Error, which says what is on the card then; the same removal again goes on
+    // Saves what goes (PEM, RFC 7468; the private key cannot be saved), then removes exactly the objects of the plan, found
+    // again by class, identifier and value, each by its handle (C_DestroyObject, PKCS#11 2.40). Once.
+    // @throws Error, which says what is on the card then. Before the backup is written nothing has been removed; afterwards
+    //         some objects may be gone, and the same removal, planned again, goes on
     [[nodiscard]] Removed apply(Progress& progress);
 
   private:
@@ -37,18 +40,25 @@ class PlannedRemoval {
 
 // What is wanted of a removal.
 struct RemovalWishes {
-    std::string id;     // of a certificate with its keys, or of the keys that a removal left
+    std::string id;     // CKA_ID of a certificate with its keys, or of the keys that a removal left; whole
     bool last = false;  // also of the certificate of its kind that ends last
     std::string backup; // new file for what goes; empty: a name made from the identifier
 };
 
-// Plans the removal of a certificate with its keys. A services card's own certificate is refused, and what waits for a
-// certificate. @throws Error
+// Opens the card, proves the PIN and plans the removal of a certificate with its keys, or of the keys that a removal left.
+// Nothing is changed.
+//
+// @throws Error with Exit::refused for a services card's own certificate, for what waits for its certificate, for several
+//         certificates or foreign keys under one identifier, for an identifier that is not there whole, and, without
+//         `last`, for the certificate of its kind that ends last; with Exit::failed when the card cannot be read
 [[nodiscard]] PlannedRemoval plan_removal(const RemovalWishes& wishes, const CardChoice& choice,
                                           PinSource& pin);
 
-// Plans the removal of a pair that waits for its certificate: none can be installed for it any more. A pair that has a
-// certificate is refused. @throws Error
+// The same for a pair that waits for its certificate: none can be installed for it any more, and the authority's answer to
+// its request is of no use.
+//
+// @throws Error with Exit::refused for a pair that has a certificate, for a card's first keys (digits 0 to 2), which no
+//         request was made for, and for a services card's own; with Exit::failed when the card cannot be read
 [[nodiscard]] PlannedRemoval plan_discard(const RemovalWishes& wishes, const CardChoice& choice,
                                           PinSource& pin);
 

@@ -60,3 +60,11 @@ while read -r header; do
     grep -q "\"$header\"" moved/include/zvrenew/routines.h || [ "$header" = routines.h ] ||
         { echo "routines.h lacks $header"; exit 1; }
 done <headers
+# The engine's headers, with nothing but what is installed: in either order, so that what one forgets another does not bring.
+flags=$(pkg-config --cflags zvrenew-host)
+(cd moved/include/zvrenew && ls host/*.h) >headers
+[ "$(wc -l <headers)" -gt 25 ] || { echo "headers of the engine are missing"; exit 1; }
+for order in "" -r; do
+    # shellcheck disable=SC2086
+    sort $order headers | sed 's/.*/#include <&>/' | "$cxx" -std=c++20 -fsyntax-only -Wall -Wextra -Werror $flags -x c++ -
+done
