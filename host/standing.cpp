@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <utility>
 
 namespace zvhost {
 namespace {
@@ -50,8 +51,16 @@ void take_inventory(Standing& standing, const Inventory& inventory, int days) {
         standing.current = current->id;
         standing.due = ends_within(current->ends, days, std::time(nullptr));
     }
+}
+
+// Their certificates are in the backups by which they are known.
+void add_retired(Standing& standing, const Inventory& inventory) {
     for (const RetiredPair& pair : inventory.retired)
-        standing.retired.push_back(pair.id);
+        for (const Backup& backup : inventory.backups)
+            if (backup.file == pair.backup) {
+                const Bytes der = backup.certificate();
+                standing.retired.push_back({pair.id, der.empty() ? "" : serial_of(der), der});
+            }
 }
 
 void read_request(Standing& standing, const CardView& view, const std::string& file) {
@@ -89,12 +98,13 @@ std::string Standing::old_of(const std::string& pair) const {
     std::vector<Candidate> others = certified;
     std::erase_if(others, [&](const Candidate& one) { return one.id == pair; });
     const bool remembers = remembered.pair == pair;
-    for (const Candidate& one : others)
-        if ((!signer.empty() && one.der == signer) ||
-            (remembers && remembered.replaces == one.id && remembered.replaced_serial == one.serial))
-            return one.id;
-    if (remembers && std::find(retired.begin(), retired.end(), remembered.replaces) != retired.end())
-        return remembered.replaces;
+    const auto is_old = [&](const Candidate& one) {
+        return (!signer.empty() && one.der == signer) ||
+               (remembers && remembered.replaces == one.id && remembered.replaced_serial == one.serial);
+    };
+    for (const auto* list : {&std::as_const(others), &retired})
+        if (const auto found = std::find_if(list->begin(), list->end(), is_old); found != list->end())
+            return found->id;
     const bool is_gone = !signer.empty() || (remembers && !remembered.replaces.empty());
     return others.size() == 1 && !is_gone ? others.front().id : "";
 }
@@ -137,6 +147,7 @@ Standing find_standing(const RenewalWishes& wishes, const CardChoice& choice, Ke
     standing.nothing = unchanged(standing.card, view);
     take_inventory(standing, inventory, wishes.request.days);
     add_certified(standing, view);
+    add_retired(standing, inventory);
     read_request(standing, view, wishes.request.out);
     const RememberedCard remembered = Journal().card(card.state.serial);
     if (const RememberedRenewal* renewal = remembered.renewal(standing.kind)) standing.remembered = *renewal;

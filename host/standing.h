@@ -11,7 +11,7 @@
 
 namespace zvhost {
 
-// A certificate of the card that a renewal may replace.
+// A certificate that a renewal may replace.
 struct Candidate {
     std::string id;
     std::string serial; // the certificate's
@@ -27,7 +27,7 @@ struct Standing {
     bool requested = false;           // the request's file is there, and is that pair's
     Bytes signer;                     // the certificate that signed the request of that file
     std::vector<Candidate> certified; // of the kind, with their keys
-    std::vector<std::string> retired; // identifiers of keys that a removal left
+    std::vector<Candidate> retired;   // keys that a removal left, and the certificate that they had
     bool marked = false;              // a services card bears the mark of a request
     std::string current;              // identifier of the one that ends last
     bool due = false;
