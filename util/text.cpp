@@ -48,9 +48,20 @@ std::size_t find_ignoring_case(std::string_view haystack, std::string_view needl
     const auto same = [](unsigned char left, unsigned char right) {
         return std::toupper(left) == std::toupper(right);
     };
-    const auto place = std::search(haystack.begin(), haystack.end(), needle.begin(), needle.end(), same);
-    const bool found = place != haystack.end() || needle.empty();
-    return found ? static_cast<std::size_t>(place - haystack.begin()) : std::string_view::npos;
+    if (needle.empty()) return 0;
+    // Most bytes are told from the first one by the processor's own search.
+    const auto upper = static_cast<char>(std::toupper(static_cast<unsigned char>(needle.front())));
+    const auto lower = static_cast<char>(std::tolower(static_cast<unsigned char>(upper)));
+    const auto next = [&](std::size_t from) {
+        const std::size_t place = haystack.find(upper, from);
+        return upper == lower ? place : std::min(place, haystack.substr(0, place).find(lower, from));
+    };
+    for (std::size_t place = next(0);
+         place != std::string_view::npos && needle.size() <= haystack.size() - place; place = next(place + 1))
+        if (std::equal(needle.begin(), needle.end(), haystack.begin() + static_cast<std::ptrdiff_t>(place),
+                       same))
+            return place;
+    return std::string_view::npos;
 }
 
 std::size_t length_without_zeros(std::string_view bytes) {
