@@ -65,6 +65,7 @@ void empty(int file) {
 }
 
 int open_log(off_t* size = nullptr) {
+    if (log_path()[0] == '\0') return -1;
     const int log = open_plain(log_path(), O_RDWR | O_APPEND | O_CREAT, size);
     if (log >= 0) make_private(log);
     return log;
@@ -121,21 +122,21 @@ char* log_path() {
 }
 
 void write_line(const char* message) {
-    char prefix[256] = {};
-    format_time(prefix, "[%d %b %Y %H:%M:%S]: ");
     off_t size = 0;
     const File log(open_log(&size));
     if (!log.is_open()) return;
+    char prefix[256] = {};
+    format_time(prefix, "[%d %b %Y %H:%M:%S]: ");
     if (size > SIZE_LIMIT) empty_log(log, prefix);
     const bool empty = message == nullptr || message[0] == '\0';
     append(log, std::string_view(prefix), std::string_view(empty ? "MESSAGGIO VUOTO!" : message), LINE_END);
 }
 
 void write_entry(const char* title, Datum first, Datum second) {
-    char prefix[255] = {};
-    format_time(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
     const File log(open_log());
     if (!log.is_open()) return;
+    char prefix[255] = {};
+    format_time(prefix, "********** - %d/%b/%Y %H:%M:%S - ");
     append(log, std::string_view(prefix), std::string_view(or_empty(title)), LINE_END, first.value_or(""),
            line_end(first), second.value_or(""), line_end(second));
 }

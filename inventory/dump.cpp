@@ -9,6 +9,7 @@
 #include "zvCrypt.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -59,8 +60,8 @@ std::string modulus_text(std::string_view modulus) {
 
 CK_RV Dump::read(CK_OBJECT_HANDLE object, CK_ATTRIBUTE* tmpl, CK_ULONG entries) {
     clear(id_, label_);
-    std::ranges::fill(value_, 0);
-    std::ranges::fill(modulus_, '\0');
+    std::memset(value_, 0, sizeof value_);
+    std::fill(modulus_.begin(), modulus_.end(), '\0');
     return rv = call<&Functions::C_GetAttributeValue>(hSession, object, tmpl, entries);
 }
 

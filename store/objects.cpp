@@ -8,7 +8,7 @@ namespace zv {
 
 Read read_attribute(CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object, CK_ATTRIBUTE_TYPE type,
                     std::span<std::byte> room, TooLong too_long) {
-    std::ranges::fill(room, std::byte{0});
+    std::fill(room.begin(), room.end(), std::byte{0}); // at once, which ranges::fill is not everywhere
     CK_ATTRIBUTE entry = {type, room.data(), room.size()};
     rv = call<&Functions::C_GetAttributeValue>(session, object, &entry, CK_ULONG{1});
     if (rv == CKR_OK && too_long == TooLong::fails && entry.ulValueLen > room.size())
