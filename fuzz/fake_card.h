@@ -21,6 +21,7 @@ struct FakeCard {
     std::string reader, serial;
     int refused_pins = 0;
     bool endless = false; // the open search never ends
+    bool was_endless = false;
 };
 
 extern FakeCard card;
