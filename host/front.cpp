@@ -36,6 +36,7 @@ std::string find_front() {
 // The front in memory, where it stays: it knows what it has started.
 struct Front {
     std::string file = find_front();
+    bool unusable = false;
     void* loaded = file.empty() ? nullptr : ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
 
     template <class Function> [[nodiscard]] Function function(const char* name) const {
@@ -43,8 +44,8 @@ struct Front {
     }
 };
 
-const Front& front() {
-    static const Front one;
+Front& front() {
+    static Front one;
     return one;
 }
 
@@ -57,8 +58,8 @@ bool stands_before(const std::string& module_path) {
 } // namespace
 
 std::string front_file() {
-    if (environment("ZVRENEW_FRONT") == "off" || front().loaded == nullptr) return {};
-    return front().file;
+    const bool usable = front().loaded != nullptr && !front().unusable;
+    return usable && environment("ZVRENEW_FRONT") != "off" && has_link_folder() ? front().file : "";
 }
 
 std::string module_way(const std::string& module_path) {
@@ -67,10 +68,13 @@ std::string module_way(const std::string& module_path) {
 
 LibraryWay library_way(const std::string& module_path) {
     const fs::path as_it_is = module_path;
-    if (stands_before(module_path))
-        if (const fs::path link = link_named(as_it_is.filename(), front_file());
-            !link.empty() && link.native().size() < ZV_MODULE_PATH_SIZE)
-            return {link.parent_path(), link};
+    if (stands_before(module_path)) {
+        const fs::path link = link_named(as_it_is.filename(), front_file());
+        if (!link.empty() && link.native().size() < ZV_MODULE_PATH_SIZE) return {link.parent_path(), link};
+        // The library would end a module that the front has open.
+        end_modules();
+        front().unusable = true;
+    }
     return {as_it_is.parent_path(), module_path};
 }
 

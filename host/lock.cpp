@@ -25,7 +25,6 @@ namespace {
 constexpr mode_t FOR_EVERY_USER = 0644; // locking takes no more than reading
 constexpr int MOST_ATTEMPTS = 100;
 
-// Modules that close what is not theirs go by low numbers.
 constexpr int SELDOM_REACHED = 100;
 
 int open_lock_file(const std::string& path) {
@@ -35,9 +34,7 @@ int open_lock_file(const std::string& path) {
         if (fd >= 0) (void)::fchmod(fd, FOR_EVERY_USER);
     }
     if (fd < 0) return fd;
-    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, SELDOM_REACHED);
-    ::close(fd);
-    return moved;
+    return out_of_reach(fd);
 }
 
 bool is_named(int fd, const std::string& path) {
@@ -96,6 +93,12 @@ ScopedFd acquire(const std::string& path, const std::string& busy) {
 }
 
 } // namespace
+
+int out_of_reach(int fd) {
+    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, SELDOM_REACHED);
+    ::close(fd);
+    return moved;
+}
 
 int process_that_locks(const std::string& path) {
     const ScopedFd file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));

@@ -7,6 +7,9 @@
 
 namespace zvhost {
 
+// The descriptor under a high number: modules that close what is not theirs go by low ones.
+[[nodiscard]] int out_of_reach(int fd);
+
 // The right to do something alone, among all programs and users of this machine, as long as this object lives.
 //
 // Its file is in /tmp, where every user finds the same one; that the file is there says nothing. A program that is

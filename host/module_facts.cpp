@@ -155,6 +155,8 @@ std::string SlotFacts::serial() const {
 }
 
 ModuleFacts ask_module(const std::string& path) {
+    // What the front needs is made here, and not by a child that does not clear up.
+    (void)front_file();
     const ChildAnswer answer =
         in_child([&](const Tell& tell) { try_module(tell, path); }, MOST_SECONDS_OF_A_MODULE);
     ModuleFacts facts;

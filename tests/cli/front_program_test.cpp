@@ -46,7 +46,7 @@ TEST_F(FrontTest, HasTheModuleStartedOnceACommand) {
     EXPECT_EQ(examined.count("C_Finalize"), 1U);
     EXPECT_TRUE(examined.says("started once a command, through ")) << examined.out;
     // The library's rules go by the file's name.
-    EXPECT_NE(log().find("LoadLibrary: " + session().string() + "/zvrenew-"), std::string::npos);
+    EXPECT_NE(log().find("LoadLibrary: " + session().string() + "/zvrenew-front-"), std::string::npos);
     EXPECT_NE(log().find("/libzvsimcard.so"), std::string::npos);
     EXPECT_TRUE(zvrenew("readers --json").says(ZVSIMCARD_MODULE));
 }
@@ -59,6 +59,26 @@ TEST_F(FrontTest, IsLeftOutWhereItIsNotWanted) {
     EXPECT_GT(outcome.count("C_Initialize"), 1U);
     EXPECT_EQ(log().find(session()), std::string::npos);
     EXPECT_TRUE(zvrenew("doctor").says("started anew for each step"));
+}
+
+TEST_F(FrontTest, ClearsUpAfterItselfAndAfterOneThatWasKilled) {
+    make_card();
+    EXPECT_EQ(with_pin("list", "C_Login:2:kill-before").count("C_Finalize"), 0U);
+    ASSERT_FALSE(fs::is_empty(session()));
+    const fs::path left = fs::directory_iterator(session())->path();
+    EXPECT_EQ(fs::status(left).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(with_pin("list").code, 0);
+    EXPECT_TRUE(fs::exists(left)) << "it may be new";
+    fs::last_write_time(left, fs::last_write_time(left) - std::chrono::minutes(5));
+    // What somebody else has put there stays.
+    const fs::path other = session() / "zvrenew-front-other0";
+    fs::create_directory(other);
+    fs::permissions(other, fs::perms::owner_all);
+    std::ofstream(other / "file") << "mine";
+    fs::last_write_time(other, fs::last_write_time(left));
+    EXPECT_EQ(with_pin("list").code, 0);
+    EXPECT_FALSE(fs::exists(left));
+    EXPECT_TRUE(fs::exists(other / "file"));
 }
 
 TEST_F(FrontTest, SpendsOneTryOnAWrongPin) {
