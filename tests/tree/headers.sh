@@ -23,7 +23,7 @@ find $folders -name '*.cpp' -exec awk '
         gsub(/["<>]/, "", $2)
         folder = FILENAME
         sub(/[^\/]*$/, "", folder)
-        print $2 "\n" folder $2
+        print $2 "\n" folder $2 "\ninclude/" $2
     }' {} + >"$work/compiled"
 # shellcheck disable=SC2086
 find $folders -name '*.h' | grep -vxFf "$work/compiled" | alone "$cxx" -std=c++20 -I. -Iinclude "$@" -x c++
