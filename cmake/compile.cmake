@@ -22,8 +22,22 @@ target_compile_options(zv_compile INTERFACE $<$<AND:${together},${shadows}>:-Wno
   $<$<AND:${together},$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wno-subobject-linkage>)
 if(ZV_SANITIZE)
   target_compile_options(zv_compile INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-    -fno-omit-frame-pointer)
+    -fno-omit-frame-pointer $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-fno-sanitize=function>)
   target_link_options(zv_compile INTERFACE -fsanitize=address,undefined)
+  # The runtime is one library for all that a process loads, also where the program itself is not ours.
+  set(runtime libasan.so)
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND NOT APPLE AND NOT ZV_FUZZ)
+    set(runtime libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+    target_compile_definitions(zv_compile INTERFACE __SANITIZE_ADDRESS__) # as g++ has it
+    target_compile_options(zv_compile INTERFACE -shared-libasan)
+    target_link_options(zv_compile INTERFACE -shared-libasan)
+  endif()
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime} OUTPUT_VARIABLE ZV_ASAN_RUNTIME
+    OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(IS_ABSOLUTE "${ZV_ASAN_RUNTIME}")
+    cmake_path(GET ZV_ASAN_RUNTIME PARENT_PATH folder)
+    target_link_options(zv_compile INTERFACE -Wl,-rpath,${folder})
+  endif()
 else()
   # Who builds may have a level of their own, and a compiler may have one built in. It needs an optimised build.
   string(TOUPPER "${CMAKE_BUILD_TYPE}" type)
