@@ -4,7 +4,7 @@
 set -eu
 cd "$1"
 build=$2
-folders="util diag card store inventory request install api ossl lenient pkcs11 crypt host words cli simcard"
+folders="util diag card store inventory request install api ossl lenient pkcs11 crypt front host words cli simcard"
 for tool in clang-tidy cppcheck; do
     command -v $tool >/dev/null || { echo "$tool is not installed"; exit 77; }
 done
@@ -13,7 +13,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 # shellcheck disable=SC2086
 sed -n -E 's/^ *"file": "(.*)",?$/\1/p' "$build/compile_commands.json" |
-    grep -E "^$build/(CMakeFiles|ossl|pkcs11|crypt|host|words|cli|simcard)/.*/Unity/" |
+    grep -E "^$build/(CMakeFiles|ossl|pkcs11|crypt|front|host|words|cli|simcard)/.*/Unity/" |
     xargs -P "$(getconf _NPROCESSORS_ONLN)" -n 1 clang-tidy --quiet -p "$build" --config-file=.clang-tidy \
         --header-filter="/($(echo $folders | tr ' ' '|'))/" 2>"$log" || { cat "$log"; exit 1; }
 # shellcheck disable=SC2086
