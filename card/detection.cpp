@@ -82,7 +82,7 @@ int read_serial_number() {
     write_line(szSerialNumber);
     is1205SerialToken = serial_begins("1205");
     // Cards of this series are refused on purpose.
-    return serial_begins("1201") ? UNSUPPORTED : closed;
+    return serial_begins(ZV_REFUSED_SERIES) ? UNSUPPORTED : closed;
 }
 
 } // namespace

@@ -14,7 +14,7 @@ constexpr std::size_t LONGEST_HOLDER = 40;
 // Cut between characters of UTF-8, not inside one.
 std::string shown_holder(const CertificateRecord& record) {
     std::string name = record.subject.value("CN");
-    if (name.empty()) name = record.subject_text;
+    if (name.empty()) name = record.subject.oid_form();
     if (name.size() <= LONGEST_HOLDER) return name;
     std::size_t end = LONGEST_HOLDER - 3;
     while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U)

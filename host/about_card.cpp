@@ -1,6 +1,6 @@
 #include "host/about_card.h"
 
-#include "host/card_view.h"
+#include "host/card_session.h"
 #include "host/refused_pin.h"
 
 namespace zvhost {

@@ -1,7 +1,6 @@
 #include "host/card_list.h"
 
 #include "host/about_card.h"
-#include "host/card_view.h"
 #include "host/listing.h"
 #include "host/remember.h"
 
@@ -39,10 +38,9 @@ CardList list_of(const CardFacts& card, const Inventory& inventory, const CardVi
 CardList list_card(const CardChoice& choice, PinSource& pin, int days) {
     OpenedCard card = open_card(choice, pin);
     return about_card(card, [&] {
-        const CardView view = view_card(card);
-        const Inventory inventory = read_inventory(card, view);
-        remember_all(card.facts(), inventory, view);
-        CardList list = list_of(card.facts(), inventory, view, days);
+        const Inventory inventory = inventory_of(card);
+        remember_all(card.facts(), inventory, card.view);
+        CardList list = list_of(card.facts(), inventory, card.view, days);
         list.advice = advice_on(list);
         return list;
     });

@@ -50,8 +50,9 @@ std::vector<Advice> advice_on(const CardStatus& status) {
 
 // What is known of the card is added to `facts` as soon as it is.
 CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>& facts) {
-    const auto [place, state] = find_card(choice, facts);
-    CardStatus status = status_of(*facts, view_public(place, state), days);
+    const FoundCard found = find_card(choice, facts);
+    const Session session(*found.module, found.state.slot);
+    CardStatus status = status_of(*facts, view_in(session), days);
     status.services_pending = remember_shown(status.list, status.uncertified).is_pending(Kind::services);
     if (status.services_pending && status.exit != Exit::expired) status.exit = Exit::under_way;
     status.list.advice = advice_on(status);

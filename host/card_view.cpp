@@ -2,8 +2,6 @@
 
 #include "host/attributes.h"
 #include "host/error.h"
-#include "host/remember.h"
-#include "zvCrypt.h"
 #include "zvRenew.h"
 
 #include <algorithm>
@@ -67,17 +65,13 @@ std::vector<std::string> uncertified_public_keys(const CardView& view) {
     return found;
 }
 
+void add_new(std::vector<std::string>& ids, const std::string& id) {
+    if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+}
+
 // Cards pad what they hold.
 bool begins_with(const Bytes& stored, const Bytes& expected) {
     return stored.size() >= expected.size() && std::equal(expected.begin(), expected.end(), stored.begin());
-}
-
-void in_session(OpenedCard& card, Access access, const std::function<void(Session&)>& work) {
-    const Module module(card.place.module_path);
-    require_same_card(module, card.state);
-    Session session(module, card.state.slot, access);
-    session.log_in(card.pin);
-    work(session);
 }
 
 } // namespace
@@ -134,8 +128,14 @@ Bytes CardView::modulus(const std::string& id) const {
 std::vector<std::string> CardView::identifiers() const {
     std::vector<std::string> found;
     for (const CardObject& object : objects_)
-        if (!object.id.empty() && std::find(found.begin(), found.end(), object.id) == found.end())
-            found.push_back(object.id);
+        add_new(found, object.id);
+    return found;
+}
+
+std::vector<std::string> CardView::ids_of_class(CK_OBJECT_CLASS type) const {
+    std::vector<std::string> found;
+    for (const CardObject& object : objects_)
+        if (object.type == type) add_new(found, object.id);
     return found;
 }
 
@@ -147,10 +147,10 @@ std::vector<std::string> CardView::others_containing(const std::string& text) co
 }
 
 std::vector<std::string> CardView::pending_pairs() const {
-    std::vector<std::string> found = identifiers();
+    std::vector<std::string> found = ids_of_class(CKO_PUBLIC_KEY);
     std::erase_if(found, [&](const std::string& id) {
-        const bool pair = find(CKO_PUBLIC_KEY, id) != nullptr && find(CKO_PRIVATE_KEY, id) != nullptr;
-        return !pair || find(CKO_CERTIFICATE, id) != nullptr || is_first_key(id);
+        return find(CKO_PRIVATE_KEY, id) == nullptr || find(CKO_CERTIFICATE, id) != nullptr ||
+               is_first_key(id);
     });
     return found;
 }
@@ -175,14 +175,6 @@ OnCard CardView::contents() const {
     return contents;
 }
 
-// A PIN is for the card that it was proved with, and an answer is about one card.
-void require_same_card(const Module& module, const CardState& state) {
-    const CK_TOKEN_INFO token = module.token(state.slot);
-    if (token_text(token.serialNumber, sizeof token.serialNumber) != state.serial)
-        throw Error(Exit::failed, Sentence{"another-card", {}},
-                    Advice{"insert-card", Sentence{"insert-same-card", {}}});
-}
-
 void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
     for (const std::string& id : ids)
         if (view.private_keys(id) > 1)
@@ -192,49 +184,11 @@ void refuse_doubled(const CardView& view, const std::vector<std::string>& ids) {
                                {{"remove", std::vector{id}}}});
 }
 
-void with_session(OpenedCard& card, const std::function<void(Session&)>& work) {
-    in_session(card, Access::reading, work);
-}
-
-void with_writing_session(OpenedCard& card, const std::function<void(Session&)>& work) {
-    in_session(card, Access::writing, work);
-}
-
 CardView view_in(const Session& session) {
     std::vector<CardObject> objects;
     for (const CK_OBJECT_HANDLE handle : session.objects())
         objects.push_back(read_object(session, handle));
     return CardView(std::move(objects));
-}
-
-CardView view_card(OpenedCard& card) {
-    CardView view({});
-    with_session(card, [&](const Session& session) { view = view_in(session); });
-    return view;
-}
-
-CardView view_public(const Place& place, const CardState& state) {
-    const Module module(place.module_path);
-    require_same_card(module, state);
-    return view_in(Session(module, state.slot));
-}
-
-CardNow card_now(OpenedCard& card) {
-    // A session that a failed call left open would keep the module from being started.
-    kvFinalize();
-    try {
-        const CardView view = view_card(card);
-        remember_view(card.facts(), view);
-        return {view, view.contents()};
-    } catch (const Error& stop) {
-        return {std::nullopt, {{}, stop.sentence, false}};
-    }
-}
-
-bool CardNow::is_pending(const std::string& pair) const {
-    if (!view) return false;
-    const std::vector<std::string> pending = view->pending_pairs();
-    return std::find(pending.begin(), pending.end(), pair) != pending.end();
 }
 
 } // namespace zvhost

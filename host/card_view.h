@@ -1,10 +1,8 @@
 #pragma once
 
-#include "host/error.h"
-#include "host/pin_gate.h"
+#include "host/module.h"
+#include "host/on_card.h"
 
-#include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +22,7 @@ struct CardObject {
 // What is on the card, as read at one moment by this program itself: whole, or not at all.
 class CardView {
   public:
+    CardView() = default; // of an empty card
     explicit CardView(std::vector<CardObject> objects) : objects_(std::move(objects)) {}
 
     [[nodiscard]] const std::vector<CardObject>& objects() const { return objects_; }
@@ -47,7 +46,7 @@ class CardView {
     // containment.
     [[nodiscard]] std::vector<std::string> others_containing(const std::string& text) const;
     // Identifiers of the pairs that wait for a certificate: both keys, no certificate, not a card's first
-    // keys (digits 0 to 2).
+    // keys (digits 0 to 2). The first is the one that the library takes.
     [[nodiscard]] std::vector<std::string> pending_pairs() const;
     // The same, as far as it shows without a login: of a pair, the public key.
     [[nodiscard]] std::vector<std::string> pending_public_keys() const;
@@ -55,43 +54,19 @@ class CardView {
     [[nodiscard]] std::vector<std::string> uncertified_first_keys() const;
     // Which certificates and keys there are.
     [[nodiscard]] OnCard contents() const;
-    // Identifiers, each once, in the card's order.
+    // Identifiers, each once, in the card's order; of one class, or of all.
     [[nodiscard]] std::vector<std::string> identifiers() const;
+    [[nodiscard]] std::vector<std::string> ids_of_class(CK_OBJECT_CLASS type) const;
 
   private:
     std::vector<CardObject> objects_;
 };
 
-// Refuses another card than the one that was found. @throws Error
-void require_same_card(const Module& module, const CardState& state);
-
 // Refuses identifiers that more than one private key has: which of them is used, or removed, would be chance.
 // @throws Error
 void refuse_doubled(const CardView& view, const std::vector<std::string>& ids);
 
-// Opens a session of its own on the card, logs in, runs `work` and ends the session. @throws Error
-void with_session(OpenedCard& card, const std::function<void(Session&)>& work);
-
-// The same, in a session that may change the card. @throws Error
-void with_writing_session(OpenedCard& card, const std::function<void(Session&)>& work);
-
 // Reads what a session sees; handles hold as long as it does. @throws Error
 [[nodiscard]] CardView view_in(const Session& session);
-
-// Reads what is on the card, in a session of its own. @throws Error
-[[nodiscard]] CardView view_card(OpenedCard& card);
-
-// Reads what the card shows without a login. @throws Error
-[[nodiscard]] CardView view_public(const Place& place, const CardState& state);
-
-// What is on the card once it may have been changed.
-struct CardNow {
-    std::optional<CardView> view; // none when the card cannot be read
-    OnCard contents;              // of the view, or why there is none
-
-    [[nodiscard]] bool is_pending(const std::string& pair) const;
-};
-
-[[nodiscard]] CardNow card_now(OpenedCard& card);
 
 } // namespace zvhost

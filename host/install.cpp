@@ -1,12 +1,15 @@
 #include "host/install.h"
 
 #include "host/about_card.h"
+#include "host/card_session.h"
 #include "host/install_outcome.h"
 #include "host/install_plan.h"
+#include "host/library_card.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
 #include "host/numbered_steps.h"
 #include "host/objects_removed.h"
+#include "host/opened_plans.h"
 #include "host/planned_changes.h"
 #include "host/proof.h"
 #include "host/refused_pin.h"
@@ -63,8 +66,8 @@ class PlannedInstall::Work {
     [[nodiscard]] OpenedCard& card() { return card_; }
 
     void plan() {
-        const CardView before = view_card(card_);
-        const Inventory inventory = read_inventory(card_, before, wishes_.backup);
+        const CardView& before = card_.view;
+        const Inventory inventory = inventory_of(card_, wishes_.backup);
         remember_all(card_.facts(), inventory, before);
         if (const std::string id = stored_already(files_, inventory, before); !id.empty())
             throw because_stored(card_, files_, inventory, before, id);
@@ -81,8 +84,9 @@ class PlannedInstall::Work {
         for (const Sentence& notice : seen_.notices)
             progress.notice(notice);
         require_alone(card_);
+        show_card_to_library(card_);
         progress.step(Step({"step-store", {{"pair", plan_.pair}}}));
-        if (plan_.first) remove_objects(card_, {*plan_.first});
+        if (plan_.first) (void)remove_objects(card_, {*plan_.first});
         if (const int code = store(card_, plan_, plan_.removed.empty()); code != ZV_OK) {
             Error error = with_pin(card_.pin, library_stop("certificate-not-stored", code));
             undo_removal(progress);
@@ -124,15 +128,18 @@ Installed PlannedInstall::apply(Progress& progress) {
     return about_card(work_->card(), [&] { return work_->apply(progress); });
 }
 
-PlannedInstall plan_install(const InstallWishes& wishes, const CardChoice& choice, PinSource& pin) {
+PlannedInstall plan_install(const InstallWishes& wishes, const OpenCard& open) {
     IssuedFiles files = read_issued_files(wishes);
     // One that is there may be of a run that was broken off.
     if (std::error_code error; !wishes.backup.empty() && !std::filesystem::exists(wishes.backup, error))
         NewFile trial(wishes.backup);
-    const auto work = std::make_shared<PlannedInstall::Work>(wishes, std::move(files),
-                                                             open_card(choice, pin, Use::changing));
+    const auto work = std::make_shared<PlannedInstall::Work>(wishes, std::move(files), open());
     about_card(work->card(), [&] { work->plan(); });
     return PlannedInstall(work);
+}
+
+PlannedInstall plan_install(const InstallWishes& wishes, const CardChoice& choice, PinSource& pin) {
+    return plan_install(wishes, [&] { return open_card(choice, pin, Use::changing); });
 }
 
 } // namespace zvhost

@@ -89,9 +89,9 @@ void stop_install(OpenedCard& card, const InstallPlan& plan, const std::string& 
     throw stop;
 }
 
-Installed installed_now(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
+Installed installed_now(const OpenedCard& card, const InstallPlan& plan, const std::string& backup,
                         const Proof& proof) {
-    const CardNow now = card_now(card);
+    const CardNow& now = proof.now;
     refuse_leftovers(plan, now, backup);
     Installed installed{card.facts(),
                         plan.kind,

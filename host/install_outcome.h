@@ -15,9 +15,9 @@ namespace zvhost {
 [[noreturn]] void stop_install(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
                                Error stop);
 
-// Reads what is on the card once the certificate was stored and proved. @throws Error where something of the old one stayed
-[[nodiscard]] Installed installed_now(OpenedCard& card, const InstallPlan& plan, const std::string& backup,
-                                      const Proof& proof);
+// What came of it once the certificate was stored and proved. @throws Error where something of the old one stayed
+[[nodiscard]] Installed installed_now(const OpenedCard& card, const InstallPlan& plan,
+                                      const std::string& backup, const Proof& proof);
 
 // For a certificate that is on the card under that identifier: a run before this one may have been broken off after storing
 // it, so that it is proved now.

@@ -1,119 +1,60 @@
 #include "host/inventory.h"
 
-#include "host/certificate.h"
-#include "host/certificate_facts.h"
-#include "host/error.h"
-#include "host/front.h"
-#include "host/library_text.h"
-#include "host/refused_pin.h"
-#include "zvRenew.h"
+#include "host/advice.h"
+#include "host/record_of.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <cstdlib>
-#include <cstring>
 
 namespace zvhost {
 namespace {
 
-// A certificate list as the library fills it: made anew, and so empty, for every reading.
-class CertificateList {
-  public:
-    CertificateList() : text_(std::size_t{ZV_LIST_ENTRIES} * ZV_LIST_ENTRY_SIZE) {
-        for (std::size_t i = 0; i < entries_.size(); ++i)
-            entries_[i] = &text_[i * ZV_LIST_ENTRY_SIZE];
+bool begins_a_series(const std::string& id) {
+    return std::any_of(std::begin(zv::KINDS), std::end(zv::KINDS),
+                       [&](const zv::KindRow& kind) { return kind.new_pair && id.starts_with(kind.series); });
+}
+
+// On a services card the key makes a certificate the holder's; on others all are, the authority's left out.
+bool is_holders_own(const CardView& view, const CardObject& object, bool services_card) {
+    if (object.type != CKO_CERTIFICATE) return false;
+    return services_card ? view.find(CKO_PRIVATE_KEY, object.id) != nullptr
+                         : !object.label.starts_with(ZV_AUTHORITY_ID);
+}
+
+// Whether a certificate makes it worth while to say which identifier the next of the kind would get.
+bool asks_for(const zv::KindRow& kind, const std::string& id, bool services_card) {
+    if (services_card) return id.starts_with(kind.series);
+    const bool signature = id.starts_with(zv::SIGNATURE_SERIES) || id.starts_with(zv::OTHER_SIGNATURE_SERIES);
+    return signature == (kind.id == Kind::signature);
+}
+
+// Of the pairs that wait the library knows the first. A series that is full ends its search.
+void propose(Inventory& inventory, const CardView& view, bool services_card) {
+    std::vector<std::string> waiting = view.pending_pairs();
+    if (services_card) std::erase_if(waiting, [](const std::string& id) { return !begins_a_series(id); });
+    const std::vector<std::string> certificates = view.ids_of_class(CKO_CERTIFICATE);
+    for (const zv::KindRow& kind : zv::KINDS) {
+        const auto asks = [&](const std::string& id) { return asks_for(kind, id, services_card); };
+        const bool waits = !waiting.empty() && kind_of_pair(waiting.front()) == kind.id;
+        if (!kind.new_pair || waits || std::none_of(certificates.begin(), certificates.end(), asks)) continue;
+        inventory.next[kind.id] = proposal_in(view, kind.id);
+        if (inventory.next[kind.id].none_free) return;
     }
-
-    [[nodiscard]] char** entries() { return entries_.data(); }
-    // The library leaves the list of services cards alone for other cards.
-    void set_count_to_zero() { entries_[0][0] = '0'; }
-
-    [[nodiscard]] std::vector<std::string> records() const {
-        const long count = std::clamp(std::strtol(entries_[0], nullptr, 10), 0L, ZV_LIST_ENTRIES - 1L);
-        std::vector<std::string> found;
-        for (long i = 1; i <= count; ++i) {
-            const char* entry = entries_[static_cast<std::size_t>(i)];
-            found.emplace_back(entry, strnlen(entry, ZV_LIST_ENTRY_SIZE));
-        }
-        return found;
-    }
-
-  private:
-    std::vector<char> text_;
-    std::array<char*, ZV_LIST_ENTRIES> entries_{};
-};
-
-// What a reading gives of one kind.
-struct OfKind {
-    CertificateList list;
-    int pending = 0;
-    std::array<char, ZV_KEY_ID_SIZE> key{}; // of the pair that waits, or for a new one
-};
-
-using Reading = zv::ByKind<OfKind>;
-
-void read_with_library(OpenedCard& card, Reading& reading) {
-    auto& [signature, authentication, services] = reading.things;
-    services.list.set_count_to_zero();
-    std::string reader = card.place.reader;
-    char no_text[] = "";
-    forget_library_texts();
-    const int code = rinnovo_Card_readCerts(reader.data(), card.pin.text(), 0, services.list.entries(),
-                                            signature.list.entries(), authentication.list.entries(),
-                                            &services.pending, &signature.pending, &authentication.pending,
-                                            signature.key.data(), authentication.key.data(), no_text,
-                                            library_way(card.place.module_path).folder.c_str());
-    if (code != ZV_OK)
-        throw with_pin(card.pin,
-                       library_stop("card-not-read", code, Advice{"repeat", {"unchanged-try-again", {}}}));
-}
-
-void add_certificates(Inventory& inventory, const CertificateList& list, Kind kind, bool marked) {
-    for (const std::string& text : list.records()) {
-        const auto record = parse_record(text, kind, marked);
-        marked = false; // only a list's first record can be
-        if (record)
-            inventory.certificates.push_back(*record);
-        else
-            ++inventory.unreadable;
-    }
-}
-
-// The record of a services card's own certificate has what follows the common name inside it; bytes that are no
-// character stand escaped in any.
-void take_subject(CertificateRecord& record, const CardView& view) {
-    for (const CardObject* object : view.certificates(record.id)) {
-        const Certificate certificate = certificate_from(object->value);
-        if (!certificate || end_of(*certificate) != record.ends) continue;
-        record.subject = subject_of(*certificate);
-        record.subject_exact = true;
-        return;
-    }
-}
-
-void add_pending(Inventory& inventory, const std::string& id) {
-    const auto known = std::any_of(inventory.pending.begin(), inventory.pending.end(),
-                                   [&](const PendingPair& pair) { return pair.id == id; });
-    if (!known) inventory.pending.push_back({kind_of_pair(id), id});
-}
-
-// Whether the list's first record has one more field. Other cards than services cards get both marks under
-// the signature list's conditions.
-bool is_marked(const Reading& reading, Kind kind, bool services_card) {
-    const OfKind& signature = reading[Kind::signature];
-    if (services_card || kind != Kind::authentication) return reading[kind].pending == 1;
-    return signature.pending == 1 && !signature.list.records().empty();
-}
-
-void take_key(Inventory& inventory, const OfKind& read, Kind kind) {
-    if (read.pending == 1)
-        add_pending(inventory, read.key.data());
-    else
-        inventory.next[kind] = as_proposal(read.key.data());
 }
 
 } // namespace
+
+Proposal proposal_in(const CardView& view, Kind kind) {
+    for (const std::string& id : identifiers_of(kind))
+        if (view.find(CKO_PUBLIC_KEY, id) == nullptr) return {id, false};
+    return {{}, true};
+}
+
+void Inventory::add(const CardObject& object, Kind kind) {
+    if (auto record = record_of(object, kind))
+        certificates.push_back(std::move(*record));
+    else
+        ++unreadable;
+}
 
 void take_retired(Inventory& inventory, const CardView& view, const std::string& card) {
     for (const std::string& id : view.identifiers())
@@ -126,28 +67,20 @@ void take_retired(Inventory& inventory, const CardView& view, const std::string&
     });
 }
 
-Proposal as_proposal(const std::string& key_text) {
-    const bool digit =
-        std::any_of(key_text.begin(), key_text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-    return digit ? Proposal{key_text, false} : Proposal{{}, !key_text.empty()};
-}
-
-Inventory read_inventory(OpenedCard& card, const CardView& view, const std::string& given_backup) {
-    Reading reading;
-    read_with_library(card, reading);
+Inventory inventory_of(const OpenedCard& card, const std::string& given_backup) {
+    const CardView& view = card.view;
+    const bool services_card = card.place.services;
     Inventory inventory;
     for (const zv::KindRow& kind : zv::KINDS)
-        add_certificates(inventory, reading[kind.id].list, kind.id,
-                         is_marked(reading, kind.id, card.place.services));
-    for (CertificateRecord& record : inventory.certificates)
-        if (record.kind == Kind::services || record.subject_text.find('\\') != std::string::npos)
-            take_subject(record, view);
-    inventory.own_pair = card.place.services && view.find(CKO_PRIVATE_KEY, ZV_OWN_PAIR) != nullptr;
-    inventory.services_pending = reading[Kind::services].pending == 1;
-    for (const zv::KindRow& kind : zv::KINDS)
-        if (kind.new_pair) take_key(inventory, reading[kind.id], kind.id);
+        for (const CardObject& object : view.objects())
+            if (is_holders_own(view, object, services_card) &&
+                kind_of_certificate(object.id, services_card) == kind.id)
+                inventory.add(object, kind.id);
+    inventory.own_pair = services_card && view.find(CKO_PRIVATE_KEY, ZV_OWN_PAIR) != nullptr;
+    inventory.services_pending = services_card && view.marked_pending();
+    propose(inventory, view, services_card);
     for (const std::string& id : view.pending_pairs())
-        add_pending(inventory, id);
+        inventory.pending.push_back({kind_of_pair(id), id});
     inventory.backups = backups_of(card.state.serial, given_backup);
     take_retired(inventory, view, card.state.serial);
     return inventory;

@@ -12,10 +12,11 @@
 
 namespace zvhost {
 
-// What the library's reading of a card gave.
+// What a card holds, sorted as the library sorts it: what it answers to a reading of the card, the engine answers from the
+// one look that it had anyway.
 struct Inventory {
     std::vector<CertificateRecord> certificates;
-    std::size_t unreadable = 0; // records that could not be taken apart
+    std::size_t unreadable = 0; // certificates that are none
     std::vector<PendingPair> pending;
     std::vector<RetiredPair> retired;
     std::vector<Backup> backups;   // of this card, in the working folder or given by name
@@ -28,22 +29,18 @@ struct Inventory {
     // The certificate of a kind with exactly that identifier; null when there is none.
     [[nodiscard]] const CertificateRecord* find(Kind kind, const std::string& id) const;
     [[nodiscard]] const PendingPair* pending_pair(Kind kind) const;
+    // Adds a certificate of the card.
+    void add(const CardObject& object, Kind kind);
 };
 
-// Reads the card with the library.
-//
-// The library reports at most one pending pair; the view, read by this program itself, adds the others, and the
-// backups tell what does not wait.
-//
-// @throws Error
-[[nodiscard]] Inventory read_inventory(OpenedCard& card, const CardView& view,
-                                       const std::string& given_backup = {});
+// Sorts what a card held when it was opened.
+[[nodiscard]] Inventory inventory_of(const OpenedCard& card, const std::string& given_backup = {});
 
 // Takes from the pending pairs those that the inventory's backups say to be what a removal left.
 void take_retired(Inventory& inventory, const CardView& view, const std::string& card);
 
-// Takes a key text of the library: one without a digit ("DS") means that the series is full.
-[[nodiscard]] Proposal as_proposal(const std::string& key_text);
+// The identifier for a new pair: the first of the series that no public key has.
+[[nodiscard]] Proposal proposal_in(const CardView& view, Kind kind);
 
 using zv::kind_of_certificate, zv::kind_of_pair;
 

@@ -25,11 +25,9 @@ using List = CK_FUNCTION_LIST;
 
 void require(CK_RV result, const char* what) {
     if (result == CKR_OK) return;
-    const int code = result <= 0x7FFFFFFF ? static_cast<int>(result) : -1;
-    forget_library_texts();
     throw Error(Exit::failed,
                 Sentence{"call-failed",
-                         {{"what", std::vector{Sentence{what, {}}}}, {"reason", library_reason(code)}}});
+                         {{"what", std::vector{Sentence{what, {}}}}, {"reason", module_reason(result)}}});
 }
 
 pkcs11::Module load(const std::string& path) {
@@ -43,6 +41,11 @@ pkcs11::Module load(const std::string& path) {
 }
 
 } // namespace
+
+std::vector<Sentence> module_reason(CK_RV result) {
+    forget_library_texts();
+    return library_reason(result <= 0x7FFFFFFF ? static_cast<int>(result) : -1);
+}
 
 Module::Module(const std::string& path) : loaded_(load(path)) {
     require(call<&List::C_Initialize>(nullptr), "call-start");
@@ -91,11 +94,16 @@ Session::~Session() {
     [[maybe_unused]] const CK_RV result = module_.call<&List::C_CloseSession>(handle_);
 }
 
-void Session::log_in(Pin& pin) {
+CK_RV Session::try_login(Pin& pin) {
     auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
     const CK_RV result =
         module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
     if (refuses_pin(result)) pin.refuse();
+    return result;
+}
+
+void Session::log_in(Pin& pin) {
+    const CK_RV result = try_login(pin);
     if (result != CKR_USER_ALREADY_LOGGED_IN) require(result, "call-login");
 }
 

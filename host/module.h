@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/pin.h"
+#include "host/sentence.h"
 #include "pkcs11/module.h"
 
 #include <optional>
@@ -39,6 +40,9 @@ class Module {
     pkcs11::Module loaded_;
 };
 
+// Why a call failed, to end a sentence; without a full stop.
+[[nodiscard]] std::vector<Sentence> module_reason(CK_RV result);
+
 enum class Access { reading, writing };
 
 // A session with the card in a slot.
@@ -50,6 +54,8 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
+    // Logs in. A PIN that the card refuses is not sent again.
+    [[nodiscard]] CK_RV try_login(Pin& pin);
     // @throws Error. The PIN must have been proved before: see pin_gate.h.
     void log_in(Pin& pin);
     // Every object of the card, as far as the login shows it. @throws Error

@@ -23,11 +23,24 @@ void require_known(const CardView& view, const std::vector<CardObject>& objects)
                 throw Error(Exit::failed, {"removal-not-as-planned", {{"id", one.id}}});
 }
 
+// Removes objects, and looks at what is left.
+CardNow removed(OpenedCard& card, const std::function<void(Session&, const CardView&)>& remove) {
+    std::optional<CardNow> now;
+    with_writing_session(card, [&](Session& session) {
+        remove(session, view_in(session));
+        try {
+            now = card_now(card, view_in(session));
+        } catch (const Error&) {
+            // Not in this session, then.
+        }
+    });
+    return now ? std::move(*now) : card_now(card);
+}
+
 } // namespace
 
-void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects) {
-    with_writing_session(card, [&](Session& session) {
-        const CardView view = view_in(session);
+CardNow remove_objects(OpenedCard& card, const std::vector<CardObject>& objects) {
+    return removed(card, [&](Session& session, const CardView& view) {
         require_known(view, objects);
         for (const CardObject& one : objects)
             for (const CardObject& there : view.objects())
@@ -35,9 +48,8 @@ void remove_objects(OpenedCard& card, const std::vector<CardObject>& objects) {
     });
 }
 
-void remove_mark(OpenedCard& card) {
-    with_writing_session(card, [](Session& session) {
-        const CardView view = view_in(session);
+CardNow remove_mark(OpenedCard& card) {
+    return removed(card, [](Session& session, const CardView& view) {
         for (const CardObject& there : view.objects())
             if (there.type == CKO_DATA && there.label == ZV_PENDING_MARKER) session.destroy(there.handle);
     });

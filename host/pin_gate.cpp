@@ -1,12 +1,9 @@
 #include "host/pin_gate.h"
 
-#include "host/error.h"
-#include "host/front.h"
-#include "host/library_text.h"
+#include "host/about_card.h"
 #include "host/missing.h"
 #include "host/refused_pin.h"
-#include "zvCrypt.h"
-#include "zvRenew.h"
+#include "zvConstants.h"
 
 #include <fmt/format.h>
 
@@ -27,10 +24,10 @@ void refuse_risky_try(const CardState& state, bool final_try) {
 }
 
 // What the card says of its PIN after a wrong one; none when it cannot be asked.
-std::optional<PinState> pin_now(const Place& place, bool locked) {
+std::optional<PinState> pin_now(const Module& module, CK_SLOT_ID slot, bool locked) {
     try {
-        const CardState now = card_state(place);
-        return locked ? PinState::locked : now.pin;
+        const PinState now = pin_state(module.token(slot).flags);
+        return locked ? PinState::locked : now;
     } catch (const Error&) {
         return std::nullopt;
     }
@@ -42,35 +39,41 @@ Sentence tries_left(std::optional<PinState> pin) {
     return tries.empty() ? Sentence{"pin-tries-untold", {}} : tries;
 }
 
-Error wrong_pin(const Place& place, CardState state, const std::vector<Sentence>& reason, bool locked) {
-    state.pin = pin_now(place, locked);
+Error wrong_pin(const Module& module, const OpenedCard& card, CK_RV result) {
+    bool locked = result == CKR_PIN_LOCKED;
+    CardState state = card.state;
+    state.pin = pin_now(module, state.slot, locked);
     locked = locked || state.pin == PinState::locked;
-    Error stop(Exit::failed,
-               {"pin-wrong", {{"reason", reason}, {"tries", std::vector{tries_left(state.pin)}}}},
-               locked ? Advice{"unlock", Sentence{"unlock", {}}} : check_pin());
-    stop.tell_card(facts_of(place, std::move(state)));
+    Error stop(
+        Exit::failed,
+        {"pin-wrong", {{"reason", module_reason(result)}, {"tries", std::vector{tries_left(state.pin)}}}},
+        locked ? Advice{"unlock", Sentence{"unlock", {}}} : check_pin());
+    stop.tell_card(facts_of(card.place, std::move(state)));
     return stop;
 }
 
-// The crypto library's own session, opened and closed here.
-int try_pin(const Place& place, CK_SLOT_ID slot, Pin& pin) {
-    std::string path = library_way(place.module_path).path;
-    int code = kvInitialize(path.data(), static_cast<int>(slot));
-    if (code == ZVC_OK) code = kvLogin(pin.text());
-    if (code != ZVC_OK) return code;
-    return kvFinalize();
+// The login proves the PIN.
+void prove_pin(const Module& module, Session& session, OpenedCard& card, PinSource& source) {
+    const CK_RV result = session.try_login(card.pin);
+    if (result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN) return;
+    if (result == CKR_PIN_INCORRECT || result == CKR_PIN_LOCKED) {
+        source.refused();
+        throw wrong_pin(module, card, result);
+    }
+    throw Error(Exit::failed, Sentence{"pin-unchecked", {{"reason", module_reason(result)}}});
 }
 
-void prove_pin(const Place& place, const CardState& state, Pin& pin, PinSource& source) {
-    const int code = try_pin(place, state.slot, pin);
-    if (code == ZVC_OK) return;
-    const auto reason = crypto_reason(code);
-    kvFinalize();
-    if (code == ZVC_ERR_PIN_INCORRECT || code == ZVC_ERR_PIN_LOCKED) {
-        source.refused();
-        throw wrong_pin(place, state, reason, code == ZVC_ERR_PIN_LOCKED);
+// Reads what the card holds in the session in which the PIN is proved.
+// @return why that cannot be read, once it is
+std::optional<Error> look(const Module& module, OpenedCard& card, PinSource& source) {
+    Session session(module, card.state.slot);
+    prove_pin(module, session, card, source);
+    try {
+        card.view = view_in(session);
+    } catch (const Error& unread) {
+        return unread;
     }
-    throw Error(Exit::failed, Sentence{"pin-unchecked", {{"reason", reason}}});
+    return std::nullopt;
 }
 
 // The same for every user, and for every way to the module, in which a slot may have other numbers. (FNV-1a: the name of a file is no secret.)
@@ -83,15 +86,28 @@ std::string lock_of(const Place& place, const CardState& state) {
     return fmt::format("card-{:016x}", hash);
 }
 
-// People take their time: the card that gets the PIN is looked at again.
-Pin ask_pin(const Place& place, const CardState& state, PinSource& source) {
-    Pin pin = source.ask(facts_of(place, state));
-    check_pin_form(pin);
-    const CardState now = card_state(place);
-    if (now.slot != state.slot || now.serial != state.serial)
+void refuse_series(const CardState& state) {
+    if (state.serial.starts_with(ZV_REFUSED_SERIES))
+        throw Error(Exit::refused, Sentence{"card-series-refused", {{"series", ZV_REFUSED_SERIES}}});
+}
+
+void refuse_slot(const CardState& state) {
+    if (state.slot > ZV_LAST_SLOT)
+        throw Error(Exit::refused,
+                    Sentence{"slot-too-high",
+                             {{"slot", static_cast<long>(state.slot)}, {"last", long{ZV_LAST_SLOT}}}});
+}
+
+// People take their time: meanwhile the module is let go, and the card that gets the PIN is looked at again.
+void ask_pin(OpenedCard& card, std::unique_ptr<Module>& module, PinSource& source) {
+    module.reset();
+    card.pin = source.ask(card.facts());
+    check_pin_form(card.pin);
+    module = std::make_unique<Module>(card.place.module_path);
+    const CardState now = card_state(*module, card.place);
+    if (now.slot != card.state.slot || now.serial != card.state.serial)
         throw Error(Exit::refused, Sentence{"pin-other-card", {}});
     refuse_risky_try(now, source.final_try());
-    return pin;
 }
 
 // What is known of the card is added to `facts` as soon as it is.
@@ -99,17 +115,20 @@ OpenedCard open_untouched(const CardChoice& choice, PinSource& source, Use use,
                           std::optional<CardFacts>& facts) {
     std::optional<Pin> early = source.at_once();
     if (early) check_pin_form(*early);
-    auto [place, state] = find_card(choice, facts);
-    if (use == Use::changing && state.slot > ZV_LAST_SLOT)
-        throw Error(Exit::refused,
-                    Sentence{"slot-too-high",
-                             {{"slot", static_cast<long>(state.slot)}, {"last", long{ZV_LAST_SLOT}}}});
+    auto [place, state, module] = find_card(choice, facts);
+    refuse_series(state);
+    if (use == Use::changing) refuse_slot(state);
     refuse_risky_try(state, source.final_try());
-    std::optional<Lock> lock;
-    if (use == Use::changing) lock.emplace(lock_of(place, state), "busy-card");
-    Pin pin = early ? std::move(*early) : ask_pin(place, state, source);
-    prove_pin(place, state, pin, source);
-    return {std::move(place), std::move(state), std::move(pin), std::move(lock)};
+    OpenedCard card{std::move(place), std::move(state), {}, {}, {}};
+    if (use == Use::changing) card.lock.emplace(lock_of(card.place, card.state), "busy-card");
+    if (early)
+        card.pin = std::move(*early);
+    else
+        ask_pin(card, module, source);
+    const std::optional<Error> unread = look(*module, card, source);
+    module.reset();
+    if (unread) throw with_card(card, *unread);
+    return card;
 }
 
 // Modules that know nothing of the card's memory say so, or 0 of all of it.
@@ -133,8 +152,7 @@ CardState card_state(CK_SLOT_ID slot, const CK_TOKEN_INFO& token) {
     return state;
 }
 
-CardState card_state(const Place& place) {
-    const Module module(place.module_path);
+CardState card_state(const Module& module, const Place& place) {
     const CK_SLOT_ID slot = slot_of(module, place.reader);
     return card_state(slot, module.token(slot));
 }
@@ -143,11 +161,12 @@ FoundCard find_card(const CardChoice& choice, std::optional<CardFacts>& facts) {
     const auto wait = choice.wait;
     for (;;)
         try {
-            const Place place = find_place(choice);
+            Place place = find_place(choice);
             facts = facts_of(place, {});
-            const CardState state = card_state(place);
+            auto module = std::make_unique<Module>(place.module_path);
+            CardState state = card_state(*module, place);
             facts = facts_of(place, state);
-            return {place, state};
+            return {std::move(place), std::move(state), std::move(module)};
         } catch (const Missing& missing) {
             if (!wait || !wait(missing.sentence)) throw;
         }

@@ -15,7 +15,7 @@ constexpr std::size_t FINGERPRINT_BYTES = 16;
 
 // How often a card gets the PIN: each entry point and each look logs in by itself.
 constexpr int LOGINS_OF_A_REQUEST = 2;
-constexpr int LOGINS_OF_AN_INSTALLATION = 3;
+constexpr int LOGINS_OF_AN_INSTALLATION = 2;
 
 ObjectClass class_of_object(CK_OBJECT_CLASS type) {
     if (type == CKO_CERTIFICATE) return ObjectClass::certificate;

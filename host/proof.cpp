@@ -42,7 +42,7 @@ bool verifies(X509& certificate, const Challenge& message, const Bytes& signatur
 }
 
 Proof failed(Sentence reason) {
-    return {std::move(reason), false, std::nullopt};
+    return {std::move(reason), false, std::nullopt, {}};
 }
 
 // A private key and the certificate that it is to fit.
@@ -53,7 +53,8 @@ struct Tried {
 
 Proof compare(const Tried& tried, KeyPin key_pin) {
     const std::string& id = tried.key.id;
-    if (!tried.key.value.empty() && tried.key.value == modulus_of(tried.certificate)) return {{}, false, {}};
+    if (!tried.key.value.empty() && tried.key.value == modulus_of(tried.certificate))
+        return {{}, false, {}, {}};
     Proof proof = failed({"key-neither-tried-nor-fitting", {{"key", id}}});
     if (key_pin == KeyPin::given) proof.advice = give_key_the_pin(id);
     return proof;
@@ -73,9 +74,8 @@ Proof try_key(const Session& session, const Tried& tried, OpenedCard& card, KeyP
     return {};
 }
 
-Proof prove(const Session& session, const std::string& id, const Bytes& expected_certificate,
-            OpenedCard& card, KeyPin key_pin) {
-    const CardView view = view_in(session);
+Proof prove(const Session& session, const CardView& view, const std::string& id,
+            const Bytes& expected_certificate, OpenedCard& card, KeyPin key_pin) {
     const CardObject* stored = view.certificate(id, expected_certificate);
     const CardObject* key = view.find(CKO_PRIVATE_KEY, id);
     if (view.certificates(id).empty()) return failed({"certificate-missing", {{"id", id}}});
@@ -91,7 +91,9 @@ Proof prove_pair(OpenedCard& card, const std::string& id, const Bytes& expected_
     try {
         Proof proof;
         with_session(card, [&](const Session& session) {
-            proof = prove(session, id, expected_certificate, card, key_pin);
+            CardView view = view_in(session);
+            proof = prove(session, view, id, expected_certificate, card, key_pin);
+            proof.now = card_now(card, std::move(view));
         });
         return proof;
     } catch (const Error& stop) {

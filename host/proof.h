@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/card_view.h"
+#include "host/card_session.h"
 #include "host/certificate.h"
 
 #include <string>
@@ -12,6 +12,7 @@ struct Proof {
     Sentence reason;              // why there is none, to end a sentence, full stop included; empty: proved
     bool signed_with = true;      // false: the key's modulus was compared with the certificate's instead
     std::optional<Advice> advice; // what to do about it, when that is not to try again
+    CardNow now;                  // what the card holds
 };
 
 // What a key that wants the PIN before each signature gets. It may have one of its own, and the card's cost a try.

@@ -1,7 +1,7 @@
 #include "host/public_card.h"
 
 #include "host/attributes.h"
-#include "host/card_view.h"
+#include "host/pin_gate.h"
 
 namespace zvhost {
 namespace {
@@ -30,9 +30,8 @@ std::optional<PublicObject> object_in(const Session& session, CK_OBJECT_HANDLE h
 
 PublicCard read_public_card(const CardChoice& choice) {
     const Place place = find_place(choice);
-    PublicCard card{facts_of(place, card_state(place)), {}};
     const Module module(place.module_path);
-    require_same_card(module, *card.card.state);
+    PublicCard card{facts_of(place, card_state(module, place)), {}};
     const Session session(module, card.card.state->slot);
     for (const CK_OBJECT_HANDLE handle : session.objects())
         if (auto object = object_in(session, handle)) card.objects.push_back(std::move(*object));

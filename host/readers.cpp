@@ -16,7 +16,8 @@ ReaderFacts look_into(const Reader& reader, const std::string& module_dir) {
     try {
         const auto folder = folder_of_module(reader.module, module_dir);
         facts.module_path = (folder / reader.module).string();
-        facts.state = card_state({reader.name, reader.module, folder, facts.module_path});
+        facts.state =
+            card_state(Module(facts.module_path), {reader.name, reader.module, folder, facts.module_path});
     } catch (const Error& error) {
         facts.problem = error.sentence;
     }

@@ -138,8 +138,8 @@ class PlannedRemoval::Work {
     using Choose = Doomed (*)(const Inventory&, const CardView&, const RemovalWishes&);
 
     void plan(Choose choose, const Sentence& why) {
-        const CardView view = view_card(card_);
-        objects_ = choose(read_inventory(card_, view, wishes_.backup), view, wishes_);
+        const CardView& view = card_.view;
+        objects_ = choose(inventory_of(card_, wishes_.backup), view, wishes_);
         backup_ = backup_of(objects_, wishes_, card_.state.serial);
         seen_.card = card_.facts();
         seen_.logins = LOGINS;
@@ -155,15 +155,14 @@ class PlannedRemoval::Work {
         const std::string backup = save(backup_);
         require_alone(card_);
         progress.step(Step({"step-remove", {{"id", wishes_.id}}}));
-        remove_objects(card_, objects_);
-        const CardNow now = card_now(card_);
+        const CardNow now = remove_objects(card_, objects_);
         if (now.view && now.view->has(wishes_.id))
             throw Error(Exit::failed, {"removal-not-whole", {{"id", wishes_.id}}});
         return {card_.facts(), wishes_.id, backup, now.contents};
     }
 
   private:
-    static constexpr int LOGINS = 2; // to remove, and to look
+    static constexpr int LOGINS = 1; // to remove, and to look
 
     RemovalWishes wishes_;
     OpenedCard card_;

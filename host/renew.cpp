@@ -104,8 +104,7 @@ void PlannedRenewal::Work::unmark(Progress& progress) {
     progress.changing();
     progress.step(Step(Sentence{"step-unmark", {}}));
     OpenedCard card = open_card(choice_, pin_, Use::changing);
-    remove_mark(card);
-    const CardNow now = card_now(card);
+    const CardNow now = remove_mark(card);
     standing_.now = now.contents;
     if (!now.view || now.view->marked_pending()) return;
     const auto about_mark = [](const Advice& one) { return one.key == "mark"; };

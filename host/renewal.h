@@ -23,7 +23,11 @@ class PlannedRenewal::Work {
     [[nodiscard]] Renewal apply(Progress& shown);
 
   private:
+    // The card, as it was opened for the first look; opened anew once that was used.
+    [[nodiscard]] OpenedCard take_card();
+
     // What comes next.
+    void plan_next();
     [[nodiscard]] bool plan_answer(const std::string& file);
     void plan_installation(const std::string& file);
     void plan_with(const InstallWishes& wishes);
@@ -58,6 +62,7 @@ class PlannedRenewal::Work {
     CardChoice choice_;
     KeptPin pin_;
     Authority& authority_;
+    std::optional<OpenedCard> opened_;
     Standing standing_;
     std::optional<PlannedRequest> request_;
     std::optional<PlannedInstall> install_;

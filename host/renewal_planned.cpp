@@ -1,3 +1,4 @@
+#include "host/opened_plans.h"
 #include "host/renewal.h"
 #include "zvConstants.h"
 
@@ -17,8 +18,23 @@ bool lacks_room(const Plan& plan) {
 
 } // namespace
 
+// It is not held while others, a person among them, are waited for.
 void PlannedRenewal::Work::plan() {
-    standing_ = find_standing(wishes_, choice_, pin_);
+    opened_.emplace(open_card(choice_, pin_, Use::changing));
+    pin_.bind(opened_->state.serial);
+    standing_ = find_standing(wishes_, *opened_);
+    plan_next();
+    opened_.reset();
+}
+
+OpenedCard PlannedRenewal::Work::take_card() {
+    if (!opened_) return open_card(choice_, pin_, Use::changing);
+    OpenedCard card = std::move(*opened_);
+    opened_.reset();
+    return card;
+}
+
+void PlannedRenewal::Work::plan_next() {
     seen_ = standing_.nothing;
     if (const std::string file = authority_.at_hand(); !file.empty() && plan_answer(file)) return;
     if (standing_.was_stored()) return plan_rest(standing_.remembered.pair);
@@ -57,7 +73,7 @@ InstallWishes PlannedRenewal::Work::install_wishes() const {
 void PlannedRenewal::Work::plan_with(const InstallWishes& wishes) {
     install_.reset();
     try {
-        install_.emplace(plan_install(wishes, choice_, pin_));
+        install_.emplace(plan_install(wishes, [this] { return take_card(); }));
     } catch (Error& error) {
         if (std::get_if<AlreadyStored>(&error.found) == nullptr)
             error.advice.push_back(
@@ -91,7 +107,7 @@ void PlannedRenewal::Work::plan_request() {
     RequestWishes wishes = wishes_.request;
     wishes.force = wishes.force || !standing_.waiting.empty(); // what was begun is finished
     try {
-        request_.emplace(zvhost::plan_request(wishes, choice_, pin_));
+        request_.emplace(zvhost::plan_request(wishes, [this] { return take_card(); }));
     } catch (Error& error) {
         if (error.exit == Exit::nothing_due && wishes_.remove_old)
             advise_on_kept(error.advice, standing_.current);

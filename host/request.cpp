@@ -2,9 +2,12 @@
 
 #include "host/about_card.h"
 #include "host/advice.h"
+#include "host/card_session.h"
 #include "host/journal.h"
+#include "host/library_card.h"
 #include "host/library_text.h"
 #include "host/new_file.h"
+#include "host/opened_plans.h"
 #include "host/planned_changes.h"
 #include "host/read_file.h"
 #include "host/refused_pin.h"
@@ -159,8 +162,8 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
           card_(std::move(card)) {}
 
     void plan(std::optional<DistinguishedName> subject) {
-        const CardView view = view_card(card_);
-        const Inventory inventory = read_inventory(card_, view);
+        const CardView& view = card_.view;
+        const Inventory inventory = inventory_of(card_);
         remember_all(card_.facts(), inventory, view);
         plan_ = plan_request(wishes_, inventory, view, std::move(subject));
         if (!output_.earlier.empty() && !is_done(output_, plan_, view)) NewFile refused(wishes_.out);
@@ -178,6 +181,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
             progress.notice(notice);
         if (!plan_.reuse) progress.notice({"generating", {}});
         require_alone(card_);
+        show_card_to_library(card_);
         progress.step(
             Step({plan_.reuse ? "step-request" : "step-keys", {{"pair", plan_.pair}}}, usual_time()));
         const auto begun = std::chrono::steady_clock::now();
@@ -259,15 +263,19 @@ MadeRequest PlannedRequest::apply(Progress& progress) {
     return about_card(work_->card(), [&] { return work_->apply(progress); });
 }
 
-PlannedRequest plan_request(const RequestWishes& wishes, const CardChoice& choice, PinSource& pin) {
+PlannedRequest plan_request(const RequestWishes& wishes, const OpenCard& open) {
     check_wishes(wishes);
     std::optional<DistinguishedName> subject = given_subject(wishes);
     Output output = prepare_output(wishes);
     Lock files = hold_request_files();
-    const auto work = std::make_shared<PlannedRequest::Work>(wishes, std::move(output), std::move(files),
-                                                             open_card(choice, pin, Use::changing));
+    const auto work =
+        std::make_shared<PlannedRequest::Work>(wishes, std::move(output), std::move(files), open());
     about_card(work->card(), [&] { work->plan(std::move(subject)); });
     return PlannedRequest(work);
+}
+
+PlannedRequest plan_request(const RequestWishes& wishes, const CardChoice& choice, PinSource& pin) {
+    return plan_request(wishes, [&] { return open_card(choice, pin, Use::changing); });
 }
 
 } // namespace zvhost

@@ -27,10 +27,9 @@ bool is_of_kind(const std::string& id, Kind kind, bool services_card) {
     return (known || !services_card) && kind_of_certificate(id, services_card) == kind;
 }
 
-// A certificate with its key that the library's lists lack though they have room: reading it failed.
+// A certificate with its key that is in none of the lists: it cannot be read.
 std::string unread_certificate(const RequestWishes& wishes, const Inventory& inventory,
                                const CardView& view) {
-    if (inventory.certificates.size() + inventory.unreadable >= ZV_LIST_ENTRIES - 1) return {};
     for (const std::string& id : view.identifiers())
         if ((wishes.certificate.empty() || wishes.certificate == id) && !is_listed(inventory, id) &&
             is_of_kind(id, wishes.kind, inventory.own_pair) && !view.certificates(id).empty() &&
@@ -86,15 +85,6 @@ DistinguishedName requestable(DistinguishedName subject, Kind kind, const char* 
     if (const auto reason = why_not_services(subject); kind == Kind::services && !reason.empty())
         throw unfit(which, reason);
     return subject;
-}
-
-DistinguishedName subject_of(const CertificateRecord& old) {
-    const bool cut = old.subject_text.size() >= ZV_RECORD_NAME_SIZE - 1;
-    const std::string begin = old.subject.oid_form().substr(0, old.subject.oid_form().find('=') + 1);
-    const bool whole = old.kind != Kind::services && !cut && old.subject_text.starts_with(begin);
-    if (!old.subject_exact && !whole)
-        throw Error(Exit::refused, {"old-subject-not-whole", {}}, say_subject());
-    return requestable(old.subject, old.kind, "old-subject-unfit");
 }
 
 [[noreturn]] void stop_none_free(Kind kind) {
@@ -182,7 +172,8 @@ RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory
     RequestPlan plan;
     plan.old = certificate_to_renew(wishes, inventory, view);
     stop_unless_due(wishes, plan.old);
-    plan.subject = subject ? std::move(*subject) : subject_of(plan.old);
+    plan.subject =
+        subject ? std::move(*subject) : requestable(plan.old.subject, plan.old.kind, "old-subject-unfit");
     if (view.find(CKO_PRIVATE_KEY, plan.old.id) == nullptr)
         throw Error(Exit::refused, {"key-not-there", {{"id", plan.old.id}}});
     if (wishes.kind == Kind::services)

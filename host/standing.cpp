@@ -134,11 +134,9 @@ void Standing::note_stored(const Installed& installed, const std::string& replac
     now = installed.now;
 }
 
-Standing find_standing(const RenewalWishes& wishes, const CardChoice& choice, KeptPin& pin) {
-    OpenedCard card = open_card(choice, pin, Use::changing);
-    pin.bind(card.state.serial);
-    const CardView view = view_card(card);
-    const Inventory inventory = read_inventory(card, view, wishes.backup);
+Standing find_standing(const RenewalWishes& wishes, const OpenedCard& card) {
+    const CardView& view = card.view;
+    const Inventory inventory = inventory_of(card, wishes.backup);
     Standing standing;
     standing.card = card.facts();
     standing.now = view.contents();

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "host/card_view.h"
 #include "host/journal.h"
-#include "host/kept_pin.h"
+#include "host/pin_gate.h"
 #include "host/plan.h"
 #include "host/renew.h"
 
@@ -50,7 +49,7 @@ struct Standing {
     void note_stored(const Installed& installed, const std::string& replaces);
 };
 
-// Reads the card, the request's file and the journal. @throws Error
-[[nodiscard]] Standing find_standing(const RenewalWishes& wishes, const CardChoice& choice, KeptPin& pin);
+// Reads the card as it was opened, the request's file and the journal. @throws Error
+[[nodiscard]] Standing find_standing(const RenewalWishes& wishes, const OpenedCard& card);
 
 } // namespace zvhost

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/card_view.h"
+#include "host/card_session.h"
 
 #include <string>
 

@@ -25,6 +25,8 @@
 #define ZV_PENDING_MARKER "pending_CNS_key"
 /** What the labels of an unfinished request's objects begin with. */
 #define ZV_PENDING_PREFIX "pending_"
+/** What the serial numbers of cards begin with that are not supported. */
+#define ZV_REFUSED_SERIES "1201"
 
 /* ---- Texts that a host gives: characters, terminator not counted ---- */
 

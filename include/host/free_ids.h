@@ -19,7 +19,7 @@ struct FreeIds {
     std::vector<FreeId> kinds;
 };
 
-// Asks the library for the identifiers of new keys. @throws Error
+// Says what the library would call new keys. @throws Error
 [[nodiscard]] FreeIds find_free_ids(const CardChoice& choice, PinSource& pin);
 
 } // namespace zvhost

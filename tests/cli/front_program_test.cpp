@@ -54,7 +54,7 @@ TEST_F(FrontTest, HasTheModuleStartedOnceACommand) {
 TEST_F(FrontTest, IsLeftOutWhereItIsNotWanted) {
     make_card();
     ::setenv("ZVRENEW_FRONT", "off", 1);
-    const Outcome outcome = with_pin("list");
+    const Outcome outcome = with_pin("request signature");
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_GT(outcome.count("C_Initialize"), 1U);
     EXPECT_EQ(log().find(session()), std::string::npos);
@@ -63,11 +63,11 @@ TEST_F(FrontTest, IsLeftOutWhereItIsNotWanted) {
 
 TEST_F(FrontTest, ClearsUpAfterItselfAndAfterOneThatWasKilled) {
     make_card();
-    EXPECT_EQ(with_pin("list", "C_Login:2:kill-before").count("C_Finalize"), 0U);
+    EXPECT_EQ(with_pin("request signature", "C_Login:2:kill-before").count("C_Finalize"), 0U);
     ASSERT_FALSE(fs::is_empty(session()));
     const fs::path left = fs::directory_iterator(session())->path();
     EXPECT_EQ(fs::status(left).permissions(), fs::perms::owner_all);
-    EXPECT_EQ(with_pin("list").code, 0);
+    EXPECT_EQ(with_pin("request signature").code, 0);
     EXPECT_TRUE(fs::exists(left)) << "it may be new";
     fs::last_write_time(left, fs::last_write_time(left) - std::chrono::minutes(5));
     // What somebody else has put there stays.
@@ -76,7 +76,7 @@ TEST_F(FrontTest, ClearsUpAfterItselfAndAfterOneThatWasKilled) {
     fs::permissions(other, fs::perms::owner_all);
     std::ofstream(other / "file") << "mine";
     fs::last_write_time(other, fs::last_write_time(left));
-    EXPECT_EQ(with_pin("list").code, 0);
+    EXPECT_EQ(with_pin("request signature").code, 0);
     EXPECT_FALSE(fs::exists(left));
     EXPECT_TRUE(fs::exists(other / "file"));
 }

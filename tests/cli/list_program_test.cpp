@@ -114,10 +114,10 @@ TEST_F(ListProgramTest, LooksForTheModuleWhereItIsTold) {
 
 TEST_F(ListProgramTest, WritesTheLogBelowItsOwnHomeOrWorksWithoutOne) {
     make_card();
-    ASSERT_EQ(with_pin("list").code, 0);
+    ASSERT_EQ(with_pin("request signature").code, 0);
     EXPECT_EQ(std::filesystem::status(home() / ".trevallo").permissions(), std::filesystem::perms::owner_all);
     const std::string log = simcard::read_file(home() / ".trevallo" / "zvRenew.log");
-    EXPECT_NE(log.find("rinnovo_Card_readCerts"), std::string::npos);
+    EXPECT_NE(log.find("rinnovo_Card_createCertRequestPRA"), std::string::npos);
     EXPECT_EQ(log.find(simcard::DEFAULT_PIN), std::string::npos);
 
     std::filesystem::remove_all(home() / ".trevallo");

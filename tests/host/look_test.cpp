@@ -1,4 +1,5 @@
 #include "host/card_view.h"
+#include "host/error.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/module.h"
 

@@ -15,7 +15,6 @@ constexpr Row ADVICE_ROWS[] = {
     {"free-identifier", N_("New {kind} keys go under {first} or {last}, and none is free. Remove the "
                            "certificate among them that is no longer needed, with its keys, using the card's "
                            "own software.")},
-    {"identifiers-not-read", N_("The identifiers could not be read{reason}.")},
     {"key-wants-own-pin", N_("Do not run the same command again as it is: the key {key} wants a PIN before "
                              "each signature, has the card's alone been offered, and may count a try each "
                              "time. If that key has a PIN of its own, make it the card's with the card's own "

@@ -5,6 +5,7 @@ namespace {
 
 constexpr Row CARD_ROWS[] = {
     {"card-mute", N_("a card that does not answer (is it the right way round?)")},
+    {"card-series-refused", N_("Cards whose serial number begins with {series} are not supported.")},
     {"card-unknown", N_("a card of an unknown kind")},
     {"card-unusable", N_("The card in \"{reader}\" cannot be used: {problem}.")},
     {"insert-card", N_("Put the card in.")},

@@ -30,7 +30,6 @@ constexpr Row REQUEST_ROWS[] = {
     {"not-of-services-card", N_("a request of a services card does not carry {name}")},
     {"not-own-certificate", N_("The certificate {id} is not the services card's own.")},
     {"nothing-due", N_("Nothing to do: the {kind} certificate {id} ends on {ends}, in {days} days.")},
-    {"old-subject-not-whole", N_("The subject of the certificate cannot be read whole.")},
     {"old-subject-unfit", N_("The subject of the certificate cannot go into a request: {reason}.")},
     {"own-keys-of-no-use", N_("Repeat the request with the card in the reader. If that fails in the same "
                               "way, the card's own keys are of no use for a request: its issuer has to "
