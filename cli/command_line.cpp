@@ -103,8 +103,9 @@ Invocation read_command_line(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(joined({STEPS, exit_codes_text()}));
     app.get_formatter()->column_width(34);
-    add_commands(app, chosen);
-    if (is_completed(argc, argv)) return as_completion(app, {argv + 2, argv + argc});
+    const bool completed = is_completed(argc, argv);
+    add_commands(app, chosen, completed ? Declared::all : Declared::when_named);
+    if (completed) return as_completion(app, {argv + 2, argv + argc});
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -47,18 +47,34 @@ std::string full_name(const CLI::App& command) {
     return top ? command.get_name() : parent->get_name() + " " + command.get_name();
 }
 
-// A command with its options, which live as long as the parser.
+// Declares a command's options, which live as long as the parser: when the command line names the command, since those
+// of all take a fifth of the program's start.
+template <class Options> void declare(CLI::App& command, std::shared_ptr<Options> options, Declared when) {
+    const auto now = [&command, options] {
+        OptionList list(command);
+        options->declare(list);
+    };
+    if (when == Declared::all) return now();
+    command.preparse_callback([now](std::size_t) { now(); });
+}
+
+// Where a command is added, and how.
+struct Branch {
+    CLI::App& app;
+    Invocation& chosen;
+    Declared when;
+};
+
 template <class Options>
-CLI::App& add_command(CLI::App& app, Invocation& chosen, const char* name, const char* text,
-                      Report (*run)(const Options&), const std::vector<const char*>& footer = {EXITS}) {
+CLI::App& add_command(const Branch& branch, const char* name, const char* text, Report (*run)(const Options&),
+                      const std::vector<const char*>& footer = {EXITS}) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(name, words::tr(text));
+    CLI::App* command = branch.app.add_subcommand(name, words::tr(text));
     command->footer(joined(footer));
     command->get_help_ptr()->group(words::tr("Options"));
-    OptionList list(*command);
-    options->declare(list);
+    declare(*command, options, branch.when);
     // A command's own commands come first.
-    command->callback([&chosen, command, options, name = full_name(*command), run] {
+    command->callback([&chosen = branch.chosen, command, options, name = full_name(*command), run] {
         if (!command->get_subcommands().empty()) return;
         chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
@@ -67,38 +83,37 @@ CLI::App& add_command(CLI::App& app, Invocation& chosen, const char* name, const
 
 } // namespace
 
-void add_commands(CLI::App& app, Invocation& chosen) {
-    add_command(app, chosen, "readers",
+void add_commands(CLI::App& app, Invocation& chosen, Declared when) {
+    const Branch top{app, chosen, when};
+    add_command(top, "readers",
                 "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
-    add_command(app, chosen, "doctor",
+    add_command(top, "doctor",
                 "Looks at all that a renewal needs and says what is wrong and what to do (asks for no PIN)",
                 run_doctor, {DOCTOR_EXITS});
-    add_command(app, chosen, "status",
+    add_command(top, "status",
                 "Tells by the exit code which certificates end soon or have ended (asks for no PIN)",
                 run_status, {STATUS_EXITS});
-    add_command(app, chosen, "list", "Shows what is on the card, and what is due", run_list);
-    add_command(app, chosen, "remind",
-                "Shows a desktop notification for what ends soon or has ended (needs no card)", run_remind);
+    add_command(top, "list", "Shows what is on the card, and what is due", run_list);
+    add_command(top, "remind", "Shows a desktop notification for what ends soon or has ended (needs no card)",
+                run_remind);
     add_command(
-        app, chosen, "renew",
+        top, "renew",
         "Renews a certificate: request, authority, installation, proof; goes on where it was broken off",
         run_renew, {RENEW_EXITS});
-    add_command(app, chosen, "free-id", "Shows the identifiers for new keys", run_free_id);
-    add_command(app, chosen, "request",
+    add_command(top, "free-id", "Shows the identifiers for new keys", run_free_id);
+    add_command(top, "request",
                 "Makes new keys on the card and a request for them; a services card's own stay", run_request);
     add_command(
-        app, chosen, "rehearse",
+        top, "rehearse",
         "Renews on a simulated twin of the card and shows how it went; the card is only read, without "
         "the PIN",
         run_rehearse, {REHEARSE_EXITS});
-    add_command(app, chosen, "install", "Stores the certificate that the authority issued, beside its keys",
+    add_command(top, "install", "Stores the certificate that the authority issued, beside its keys",
                 run_install, {ABOUT_REMOVAL, EXITS});
-    CLI::App& pending =
-        add_command(app, chosen, "pending", "Shows what waits for a certificate", run_pending);
-    add_command(pending, chosen, "discard",
+    CLI::App& pending = add_command(top, "pending", "Shows what waits for a certificate", run_pending);
+    add_command({pending, chosen, when}, "discard",
                 "Removes a pair that waits: no certificate can be installed for it then", run_discard);
-    add_command(app, chosen, "remove", "Removes a certificate that is no longer needed, with its keys",
-                run_remove);
+    add_command(top, "remove", "Removes a certificate that is no longer needed, with its keys", run_remove);
 }
 
 const char* exit_codes_text() {
