@@ -111,7 +111,8 @@ void add_commands(CLI::App& app, Invocation& chosen, Declared when) {
     add_command(top, "install", "Stores the certificate that the authority issued, beside its keys",
                 run_install, {ABOUT_REMOVAL, EXITS});
     CLI::App& pending = add_command(top, "pending", "Shows what waits for a certificate", run_pending);
-    add_command({pending, chosen, when}, "discard",
+    const Branch below_pending{pending, chosen, when};
+    add_command(below_pending, "discard",
                 "Removes a pair that waits: no certificate can be installed for it then", run_discard);
     add_command(top, "remove", "Removes a certificate that is no longer needed, with its keys", run_remove);
 }

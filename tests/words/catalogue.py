@@ -10,7 +10,7 @@ import sys
 root, language = pathlib.Path(sys.argv[1]), sys.argv[2]
 # What takes a text and translates it: which of its arguments is the text; and those of which another one is, too.
 KEYWORDS = ["N_", "tr", "flag:3", "text:4", "days:3", "descriptor:3", "wait:3", "words:5", "argument:3", "kind:3",
-            "add_command:4"]
+            "add_command:3"]
 SHOWN = ["text:2", "words:2", "argument:1", "kind:1"]
 wrong = []
 
