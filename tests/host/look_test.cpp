@@ -2,6 +2,7 @@
 #include "host/error.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/module.h"
+#include "zvConstants.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +56,7 @@ TEST_F(LookTest, ReadsAnObjectInOneCallWhateverTheModuleMakesOfIt) {
     EXPECT_THROW((void)look("C_GetAttributeValue:2+:answer:0x30"), zvhost::Error) << "not read is not absent";
 }
 
-TEST_F(LookTest, ReadsOnceMoreWhatIsLonger) {
+TEST_F(LookTest, ReadsOnceMoreWhatIsLongerAndManyObjects) {
     make_card();
     const zvhost::Module module(ZVSIMCARD_MODULE);
     zvhost::Session session(module, 0, zvhost::Access::writing);
@@ -66,9 +67,15 @@ TEST_F(LookTest, ReadsOnceMoreWhatIsLonger) {
     CK_OBJECT_CLASS data = CKO_DATA;
     std::string label(3000, 'l');
     session.create({{CKA_CLASS, &data, sizeof data}, {CKA_LABEL, label.data(), label.size()}});
+    for (int i = 0; i < 1100; ++i)
+        session.create({{CKA_CLASS, &data, sizeof data}});
     const CardView view = zvhost::view_in(session);
+    EXPECT_GT(view.objects().size(), 1100U);
     const auto longest = [&](const CardObject& one) { return one.label == label; };
     EXPECT_EQ(std::count_if(view.objects().begin(), view.objects().end(), longest), 1);
+    for (int i = 1100; i < ZV_OBJECTS_MAX; ++i)
+        session.create({{CKA_CLASS, &data, sizeof data}});
+    EXPECT_THROW((void)zvhost::view_in(session), zvhost::Error) << "more than the library goes through";
 }
 
 } // namespace
