@@ -25,7 +25,7 @@ namespace cli {
     DO(message_iter_close_container)
 
 struct DbusLibrary {
-#define CLI_DBUS_MEMBER(name) decltype(&::dbus_##name) name = nullptr;
+#define CLI_DBUS_MEMBER(name) decltype(&::dbus_##name) name = nullptr; // NOLINT(bugprone-macro-parentheses)
     CLI_DBUS_FUNCTIONS(CLI_DBUS_MEMBER)
 #undef CLI_DBUS_MEMBER
     std::string problem; // why it could not be loaded; empty when it was
