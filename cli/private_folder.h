@@ -1,11 +1,16 @@
 #pragma once
 
+#include "cli/engine.h"
+#include "host/scoped_fd.h"
+
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace cli {
 
 // A new folder among the temporary ones that nobody else can look into; it goes, with all that is in it, at the end.
+// One that a killed process left goes when the next of its name is made.
 class PrivateFolder {
   public:
     // @throws Error
@@ -22,6 +27,7 @@ class PrivateFolder {
 
   private:
     std::filesystem::path path_;
+    std::optional<ScopedFd> held_; // others see by it that the folder is in use
 };
 
 } // namespace cli

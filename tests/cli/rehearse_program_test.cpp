@@ -1,6 +1,9 @@
 #include "simcard/common/card_folder.h"
 #include "tests/cli/program.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+
 #include <csignal>
 #include <set>
 
@@ -110,6 +113,22 @@ TEST_F(RehearseProgramTest, LeavesNothingWhenASignalEndsIt) {
                                 " ]; do sleep 0.05; done; kill $p; wait $p");
     EXPECT_EQ(ended.code, 128 + SIGTERM) << ended.err;
     expect_nothing_left();
+}
+
+TEST_F(RehearseProgramTest, ClearsUpAfterOneThatWasKilled) {
+    make_card();
+    const fs::path left = temporary() / "zvrenew-rehearsal-killed";
+    ASSERT_EQ(shell("mkdir -p -m 700 " + left.string() + " && mkdir " + left.string() +
+                    "/cards && touch -d yesterday " + left.string())
+                  .code,
+              0);
+    const int held = ::open(left.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    ::setenv("TMPDIR", temporary().c_str(), 1);
+    EXPECT_EQ(zvrenew("rehearse signature").code, 0);
+    EXPECT_TRUE(fs::exists(left)) << "it is another's that still runs";
+    ::close(held);
+    EXPECT_EQ(rehearse("signature").code, 0);
 }
 
 } // namespace
