@@ -182,7 +182,7 @@ TEST_F(InstallProgramTest, OffersNoKeysThatARemovalLeft) {
     EXPECT_EQ(list["retired"][0]["id"], "DS3");
     EXPECT_EQ(zvrenew("status").code, 0) << "they wait for nothing";
     EXPECT_TRUE(with_pin("request signature --force --out third").says("the new pair DS5"));
-    EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. The card's own software"));
+    EXPECT_TRUE(with_pin("install certificate").says("removed before: DS3. zvrenew remove"));
     EXPECT_TRUE(with_pin("list").says("zvrenew remove DS3"));
     EXPECT_EQ(with_pin("remove DS3").code, 0) << "as advised";
 }

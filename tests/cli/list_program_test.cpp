@@ -5,14 +5,7 @@ namespace {
 using zvtest::Outcome;
 using zvtest::ProgramTest;
 
-class ListProgramTest : public ProgramTest {
-  protected:
-    // Removes a certificate and its keys, as the advice says.
-    void remove_with_other_software(const std::string& hex) {
-        const std::string one = other_program("--delete-object --type $t --id " + hex);
-        ASSERT_EQ(shell("for t in cert pubkey privkey; do " + one + " || exit; done").code, 0);
-    }
-};
+class ListProgramTest : public ProgramTest {};
 
 TEST_F(ListProgramTest, MarksWhatIsDue) {
     make_card(12);
@@ -50,7 +43,8 @@ TEST_F(ListProgramTest, AnswersThatNoIdentifierIsFree) {
     EXPECT_FALSE(outcome.changed_card());
     EXPECT_FALSE(std::filesystem::exists(file("r")));
     EXPECT_EQ(json("list --days 60")["advice"][0]["key"], "free-identifier");
-    remove_with_other_software("445334");
+    EXPECT_TRUE(with_pin("list --days 60").says("zvrenew remove ID"));
+    ASSERT_EQ(with_pin("remove DS4").code, 0) << "as advised";
     EXPECT_TRUE(with_pin("request signature --force --out r").says("the new pair DS4"));
 }
 
@@ -97,7 +91,8 @@ TEST_F(ListProgramTest, SaysThatACardIsFullAndWhatHelps) {
     ASSERT_EQ(shell("sed -i 's/^capacity.*/capacity = 7/' $ZVSIMCARD_HOME/card/card.ini").code, 0);
     const auto answer = json("request signature --out r");
     EXPECT_EQ(answer["advice"][0]["key"], "make-room") << answer;
-    remove_with_other_software("41555448436572746966696361746530");
+    EXPECT_TRUE(with_pin("request signature --out r").says("zvrenew remove ID"));
+    ASSERT_EQ(with_pin("remove AUTHCertificate0 --last").code, 0) << "as advised";
     EXPECT_EQ(with_pin("request signature --out r").code, 0);
 }
 

@@ -4,8 +4,8 @@ namespace words {
 namespace {
 
 constexpr Row ADVICE_ROWS[] = {
-    {"card-full", N_("The card is full. Remove a certificate that is no longer needed, with its keys, using "
-                     "the card's own software; then run the same command again.")},
+    {"card-full", N_("The card is full. Remove a certificate that is no longer needed, with its keys "
+                     "(zvrenew list shows them), with zvrenew remove ID; then run the same command again.")},
     {"card-not-read", N_("The card could not be read{reason}.")},
     {"enter-card", N_("Its ATR, which opensc-tool -a tells, has to stand in ~/.config/zvcrypt.conf or "
                       "{folder}/zvcrypt.conf with the file name of its maker's PKCS#11 module:\n"
@@ -13,8 +13,8 @@ constexpr Row ADVICE_ROWS[] = {
                       "  atr = ATR\n"
                       "  module = MODULE.so")},
     {"free-identifier", N_("New {kind} keys go under {first} or {last}, and none is free. Remove the "
-                           "certificate among them that is no longer needed, with its keys, using the card's "
-                           "own software.")},
+                           "certificate among them that is no longer needed, with its keys:  "
+                           "zvrenew remove ID")},
     {"key-wants-own-pin", N_("Do not run the same command again as it is: the key {key} wants a PIN before "
                              "each signature, has the card's alone been offered, and may count a try each "
                              "time. If that key has a PIN of its own, make it the card's with the card's own "

@@ -50,7 +50,7 @@ constexpr Row DOCTOR_ROWS[] = {
      N_("Unplug the other readers. If the number stays, ask the card's issuer for a module "
         "that numbers its slots from 0 to {last}.")},
     {"doctor-make-room",
-     N_("Remove a certificate that is no longer needed, with its keys, using the card's own software.")},
+     N_("Remove a certificate that is no longer needed, with its keys:  zvrenew remove ID")},
     {"doctor-mend-configuration",
      N_("Mend {file}, at the line that is named if one is; the form is in: man zvcrypt.conf")},
     {"doctor-mend-module", N_("Install the card's software again, or a newer version of it.")},

@@ -36,10 +36,11 @@ constexpr Row INSTALL_ROWS[] = {
                                          "nor is its modulus the certificate's.")},
     {"key-not-rsa", N_("its key is not an RSA key")},
     {"key-too-long", N_("its key has more than {bits} bits")},
-    {"left-of-removed",
-     N_("Left on the card of a certificate removed before: {left}. The card's own software can remove it.")},
+    {"left-of-removed", N_("Left on the card of a certificate removed before: {left}. zvrenew remove takes "
+                           "away what zvrenew list "
+                           "shows as left, the card's own software the rest.")},
     {"make-room-first",
-     N_("If the card is full, remove something from it with the card's own software first.")},
+     N_("If the card is full, first remove a certificate that is no longer needed:  zvrenew remove ID")},
     {"mark-left", N_("The mark {mark} of the request is still on the card: the list shows a request under "
                      "way until the next\ncertificate is installed, or the card's own software removes it.")},
     {"names-too-long", N_("its subject or issuer has more than {bytes} bytes")},
