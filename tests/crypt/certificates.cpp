@@ -68,8 +68,13 @@ Bytes wild(Bytes der) {
         {"\014\003abc", "\036\003abc"},
         {"Titolare", "Titolar\xE8"},
         {"\x0F\x0F\x8A\x01", {"\0\0", 2}}}; // the whole serial: keys are random
-    for (const auto& [from, to] : changes)
-        std::copy(to.begin(), to.end(), std::search(der.begin(), der.end(), from.begin(), from.end()));
+    const auto same = [](unsigned char left, char right) {
+        return left == static_cast<unsigned char>(right);
+    };
+    for (const auto& [from, to] : changes) {
+        const auto place = std::search(der.begin(), der.end(), from.begin(), from.end(), same);
+        if (place != der.end()) std::copy(to.begin(), to.end(), place);
+    }
     return der;
 }
 
