@@ -24,6 +24,8 @@ constexpr const char* STEPS = N_(R"(A renewal:
   zvrenew request signature --out request.b64    new keys on the card, a request for them
   zvrenew install certificate.pem --request request.b64
                                                  the authority's certificate, beside its keys
+Or all of it in one command:
+  zvrenew renew signature --from certificate.pem
 
   zvrenew doctor                                 what is wrong, when something does not work
 
