@@ -1,6 +1,7 @@
 """The cards that are renewed to be measured, and how: with zvrenew, and by hand."""
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 
@@ -13,7 +14,7 @@ class Card:
     """A card in a reader, and who renews it in a folder of its own."""
     module, pin, options, removes = pathlib.Path(), "", (), True
 
-    def __init__(self, folder, **environment):
+    def __init__(self, folder):
         self.folder, self.work = pathlib.Path(folder), pathlib.Path(folder) / "work"
         self.work.mkdir()
         self.write("pin", self.pin, 0o600)
@@ -23,8 +24,7 @@ class Card:
         self.write("passwd", f"u:x:{os.getuid()}:{os.getgid()}::{folder}:/bin/sh\n")
         self.environment = {**os.environ, "LD_PRELOAD": "libnss_wrapper.so", "NSS_WRAPPER_PASSWD": f"{folder}/passwd",
                             "NSS_WRAPPER_GROUP": "/etc/group", "HOME": folder, "ZVSIMCARD_HOME": f"{folder}/cards",
-                            "ZVCRYPT_CONF": f"{folder}/conf", "XDG_STATE_HOME": f"{folder}/state", "XDG_RUNTIME_DIR": folder,
-                            **environment}
+                            "ZVCRYPT_CONF": f"{folder}/conf", "XDG_STATE_HOME": f"{folder}/state", "XDG_RUNTIME_DIR": folder}
         self.make()
         self.do("openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", "/dev/null", "-subj", "/CN=any", "-outform",
                 "DER", "-out", self.folder / "any.der")
@@ -39,7 +39,7 @@ class Card:
     def do(self, *words):
         done = subprocess.run(words, cwd=self.work, env=self.environment, capture_output=True, check=False)
         if done.returncode:
-            sys.exit(f"{' '.join(map(str, words))} ended with {done.returncode}: {done.stderr.decode()}{done.stdout.decode()}")
+            sys.exit(f"{' '.join(map(str, words))} ended with {done.returncode}: {(done.stderr + done.stdout).decode()}")
 
     def zvrenew(self, line):
         self.do(PROGRAM, *line.split(), *self.options, "--pin-file", self.folder / "pin")
@@ -54,7 +54,9 @@ class SimulatedCard(Card):
 
     def make(self):
         self.do(TOOL, "create", "--days", "12", "--keys", BUILD / "test_keys.pem", "--config", self.folder / "conf")
-        self.environment["ZVSIMCARD_TRACE"] = str(self.folder / "trace")
+        # How long a pair takes to make is chance: they are there already.
+        keys = shutil.copy(BUILD / "test_keys.pem", self.folder / "keys")
+        self.environment.update(ZVSIMCARD_TRACE=f"{self.folder}/trace", ZVSIMCARD_KEYS=str(keys))
 
     def calls(self):
         """Names of the calls since the last time."""

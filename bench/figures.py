@@ -1,5 +1,6 @@
 """The figures of docs/performance.md: each function gives a table."""
 import os
+import pathlib
 import shutil
 import statistics
 import subprocess
@@ -66,7 +67,7 @@ def calls():
 
 def commands():
     def once(name, switch):
-        words = [BUILD / "bin/zvvirtualreaders", sys.executable, "-B", f"{sys.path[0]}/opensc.py", BUILD, name]
+        words = [BUILD / "bin/zvvirtualreaders", sys.executable, "-B", pathlib.Path(__file__).with_name("opensc.py"), BUILD, name]
         done = subprocess.run(words, env={**os.environ, **switch}, capture_output=True, text=True, check=False)
         if done.returncode or not done.stdout:
             sys.exit(f"{name} over OpenSC: {done.stderr}")
