@@ -31,7 +31,7 @@ CardNow removed(OpenedCard& card, const std::function<void(Session&, const CardV
         try {
             now = card_now(card, view_in(session));
         } catch (const Error&) {
-            // Not in this session, then.
+            // A card that cannot be read while it is open for changes is opened once more for the look.
         }
     });
     return now ? std::move(*now) : card_now(card);

@@ -76,7 +76,8 @@ std::optional<Error> look(const Module& module, OpenedCard& card, PinSource& sou
     return std::nullopt;
 }
 
-// The same for every user, and for every way to the module, in which a slot may have other numbers. (FNV-1a: the name of a file is no secret.)
+// The same for every user, and for every way to the module, in which a slot may have other numbers.
+// (FNV-1a: the name of a file is no secret.)
 std::string lock_of(const Place& place, const CardState& state) {
     std::error_code none;
     const std::string module = std::filesystem::weakly_canonical(place.module_path, none);
