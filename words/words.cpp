@@ -17,12 +17,14 @@ namespace {
 
 using zvhost::Sentence, zvhost::Value, zvhost::Values;
 
+Face shown_by = Face::terminal;
+
 std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
     for (const Rows rows :
          {advice_rows(), card_rows(), command_line_rows(), doctor_rows(), files_rows(), install_rows(),
           library_rows(), list_rows(), module_rows(), pin_rows(), plan_rows(), rehearse_rows(), remind_rows(),
-          remove_rows(), renew_rows(), request_rows(), subject_rows(), waiting_rows()})
+          remove_rows(), renew_rows(), request_rows(), subject_rows(), waiting_rows(), window_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;
@@ -31,7 +33,9 @@ std::map<std::string_view, const char*> all_rows() {
 // The sentence in the reader's language; the identifier itself where there is none, which a test finds.
 const char* text_of(const std::string& id) {
     static const auto all = all_rows();
-    const auto row = all.find(id);
+    auto row = all.end();
+    if (shown_by == Face::window) row = all.find(id + "@window");
+    if (row == all.end()) row = all.find(id);
     return row == all.end() ? id.c_str() : row->second;
 }
 
@@ -74,6 +78,10 @@ std::string quote(const Sentence& quoted) {
 
 } // namespace
 
+void face_is(Face face) {
+    shown_by = face;
+}
+
 std::string of(const Sentence& sentence) {
     if (sentence.empty()) return {};
     if (sentence.id == "quoted") return quote(sentence);
@@ -90,6 +98,18 @@ std::string of(const std::vector<Sentence>& sentences) {
 std::string of(zvhost::Kind kind) {
     for (const char* name : {N_("signature"), N_("authentication"), N_("services")})
         if (std::string_view(name) == zvhost::kind_name(kind)) return tr(name);
+    return zvhost::kind_name(kind);
+}
+
+std::string title_of(zvhost::Kind kind) {
+    switch (kind) {
+    case zvhost::Kind::signature:
+        return tr(N_("Signature certificate"));
+    case zvhost::Kind::authentication:
+        return tr(N_("Authentication certificate"));
+    case zvhost::Kind::services:
+        return tr(N_("Services certificate"));
+    }
     return zvhost::kind_name(kind);
 }
 

@@ -6,6 +6,12 @@
 
 namespace words {
 
+// Who tells it: a terminal names commands and options, a window what can be chosen in it.
+enum class Face { terminal, window };
+
+// From now on; before that it is the terminal.
+void face_is(Face face);
+
 // What the engine has to tell, in words.
 [[nodiscard]] std::string of(const zvhost::Sentence& sentence);
 
@@ -14,6 +20,9 @@ namespace words {
 
 // A kind of certificate, as a part of a sentence.
 [[nodiscard]] std::string of(zvhost::Kind kind);
+
+// The same as a heading: "Signature certificate".
+[[nodiscard]] std::string title_of(zvhost::Kind kind);
 
 // "YYYY-MM-DD", UTC.
 [[nodiscard]] std::string day_of(std::time_t time);

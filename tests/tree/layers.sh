@@ -3,7 +3,9 @@
 set -eu
 cd "$1"
 
-find include util diag card store inventory request install api ossl lenient pkcs11 front crypt simcard host words cli \
+desktop=$(ls -d desktop 2>/dev/null || :)
+# shellcheck disable=SC2086 # no folder, or one
+find include util diag card store inventory request install api ossl lenient pkcs11 front crypt simcard host words cli $desktop \
     \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -exec awk '
 function exists(path,    line, found) {
     found = (getline line < path) >= 0
@@ -26,7 +28,7 @@ function may_use(user, used) {
     if (used == "lenient" && (user == "crypt" || user == "host")) return 1
     if (used == "ossl" && (user == "lenient" || user == "crypt" || user == "simcard" || user == "host")) return 1
     if (used == "pkcs11" && (user == "front" || user == "simcard" || user == "host")) return 1
-    if (used == "words" && user == "cli") return 1
+    if (used == "words" && (user == "cli" || user == "desktop")) return 1
     if (!(user in rank) || !(used in rank)) return 0
     if (user == "install" && (used == "inventory" || used == "request")) return 0
     return rank[used] < rank[user]

@@ -11,6 +11,16 @@ TEST(WordsTest, LosesNoSentenceWhoseValuesAreOthers) {
     EXPECT_EQ(words::of(zvhost::Sentence{"no-such-sentence", {}}), "no-such-sentence");
 }
 
+TEST(WordsTest, TellsAWindowWhatItCanDo) {
+    const zvhost::Sentence repeat{"run-again", {}};
+    const zvhost::Sentence plain{"no-reader", {}};
+    EXPECT_EQ(words::of(repeat), "Run the command again.");
+    words::face_is(words::Face::window);
+    EXPECT_EQ(words::of(repeat), "Try again.");
+    EXPECT_EQ(words::of(plain), "There is no card reader.");
+    words::face_is(words::Face::terminal);
+}
+
 TEST(WordsTest, KnowsWhatTheLibrarySays) {
     EXPECT_EQ(words::meaning_of("PIN errato (C_Login: 0xA0). Il PIN ora è bloccato"),
               "wrong PIN (C_Login: 0xA0); the PIN is locked now");

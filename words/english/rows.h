@@ -33,5 +33,6 @@ Rows renew_rows();
 Rows request_rows();
 Rows subject_rows();
 Rows waiting_rows();
+Rows window_rows();
 
 } // namespace words
