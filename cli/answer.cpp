@@ -1,7 +1,6 @@
 #include "cli/answer.h"
 
 #include "cli/card_json.h"
-#include "cli/on_card.h"
 #include "host/log_folder.h"
 #include "words/words.h"
 

@@ -3,9 +3,9 @@
 #include "cli/card_json.h"
 #include "cli/carry_out.h"
 #include "cli/commands.h"
-#include "cli/on_card.h"
 #include "cli/pin_input.h"
 #include "host/log_folder.h"
+#include "words/on_card.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -39,7 +39,7 @@ std::string in_words(const Installed& installed) {
     std::string text = words::of({"renewal-done", {{"kind", installed.kind}, {"pair", installed.pair}}});
     std::vector<Sentence> lines{proof_of(installed), old_of(installed)};
     if (!installed.backup.empty()) lines.push_back({"renewal-backup", {{"backup", installed.backup}}});
-    lines.push_back({"renewal-now", {{"now", cli::in_words(installed.now)}}});
+    lines.push_back({"renewal-now", {{"now", words::of(installed.now)}}});
     for (const Sentence& line : lines)
         if (!line.empty()) text += "\n" + words::of(line);
     return text + "\nLog: " + log_path();

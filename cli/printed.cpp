@@ -3,10 +3,10 @@
 #include "cli/answer.h"
 #include "cli/card_json.h"
 #include "cli/note.h"
-#include "cli/on_card.h"
 #include "cli/output.h"
 #include "host/log_folder.h"
 #include "host/printable.h"
+#include "words/on_card.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -60,7 +60,7 @@ void print_report(const Invocation& invocation, const Report& report) {
 Exit tell_stop(const Error& stop) {
     const std::string sentence = words::of(stop.sentence);
     note(stop.exit == Exit::nothing_due ? sentence : "zvrenew: " + sentence);
-    if (stop.card) note(Sentence{"now-on-card", {{"now", cli::in_words(*stop.card)}}});
+    if (stop.card) note(Sentence{"now-on-card", {{"now", words::of(*stop.card)}}});
     for (const Advice& one : advice_of(stop))
         note(one.says);
     if (stop.logged) note(Sentence{"log-has-details", {{"log", log_path()}}});

@@ -3,8 +3,8 @@
 #include "cli/card_json.h"
 #include "cli/carry_out.h"
 #include "cli/commands.h"
-#include "cli/on_card.h"
 #include "cli/pin_input.h"
+#include "words/on_card.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -19,7 +19,7 @@ Report removal_report(const Removed& removed) {
                         {"backup", removed.backup},
                         {"on_card", cli::as_json(removed.now)}});
     report.text = words::of(Sentence{
-        "removed", {{"id", removed.id}, {"backup", removed.backup}, {"now", cli::in_words(removed.now)}}});
+        "removed", {{"id", removed.id}, {"backup", removed.backup}, {"now", words::of(removed.now)}}});
     report.unsaid = [now = removed.now](Error& error) { error.card = now; };
     return report;
 }

@@ -2,8 +2,8 @@
 #include "cli/card_json.h"
 #include "cli/carry_out.h"
 #include "cli/commands.h"
-#include "cli/on_card.h"
 #include "cli/pin_input.h"
+#include "words/on_card.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
@@ -21,7 +21,7 @@ std::unique_ptr<Authority> authority_of(const RenewOptions& options) {
 std::string in_words(const Renewal& renewal) {
     const Values about = {{"kind", renewal.kind},     {"pair", renewal.pair},
                           {"file", renewal.request},  {"old", renewal.removed},
-                          {"backup", renewal.backup}, {"now", cli::in_words(renewal.now)}};
+                          {"backup", renewal.backup}, {"now", words::of(renewal.now)}};
     if (!renewal.done) return words::of(Sentence{"renewal-under-way", about});
     std::string text = words::of(Sentence{"renewal-done", about});
     if (renewal.installed)

@@ -1,4 +1,4 @@
-#include "cli/on_card.h"
+#include "words/on_card.h"
 
 #include "words/language.h"
 #include "words/words.h"
@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-namespace cli {
+namespace words {
 namespace {
 
 const char* certificates_in_words(std::size_t count, bool private_key) {
@@ -15,7 +15,7 @@ const char* certificates_in_words(std::size_t count, bool private_key) {
     return private_key ? N_("certificate and keys") : N_("certificate alone");
 }
 
-const char* state_of(const Held& held) {
+const char* state_of(const zvhost::Held& held) {
     if (held.certificates > 0) return certificates_in_words(held.certificates, held.private_key);
     if (held.public_key && held.private_key) return N_("keys without a certificate");
     if (held.private_key) return N_("private key alone");
@@ -24,15 +24,15 @@ const char* state_of(const Held& held) {
 
 } // namespace
 
-std::string in_words(const OnCard& contents) {
-    if (contents.untouched) return words::tr("what was on it before: nothing was changed");
+std::string of(const zvhost::OnCard& contents) {
+    if (contents.untouched) return tr("what was on it before: nothing was changed");
     if (!contents.problem.empty())
-        return words::of(Sentence{"card-unread", {{"reason", std::vector{contents.problem}}}});
+        return of(zvhost::Sentence{"card-unread", {{"reason", std::vector{contents.problem}}}});
     std::vector<std::string> parts;
     parts.reserve(contents.held.size());
-    for (const Held& one : contents.held)
-        parts.push_back(fmt::format("{} ({})", one.id, words::tr(state_of(one))));
-    return parts.empty() ? words::tr("nothing") : fmt::format("{}", fmt::join(parts, ", "));
+    for (const zvhost::Held& one : contents.held)
+        parts.push_back(fmt::format("{} ({})", one.id, tr(state_of(one))));
+    return parts.empty() ? tr("nothing") : fmt::format("{}", fmt::join(parts, ", "));
 }
 
-} // namespace cli
+} // namespace words

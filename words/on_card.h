@@ -1,13 +1,12 @@
 #pragma once
 
-#include "cli/engine.h"
 #include "host/on_card.h"
 
 #include <string>
 
-namespace cli {
+namespace words {
 
 // "DS0 (certificate and keys), DS3 (keys without a certificate)"
-[[nodiscard]] std::string in_words(const OnCard& contents);
+[[nodiscard]] std::string of(const zvhost::OnCard& contents);
 
-} // namespace cli
+} // namespace words
