@@ -3,10 +3,8 @@
 set -eu
 cd "$1"
 
-desktop=$(ls -d desktop 2>/dev/null || :)
-# shellcheck disable=SC2086 # no folder, or one
-find include util diag card store inventory request install api ossl lenient pkcs11 front crypt simcard host words cli $desktop \
-    \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -exec awk '
+find include util diag card store inventory request install api ossl lenient pkcs11 front crypt simcard host words cli \
+    desktop \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -exec awk '
 function exists(path,    line, found) {
     found = (getline line < path) >= 0
     close(path)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """catalogue.py ROOT LANGUAGE: fails when a text that is told has no translation, or one with other places; when there is
-a translation of what nothing tells; when a sentence that the engine or the program tells has no row, not one, or not the
+a translation of what nothing tells; when a sentence that the engine or a face of it tells has no row, not one, or not the
 values that its row has places for; and when a row is told nowhere."""
 import pathlib
 import re
@@ -72,8 +72,9 @@ def check_translations():
 def check_rows():
     rows = [id for path in sources("words/english") for id in re.findall(r'{"([^"]+)",\s*N_\(', path.read_text())]
     wrong.extend(f"{id}: has several rows" for id in sorted(set(rows)) if rows.count(id) > 1)
-    code = "\n".join(path.read_text() for path in sources("host", "cli") + [root / "words" / "words.cpp"])
-    told = set(re.findall(r'Sentence{\s*"([^"]+)"', code))
+    code = "\n".join(path.read_text() for path in sources("host", "cli", "desktop") + [root / "words" / "words.cpp"])
+    told = set(re.findall(r'Sentence{\s*"([^"]+)"|"(window-[a-z-]+)"', code))
+    told = {id for found in told for id in found if id}
     wrong.extend(f"{id}: is told and has no row" for id in sorted(told - set(rows)))
     # Some are put together: "object-" and a word.
     literals = set(re.findall(r'"([\w -]+)"', code))
@@ -98,7 +99,7 @@ def check_values():
     rows = dict((id, places(unquoted(text))) for path in sources("words/english")
                 for id, text in re.findall(r'{"([^"]+)",\s*N_\(((?:"(?:[^"\\]|\\.)*"\s*)+)\)', path.read_text()))
     seen = 0
-    for path in sources("host", "cli"):
+    for path in sources("host", "cli", "desktop"):
         code = path.read_text()
         for told in re.finditer(r'(?:"([a-z-]+)"\s*:\s*)?"([a-z-]+)",\s*(?={{"|{}[})])', code):
             given = re.findall(r'{"(\w+)",', braced(code[told.end():]))

@@ -18,6 +18,7 @@ using Rows = std::span<const Row>;
 Rows advice_rows();
 Rows card_rows();
 Rows command_line_rows();
+Rows desktop_rows();
 Rows doctor_rows();
 Rows files_rows();
 Rows install_rows();

@@ -1,0 +1,32 @@
+#include "desktop/done_page.h"
+
+#include "desktop/text.h"
+#include "words/on_card.h"
+
+namespace desktop {
+
+DonePage::DonePage() : Page("done-page") {
+    connect(button("window-finish"), &QPushButton::clicked, this, &DonePage::left);
+}
+
+void DonePage::show_done(const zvhost::Renewal& renewal) {
+    const zvhost::Values about = {{"kind", renewal.kind},
+                                  {"pair", renewal.pair},
+                                  {"old", renewal.removed},
+                                  {"backup", renewal.backup},
+                                  {"now", words::of(renewal.now)}};
+    clear();
+    set_heading({"window-done-heading", {{"kind", renewal.kind}}});
+    std::vector<zvhost::Sentence> told{{"renewal-done", about}};
+    if (renewal.installed)
+        told.emplace_back(renewal.installed->signed_with ? "window-proved" : "renewal-compared", about);
+    if (!renewal.removed.empty()) told.emplace_back("renewal-removed", about);
+    if (!renewal.backup.empty()) told.emplace_back("renewal-backup", about);
+    told.emplace_back("renewal-now", about);
+    for (const zvhost::Advice& advice : renewal.advice)
+        told.push_back(advice.says);
+    tell(told);
+    add(new QWidget, 1);
+}
+
+} // namespace desktop

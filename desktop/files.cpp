@@ -1,0 +1,37 @@
+#include "desktop/files.h"
+
+#include "desktop/text.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+namespace desktop {
+
+QString use_folder(const QString& wanted) {
+    QString folder = wanted;
+    if (folder.isEmpty()) folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (folder.isEmpty() || !QDir().mkpath(folder)) folder = wanted.isEmpty() ? QDir::homePath() : wanted;
+    return QDir::setCurrent(folder) ? QString() : folder;
+}
+
+std::string new_request_file(const std::string& card_serial, const char* kind) {
+    QString name = QStringLiteral("request-%1-%2").arg(QString::fromLatin1(kind), from_utf8(card_serial));
+    for (QChar& c : name)
+        if (!c.isLetterOrNumber() && c != QLatin1Char('-')) c = QLatin1Char('_');
+    return to_utf8(QDir::current().absoluteFilePath(name + QStringLiteral(".b64")));
+}
+
+// It is gone with the program: what it holds is the authority's to give again.
+QString file_with(const QString& certificate) {
+    static const QTemporaryDir folder;
+    static int count = 0;
+    QFile file(folder.filePath(QStringLiteral("certificate-%1.pem").arg(++count)));
+    const QByteArray bytes = certificate.toUtf8();
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(bytes) != bytes.size()) return {};
+    file.close();
+    return file.fileName();
+}
+
+} // namespace desktop

@@ -1,0 +1,63 @@
+#include "desktop/files.h"
+#include "desktop/text.h"
+#include "desktop/window.h"
+#include "host/installation.h"
+#include "host/log_folder.h"
+#include "words/language.h"
+#include "words/words.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QMessageBox>
+#include <filesystem>
+
+namespace {
+
+// What is told is in these words from here on.
+void speak(const QString& language) {
+    const std::string wanted = language.isEmpty() ? words::usual_language() : desktop::to_utf8(language);
+    words::face_is(words::Face::window);
+    words::speak(wanted, std::filesystem::path(zvhost::program_folder()) / ZV_CATALOGUES);
+    QLocale::setDefault(QLocale(desktop::from_utf8(words::spoken_language())));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("zvrenew-desktop"));
+    QApplication::setApplicationVersion(QStringLiteral(ZV_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("zvrenew-desktop"));
+
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QString name = QStringLiteral("NAME"), folder = QStringLiteral("DIR");
+    const QCommandLineOption lang(QStringLiteral("lang"), QStringLiteral("Language: en or it"), name);
+    const QCommandLineOption reader(QStringLiteral("reader"), QStringLiteral("Reader that holds the card"),
+                                    name);
+    const QCommandLineOption card(QStringLiteral("card"), QStringLiteral("Serial number of the card"), name);
+    const QCommandLineOption modules(QStringLiteral("module-dir"),
+                                     QStringLiteral("Folder of the cards' modules"), folder);
+    const QCommandLineOption files(
+        QStringLiteral("folder"), QStringLiteral("Folder of the renewal's files (else the user's documents)"),
+        folder);
+    parser.addOptions({lang, reader, card, modules, files});
+    parser.process(application);
+
+    speak(parser.value(lang));
+    zvhost::CardChoice choice;
+    choice.reader = desktop::to_utf8(parser.value(reader));
+    choice.module_dir = desktop::to_utf8(parser.value(modules));
+    if (const QString unusable = desktop::use_folder(parser.value(files)); !unusable.isEmpty()) {
+        QMessageBox::critical(
+            nullptr, QApplication::applicationName(),
+            desktop::text("window-folder-unusable", {{"folder", desktop::to_utf8(unusable)}}));
+        return 1;
+    }
+    (void)zvhost::make_log_folder();
+    desktop::Window window(choice, desktop::to_utf8(parser.value(card)));
+    window.resize(720, 560);
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,107 @@
+#include "desktop/request_page.h"
+
+#include "desktop/file_handle.h"
+#include "desktop/files.h"
+#include "desktop/text.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QFileDialog>
+#include <QGuiApplication>
+
+namespace desktop {
+namespace {
+
+QPushButton* named_button(const char* id) {
+    auto* const made = new QPushButton(text(id));
+    made->setObjectName(QString::fromLatin1(id));
+    return made;
+}
+
+// A dialog of Qt's own or of the desktop; it is gone once it is answered.
+QFileDialog* ask_for_file(QWidget* parent, const char* title, QFileDialog::AcceptMode mode) {
+    auto* const dialog = new QFileDialog(parent, text(title));
+    dialog->setObjectName(QStringLiteral("file-dialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog->open();
+    return dialog;
+}
+
+} // namespace
+
+RequestPage::RequestPage()
+    : Page("request-page"), told_(tell(QString())), result_(new QLabel), handle_(new FileHandle),
+      save_(named_button("window-save-request")), copy_(named_button("window-copy-request")),
+      again_(named_button("window-request-again")) {
+    told_->setObjectName(QStringLiteral("told"));
+    result_->setObjectName(QStringLiteral("result"));
+    result_->setWordWrap(true);
+    auto* const row = new QWidget;
+    auto* const buttons = new QHBoxLayout(row);
+    buttons->setContentsMargins({});
+    for (QWidget* const one :
+         {handle_, static_cast<QWidget*>(save_), static_cast<QWidget*>(copy_), static_cast<QWidget*>(again_)})
+        buttons->addWidget(one);
+    buttons->addStretch(1);
+    add(row);
+    add(result_);
+    tell(text("window-drop-certificate"));
+    auto* const paste = named_button("window-paste-certificate");
+    add(paste);
+    add(new QWidget, 1);
+    connect(button("window-back"), &QPushButton::clicked, this, &RequestPage::left);
+    connect(button("window-choose-certificate"), &QPushButton::clicked, this,
+            &RequestPage::choose_certificate);
+    connect(save_, &QPushButton::clicked, this, &RequestPage::save_request);
+    connect(copy_, &QPushButton::clicked, this, &RequestPage::copy_request);
+    connect(again_, &QPushButton::clicked, this, &RequestPage::request_wanted);
+    connect(paste, &QPushButton::clicked, this, &RequestPage::paste_certificate);
+}
+
+void RequestPage::show_waiting(zvhost::Kind kind, const std::string& request) {
+    request_ = request;
+    const bool there = QFile::exists(from_utf8(request));
+    set_heading({"window-waits-heading", {{"kind", kind}}});
+    told_->setText(text(there ? "window-request-there" : "window-request-gone", {{"file", request}}));
+    static_cast<FileHandle*>(handle_)->show_file(from_utf8(request));
+    for (QWidget* const one : {handle_, static_cast<QWidget*>(save_), static_cast<QWidget*>(copy_)})
+        one->setVisible(there);
+    again_->setVisible(!there);
+    result_->clear();
+}
+
+void RequestPage::save_request() {
+    auto* const dialog = ask_for_file(this, "window-save-request", QFileDialog::AcceptSave);
+    dialog->selectFile(QFileInfo(from_utf8(request_)).fileName());
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+        if (QFileInfo(file) != QFileInfo(from_utf8(request_))) QFile::remove(file); // the dialog has asked
+        const bool saved =
+            QFileInfo(file) == QFileInfo(from_utf8(request_)) || QFile::copy(from_utf8(request_), file);
+        result_->setText(text(saved ? "window-saved" : "window-unsaved", {{"file", to_utf8(file)}}));
+    });
+}
+
+void RequestPage::copy_request() {
+    QFile file(from_utf8(request_));
+    const bool read = file.open(QIODevice::ReadOnly);
+    if (read) QGuiApplication::clipboard()->setText(QString::fromLatin1(file.readAll()));
+    result_->setText(text(read ? "window-copied" : "window-request-gone", {{"file", request_}}));
+}
+
+void RequestPage::choose_certificate() {
+    connect(ask_for_file(this, "window-choose-certificate", QFileDialog::AcceptOpen),
+            &QFileDialog::fileSelected, this, &RequestPage::certificate_given);
+}
+
+void RequestPage::paste_certificate() {
+    const QString pasted = QGuiApplication::clipboard()->text();
+    const QString file = pasted.isEmpty() ? QString() : file_with(pasted);
+    if (file.isEmpty())
+        result_->setText(text("window-nothing-to-paste"));
+    else
+        Q_EMIT certificate_given(file);
+}
+
+} // namespace desktop

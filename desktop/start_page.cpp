@@ -1,0 +1,126 @@
+#include "desktop/start_page.h"
+
+#include "desktop/text.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace desktop {
+namespace {
+
+using zvhost::CardStatus, zvhost::Kind, zvhost::ReaderFacts;
+
+constexpr Kind KINDS[] = {Kind::signature, Kind::authentication, Kind::services};
+
+bool waits(const CardStatus& status, Kind kind) {
+    if (kind == Kind::services) return status.services_pending;
+    return std::any_of(status.list.pending.begin(), status.list.pending.end(),
+                       [&](const zvhost::ListedPair& listed) { return listed.pair.kind == kind; });
+}
+
+bool is_due(const CardStatus& status, Kind kind) {
+    return std::any_of(status.list.certificates.begin(), status.list.certificates.end(),
+                       [&](const zvhost::ListedCertificate& one) {
+                           return one.record.kind == kind && one.due && !one.replaced;
+                       });
+}
+
+ReaderPicture::Shows picture_of(const Situation& now) {
+    const auto found = std::find_if(now.readers.begin(), now.readers.end(),
+                                    [&](const ReaderFacts& one) { return one.reader.name == now.reader; });
+    if (found == now.readers.end()) return ReaderPicture::Shows::no_reader;
+    if (!found->reader.card) return ReaderPicture::Shows::no_card;
+    return found->reader.module.empty() ? ReaderPicture::Shows::unknown_card : ReaderPicture::Shows::card;
+}
+
+zvhost::Sentence heading_of(const Situation& now) {
+    if (now.status) return {"window-card-heading", {}};
+    if (now.readers.empty()) return {"window-no-reader-heading", {}};
+    return {picture_of(now) == ReaderPicture::Shows::no_card ? "window-no-card-heading"
+                                                             : "window-trouble-heading",
+            {}};
+}
+
+} // namespace
+
+StartPage::StartPage()
+    : Page("start-page"), readers_(new QComboBox), picture_(new ReaderPicture), card_(nullptr),
+      timeline_(new Timeline), actions_(new QVBoxLayout) {
+    readers_->setObjectName(QStringLiteral("readers"));
+    readers_->setAccessibleName(text("window-readers"));
+    add(readers_);
+    add(picture_);
+    card_ = tell(QString());
+    card_->setObjectName(QStringLiteral("card"));
+    add(timeline_);
+    auto* const actions = new QWidget;
+    actions->setLayout(actions_);
+    actions_->setContentsMargins({});
+    add(actions);
+    add(new QWidget, 1);
+    connect(button("window-help-desk"), &QPushButton::clicked, this, &StartPage::help_wanted);
+    connect(readers_, &QComboBox::textActivated, this, &StartPage::reader_chosen);
+    set_heading({"window-looking-heading", {}});
+    readers_->hide();
+}
+
+void StartPage::show_situation(const Situation& now) {
+    set_heading(heading_of(now));
+    picture_->show_state(picture_of(now));
+    show_readers(now);
+    show_card(now);
+    show_actions(now);
+}
+
+void StartPage::show_readers(const Situation& now) {
+    readers_->clear();
+    for (const ReaderFacts& one : now.readers)
+        readers_->addItem(from_utf8(one.reader.name));
+    readers_->setCurrentText(from_utf8(now.reader));
+    readers_->setVisible(now.readers.size() > 1);
+}
+
+void StartPage::show_card(const Situation& now) {
+    std::vector<zvhost::ListedCertificate> certificates;
+    if (now.status) certificates = now.status->list.certificates;
+    timeline_->show_certificates(certificates, std::time(nullptr));
+    std::vector<zvhost::Sentence> told;
+    if (now.problem) {
+        told.push_back(now.problem->sentence);
+        for (const zvhost::Advice& advice : now.problem->advice)
+            told.push_back(advice.says);
+    } else if (now.status && now.status->list.card.state) {
+        const zvhost::CardState& state = *now.status->list.card.state;
+        told.emplace_back(
+            "list-card",
+            zvhost::Values{{"serial", state.serial}, {"label", state.label}, {"reader", now.reader}});
+    }
+    card_->setText(text(told));
+}
+
+void StartPage::show_actions(const Situation& now) {
+    while (QLayoutItem* const item = actions_->takeAt(0)) {
+        item->widget()->deleteLater();
+        delete item;
+    }
+    if (!now.status) return;
+    for (const Kind kind : KINDS) {
+        if (waits(*now.status, kind))
+            connect(add_action("window-take-certificate", kind), &QPushButton::clicked, this,
+                    [this, kind] { Q_EMIT waiting_wanted(kind); });
+        else if (is_due(*now.status, kind))
+            connect(add_action("window-renew", kind), &QPushButton::clicked, this,
+                    [this, kind] { Q_EMIT renewal_wanted(kind); });
+    }
+}
+
+QPushButton* StartPage::add_action(const char* id, Kind kind) {
+    auto* const made = new QPushButton(text(id, {{"kind", kind}}));
+    made->setObjectName(
+        QStringLiteral("%1-%2").arg(QString::fromLatin1(id), QString::fromLatin1(zvhost::kind_name(kind))));
+    made->setAutoDefault(true);
+    actions_->addWidget(made);
+    return made;
+}
+
+} // namespace desktop

@@ -1,0 +1,70 @@
+#include "words/english/rows.h"
+
+namespace words {
+namespace {
+
+// An ampersand stands before the letter that, with Alt, presses a button.
+constexpr Row DESKTOP_ROWS[] = {
+    {"window-back", N_("&Back")},
+    {"window-backup-folder", N_("A copy of the old certificate goes to the folder {folder}.")},
+    {"window-caps-lock", N_("The capitals key is on.")},
+    {"window-card-heading", N_("The certificates on your card")},
+    {"window-certificate", N_("{standing}: {kind} certificate of {holder}, from {begins} to {ends}")},
+    {"window-choose-certificate", N_("&Choose the certificate")},
+    {"window-close-question", N_("The card is at work. Close the window when this step is done?")},
+    {"window-copied", N_("The request is in the clipboard.")},
+    {"window-copy-request", N_("Co&py")},
+    {"window-done-heading", N_("The {kind} certificate is renewed")},
+    {"window-drop-certificate",
+     N_("When the authority's certificate has come, drop its file on this window, choose it, or paste it.")},
+    {"window-due", N_("DUE, {days} days left")},
+    {"window-ended", N_("EXPIRED")},
+    {"window-final-try", N_("I am &sure of the PIN: if it is wrong, the card locks")},
+    {"window-finish", N_("&Finish")},
+    {"window-folder-unusable", N_("The folder {folder} cannot be used.")},
+    {"window-go-on", N_("&Go on")},
+    {"window-help-desk", N_("Send to the &help desk")},
+    {"window-install-heading", N_("Put the new {kind} certificate on the card")},
+    {"window-looking-heading", N_("Looking for readers and cards")},
+    {"window-more-heading", N_("The card needs more than was told")},
+    {"window-no-card-heading", N_("Put your card into the reader")},
+    {"window-no-reader-heading", N_("Plug in a card reader")},
+    {"window-nothing-to-paste", N_("There is no text in the clipboard.")},
+    {"window-on-card", N_("On the card now: {now}")},
+    {"window-paste-certificate", N_("&Paste the certificate")},
+    {"window-pin", N_("&PIN of the card")},
+    {"window-problem-heading", N_("That did not work")},
+    {"window-proved", N_("Signed and verified with the new certificate.")},
+    {"window-readers", N_("Card readers")},
+    {"window-remove-old", N_("&Remove the old certificate and its keys")},
+    {"window-renew", N_("&Renew the {kind} certificate")},
+    {"window-renew-heading", N_("Renew the {kind} certificate")},
+    {"window-replaced", N_("REPLACED")},
+    {"window-request-again", N_("Make the &request once more")},
+    {"window-request-gone", N_("The request's file is gone: {file}")},
+    {"window-request-there", N_("The request for the authority is in {file}")},
+    {"window-save-request", N_("&Save the request")},
+    {"window-saved", N_("Saved: {file}")},
+    {"window-step", N_("Step {number} of {of}: {what}")},
+    {"window-stop", N_("&Stop after this step")},
+    {"window-take-certificate", N_("The {kind} certificate has &come")},
+    {"window-time", N_("{seconds} s")},
+    {"window-time-before", N_("{seconds} s; the last time it took {before} s")},
+    {"window-title", N_("Certificates on smart cards")},
+    {"window-title-of", N_("{page} - Certificates on smart cards")},
+    {"window-to-start", N_("To the &start")},
+    {"window-trouble-heading", N_("The card cannot be read")},
+    {"window-try-again", N_("&Try again")},
+    {"window-unsaved", N_("{file} could not be written.")},
+    {"window-valid", N_("valid, {days} days left")},
+    {"window-waits-heading", N_("Waiting for the authority's {kind} certificate")},
+    {"window-work-heading", N_("Do not take the card out")},
+};
+
+} // namespace
+
+Rows desktop_rows() {
+    return DESKTOP_ROWS;
+}
+
+} // namespace words
