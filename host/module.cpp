@@ -96,8 +96,16 @@ Session::~Session() {
 
 CK_RV Session::try_login(Pin& pin) {
     auto* text = reinterpret_cast<CK_UTF8CHAR*>(pin.text());
-    const CK_RV result =
-        module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text, CK_ULONG{pin.view().size()});
+    const auto ask = [&] {
+        return module_.call<&List::C_Login>(handle_, CK_USER_TYPE{CKU_USER}, text,
+                                            CK_ULONG{pin.view().size()});
+    };
+    CK_RV result = ask();
+    // Somebody else has logged in who uses the module in this process, or it left the card open: the PIN did not reach it.
+    if (result == CKR_USER_ALREADY_LOGGED_IN) {
+        (void)module_.call<&List::C_Logout>(handle_);
+        result = ask();
+    }
     if (refuses_pin(result)) pin.refuse();
     return result;
 }

@@ -54,7 +54,7 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // Logs in. A PIN that the card refuses is not sent again.
+    // Logs in, on a card that is open already anew. A PIN that the card refuses is not sent again.
     [[nodiscard]] CK_RV try_login(Pin& pin);
     // @throws Error. The PIN must have been proved before: see pin_gate.h.
     void log_in(Pin& pin);

@@ -52,10 +52,10 @@ Error wrong_pin(const Module& module, const OpenedCard& card, CK_RV result) {
     return stop;
 }
 
-// The login proves the PIN.
+// The login proves the PIN; a card that stays open takes any for the right one.
 void prove_pin(const Module& module, Session& session, OpenedCard& card, PinSource& source) {
     const CK_RV result = session.try_login(card.pin);
-    if (result == CKR_OK || result == CKR_USER_ALREADY_LOGGED_IN) return;
+    if (result == CKR_OK) return;
     if (result == CKR_PIN_INCORRECT || result == CKR_PIN_LOCKED) {
         source.refused();
         throw wrong_pin(module, card, result);

@@ -90,6 +90,25 @@ TEST_F(FrontTest, SpendsOneTryOnAWrongPin) {
     EXPECT_EQ(outcome.count("C_Finalize"), 1U);
 }
 
+// Somebody else has logged in whom the card's module takes the program for: any PIN would pass for the right one.
+TEST_F(FrontTest, ProvesThePinOfACardThatIsOpenAlready) {
+    make_card();
+    for (const char* front : {"on", "off"}) {
+        ::setenv("ZVRENEW_FRONT", front, 1);
+        give_pin("87654321");
+        Outcome outcome = with_pin("request signature", "C_Login:1:answer:0x100");
+        EXPECT_EQ(outcome.code, 1) << front << outcome.err;
+        EXPECT_TRUE(outcome.says("The PIN is wrong")) << front << outcome.err;
+        EXPECT_EQ(outcome.count("C_Login"), 2U) << front << ": one does not reach the card";
+        EXPECT_FALSE(outcome.changed_card()) << front;
+        give_pin(simcard::DEFAULT_PIN);
+        outcome = with_pin("request signature", "C_Login:1+:answer:0x100");
+        EXPECT_EQ(outcome.code, 1) << front << ": not proved" << outcome.err;
+        EXPECT_FALSE(outcome.changed_card()) << front;
+        EXPECT_EQ(with_pin("list", "C_Login:1:answer:0x100").code, 0) << front;
+    }
+}
+
 TEST_F(FrontTest, RenewsOnSoftHsmAsItIs) {
     make_card();
     const fs::path softhsm = ZVSIMCARD_SOFTHSM_LIBRARY;
