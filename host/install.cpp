@@ -30,21 +30,6 @@ std::string save_backup(const InstallPlan& plan) {
     return save(plan.backup);
 }
 
-std::vector<Sentence> install_notices(const InstallPlan& plan) {
-    std::vector<Sentence> notices;
-    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
-    if (const Sentence issuer = new_issuer(plan); !issuer.empty()) note(issuer);
-    if (plan.first) note({"certificate-goes-first", {{"id", plan.first->id}}});
-    if (plan.removed.empty()) return notices;
-    if (plan.kind == Kind::services) {
-        note({"removing-certificate", {{"id", plan.pair}}});
-        return notices;
-    }
-    note({"removing-with-keys", {{"id", plan.removed.front()}}});
-    if (plan.removed.size() > 1) note({"removing-authority", {{"id", plan.removed[1]}}});
-    return notices;
-}
-
 int store(OpenedCard& card, const InstallPlan& plan, bool keep) {
     const auto save = plan.kind == Kind::signature ? rinnovo_Card_saveCertPRA : rinnovo_Card_saveCertAUT;
     // Where nothing is removed the label only has to be one that is not empty.
@@ -73,7 +58,7 @@ class PlannedInstall::Work {
             throw because_stored(card_, files_, inventory, before, id);
         plan_ = plan_install(wishes_, files_, card_, inventory, before);
         seen_ = changes_of(plan_, card_.facts(), before);
-        seen_.notices = install_notices(plan_);
+        seen_.notices = notices_of(plan_);
     }
     [[nodiscard]] const Plan& seen() const { return seen_; }
 

@@ -3,6 +3,7 @@
 #include "host/certificate_facts.h"
 #include "host/error.h"
 #include "host/old_certificate.h"
+#include "host/planned_changes.h"
 #include "host/read_file.h"
 #include "host/removal.h"
 #include "host/signed_request.h"
@@ -135,6 +136,21 @@ InstallPlan plan_install(const InstallWishes& wishes, const IssuedFiles& files, 
     refuse_doubled(view, plan.removed);
     refuse_worthless(wishes, plan, files, view);
     return plan;
+}
+
+std::vector<Sentence> notices_of(const InstallPlan& plan) {
+    std::vector<Sentence> notices;
+    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
+    if (const Sentence issuer = new_issuer(plan); !issuer.empty()) note(issuer);
+    if (plan.first) note({CERTIFICATE_GOES_FIRST, {{"id", plan.first->id}}});
+    if (plan.removed.empty()) return notices;
+    if (plan.kind == Kind::services) {
+        note({"removing-certificate", {{"id", plan.pair}}});
+        return notices;
+    }
+    note({"removing-with-keys", {{"id", plan.removed.front()}}});
+    if (plan.removed.size() > 1) note({"removing-authority", {{"id", plan.removed[1]}}});
+    return notices;
 }
 
 } // namespace zvhost

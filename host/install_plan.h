@@ -58,4 +58,7 @@ struct InstallPlan {
                                        const OpenedCard& card, const Inventory& inventory,
                                        const CardView& view);
 
+// What a person should know before it is carried out.
+[[nodiscard]] std::vector<Sentence> notices_of(const InstallPlan& plan);
+
 } // namespace zvhost

@@ -1,5 +1,7 @@
 #include "host/planned_changes.h"
 
+#include "host/certificate.h"
+#include "host/certificate_facts.h"
 #include "zvConstants.h"
 
 #include <fmt/format.h>
@@ -21,6 +23,12 @@ ObjectClass class_of_object(CK_OBJECT_CLASS type) {
     if (type == CKO_CERTIFICATE) return ObjectClass::certificate;
     if (type == CKO_PUBLIC_KEY) return ObjectClass::public_key;
     return type == CKO_PRIVATE_KEY ? ObjectClass::private_key : ObjectClass::data;
+}
+
+std::time_t end_of_certificate(const CardObject& object) {
+    if (object.type != CKO_CERTIFICATE) return 0;
+    const Certificate certificate = certificate_from(object.value);
+    return certificate ? end_of(*certificate).value_or(0) : 0;
 }
 
 std::size_t size_of(const CardObject& object) {
@@ -100,7 +108,13 @@ class Digest {
 } // namespace
 
 Change removal_of(const CardObject& object, const Sentence& why) {
-    return {Action::remove, class_of_object(object.type), object.id, object.label, size_of(object), why};
+    return {Action::remove,
+            class_of_object(object.type),
+            object.id,
+            object.label,
+            size_of(object),
+            why,
+            end_of_certificate(object)};
 }
 
 std::string short_digest(const Bytes& bytes) {

@@ -7,6 +7,10 @@
 
 namespace zvhost {
 
+// Notices that tell of what a later step removes, under the identifier "id" where that is known.
+inline constexpr const char* REMOVES_LATER = "renewal-removes-later";
+inline constexpr const char* CERTIFICATE_GOES_FIRST = "certificate-goes-first"; // its keys later
+
 // What carrying out a plan does to the objects that a card holds now.
 [[nodiscard]] Plan changes_of(const RequestPlan& plan, const CardFacts& card, const CardView& view);
 [[nodiscard]] Plan changes_of(const InstallPlan& plan, const CardFacts& card, const CardView& view);

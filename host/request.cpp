@@ -29,24 +29,6 @@
 namespace zvhost {
 namespace {
 
-std::vector<Sentence> request_notices(const RequestPlan& plan) {
-    std::vector<Sentence> notices;
-    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
-    if (plan.old.ends < std::time(nullptr)) note({"signer-expired", {{"id", plan.old.id}}});
-    if (plan.old.kind == Kind::services) {
-        note({"own-keys-stay", {{"pair", plan.pair}}});
-        return notices;
-    }
-    if (plan.signer_wants_pin) note({"signer-wants-pin", {{"key", plan.old.id}}});
-    if (plan.reuse) {
-        note({"pair-used-again", {{"pair", plan.pair}}});
-        return notices;
-    }
-    if (plan.discard) note({"pair-discarded", {{"pair", plan.pair}}});
-    if (!plan.wants_pin.empty()) note({"pair-may-want-pin", {{"key", plan.wants_pin}, {"pair", plan.pair}}});
-    return notices;
-}
-
 // The card could not be read, or gave numbers or a signature that are none: it would do so again.
 bool key_failed() {
     const std::string_view said = szSockMsg;
@@ -207,7 +189,7 @@ class PlannedRequest::Work : public std::enable_shared_from_this<Work> {
     [[nodiscard]] Plan seen(const CardView& view) const {
         if (!output_.earlier.empty()) return unchanged(card_.facts(), view);
         Plan plan = changes_of(plan_, card_.facts(), view);
-        plan.notices = request_notices(plan_);
+        plan.notices = notices_of(plan_);
         return plan;
     }
     void save(const std::string& text) {

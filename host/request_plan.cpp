@@ -189,4 +189,22 @@ RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory
     return plan;
 }
 
+std::vector<Sentence> notices_of(const RequestPlan& plan) {
+    std::vector<Sentence> notices;
+    const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
+    if (plan.old.ends < std::time(nullptr)) note({"signer-expired", {{"id", plan.old.id}}});
+    if (plan.old.kind == Kind::services) {
+        note({"own-keys-stay", {{"pair", plan.pair}}});
+        return notices;
+    }
+    if (plan.signer_wants_pin) note({"signer-wants-pin", {{"key", plan.old.id}}});
+    if (plan.reuse) {
+        note({"pair-used-again", {{"pair", plan.pair}}});
+        return notices;
+    }
+    if (plan.discard) note({"pair-discarded", {{"pair", plan.pair}}});
+    if (!plan.wants_pin.empty()) note({"pair-may-want-pin", {{"key", plan.wants_pin}, {"pair", plan.pair}}});
+    return notices;
+}
+
 } // namespace zvhost

@@ -37,4 +37,7 @@ void check_wishes(const RequestWishes& wishes);
 [[nodiscard]] RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory,
                                        const CardView& view, std::optional<DistinguishedName> subject);
 
+// What a person should know before it is carried out.
+[[nodiscard]] std::vector<Sentence> notices_of(const RequestPlan& plan);
+
 } // namespace zvhost

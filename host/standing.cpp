@@ -28,6 +28,11 @@ std::string absolute(const std::string& file) {
     return std::filesystem::absolute(file, none).string();
 }
 
+std::time_t end_of_der(const Bytes& der) {
+    const Certificate certificate = certificate_from(der);
+    return certificate ? end_of(*certificate).value_or(0) : 0;
+}
+
 std::string waiting_pair(const Inventory& inventory, Kind kind) {
     if (kind == Kind::services) return inventory.services_pending ? ZV_OWN_PAIR : "";
     const PendingPair* pending = inventory.pending_pair(kind);
@@ -41,7 +46,7 @@ void add_certified(Standing& standing, const CardView& view) {
             kind_of_certificate(object.id, standing.card.services_card) != standing.kind)
             continue;
         const Bytes der = without_padding(object.value);
-        standing.certified.push_back({object.id, serial_of(der), der});
+        standing.certified.push_back({object.id, serial_of(der), der, end_of_der(der)});
     }
 }
 
@@ -59,16 +64,22 @@ void add_retired(Standing& standing, const Inventory& inventory) {
         for (const Backup& backup : inventory.backups)
             if (backup.file == pair.backup) {
                 const Bytes der = backup.certificate();
-                standing.retired.push_back({pair.id, der.empty() ? "" : serial_of(der), der});
+                standing.retired.push_back(
+                    {pair.id, der.empty() ? "" : serial_of(der), der, end_of_der(der)});
             }
 }
 
-void read_request(Standing& standing, const CardView& view, const std::string& file) {
-    if (!is_a_file(file)) return;
+// @return the key that it is for; empty where there is none
+Bytes read_request(Standing& standing, const std::string& file) {
+    if (!is_a_file(file)) return {};
     const std::string request = read_file(file, "file");
     standing.signer = signer_of_request(request);
-    const Bytes key = modulus_of_request(request);
-    standing.requested = !standing.waiting.empty() && !key.empty() && key == view.modulus(standing.waiting);
+    return modulus_of_request(request);
+}
+
+void take_remembered(Standing& standing) {
+    const RememberedCard remembered = Journal().card(standing.card_serial());
+    if (const RememberedRenewal* renewal = remembered.renewal(standing.kind)) standing.remembered = *renewal;
 }
 
 } // namespace
@@ -86,6 +97,19 @@ const Candidate* Standing::certificate(const std::string& id) const {
 std::string Standing::serial_under(const std::string& id) const {
     const Candidate* found = certificate(id);
     return found == nullptr ? "" : found->serial;
+}
+
+std::time_t Standing::end_under(const std::string& id) const {
+    for (const auto* list : {&certified, &retired})
+        for (const Candidate& one : *list)
+            if (one.id == id) return one.ends;
+    return 0;
+}
+
+Sentence Standing::removes_later(const std::string& id) const {
+    Values which;
+    if (!id.empty()) which = {{"id", id}, {"ends", Moment{end_under(id)}}};
+    return {REMOVES_LATER, which};
 }
 
 bool Standing::was_stored() const {
@@ -146,9 +170,25 @@ Standing find_standing(const RenewalWishes& wishes, const OpenedCard& card) {
     take_inventory(standing, inventory, wishes.request.days);
     add_certified(standing, view);
     add_retired(standing, inventory);
-    read_request(standing, view, wishes.request.out);
-    const RememberedCard remembered = Journal().card(card.state.serial);
-    if (const RememberedRenewal* renewal = remembered.renewal(standing.kind)) standing.remembered = *renewal;
+    const Bytes key = read_request(standing, wishes.request.out);
+    standing.requested = !standing.waiting.empty() && !key.empty() && key == view.modulus(standing.waiting);
+    take_remembered(standing);
+    return standing;
+}
+
+Standing standing_shown(const RenewalWishes& wishes, const CardStatus& status, const Inventory& inventory) {
+    Standing standing;
+    standing.card = status.list.card;
+    standing.kind = wishes.request.kind;
+    take_inventory(standing, inventory, wishes.request.days);
+    add_retired(standing, inventory);
+    standing.requested = !read_request(standing, wishes.request.out).empty() && !standing.waiting.empty();
+    const std::string signer = standing.signer.empty() ? "" : serial_of(standing.signer);
+    for (const CertificateRecord& one : inventory.certificates)
+        if (one.kind == standing.kind)
+            standing.certified.push_back(
+                {one.id, one.serial, one.serial == signer ? standing.signer : Bytes(), one.ends});
+    take_remembered(standing);
     return standing;
 }
 

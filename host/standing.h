@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/card_status.h"
+#include "host/inventory.h"
 #include "host/journal.h"
 #include "host/pin_gate.h"
 #include "host/plan.h"
@@ -15,6 +17,7 @@ struct Candidate {
     std::string id;
     std::string serial; // the certificate's
     Bytes der;
+    std::time_t ends = 0; // 0 when it is not known
 };
 
 // Where a renewal is, as the card and the files say it; what this computer remembers is a hint.
@@ -43,6 +46,10 @@ struct Standing {
     // What the pair's certificate replaces: the one that signed the request, that this computer remembers, or the only one
     // that there is beside it. Empty where nothing says it.
     [[nodiscard]] std::string old_of(const std::string& pair) const;
+    // When the certificate of that identifier ends; 0 when that is not known.
+    [[nodiscard]] std::time_t end_under(const std::string& id) const;
+    // Tells that this certificate goes once the new one is proved; empty: nothing says which.
+    [[nodiscard]] Sentence removes_later(const std::string& id) const;
     // The pair was made, and its request.
     void note_request(const MadeRequest& made);
     // The pair's certificate was stored, and proved.
@@ -51,5 +58,10 @@ struct Standing {
 
 // Reads the card as it was opened, the request's file and the journal. @throws Error
 [[nodiscard]] Standing find_standing(const RenewalWishes& wishes, const OpenedCard& card);
+
+// The same as far as a card shows it without a login: the request's file is taken for the waiting pair's, the certificate
+// that signed it is known by its serial number. @throws Error
+[[nodiscard]] Standing standing_shown(const RenewalWishes& wishes, const CardStatus& status,
+                                      const Inventory& inventory);
 
 } // namespace zvhost

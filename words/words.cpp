@@ -22,10 +22,10 @@ Face shown_by = Face::terminal;
 std::map<std::string_view, const char*> all_rows() {
     std::map<std::string_view, const char*> all;
     for (const Rows rows :
-         {advice_rows(), card_rows(),    command_line_rows(), desktop_rows(), doctor_rows(),
-          files_rows(),  install_rows(), library_rows(),      list_rows(),    module_rows(),
-          pin_rows(),    plan_rows(),    rehearse_rows(),     remind_rows(),  remove_rows(),
-          renew_rows(),  request_rows(), subject_rows(),      waiting_rows(), window_rows()})
+         {advice_rows(),  card_rows(),     command_line_rows(), desktop_rows(), doctor_rows(), files_rows(),
+          install_rows(), library_rows(),  list_rows(),         module_rows(),  pin_rows(),    plainly_rows(),
+          plan_rows(),    rehearse_rows(), remind_rows(),       remove_rows(),  renew_rows(),  request_rows(),
+          subject_rows(), waiting_rows(),  window_rows()})
         for (const Row& row : rows)
             all.emplace(row.id, row.english);
     return all;

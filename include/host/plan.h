@@ -4,6 +4,7 @@
 #include "host/sentence.h"
 
 #include <cstddef>
+#include <ctime>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct Change {
     std::string label;    // CKA_LABEL, of what is relabelled the new one
     std::size_t size = 0; // a certificate's bytes, a key's bits; 0 when it is not known
     Sentence why;
+    std::time_t ends = 0; // of a certificate that goes, when it ends; 0 when it is not known
 };
 
 // What is going to be done to a card.

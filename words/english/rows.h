@@ -26,6 +26,7 @@ Rows library_rows();
 Rows list_rows();
 Rows module_rows();
 Rows pin_rows();
+Rows plainly_rows();
 Rows plan_rows();
 Rows rehearse_rows();
 Rows remind_rows();
