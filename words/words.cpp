@@ -103,15 +103,9 @@ std::string of(zvhost::Kind kind) {
 }
 
 std::string title_of(zvhost::Kind kind) {
-    switch (kind) {
-    case zvhost::Kind::signature:
-        return tr(N_("Signature certificate"));
-    case zvhost::Kind::authentication:
-        return tr(N_("Authentication certificate"));
-    case zvhost::Kind::services:
-        return tr(N_("Services certificate"));
-    }
-    return zvhost::kind_name(kind);
+    if (kind == zvhost::Kind::signature) return tr("Signature certificate");
+    if (kind == zvhost::Kind::authentication) return tr("Authentication certificate");
+    return tr("Services certificate");
 }
 
 std::string day_of(std::time_t time) {
