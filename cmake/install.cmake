@@ -1,5 +1,6 @@
-# What `cmake --install` puts where. Components: runtime (libraries and program), development (headers, pkg-config and
-# CMake packages), documentation, and simcard, which only `--component simcard` installs: it is for demonstrations.
+# What `cmake --install` puts where. Components: runtime (libraries and program), desktop (the window), development (headers,
+# pkg-config and CMake packages), documentation, and simcard, which only `--component simcard` installs: it is for
+# demonstrations.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zvRenew)
@@ -13,6 +14,10 @@ set_target_properties(zvrenew zvsimcard-tool PROPERTIES INSTALL_RPATH ${origin}/
 # A path that is changed at installation is padded with empty elements until then, and the loader takes each for the
 # working folder.
 set_target_properties(zvRenew min_zvCrypt zvhost zvrenew zvsimcard zvsimcard-tool PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+if(ZV_DESKTOP)
+  set_target_properties(zvrenew-desktop PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib} BUILD_WITH_INSTALL_RPATH ON)
+  install(TARGETS zvrenew-desktop COMPONENT desktop)
+endif()
 
 install(TARGETS zvRenew min_zvCrypt zvhost EXPORT zvRenew COMPONENT runtime INCLUDES DESTINATION ${header_dir})
 install(TARGETS zvfront LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zvrenew COMPONENT runtime)
