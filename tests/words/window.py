@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """window.py ROOT LANGUAGE: fails when a sentence that a window may show speaks of a command, an option or a key, in English
-or in the language; when a window's row has no row to stand in for, or a place that this has not; and when a sentence that
+or in the language, or quotes what no button says; when a window's row has no row to stand in for, or a place that this has not; and when a sentence that
 only a terminal tells need not be named here."""
 import pathlib
 import re
@@ -44,6 +44,12 @@ for id in sorted(rows):
         wrong.extend(f"{base}: no window can do this: {text!r}" for text in seen)
     elif not seen:
         wrong.append(f"{base}: a window can tell this")
+labels = [said_so.replace("&", "") for id, text in rows.items() if id.startswith("window-")
+          for said_so in (text, said.get(text, ""))]
+labels += [label.replace("{kind}", kind) for label in labels for kind in ("services", said.get("services", ""))]
+for id, text in rows.items():
+    for told in (text, said.get(text, "")) if id.endswith(WINDOW) else ():
+        wrong.extend(f"{id}: no button says {quoted!r}" for quoted in re.findall(r'"([^"]+)"', told) if quoted not in labels)
 wrong.extend(f"{id}: has no row" for id in sorted(TERMINAL_ONLY - set(rows)))
 if len(rows) < 400 or len(said) < 400:
     wrong.append("too few rows were seen")

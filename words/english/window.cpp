@@ -6,10 +6,10 @@ namespace {
 // What is told otherwise in a window, where there are no commands and options.
 constexpr Row WINDOW_ROWS[] = {
     {"accept-anyway@window",
-     N_("Ask the authority. To install it all the same, choose \"Install it all the same\".")},
+     N_("Ask the authority whether this is the certificate that it means you to have.")},
     {"all-have-one-identifier@window",
-     N_("All have the identifier {id}: choose \"Keep the old certificate\", or first remove the ones that "
-        "are no longer needed with the card's own software.")},
+     N_("All have the identifier {id}: leave \"Remove the old certificate and its keys\" off, or first "
+        "remove the ones that are no longer needed with the card's own software.")},
     {"ask-again@window", N_("The request can be made once more; the same pair is used.")},
     {"ask-again-services@window", N_("The request can be made once more; the same keys are used.")},
     {"card-full@window",
@@ -19,8 +19,8 @@ constexpr Row WINDOW_ROWS[] = {
     {"doctor-complete-module@window", N_("Install the card's software again, with all that it needs.")},
     {"doctor-end-scdaemon@window", N_("Close the programs that encrypt or sign with GnuPG, or log out and in "
                                       "again: then it lets the card go.")},
-    {"doctor-final-try@window",
-     N_("If you are sure of the PIN, choose \"I am sure of the PIN\"; the right PIN gives the tries back.")},
+    {"doctor-final-try@window", N_("If you are sure of the PIN, choose \"I am sure of the PIN: if it is "
+                                   "wrong, the card locks\"; the right PIN gives the tries back.")},
     {"doctor-front@window", N_("{module} is started once a step, through {front}.")},
     {"doctor-have-removed@window", N_("Have {owner} or an administrator remove it.")},
     {"doctor-make-room@window", N_("Remove a certificate that is no longer needed, with its keys.")},
@@ -32,17 +32,17 @@ constexpr Row WINDOW_ROWS[] = {
     {"doctor-remove-own@window", N_("Remove it.")},
     {"doctor-set-clock@window", N_("Set this computer's clock.")},
     {"doctor-wait@window", N_("Try again when that one has ended.")},
-    {"due@window", N_("The {kind} certificate is due. Choose \"Renew\".")},
-    {"due-early@window", N_("The {kind} certificate is due. Choose \"Renew\".")},
+    {"due@window", N_("The {kind} certificate is due. Choose \"Renew the {kind} certificate\".")},
+    {"due-early@window", N_("The {kind} certificate is due. Choose \"Renew the {kind} certificate\".")},
     {"enter-card@window",
      N_("This program does not know cards of this kind. Whoever looks after this computer can add it: its "
         "ATR has to stand in {folder}/zvcrypt.conf with the file name of its maker's PKCS#11 module.")},
     {"file-other-name@window", N_("Choose another name, or move that file away.")},
-    {"final-try@window", N_("If you are sure of the PIN, choose \"I am sure of the PIN\".")},
+    {"final-try@window",
+     N_("If you are sure of the PIN, choose \"I am sure of the PIN: if it is wrong, the card locks\".")},
     {"free-identifier@window", N_("New {kind} keys go under {first} or {last}, and none is free. Remove the "
                                   "certificate among them that is no longer needed, with its keys.")},
-    {"give-force@window",
-     N_("It is due {days} days before. To renew it now all the same, choose \"Renew it all the same\".")},
+    {"give-force@window", N_("It is due {days} days before.")},
     {"give-subject@window", N_("The authority has to say which subject the request is to have.")},
     {"give-whole-identifier@window", N_("Choose one of the certificates that are on the card.")},
     {"help-desk-masked@window",
@@ -52,7 +52,7 @@ constexpr Row WINDOW_ROWS[] = {
      N_("For a help desk, from the window of zvRenew. This is plain text: read it before you send it. Names "
         "and tax\ncodes are in it; a PIN never is.")},
     {"insert-same-card@window", N_("Put the card back that was in the reader before.")},
-    {"install-without-remove-old@window", N_("Choose \"Keep the old certificate\".")},
+    {"install-without-remove-old@window", N_("Leave \"Remove the old certificate and its keys\" off.")},
     {"journal-newer@window", N_("This computer's journal of cards, {folder}, is left as it is: a later "
                                 "version of this program wrote it.")},
     {"key-wants-own-pin@window",
@@ -70,22 +70,22 @@ constexpr Row WINDOW_ROWS[] = {
      N_("If the card is full, first remove a certificate that is no longer needed.")},
     {"module-install@window", N_("Install the card maker's software.")},
     {"more-with-pin@window", N_("Some of what is on the card shows only with the PIN.")},
-    {"old-makes-room@window",
-     N_("If the card is full, the old certificate {id} makes room: choose \"Remove the old certificate\".")},
+    {"old-makes-room@window", N_("If the card is full, the old certificate {id} makes room: choose \"Remove "
+                                 "the old certificate and its keys\".")},
     {"old-same-identifier@window",
      N_("The old certificate is still on the card, under the same identifier {id}: programs may take it for "
         "the new\none. Only the card's own software can remove it now.")},
-    {"one-certificate-only@window", N_("A card that takes one certificate of an identifier only needs the "
-                                       "old one removed: choose \"Remove the old certificate\".")},
+    {"one-certificate-only@window",
+     N_("A card that takes one certificate of an identifier only needs the old one removed: choose \"Remove "
+        "the old certificate and its keys\".")},
     {"or-replace-this@window", N_("or {id}")},
     {"other-backup-file@window", N_("Choose another name for the backup.")},
     {"own-keys-of-no-use@window",
      N_("Try again with the card in the reader. If that fails in the same way, the card's own keys are of no "
         "use for a request: its issuer has to help.")},
-    {"pair-waits@window", N_("The new {kind} pair {pair} waits for its certificate. When it has come, choose "
-                             "\"Install the certificate\".")},
-    {"pending-discard@window",
-     N_("To give it up, choose \"Give up the request\"; no certificate can be installed for {pair} then.")},
+    {"pair-waits@window", N_("The new {kind} pair {pair} waits for its certificate. When that has come, "
+                             "choose \"The {kind} certificate has come\".")},
+    {"pending-discard@window", N_("No certificate can be installed for {pair} once it is given up.")},
     {"pin-keypad@window", N_("The reader has a keypad, but the PIN is sent to the card as a text: type it "
                              "here, not on the keypad.")},
     {"plan-again@window", N_("Look at the plan once more.")},
@@ -95,35 +95,37 @@ constexpr Row WINDOW_ROWS[] = {
     {"reader-whole-name@window", N_("Choose one of these.")},
     {"reminder-ended-under-way@window",
      N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ended on {end}. A request for "
-        "its successor is under way: when the authority's certificate comes, open zvRenew and choose "
-        "\"Install the certificate\".")},
+        "its successor is under way: when the authority's certificate comes, open \"Certificates on smart "
+        "cards\" and choose \"The {kind} certificate has come\".")},
     {"reminder-ends@window",
      N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ends on {end}. An expired "
         "certificate cannot sign the request for its successor: renew it before that. Put the card in the "
-        "reader, open zvRenew and choose \"Renew\".")},
+        "reader, open \"Certificates on smart cards\" and choose \"Renew the {kind} certificate\".")},
     {"reminder-ends-under-way@window",
      N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ends on {end}. A request for "
-        "its successor is under way: when the authority's certificate comes, open zvRenew and choose "
-        "\"Install the certificate\".")},
+        "its successor is under way: when the authority's certificate comes, open \"Certificates on smart "
+        "cards\" and choose \"The {kind} certificate has come\".")},
     {"reminders-by-autostart@window",
      N_("Reminders are on: at each start of the desktop this computer looks for what ends ({file}).")},
     {"reminders-by-systemd@window",
      N_("Reminders are on: each day this computer looks for what ends ({timer} of the user's systemd).")},
     {"removal-of-last-advice@window",
      N_("Nothing puts it back, and without it no successor can be requested.")},
-    {"removal-of-waiting-advice@window", N_("To give it up, choose \"Give up the request\".")},
+    {"removal-of-waiting-advice@window",
+     N_("It can be given up; no certificate can be installed for it then.")},
     {"renewal-again@window", N_("To go on, try again.")},
     {"renewal-answer-kept@window",
      N_("The authority's answer is in {file}. To have another one taken, move it away and try again.")},
     {"renewal-kept@window",
      N_("The certificate {id} is still on the card. It can be removed when it is no longer needed.")},
-    {"renewal-needs-remove-old@window", N_("The card has no room for both certificates, and the old one "
-                                           "makes room: choose \"Remove the old certificate\".")},
-    {"renewal-new-pair@window", N_("Try again. If it fails in the same way, give the pair {pair} up first: "
-                                   "choose \"Give up the request\".")},
+    {"renewal-needs-remove-old@window",
+     N_("The card has no room for both certificates, and the old one makes room: choose \"Remove the old "
+        "certificate and its keys\".")},
+    {"renewal-new-pair@window", N_("Try again. If it fails in the same way, the pair {pair} has to be given "
+                                   "up: choose \"Send to the help desk\".")},
     {"renewal-no-room@window",
      N_("If the card is full, the old certificate makes room when it goes first: choose \"Remove the old "
-        "certificate\". The authority's certificate is kept as {file}.")},
+        "certificate and its keys\". The authority's certificate is kept as {file}.")},
     {"repeat-discarding@window", N_("The pair {pair} is not discarded yet: try again.")},
     {"repeat-keys-unchanged@window", N_("The keys {pair} are as they were: try again.")},
     {"repeat-or-other-certificate@window",
@@ -134,12 +136,12 @@ constexpr Row WINDOW_ROWS[] = {
     {"repeat-with-card@window", N_("Put the card in the reader and try again.")},
     {"repeat-with-pair@window", N_("Try again: it will use the pair {pair} that is on the card.")},
     {"repeat-without-new-pair@window", N_("Make the request with the pair {pair}, without new keys.")},
-    {"replace-new-pair@window", N_("The card made no request of the pair {pair}. Make another pair: choose "
-                                   "\"Make new keys\", which discards {pair}.")},
+    {"replace-new-pair@window", N_("The card made no request of the pair {pair}. It takes another pair, for "
+                                   "which {pair} is discarded.")},
     {"replace-this@window", N_("{id}")},
     {"replace-waiting-pair@window",
-     N_("The card made no request of the pair {pair}. Make another pair: choose \"Make new keys\", which "
-        "discards {pair} (a certificate for it can then no longer be installed).")},
+     N_("The card made no request of the pair {pair}. It takes another pair, for which {pair} is discarded "
+        "(a certificate for it can then no longer be installed).")},
     {"request-without-new-pair@window", N_("Make the request without new keys.")},
     {"run-again@window", N_("Try again.")},
     {"run-when-ended@window", N_("Try again when that one has ended.")},
@@ -147,19 +149,19 @@ constexpr Row WINDOW_ROWS[] = {
     {"see-card@window", N_("Look at what is on the card.")},
     {"see-list@window", N_("Look at what is on the card.")},
     {"see-status@window", N_("Put a card in to see how it stands.")},
-    {"send-request@window",
-     N_("Send it to the authority. When the certificate comes, choose \"Install the certificate\".")},
-    {"send-request-services@window",
-     N_("Send it to the authority. When the certificate comes, choose \"Install the certificate\".")},
+    {"send-request@window", N_("Send it to the authority. When the authority's certificate has come, drop "
+                               "its file on this window, choose it, or paste it.")},
+    {"send-request-services@window", N_("Send it to the authority. When the authority's certificate has "
+                                        "come, drop its file on this window, choose it, or paste it.")},
     {"services-request-by-journal@window",
      N_("That a request for the card's own certificate is under way is by this computer's journal.")},
     {"services-request-hidden@window",
      N_("Whether a request for the card's own certificate is under way does not show without the PIN.")},
-    {"services-under-way@window", N_("A request for the services certificate is under way. When it has come, "
-                                     "choose \"Install the certificate\".")},
+    {"services-under-way@window", N_("A request for the services certificate is under way. When that has "
+                                     "come, choose \"The services certificate has come\".")},
     {"services-under-way-stored@window",
-     N_("A request for the services certificate is under way. When it has come, choose \"Install the "
-        "certificate\"; the old one is removed.")},
+     N_("A request for the services certificate is under way. When that has come, choose \"The services "
+        "certificate has come\" and \"Remove the old certificate and its keys\".")},
     {"show-card-first@window", N_("No card has been seen on this computer yet. Put yours in the reader.")},
     {"start-service@window", N_("The service of the card readers (PC/SC, pcscd) does not run. Have whoever "
                                 "looks after this computer install and start it.")},
