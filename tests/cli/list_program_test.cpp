@@ -32,6 +32,15 @@ TEST_F(ListProgramTest, MarksWhatIsDue) {
     EXPECT_EQ(readers[0]["card"], true);
 }
 
+TEST_F(ListProgramTest, ShowsIdentifiersThatAreNoText) {
+    make_card_with({"DS0", "DS\xE8"});
+    const Outcome shown = with_pin("list");
+    EXPECT_EQ(shown.code, 0) << shown.err;
+    EXPECT_TRUE(shown.says("DS?")) << shown.out;
+    EXPECT_FALSE(shown.says("\xE8")) << shown.out;
+    EXPECT_EQ(json("list")["certificates"][1]["id"], "DS\uFFFD");
+}
+
 TEST_F(ListProgramTest, AnswersThatNoIdentifierIsFree) {
     make_card_with({"DS0", "DS3", "DS4", "DS5"});
     const auto free = json("free-id");

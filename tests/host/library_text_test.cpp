@@ -51,6 +51,10 @@ TEST_F(LibraryTextTest, FallsBackOnTheCodeAndStaysInsideTheTable) {
 
 TEST(PrintableTest, KeepsWhatATerminalWouldObeyOut) {
     EXPECT_EQ(printable("DS0\x1B[2J\r\x7F città\n"), "DS0?[2J?? città\n");
+    // A control character in two bytes, a cut one, half a pair, a slash in two bytes, one past the last.
+    EXPECT_EQ(printable("\xC2\x9B"
+                        "2J \xE2\x82 \xED\xA0\x80 \xC0\xAF \xF4\x90\x80\x80 €\xF0\x9F\x98\x80\xE8"),
+              "??2J ?? ??? ?? ???? €\xF0\x9F\x98\x80?");
 }
 
 } // namespace
