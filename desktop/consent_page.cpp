@@ -65,7 +65,11 @@ QWidget* ConsentPage::first() const {
 }
 
 void ConsentPage::tell_plan() {
-    foreseen_ = zvhost::foresee_renewal(status_, errand_.wishes, !errand_.certificate.empty());
+    try {
+        foreseen_ = zvhost::foresee_renewal(status_, errand_.wishes, !errand_.certificate.empty());
+    } catch (const zvhost::Error& error) {
+        return Q_EMIT impossible(error);
+    }
     QString told = in_lines(zvhost::told_plainly(foreseen_));
     if (errand_.wishes.remove_old)
         told +=

@@ -32,6 +32,8 @@ class ConsentPage : public Page {
     void accepted(const desktop::Errand& errand);
     void accepted_again();
     void declined();
+    // That it cannot be done shows already.
+    void impossible(const zvhost::Error& error);
 
   private:
     void tell_plan();

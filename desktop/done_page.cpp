@@ -3,6 +3,8 @@
 #include "desktop/text.h"
 #include "words/on_card.h"
 
+#include <QFileInfo>
+
 namespace desktop {
 
 DonePage::DonePage() : Page("done-page") {
@@ -10,11 +12,12 @@ DonePage::DonePage() : Page("done-page") {
 }
 
 void DonePage::show_done(const zvhost::Renewal& renewal) {
-    const zvhost::Values about = {{"kind", renewal.kind},
-                                  {"pair", renewal.pair},
-                                  {"old", renewal.removed},
-                                  {"backup", renewal.backup},
-                                  {"now", words::of(renewal.now)}};
+    const zvhost::Values about = {
+        {"kind", renewal.kind},
+        {"pair", renewal.pair},
+        {"old", renewal.removed},
+        {"backup", to_utf8(QFileInfo(from_utf8(renewal.backup)).absoluteFilePath())},
+        {"now", words::of(renewal.now)}};
     clear();
     set_heading({"window-done-heading", {{"kind", renewal.kind}}});
     std::vector<zvhost::Sentence> told{{"renewal-done", about}};

@@ -2,6 +2,7 @@
 
 #include "desktop/text.h"
 
+#include <QAccessible>
 #include <QScrollArea>
 
 namespace desktop {
@@ -10,6 +11,13 @@ namespace {
 constexpr double LARGER = 1.5; // than the desktop's usual letters
 
 } // namespace
+
+QPushButton* named_button(const QString& label, const char* name) {
+    auto* const made = new QPushButton(label);
+    made->setObjectName(QString::fromLatin1(name));
+    made->setAutoDefault(true); // Enter presses the one that has the keyboard
+    return made;
+}
 
 Page::Page(const char* name) : heading_(new QLabel), body_(new QVBoxLayout), foot_(new QHBoxLayout) {
     setObjectName(QString::fromLatin1(name));
@@ -33,6 +41,12 @@ Page::Page(const char* name) : heading_(new QLabel), body_(new QVBoxLayout), foo
     all->addWidget(scrolls, 1);
     all->addLayout(foot_);
     foot_->addStretch(1);
+}
+
+void Page::announce() {
+    QAccessibleEvent event(heading_, QAccessible::Alert);
+    QAccessible::updateAccessibility(&event);
+    if (QWidget* const has_keyboard = first()) has_keyboard->setFocus();
 }
 
 void Page::set_heading(const zvhost::Sentence& sentence) {
@@ -67,10 +81,14 @@ void Page::tell(const std::vector<zvhost::Sentence>& sentences) {
         tell(text(sentence))->setObjectName(from_utf8(sentence.id));
 }
 
+QPushButton* Page::add_button(const QString& label, const char* name) {
+    QPushButton* const made = named_button(label, name);
+    body_->addWidget(made, 0, Qt::AlignLeft);
+    return made;
+}
+
 QPushButton* Page::button(const char* id) {
-    auto* const made = new QPushButton(text(id));
-    made->setObjectName(QString::fromLatin1(id));
-    made->setAutoDefault(true); // Enter presses the one that has the keyboard
+    QPushButton* const made = named_button(text(id), id);
     foot_->addWidget(made);
     buttons_.append(made);
     return made;

@@ -9,6 +9,8 @@
 
 namespace desktop {
 
+[[nodiscard]] QPushButton* named_button(const QString& label, const char* name);
+
 // A page of the window: a heading, what it is about below it, buttons at its foot. Each text is shown as it is, never as markup,
 // and can be selected; a widget's object name is its sentence's.
 class Page : public QWidget {
@@ -18,6 +20,8 @@ class Page : public QWidget {
     explicit Page(const char* name);
 
     [[nodiscard]] QString heading() const { return heading_->text(); }
+    // Says to a screen reader that the page is shown, and gives the keyboard to its first widget.
+    void announce();
     // Which widget has the keyboard when the page is shown.
     [[nodiscard]] virtual QWidget* first() const { return buttons_.isEmpty() ? nullptr : buttons_.last(); }
 
@@ -29,6 +33,8 @@ class Page : public QWidget {
     void add(QWidget* widget, int stretch = 0);
     QLabel* tell(const QString& text);
     void tell(const std::vector<zvhost::Sentence>& sentences);
+    // Adds a button there, as wide as its text.
+    QPushButton* add_button(const QString& label, const char* name);
     // Adds a button at the foot; the last one is the page's own aim.
     QPushButton* button(const char* id);
 

@@ -9,6 +9,8 @@ namespace {
 
 using zvhost::PinState;
 
+constexpr int PIN_WIDE = 30; // characters
+
 QLabel* hint(const char* name) {
     auto* const label = new QLabel;
     label->setObjectName(QString::fromLatin1(name));
@@ -26,7 +28,8 @@ PinBox::PinBox()
     auto* const label = new QLabel(text("window-pin"));
     label->setBuddy(field_);
     field_->setObjectName(QStringLiteral("window-pin"));
-    field_->setAccessibleName(label->text());
+    field_->setAccessibleName(text("window-pin").remove(QLatin1Char('&')));
+    field_->setMaximumWidth(field_->fontMetrics().averageCharWidth() * PIN_WIDE);
     caps_lock_->setText(text("window-caps-lock"));
     final_try_->setObjectName(QStringLiteral("window-final-try"));
 
@@ -48,8 +51,12 @@ void PinBox::ask_for(const zvhost::CardFacts& card) {
     const zvhost::Sentence tries = zvhost::tries_told(state);
     field_->wipe();
     field_->setEnabled(state != PinState::locked);
-    tries_->setText(tries.empty() ? QString() : text("pin-card-says", {{"tries", std::vector{tries}}}));
-    tries_->setVisible(!tries.empty());
+    std::vector<zvhost::Sentence> told;
+    if (!tries.empty()) told.emplace_back("pin-card-says", zvhost::Values{{"tries", std::vector{tries}}});
+    if (state == PinState::locked) told.emplace_back("unlock-first", zvhost::Values{});
+    if (card.state && card.state->keypad) told.emplace_back("pin-keypad", zvhost::Values{});
+    tries_->setText(text(told));
+    tries_->setVisible(!told.empty());
     field_->setAccessibleDescription(tries_->text());
     caps_lock_->hide();
     final_try_->setChecked(false);

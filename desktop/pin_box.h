@@ -19,6 +19,7 @@ class PinBox : public QWidget {
     // Begins anew, for that card.
     void ask_for(const zvhost::CardFacts& card);
     [[nodiscard]] zvhost::Pin take() { return field_->take(); }
+    void wipe() { field_->wipe(); }
     [[nodiscard]] bool final_try() const { return final_try_->isChecked(); }
     // Whether there is a PIN, and the tick where it is wanted.
     [[nodiscard]] bool complete() const;

@@ -1,30 +1,27 @@
 #pragma once
 
 #include "desktop/page.h"
-#include "host/error.h"
+#include "desktop/remedies.h"
 
 namespace desktop {
 
-// Something failed: what, what is on the card now, what to do, and one button that does it.
+// Something failed: what, what is on the card now, what to do, and buttons that do it.
 class ProblemPage : public Page {
     Q_OBJECT
 
   public:
-    // What can be done about it.
-    enum class Remedy { again, other_certificate, look };
-
     ProblemPage();
 
-    void show_problem(const zvhost::Error& error);
+    void show_problem(const zvhost::Error& error, const Errand& errand);
+    [[nodiscard]] QWidget* first() const override { return first_; }
 
   Q_SIGNALS:
-    void remedy_wanted(desktop::ProblemPage::Remedy remedy);
-    void help_wanted();
+    void remedy_wanted(const desktop::Remedy& remedy);
     void left();
 
   private:
-    QPushButton* remedy_button_;
-    Remedy remedy_ = Remedy::look;
+    QPushButton* to_start_;
+    QWidget* first_;
 };
 
 } // namespace desktop

@@ -1,40 +1,21 @@
 #include "desktop/request_page.h"
 
+#include "desktop/dialogs.h"
 #include "desktop/file_handle.h"
 #include "desktop/files.h"
 #include "desktop/text.h"
 
 #include <QClipboard>
 #include <QFile>
-#include <QFileDialog>
 #include <QGuiApplication>
 
 namespace desktop {
-namespace {
-
-QPushButton* named_button(const char* id) {
-    auto* const made = new QPushButton(text(id));
-    made->setObjectName(QString::fromLatin1(id));
-    return made;
-}
-
-// A dialog of Qt's own or of the desktop; it is gone once it is answered.
-QFileDialog* ask_for_file(QWidget* parent, const char* title, QFileDialog::AcceptMode mode) {
-    auto* const dialog = new QFileDialog(parent, text(title));
-    dialog->setObjectName(QStringLiteral("file-dialog"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(mode);
-    dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog->open();
-    return dialog;
-}
-
-} // namespace
 
 RequestPage::RequestPage()
     : Page("request-page"), told_(tell(QString())), result_(new QLabel), handle_(new FileHandle),
-      save_(named_button("window-save-request")), copy_(named_button("window-copy-request")),
-      again_(named_button("window-request-again")) {
+      save_(named_button(text("window-save-request"), "window-save-request")),
+      copy_(named_button(text("window-copy-request"), "window-copy-request")),
+      again_(named_button(text("window-request-again"), "window-request-again")) {
     told_->setObjectName(QStringLiteral("told"));
     result_->setObjectName(QStringLiteral("result"));
     result_->setWordWrap(true);
@@ -48,8 +29,7 @@ RequestPage::RequestPage()
     add(row);
     add(result_);
     tell(text("window-drop-certificate"));
-    auto* const paste = named_button("window-paste-certificate");
-    add(paste);
+    auto* const paste = add_button(text("window-paste-certificate"), "window-paste-certificate");
     add(new QWidget, 1);
     connect(button("window-back"), &QPushButton::clicked, this, &RequestPage::left);
     connect(button("window-choose-certificate"), &QPushButton::clicked, this,
@@ -73,7 +53,7 @@ void RequestPage::show_waiting(zvhost::Kind kind, const std::string& request) {
 }
 
 void RequestPage::save_request() {
-    auto* const dialog = ask_for_file(this, "window-save-request", QFileDialog::AcceptSave);
+    auto* const dialog = ask_for_file(*this, "window-save-request", QFileDialog::AcceptSave);
     dialog->selectFile(QFileInfo(from_utf8(request_)).fileName());
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
         if (QFileInfo(file) != QFileInfo(from_utf8(request_))) QFile::remove(file); // the dialog has asked
@@ -91,7 +71,7 @@ void RequestPage::copy_request() {
 }
 
 void RequestPage::choose_certificate() {
-    connect(ask_for_file(this, "window-choose-certificate", QFileDialog::AcceptOpen),
+    connect(ask_for_file(*this, "window-choose-certificate", QFileDialog::AcceptOpen),
             &QFileDialog::fileSelected, this, &RequestPage::certificate_given);
 }
 
@@ -102,6 +82,10 @@ void RequestPage::paste_certificate() {
         result_->setText(text("window-nothing-to-paste"));
     else
         Q_EMIT certificate_given(file);
+}
+
+void RequestPage::say(const char* id) {
+    result_->setText(text(id));
 }
 
 } // namespace desktop

@@ -17,6 +17,9 @@ class RequestPage : public Page {
     // @param request  its file; empty where nobody knows it any more
     void show_waiting(zvhost::Kind kind, const std::string& request);
 
+    // Says something on it.
+    void say(const char* id);
+
   Q_SIGNALS:
     // The authority's certificate has come, in that file.
     void certificate_given(const QString& file);

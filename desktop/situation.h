@@ -16,9 +16,15 @@ struct Situation {
     std::string reader; // the one that is looked at; empty: there is none
     std::optional<zvhost::CardStatus> status;
     std::optional<zvhost::Error> problem; // why nothing is known of the card
+
+    // The reader that is looked at; null when there is none.
+    [[nodiscard]] const zvhost::ReaderFacts* chosen() const;
+    // Whether that card is in it, and can be read.
+    [[nodiscard]] bool shows(const std::string& card_serial) const;
 };
 
-// Looks at it. The reader that was chosen stays as long as it is there; else one that holds a known card is taken.
-[[nodiscard]] Situation look_around(const zvhost::CardChoice& choice);
+// Looks at it. The reader that was chosen stays as long as it is there; else the one that holds the card that is meant is
+// taken, or one that holds a known card.
+[[nodiscard]] Situation look_around(const zvhost::CardChoice& choice, const std::string& card_serial);
 
 } // namespace desktop

@@ -2,6 +2,7 @@
 
 #include "desktop/text.h"
 
+#include <QGridLayout>
 #include <algorithm>
 #include <ctime>
 
@@ -25,12 +26,18 @@ bool is_due(const CardStatus& status, Kind kind) {
                        });
 }
 
+// The reader's or the module's word that no card is in it.
+bool no_card(const Situation& now) {
+    const auto inserts = [](const zvhost::Advice& advice) { return advice.key == "insert-card"; };
+    return !now.chosen()->reader.card ||
+           (now.problem && std::any_of(now.problem->advice.begin(), now.problem->advice.end(), inserts));
+}
+
 ReaderPicture::Shows picture_of(const Situation& now) {
-    const auto found = std::find_if(now.readers.begin(), now.readers.end(),
-                                    [&](const ReaderFacts& one) { return one.reader.name == now.reader; });
-    if (found == now.readers.end()) return ReaderPicture::Shows::no_reader;
-    if (!found->reader.card) return ReaderPicture::Shows::no_card;
-    return found->reader.module.empty() ? ReaderPicture::Shows::unknown_card : ReaderPicture::Shows::card;
+    const ReaderFacts* reader = now.chosen();
+    if (reader == nullptr) return ReaderPicture::Shows::no_reader;
+    if (no_card(now)) return ReaderPicture::Shows::no_card;
+    return reader->reader.module.empty() ? ReaderPicture::Shows::unknown_card : ReaderPicture::Shows::card;
 }
 
 zvhost::Sentence heading_of(const Situation& now) {
@@ -44,24 +51,30 @@ zvhost::Sentence heading_of(const Situation& now) {
 } // namespace
 
 StartPage::StartPage()
-    : Page("start-page"), readers_(new QComboBox), picture_(new ReaderPicture), card_(nullptr),
+    : Page("start-page"), readers_(new QComboBox), picture_(new ReaderPicture), card_(new QLabel),
       timeline_(new Timeline), actions_(new QVBoxLayout) {
     readers_->setObjectName(QStringLiteral("readers"));
     readers_->setAccessibleName(text("window-readers"));
-    add(readers_);
-    add(picture_);
-    card_ = tell(QString());
+    readers_->hide();
     card_->setObjectName(QStringLiteral("card"));
+    card_->setTextFormat(Qt::PlainText);
+    card_->setWordWrap(true);
+    auto* const top = new QWidget;
+    auto* const beside = new QGridLayout(top);
+    beside->setContentsMargins({});
+    beside->addWidget(picture_, 0, 0, 2, 1);
+    beside->addWidget(readers_, 0, 1);
+    beside->addWidget(card_, 1, 1);
+    beside->setColumnStretch(1, 1);
+    add(top);
     add(timeline_);
     auto* const actions = new QWidget;
     actions->setLayout(actions_);
     actions_->setContentsMargins({});
     add(actions);
     add(new QWidget, 1);
-    connect(button("window-help-desk"), &QPushButton::clicked, this, &StartPage::help_wanted);
     connect(readers_, &QComboBox::textActivated, this, &StartPage::reader_chosen);
     set_heading({"window-looking-heading", {}});
-    readers_->hide();
 }
 
 void StartPage::show_situation(const Situation& now) {
@@ -115,11 +128,9 @@ void StartPage::show_actions(const Situation& now) {
 }
 
 QPushButton* StartPage::add_action(const char* id, Kind kind) {
-    auto* const made = new QPushButton(text(id, {{"kind", kind}}));
-    made->setObjectName(
-        QStringLiteral("%1-%2").arg(QString::fromLatin1(id), QString::fromLatin1(zvhost::kind_name(kind))));
-    made->setAutoDefault(true);
-    actions_->addWidget(made);
+    const std::string name = std::string(id) + "-" + zvhost::kind_name(kind);
+    QPushButton* const made = named_button(text(id, {{"kind", kind}}), name.c_str());
+    actions_->addWidget(made, 0, Qt::AlignLeft);
     return made;
 }
 

@@ -23,7 +23,6 @@ class StartPage : public Page {
     void renewal_wanted(zvhost::Kind kind);
     // The certificate of a renewal that waits for it.
     void waiting_wanted(zvhost::Kind kind);
-    void help_wanted();
 
   private:
     void show_readers(const Situation& now);

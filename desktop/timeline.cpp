@@ -68,6 +68,8 @@ void Timeline::show_certificates(const std::vector<zvhost::ListedCertificate>& c
         bar->setAccessibleName(label->text());
         rows_->addWidget(bar);
     }
+    if (!certificates.empty())
+        rows_->addWidget(new QLabel(text("window-today", {{"day", zvhost::Moment{now}}})));
 }
 
 } // namespace desktop

@@ -8,6 +8,7 @@
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QShortcut>
 #include <QUrl>
 #include <utility>
 
@@ -29,10 +30,13 @@ Window::Window(zvhost::CardChoice choice, std::string card)
         pages_->addWidget(page);
     connect_pages();
     connect(&looks_, &QTimer::timeout, this, [this] {
-        if (worker_.idle() && pages_->currentWidget() == start_) look();
+        if (worker_.idle() && (shows(start_) || shows(consent_) || shows(request_))) look();
     });
     connect(&worker_, &CardWorker::became_idle, this, [this] {
         if (closing_) close();
+    });
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, [this] {
+        if (!shows(work_)) show_start();
     });
     looks_.start(LOOK_EVERY);
     look();
@@ -45,46 +49,57 @@ void Window::connect_pages() {
         choice_.reader = to_utf8(name);
         look();
     });
-    connect(start_, &StartPage::renewal_wanted, this, &Window::renew);
-    connect(start_, &StartPage::waiting_wanted, this, &Window::wait_for_certificate);
-    connect(start_, &StartPage::help_wanted, this, &Window::help);
+    connect(start_, &StartPage::renewal_wanted, this, [this](zvhost::Kind kind) { begin(errand_for(kind)); });
+    connect(start_, &StartPage::waiting_wanted, this,
+            [this](zvhost::Kind kind) { show_waiting(errand_for(kind)); });
     connect(consent_, &ConsentPage::accepted, this, &Window::plan);
     connect(consent_, &ConsentPage::accepted_again, this, &Window::carry_out);
+    connect(consent_, &ConsentPage::impossible, this, &Window::show_problem);
     connect(consent_, &ConsentPage::declined, this, &Window::show_start);
     connect(work_, &WorkPage::stop_wanted, this, [this] {
         if (run_) run_->stop();
     });
     connect(request_, &RequestPage::certificate_given, this, &Window::take_certificate);
-    connect(request_, &RequestPage::request_wanted, this, &Window::ask);
+    connect(request_, &RequestPage::request_wanted, this, [this] { begin(errand_); });
     connect(request_, &RequestPage::left, this, &Window::show_start);
     connect(done_, &DonePage::left, this, &Window::show_start);
-    connect(problem_, &ProblemPage::remedy_wanted, this, &Window::remedy);
-    connect(problem_, &ProblemPage::help_wanted, this, &Window::help);
+    connect(problem_, &ProblemPage::remedy_wanted, this, &Window::follow);
     connect(problem_, &ProblemPage::left, this, &Window::show_start);
 }
 
-// The page's heading is the window's title, too: a screen reader says it.
 void Window::show_page(Page& page) {
+    if (!shows(&page)) consent_->pin().wipe();
     pages_->setCurrentWidget(&page);
     setWindowTitle(text("window-title-of", {{"page", to_utf8(page.heading())}}));
-    if (QWidget* const first = page.first()) first->setFocus();
+    page.announce();
 }
 
 void Window::look() {
-    worker_.start([this, choice = choice_] {
-        const Situation now = look_around(choice);
+    worker_.start([this, choice = choice_, card = card_] {
+        const Situation now = look_around(choice, card);
         worker_.tell([this, now] { take(now); });
     });
 }
 
+// A card that is taken out takes its pages along: its PIN is for no other.
 void Window::take(const Situation& now) {
     situation_ = now;
-    if (pages_->currentWidget() == start_) start_->show_situation(now);
+    const bool same = now.shows(errand_.card_serial());
+    const bool begins = std::exchange(begins_, false);
+    const bool has_answer = !errand_.certificate.empty();
+    if (same && (begins || (shows(request_) && has_answer)))
+        show_consent();
+    else if (begins && has_answer)
+        show_waiting(errand_);
+    else if (shows(start_))
+        start_->show_situation(now);
+    else if (begins || (shows(consent_) && !same))
+        show_start();
 }
 
 void Window::show_start() {
     run_.reset();
-    errand_.reset();
+    errand_ = {};
     start_->show_situation(situation_);
     show_page(*start_);
     look();
@@ -102,25 +117,32 @@ Errand Window::errand_for(zvhost::Kind kind) const {
     return errand;
 }
 
-void Window::renew(zvhost::Kind kind) {
-    errand_ = errand_for(kind);
-    ask();
+// The card is looked at first: what is asked is about the card as it is now.
+void Window::begin(const Errand& errand) {
+    errand_ = errand;
+    begins_ = true;
+    work_->begin({"window-looking-heading", {}});
+    show_page(*work_);
+    look();
 }
 
-void Window::wait_for_certificate(zvhost::Kind kind) {
-    errand_ = errand_for(kind);
-    request_->show_waiting(kind, errand_->wishes.request.out);
+void Window::show_consent() {
+    errand_.card = situation_.status->list.card;
+    show_page(*consent_);
+    consent_->ask(*situation_.status, errand_);
+    if (shows(consent_)) show_page(*consent_);
+}
+
+void Window::show_waiting(const Errand& errand) {
+    errand_ = errand;
+    request_->show_waiting(errand.kind(), errand.wishes.request.out);
+    if (!errand.certificate.empty()) request_->say("insert-same-card");
     show_page(*request_);
 }
 
 void Window::take_certificate(const QString& file) {
-    errand_->certificate = to_utf8(file);
-    ask();
-}
-
-void Window::ask() {
-    consent_->ask(*situation_.status, *errand_);
-    show_page(*consent_);
+    errand_.certificate = to_utf8(file);
+    begin(errand_);
 }
 
 void Window::plan(const Errand& errand) {
@@ -128,18 +150,20 @@ void Window::plan(const Errand& errand) {
     zvhost::CardChoice choice = choice_;
     choice.reader = errand.card.reader;
     run_ = std::make_unique<RenewalRun>(worker_, choice, errand);
-    connect(run_.get(), &RenewalRun::planned, this, [this](const zvhost::Plan& plan) {
-        if (!zvhost::goes_beyond(plan, consent_->foreseen())) return carry_out();
-        consent_->ask_again(plan);
-        show_page(*consent_);
-    });
+    connect(run_.get(), &RenewalRun::planned, this, &Window::take_plan);
     connect(run_.get(), &RenewalRun::stepped, work_, &WorkPage::show_step);
     connect(run_.get(), &RenewalRun::noticed, work_, &WorkPage::show_notice);
     connect(run_.get(), &RenewalRun::ended, this, &Window::show_end);
     connect(run_.get(), &RenewalRun::failed, this, &Window::show_problem);
-    work_->begin({"window-work-heading", {{"kind", errand.kind()}}});
-    show_page(*work_);
     run_->plan(consent_->pin().take(), consent_->pin().final_try());
+    work_->begin({"window-work-heading", {}});
+    show_page(*work_);
+}
+
+void Window::take_plan(const zvhost::Plan& plan) {
+    if (!zvhost::goes_beyond(plan, consent_->foreseen())) return carry_out();
+    consent_->ask_again(plan);
+    show_page(*consent_);
 }
 
 void Window::carry_out() {
@@ -148,45 +172,47 @@ void Window::carry_out() {
 }
 
 void Window::show_end(const zvhost::Renewal& renewal) {
-    errand_->wishes.request.out = renewal.request;
-    if (renewal.done) {
-        done_->show_done(renewal);
-        return show_page(*done_);
-    }
-    request_->show_waiting(renewal.kind, renewal.request);
-    show_page(*request_);
-    look(); // the card holds more now
+    errand_.wishes.request.out = renewal.request;
+    if (!renewal.done) return show_waiting(errand_);
+    done_->show_done(renewal);
+    show_page(*done_);
 }
 
 void Window::show_problem(const zvhost::Error& error) {
-    problem_->show_problem(error);
+    problem_->show_problem(error, errand_);
     show_page(*problem_);
 }
 
-void Window::remedy(ProblemPage::Remedy wanted) {
-    if (wanted == ProblemPage::Remedy::again && errand_ && situation_.status) return ask();
+void Window::follow(const Remedy& remedy) {
+    switch (remedy.goes) {
+    case Remedy::Goes::to_errand:
+        return begin(remedy.errand);
+    case Remedy::Goes::to_certificate:
+        return show_waiting(remedy.errand);
+    case Remedy::Goes::to_start:
+        break;
+    }
     show_start();
 }
 
-void Window::help() {}
-
 void Window::closeEvent(QCloseEvent* event) {
-    if (!run_ || !run_->at_work() || closing_) return event->accept();
+    if (!run_ || !run_->at_work()) return event->accept();
     event->ignore();
+    if (closing_) return;
     auto* const question =
         new QMessageBox(QMessageBox::Question, windowTitle(), text("window-close-question"),
                         QMessageBox::Yes | QMessageBox::No, this);
     question->setAttribute(Qt::WA_DeleteOnClose);
-    connect(question, &QMessageBox::accepted, this, [this] {
+    connect(question, &QDialog::accepted, this, [this] {
         closing_ = true;
-        if (run_) run_->stop();
+        run_->stop();
         if (worker_.idle()) close();
     });
     question->open();
 }
 
 void Window::dragEnterEvent(QDragEnterEvent* event) {
-    if (pages_->currentWidget() == request_ && event->mimeData()->hasUrls()) event->acceptProposedAction();
+    if (shows(request_) && event->mimeData()->hasUrls()) event->acceptProposedAction();
 }
 
 void Window::dropEvent(QDropEvent* event) {

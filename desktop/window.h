@@ -18,7 +18,8 @@
 
 namespace desktop {
 
-// The program's window: which page follows which.
+// The program's window: which page follows which. Readers are looked at again and again, but not while the card is at
+// work.
 class Window : public QMainWindow {
     Q_OBJECT
 
@@ -33,32 +34,36 @@ class Window : public QMainWindow {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    void show_page(Page& page);
     void connect_pages();
+    void show_page(Page& page);
+    [[nodiscard]] bool shows(const Page* page) const { return pages_->currentWidget() == page; }
 
     // What is there.
     void look();
     void take(const Situation& now);
     void show_start();
 
-    // An errand.
+    // What is wanted.
     [[nodiscard]] Errand errand_for(zvhost::Kind kind) const;
-    void renew(zvhost::Kind kind);
-    void wait_for_certificate(zvhost::Kind kind);
+    void begin(const Errand& errand);
+    void show_consent();
+    void show_waiting(const Errand& errand);
     void take_certificate(const QString& file);
-    void ask();
+
+    // What is done.
     void plan(const Errand& errand);
+    void take_plan(const zvhost::Plan& plan);
     void carry_out();
     void show_end(const zvhost::Renewal& renewal);
     void show_problem(const zvhost::Error& error);
-    void remedy(ProblemPage::Remedy wanted);
-    void help();
+    void follow(const Remedy& remedy);
 
     zvhost::CardChoice choice_;
     std::string card_;
     Situation situation_;
-    std::optional<Errand> errand_;
-    bool closing_ = false;
+    Errand errand_;
+    bool begins_ = false;  // the errand, once the card was looked at
+    bool closing_ = false; // once the card is left alone
     QStackedWidget* pages_;
     StartPage* start_;
     ConsentPage* consent_;

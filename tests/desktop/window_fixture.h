@@ -103,15 +103,16 @@ class WindowTest : public testing::Test {
         EXPECT_TRUE(window_->grab().save(
             QString::fromStdString(SCREENSHOTS "/" + name + "-" + words::spoken_language() + ".png")));
     }
+    // "eject card", "insert card"
+    static void tool(const std::string& arguments) {
+        EXPECT_EQ(std::system((ZVSIMCARD_TOOL " " + arguments + " >/dev/null").c_str()), 0) << arguments;
+    }
     // The authority's answer to the request that is on the page.
     std::string answer() const {
         const std::string certificate = (folder() / "certificate.pem").string();
         for (const auto& one : fs::directory_iterator(folder()))
-            if (one.path().extension() == ".b64") {
-                const std::string command =
-                    ZVSIMCARD_TOOL " issue " + one.path().string() + " --out " + certificate + " >/dev/null";
-                EXPECT_EQ(std::system(command.c_str()), 0);
-            }
+            if (one.path().extension() == ".b64")
+                tool("issue " + one.path().string() + " --out " + certificate);
         return certificate;
     }
 

@@ -5,8 +5,8 @@ namespace {
 
 // What is told otherwise in a window, where there are no commands and options.
 constexpr Row WINDOW_ROWS[] = {
-    {"accept-anyway@window",
-     N_("Ask the authority whether this is the certificate that it means you to have.")},
+    {"accept-anyway@window", N_("Ask the authority whether this is the certificate that it means you to "
+                                "have. To install it all the same, choose \"Install it all the same\".")},
     {"all-have-one-identifier@window",
      N_("All have the identifier {id}: leave \"Remove the old certificate and its keys\" off, or first "
         "remove the ones that are no longer needed with the card's own software.")},
@@ -42,7 +42,8 @@ constexpr Row WINDOW_ROWS[] = {
      N_("If you are sure of the PIN, choose \"I am sure of the PIN: if it is wrong, the card locks\".")},
     {"free-identifier@window", N_("New {kind} keys go under {first} or {last}, and none is free. Remove the "
                                   "certificate among them that is no longer needed, with its keys.")},
-    {"give-force@window", N_("It is due {days} days before.")},
+    {"give-force@window",
+     N_("It is due {days} days before. To renew it now, choose \"Renew it all the same\".")},
     {"give-subject@window", N_("The authority has to say which subject the request is to have.")},
     {"give-whole-identifier@window", N_("Choose one of the certificates that are on the card.")},
     {"help-desk-masked@window",
@@ -88,6 +89,7 @@ constexpr Row WINDOW_ROWS[] = {
     {"pending-discard@window", N_("No certificate can be installed for {pair} once it is given up.")},
     {"pin-keypad@window", N_("The reader has a keypad, but the PIN is sent to the card as a text: type it "
                              "here, not on the keypad.")},
+    {"pin-wrong@window", N_("The PIN is wrong; {tries}.")},
     {"plan-again@window", N_("Look at the plan once more.")},
     {"quoted-file@window", N_("The quoted text names molvastra.ini, a file that this program does not have: "
                               "see instead what the reader and the card say.")},
@@ -121,8 +123,8 @@ constexpr Row WINDOW_ROWS[] = {
     {"renewal-needs-remove-old@window",
      N_("The card has no room for both certificates, and the old one makes room: choose \"Remove the old "
         "certificate and its keys\".")},
-    {"renewal-new-pair@window", N_("Try again. If it fails in the same way, the pair {pair} has to be given "
-                                   "up: choose \"Send to the help desk\".")},
+    {"renewal-new-pair@window",
+     N_("Try again. If it fails in the same way, choose \"Make new keys\", which discards the pair {pair}.")},
     {"renewal-no-room@window",
      N_("If the card is full, the old certificate makes room when it goes first: choose \"Remove the old "
         "certificate and its keys\". The authority's certificate is kept as {file}.")},
@@ -136,12 +138,12 @@ constexpr Row WINDOW_ROWS[] = {
     {"repeat-with-card@window", N_("Put the card in the reader and try again.")},
     {"repeat-with-pair@window", N_("Try again: it will use the pair {pair} that is on the card.")},
     {"repeat-without-new-pair@window", N_("Make the request with the pair {pair}, without new keys.")},
-    {"replace-new-pair@window", N_("The card made no request of the pair {pair}. It takes another pair, for "
-                                   "which {pair} is discarded.")},
+    {"replace-new-pair@window",
+     N_("The card made no request of the pair {pair}. Choose \"Make new keys\", which discards {pair}.")},
     {"replace-this@window", N_("{id}")},
     {"replace-waiting-pair@window",
-     N_("The card made no request of the pair {pair}. It takes another pair, for which {pair} is discarded "
-        "(a certificate for it can then no longer be installed).")},
+     N_("The card made no request of the pair {pair}. Choose \"Make new keys\", which discards {pair} (a "
+        "certificate for it can then no longer be installed).")},
     {"request-without-new-pair@window", N_("Make the request without new keys.")},
     {"run-again@window", N_("Try again.")},
     {"run-when-ended@window", N_("Try again when that one has ended.")},
