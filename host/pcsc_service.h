@@ -10,6 +10,7 @@ struct PcscReader {
     std::string name;
     bool card = false;
     std::string atr;
+    unsigned long state = 0; // to wait with for another one, as the service counts its events
 };
 
 struct PcscService {

@@ -1,5 +1,4 @@
 #include "host/foreseen.h"
-
 #include "host/planned_changes.h"
 
 #include <algorithm>
