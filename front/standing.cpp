@@ -1,5 +1,7 @@
 #include "front/standing.h"
 
+#include "front/needless_write.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -45,6 +47,8 @@ CK_RV Standing::perform(State& state, const Call& call) {
         return get_slot_list(state, call);
     case Function::C_Login:
         return login(state, call);
+    case Function::C_SetAttributeValue:
+        return set_attributes(state, call);
     default:
         return forward(state, call);
     }
@@ -117,6 +121,13 @@ CK_RV Standing::login(State& state, const Call& call) {
     if (result != CKR_USER_ALREADY_LOGGED_IN || of_key || state.opening->is_logged_in(session)) return result;
     (void)module_.call<&CK_FUNCTION_LIST::C_Logout>(session);
     return forward(state, call);
+}
+
+CK_RV Standing::set_attributes(State& state, const Call& call) {
+    const auto* names = call.pointer<const CK_ATTRIBUTE>(2);
+    const std::size_t count = names == nullptr ? 0 : call.arguments[3];
+    const bool needless = has_names(module_, call.arguments[0], call.arguments[1], {names, count});
+    return needless ? CKR_OK : forward(state, call);
 }
 
 CK_RV Standing::wait_for_slot_event(State& state, const Call& call) {

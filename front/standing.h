@@ -54,6 +54,7 @@ class Standing {
 
     [[nodiscard]] CK_RV wait_for_slot_event(State& state, const Call& call);
     [[nodiscard]] CK_RV login(State& state, const Call& call);
+    [[nodiscard]] CK_RV set_attributes(State& state, const Call& call);
     [[nodiscard]] CK_RV forward(State& state, Call call);
     static void note_objects(State& state, const Call& call);
     [[nodiscard]] CK_RV note(State& state, const Call& call) const;

@@ -112,6 +112,28 @@ TEST_F(BeforeCard, StartsAModuleAnewThatLostItsReaders) {
     EXPECT_EQ(front.login(session, USER_PIN), CKR_OK);
 }
 
+TEST_F(BeforeCard, WritesNoNameThatIsThereAlready) {
+    ASSERT_EQ(front->C_Initialize(nullptr), CKR_OK);
+    const auto session = front.open();
+    ASSERT_EQ(front.login(session, USER_PIN), CKR_OK);
+    ASSERT_EQ(front.store(session, "DS3"), CKR_OK);
+    const auto object = find_all(card, session).at(0);
+    const auto writes_of = [&](CK_ATTRIBUTE_TYPE type, std::string text) {
+        const auto before = card.calls("C_SetAttributeValue");
+        CK_ATTRIBUTE entry{type, text.data(), text.size()};
+        (void)front->C_SetAttributeValue(session, object, &entry, 1);
+        EXPECT_TRUE(type != CKA_LABEL || read(card, session, object, type) == text) << text;
+        return card.calls("C_SetAttributeValue") - before;
+    };
+    EXPECT_EQ(writes_of(CKA_LABEL, "DS3"), 0U);
+    for (const char* other : {"DS4", "DS", "DS41", "", "DS3"})
+        EXPECT_EQ(writes_of(CKA_LABEL, other), 1U) << other;
+    // What is no name, and what cannot be read, is written.
+    EXPECT_EQ(writes_of(CKA_VALUE, read(card, session, object, CKA_VALUE)), 1U);
+    ASSERT_EQ(card.add_rules("C_GetAttributeValue:1:answer:0x30"), 0);
+    EXPECT_EQ(writes_of(CKA_LABEL, "DS3"), 1U);
+}
+
 TEST_F(BeforeCard, LetsThreadsInOneByOne) {
     ASSERT_EQ(front->C_Initialize(nullptr), CKR_OK);
     ASSERT_EQ(front.login(front.open(), USER_PIN), CKR_OK);
