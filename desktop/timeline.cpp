@@ -9,7 +9,7 @@
 namespace desktop {
 namespace {
 
-constexpr std::time_t DAY = 24 * 60 * 60;
+constexpr std::time_t DAY = std::time_t{24} * 60 * 60;
 constexpr std::time_t MARGIN = 30 * DAY; // so that today is seen at either end
 
 const char* word_of(const zvhost::ListedCertificate& listed) {

@@ -6,7 +6,7 @@ set -eu
 cd "$1"
 cxx=$2 cc=$3
 shift 3
-folders="include util diag card store inventory request install api ossl lenient pkcs11 crypt front simcard host words cli"
+folders="include util diag card store inventory request install api ossl lenient pkcs11 crypt front simcard host words cli desktop"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

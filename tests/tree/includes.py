@@ -7,7 +7,7 @@ import re
 import sys
 
 LAYERS = "util diag card store inventory request install api".split()
-FOLDERS = LAYERS + "ossl lenient pkcs11 crypt front simcard host words cli include".split()
+FOLDERS = LAYERS + "ossl lenient pkcs11 crypt front simcard host words cli desktop include".split()
 DECLARED = re.compile(r"\b(?:struct|class|enum(?: class)?|union)\s+(\w+)[^;(){]*\{|^\s*#\s*define\s+(\w+)|\busing\s+(\w+)\s*="
                       r"|\bconstexpr\b[^;=({]*?(\w+)\s*[\[={]|[\w>&*\]]\s+[&*]*(\w+)\s*\((?!&)", re.M)
 LOCAL = re.compile(r"\w[\s&*]+(\w+)\s*[,)=;{]|\b(?:typename|class)\s+(\w+)")
