@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "words/words.h"
+
+#include <gtest/gtest.h>
 
 #include <QApplication>
 

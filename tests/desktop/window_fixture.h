@@ -30,6 +30,7 @@ class WindowTest : public testing::Test {
         ::setenv("ZVSIMCARD_KEYS", ZV_TEST_KEYS, 1);
         zvhost::log_to((folder_.path() / "log").string());
         fs::create_directory(folder());
+        speak(words::LANGUAGES.front());
         QDir::setCurrent(QString::fromStdString(folder().string()));
         module_.reset();
         module_.record(true);
@@ -50,7 +51,7 @@ class WindowTest : public testing::Test {
         (void)QTest::qWaitForWindowExposed(window_.get());
         QApplication::setActiveWindow(window_.get());
         wait_for_page("start-page");
-        wait_until([&] { return !says("Looking for"); });
+        wait_until([&] { return !says(told_in("window-looking-heading")); });
     }
 
     [[nodiscard]] desktop::Page& page() const {
@@ -90,6 +91,24 @@ class WindowTest : public testing::Test {
         QDropEvent drops({10, 10}, Qt::CopyAction, &carried, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(window_.get(), &drops);
     }
+    void give_pin() const {
+        type_pin();
+        press("window-go-on");
+    }
+    static void speak(const char* language) { words::speak(language, CATALOGUES); }
+    static std::string told_in(const char* id) { return words::of(zvhost::Sentence(id, {})); }
+    // The card's certificates, those of authorities excepted.
+    [[nodiscard]] std::string certificates() const {
+        zvhost::CardChoice choice;
+        std::vector<std::string> ids;
+        for (const auto& one : zvhost::look_at_card(choice, 90).list.certificates)
+            ids.push_back(one.record.id);
+        std::sort(ids.begin(), ids.end());
+        std::string text;
+        for (const std::string& id : ids)
+            text += (text.empty() ? "" : " ") + id;
+        return text;
+    }
     // What a screen reader finds on the page, a line each.
     [[nodiscard]] std::string told() const {
         std::string text;
@@ -100,6 +119,7 @@ class WindowTest : public testing::Test {
     // Keeps a picture of the window.
     void picture(const std::string& name) const {
         fs::create_directories(SCREENSHOTS);
+        QTest::qWait(1); // texts have found their room
         EXPECT_TRUE(window_->grab().save(
             QString::fromStdString(SCREENSHOTS "/" + name + "-" + words::spoken_language() + ".png")));
     }
@@ -108,11 +128,11 @@ class WindowTest : public testing::Test {
         EXPECT_EQ(std::system((ZVSIMCARD_TOOL " " + arguments + " >/dev/null").c_str()), 0) << arguments;
     }
     // The authority's answer to the request that is on the page.
-    std::string answer() const {
+    std::string answer(const std::string& options = {}) const {
         const std::string certificate = (folder() / "certificate.pem").string();
         for (const auto& one : fs::directory_iterator(folder()))
             if (one.path().extension() == ".b64")
-                tool("issue " + one.path().string() + " --out " + certificate);
+                tool("issue " + one.path().string() + " --out " + certificate + " " + options);
         return certificate;
     }
 

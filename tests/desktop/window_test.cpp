@@ -1,73 +1,111 @@
 #include "tests/desktop/window_fixture.h"
 
+#include <QClipboard>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QMessageBox>
+
 namespace {
 
 using zvtest::WindowTest;
 
-TEST_F(WindowTest, RenewsASignatureCertificate) {
+class WindowLanguageTest : public WindowTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WindowLanguageTest, RenewsASignatureCertificate) {
+    speak(GetParam());
     make_card();
     open();
-    wait_until([&] { return says("DUE, 11 days left") || says("DUE, 12 days left"); });
-    picture("start-due");
+    wait_until([&] { return part("certificate") != nullptr; });
+    picture("start");
     press("window-renew-signature");
     wait_for_page("consent-page");
-    EXPECT_EQ(module_.calls("C_Login"), 0U);
+    EXPECT_EQ(module_.calls("C_Login"), 0U) << "before the PIN";
     picture("consent-request");
-    type_pin();
-    press("window-go-on");
+    give_pin();
     wait_for_page("request-page");
     picture("request");
     drop(answer());
     wait_for_page("consent-page");
+    press("window-remove-old");
     picture("consent-install");
-    type_pin();
-    press("window-go-on");
+    give_pin();
     wait_for_page("done-page");
-    EXPECT_TRUE(says("Signed and verified with the new certificate.")) << told();
+    EXPECT_TRUE(says(told_in("window-proved"))) << told();
+    EXPECT_TRUE(says(folder().string() + "/DS0-")) << "where the copy is:\n" << told();
+    EXPECT_EQ(certificates(), "AUTHCertificate0 DS3");
     picture("done");
     press("window-finish");
     wait_for_page("start-page");
 }
+
+INSTANTIATE_TEST_SUITE_P(All, WindowLanguageTest, testing::ValuesIn(words::LANGUAGES));
 
 TEST_F(WindowTest, RenewsAServicesCard) {
     make_card(12, "cns");
     open();
     press("window-renew-services");
     wait_for_page("consent-page");
-    type_pin();
-    press("window-go-on");
+    EXPECT_FALSE(says("keys are made")) << told();
+    give_pin();
     wait_for_page("request-page");
     drop(answer());
     wait_for_page("consent-page");
     press("window-remove-old");
-    type_pin();
-    press("window-go-on");
+    give_pin();
     wait_for_page("done-page");
+    EXPECT_TRUE(says("Signed and verified")) << told();
 }
 
-TEST_F(WindowTest, SpendsOneTryForAWrongPin) {
+TEST_F(WindowTest, SpendsOneTryForAWrongPinAndNoneForALockedOne) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    for (const char* wrong : {"99999999", "99999998", "99999997"}) {
+        const unsigned long logins = module_.calls("C_Login");
+        wait_for_page("consent-page");
+        type_pin(wrong);
+        if (part("window-final-try") != nullptr) {
+            picture("consent-last-try");
+            EXPECT_FALSE(part("window-go-on")->isEnabled()) << "the last try wants a tick";
+            press("window-final-try");
+        }
+        press("window-go-on");
+        wait_for_page("problem-page");
+        EXPECT_EQ(module_.calls("C_Login"), logins + 1);
+        EXPECT_TRUE(says("The PIN is wrong")) << told();
+        picture("problem-pin");
+        press("remedy");
+    }
+    wait_for_page("consent-page");
+    EXPECT_TRUE(says("Unlock it with the card's PUK")) << told();
+    picture("consent-locked");
+    EXPECT_FALSE(part("window-pin")->isEnabled());
+    EXPECT_FALSE(part("window-go-on")->isEnabled());
+}
+
+TEST_F(WindowTest, KeepsThePinToItself) {
     make_card();
     open();
     press("window-renew-signature");
     wait_for_page("consent-page");
-    type_pin("99999999");
-    press("window-go-on");
-    wait_for_page("problem-page");
-    EXPECT_EQ(module_.calls("C_Login"), 1U);
-    picture("problem-pin");
-    EXPECT_TRUE(says("The PIN is wrong")) << told();
-    press("remedy");
-    wait_for_page("consent-page");
-    EXPECT_TRUE(says("fewer tries are left than usual")) << told();
-    type_pin("99999998");
-    press("window-go-on");
-    wait_for_page("problem-page");
-    press("remedy");
-    wait_for_page("consent-page");
-    picture("consent-last-try");
-    type_pin();
-    EXPECT_FALSE(part<QAbstractButton>("window-go-on")->isEnabled()) << "the last try wants a tick";
-    press("window-final-try");
+    auto* const field = part<QLineEdit>("window-pin");
+    QGuiApplication::clipboard()->setText(QStringLiteral("87654321"));
+    QTest::keySequence(field, QKeySequence::Paste);
+    EXPECT_FALSE(part("window-go-on")->isEnabled()) << "nothing is taken from the clipboard";
+    type_pin("12345");
+    QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("\u00E8"), Qt::NoModifier);
+    EXPECT_EQ(field->text().size(), 6);
+    EXPECT_FALSE(says("1234"));
+    QTest::keySequence(field, QKeySequence::SelectAll);
+    QTest::keySequence(field, QKeySequence::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "87654321");
+    QTest::keyClick(field, Qt::Key_Backspace);
+    EXPECT_TRUE(field->text().isEmpty()) << "all of it was selected";
+    QTest::keySequence(field, QKeySequence::Undo);
+    EXPECT_TRUE(field->text().isEmpty());
+    type_pin("1x");
+    QTest::keyClick(field, Qt::Key_Backspace);
+    type_pin("2345678");
     press("window-go-on");
     wait_for_page("request-page");
 }
@@ -85,6 +123,71 @@ TEST_F(WindowTest, FollowsTheCard) {
     tool("eject card");
     wait_for_page("start-page");
     wait_until([&] { return says("Put your card into the reader"); });
+    tool("insert card");
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    EXPECT_TRUE(part<QLineEdit>("window-pin")->text().isEmpty());
+    give_pin();
+    wait_for_page("request-page");
+    tool("eject card");
+    drop(answer());
+    wait_until([&] { return says("Put the card back that was in the reader before."); });
+    tool("insert card");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("done-page");
+}
+
+TEST_F(WindowTest, GoesOnAfterACardThatWasPulledAtWork) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    for (const char* rule : {"C_GenerateKeyPair:1:take-out", "C_Sign:1:take-out"}) {
+        wait_for_page("consent-page");
+        module_.add_rules(rule);
+        give_pin();
+        wait_for_page("problem-page");
+        picture("problem-pulled");
+        tool("insert card");
+        press("remedy");
+    }
+    wait_for_page("consent-page");
+    EXPECT_TRUE(says("Nothing on the card is changed")) << "the keys that were made are used: " << told();
+    give_pin();
+    wait_for_page("request-page");
+    EXPECT_EQ(module_.calls("C_GenerateKeyPair"), 2U) << "the first was not done";
+}
+
+TEST_F(WindowTest, RefusesWhatIsNoAnswer) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("request-page");
+    const std::string good = answer();
+    const auto refused = [&](const std::string& file, const char* reason) {
+        drop(file);
+        wait_for_page("consent-page");
+        give_pin();
+        wait_for_page("problem-page");
+        EXPECT_TRUE(says(reason)) << told();
+        EXPECT_EQ(module_.calls("C_CreateObject"), 0U);
+        picture("problem-certificate");
+    };
+    simcard::write_file(folder() / "text", "no certificate", simcard::Access::owner_only);
+    refused((folder() / "text").string(), "text");
+    press("remedy");
+    wait_for_page("consent-page");
+    press("window-back");
+    press("window-take-certificate-signature");
+    wait_for_page("request-page");
+    refused(answer("--starts-in -30 --days 10"), "It ended on");
+    EXPECT_TRUE(says("Install it all the same")) << told();
+    press("remedy");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("done-page");
 }
 
 } // namespace

@@ -117,7 +117,7 @@ constexpr Row WINDOW_ROWS[] = {
      N_("It can be given up; no certificate can be installed for it then.")},
     {"renewal-again@window", N_("To go on, try again.")},
     {"renewal-answer-kept@window",
-     N_("The authority's answer is in {file}. To have another one taken, move it away and try again.")},
+     N_("The authority's answer is in {file}. To take another one, choose \"Choose another certificate\".")},
     {"renewal-kept@window",
      N_("The certificate {id} is still on the card. It can be removed when it is no longer needed.")},
     {"renewal-needs-remove-old@window",
