@@ -59,13 +59,18 @@ void RenewalRun::start(std::function<void(Shared&, const Tell&)> work) {
         });
     };
     worker_.start([shared = shared_, work = std::move(work), tell] {
-        try {
-            work(*shared, tell);
-        } catch (const zvhost::Error& error) {
+        const auto fail = [&](const zvhost::Error& error) {
             tell([error](RenewalRun& run) {
                 run.at_work_ = false;
                 Q_EMIT run.failed(error);
             });
+        };
+        try {
+            work(*shared, tell);
+        } catch (const zvhost::Error& error) {
+            fail(error);
+        } catch (const std::exception& error) {
+            fail({zvhost::Exit::failed, {"unexpected", {{"text", error.what()}}}});
         }
     });
 }

@@ -45,6 +45,8 @@ Situation look_around(const zvhost::CardChoice& choice, const std::string& card_
         now.status = zvhost::look_at_card(one, zvhost::USUAL_DAYS);
     } catch (const zvhost::Error& error) {
         now.problem = error;
+    } catch (const std::exception& error) {
+        now.problem = zvhost::Error(zvhost::Exit::failed, {"unexpected", {{"text", error.what()}}});
     }
     return now;
 }

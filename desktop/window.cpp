@@ -9,40 +9,40 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QShortcut>
+#include <QTimer>
 #include <QUrl>
 #include <utility>
 
 namespace desktop {
 namespace {
 
-constexpr int LOOK_EVERY = 1000; // milliseconds
+constexpr std::chrono::seconds LOOK_EVERY{1}; // where nobody tells of a change
 
 } // namespace
 
 Window::Window(zvhost::CardChoice choice, std::string card)
     : choice_(std::move(choice)), card_(std::move(card)), pages_(new QStackedWidget), start_(new StartPage),
       consent_(new ConsentPage), work_(new WorkPage), request_(new RequestPage), done_(new DonePage),
-      problem_(new ProblemPage) {
+      problem_(new ProblemPage), watch_(choice_.module_dir) {
     setWindowTitle(text("window-title"));
     setAcceptDrops(true);
     setCentralWidget(pages_);
     for (Page* const page : std::initializer_list<Page*>{start_, consent_, work_, request_, done_, problem_})
         pages_->addWidget(page);
     connect_pages();
-    connect(&looks_, &QTimer::timeout, this, [this] {
-        if (worker_.idle() && (shows(start_) || shows(consent_) || shows(request_))) look();
-    });
+    connect(&waits_, &CardWorker::became_idle, this, &Window::look_if_changed);
     connect(&worker_, &CardWorker::became_idle, this, [this] {
         if (closing_) close();
     });
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, [this] {
         if (!shows(work_)) show_start();
     });
-    looks_.start(LOOK_EVERY);
-    look();
+    look_if_changed();
 }
 
-Window::~Window() = default;
+Window::~Window() {
+    watch_.wake();
+}
 
 void Window::connect_pages() {
     connect(start_, &StartPage::reader_chosen, this, [this](const QString& name) {
@@ -76,8 +76,17 @@ void Window::show_page(Page& page) {
 
 void Window::look() {
     worker_.start([this, choice = choice_, card = card_] {
-        const Situation now = look_around(choice, card);
-        worker_.tell([this, now] { take(now); });
+        (void)watch_.changed(); // before the look, so that what changes meanwhile is seen
+        worker_.tell([this, now = look_around(choice, card)] { take(now); });
+    });
+}
+
+void Window::look_if_changed() {
+    if (!worker_.idle() || shows(work_) || shows(done_) || shows(problem_))
+        return QTimer::singleShot(LOOK_EVERY, this, &Window::look_if_changed);
+    worker_.start([this, choice = choice_, card = card_] {
+        if (watch_.changed()) worker_.tell([this, now = look_around(choice, card)] { take(now); });
+        worker_.tell([this] { waits_.start([this] { watch_.wait(LOOK_EVERY); }); });
     });
 }
 

@@ -9,17 +9,16 @@
 #include "desktop/situation.h"
 #include "desktop/start_page.h"
 #include "desktop/work_page.h"
+#include "host/reader_watch.h"
 
 #include <QMainWindow>
 #include <QStackedWidget>
-#include <QTimer>
 #include <memory>
 #include <optional>
 
 namespace desktop {
 
-// The program's window: which page follows which. Readers are looked at again and again, but not while the card is at
-// work.
+// The program's window: which page follows which. It follows what comes and goes, but not while the card is at work.
 class Window : public QMainWindow {
     Q_OBJECT
 
@@ -40,6 +39,7 @@ class Window : public QMainWindow {
 
     // What is there.
     void look();
+    void look_if_changed();
     void take(const Situation& now);
     void show_start();
 
@@ -71,7 +71,8 @@ class Window : public QMainWindow {
     RequestPage* request_;
     DonePage* done_;
     ProblemPage* problem_;
-    QTimer looks_;
+    zvhost::ReaderWatch watch_;
+    CardWorker waits_; // for readers and cards that come and go
     CardWorker worker_;
     std::unique_ptr<RenewalRun> run_;
 };
