@@ -3,6 +3,7 @@
 #include "exit_codes.h"
 #include "host/card_list.h"
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -23,5 +24,18 @@ struct CardStatus {
 // @param days  a certificate is due when it ends within so many
 // @throws Error, also when the card shows that there is something, but nothing that ends
 [[nodiscard]] CardStatus look_at_card(const CardChoice& choice, int days);
+
+// A renewal whose certificate is waited for.
+struct WaitingRenewal {
+    Kind kind = Kind::signature;
+    std::string pair; // whose certificate it is
+    // As this computer's journal has them; empty and 0 where it does not know of the pair.
+    std::string request;   // the request's file, absolute; it need not be there any more
+    std::string replaces;  // identifier of the old certificate
+    std::time_t begun = 0; // when the request was made
+};
+
+// What waits on a card that was looked at, the pair that the next request would take first of its kind.
+[[nodiscard]] std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status);
 
 } // namespace zvhost

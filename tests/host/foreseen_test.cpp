@@ -92,6 +92,14 @@ class ForeseenTest : public testing::Test {
         std::ofstream(cards_->path() / "card" / "card.ini", std::ios::app)
             << "memory_left = " << bytes << "\n";
     }
+    // "DS3 request, in the place of DS0"
+    static std::string waits() {
+        std::string text;
+        for (const zvhost::WaitingRenewal& one : waiting_renewals(look_at_card(choice_, zvhost::USUAL_DAYS)))
+            text += one.pair + " " + std::filesystem::path(one.request).filename().string() +
+                    ", in the place of " + one.replaces;
+        return text;
+    }
     // Where the old certificate is on the card.
     static std::string gone(const std::string& id) {
         const auto status = look_at_card(choice_, zvhost::USUAL_DAYS);
@@ -115,7 +123,9 @@ class ForeseenTest : public testing::Test {
 TEST_F(ForeseenTest, IsWhatIsPlannedForANewPair) {
     for (const bool little_room : {false, true}) {
         make_card("signature", Kind::signature);
+        EXPECT_EQ(waits(), "");
         foresees({KEYS_MADE, NOTHING_REMOVED});
+        EXPECT_EQ(waits(), "DS3 request, in the place of DS0");
         foresees({NOTHING});
         wishes.request.new_pair = true;
         std::filesystem::remove(wishes.request.out);
@@ -149,6 +159,7 @@ TEST_F(ForeseenTest, IsWhatIsPlannedForAServicesCard) {
         make_card("cns", Kind::services);
         foresees({"The card is marked: a request is under way.", NOTHING_REMOVED});
         foresees({NOTHING});
+        EXPECT_EQ(waits(), "CNS0 request, in the place of CNS0");
         answer();
         const Plan kept = foreseen();
         wishes.remove_old = remove_old;
