@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cli/card_json.h"
 #include "cli/engine.h"
-#include "cli/json.h"
 #include "host/card_status.h"
 
 #include <string>
@@ -9,8 +9,5 @@
 namespace cli {
 
 [[nodiscard]] std::string in_words(const CardList& list);
-[[nodiscard]] Json as_json(const CardList& list);
-// The same without what a new pair would be called.
-[[nodiscard]] Json contents_json(const CardList& list);
 
 } // namespace cli

@@ -1,11 +1,12 @@
 // Everything a host calls, on a card whose module answers as it likes. Lines: the calls (R read, F free
 // identifiers, P and A requests, S and T installing, X single steps; k keep, c services card, 5 and 1 series of serial
-// numbers, l with a log, under the fuzzer now and then); pending label; key; subject; certificate ("@": the card's); objects ("c|id|label|value")
-// up to an empty line. Bytes behind it spoil the card's answers.
+// numbers, l with a log); pending label; key; subject; certificate ("@": the card's); objects ("c|id|label|value") up to
+// an empty line. Bytes behind it spoil the card's answers.
 #include "api/state.h"
 #include "card/detection.h"
 #include "card/session.h"
 #include "fuzz/fake_card.h"
+#include "fuzz/log_file.h"
 #include "inventory/certificates.h"
 #include "routines.h"
 #include "store/renewal_state.h"
@@ -16,16 +17,14 @@
 #include <dlfcn.h>
 #include <openssl/cms.h>
 #include <openssl/evp.h>
-#include <unistd.h>
 
-#include <fstream>
 #include <iterator>
 
 namespace {
 
 constexpr char PIN[] = "PIN-9517";
 constexpr std::string_view CALLS = "RFPASTX";
-constexpr int MOST_CALLS = 3; // a whole renewal: read, request, install
+constexpr int MOST_CALLS = 8;
 
 struct Call {
     std::string flags, pendingLabel, key, subject, certificate;
@@ -189,14 +188,11 @@ void reset() {
 }
 
 // The PIN is not in the log, and not in the block that went to the card machinery, unless another text holds it.
-void holds_no_pin(const std::string& log, bool in_input) {
-    HOLDS(in_input || fuzz::field_of(zv::szBufferRichiesta).find(PIN) == std::string_view::npos);
-    if (log.empty()) return;
-    std::ifstream file(log, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    HOLDS(in_input || text.find(PIN) == std::string::npos);
+void holds_no_pin(bool in_input) {
     getLogPath()[0] = '\0';
-    ::unlink(log.c_str());
+    const std::string log = fuzz::take_log();
+    HOLDS(in_input || fuzz::field_of(zv::szBufferRichiesta).find(PIN) == std::string_view::npos);
+    HOLDS(in_input || log.find(PIN) == std::string::npos);
 }
 
 void run(const Call& call) {
@@ -223,7 +219,7 @@ void run(const Call& call) {
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::string log = fuzz::scratch() + "/zvRenew.log", configuration = [] {
+    static const std::string configuration = [] {
         const std::string path = fuzz::scratch() + "/zvcrypt.conf", module = "\nmodule = " FUZZ_MODULE "\n";
         fuzz::write_file(
             path, "[card A]\natr = 3B01" + module + "[card B]\natr = 3B02" + module +
@@ -232,8 +228,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         HOLDS(::dlopen(FUZZ_MODULES "/" FUZZ_MODULE, RTLD_NOW) != nullptr);
         return path;
     }();
-    // An execution makes hundreds of entries, each of which opens the log: most of its time went there.
-    static unsigned long logged = 0;
     ::setenv("ZVCRYPT_CONF", configuration.c_str(), 1);
     fuzz::Input input(data, size);
     const std::string_view all = input.bytes();
@@ -245,13 +239,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::card.answers = &input;
     fuzz::card.reader = call.has('c') ? "Servizi" : "Carta";
     fuzz::card.serial = call.has('5') ? "1205000000000001" : call.has('1') ? "1201000000000001" : "7";
-    const bool logs = call.has('l') && logged++ % FUZZ_LOG_EVERY == 0;
-    if (logs) zv::copy_text(getLogPath(), 512, log);
+    if (call.has('l')) zv::copy_text(getLogPath(), 512, fuzz::log_path());
     zv::copy_text(zv::pwd, FUZZ_MODULES);
     zv::copy_text(zv::Libreria, FUZZ_MODULES "/" FUZZ_MODULE);
     zv::slot = 3;
     run(call);
     reset();
-    holds_no_pin(logs ? log : std::string(), all.find(PIN) != std::string_view::npos);
+    holds_no_pin(all.find(PIN) != std::string_view::npos);
     return 0;
 }

@@ -46,6 +46,10 @@ def sources(*folders):
     return [path for folder in folders for path in sorted((root / folder).rglob("*")) if path.suffix in (".cpp", ".h")]
 
 
+def told_in():
+    return sources("host", "cli", "desktop") + sorted((root / "words").glob("*.cpp"))
+
+
 def check_translations():
     files = [str(path.relative_to(root)) for path in sources("words", "cli")]
     told = {}
@@ -72,7 +76,7 @@ def check_translations():
 def check_rows():
     rows = [id for path in sources("words/english") for id in re.findall(r'{"([^"]+)",\s*N_\(', path.read_text())]
     wrong.extend(f"{id}: has several rows" for id in sorted(set(rows)) if rows.count(id) > 1)
-    code = "\n".join(path.read_text() for path in sources("host", "cli", "desktop") + [root / "words" / "words.cpp"])
+    code = "\n".join(path.read_text() for path in told_in())
     told = set(re.findall(r'Sentence{\s*"([^"]+)"|"(window-[a-z-]+)"', code))
     told = {id for found in told for id in found if id}
     wrong.extend(f"{id}: is told and has no row" for id in sorted(told - set(rows)))
@@ -99,7 +103,7 @@ def check_values():
     rows = dict((id, places(unquoted(text))) for path in sources("words/english")
                 for id, text in re.findall(r'{"([^"]+)",\s*N_\(((?:"(?:[^"\\]|\\.)*"\s*)+)\)', path.read_text()))
     seen = 0
-    for path in sources("host", "cli", "desktop"):
+    for path in told_in():
         code = path.read_text()
         for told in re.finditer(r'(?:"([a-z-]+)"\s*:\s*)?"([a-z-]+)",\s*(?={{"|{}[})])', code):
             given = re.findall(r'{"(\w+)",', braced(code[told.end():]))

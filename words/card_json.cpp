@@ -1,9 +1,12 @@
-#include "cli/card_json.h"
+#include "words/card_json.h"
 
 #include <fmt/chrono.h>
 #include <nlohmann/json.hpp>
 
-namespace cli {
+namespace words {
+
+using zvhost::CardFacts, zvhost::CardState, zvhost::DistinguishedName, zvhost::Held, zvhost::NameAttribute,
+    zvhost::OnCard, zvhost::Proposal;
 
 Json as_json(const CardFacts& card) {
     Json facts = {{"reader", card.reader}};
@@ -52,4 +55,4 @@ Json or_null(const std::string& text) {
     return text.empty() ? Json() : Json(text);
 }
 
-} // namespace cli
+} // namespace words

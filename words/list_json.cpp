@@ -1,17 +1,19 @@
-#include "cli/card_json.h"
-#include "cli/listed.h"
+#include "words/card_json.h"
 
 #include <nlohmann/json.hpp>
 
-namespace cli {
+namespace words {
 namespace {
+
+using zvhost::CardList, zvhost::CertificateRecord, zvhost::kind_name, zvhost::ListedCertificate,
+    zvhost::ListedPair, zvhost::RetiredPair;
 
 Json as_json(const ListedCertificate& listed) {
     const CertificateRecord& record = listed.record;
     return {{"kind", kind_name(record.kind)},
             {"id", record.id},
-            {"subject", cli::as_json(record.subject)},
-            {"issuer", cli::as_json(record.issuer)},
+            {"subject", words::as_json(record.subject)},
+            {"issuer", words::as_json(record.issuer)},
             {"serial", record.serial},
             {"tax_code", record.tax_code},
             {"iut", record.iut},
@@ -59,4 +61,4 @@ Json as_json(const CardList& list) {
     return json;
 }
 
-} // namespace cli
+} // namespace words

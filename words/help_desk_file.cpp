@@ -1,14 +1,13 @@
-#include "cli/help_desk_file.h"
+#include "words/help_desk_file.h"
 
-#include "cli/examination.h"
-#include "cli/json.h"
-#include "cli/listed.h"
+#include "words/card_json.h"
+#include "words/examination.h"
 #include "words/words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-namespace cli {
+namespace words {
 namespace {
 
 std::string section(const std::string& name, const std::string& text) {
@@ -25,11 +24,12 @@ std::string cards_text(const zvhost::Examination& examination) {
 
 } // namespace
 
-std::string help_desk_text(const zvhost::Examination& examination, bool with_names) {
+std::string help_desk_text(const zvhost::Examination& examination, bool with_names,
+                           const std::string& program) {
     const zvhost::Mask mask(examination, with_names);
     std::string text =
-        words::of(zvhost::Sentence(with_names ? "help-desk-with-names" : "help-desk-masked", {})) + "\n";
-    text += section("program", "zvrenew " ZV_VERSION);
+        of(zvhost::Sentence(with_names ? "help-desk-with-names" : "help-desk-masked", {})) + "\n";
+    text += section("program", program);
     text += section("findings", mask(in_lines(examination)));
     text += section("cards", mask(cards_text(examination)));
     for (const auto& [name, part] : zvhost::help_desk_texts())
@@ -37,4 +37,4 @@ std::string help_desk_text(const zvhost::Examination& examination, bool with_nam
     return text;
 }
 
-} // namespace cli
+} // namespace words
