@@ -47,6 +47,7 @@ TEST(PcscWatch, IsToldOfReadersAndCards) {
     EXPECT_TRUE(watch.changed()) << "it came before";
     settle(watch);
     std::thread waiting([&] { watch.wait(LONG); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // it is likely to wait by then
     watch.wake();
     waiting.join();
     EXPECT_TRUE(is_told_of(watch, [&] { pcsc.stop(); }));
