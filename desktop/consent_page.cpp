@@ -41,7 +41,7 @@ void ConsentPage::ask(const zvhost::CardStatus& status, const Errand& errand) {
     status_ = status;
     errand_ = errand;
     again_ = false;
-    const bool installs = !errand.certificate.empty();
+    const bool installs = !errand.certificate.empty() || errand.wishes.remove_old;
     set_heading({installs ? "window-install-heading" : "window-renew-heading", {{"kind", errand.kind()}}});
     remove_old_->setVisible(installs);
     remove_old_->setChecked(errand.wishes.remove_old);

@@ -2,6 +2,7 @@
 
 #include "desktop/text.h"
 
+#include <QDir>
 #include <QMessageBox>
 
 namespace desktop {
@@ -10,6 +11,7 @@ QFileDialog* ask_for_file(QWidget& parent, const char* title, QFileDialog::Accep
     auto* const dialog = new QFileDialog(&parent, text(title).remove(QLatin1Char('&')));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(mode);
+    if (mode == QFileDialog::AcceptSave) dialog->setDirectory(QDir::homePath());
     dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     dialog->open();
     return dialog;

@@ -6,6 +6,7 @@
 namespace desktop {
 
 ProblemPage::ProblemPage() : Page("problem-page") {
+    connect(button("window-help-desk"), &QPushButton::clicked, this, &ProblemPage::help_wanted);
     to_start_ = button("window-to-start");
     connect(to_start_, &QPushButton::clicked, this, &ProblemPage::left);
     first_ = to_start_;

@@ -17,6 +17,7 @@ class ProblemPage : public Page {
 
   Q_SIGNALS:
     void remedy_wanted(const desktop::Remedy& remedy);
+    void help_wanted();
     void left();
 
   private:

@@ -13,12 +13,6 @@ using zvhost::CardStatus, zvhost::Kind, zvhost::ReaderFacts;
 
 constexpr Kind KINDS[] = {Kind::signature, Kind::authentication, Kind::services};
 
-bool waits(const CardStatus& status, Kind kind) {
-    if (kind == Kind::services) return status.services_pending;
-    return std::any_of(status.list.pending.begin(), status.list.pending.end(),
-                       [&](const zvhost::ListedPair& listed) { return listed.pair.kind == kind; });
-}
-
 bool is_due(const CardStatus& status, Kind kind) {
     return std::any_of(status.list.certificates.begin(), status.list.certificates.end(),
                        [&](const zvhost::ListedCertificate& one) {
@@ -73,6 +67,7 @@ StartPage::StartPage()
     actions_->setContentsMargins({});
     add(actions);
     add(new QWidget, 1);
+    connect(button("window-help-desk"), &QPushButton::clicked, this, &StartPage::help_wanted);
     connect(readers_, &QComboBox::textActivated, this, &StartPage::reader_chosen);
     set_heading({"window-looking-heading", {}});
 }
@@ -117,11 +112,15 @@ void StartPage::show_actions(const Situation& now) {
         delete item;
     }
     if (!now.status) return;
+    const std::vector<zvhost::WaitingRenewal> waiting = zvhost::waiting_renewals(*now.status);
+    for (const zvhost::WaitingRenewal& one : waiting) {
+        const char* const id = one.proved ? "window-finish-renewal" : "window-take-certificate";
+        connect(add_action(id, one.kind), &QPushButton::clicked, this,
+                [this, one] { Q_EMIT waiting_wanted(one); });
+    }
     for (const Kind kind : KINDS) {
-        if (waits(*now.status, kind))
-            connect(add_action("window-take-certificate", kind), &QPushButton::clicked, this,
-                    [this, kind] { Q_EMIT waiting_wanted(kind); });
-        else if (is_due(*now.status, kind))
+        const auto of_kind = [&](const zvhost::WaitingRenewal& one) { return one.kind == kind; };
+        if (is_due(*now.status, kind) && std::none_of(waiting.begin(), waiting.end(), of_kind))
             connect(add_action("window-renew", kind), &QPushButton::clicked, this,
                     [this, kind] { Q_EMIT renewal_wanted(kind); });
     }

@@ -21,8 +21,8 @@ class StartPage : public Page {
   Q_SIGNALS:
     void reader_chosen(const QString& name);
     void renewal_wanted(zvhost::Kind kind);
-    // The certificate of a renewal that waits for it.
-    void waiting_wanted(zvhost::Kind kind);
+    void waiting_wanted(const zvhost::WaitingRenewal& renewal);
+    void help_wanted();
 
   private:
     void show_readers(const Situation& now);

@@ -1,9 +1,9 @@
 #include "desktop/window.h"
 
 #include "desktop/files.h"
+#include "desktop/help_desk.h"
 #include "desktop/text.h"
 #include "host/foreseen.h"
-#include "host/journal.h"
 
 #include <QCloseEvent>
 #include <QMessageBox>
@@ -50,8 +50,11 @@ void Window::connect_pages() {
         look();
     });
     connect(start_, &StartPage::renewal_wanted, this, [this](zvhost::Kind kind) { begin(errand_for(kind)); });
+    const auto help = [this] { save_for_help_desk(*this, worker_, choice_.module_dir); };
+    connect(start_, &StartPage::help_wanted, this, help);
+    connect(problem_, &ProblemPage::help_wanted, this, help);
     connect(start_, &StartPage::waiting_wanted, this,
-            [this](zvhost::Kind kind) { show_waiting(errand_for(kind)); });
+            [this](const zvhost::WaitingRenewal& renewal) { go_on(renewal); });
     connect(consent_, &ConsentPage::accepted, this, &Window::plan);
     connect(consent_, &ConsentPage::accepted_again, this, &Window::carry_out);
     connect(consent_, &ConsentPage::impossible, this, &Window::show_problem);
@@ -119,11 +122,14 @@ Errand Window::errand_for(zvhost::Kind kind) const {
     errand.card = situation_.status->list.card;
     errand.wishes.request.kind = kind;
     errand.wishes.request.out = new_request_file(errand.card_serial(), zvhost::kind_name(kind));
-    const zvhost::RememberedCard remembered = zvhost::Journal().card(errand.card_serial());
-    if (const zvhost::RememberedRenewal* renewal = remembered.renewal(kind);
-        renewal != nullptr && !renewal->request.empty())
-        errand.wishes.request.out = renewal->request;
     return errand;
+}
+
+void Window::go_on(const zvhost::WaitingRenewal& renewal) {
+    Errand errand = errand_for(renewal.kind);
+    if (!renewal.request.empty()) errand.wishes.request.out = renewal.request;
+    errand.wishes.remove_old = renewal.proved; // nothing else is left
+    renewal.proved ? begin(errand) : show_waiting(errand);
 }
 
 // The card is looked at first: what is asked is about the card as it is now.

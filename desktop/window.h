@@ -45,6 +45,7 @@ class Window : public QMainWindow {
 
     // What is wanted.
     [[nodiscard]] Errand errand_for(zvhost::Kind kind) const;
+    void go_on(const zvhost::WaitingRenewal& renewal);
     void begin(const Errand& errand);
     void show_consent();
     void show_waiting(const Errand& errand);

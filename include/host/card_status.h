@@ -25,7 +25,7 @@ struct CardStatus {
 // @throws Error, also when the card shows that there is something, but nothing that ends
 [[nodiscard]] CardStatus look_at_card(const CardChoice& choice, int days);
 
-// A renewal whose certificate is waited for.
+// A renewal that is under way: its certificate is waited for or, where the card has that already, something is left to do.
 struct WaitingRenewal {
     Kind kind = Kind::signature;
     std::string pair; // whose certificate it is
@@ -33,9 +33,11 @@ struct WaitingRenewal {
     std::string request;   // the request's file, absolute; it need not be there any more
     std::string replaces;  // identifier of the old certificate
     std::time_t begun = 0; // when the request was made
+    bool proved = false;   // the certificate was stored, and proved; what is left is the old one
 };
 
-// What waits on a card that was looked at, the pair that the next request would take first of its kind.
+// What waits on a card that was looked at, the pair that the next request would take first of its kind; then what this
+// computer's journal has of certificates that are on the card, and not due.
 [[nodiscard]] std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status);
 
 } // namespace zvhost

@@ -43,9 +43,9 @@ class WindowTest : public testing::Test {
         cards_.configure();
     }
     // Opens the window; where one is open, that ends first.
-    void open() {
+    void open(const std::string& card = {}) {
         window_.reset();
-        window_ = std::make_unique<desktop::Window>(zvhost::CardChoice{}, "");
+        window_ = std::make_unique<desktop::Window>(zvhost::CardChoice{}, card);
         window_->resize(720, 560);
         window_->show();
         (void)QTest::qWaitForWindowExposed(window_.get());
@@ -58,7 +58,7 @@ class WindowTest : public testing::Test {
         return *static_cast<desktop::Page*>(window_->findChild<QStackedWidget*>()->currentWidget());
     }
     void wait_until(const std::function<bool()>& holds) const {
-        EXPECT_TRUE(QTest::qWaitFor(holds, 20000)) << "the page says:\n" << told();
+        EXPECT_TRUE(QTest::qWaitFor(holds, 8000)) << "the page says:\n" << told();
     }
     void wait_for_page(const char* name) const {
         wait_until([&] { return page().objectName() == QLatin1String(name); });
@@ -124,8 +124,9 @@ class WindowTest : public testing::Test {
             QString::fromStdString(SCREENSHOTS "/" + name + "-" + words::spoken_language() + ".png")));
     }
     // "eject card", "insert card"
-    static void tool(const std::string& arguments) {
-        EXPECT_EQ(std::system((ZVSIMCARD_TOOL " " + arguments + " >/dev/null").c_str()), 0) << arguments;
+    static void tool(const std::string& arguments) { shell(ZVSIMCARD_TOOL " " + arguments); }
+    static void shell(const std::string& command) {
+        EXPECT_EQ(std::system((command + " >/dev/null 2>&1").c_str()), 0) << command;
     }
     // The authority's answer to the request that is on the page.
     std::string answer(const std::string& options = {}) const {
@@ -149,9 +150,9 @@ class WindowTest : public testing::Test {
     }
 
     simcard::TemporaryFolder folder_{fs::temp_directory_path() / "zvwindow-test"};
-    simcard::TestCards cards_;
 
   protected:
+    simcard::TestCards cards_;
     Module module_;
     std::unique_ptr<desktop::Window> window_;
 };

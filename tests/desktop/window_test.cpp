@@ -7,6 +7,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using zvtest::WindowTest;
 
 class WindowLanguageTest : public WindowTest, public testing::WithParamInterface<const char*> {};
@@ -188,6 +189,113 @@ TEST_F(WindowTest, RefusesWhatIsNoAnswer) {
     wait_for_page("consent-page");
     give_pin();
     wait_for_page("done-page");
+}
+
+TEST_F(WindowTest, ClosesOnceTheCardIsLeftAlone) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    module_.add_rules("C_GenerateKeyPair:1:delay:700000");
+    give_pin();
+    wait_until([&] { return says("Step 1 of"); });
+    picture("work");
+    window_->close();
+    EXPECT_TRUE(window_->isVisible());
+    auto* const question = window_->findChild<QMessageBox*>();
+    ASSERT_NE(question, nullptr);
+    QTest::mouseMove(window_.get());
+    question->button(QMessageBox::Yes)->click();
+    EXPECT_TRUE(window_->isVisible()) << "the keys are being made";
+    wait_until([&] { return !window_->isVisible(); });
+    EXPECT_EQ(module_.rules_left(), 0U);
+
+    open();
+    press("window-take-certificate-signature");
+    wait_for_page("request-page");
+    EXPECT_TRUE(says("The request for the authority is in")) << told();
+}
+
+TEST_F(WindowTest, ShowsTheCardThatIsMeantAmongSeveralReaders) {
+    cards_.make({.name = "first"});
+    const std::string second = cards_.make({.name = "second", .signature_days = 800}).serial;
+    cards_.configure();
+    open(second);
+    auto* const readers = part<QComboBox>("readers");
+    ASSERT_NE(readers, nullptr);
+    EXPECT_EQ(readers->count(), 2);
+    EXPECT_TRUE(says(second)) << told();
+    picture("start-readers");
+    readers->setFocus();
+    QTest::keyClick(readers, Qt::Key_Up);
+    wait_until([&] { return part("window-renew-signature") != nullptr && !says(second); });
+}
+
+TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("request-page");
+    press("window-copy-request");
+    const std::string copied = QGuiApplication::clipboard()->text().toStdString();
+    press("window-save-request");
+    auto* const dialog = window_->findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(QString::fromStdString((folder() / "saved").string()));
+    QMetaObject::invokeMethod(dialog, "accept");
+    wait_until([&] { return says("Saved: "); });
+    EXPECT_EQ(simcard::read_file(folder() / "saved"), copied);
+    EXPECT_GT(copied.size(), 1000U);
+
+    QGuiApplication::clipboard()->setText(QString::fromStdString(simcard::read_file(answer())));
+    press("window-paste-certificate");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("done-page");
+}
+
+TEST_F(WindowTest, TellsWhatTheCardWantsBeyondWhatItShowed) {
+    make_card();
+    open();
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    give_pin();
+    wait_for_page("request-page");
+    for (const auto& one : fs::directory_iterator(folder()))
+        fs::remove(one.path());
+    press("window-back");
+    press("window-take-certificate-signature");
+    press("window-request-again");
+    wait_for_page("consent-page");
+    EXPECT_TRUE(says("Nothing on the card is changed")) << told();
+    for (const char* type : {"pubkey", "privkey"})
+        shell("pkcs11-tool --module " ZVSIMCARD_MODULE
+              " -l --pin 12345678 --delete-object --id 445333 --type " +
+              std::string(type));
+    give_pin();
+    wait_until([&] { return says("Two keys are made"); });
+    picture("consent-more");
+    EXPECT_EQ(module_.calls("C_GenerateKeyPair"), 1U);
+    press("window-go-on");
+    wait_for_page("request-page");
+    EXPECT_EQ(module_.calls("C_GenerateKeyPair"), 2U);
+}
+
+TEST_F(WindowTest, SavesWhatAHelpDeskWantsToSee) {
+    make_card();
+    open();
+    press("window-help-desk");
+    auto* const dialog = window_->findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(QString::fromStdString((folder() / "help").string()));
+    QMetaObject::invokeMethod(dialog, "accept");
+    wait_until([&] { return window_->findChild<QMessageBox*>() != nullptr; });
+    EXPECT_NE(simcard::read_file(folder() / "help").find("zvrenew-desktop"), std::string::npos);
+    EXPECT_EQ(module_.calls("C_Login"), 0U);
 }
 
 } // namespace

@@ -20,6 +20,7 @@ constexpr Row DESKTOP_ROWS[] = {
     {"window-due", N_("DUE, {days} days left")},
     {"window-ended", N_("EXPIRED")},
     {"window-final-try", N_("I am &sure of the PIN: if it is wrong, the card locks")},
+    {"window-finish-renewal", N_("Finish the renewal ({kind})")},
     {"window-finish", N_("&Finish")},
     {"window-folder-unusable", N_("The folder {folder} cannot be used.")},
     {"window-go-on", N_("&Go on")},
