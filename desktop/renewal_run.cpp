@@ -16,6 +16,12 @@ struct RenewalRun::Shared {
     std::optional<GivenPin> pin;
     std::optional<zvhost::PlannedRenewal> planned;
     std::atomic<bool> stopped = false;
+
+    // Nothing more is done: nobody needs the PIN.
+    void end() {
+        planned.reset();
+        pin.reset();
+    }
 };
 
 namespace {
@@ -60,6 +66,7 @@ void RenewalRun::start(std::function<void(Shared&, const Tell&)> work) {
     };
     worker_.start([shared = shared_, work = std::move(work), tell] {
         const auto fail = [&](const zvhost::Error& error) {
+            shared->end();
             tell([error](RenewalRun& run) {
                 run.at_work_ = false;
                 Q_EMIT run.failed(error);
@@ -88,6 +95,7 @@ void RenewalRun::carry_out() {
     start([](Shared& shared, const Tell& tell) {
         ToldProgress progress(tell, shared.stopped);
         const zvhost::Renewal renewal = shared.planned->apply(progress);
+        shared.end();
         tell([renewal](RenewalRun& run) {
             run.at_work_ = false;
             Q_EMIT run.ended(renewal);

@@ -1,7 +1,6 @@
 #include "desktop/request_page.h"
 
 #include "desktop/dialogs.h"
-#include "desktop/file_handle.h"
 #include "desktop/files.h"
 #include "desktop/text.h"
 
@@ -11,23 +10,14 @@
 
 namespace desktop {
 
-RequestPage::RequestPage()
-    : Page("request-page"), told_(tell(QString())), result_(new QLabel), handle_(new FileHandle),
-      save_(named_button(text("window-save-request"), "window-save-request")),
-      copy_(named_button(text("window-copy-request"), "window-copy-request")),
-      again_(named_button(text("window-request-again"), "window-request-again")) {
+RequestPage::RequestPage() : Page("request-page"), told_(tell(QString())), handle_(new FileHandle) {
+    add(handle_);
+    save_ = add_button(text("window-save-request"), "window-save-request");
+    copy_ = add_button(text("window-copy-request"), "window-copy-request");
+    again_ = add_button(text("window-request-again"), "window-request-again");
+    result_ = tell(QString());
     told_->setObjectName(QStringLiteral("told"));
     result_->setObjectName(QStringLiteral("result"));
-    result_->setWordWrap(true);
-    auto* const row = new QWidget;
-    auto* const buttons = new QHBoxLayout(row);
-    buttons->setContentsMargins({});
-    for (QWidget* const one :
-         {handle_, static_cast<QWidget*>(save_), static_cast<QWidget*>(copy_), static_cast<QWidget*>(again_)})
-        buttons->addWidget(one);
-    buttons->addStretch(1);
-    add(row);
-    add(result_);
     tell(text("window-drop-certificate"));
     auto* const paste = add_button(text("window-paste-certificate"), "window-paste-certificate");
     add(new QWidget, 1);
@@ -45,8 +35,8 @@ void RequestPage::show_waiting(zvhost::Kind kind, const std::string& request) {
     const bool there = QFile::exists(from_utf8(request));
     set_heading({"window-waits-heading", {{"kind", kind}}});
     told_->setText(text(there ? "window-request-there" : "window-request-gone", {{"file", request}}));
-    static_cast<FileHandle*>(handle_)->show_file(from_utf8(request));
-    for (QWidget* const one : {handle_, static_cast<QWidget*>(save_), static_cast<QWidget*>(copy_)})
+    handle_->show_file(from_utf8(request));
+    for (QWidget* const one : std::initializer_list<QWidget*>{handle_, save_, copy_})
         one->setVisible(there);
     again_->setVisible(!there);
     result_->clear();

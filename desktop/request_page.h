@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/file_handle.h"
 #include "desktop/page.h"
 #include "host/kind.h"
 
@@ -35,11 +36,11 @@ class RequestPage : public Page {
 
     std::string request_;
     QLabel* told_;
-    QLabel* result_;  // of saving and copying
-    QWidget* handle_; // to drag the request by
+    FileHandle* handle_; // to drag the request by
     QPushButton* save_;
     QPushButton* copy_;
     QPushButton* again_;
+    QLabel* result_; // of saving and copying
 };
 
 } // namespace desktop

@@ -4,6 +4,8 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace {
 
@@ -296,6 +298,33 @@ TEST_F(WindowTest, SavesWhatAHelpDeskWantsToSee) {
     wait_until([&] { return window_->findChild<QMessageBox*>() != nullptr; });
     EXPECT_NE(simcard::read_file(folder() / "help").find("zvrenew-desktop"), std::string::npos);
     EXPECT_EQ(module_.calls("C_Login"), 0U);
+}
+
+TEST_F(WindowTest, FitsLargeLettersOnDarkGround) {
+    const QPalette usual = QApplication::palette();
+    const QFont letters = QApplication::font();
+    QFont large = letters;
+    large.setPointSizeF(letters.pointSizeF() * 2);
+    QApplication::setFont(large);
+    QApplication::setPalette(QPalette(QColor(0x20, 0x20, 0x20)));
+    speak("it"); // whose words are longer
+    make_card();
+    open();
+    wait_until([&] { return part("certificate") != nullptr; });
+    const auto fits = [&](const char* name) {
+        picture(name);
+        EXPECT_EQ(page().findChild<QScrollArea*>()->horizontalScrollBar()->maximum(), 0) << name;
+        EXPECT_LE(window_->width(), 1400) << name;
+    };
+    fits("large-start");
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    fits("large-consent");
+    give_pin();
+    wait_for_page("request-page");
+    fits("large-request");
+    QApplication::setFont(letters);
+    QApplication::setPalette(usual);
 }
 
 } // namespace
