@@ -71,7 +71,7 @@ void ConsentPage::tell_plan() {
         return Q_EMIT impossible(error);
     }
     QString told = in_lines(zvhost::told_plainly(foreseen_));
-    if (errand_.wishes.remove_old)
+    if (!errand_.certificate.empty() || errand_.wishes.remove_old)
         told +=
             QLatin1Char('\n') + text("window-backup-folder",
                                      {{"folder", to_utf8(QDir::toNativeSeparators(QDir::currentPath()))}});

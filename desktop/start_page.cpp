@@ -114,6 +114,7 @@ void StartPage::show_actions(const Situation& now) {
     if (!now.status) return;
     const std::vector<zvhost::WaitingRenewal> waiting = zvhost::waiting_renewals(*now.status);
     for (const zvhost::WaitingRenewal& one : waiting) {
+        if (!one.proved) add_waiting(one.kind);
         const char* const id = one.proved ? "window-finish-renewal" : "window-take-certificate";
         connect(add_action(id, one.kind), &QPushButton::clicked, this,
                 [this, one] { Q_EMIT waiting_wanted(one); });
@@ -124,6 +125,12 @@ void StartPage::show_actions(const Situation& now) {
             connect(add_action("window-renew", kind), &QPushButton::clicked, this,
                     [this, kind] { Q_EMIT renewal_wanted(kind); });
     }
+}
+
+void StartPage::add_waiting(Kind kind) {
+    auto* const label = new QLabel(text("window-waits-heading", {{"kind", kind}}));
+    label->setObjectName(QStringLiteral("waits"));
+    actions_->addWidget(label);
 }
 
 QPushButton* StartPage::add_action(const char* id, Kind kind) {

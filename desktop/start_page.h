@@ -28,6 +28,7 @@ class StartPage : public Page {
     void show_readers(const Situation& now);
     void show_card(const Situation& now);
     void show_actions(const Situation& now);
+    void add_waiting(zvhost::Kind kind);
     QPushButton* add_action(const char* id, zvhost::Kind kind);
 
     QComboBox* readers_;

@@ -24,9 +24,24 @@ TEST_P(WindowLanguageTest, RenewsASignatureCertificate) {
     wait_for_page("consent-page");
     EXPECT_EQ(module_.calls("C_Login"), 0U) << "before the PIN";
     picture("consent-request");
+    type_pin("99999999");
+    press("window-go-on");
+    wait_for_page("problem-page");
+    picture("problem");
+    press("remedy");
+    wait_for_page("consent-page");
+    module_.add_rules("C_GenerateKeyPair:1:delay:300000");
     give_pin();
+    wait_until(
+        [&] { return page().findChild<QLabel*>(QStringLiteral("step"))->text().contains(QLatin1Char('3')); });
+    picture("work");
     wait_for_page("request-page");
     picture("request");
+    open();
+    wait_until([&] { return part("waits") != nullptr; });
+    picture("start-waits");
+    press("window-take-certificate-signature");
+    wait_for_page("request-page");
     drop(answer());
     wait_for_page("consent-page");
     press("window-remove-old");
@@ -201,7 +216,6 @@ TEST_F(WindowTest, ClosesOnceTheCardIsLeftAlone) {
     module_.add_rules("C_GenerateKeyPair:1:delay:700000");
     give_pin();
     wait_until([&] { return says("Step 1 of"); });
-    picture("work");
     window_->close();
     EXPECT_TRUE(window_->isVisible());
     auto* const question = window_->findChild<QMessageBox*>();
