@@ -78,6 +78,12 @@ void StartPage::show_situation(const Situation& now) {
     show_readers(now);
     show_card(now);
     show_actions(now);
+    if (isVisible() && !readers_->hasFocus()) first()->setFocus();
+}
+
+QWidget* StartPage::first() const {
+    auto* const action = actions_->parentWidget()->findChild<QPushButton*>();
+    return action == nullptr ? Page::first() : action;
 }
 
 void StartPage::show_readers(const Situation& now) {
@@ -108,7 +114,7 @@ void StartPage::show_card(const Situation& now) {
 
 void StartPage::show_actions(const Situation& now) {
     while (QLayoutItem* const item = actions_->takeAt(0)) {
-        item->widget()->deleteLater();
+        delete item->widget();
         delete item;
     }
     if (!now.status) return;

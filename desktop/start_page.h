@@ -17,6 +17,7 @@ class StartPage : public Page {
     StartPage();
 
     void show_situation(const Situation& now);
+    [[nodiscard]] QWidget* first() const override;
 
   Q_SIGNALS:
     void reader_chosen(const QString& name);
