@@ -147,24 +147,28 @@ TEST_F(InstallProgramTest, RefusesWhatWouldLoseSomething) {
 
 // Also when it ends in the middle, what was asked for and no more is gone in the end.
 TEST_F(InstallProgramTest, TakesTheSameCertificateWhenItIsRepeated) {
-    for (const std::string options : {"--replace DS0", "--request request"})
+    const std::string install = "install certificate --remove-old", card = card_folder().string();
+    make_card_with({"DS0", "DS1"});
+    ASSERT_EQ(with_pin("request signature --certificate DS0 --out request").code, 0);
+    issue("request", "certificate");
+    ASSERT_EQ(shell("cp -r " + card + " ../card && cp -r ../home ../as_home").code, 0);
+    Outcome outcome = with_pin(install);
+    EXPECT_EQ(outcome.code, 2) << "either could be meant: " << outcome.err;
+    EXPECT_TRUE(outcome.says("--replace DS0 or --replace DS1")) << outcome.err;
+    outcome = with_pin("install certificate", "C_CreateObject:1:answer:0x31");
+    EXPECT_TRUE(outcome.says("give --remove-old --replace DS")) << outcome.err;
+    for (const std::string options : {" --replace DS0", " --request request"})
         for (const char* rule : {"C_DestroyObject:1:kill-after", "C_DestroyObject:2:kill-after",
                                  "C_DestroyObject:3:kill-after", "C_CreateObject:1:kill-before"}) {
-            make_card_with({"DS0", "DS1"});
-            ASSERT_EQ(with_pin("request signature --certificate DS0 --out request").code, 0);
-            issue("request", "certificate");
-            Outcome outcome = with_pin("install certificate --remove-old");
-            EXPECT_EQ(outcome.code, 2) << "either could be meant: " << outcome.err;
-            EXPECT_TRUE(outcome.says("--replace DS0 or --replace DS1")) << outcome.err;
-            outcome = with_pin("install certificate", "C_CreateObject:1:answer:0x31");
-            EXPECT_TRUE(outcome.says("give --remove-old --replace DS")) << outcome.err;
-            const std::string install = "install certificate --remove-old " + options;
-            EXPECT_NE(with_pin(install, rule).code, 0);
-            outcome = with_pin(install);
+            ASSERT_EQ(
+                shell("rm -r " + card + " ../home && cp -r ../card " + card + " && cp -r ../as_home ../home")
+                    .code,
+                0);
+            EXPECT_NE(with_pin(install + options, rule).code, 0);
+            outcome = with_pin(install + options);
             EXPECT_EQ(outcome.code, 0) << options << rule << outcome.err;
             EXPECT_TRUE(outcome.says("Now on the card: DS1 (certificate and keys), ")) << outcome.out;
             EXPECT_TRUE(outcome.says("DS3 (certificate and keys)\n")) << options << rule << outcome.out;
-            ASSERT_EQ(shell(ZVSIMCARD_TOOL " remove card && rm *").code, 0);
         }
 }
 

@@ -1,7 +1,7 @@
 #!/bin/sh
-# headers.sh ROOT CXX CC [FLAG...]: fails when a header does not compile alone, or not twice in a row. A header that some
-# source file includes before anything else is left out: it was compiled alone when that file was, or includes.py looks at it
-# where files are compiled together.
+# headers.sh ROOT CXX CC [FLAG...]: fails when a header does not compile alone, or not twice in a row. A header that another
+# file includes before anything else is left out: it was compiled alone when that file was, or includes.py looks at it where
+# files are compiled together.
 set -eu
 cd "$1"
 cxx=$2 cc=$3
@@ -16,7 +16,7 @@ alone() {
 }
 
 # shellcheck disable=SC2086
-find $folders -name '*.cpp' -exec awk '
+find $folders \( -name '*.cpp' -o -name '*.h' \) -exec awk '
     FNR == 1 { first = 1 }
     first && /^#include/ {
         first = 0
@@ -25,6 +25,11 @@ find $folders -name '*.cpp' -exec awk '
         sub(/[^\/]*$/, "", folder)
         print $2 "\n" folder $2 "\ninclude/" $2
     }' {} + >"$work/compiled"
+# shellcheck disable=SC2086
+if find $folders -name '*.h' -exec grep -LE '^#pragma once$|^#ifndef [A-Z0-9_]+_H$' {} + | grep .; then
+    echo "may not be included twice"
+    exit 1
+fi
 # shellcheck disable=SC2086
 find $folders -name '*.h' | grep -vxFf "$work/compiled" | alone "$cxx" -std=c++20 -I. -Iinclude "$@" -x c++
 for name in zvRenew zvCrypt records pkcs11; do echo "include/$name.h"; done |
