@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 #include <QMessageBox>
 #include <filesystem>
 
@@ -21,6 +22,13 @@ void speak(const QString& language) {
     QLocale::setDefault(QLocale(desktop::from_utf8(words::spoken_language())));
 }
 
+// The theme's, else the one that was installed with the program.
+QIcon own_icon() {
+    const auto own = std::filesystem::path(zvhost::program_folder()).parent_path() / ZV_DATADIR
+                     "/icons/hicolor/scalable/apps/zvrenew-desktop.svg";
+    return QIcon::fromTheme(QStringLiteral("zvrenew-desktop"), QIcon(desktop::from_utf8(own.string())));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -28,6 +36,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("zvrenew-desktop"));
     QApplication::setApplicationVersion(QStringLiteral(ZV_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("zvrenew-desktop"));
+    QApplication::setWindowIcon(own_icon());
 
     QCommandLineParser parser;
     parser.addHelpOption();

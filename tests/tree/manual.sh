@@ -22,14 +22,15 @@ same() {
 }
 commands_of() { sed -n '/^Subcommands:/,/^$/s/^  \([a-z][^ ]*\).*/\1/p' "$1"; }
 
+export QT_QPA_PLATFORM=offscreen # a window's program wants a screen even for that
 for program in "$@"; do
     page=$pages/${program##*/}.1
     "$program" --help >"$work/help"
     commands_of "$work/help" >"$work/here"
     sed -n 's/^\.It Cm \([^ ]*\).*/\1/p' "$page" >"$work/there"
-    same "commands of ${program##*/}, --help and page"
+    [ ! -s "$work/there" ] || same "commands of ${program##*/}, --help and page"
     while read -r command; do "$program" "$command" --help >>"$work/help"; done <"$work/here"
-    sed -n 's/^  \(-[^ ]*\).*/\1/p' "$work/help" | tr , '\n' >"$work/here"
+    sed -n 's/^  \(-.*\)/\1/p' "$work/help" | sed 's/  .*//' | tr ' ,' '\n\n' | grep '^-' >"$work/here"
     grep '^\.It Fl' "$page" | grep -o 'Fl [^ ]*' | sed 's/^Fl /-/' >"$work/there"
     same "options of ${program##*/}, --help and page"
 done
