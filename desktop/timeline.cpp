@@ -65,7 +65,6 @@ void Timeline::show_certificates(const std::vector<zvhost::ListedCertificate>& c
         label->setWordWrap(true);
         rows_->addWidget(label);
         auto* const bar = new CertificateBar(listed, whole, now);
-        bar->setAccessibleName(label->text());
         rows_->addWidget(bar);
     }
     if (!certificates.empty())
