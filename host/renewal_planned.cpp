@@ -132,6 +132,7 @@ void PlannedRenewal::Work::plan_rest(const std::string& pair) {
 }
 
 void PlannedRenewal::Work::plan_removal(const std::string& old) {
+    opened_.reset(); // the removal opens the card itself
     RemovalWishes removal;
     removal.id = old;
     removal.backup = first_ && installed_ ? installed_->backup : wishes_.backup;
