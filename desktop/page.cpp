@@ -72,6 +72,7 @@ QLabel* Page::tell(const QString& text) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setFocusPolicy(Qt::NoFocus); // the keyboard goes to what can be done
     body_->addWidget(label);
     return label;
 }
