@@ -13,11 +13,16 @@ namespace cli {
     DO(error_free)                                                                                           \
     DO(validate_utf8)                                                                                        \
     DO(bus_get_private)                                                                                      \
+    DO(bus_add_match)                                                                                        \
     DO(connection_set_exit_on_disconnect)                                                                    \
     DO(connection_send_with_reply_and_block)                                                                 \
+    DO(connection_read_write)                                                                                \
+    DO(connection_pop_message)                                                                               \
     DO(connection_close)                                                                                     \
     DO(connection_unref)                                                                                     \
     DO(message_new_method_call)                                                                              \
+    DO(message_is_signal)                                                                                    \
+    DO(message_get_args)                                                                                     \
     DO(message_unref)                                                                                        \
     DO(message_iter_init_append)                                                                             \
     DO(message_iter_append_basic)                                                                            \

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -10,6 +12,9 @@ struct Notification {
     std::string summary;
     std::string body;
     bool urgent = false;
+    std::string action = {};        // what it offers to do, a word or two; empty: nothing
+    std::string subject = {};       // told when that is wanted
+    std::string desktop_entry = {}; // of the program that does it
 };
 
 // The desktop that this program was started in. Where it is told of a problem, the text ends "The desktop ...".
@@ -24,6 +29,10 @@ class Desktop {
     [[nodiscard]] const std::string& problem() const { return problem_; }
     // @return why it was not shown; empty when it was
     [[nodiscard]] std::string show(const Notification& notification);
+
+    using ActedOn = std::function<void(const std::string& subject)>;
+    // Waits until all that was shown and offers something is closed or acted on, or the desktop's session ends.
+    void await_answers(std::chrono::milliseconds longest, const ActedOn& acted_on);
 
   private:
     struct Bus;

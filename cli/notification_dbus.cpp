@@ -1,15 +1,14 @@
-#include "cli/dbus_library.h"
-#include "cli/notification.h"
+#include "cli/notification_call.h"
 
 #include <cstdint>
+#include <map>
 
 namespace cli {
 namespace {
 
-constexpr const char* SERVICE = "org.freedesktop.Notifications";
-constexpr const char* OBJECT = "/org/freedesktop/Notifications";
-constexpr const char* NAME_OF_PROGRAM = "zvRenew";
 constexpr int LONGEST_NOTIFYING = 20000; // milliseconds; the service may have to be started
+constexpr const char* ANSWERS = "type='signal',sender='org.freedesktop.Notifications',"
+                                "interface='org.freedesktop.Notifications'";
 
 class BusError {
   public:
@@ -27,54 +26,11 @@ class BusError {
     DBusError error_{};
 };
 
-struct DropMessage {
-    void operator()(DBusMessage* message) const { dbus_library().message_unref(message); }
-};
-using Message = std::unique_ptr<DBusMessage, DropMessage>;
-
-// A text that a bus takes, and that no service takes for markup.
-std::string plain(std::string text) {
-    for (char& c : text)
-        if (c == '<' || c == '>' || c == '&') c = '?';
-    if (dbus_library().validate_utf8(text.c_str(), nullptr) == FALSE)
-        for (char& c : text)
-            if (static_cast<unsigned char>(c) > 0x7F) c = '?';
-    return text;
-}
-
-void append_text(DBusMessageIter* out, const std::string& text) {
-    const char* value = text.c_str();
-    dbus_library().message_iter_append_basic(out, DBUS_TYPE_STRING, &value);
-}
-
-void append_hints(DBusMessageIter* out, bool urgent) {
-    DBusMessageIter hints, hint, value;
-    const unsigned char urgency = urgent ? 2 : 1;
-    dbus_library().message_iter_open_container(out, DBUS_TYPE_ARRAY, "{sv}", &hints);
-    dbus_library().message_iter_open_container(&hints, DBUS_TYPE_DICT_ENTRY, nullptr, &hint);
-    append_text(&hint, "urgency");
-    dbus_library().message_iter_open_container(&hint, DBUS_TYPE_VARIANT, "y", &value);
-    dbus_library().message_iter_append_basic(&value, DBUS_TYPE_BYTE, &urgency);
-    dbus_library().message_iter_close_container(&hint, &value);
-    dbus_library().message_iter_close_container(&hints, &hint);
-    dbus_library().message_iter_close_container(out, &hints);
-}
-
-// Name of the program, what it replaces, icon, summary, body, actions, hints, how long it is shown.
-void append_arguments(DBusMessage* call, const Notification& notification) {
-    constexpr std::uint32_t nothing = 0;
-    constexpr std::int32_t until_closed = 0;
-    DBusMessageIter out, actions;
-    dbus_library().message_iter_init_append(call, &out);
-    append_text(&out, NAME_OF_PROGRAM);
-    dbus_library().message_iter_append_basic(&out, DBUS_TYPE_UINT32, &nothing);
-    append_text(&out, "dialog-warning");
-    append_text(&out, plain(notification.summary));
-    append_text(&out, plain(notification.body));
-    dbus_library().message_iter_open_container(&out, DBUS_TYPE_ARRAY, "s", &actions);
-    dbus_library().message_iter_close_container(&out, &actions);
-    append_hints(&out, notification.urgent);
-    dbus_library().message_iter_append_basic(&out, DBUS_TYPE_INT32, &until_closed);
+// The notification that a message is about; 0 where it is about none.
+std::uint32_t notification_of(DBusMessage* message) {
+    std::uint32_t id = 0;
+    (void)dbus_library().message_get_args(message, nullptr, DBUS_TYPE_UINT32, &id, DBUS_TYPE_INVALID);
+    return id;
 }
 
 } // namespace
@@ -92,6 +48,7 @@ struct Desktop::Bus {
     Bus& operator=(const Bus&) = delete;
 
     DBusConnection* connection;
+    std::map<std::uint32_t, std::string> answered; // by what is told when it is acted on
 };
 
 Desktop::Desktop() : problem_(dbus_library().problem) {
@@ -107,12 +64,35 @@ Desktop::~Desktop() = default;
 
 std::string Desktop::show(const Notification& notification) {
     if (!bus_) return problem_;
-    const Message call(dbus_library().message_new_method_call(SERVICE, OBJECT, SERVICE, "Notify"));
-    append_arguments(call.get(), notification);
+    if (!notification.action.empty()) dbus_library().bus_add_match(bus_->connection, ANSWERS, nullptr);
+    const BusMessage call = notification_call(notification);
     BusError error;
-    const Message answer(dbus_library().connection_send_with_reply_and_block(bus_->connection, call.get(),
-                                                                             LONGEST_NOTIFYING, error.get()));
-    return answer ? std::string() : error.text();
+    const BusMessage answer(dbus_library().connection_send_with_reply_and_block(
+        bus_->connection, call.get(), LONGEST_NOTIFYING, error.get()));
+    if (!answer) return error.text();
+    if (!notification.action.empty()) bus_->answered[notification_of(answer.get())] = notification.subject;
+    return {};
+}
+
+void Desktop::await_answers(std::chrono::milliseconds longest, const ActedOn& acted_on) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + longest;
+    while (bus_ && !bus_->answered.empty()) {
+        if (const BusMessage told{dbus_library().connection_pop_message(bus_->connection)}) {
+            const bool acted =
+                dbus_library().message_is_signal(told.get(), NOTIFICATIONS, "ActionInvoked") == TRUE;
+            if (!acted &&
+                dbus_library().message_is_signal(told.get(), NOTIFICATIONS, "NotificationClosed") == FALSE)
+                continue;
+            const auto subject = bus_->answered.extract(notification_of(told.get()));
+            if (acted && subject) acted_on(subject.mapped());
+            continue;
+        }
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0 ||
+            dbus_library().connection_read_write(bus_->connection, static_cast<int>(left.count())) == FALSE)
+            return;
+    }
 }
 
 } // namespace cli

@@ -12,4 +12,6 @@ std::string Desktop::show(const Notification& /*notification*/) {
     return problem_;
 }
 
+void Desktop::await_answers(std::chrono::milliseconds /*longest*/, const ActedOn& /*acted_on*/) {}
+
 } // namespace cli

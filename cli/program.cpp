@@ -28,6 +28,7 @@ OnCard as_before() {
 Exit answer(const Invocation& invocation, const Report& report) {
     try {
         print_report(invocation, report);
+        if (report.afterwards) report.afterwards();
         return report.exit;
     } catch (Error& stop) {
         stop.card = as_before();

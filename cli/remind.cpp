@@ -2,10 +2,13 @@
 #include "cli/commands.h"
 #include "cli/notification.h"
 #include "cli/reminder_switch.h"
+#include "cli/run_quietly.h"
+#include "host/installation.h"
 #include "host/reminders.h"
 #include "words/words.h"
 
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 #include <ctime>
 
@@ -28,17 +31,42 @@ Json reminder_json(const Reminder& reminder, std::time_t now) {
             {"seen_at", instant(reminder.seen_at)}};
 }
 
+// The window, where it was installed with this program.
+std::string window_program() {
+    const std::string path = program_folder() + "/zvrenew-desktop";
+    return ::access(path.c_str(), X_OK) == 0 ? path : std::string();
+}
+
+Notification shown_for(const Reminder& reminder, bool opens_window) {
+    Notification shown{words::of(reminder.title), words::of(reminder.says), reminder.ended};
+    if (opens_window) {
+        shown.action = words::of(Sentence("reminder-open", {}));
+        shown.subject = reminder.card;
+        shown.desktop_entry = "zvrenew-desktop";
+    }
+    return shown;
+}
+
+// Nobody may ever close what is shown; the next day's reminder is not to find this one waiting.
+void open_when_wanted(Desktop& desktop, const std::string& window) {
+    desktop.await_answers(std::chrono::hours(1), [&window](const std::string& card) {
+        (void)start_apart({window, "--card", card});
+    });
+}
+
 Report tell(const std::vector<Reminder>& found, std::time_t now) {
-    Desktop desktop;
+    const auto desktop = std::make_shared<Desktop>();
+    const std::string window = window_program();
     Report report;
     report.json["reminders"] = Json::array();
     for (const Reminder& reminder : found) {
-        const Notification shown{words::of(reminder.title), words::of(reminder.says), reminder.ended};
-        if (const std::string problem = desktop.show(shown); !problem.empty()) throw untold(problem);
+        const Notification shown = shown_for(reminder, !window.empty());
+        if (const std::string problem = desktop->show(shown); !problem.empty()) throw untold(problem);
         note_told(Journal(), reminder, now);
         report.text += (report.text.empty() ? "" : "\n") + shown.body;
         report.json["reminders"].push_back(reminder_json(reminder, now));
     }
+    if (!window.empty()) report.afterwards = [desktop, window] { open_when_wanted(*desktop, window); };
     return report;
 }
 

@@ -21,6 +21,7 @@ struct Report {
     bool advice_told = false;           // whether the text says it
     bool logged = false;                // whether the log tells more
     std::string payload;                // what the command made, when it goes to no file
+    std::function<void()> afterwards;   // what goes on once the report is given
     std::function<void(Error&)> unsaid; // says what is on the card in an error, should nobody get the report
 };
 

@@ -9,4 +9,8 @@ namespace cli {
 // @return whether it could be run and ended with 0
 [[nodiscard]] bool run_quietly(const std::vector<std::string>& command);
 
+// Starts one in the same way, in a session of its own: it stays when this program, its terminal or its service ends.
+// @return whether it could be started
+[[nodiscard]] bool start_apart(const std::vector<std::string>& command);
+
 } // namespace cli

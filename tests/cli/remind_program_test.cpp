@@ -1,5 +1,7 @@
 #include "tests/cli/program.h"
 
+#include <sys/stat.h>
+
 #include <ctime>
 
 namespace {
@@ -15,9 +17,7 @@ class RemindProgramTest : public ProgramTest {
     RemindProgramTest() {
         const fs::path services = home() / "services";
         fs::create_directory(services);
-        put(services / "notifications.service",
-            "[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=" NOTIFICATION_SERVICE " " +
-                shown().string() + "\n");
+        answer_with({});
         put(home() / "session.conf",
             "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><servicedir>" +
                 services.string() +
@@ -26,11 +26,32 @@ class RemindProgramTest : public ProgramTest {
                 "</policy></busconfig>");
     }
 
+    // What the desktop's user does with what is shown.
+    void answer_with(const std::string& action) const {
+        put(home() / "services/notifications.service",
+            "[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=" NOTIFICATION_SERVICE " " +
+                shown().string() + " " + action + "\n");
+    }
+    // The program as it is installed, in a folder where there can be a window's program beside it.
+    void install_in_home() const {
+        const fs::path built = fs::path(ZVRENEW).parent_path();
+        fs::create_directories(home() / "bin");
+        fs::copy_file(ZVRENEW, home() / "bin/zvrenew");
+        fs::create_directory_symlink(built.parent_path() / "lib", home() / "lib");
+    }
     // Reminds in a desktop session of its own; what it showed is in the notifications.
     Outcome remind(const std::string& arguments = {}) {
         fs::remove(shown());
         return shell("dbus-run-session --config-file " + (home() / "session.conf").string() + " -- " +
                      command("remind " + arguments));
+    }
+    // The same with the program that is installed in the home.
+    Outcome remind_installed() {
+        fs::remove(shown());
+        std::string line = command("remind");
+        line.replace(line.find(ZVRENEW), std::string(ZVRENEW).size(), (home() / "bin/zvrenew").string());
+        return shell("timeout 60 dbus-run-session --config-file " + (home() / "session.conf").string() +
+                     " -- " + line);
     }
     [[nodiscard]] std::string notifications() const {
         return fs::exists(shown()) ? simcard::read_file(shown()) : std::string();
@@ -39,6 +60,10 @@ class RemindProgramTest : public ProgramTest {
     [[nodiscard]] fs::path entry() const {
         const fs::path folder = home() / ".local/state/zvrenew";
         return fs::exists(folder) ? fs::directory_iterator(folder)->path() : fs::path();
+    }
+    // Its serial number.
+    [[nodiscard]] std::string card() const {
+        return Json::parse(simcard::read_file(entry()))["card"].get<std::string>();
     }
     // Some days pass between the last reminder and the next.
     void let_pass(int days) const {
@@ -95,6 +120,36 @@ TEST_F(RemindProgramTest, TellsOfACertificateOnceAWeekUntilItIsReplaced) {
     ASSERT_EQ(with_pin("install CERTIFICATE").code, 0) << "as advised";
     EXPECT_EQ(remind().code, 0);
     EXPECT_EQ(notifications(), "");
+}
+
+TEST_F(RemindProgramTest, OpensTheWindowAtTheCardWhereThereIsOneAndItIsWanted) {
+    make_card(12);
+    ASSERT_EQ(zvrenew("status").code, 10);
+    install_in_home();
+    answer_with("default");
+    const Outcome alone = remind_installed();
+    ASSERT_EQ(alone.code, 0) << alone.err;
+    EXPECT_EQ(notifications().find('['), std::string::npos) << "no window: " << notifications();
+
+    const fs::path opened = home() / "opened";
+    ASSERT_EQ(::mkfifo(opened.c_str(), S_IRUSR | S_IWUSR), 0);
+    const std::string session = "$(($(ps -o sid= -p $$) == $$))";
+    stand_in("zvrenew-desktop", "echo \"$* " + session + "\" >" + opened.string());
+    for (const char* action : {"default", "open"}) {
+        let_pass(8);
+        answer_with(action);
+        const Outcome told = remind_installed();
+        EXPECT_EQ(told.code, 0) << told.err;
+        EXPECT_TRUE(told.says("The signature certificate DS0"));
+        EXPECT_NE(notifications().find("[default: Open]\n[open: Open]\n"), std::string::npos);
+        EXPECT_EQ(shell("timeout 60 cat " + opened.string()).out, "--card " + card() + " 1\n")
+            << "it stays in a session of its own";
+    }
+    stand_in("zvrenew-desktop", "touch " + (home() / "unwanted").string());
+    let_pass(8);
+    answer_with({});
+    EXPECT_EQ(remind_installed().code, 0) << "closed, nothing waits any longer";
+    EXPECT_FALSE(fs::exists(home() / "unwanted"));
 }
 
 TEST_F(RemindProgramTest, RemembersNoReminderThatNobodySaw) {

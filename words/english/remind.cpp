@@ -32,6 +32,7 @@ constexpr Row REMIND_ROWS[] = {
      N_("The {kind} certificate {id} on the card {card}, seen last on {seen}, ends on {end}. A request for "
         "its successor is "
         "under way: when the authority's certificate comes, store it with:  zvrenew install CERTIFICATE")},
+    {"reminder-open", N_("Open")},
     {"reminders-by-autostart",
      N_("Reminders are on: at each start of the desktop zvrenew looks for what ends ({file}).")},
     {"reminders-by-systemd",
