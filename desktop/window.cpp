@@ -73,8 +73,12 @@ void Window::connect_pages() {
 void Window::show_page(Page& page) {
     if (!shows(&page)) consent_->pin().wipe();
     pages_->setCurrentWidget(&page);
-    setWindowTitle(text("window-title-of", {{"page", to_utf8(page.heading())}}));
+    show_title(page);
     page.announce();
+}
+
+void Window::show_title(const Page& page) {
+    setWindowTitle(text("window-title-of", {{"page", to_utf8(page.heading())}}));
 }
 
 void Window::look() {
@@ -103,9 +107,10 @@ void Window::take(const Situation& now) {
         show_consent();
     else if (begins && has_answer)
         show_waiting(errand_);
-    else if (shows(start_))
+    else if (shows(start_)) {
         start_->show_situation(now);
-    else if (begins || (shows(consent_) && !same))
+        show_title(*start_);
+    } else if (begins || (shows(consent_) && !same))
         show_start();
 }
 

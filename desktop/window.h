@@ -35,6 +35,7 @@ class Window : public QMainWindow {
   private:
     void connect_pages();
     void show_page(Page& page);
+    void show_title(const Page& page);
     [[nodiscard]] bool shows(const Page* page) const { return pages_->currentWidget() == page; }
 
     // What is there.
