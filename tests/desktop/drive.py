@@ -266,6 +266,15 @@ class Window:
 
     def parts(self):
         """What is shown, from the top; of several windows the uppermost."""
+        while True:
+            try:
+                return self.parts_now()
+            except GLib.Error as error:
+                if self.process.poll() is not None:
+                    raise Failed(f"the program ended with {self.process.returncode}") from error
+                time.sleep(0.01)  # what was read has just changed
+
+    def parts_now(self):
         windows = [Part(self, path) for path in self.root().children()]
         shown = [window for window in windows if "showing" in window.states]
         return self.below(shown[-1]) if shown else []
