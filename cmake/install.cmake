@@ -45,6 +45,7 @@ list(FILTER pages EXCLUDE REGEX "\\.in\\.md$") # what scripts make pages from
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
 install(FILES docs/host/renew.c docs/host/renew.cpp docs/host/renew.py DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs/host
   COMPONENT documentation)
+install(DIRECTORY docs/window DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
 configure_file(${PROJECT_SOURCE_DIR}/packaging/zvcrypt.conf.in ${PROJECT_BINARY_DIR}/zvcrypt.conf @ONLY)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md ${PROJECT_BINARY_DIR}/zvcrypt.conf
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
