@@ -12,9 +12,8 @@ struct Notification {
     std::string summary;
     std::string body;
     bool urgent = false;
-    std::string action = {};        // what it offers to do, a word or two; empty: nothing
-    std::string subject = {};       // told when that is wanted
-    std::string desktop_entry = {}; // of the program that does it
+    std::string action = {};  // what it offers to do, a word or two; empty: nothing
+    std::string subject = {}; // told when that is wanted
 };
 
 // The desktop that this program was started in. Where it is told of a problem, the text ends "The desktop ...".

@@ -35,11 +35,8 @@ void append_hint(DBusMessageIter* hints, const char* name, const char* type, con
 void append_hints(DBusMessageIter* out, const Notification& notification) {
     DBusMessageIter hints;
     const unsigned char urgency = notification.urgent ? 2 : 1;
-    const char* entry = notification.desktop_entry.c_str();
     dbus_library().message_iter_open_container(out, DBUS_TYPE_ARRAY, "{sv}", &hints);
     append_hint(&hints, "urgency", DBUS_TYPE_BYTE_AS_STRING, &urgency);
-    if (!notification.desktop_entry.empty())
-        append_hint(&hints, "desktop-entry", DBUS_TYPE_STRING_AS_STRING, &entry);
     dbus_library().message_iter_close_container(out, &hints);
 }
 

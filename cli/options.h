@@ -90,12 +90,15 @@ struct RemindOptions {
     int days = USUAL_DAYS;
     bool enable = false;
     bool disable = false;
+    bool open = false;
 
     void declare(OptionList& list) {
         declare_json(list, json, language);
         declare_days(list, days);
         list.flag("--enable", enable, "Have this run by itself from now on (else only this once)");
         list.flag("--disable", disable, "Have it run by itself no longer");
+        list.flag("--open", open,
+                  "Offer to open the window, and wait until that is answered, an hour at most");
     }
 };
 

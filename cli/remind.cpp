@@ -42,7 +42,6 @@ Notification shown_for(const Reminder& reminder, bool opens_window) {
     if (opens_window) {
         shown.action = words::of(Sentence("reminder-open", {}));
         shown.subject = reminder.card;
-        shown.desktop_entry = "zvrenew-desktop";
     }
     return shown;
 }
@@ -54,9 +53,9 @@ void open_when_wanted(Desktop& desktop, const std::string& window) {
     });
 }
 
-Report tell(const std::vector<Reminder>& found, std::time_t now) {
+Report tell(const std::vector<Reminder>& found, bool offers, std::time_t now) {
     const auto desktop = std::make_shared<Desktop>();
-    const std::string window = window_program();
+    const std::string window = offers ? window_program() : "";
     Report report;
     report.json["reminders"] = Json::array();
     for (const Reminder& reminder : found) {
@@ -87,7 +86,7 @@ Report run_remind(const RemindOptions& options) {
     if (options.disable) return report_on_switch(turn_reminders_off());
     const std::time_t now = std::time(nullptr);
     const std::vector<Reminder> found = reminders(Journal(), options.days, now);
-    if (!found.empty()) return tell(found, now);
+    if (!found.empty()) return tell(found, options.open, now);
     Report report;
     report.text = words::of(Sentence("nothing-to-remind-of", {}));
     report.json["reminders"] = Json::array();

@@ -30,7 +30,7 @@ class RemindProgramTest : public ProgramTest {
     void answer_with(const std::string& action) const {
         put(home() / "services/notifications.service",
             "[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=" NOTIFICATION_SERVICE " " +
-                shown().string() + " " + action + "\n");
+                shown().string() + (action.empty() ? "" : " " + action) + "\n");
     }
     // The program as it is installed, in a folder where there can be a window's program beside it.
     void install_in_home() const {
@@ -46,9 +46,9 @@ class RemindProgramTest : public ProgramTest {
                      command("remind " + arguments));
     }
     // The same with the program that is installed in the home.
-    Outcome remind_installed() {
+    Outcome remind_installed(const std::string& arguments = "--open") {
         fs::remove(shown());
-        std::string line = command("remind");
+        std::string line = command("remind " + arguments);
         line.replace(line.find(ZVRENEW), std::string(ZVRENEW).size(), (home() / "bin/zvrenew").string());
         return shell("timeout 60 dbus-run-session --config-file " + (home() / "session.conf").string() +
                      " -- " + line);
@@ -146,6 +146,11 @@ TEST_F(RemindProgramTest, OpensTheWindowAtTheCardWhereThereIsOneAndItIsWanted) {
             << "it stays in a session of its own";
     }
     stand_in("zvrenew-desktop", "touch " + (home() / "unwanted").string());
+    let_pass(8);
+    EXPECT_EQ(remind_installed({}).code, 0);
+    EXPECT_EQ(notifications().find('['), std::string::npos)
+        << "nobody waits for an answer: " << notifications();
+    EXPECT_FALSE(fs::exists(home() / "unwanted"));
     let_pass(8);
     answer_with({});
     EXPECT_EQ(remind_installed().code, 0) << "closed, nothing waits any longer";
