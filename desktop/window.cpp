@@ -103,6 +103,8 @@ void Window::take(const Situation& now) {
     const bool same = now.shows(errand_.card_serial());
     const bool begins = std::exchange(begins_, false);
     const bool has_answer = !errand_.certificate.empty();
+    if (begins && now.problem && now.chosen() != nullptr && now.chosen()->state)
+        return show_problem(*now.problem); // the card is there, and cannot be read
     if (same && (begins || (shows(request_) && has_answer)))
         show_consent();
     else if (begins && has_answer)

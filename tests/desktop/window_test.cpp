@@ -267,7 +267,10 @@ TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
     EXPECT_GT(copied.size(), 1000U);
 
     QGuiApplication::clipboard()->setText(QString::fromStdString(simcard::read_file(answer())));
+    module_.add_rules("C_FindObjectsInit:1:answer:0x30"); // in the look before the PIN is asked for
     press("window-paste-certificate");
+    wait_for_page("problem-page");
+    press("remedy");
     wait_for_page("consent-page");
     give_pin();
     wait_for_page("done-page");
