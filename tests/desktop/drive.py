@@ -418,6 +418,7 @@ class Desk(PROGRAM.Bench):
     def __init__(self, scratch, build, pin):
         super().__init__(scratch, build)
         self.pin = pin
+        self.keys = f"{self.build}/test_keys.pem"
         self.bus, self.keyboard = Bus(), Keyboard()
         self.windows = []
 
@@ -433,7 +434,7 @@ class Desk(PROGRAM.Bench):
         """Starts the window and waits until it has seen the card."""
         self.trace().unlink(missing_ok=True)
         own = {"HOME": f"{self.place}/home", "LD_PRELOAD": self.wrapper, "NSS_WRAPPER_PASSWD": f"{self.place}/passwd",
-               "NSS_WRAPPER_GROUP": "/etc/group", "ZVSIMCARD_KEYS": f"{self.build}/test_keys.pem",
+               "NSS_WRAPPER_GROUP": "/etc/group", "ZVSIMCARD_KEYS": self.keys,
                "ZVSIMCARD_TRACE": str(self.trace()), "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
         for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "QT_QPA_PLATFORM", "XDG_RUNTIME_DIR"):
             if name in os.environ:
