@@ -7,8 +7,6 @@
 namespace desktop {
 namespace {
 
-constexpr int LINES_HIGH = 1; // as high as a line of text
-
 // Each tells itself from light and from dark ground.
 QColor colour_of(Standing standing) {
     switch (standing) {
@@ -39,7 +37,7 @@ CertificateBar::CertificateBar(const zvhost::ListedCertificate& listed, Span who
 }
 
 QSize CertificateBar::sizeHint() const {
-    return {fontMetrics().averageCharWidth() * 30, fontMetrics().height() * LINES_HIGH + 8};
+    return {fontMetrics().averageCharWidth() * 30, fontMetrics().height() + 8};
 }
 
 double CertificateBar::place_of(std::time_t time) const {

@@ -6,6 +6,8 @@
 #include "words/language.h"
 #include "words/words.h"
 
+#include <sys/resource.h>
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
@@ -32,6 +34,8 @@ QIcon own_icon() {
 } // namespace
 
 int main(int argc, char** argv) {
+    const rlimit none{}; // no dump of its memory holds a PIN
+    (void)::setrlimit(RLIMIT_CORE, &none);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("zvrenew-desktop"));
     QApplication::setApplicationVersion(QStringLiteral(ZV_VERSION));

@@ -46,6 +46,8 @@ void add_choices(std::vector<Remedy>& remedies, const Advice& advice, const Erra
 }
 
 void add_remedies(std::vector<Remedy>& remedies, const Advice& advice, const Errand& errand) {
+    if (advice.key == "new-pair") // which discards the one that waits: the last resort
+        remedies.push_back({text("window-try-again"), Remedy::Goes::to_errand, errand});
     for (const Change& change : changes())
         if (advice.key == change.advice) {
             remedies.push_back({text(change.label), Remedy::Goes::to_errand, errand});
