@@ -18,7 +18,6 @@ FileHandle::FileHandle() {
 void FileHandle::show_file(const QString& file) {
     file_ = file;
     setText(QFileInfo(file).fileName());
-    setToolTip(file);
 }
 
 void FileHandle::mouseMoveEvent(QMouseEvent* event) {
