@@ -37,8 +37,10 @@ std::string window_program() {
     return ::access(path.c_str(), X_OK) == 0 ? path : std::string();
 }
 
+// Whoever is offered the window need not know the program in the terminal.
 Notification shown_for(const Reminder& reminder, bool opens_window) {
-    Notification shown{words::of(reminder.title), words::of(reminder.says), reminder.ended};
+    const words::Face face = opens_window ? words::Face::window : words::Face::terminal;
+    Notification shown{words::of(reminder.title), words::of(reminder.says, face), reminder.ended};
     if (opens_window) {
         shown.action = words::of(Sentence("reminder-open", {}));
         shown.subject = reminder.card;
@@ -62,7 +64,7 @@ Report tell(const std::vector<Reminder>& found, bool offers, std::time_t now) {
         const Notification shown = shown_for(reminder, !window.empty());
         if (const std::string problem = desktop->show(shown); !problem.empty()) throw untold(problem);
         note_told(Journal(), reminder, now);
-        report.text += (report.text.empty() ? "" : "\n") + shown.body;
+        report.text += (report.text.empty() ? "" : "\n") + words::of(reminder.says);
         report.json["reminders"].push_back(reminder_json(reminder, now));
     }
     if (!window.empty()) report.afterwards = [desktop, window] { open_when_wanted(*desktop, window); };

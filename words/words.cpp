@@ -11,6 +11,7 @@
 
 #include <map>
 #include <string_view>
+#include <utility>
 
 namespace words {
 namespace {
@@ -87,6 +88,13 @@ std::string of(const Sentence& sentence) {
     if (sentence.empty()) return {};
     if (sentence.id == "quoted") return quote(sentence);
     return with_values(text_of(sentence.id), sentence.values);
+}
+
+std::string of(const Sentence& sentence, Face face) {
+    const Face before = std::exchange(shown_by, face);
+    const std::string text = of(sentence);
+    shown_by = before;
+    return text;
 }
 
 std::string of(const std::vector<Sentence>& sentences) {

@@ -15,6 +15,9 @@ void face_is(Face face);
 // What the engine has to tell, in words.
 [[nodiscard]] std::string of(const zvhost::Sentence& sentence);
 
+// In the words of that face, once.
+[[nodiscard]] std::string of(const zvhost::Sentence& sentence, Face face);
+
 // Several, one behind the other.
 [[nodiscard]] std::string of(const std::vector<zvhost::Sentence>& sentences);
 

@@ -140,7 +140,10 @@ TEST_F(RemindProgramTest, OpensTheWindowAtTheCardWhereThereIsOneAndItIsWanted) {
         answer_with(action);
         const Outcome told = remind_installed();
         EXPECT_EQ(told.code, 0) << told.err;
-        EXPECT_TRUE(told.says("The signature certificate DS0"));
+        EXPECT_TRUE(told.says("zvrenew renew signature")) << told.out;
+        EXPECT_NE(notifications().find("choose \"Renew the signature certificate\""), std::string::npos)
+            << notifications();
+        EXPECT_EQ(notifications().find("zvrenew renew"), std::string::npos) << notifications();
         EXPECT_NE(notifications().find("[default: Open]\n[open: Open]\n"), std::string::npos);
         EXPECT_EQ(shell("timeout 60 cat " + opened.string()).out, "--card " + card() + " 1\n")
             << "it stays in a session of its own";
@@ -150,6 +153,7 @@ TEST_F(RemindProgramTest, OpensTheWindowAtTheCardWhereThereIsOneAndItIsWanted) {
     EXPECT_EQ(remind_installed({}).code, 0);
     EXPECT_EQ(notifications().find('['), std::string::npos)
         << "nobody waits for an answer: " << notifications();
+    EXPECT_NE(notifications().find("zvrenew renew signature"), std::string::npos) << notifications();
     EXPECT_FALSE(fs::exists(home() / "unwanted"));
     let_pass(8);
     answer_with({});
