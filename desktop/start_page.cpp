@@ -9,37 +9,29 @@
 namespace desktop {
 namespace {
 
-using zvhost::CardStatus, zvhost::Kind, zvhost::ReaderFacts;
+using zvhost::Kind, zvhost::ReaderFacts;
 
-constexpr Kind KINDS[] = {Kind::signature, Kind::authentication, Kind::services};
-
-bool is_due(const CardStatus& status, Kind kind) {
-    return std::any_of(status.list.certificates.begin(), status.list.certificates.end(),
-                       [&](const zvhost::ListedCertificate& one) {
-                           return one.record.kind == kind && one.due && !one.replaced;
-                       });
-}
-
-// The reader's or the module's word that no card is in it.
-bool no_card(const Situation& now) {
-    const auto inserts = [](const zvhost::Advice& advice) { return advice.key == "insert-card"; };
-    return !now.chosen()->reader.card ||
-           (now.problem && std::any_of(now.problem->advice.begin(), now.problem->advice.end(), inserts));
+bool advises(const Situation& now, const char* key) {
+    const auto is_it = [&](const zvhost::Advice& advice) { return advice.key == key; };
+    return now.problem && std::any_of(now.problem->advice.begin(), now.problem->advice.end(), is_it);
 }
 
 ReaderPicture::Shows picture_of(const Situation& now) {
     const ReaderFacts* reader = now.chosen();
     if (reader == nullptr) return ReaderPicture::Shows::no_reader;
-    if (no_card(now)) return ReaderPicture::Shows::no_card;
+    if (!reader->reader.card || advises(now, "insert-card")) return ReaderPicture::Shows::no_card;
     return reader->reader.module.empty() ? ReaderPicture::Shows::unknown_card : ReaderPicture::Shows::card;
 }
 
-zvhost::Sentence heading_of(const Situation& now) {
-    if (now.status) return {"window-card-heading", {}};
-    if (now.readers.empty()) return {"window-no-reader-heading", {}};
-    return {picture_of(now) == ReaderPicture::Shows::no_card ? "window-no-card-heading"
-                                                             : "window-trouble-heading",
-            {}};
+// Of its own accord that does not change.
+bool is_trouble(const Situation& now) {
+    return now.problem && !advises(now, "plug-reader") && picture_of(now) != ReaderPicture::Shows::no_card;
+}
+
+const char* heading_of(const Situation& now) {
+    if (now.status) return "window-card-heading";
+    if (is_trouble(now)) return "window-trouble-heading";
+    return now.readers.empty() ? "window-no-reader-heading" : "window-no-card-heading";
 }
 
 } // namespace
@@ -73,12 +65,16 @@ StartPage::StartPage()
 }
 
 void StartPage::show_situation(const Situation& now) {
-    set_heading(heading_of(now));
+    const QWidget* const held = first() == Page::first() ? nullptr : focusWidget();
+    const QString name = held == nullptr ? QString() : held->objectName();
+    set_heading({heading_of(now), {}});
     picture_->show_state(picture_of(now));
     show_readers(now);
     show_card(now);
     show_actions(now);
-    if (isVisible() && !readers_->hasFocus()) first()->setFocus();
+    if (!isVisible() || readers_->hasFocus()) return;
+    auto* const still_there = name.isEmpty() ? nullptr : findChild<QPushButton*>(name);
+    (still_there == nullptr ? first() : still_there)->setFocus();
 }
 
 QWidget* StartPage::first() const {
@@ -117,20 +113,18 @@ void StartPage::show_actions(const Situation& now) {
         delete item->widget();
         delete item;
     }
+    if (is_trouble(now))
+        connect(add_action("window-try-again"), &QPushButton::clicked, this, &StartPage::look_wanted);
     if (!now.status) return;
-    const std::vector<zvhost::WaitingRenewal> waiting = zvhost::waiting_renewals(*now.status);
-    for (const zvhost::WaitingRenewal& one : waiting) {
+    for (const zvhost::WaitingRenewal& one : zvhost::waiting_renewals(*now.status)) {
         if (!one.proved) add_waiting(one.kind);
         const char* const id = one.proved ? "window-finish-renewal" : "window-take-certificate";
         connect(add_action(id, one.kind), &QPushButton::clicked, this,
                 [this, one] { Q_EMIT waiting_wanted(one); });
     }
-    for (const Kind kind : KINDS) {
-        const auto of_kind = [&](const zvhost::WaitingRenewal& one) { return one.kind == kind; };
-        if (is_due(*now.status, kind) && std::none_of(waiting.begin(), waiting.end(), of_kind))
-            connect(add_action("window-renew", kind), &QPushButton::clicked, this,
-                    [this, kind] { Q_EMIT renewal_wanted(kind); });
-    }
+    for (const Kind kind : zvhost::renewals_due(*now.status))
+        connect(add_action("window-renew", kind), &QPushButton::clicked, this,
+                [this, kind] { Q_EMIT renewal_wanted(kind); });
 }
 
 void StartPage::add_waiting(Kind kind) {
@@ -139,10 +133,12 @@ void StartPage::add_waiting(Kind kind) {
     actions_->addWidget(label);
 }
 
-QPushButton* StartPage::add_action(const char* id, Kind kind) {
-    const std::string name = std::string(id) + "-" + zvhost::kind_name(kind);
-    QPushButton* const made = named_button(text(id, {{"kind", kind}}), name.c_str());
+QPushButton* StartPage::add_action(const char* id, std::optional<Kind> kind) {
+    const std::string name = kind ? std::string(id) + "-" + zvhost::kind_name(*kind) : id;
+    const zvhost::Values values = kind ? zvhost::Values{{"kind", *kind}} : zvhost::Values{};
+    QPushButton* const made = named_button(text(id, values), name.c_str());
     actions_->addWidget(made, 0, Qt::AlignLeft);
+    made->show(); // what is hidden yet does not get the keyboard where the window has not come up
     return made;
 }
 

@@ -24,13 +24,14 @@ class StartPage : public Page {
     void renewal_wanted(zvhost::Kind kind);
     void waiting_wanted(const zvhost::WaitingRenewal& renewal);
     void help_wanted();
+    void look_wanted();
 
   private:
     void show_readers(const Situation& now);
     void show_card(const Situation& now);
     void show_actions(const Situation& now);
     void add_waiting(zvhost::Kind kind);
-    QPushButton* add_action(const char* id, zvhost::Kind kind);
+    QPushButton* add_action(const char* id, std::optional<zvhost::Kind> kind = {});
 
     QComboBox* readers_;
     ReaderPicture* picture_;

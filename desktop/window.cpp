@@ -52,6 +52,7 @@ void Window::connect_pages() {
     connect(start_, &StartPage::renewal_wanted, this, [this](zvhost::Kind kind) { begin(errand_for(kind)); });
     const auto help = [this] { save_for_help_desk(*this, worker_, choice_.module_dir); };
     connect(start_, &StartPage::help_wanted, this, help);
+    connect(start_, &StartPage::look_wanted, this, &Window::look);
     connect(problem_, &ProblemPage::help_wanted, this, help);
     connect(start_, &StartPage::waiting_wanted, this,
             [this](const zvhost::WaitingRenewal& renewal) { go_on(renewal); });

@@ -44,4 +44,19 @@ std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status) {
     return waiting;
 }
 
+std::vector<Kind> renewals_due(const CardStatus& status) {
+    const std::vector<WaitingRenewal> waiting = waiting_renewals(status);
+    std::vector<Kind> kinds;
+    for (const Kind kind : {Kind::signature, Kind::authentication, Kind::services}) {
+        const auto of_kind = [&](const WaitingRenewal& one) { return one.kind == kind; };
+        const auto due = [&](const ListedCertificate& one) {
+            return one.record.kind == kind && one.due && !one.replaced;
+        };
+        if (std::any_of(status.list.certificates.begin(), status.list.certificates.end(), due) &&
+            std::none_of(waiting.begin(), waiting.end(), of_kind))
+            kinds.push_back(kind);
+    }
+    return kinds;
+}
+
 } // namespace zvhost

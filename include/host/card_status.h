@@ -40,4 +40,7 @@ struct WaitingRenewal {
 // computer's journal has of certificates that are on the card, and not due.
 [[nodiscard]] std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status);
 
+// Kinds of which a certificate on the card is due, and none is waited for.
+[[nodiscard]] std::vector<Kind> renewals_due(const CardStatus& status);
+
 } // namespace zvhost

@@ -247,6 +247,35 @@ TEST_F(WindowTest, ShowsTheCardThatIsMeantAmongSeveralReaders) {
     wait_until([&] { return part("window-renew-signature") != nullptr && !says(second); });
 }
 
+TEST_F(WindowTest, LeavesTheKeyboardWhereItWasWhenReadersChange) {
+    cards_.make({.name = "first", .signature_days = 12, .authentication_days = 12});
+    cards_.configure();
+    open();
+    int readers = 1;
+    for (const char* name : {"window-renew-authentication", "window-help-desk"}) {
+        wait_until([&] { return part(name) != nullptr; });
+        part(name)->setFocus();
+        cards_.make({.name = name});
+        cards_.configure();
+        ++readers;
+        wait_until([&] { return part("readers") && part<QComboBox>("readers")->count() == readers; });
+        wait_until([&] { return page().focusWidget() != nullptr; });
+        ASSERT_NE(page().focusWidget(), nullptr);
+        EXPECT_EQ(page().focusWidget()->objectName().toStdString(), name);
+    }
+}
+
+TEST_F(WindowTest, LooksAgainAtACardThatCouldNotBeRead) {
+    make_card();
+    module_.add_rules("C_FindObjectsInit:1:answer:0x30");
+    open();
+    EXPECT_TRUE(says(told_in("window-trouble-heading"))) << told();
+    picture("start-trouble");
+    wait_until([&] { return page().focusWidget() && page().focusWidget() == part("window-try-again"); });
+    press("window-try-again");
+    wait_until([&] { return part("window-renew-signature") != nullptr; });
+}
+
 TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
     make_card();
     open();
