@@ -23,8 +23,7 @@ struct Situation {
     [[nodiscard]] bool shows(const std::string& card_serial) const;
 };
 
-// Looks at it. The reader that was chosen stays as long as it is there; else the one that holds the card that is meant is
-// taken, or one that holds a known card.
+// Looks at it, in the reader of interest.
 [[nodiscard]] Situation look_around(const zvhost::CardChoice& choice, const std::string& card_serial);
 
 } // namespace desktop

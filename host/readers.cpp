@@ -42,4 +42,19 @@ Readers look_into_readers(const std::string& module_dir) {
     return found;
 }
 
+std::string reader_of_interest(const std::vector<ReaderFacts>& readers, const std::string& chosen,
+                               const std::string& card) {
+    const auto first = [&](const auto& is_it) {
+        const auto found = std::find_if(readers.begin(), readers.end(), is_it);
+        return found == readers.end() ? std::string() : found->reader.name;
+    };
+    for (const std::string& name :
+         {first([&](const ReaderFacts& one) { return one.reader.name == chosen; }),
+          first([&](const ReaderFacts& one) { return one.state && one.state->serial == card; }),
+          first([](const ReaderFacts& one) { return !one.reader.module.empty(); }),
+          first([](const ReaderFacts& one) { return one.reader.card; })})
+        if (!name.empty()) return name;
+    return readers.empty() ? std::string() : readers.front().reader.name;
+}
+
 } // namespace zvhost

@@ -36,4 +36,12 @@ struct Readers {
 // Looks into every reader, without a login. @throws Error when the readers cannot be listed
 [[nodiscard]] Readers look_into_readers(const std::string& module_dir);
 
+// Which of them to show to somebody who names none: the one that was chosen before, as long as it is there; else the one
+// that holds a card, one that holds a known card, one that holds any, the first.
+//
+// @param card  that card's serial number; empty: none is meant
+// @return its name; empty where there is none
+[[nodiscard]] std::string reader_of_interest(const std::vector<ReaderFacts>& readers,
+                                             const std::string& chosen, const std::string& card);
+
 } // namespace zvhost
