@@ -42,7 +42,8 @@ void ConsentPage::ask(const zvhost::CardStatus& status, const Errand& errand) {
     errand_ = errand;
     again_ = false;
     const bool installs = !errand.certificate.empty() || errand.wishes.remove_old;
-    set_heading({installs ? "window-install-heading" : "window-renew-heading", {{"kind", errand.kind()}}});
+    const char* const heading = installs ? "window-install-heading" : "window-renew-heading";
+    set_heading({errand.finishes ? "window-finish-renewal" : heading, {{"kind", errand.kind()}}});
     remove_old_->setVisible(installs);
     remove_old_->setChecked(errand.wishes.remove_old);
     pin_->show();

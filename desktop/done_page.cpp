@@ -21,8 +21,8 @@ void DonePage::show_done(const zvhost::Renewal& renewal) {
     clear();
     set_heading({"window-done-heading", {{"kind", renewal.kind}}});
     std::vector<zvhost::Sentence> told{{"renewal-done", about}};
-    if (renewal.installed)
-        told.emplace_back(renewal.installed->signed_with ? "window-proved" : "renewal-compared", about);
+    if (renewal.signed_with)
+        told.emplace_back(*renewal.signed_with ? "window-proved" : "renewal-compared", about);
     if (!renewal.removed.empty()) told.emplace_back("renewal-removed", about);
     if (!renewal.backup.empty()) told.emplace_back("renewal-backup", about);
     told.emplace_back("renewal-now", about);

@@ -11,6 +11,7 @@ struct Errand {
     zvhost::CardFacts card;
     zvhost::RenewalWishes wishes;
     std::string certificate; // file of the authority's; empty: it has not come
+    bool finishes = false;   // the certificate is on the card
 
     [[nodiscard]] zvhost::Kind kind() const { return wishes.request.kind; }
     [[nodiscard]] std::string card_serial() const { return card.state ? card.state->serial : ""; }

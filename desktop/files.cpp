@@ -24,14 +24,12 @@ std::string new_request_file(const std::string& card_serial, const char* kind) {
 }
 
 // It is gone with the program: what it holds is the authority's to give again.
-QString file_with(const QString& certificate) {
+QString file_with(const QByteArray& certificate) {
     static const QTemporaryDir folder;
     static int count = 0;
     QFile file(folder.filePath(QStringLiteral("certificate-%1.pem").arg(++count)));
-    const QByteArray bytes = certificate.toUtf8();
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(bytes) != bytes.size()) return {};
-    file.close();
-    return file.fileName();
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return {};
+    return file.write(certificate) == certificate.size() && file.flush() ? file.fileName() : QString();
 }
 
 } // namespace desktop

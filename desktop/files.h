@@ -12,8 +12,8 @@ namespace desktop {
 // File of a request that is yet to be made.
 [[nodiscard]] std::string new_request_file(const std::string& card_serial, const char* kind);
 
-// A certificate that came as a text, in a file.
+// A certificate that came in no file, in one.
 // @return its name; empty where none can be made
-[[nodiscard]] QString file_with(const QString& certificate);
+[[nodiscard]] QString file_with(const QByteArray& certificate);
 
 } // namespace desktop

@@ -67,7 +67,7 @@ void RequestPage::choose_certificate() {
 
 void RequestPage::paste_certificate() {
     const QString pasted = QGuiApplication::clipboard()->text();
-    const QString file = pasted.isEmpty() ? QString() : file_with(pasted);
+    const QString file = pasted.isEmpty() ? QString() : file_with(pasted.toUtf8());
     if (file.isEmpty())
         result_->setText(text("window-nothing-to-paste"));
     else

@@ -117,8 +117,9 @@ void StartPage::show_actions(const Situation& now) {
         connect(add_action("window-try-again"), &QPushButton::clicked, this, &StartPage::look_wanted);
     if (!now.status) return;
     for (const zvhost::WaitingRenewal& one : zvhost::waiting_renewals(*now.status)) {
-        if (!one.proved) add_waiting(one.kind);
-        const char* const id = one.proved ? "window-finish-renewal" : "window-take-certificate";
+        const char* const stands = one.proved ? "window-untidied" : "window-untried";
+        add_told(one.stored.empty() ? "window-waits-heading" : stands, one.kind);
+        const char* const id = one.stored.empty() ? "window-take-certificate" : "window-finish-renewal";
         connect(add_action(id, one.kind), &QPushButton::clicked, this,
                 [this, one] { Q_EMIT waiting_wanted(one); });
     }
@@ -127,9 +128,10 @@ void StartPage::show_actions(const Situation& now) {
                 [this, kind] { Q_EMIT renewal_wanted(kind); });
 }
 
-void StartPage::add_waiting(Kind kind) {
-    auto* const label = new QLabel(text("window-waits-heading", {{"kind", kind}}));
+void StartPage::add_told(const char* id, Kind kind) {
+    auto* const label = new QLabel(text(id, {{"kind", kind}}));
     label->setObjectName(QStringLiteral("waits"));
+    label->setWordWrap(true);
     actions_->addWidget(label);
 }
 

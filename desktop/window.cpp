@@ -136,8 +136,11 @@ Errand Window::errand_for(zvhost::Kind kind) const {
 void Window::go_on(const zvhost::WaitingRenewal& renewal) {
     Errand errand = errand_for(renewal.kind);
     if (!renewal.request.empty()) errand.wishes.request.out = renewal.request;
+    if (renewal.stored.empty()) return show_waiting(errand);
+    errand.finishes = true;
     errand.wishes.remove_old = renewal.proved; // nothing else is left
-    renewal.proved ? begin(errand) : show_waiting(errand);
+    if (!renewal.proved) errand.certificate = to_utf8(file_with(QByteArray::fromStdString(renewal.stored)));
+    begin(errand);
 }
 
 // The card is looked at first: what is asked is about the card as it is now.

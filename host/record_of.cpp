@@ -41,6 +41,7 @@ std::optional<CertificateRecord> record_of(const CardObject& object, Kind kind) 
     if (kind_row(kind).notice) record.notice = text_of(der, kvGetExplicitText);
     record.key_identifier = text_of(der, zv_X509V3_get_subject_key_identifier);
     record.tax_code = text_of(der, kvGetCodFisc);
+    record.der.assign(der.begin(), der.end());
     return record;
 }
 

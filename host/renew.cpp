@@ -140,6 +140,7 @@ Renewal PlannedRenewal::Work::told() const {
     renewal.pair = pair_;
     renewal.request = wishes_.request.out;
     renewal.installed = installed_;
+    renewal.signed_with = installed_ ? installed_->signed_with : signed_with_;
     renewal.removed = removed_;
     renewal.backup = backup_.empty() && installed_ ? installed_->backup : backup_;
     renewal.now = standing_.now;

@@ -52,6 +52,7 @@ bool PlannedRenewal::Work::plan_answer(const std::string& file) {
         if (stored == nullptr) throw;
         if (standing_.due && stored->id == standing_.current) return false;
         left_ = error.advice;
+        signed_with_ = stored->verified;
         plan_rest(stored->id);
         return true;
     }

@@ -8,23 +8,21 @@ namespace zvhost {
 namespace {
 
 WaitingRenewal remembered(const RememberedCard& card, Kind kind, const std::string& pair) {
-    WaitingRenewal waiting{kind, pair, {}, {}, 0, false};
+    WaitingRenewal waiting{kind, pair, {}, {}, 0, {}, false};
     const RememberedRenewal* renewal = card.renewal(kind);
     if (renewal == nullptr || renewal->pair != pair) return waiting;
     waiting.request = renewal->request;
     waiting.replaces = renewal->replaces;
     waiting.begun = renewal->begun;
-    waiting.proved = renewal->step != RENEWAL_REQUESTED;
     return waiting;
 }
 
-// A services card has its certificate under the same identifier all along.
-bool is_stored(const CardList& list, const RememberedRenewal& renewal) {
-    const auto of_pair = [&](const ListedCertificate& one) {
-        return one.record.id == renewal.pair && !one.due;
-    };
-    return (renewal.kind != Kind::services || renewal.step != RENEWAL_REQUESTED) &&
-           std::any_of(list.certificates.begin(), list.certificates.end(), of_pair);
+// Empty: it is not there. A services card has its certificate under the same identifier all along.
+std::string stored_certificate(const CardList& list, const RememberedRenewal& renewal) {
+    if (renewal.kind == Kind::services && renewal.step == RENEWAL_REQUESTED) return {};
+    for (const ListedCertificate& one : list.certificates)
+        if (one.record.id == renewal.pair && !one.due) return one.record.der;
+    return {};
 }
 
 } // namespace
@@ -38,8 +36,11 @@ std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status) {
     if (status.services_pending) waiting.push_back(remembered(card, Kind::services, ZV_OWN_PAIR));
     for (const RememberedRenewal& renewal : card.renewals) {
         const auto same = [&](const WaitingRenewal& one) { return one.kind == renewal.kind; };
-        if (std::none_of(waiting.begin(), waiting.end(), same) && is_stored(status.list, renewal))
-            waiting.push_back(remembered(card, renewal.kind, renewal.pair));
+        const std::string stored = stored_certificate(status.list, renewal);
+        if (stored.empty() || std::any_of(waiting.begin(), waiting.end(), same)) continue;
+        waiting.push_back(remembered(card, renewal.kind, renewal.pair));
+        waiting.back().stored = stored;
+        waiting.back().proved = renewal.step != RENEWAL_REQUESTED;
     }
     return waiting;
 }

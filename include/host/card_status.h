@@ -33,7 +33,8 @@ struct WaitingRenewal {
     std::string request;   // the request's file, absolute; it need not be there any more
     std::string replaces;  // identifier of the old certificate
     std::time_t begun = 0; // when the request was made
-    bool proved = false;   // the certificate was stored, and proved; what is left is the old one
+    std::string stored;    // the certificate in DER, where it is on the card; it may not have been proved
+    bool proved = false;   // it was; what is left is the old one
 };
 
 // What waits on a card that was looked at, the pair that the next request would take first of its kind; then what this

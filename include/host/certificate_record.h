@@ -22,6 +22,7 @@ struct CertificateRecord {
     std::string notice; // signature certificates only
     std::string key_identifier;
     std::string tax_code;
+    std::string der; // all of it
 };
 
 // "YYYY-MM-DD", UTC.

@@ -51,6 +51,7 @@ struct Renewal {
     std::string pair;
     std::string request;                // its file
     std::optional<Installed> installed; // in this run
+    std::optional<bool> signed_with;    // the new key, tried in this run: signed; false: it was compared
     std::string removed; // identifier of the old certificate; empty: it was not removed by this run
     std::string backup;
     OnCard now;

@@ -45,6 +45,10 @@ constexpr Row DESKTOP_ROWS[] = {
     {"window-other-certificate", N_("&Choose another certificate")},
     {"window-help-desk-saved", N_("Saved in {file}. Read it, then send it to the help desk.")},
     {"window-today", N_("The dashed line is today, {day}.")},
+    {"window-untidied",
+     N_("The new {kind} certificate is on the card and works. What is left is to remove the "
+        "old one.")},
+    {"window-untried", N_("The new {kind} certificate is on the card. What is left is to try it.")},
     {"window-untouched", N_("Nothing was changed on the card.")},
     {"window-readers", N_("Card readers")},
     {"window-remove-old", N_("&Remove the old certificate and its keys")},
