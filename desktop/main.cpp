@@ -11,7 +11,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QMessageBox>
+#include <QTranslator>
 #include <filesystem>
 
 namespace {
@@ -21,7 +23,12 @@ void speak(const QString& language) {
     const std::string wanted = language.isEmpty() ? words::usual_language() : desktop::to_utf8(language);
     words::face_is(words::Face::window);
     words::speak(wanted, std::filesystem::path(zvhost::program_folder()) / ZV_CATALOGUES);
-    QLocale::setDefault(QLocale(desktop::from_utf8(words::spoken_language())));
+    const QString spoken = desktop::from_utf8(words::spoken_language());
+    QLocale::setDefault(QLocale(spoken));
+    // Qt's own, on the buttons of its dialogs; English where it has none.
+    auto* const own = new QTranslator(qApp);
+    if (own->load(QStringLiteral("qtbase_") + spoken, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(own);
 }
 
 // The theme's, else the one that was installed with the program.
