@@ -95,6 +95,19 @@ class WindowTest : public testing::Test {
         type_pin();
         press("window-go-on");
     }
+    // Opens the window at a card and goes to where its PIN is asked for.
+    void ask_for_pin(const char* kind = "signature") {
+        make_card(12, kind == std::string_view("services") ? "cns" : "signature");
+        open();
+        press((std::string("window-renew-") + kind).c_str());
+        wait_for_page("consent-page");
+    }
+    // And on to where the request is.
+    void make_request() {
+        ask_for_pin();
+        give_pin();
+        wait_for_page("request-page");
+    }
     static void speak(const char* language) { words::speak(language, CATALOGUES); }
     static std::string told_in(const char* id) { return words::of(zvhost::Sentence(id, {})); }
     // The card's certificates, those of authorities excepted.

@@ -59,10 +59,7 @@ TEST_P(WindowLanguageTest, RenewsASignatureCertificate) {
 INSTANTIATE_TEST_SUITE_P(All, WindowLanguageTest, testing::ValuesIn(words::LANGUAGES));
 
 TEST_F(WindowTest, RenewsAServicesCard) {
-    make_card(12, "cns");
-    open();
-    press("window-renew-services");
-    wait_for_page("consent-page");
+    ask_for_pin("services");
     EXPECT_FALSE(says("keys are made")) << told();
     give_pin();
     wait_for_page("request-page");
@@ -75,9 +72,7 @@ TEST_F(WindowTest, RenewsAServicesCard) {
 }
 
 TEST_F(WindowTest, SpendsOneTryForAWrongPinAndNoneForALockedOne) {
-    make_card();
-    open();
-    press("window-renew-signature");
+    ask_for_pin();
     for (const char* wrong : {"99999999", "99999998", "99999997"}) {
         const unsigned long logins = module_.calls("C_Login");
         wait_for_page("consent-page");
@@ -102,10 +97,7 @@ TEST_F(WindowTest, SpendsOneTryForAWrongPinAndNoneForALockedOne) {
 }
 
 TEST_F(WindowTest, KeepsThePinToItself) {
-    make_card();
-    open();
-    press("window-renew-signature");
-    wait_for_page("consent-page");
+    ask_for_pin();
     auto* const field = part<QLineEdit>("window-pin");
     QGuiApplication::clipboard()->setText(QStringLiteral("87654321"));
     QTest::keySequence(field, QKeySequence::Paste);
@@ -157,9 +149,7 @@ TEST_F(WindowTest, FollowsTheCard) {
 }
 
 TEST_F(WindowTest, GoesOnAfterACardThatWasPulledAtWork) {
-    make_card();
-    open();
-    press("window-renew-signature");
+    ask_for_pin();
     for (const char* rule : {"C_GenerateKeyPair:1:take-out", "C_Sign:1:take-out"}) {
         wait_for_page("consent-page");
         module_.add_rules(rule);
@@ -177,13 +167,7 @@ TEST_F(WindowTest, GoesOnAfterACardThatWasPulledAtWork) {
 }
 
 TEST_F(WindowTest, RefusesWhatIsNoAnswer) {
-    make_card();
-    open();
-    press("window-renew-signature");
-    wait_for_page("consent-page");
-    give_pin();
-    wait_for_page("request-page");
-    const std::string good = answer();
+    make_request();
     const auto refused = [&](const std::string& file, const char* reason) {
         drop(file);
         wait_for_page("consent-page");
@@ -209,10 +193,7 @@ TEST_F(WindowTest, RefusesWhatIsNoAnswer) {
 }
 
 TEST_F(WindowTest, ClosesOnceTheCardIsLeftAlone) {
-    make_card();
-    open();
-    press("window-renew-signature");
-    wait_for_page("consent-page");
+    ask_for_pin();
     module_.add_rules("C_GenerateKeyPair:1:delay:700000");
     give_pin();
     wait_until([&] { return says("Step 1 of"); });
@@ -277,12 +258,7 @@ TEST_F(WindowTest, LooksAgainAtACardThatCouldNotBeRead) {
 }
 
 TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
-    make_card();
-    open();
-    press("window-renew-signature");
-    wait_for_page("consent-page");
-    give_pin();
-    wait_for_page("request-page");
+    make_request();
     press("window-copy-request");
     const std::string copied = QGuiApplication::clipboard()->text().toStdString();
     press("window-save-request");
@@ -306,12 +282,7 @@ TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
 }
 
 TEST_F(WindowTest, TellsWhatTheCardWantsBeyondWhatItShowed) {
-    make_card();
-    open();
-    press("window-renew-signature");
-    wait_for_page("consent-page");
-    give_pin();
-    wait_for_page("request-page");
+    make_request();
     for (const auto& one : fs::directory_iterator(folder()))
         fs::remove(one.path());
     press("window-back");

@@ -3,6 +3,7 @@
 #include "host/front.h"
 #include "simcard/authority/certificate_file.h"
 #include "simcard/authority/renewal.h"
+#include "tests/host/given_pin.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/log_file.h"
 #include "words/words.h"
@@ -15,21 +16,13 @@
 namespace {
 
 using zvhost::Kind, zvhost::Plan;
+using zvtest::GivenPin;
 
 constexpr const char* READER = "Simulated Reader 0";
 constexpr const char* KEYS_MADE = "Two keys are made on the card.";
 constexpr const char* STORED = "The new certificate is stored beside its keys.";
 constexpr const char* NOTHING_REMOVED = "Nothing is removed.";
 constexpr const char* NOTHING = "Nothing on the card is changed.";
-
-struct GivenPin : zvhost::PinSource {
-    [[nodiscard]] zvhost::Pin ask(const zvhost::CardFacts& /*card*/) override {
-        zvhost::Pin pin;
-        for (const char c : std::string(simcard::DEFAULT_PIN))
-            pin.add(c);
-        return pin;
-    }
-};
 
 struct AnswerInAFile : zvhost::Authority {
     [[nodiscard]] std::string at_hand() override { return file; }

@@ -3,6 +3,7 @@
 #include "host/front.h"
 #include "host/inventory.h"
 #include "host/library_card.h"
+#include "tests/host/given_pin.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/log_file.h"
 #include "tests/support/module.h"
@@ -15,17 +16,9 @@
 namespace {
 
 using zvhost::Kind;
+using zvtest::GivenPin;
 
 constexpr const char* READER = "Simulated Reader 0";
-
-struct GivenPin : zvhost::PinSource {
-    [[nodiscard]] zvhost::Pin ask(const zvhost::CardFacts& /*card*/) override {
-        zvhost::Pin pin;
-        for (const char c : std::string(simcard::DEFAULT_PIN))
-            pin.add(c);
-        return pin;
-    }
-};
 
 // The objects beside those that a card is made with.
 struct Beside {
