@@ -1,3 +1,4 @@
+#include "simcard/common/card_folder.h"
 #include "tests/desktop/window_fixture.h"
 
 #include <QClipboard>
@@ -94,6 +95,24 @@ TEST_F(WindowTest, SpendsOneTryForAWrongPinAndNoneForALockedOne) {
     picture("consent-locked");
     EXPECT_FALSE(part("window-pin")->isEnabled());
     EXPECT_FALSE(part("window-go-on")->isEnabled());
+}
+
+TEST_F(WindowTest, GivesAPinToNoOtherCard) {
+    const std::string other = cards_.make({.name = "other", .pin = "87654321"}).serial;
+    tool("eject other");
+    ask_for_pin();
+    type_pin();
+    tool("eject card");
+    tool("insert other");  // into the same reader
+    press("window-go-on"); // before the window sees what has changed
+    wait_for_page("problem-page");
+    EXPECT_TRUE(says("Another card is in the reader")) << told();
+    picture("problem-other-card");
+    EXPECT_EQ(module_.calls("C_Login"), 0U);
+    EXPECT_EQ(simcard::load_card(cards_.path() / "other").pin_tries_left, 3U);
+    press("remedy");
+    wait_for_page("start-page");
+    EXPECT_TRUE(says(other)) << told();
 }
 
 TEST_F(WindowTest, KeepsThePinToItself) {
