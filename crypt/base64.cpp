@@ -17,10 +17,11 @@ constexpr std::string_view BLANKS = " \t\r\n";
 } // namespace
 
 std::string base64_line(std::span<const unsigned char> bytes) {
-    unsigned char characters[BASE64_LINE_LENGTH + 1];
+    unsigned char characters[BASE64_LINE_LENGTH + 1]; // the encoder ends them with a zero byte
     const auto length = bytes.size() < BYTES_PER_BASE64_LINE ? bytes.size() : BYTES_PER_BASE64_LINE;
     const int written = EVP_EncodeBlock(characters, bytes.data(), static_cast<int>(length));
-    return std::string(reinterpret_cast<char*>(characters), static_cast<std::size_t>(written)) + "\n";
+    characters[written] = '\n';
+    return {reinterpret_cast<char*>(characters), static_cast<std::size_t>(written) + 1};
 }
 
 void Base64Decoder::add_group(Bytes& bytes) {

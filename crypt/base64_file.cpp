@@ -8,13 +8,14 @@
 namespace zvcrypt {
 namespace {
 
-// A multiple of the bytes in a line.
-constexpr std::size_t PIECE_SIZE = 1024 * BYTES_PER_BASE64_LINE;
+// A multiple of the bytes in a line, and little more than what a request has room for.
+constexpr std::size_t PIECE_SIZE = 256 * BYTES_PER_BASE64_LINE;
 
 void encode(InputFile& input, OutputFile& output) {
     Bytes piece(PIECE_SIZE);
     while (const std::size_t count = input.read(piece)) {
         std::string lines;
+        lines.reserve(base64_length(count));
         for (std::size_t start = 0; start < count; start += BYTES_PER_BASE64_LINE)
             lines += base64_line({piece.data() + start, std::min(BYTES_PER_BASE64_LINE, count - start)});
         output.write({reinterpret_cast<const unsigned char*>(lines.data()), lines.size()});

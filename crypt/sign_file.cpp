@@ -13,7 +13,7 @@ namespace {
 // What the renewal request has room for.
 constexpr std::size_t LONGEST_BASE64 = ZV_REQUEST_SIZE - 1;
 
-constexpr std::size_t CONTENT_PIECE = 65536;
+constexpr std::size_t CONTENT_PIECE = 8192;
 
 // Reads the file through once, piece by piece; gives its digest and length.
 struct Content {

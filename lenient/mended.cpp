@@ -35,6 +35,8 @@ std::optional<Element> next(Span& rest) {
 }
 
 bool is_text(int tag, Span value) {
+    const auto is_ascii = [](unsigned char byte) { return byte < 0x80; };
+    if (tag == V_ASN1_UTF8STRING && std::all_of(value.begin(), value.end(), is_ascii)) return true;
     const ossl::String text(ASN1_STRING_type_new(tag));
     unsigned char* utf8 = nullptr;
     if (!text || ASN1_STRING_set(text.get(), value.data(), static_cast<int>(value.size())) != 1) return false;

@@ -1,8 +1,10 @@
 #include "util/numbers.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace zv {
 
@@ -22,15 +24,13 @@ void write_decimal(char* buffer, std::size_t size, long number) {
 }
 
 NumberText with_decimal(const char* prefix, long number) {
-    char digits[21];
-    write_decimal(digits, sizeof digits, number);
-    return with_tail(prefix, digits);
+    char digits[20];
+    return with_tail(prefix, {digits, std::to_chars(digits, std::end(digits), number).ptr});
 }
 
 NumberText with_hex(const char* prefix, long number) {
-    char digits[23];
-    (void)std::snprintf(digits, sizeof digits, "0x%ld", number);
-    return with_tail(prefix, digits);
+    char digits[22] = {'0', 'x'};
+    return with_tail(prefix, {digits, std::to_chars(digits + 2, std::end(digits), number).ptr});
 }
 
 char* write_hex(char* buffer, const char* prefix, long number) {
