@@ -40,9 +40,10 @@ extern "C" {
 
 int __real_open(const char* path, int flags, ...);
 int __real_close(int file);
-int __real_fstat(int file, struct stat* status);
+int __real_statx(int file, const char* path, int flags, unsigned asked, struct statx* status);
 int __real_ftruncate(int file, off_t length);
 uid_t __real_geteuid();
+ssize_t __real_write(int file, const void* bytes, size_t count);
 ssize_t __real_writev(int file, const iovec* parts, int count);
 
 int __wrap_open(const char* path, int flags, ...) {
@@ -57,12 +58,12 @@ int __wrap_close(int file) {
     return file == fuzz::log_descriptor() ? 0 : __real_close(file);
 }
 
-int __wrap_fstat(int file, struct stat* status) {
-    if (file != fuzz::log_descriptor()) return __real_fstat(file, status);
+int __wrap_statx(int file, const char* path, int flags, unsigned asked, struct statx* status) {
+    if (file != fuzz::log_descriptor()) return __real_statx(file, path, flags, asked, status);
     *status = {};
-    status->st_mode = S_IFREG | S_IRUSR | S_IWUSR;
-    status->st_uid = ::geteuid();
-    status->st_size = static_cast<off_t>(fuzz::log.size());
+    status->stx_mode = S_IFREG | S_IRUSR | S_IWUSR;
+    status->stx_uid = ::geteuid();
+    status->stx_size = fuzz::log.size();
     return 0;
 }
 
@@ -75,6 +76,12 @@ int __wrap_ftruncate(int file, off_t length) {
     if (file != fuzz::log_descriptor()) return __real_ftruncate(file, length);
     fuzz::log.resize(static_cast<std::size_t>(length));
     return 0;
+}
+
+ssize_t __wrap_write(int file, const void* bytes, size_t count) {
+    if (file != fuzz::log_descriptor()) return __real_write(file, bytes, count);
+    fuzz::log.append(static_cast<const char*>(bytes), count);
+    return static_cast<ssize_t>(count);
 }
 
 ssize_t __wrap_writev(int file, const iovec* parts, int count) {
