@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 namespace cli {
@@ -32,17 +33,6 @@ Or all of it in one command:
 The PIN is asked for at the terminal or by --pinentry, or read from --pin-file or --pin-fd; it is never an argument.
 )");
 
-// The parser's own words, as far as it lets them be told. Each command takes them over.
-void translate(CLI::App& app) {
-    app.set_help_flag("-h,--help", words::tr("Print this help message and exit"));
-    app.get_help_ptr()->group(words::tr("Options"));
-    app.option_defaults()->group(words::tr("Options"));
-    app.group(words::tr("Subcommands"));
-    for (const char* label :
-         {N_("Usage"), N_("OPTIONS"), N_("Positionals"), N_("REQUIRED"), N_("SUBCOMMAND"), N_("SUBCOMMANDS")})
-        app.get_formatter()->label(label, words::tr(label));
-}
-
 // Shows "--wait [=SECONDS]", a value that may be left out, in place of "--wait{SECONDS}", and what is given without a
 // name in the language.
 class Help : public CLI::Formatter {
@@ -56,10 +46,49 @@ class Help : public CLI::Formatter {
     }
 };
 
+// The parser's own words, as far as it lets them be told. Each command takes them over.
+void describe(CLI::App& app) {
+    app.formatter(std::make_shared<Help>());
+    app.get_formatter()->column_width(34);
+    app.set_help_flag("-h,--help", words::tr("Print this help message and exit"));
+    app.get_help_ptr()->group(words::tr("Options"));
+    app.option_defaults()->group(words::tr("Options"));
+    app.group(words::tr("Subcommands"));
+    app.footer(joined({STEPS, exit_codes_text()}));
+    for (const char* label :
+         {N_("Usage"), N_("OPTIONS"), N_("Positionals"), N_("REQUIRED"), N_("SUBCOMMAND"), N_("SUBCOMMANDS")})
+        app.get_formatter()->label(label, words::tr(label));
+}
+
+using Words = std::vector<std::string>;
+
+// The program's parser, with the commands that are wanted.
+class Parser {
+  public:
+    explicit Parser(const Wanted& wanted) {
+        describe(app_);
+        app_.set_version_flag("--version", ZV_VERSION,
+                              words::tr("Display program version information and exit"));
+        OptionList(app_).language("--lang", language_);
+        app_.require_subcommand(1);
+        add_commands(app_, chosen_, wanted);
+    }
+
+    [[nodiscard]] const CLI::App& app() const { return app_; }
+    Invocation read(int argc, char** argv) {
+        app_.parse(argc, argv);
+        return chosen_;
+    }
+
+  private:
+    CLI::App app_{words::tr(ABOUT), "zvrenew"};
+    Invocation chosen_;
+    std::string language_;
+};
+
 // A mistake ends the reading before every option is known.
-bool wants_json(int argc, char** argv) {
-    return std::any_of(argv, argv + argc,
-                       [](const char* word) { return std::string_view(word) == "--json"; });
+bool wants_json(const Words& words) {
+    return std::find(words.begin(), words.end(), "--json") != words.end();
 }
 
 Report told(const std::string& text) {
@@ -82,38 +111,47 @@ Invocation as_answer(const CLI::App& app, const CLI::ParseError& error, bool jso
 }
 
 // What the shells' completion asks, with the words behind it. People are not told of it.
-bool is_completed(int argc, char** argv) {
-    return argc > 1 && std::string_view(argv[1]) == "--complete";
+bool is_completed(const Words& words) {
+    return !words.empty() && words.front() == "--complete";
 }
 
-Invocation as_completion(const CLI::App& app, const std::vector<std::string>& words) {
+Invocation as_completion(const CLI::App& app, const Words& words) {
     Report report;
     report.payload = completions(app, words);
     return {"", false, false, [report] { return report; }};
 }
 
+bool every_command(const std::string&) {
+    return true;
+}
+
+// By a parser that knows the commands that are named among the words alone: all of them take a third of the program's
+// own start. None: help and mistakes, which tell of the others too.
+std::optional<Invocation> read_named(int argc, char** argv, const Words& words) {
+    Parser parser(
+        [&](const std::string& name) { return std::find(words.begin(), words.end(), name) != words.end(); });
+    try {
+        return parser.read(argc, argv);
+    } catch (const CLI::CallForVersion& version) {
+        return as_answer(parser.app(), version, wants_json(words));
+    } catch (const CLI::ParseError&) {
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 Invocation read_command_line(int argc, char** argv) {
-    CLI::App app(words::tr(ABOUT), "zvrenew");
-    Invocation chosen;
-    std::string language;
-    app.formatter(std::make_shared<Help>());
-    translate(app);
-    app.set_version_flag("--version", ZV_VERSION, words::tr("Display program version information and exit"));
-    OptionList(app).language("--lang", language);
-    app.require_subcommand(1);
-    app.footer(joined({STEPS, exit_codes_text()}));
-    app.get_formatter()->column_width(34);
-    const bool completed = is_completed(argc, argv);
-    add_commands(app, chosen, completed ? Declared::all : Declared::when_named);
-    if (completed) return as_completion(app, {argv + 2, argv + argc});
+    const Words words(argv + std::min(argc, 1), argv + argc);
+    if (is_completed(words))
+        return as_completion(Parser(every_command).app(), {words.begin() + 1, words.end()});
+    if (const auto invocation = read_named(argc, argv, words)) return *invocation;
+    Parser parser(every_command);
     try {
-        app.parse(argc, argv);
+        return parser.read(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return as_answer(app, error, wants_json(argc, argv));
+        return as_answer(parser.app(), error, wants_json(words));
     }
-    return chosen;
 }
 
 } // namespace cli

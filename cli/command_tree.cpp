@@ -47,44 +47,36 @@ std::string full_name(const CLI::App& command) {
     return top ? command.get_name() : parent->get_name() + " " + command.get_name();
 }
 
-// Declares a command's options, which live as long as the parser: when the command line names the command, since those
-// of all take a fifth of the program's start.
-template <class Options> void declare(CLI::App& command, std::shared_ptr<Options> options, Declared when) {
-    const auto now = [&command, options] {
-        OptionList list(command);
-        options->declare(list);
-    };
-    if (when == Declared::all) return now();
-    command.preparse_callback([now](std::size_t) { now(); });
-}
-
 // Where a command is added, and how.
 struct Branch {
     CLI::App& app;
     Invocation& chosen;
-    Declared when;
+    const Wanted& wanted;
 };
 
+// Null: it is not wanted.
 template <class Options>
-CLI::App& add_command(const Branch& branch, const char* name, const char* text, Report (*run)(const Options&),
+CLI::App* add_command(const Branch& branch, const char* name, const char* text, Report (*run)(const Options&),
                       const std::vector<const char*>& footer = {EXITS}) {
-    auto options = std::make_shared<Options>();
+    if (!branch.wanted(name)) return nullptr;
+    auto options = std::make_shared<Options>(); // lives as long as the parser
     CLI::App* command = branch.app.add_subcommand(name, words::tr(text));
     command->footer(joined(footer));
     command->get_help_ptr()->group(words::tr("Options"));
-    declare(*command, options, branch.when);
+    OptionList list(*command);
+    options->declare(list);
     // A command's own commands come first.
     command->callback([&chosen = branch.chosen, command, options, name = full_name(*command), run] {
         if (!command->get_subcommands().empty()) return;
         chosen = {name, options->json, true, [options, run] { return run(*options); }};
     });
-    return *command;
+    return command;
 }
 
 } // namespace
 
-void add_commands(CLI::App& app, Invocation& chosen, Declared when) {
-    const Branch top{app, chosen, when};
+void add_commands(CLI::App& app, Invocation& chosen, const Wanted& wanted) {
+    const Branch top{app, chosen, wanted};
     add_command(top, "readers",
                 "Shows the readers, their cards and how it stands with the PIN (asks for none)", run_readers);
     add_command(top, "doctor",
@@ -110,10 +102,11 @@ void add_commands(CLI::App& app, Invocation& chosen, Declared when) {
         run_rehearse, {REHEARSE_EXITS});
     add_command(top, "install", "Stores the certificate that the authority issued, beside its keys",
                 run_install, {ABOUT_REMOVAL, EXITS});
-    CLI::App& pending = add_command(top, "pending", "Shows what waits for a certificate", run_pending);
-    const Branch below_pending{pending, chosen, when};
-    add_command(below_pending, "discard",
-                "Removes a pair that waits: no certificate can be installed for it then", run_discard);
+    if (CLI::App* pending = add_command(top, "pending", "Shows what waits for a certificate", run_pending)) {
+        const Branch below{*pending, chosen, wanted};
+        add_command(below, "discard",
+                    "Removes a pair that waits: no certificate can be installed for it then", run_discard);
+    }
     add_command(top, "remove", "Removes a certificate that is no longer needed, with its keys", run_remove);
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/command_line.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,12 @@ class App;
 
 namespace cli {
 
-// When a command's options are made: for the one that the command line names, or for all.
-enum class Declared { when_named, all };
+// Whether a command of that name is to be there.
+using Wanted = std::function<bool(const std::string& name)>;
 
-// Adds the program's commands with their options. The one that the command line names puts down in `chosen` what is to be
-// done; that has to live as long as the parser.
-void add_commands(CLI::App& app, Invocation& chosen, Declared when);
+// Adds those of the program's commands that are wanted, with their options. The one that the command line names puts down
+// in `chosen` what is to be done; that has to live as long as the parser.
+void add_commands(CLI::App& app, Invocation& chosen, const Wanted& wanted);
 
 // What the exit codes mean, below a command's help.
 [[nodiscard]] const char* exit_codes_text();
