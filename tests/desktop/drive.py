@@ -7,6 +7,7 @@ import re
 import signal
 import subprocess
 import time
+from functools import cached_property
 from importlib.machinery import SourceFileLoader
 from importlib.util import module_from_spec, spec_from_loader
 from pathlib import Path
@@ -191,15 +192,32 @@ STATES = {1: "active", 4: "checked", 7: "editable", 8: "enabled", 11: "focusable
 
 
 class Part:
-    """A widget, as a screen reader has it."""
+    """A widget, as a screen reader has it; what nobody wants to know of it is not asked for."""
 
     def __init__(self, window, path):
         self.window, self.path = window, path
+
+    @cached_property
+    def states(self):
         low, high = self.call("GetState")[0]
-        self.states = {name for bit, name in STATES.items() if (low | high << 32) >> bit & 1}
+        return {name for bit, name in STATES.items() if (low | high << 32) >> bit & 1}
+
+    @cached_property
+    def role(self):
         number = self.call("GetRole")[0]
-        self.role = ROLES.get(number, f"role {number}")
-        self.name, self.description = self.property("Name"), self.property("Description")
+        return ROLES.get(number, f"role {number}")
+
+    @cached_property
+    def name(self):
+        return self.property("Name")
+
+    @cached_property
+    def description(self):
+        return self.property("Description")
+
+    def whole(self):
+        """With all that is shown of it read now."""
+        return str(self) and self
 
     def call(self, method, arguments=None, interface=ACCESSIBLE):
         return self.window.bus.call(self.window.name, self.path, interface, method, arguments)
@@ -241,7 +259,6 @@ class Window:
         with self.errors.open("ab") as errors:
             self.process = subprocess.Popen([*map(str, command), "--lang", language], env=environment, cwd=folder,
                                             stdin=subprocess.DEVNULL, stdout=errors, stderr=errors)
-        self.until(self.is_there, "the program on the accessibility bus")
 
     def is_there(self):
         self.name = self.bus.of_process(self.process.pid)
@@ -267,26 +284,33 @@ class Window:
 
     def parts(self):
         """What is shown, from the top; of several windows the uppermost."""
+        return self.steadily(lambda: [part.whole() for part in self.shown()])
+
+    def first(self, fits):
+        """The uppermost that fits; None where there is none."""
+        return self.steadily(lambda: next((part.whole() for part in self.shown() if fits(part)), None))
+
+    def steadily(self, read):
+        """Reads again where what is read has just changed."""
         while True:
             try:
-                return self.parts_now()
+                return read()
             except GLib.Error as error:
                 if self.process.poll() is not None:
                     raise Failed(f"the program ended with {self.process.returncode}") from error
-                time.sleep(0.01)  # what was read has just changed
+                time.sleep(0.01)
 
-    def parts_now(self):
+    def shown(self):
         windows = [Part(self, path) for path in self.root().children()]
         shown = [window for window in windows if "showing" in window.states]
-        return self.below(shown[-1]) if shown else []
+        yield from self.below(shown[-1]) if shown else ()
 
     def below(self, part):
-        found = [part]
+        yield part
         for path in part.children():
             child = Part(self, path)
             if "showing" in child.states:
-                found += self.below(child)
-        return found
+                yield from self.below(child)
 
     def told(self):
         try:
@@ -297,20 +321,21 @@ class Window:
     def look_for(self, role, sentence, **values):
         """The widget with that role and that sentence as its name; None where there is none."""
         pattern = self.words.pattern(sentence, **values)
-        return next((part for part in self.parts()
-                     if part.role in (role, {"password text": "text"}.get(role)) and pattern.fullmatch(part.name)), None)
+        roles = (role, {"password text": "text"}.get(role))
+        return self.first(lambda part: part.role in roles and pattern.fullmatch(part.name))
 
     def find(self, role, sentence, **values):
         return self.until(lambda: self.look_for(role, sentence, **values), f"{role} \"{sentence}\"")
 
     def says(self, sentence, **values):
         pattern = self.words.pattern(sentence, **values)
-        return any(pattern.search(part.name) for part in self.parts())
+        return self.first(lambda part: pattern.search(part.name)) is not None
 
     def page(self):
         """Which page is shown: its first label is its heading."""
-        heading = next((part.name for part in self.parts() if part.role in ("label", "heading")), "")
-        return next((page for sentence, page in PAGES.items() if self.words.pattern(sentence).fullmatch(heading)), "")
+        heading = self.first(lambda part: part.role in ("label", "heading"))
+        return next((page for sentence, page in PAGES.items()
+                     if heading and self.words.pattern(sentence).fullmatch(heading.name)), "")
 
     def wait_for(self, *pages):
         return self.until(lambda: next((page for page in (self.page(),) if page in pages), None),
@@ -330,15 +355,14 @@ class Window:
     def activate(self):
         """Gives the uppermost window the keyboard, as a desktop does when it comes."""
         def active():
-            frame = self.parts()[0]
-            if "active" in frame.states:
+            if (frame := self.first(lambda part: True)) and "active" in frame.states:
                 return True
             self.keyboard.focus_on_top()
             return False
         self.until(active, "active window")
 
     def focused(self):
-        return next((part for part in self.parts() if "focused" in part.states), None)
+        return self.first(lambda part: "focused" in part.states)
 
     def keys(self, *keys):
         self.activate()
@@ -372,10 +396,10 @@ class Window:
 
     def file_entry(self):
         """Where a dialog asks for a file's name."""
-        parts = self.parts()
-        if parts[0].role not in ("dialog", "file chooser"):
+        top = self.first(lambda part: True)
+        if not top or top.role not in ("dialog", "file chooser"):
             return None
-        return next((part for part in parts if part.role == "text" and "editable" in part.states), None)
+        return self.first(lambda part: part.role == "text" and "editable" in part.states)
 
     def type_file(self, file):
         """Types a file's name there, which has the keyboard when the dialog comes."""
@@ -391,8 +415,8 @@ class Window:
         """Has a reader put it there, and press the dialog's button."""
         self.until(self.file_entry, "dialog that asks for a file").set_text(str(file))
         def accept():
-            return next((part for part in self.parts() if part.role == "push button" and "sensitive" in part.states and
-                         part.name in ("Open", "Save", "Choose")), None)
+            return self.first(lambda part: part.role == "push button" and "sensitive" in part.states and
+                              part.name in ("Open", "Save", "Choose"))
         self.until(accept, "button that takes the file").press()
         self.until(lambda: self.file_entry() is None, "end of the dialog")
 
@@ -446,6 +470,7 @@ class Desk(PROGRAM.Bench):
                         [self.build / "bin/zvrenew-desktop", "--folder", self.work(), *arguments],
                         {**self.environment, **own}, self.place, language)
         self.windows.append(window)
+        window.until(window.is_there, "program on the accessibility bus")
         return window
 
     def work(self):
