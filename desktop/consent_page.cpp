@@ -71,12 +71,13 @@ void ConsentPage::tell_plan() {
     } catch (const zvhost::Error& error) {
         return Q_EMIT impossible(error);
     }
-    QString told = in_lines(zvhost::told_plainly(foreseen_));
-    if (!errand_.certificate.empty() || errand_.wishes.remove_old)
-        told +=
-            QLatin1Char('\n') + text("window-backup-folder",
-                                     {{"folder", to_utf8(QDir::toNativeSeparators(QDir::currentPath()))}});
-    plan_->setText(told);
+    std::vector<zvhost::Sentence> told = zvhost::told_plainly(foreseen_);
+    if (errand_.wishes.remove_old || !(errand_.certificate.empty() || errand_.finishes))
+        told.push_back(
+            {"window-backup-folder", {{"folder", to_utf8(QDir::toNativeSeparators(QDir::currentPath()))}}});
+    else if (!errand_.finishes)
+        told.insert(told.begin(), {"window-request-how", {}});
+    plan_->setText(in_lines(told));
 }
 
 void ConsentPage::enable() {

@@ -1,7 +1,6 @@
 #include "desktop/done_page.h"
 
 #include "desktop/text.h"
-#include "words/on_card.h"
 
 #include <QFileInfo>
 
@@ -16,8 +15,7 @@ void DonePage::show_done(const zvhost::Renewal& renewal) {
         {"kind", renewal.kind},
         {"pair", renewal.pair},
         {"old", renewal.removed},
-        {"backup", to_utf8(QFileInfo(from_utf8(renewal.backup)).absoluteFilePath())},
-        {"now", words::of(renewal.now)}};
+        {"backup", to_utf8(QFileInfo(from_utf8(renewal.backup)).absoluteFilePath())}};
     clear();
     set_heading({"window-done-heading", {{"kind", renewal.kind}}});
     std::vector<zvhost::Sentence> told{{"renewal-done", about}};
@@ -25,7 +23,6 @@ void DonePage::show_done(const zvhost::Renewal& renewal) {
         told.emplace_back(*renewal.signed_with ? "window-proved" : "renewal-compared", about);
     if (!renewal.removed.empty()) told.emplace_back("renewal-removed", about);
     if (!renewal.backup.empty()) told.emplace_back("renewal-backup", about);
-    told.emplace_back("renewal-now", about);
     for (const zvhost::Advice& advice : renewal.advice)
         told.push_back(advice.says);
     tell(told);

@@ -1,5 +1,7 @@
 #include "desktop/file_handle.h"
 
+#include "desktop/text.h"
+
 #include <QDrag>
 #include <QFileInfo>
 #include <QMimeData>
@@ -11,13 +13,14 @@ namespace desktop {
 
 FileHandle::FileHandle() {
     setTextFormat(Qt::PlainText);
+    setWordWrap(true);
     setFrameShape(QFrame::StyledPanel);
     setCursor(Qt::OpenHandCursor);
 }
 
 void FileHandle::show_file(const QString& file) {
     file_ = file;
-    setText(QFileInfo(file).fileName());
+    setText(desktop::text("window-drag-request", {{"file", to_utf8(QFileInfo(file).fileName())}}));
 }
 
 void FileHandle::mouseMoveEvent(QMouseEvent* event) {

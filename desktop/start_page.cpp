@@ -118,7 +118,7 @@ void StartPage::show_actions(const Situation& now) {
     if (!now.status) return;
     for (const zvhost::WaitingRenewal& one : zvhost::waiting_renewals(*now.status)) {
         const char* const stands = one.proved ? "window-untidied" : "window-untried";
-        add_told(one.stored.empty() ? "window-waits-heading" : stands, one.kind);
+        add_told(one.stored.empty() ? "window-waits" : stands, {{"kind", one.kind}});
         const char* const id = one.stored.empty() ? "window-take-certificate" : "window-finish-renewal";
         connect(add_action(id, one.kind), &QPushButton::clicked, this,
                 [this, one] { Q_EMIT waiting_wanted(one); });
@@ -126,10 +126,11 @@ void StartPage::show_actions(const Situation& now) {
     for (const Kind kind : zvhost::renewals_due(*now.status))
         connect(add_action("window-renew", kind), &QPushButton::clicked, this,
                 [this, kind] { Q_EMIT renewal_wanted(kind); });
+    if (actions_->isEmpty() && !now.status->list.certificates.empty()) add_told("window-nothing-due");
 }
 
-void StartPage::add_told(const char* id, Kind kind) {
-    auto* const label = new QLabel(text(id, {{"kind", kind}}));
+void StartPage::add_told(const char* id, const zvhost::Values& values) {
+    auto* const label = new QLabel(text(id, values));
     label->setObjectName(QStringLiteral("waits"));
     label->setWordWrap(true);
     actions_->addWidget(label);

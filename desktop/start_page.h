@@ -30,7 +30,7 @@ class StartPage : public Page {
     void show_readers(const Situation& now);
     void show_card(const Situation& now);
     void show_actions(const Situation& now);
-    void add_told(const char* id, zvhost::Kind kind);
+    void add_told(const char* id, const zvhost::Values& values = {});
     QPushButton* add_action(const char* id, std::optional<zvhost::Kind> kind = {});
 
     QComboBox* readers_;

@@ -35,11 +35,9 @@ Span whole_of(const std::vector<zvhost::ListedCertificate>& certificates, std::t
 
 QString told(const zvhost::ListedCertificate& listed) {
     const zvhost::CertificateRecord& record = listed.record;
-    std::string holder = record.subject.value("CN");
-    if (holder.empty()) holder = record.subject.readable();
     return text("window-certificate",
                 {{"kind", record.kind},
-                 {"holder", holder},
+                 {"holder", zvhost::holder_of(record)},
                  {"begins", zvhost::Moment{record.begins}},
                  {"ends", zvhost::Moment{record.ends}},
                  {"standing", std::vector{zvhost::Sentence(word_of(listed), {{"days", listed.days_left}})}}});

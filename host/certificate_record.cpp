@@ -2,12 +2,20 @@
 
 #include <fmt/chrono.h>
 
+#include <algorithm>
+
 namespace zvhost {
 namespace {
 
 constexpr long SECONDS_OF_DAY = 24L * 60 * 60;
 
 } // namespace
+
+std::string holder_of(const CertificateRecord& record) {
+    std::string name = record.subject.value("CN");
+    if (record.kind == Kind::services) name.resize(std::min(name.find('/'), name.size()));
+    return name.empty() ? record.subject.readable() : name;
+}
 
 std::string day_of(std::time_t time) {
     return fmt::format("{:%Y-%m-%d}", fmt::gmtime(time));

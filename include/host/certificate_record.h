@@ -25,6 +25,10 @@ struct CertificateRecord {
     std::string der; // all of it
 };
 
+// Whose it is, for a person: the common name, of which a services card has the tax code before a slash; else all of the
+// subject.
+[[nodiscard]] std::string holder_of(const CertificateRecord& record);
+
 // "YYYY-MM-DD", UTC.
 [[nodiscard]] std::string day_of(std::time_t time);
 

@@ -416,7 +416,7 @@ class Window:
         self.until(self.file_entry, "dialog that asks for a file").set_text(str(file))
         def accept():
             return self.first(lambda part: part.role == "push button" and "sensitive" in part.states and
-                              part.name in ("Open", "Save", "Choose"))
+                              part.name in ("Open", "Save", "Choose", "Apri", "Salva", "Scegli"))
         self.until(accept, "button that takes the file").press()
         self.until(lambda: self.file_entry() is None, "end of the dialog")
 

@@ -8,12 +8,13 @@ constexpr Row WINDOW_ROWS[] = {
     {"accept-anyway@window", N_("Ask the authority whether this is the certificate that it means you to "
                                 "have. To install it all the same, choose \"Install it all the same\".")},
     {"all-have-one-identifier@window",
-     N_("All have the identifier {id}: leave \"Remove the old certificate and its keys\" off, or first "
+     N_("All have the identifier {id}: leave \"Remove the old certificate\" off, or first "
         "remove the ones that are no longer needed with the card's own software.")},
     {"ask-again@window", N_("The request can be made once more; the same pair is used.")},
     {"ask-again-services@window", N_("The request can be made once more; the same keys are used.")},
     {"card-full@window",
      N_("The card is full. Remove a certificate that is no longer needed, with its keys; then try again.")},
+    {"card-unread@window", N_("not known, since the card cannot be read. {reason}")},
     {"discard-of-certified-advice@window", N_("It can only be removed with its certificate.")},
     {"doctor-close-program@window", N_("Close {program}.")},
     {"doctor-complete-module@window", N_("Install the card's software again, with all that it needs.")},
@@ -53,7 +54,7 @@ constexpr Row WINDOW_ROWS[] = {
      N_("For a help desk, from the window of zvRenew. This is plain text: read it before you send it. Names "
         "and tax\ncodes are in it; a PIN never is.")},
     {"insert-same-card@window", N_("Put the card back that was in the reader before.")},
-    {"install-without-remove-old@window", N_("Leave \"Remove the old certificate and its keys\" off.")},
+    {"install-without-remove-old@window", N_("Leave \"Remove the old certificate\" off.")},
     {"journal-newer@window", N_("This computer's journal of cards, {folder}, is left as it is: a later "
                                 "version of this program wrote it.")},
     {"key-wants-own-pin@window",
@@ -72,13 +73,13 @@ constexpr Row WINDOW_ROWS[] = {
     {"module-install@window", N_("Install the card maker's software.")},
     {"more-with-pin@window", N_("Some of what is on the card shows only with the PIN.")},
     {"old-makes-room@window", N_("If the card is full, the old certificate {id} makes room: choose \"Remove "
-                                 "the old certificate and its keys\".")},
+                                 "the old certificate\".")},
     {"old-same-identifier@window",
      N_("The old certificate is still on the card, under the same identifier {id}: programs may take it for "
         "the new\none. Only the card's own software can remove it now.")},
     {"one-certificate-only@window",
      N_("A card that takes one certificate of an identifier only needs the old one removed: choose \"Remove "
-        "the old certificate and its keys\".")},
+        "the old certificate\".")},
     {"or-replace-this@window", N_("or {id}")},
     {"other-backup-file@window", N_("Choose another name for the backup.")},
     {"own-keys-of-no-use@window",
@@ -93,6 +94,7 @@ constexpr Row WINDOW_ROWS[] = {
     {"plan-again@window", N_("Look at the plan once more.")},
     {"quoted-file@window", N_("The quoted text names molvastra.ini, a file that this program does not have: "
                               "see instead what the reader and the card say.")},
+    {"quoted-with-meaning@window", N_("{meaning}")},
     {"reader-which@window", N_("Choose one of them.")},
     {"reader-whole-name@window", N_("Choose one of these.")},
     {"reminder-ended-under-way@window",
@@ -118,16 +120,18 @@ constexpr Row WINDOW_ROWS[] = {
     {"renewal-again@window", N_("To go on, try again.")},
     {"renewal-answer-kept@window",
      N_("The authority's answer is in {file}. To take another one, choose \"Choose another certificate\".")},
+    {"renewal-done@window", N_("The new {kind} certificate is on the card, with its keys.")},
     {"renewal-kept@window",
      N_("The certificate {id} is still on the card. It can be removed when it is no longer needed.")},
     {"renewal-needs-remove-old@window",
      N_("The card has no room for both certificates, and the old one makes room: choose \"Remove the old "
-        "certificate and its keys\".")},
+        "certificate\".")},
     {"renewal-new-pair@window",
      N_("Try again. If it fails in the same way, choose \"Make new keys\", which discards the pair {pair}.")},
     {"renewal-no-room@window",
      N_("If the card is full, the old certificate makes room when it goes first: choose \"Remove the old "
-        "certificate and its keys\". The authority's certificate is kept as {file}.")},
+        "certificate\". The authority's certificate is kept as {file}.")},
+    {"renewal-removed@window", N_("The old certificate was removed.")},
     {"repeat-discarding@window", N_("The pair {pair} is not discarded yet: try again.")},
     {"repeat-keys-unchanged@window", N_("The keys {pair} are as they were: try again.")},
     {"repeat-or-other-certificate@window",
@@ -163,7 +167,7 @@ constexpr Row WINDOW_ROWS[] = {
                                      "come, choose \"The services certificate has come\".")},
     {"services-under-way-stored@window",
      N_("A request for the services certificate is under way. When that has come, choose \"The services "
-        "certificate has come\" and \"Remove the old certificate and its keys\".")},
+        "certificate has come\" and \"Remove the old certificate\".")},
     {"show-card-first@window", N_("No card has been seen on this computer yet. Put yours in the reader.")},
     {"start-service@window", N_("The service of the card readers (PC/SC, pcscd) does not run. Have whoever "
                                 "looks after this computer install and start it.")},
