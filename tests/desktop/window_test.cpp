@@ -358,9 +358,22 @@ TEST_F(WindowTest, FitsLargeLettersOnDarkGround) {
     press("window-renew-signature");
     wait_for_page("consent-page");
     fits("large-consent");
+    type_pin("99999999");
+    press("window-go-on");
+    wait_for_page("problem-page");
+    fits("large-problem");
+    press("remedy");
+    wait_for_page("consent-page");
     give_pin();
     wait_for_page("request-page");
     fits("large-request");
+    drop(answer());
+    wait_for_page("consent-page");
+    press("window-remove-old");
+    fits("large-consent-install");
+    give_pin();
+    wait_for_page("done-page");
+    fits("large-done");
     QApplication::setFont(letters);
     QApplication::setPalette(usual);
 }
