@@ -1,5 +1,6 @@
 #include "host/card_status.h"
 
+#include "host/journal.h"
 #include "host/listing.h"
 #include "host/pin_gate.h"
 #include "host/place.h"
@@ -27,10 +28,11 @@ Exit exit_of(const CardList& list) {
     return list.certificates.empty() ? Exit::nothing_there : Exit::done;
 }
 
+// A services card whose own is being renewed hides nothing: the old one goes before the new one comes.
 void stop_if_hidden(const CardStatus& status) {
     if (status.exit != Exit::nothing_there) return;
     if (status.list.unreadable > 0) throw Error(Exit::failed, {"certificates-unreadable", {}});
-    if (!status.uncertified.empty())
+    if (!status.uncertified.empty() && !status.services_pending)
         throw Error(Exit::failed, {"certificates-hidden", {{"keys", status.uncertified}}},
                     list_with_pin("see-list"));
 }
@@ -48,20 +50,7 @@ std::vector<Advice> advice_on(const CardStatus& status) {
     return advice;
 }
 
-// What is known of the card is added to `facts` as soon as it is.
-CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>& facts) {
-    const FoundCard found = find_card(choice, facts);
-    const Session session(*found.module, found.state.slot);
-    CardStatus status = status_of(*facts, view_in(session), days);
-    status.services_pending = remember_shown(status.list, status.uncertified).is_pending(Kind::services);
-    if (status.services_pending && status.exit != Exit::expired) status.exit = Exit::under_way;
-    status.list.advice = advice_on(status);
-    return status;
-}
-
-} // namespace
-
-CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
+CardStatus shown(const CardFacts& card, const CardView& view, int days) {
     const Inventory inventory = public_inventory(view, card);
     CardStatus status{list_of(card, inventory, view, days), view.uncertified_first_keys(), Exit::done};
     std::erase_if(status.uncertified, [&](const std::string& id) {
@@ -72,6 +61,26 @@ CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
     for (ListedPair& listed : status.list.pending)
         listed.renewable = false;
     status.exit = exit_of(status.list);
+    return status;
+}
+
+// What is known of the card is added to `facts` as soon as it is.
+CardStatus look_at(const CardChoice& choice, int days, std::optional<CardFacts>& facts) {
+    const FoundCard found = find_card(choice, facts);
+    const Session session(*found.module, found.state.slot);
+    CardStatus status = shown(*facts, view_in(session), days);
+    status.services_pending = Journal().card(found.state.serial).is_pending(Kind::services);
+    stop_if_hidden(status);
+    status.services_pending = remember_shown(status.list, status.uncertified).is_pending(Kind::services);
+    if (status.services_pending && status.exit != Exit::expired) status.exit = Exit::under_way;
+    status.list.advice = advice_on(status);
+    return status;
+}
+
+} // namespace
+
+CardStatus status_of(const CardFacts& card, const CardView& view, int days) {
+    CardStatus status = shown(card, view, days);
     stop_if_hidden(status);
     return status;
 }

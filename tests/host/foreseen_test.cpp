@@ -6,6 +6,7 @@
 #include "tests/host/given_pin.h"
 #include "tests/simcard_tool/test_cards.h"
 #include "tests/support/log_file.h"
+#include "tests/support/module.h"
 #include "words/words.h"
 
 #include <gtest/gtest.h>
@@ -161,6 +162,22 @@ TEST_F(ForeseenTest, IsWhatIsPlannedForAServicesCard) {
                   remove_old ? "The certificate " + gone("CNS0") + ", is removed; its keys stay."
                              : NOTHING_REMOVED});
     }
+}
+
+TEST_F(ForeseenTest, SeesARenewalGoOnWhereTheOldCertificateIsGone) {
+    make_card("cns", Kind::services);
+    zvhost::Progress silent;
+    (void)planned().apply(silent);
+    answer();
+    wishes.remove_old = true;
+    {
+        zvtest::Module module;
+        zvhost::PlannedRenewal renewal = planned();
+        module.add_rules("C_CreateObject:1+:answer:0x30"); // nor does the old one come back
+        EXPECT_THROW((void)renewal.apply(silent), zvhost::Error);
+    }
+    EXPECT_EQ(waits(), "CNS0 request, in the place of CNS0");
+    foresees({STORED, "The card is no longer marked: the request is answered.", NOTHING_REMOVED});
 }
 
 TEST_F(ForeseenTest, TellsWhatIsRefusedWithoutAPin) {
