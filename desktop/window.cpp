@@ -92,8 +92,10 @@ void Window::look() {
 void Window::look_if_changed() {
     if (!worker_.idle() || shows(work_) || shows(done_) || shows(problem_))
         return QTimer::singleShot(LOOK_EVERY, this, &Window::look_if_changed);
-    worker_.start([this, choice = choice_, card = card_] {
-        if (watch_.changed()) worker_.tell([this, now = look_around(choice, card)] { take(now); });
+    worker_.start([this, choice = choice_, card = card_, again = std::exchange(looks_again_, false)] {
+        if (const bool changed = watch_.changed(); changed || again)
+            if (const Situation now = look_around(choice, card); changed || !now.problem)
+                worker_.tell([this, now] { take(now); });
         worker_.tell([this] { waits_.start([this] { watch_.wait(LOOK_EVERY); }); });
     });
 }
@@ -101,6 +103,7 @@ void Window::look_if_changed() {
 // A card that is taken out takes its pages along: its PIN is for no other.
 void Window::take(const Situation& now) {
     situation_ = now;
+    looks_again_ = now.problem.has_value();
     const bool same = now.shows(errand_.card_serial());
     const bool begins = std::exchange(begins_, false);
     const bool has_answer = !errand_.certificate.empty();

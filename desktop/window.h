@@ -64,8 +64,9 @@ class Window : public QMainWindow {
     std::string card_;
     Situation situation_;
     Errand errand_;
-    bool begins_ = false;  // the errand, once the card was looked at
-    bool closing_ = false; // once the card is left alone
+    bool begins_ = false;      // the errand, once the card was looked at
+    bool closing_ = false;     // once the card is left alone
+    bool looks_again_ = false; // once, where a look failed: what failed may not have lasted
     QStackedWidget* pages_;
     StartPage* start_;
     ConsentPage* consent_;

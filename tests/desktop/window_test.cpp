@@ -272,6 +272,11 @@ TEST_F(WindowTest, LooksAgainAtACardThatCouldNotBeRead) {
     module_.add_rules("C_FindObjectsInit:1:answer:0x30");
     open();
     EXPECT_TRUE(says(told_in("window-trouble-heading"))) << told();
+    wait_until([&] { return part("window-renew-signature") != nullptr; });
+    module_.add_rules("C_FindObjectsInit:1:answer:0x30; C_FindObjectsInit:2:answer:0x30");
+    open();
+    EXPECT_TRUE(says(told_in("window-trouble-heading"))) << told();
+    wait_until([&] { return module_.rules_left() == 0; });
     picture("start-trouble");
     wait_until([&] { return page().focusWidget() && page().focusWidget() == part("window-try-again"); });
     press("window-try-again");
