@@ -3,6 +3,7 @@ import hashlib
 import re
 import signal
 import subprocess
+import time
 
 from drive import AUTHORITY, Desk, Failed
 
@@ -63,11 +64,13 @@ class SweepDesk(Desk):
 
     def put_back(self):
         """The card in its reader, and room in the folders."""
-        (self.place / "zvcrypt.conf").write_text(self.readers)
+        if (self.place / "zvcrypt.conf").read_text() != self.readers:
+            (self.place / "zvcrypt.conf").write_text(self.readers)
         for folder in self.mounted:
             self.mount("-o", "remount,rw", folder)
             (folder / "filler").unlink(missing_ok=True)
         if self.others and self.setting("inserted", "other") == "yes":
+            time.sleep(2)  # nobody is so quick that a window which looks once a second does not see it
             self.tool("eject other")
         super().put_back()
 
@@ -150,7 +153,7 @@ class Logins:
             raise Spent(f"{spent} logins and {tries - self.desk.tries()} tries for a wrong PIN")
         if not wrong and self.desk.tries() < tries:
             raise Spent(f"{tries - self.desk.tries()} tries for the right PIN")
-        if self.most and self.of_answer > self.most[page] + 1:  # a failure has the card looked at
+        if self.most and self.of_answer > self.most[page] + 2:  # where one fails, the card is looked at and tidied up
             raise Spent(f"{self.of_answer} logins for the page {page}, which takes {self.most[page]}")
 
 
@@ -209,21 +212,23 @@ class Walk:
         self.window.until(lambda: self.window.page() not in (page, "looking", "work", ""), "page after " + page)
 
     def start(self):
-        self.desk.put_back()
-
         def button():
-            for sentence in ("window-no-card-heading", "window-trouble-heading", "window-no-reader-heading"):
-                if self.window.says(sentence):
-                    return None
+            self.desk.put_back()
+            if again := self.window.look_for("push button", "window-try-again"):
+                return again
             for sentence in ("window-take-certificate", "window-finish-renewal", "window-renew"):
-                if self.window.look_for("push button", sentence, kind=self.kind):
-                    return sentence
+                if found := self.window.look_for("push button", sentence, kind=self.kind):
+                    return found
             new = [one for one in self.desk.objects() if one[0] == "certificate" and one not in self.before]
             return "none" if new and self.window.says("window-card-heading") else None
         found = self.window.until(button, "button that leads on")
         if found == "none":
             return True
-        self.leave("start", found, kind=self.kind)
+        self.passed[-1] += f" ({found.name})"
+        found.press()
+        # where the card is another now, or still cannot be read, the start page stays
+        self.window.until(lambda: self.window.page() not in ("looking", "work", "") and
+                          not self.window.first(lambda part: part.path == found.path), "page after start")
         return False
 
     def consent(self):
