@@ -92,7 +92,7 @@ std::string of(const Sentence& sentence) {
 
 std::string of(const Sentence& sentence, Face face) {
     const Face before = std::exchange(shown_by, face);
-    const std::string text = of(sentence);
+    std::string text = of(sentence);
     shown_by = before;
     return text;
 }
