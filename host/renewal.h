@@ -68,12 +68,12 @@ class PlannedRenewal::Work {
     std::optional<PlannedInstall> install_;
     std::optional<PlannedRemoval> removal_;
     std::optional<Installed> installed_;
-    std::vector<Advice> left_; // of what an installation before this run left
+    std::vector<Advice> left_;        // of what an installation before this run left
     std::optional<bool> signed_with_; // the key of a certificate that was on the card already
-    bool first_ = false;       // the old certificate goes before the new one is stored, its keys at the end
-    bool lacks_room_ = false;  // for both certificates
-    bool unmarks_ = false;     // the mark of a request goes
-    bool changed_ = false;     // the card, by this run
+    bool first_ = false;      // the old certificate goes before the new one is stored, its keys at the end
+    bool lacks_room_ = false; // for both certificates
+    bool unmarks_ = false;    // the mark of a request goes
+    bool changed_ = false;    // the card, by this run
     std::string pair_;
     std::string answer_; // file of the authority's certificate
     std::string removed_;

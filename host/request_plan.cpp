@@ -192,7 +192,7 @@ RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory
 std::vector<Sentence> notices_of(const RequestPlan& plan) {
     std::vector<Sentence> notices;
     const auto note = [&](const Sentence& sentence) { notices.push_back(sentence); };
-    if (plan.old.ends < std::time(nullptr)) note({"signer-expired", {{"id", plan.old.id}}});
+    if (plan.old.ends < std::time(nullptr)) note({SIGNER_EXPIRED, {{"id", plan.old.id}}});
     if (plan.old.kind == Kind::services) {
         note({"own-keys-stay", {{"pair", plan.pair}}});
         return notices;

@@ -37,6 +37,9 @@ void check_wishes(const RequestWishes& wishes);
 [[nodiscard]] RequestPlan plan_request(const RequestWishes& wishes, const Inventory& inventory,
                                        const CardView& view, std::optional<DistinguishedName> subject);
 
+// The notice that it may be for nothing.
+inline constexpr const char* SIGNER_EXPIRED = "signer-expired";
+
 // What a person should know before it is carried out.
 [[nodiscard]] std::vector<Sentence> notices_of(const RequestPlan& plan);
 

@@ -113,6 +113,22 @@ bool loses(const Plan& plan, const std::string& id) {
                        [&](const Loss& one) { return one.id == id && one.certificate && one.keys; });
 }
 
+std::vector<Sentence> deeds_of(const Plan& plan) {
+    std::vector<Sentence> sentences;
+    const auto tell = [&](Action action, ObjectClass what, const char* id) {
+        if (any(plan, action, what)) sentences.emplace_back(id, Values{});
+    };
+    tell(Action::create, ObjectClass::private_key, "plainly-keys-made");
+    tell(Action::create, ObjectClass::certificate, "plainly-certificate-stored");
+    tell(Action::create, ObjectClass::data, "plainly-marked");
+    tell(Action::remove, ObjectClass::data, "plainly-unmarked");
+    const std::vector<Loss> losses = losses_of(plan);
+    std::transform(losses.begin(), losses.end(), std::back_inserter(sentences), told);
+    if (sentences.empty()) return {{"plainly-nothing-changed", {}}};
+    if (losses.empty()) sentences.emplace_back("plainly-nothing-removed", Values{});
+    return sentences;
+}
+
 } // namespace
 
 bool goes_beyond(const Plan& plan, const Plan& foreseen) {
@@ -126,18 +142,10 @@ bool goes_beyond(const Plan& plan, const Plan& foreseen) {
 }
 
 std::vector<Sentence> told_plainly(const Plan& plan) {
-    std::vector<Sentence> sentences;
-    const auto tell = [&](Action action, ObjectClass what, const char* id) {
-        if (any(plan, action, what)) sentences.emplace_back(id, Values{});
-    };
-    tell(Action::create, ObjectClass::private_key, "plainly-keys-made");
-    tell(Action::create, ObjectClass::certificate, "plainly-certificate-stored");
-    tell(Action::create, ObjectClass::data, "plainly-marked");
-    tell(Action::remove, ObjectClass::data, "plainly-unmarked");
-    const std::vector<Loss> losses = losses_of(plan);
-    std::transform(losses.begin(), losses.end(), std::back_inserter(sentences), told);
-    if (sentences.empty()) return {{"plainly-nothing-changed", {}}};
-    if (losses.empty()) sentences.emplace_back("plainly-nothing-removed", Values{});
+    std::vector<Sentence> sentences = deeds_of(plan);
+    const auto expired = [](const Sentence& notice) { return notice.id == SIGNER_EXPIRED; };
+    const auto found = std::find_if(plan.notices.begin(), plan.notices.end(), expired);
+    if (found != plan.notices.end()) sentences.insert(sentences.begin(), *found);
     return sentences;
 }
 

@@ -20,7 +20,8 @@ namespace zvhost {
 // a class that this does not.
 [[nodiscard]] bool goes_beyond(const Plan& plan, const Plan& foreseen);
 
-// What a plan does to the card and what of it later steps remove, for somebody who knows no objects.
+// What a plan does to the card and what of it later steps remove, for somebody who knows no objects; before that, whether it
+// may be for nothing.
 [[nodiscard]] std::vector<Sentence> told_plainly(const Plan& plan);
 
 } // namespace zvhost

@@ -33,12 +33,12 @@ struct AnswerInAFile : zvhost::Authority {
 
 class ForeseenTest : public testing::Test {
   protected:
-    void make_card(const char* profile, Kind kind) {
+    void make_card(const char* profile, Kind kind, int days = 30) {
         zvhost::end_modules();
         cards_.reset();
         cards_.emplace();
         ::setenv("XDG_STATE_HOME", cards_->path().c_str(), 1);
-        cards_->make({.profile = &simcard::profile_named(profile), .reader = READER});
+        cards_->make({.profile = &simcard::profile_named(profile), .reader = READER, .signature_days = days});
         cards_->configure();
         wishes = {};
         wishes.request.kind = kind;
@@ -132,6 +132,12 @@ TEST_F(ForeseenTest, IsWhatIsPlannedForANewPair) {
         foresees({STORED, "The certificate " + gone("DS0") + ", and its keys are removed."});
         foresees({NOTHING});
     }
+}
+
+TEST_F(ForeseenTest, WarnsOfARequestThatMayBeForNothing) {
+    make_card("signature", Kind::signature, -3);
+    foresees({"The certificate DS0 has expired: the authority may not take a request signed with it.",
+              KEYS_MADE, NOTHING_REMOVED});
 }
 
 TEST_F(ForeseenTest, IsWhatIsPlannedWhereTheOldOneStaysFirst) {
