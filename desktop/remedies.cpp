@@ -60,6 +60,12 @@ void add_remedies(std::vector<Remedy>& remedies, const Advice& advice, const Err
     }
 }
 
+// The certificate was looked at, and is of no use as it is: nothing else was advised.
+bool is_no_answer(const zvhost::Error& error) {
+    return error.exit == zvhost::Exit::refused && error.advice.size() == 1 &&
+           error.advice.front().key == "other-file";
+}
+
 } // namespace
 
 std::vector<Remedy> remedies_for(const zvhost::Error& error, const Errand& errand) {
@@ -68,10 +74,10 @@ std::vector<Remedy> remedies_for(const zvhost::Error& error, const Errand& erran
         add_remedies(remedies, advice, errand);
     if (error.exit == zvhost::Exit::nothing_due) return remedies;
     if (remedies.empty()) remedies.push_back({text("window-try-again"), Remedy::Goes::to_errand, errand});
-    if (!errand.certificate.empty()) {
-        remedies.push_back({text("window-other-certificate"), Remedy::Goes::to_certificate, errand});
-        remedies.back().errand.certificate.clear();
-    }
+    if (errand.certificate.empty()) return remedies;
+    Remedy other{text("window-other-certificate"), Remedy::Goes::to_certificate, errand};
+    other.errand.certificate.clear();
+    remedies.insert(is_no_answer(error) ? remedies.begin() : remedies.end(), other);
     return remedies;
 }
 

@@ -201,9 +201,6 @@ TEST_F(WindowTest, RefusesWhatIsNoAnswer) {
     simcard::write_file(folder() / "text", "no certificate", simcard::Access::owner_only);
     refused((folder() / "text").string(), "text");
     press("remedy");
-    wait_for_page("consent-page");
-    press("window-back");
-    press("window-take-certificate-signature");
     wait_for_page("request-page");
     refused(answer("--starts-in -30 --days 10"), "It ended on");
     EXPECT_TRUE(says("Install it all the same")) << told();
