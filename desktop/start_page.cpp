@@ -30,7 +30,7 @@ bool is_trouble(const Situation& now) {
 
 const char* heading_of(const Situation& now) {
     if (now.status) return "window-card-heading";
-    if (is_trouble(now)) return "window-trouble-heading";
+    if (is_trouble(now)) return now.readers.empty() ? "window-unlisted-heading" : "window-trouble-heading";
     return now.readers.empty() ? "window-no-reader-heading" : "window-no-card-heading";
 }
 

@@ -12,7 +12,8 @@ DEEDS = {"killed before": "kill-before", "killed after": "kill-after", "not done
 # What goes from the reader, and what the start page says then.
 AWAY = {"card pulled": (SweepDesk.eject, "window-no-card-heading"), "card swapped": (SweepDesk.swap, "list-card"),
         # the service of readers may run here or not
-        "reader gone": (SweepDesk.take_reader, "window-no-reader-heading", "window-trouble-heading")}
+        "reader gone": (SweepDesk.take_reader, "window-no-reader-heading", "window-unlisted-heading",
+                        "window-trouble-heading")}
 # What the authority sends first.
 ANSWERS = {"someone else's": "--other-person VRDBBB80A41Z999U", "expired": "--starts-in -400 --days 30",
            "another kind's": "--kind {another}", "garbage": None}

@@ -19,10 +19,10 @@ LIMIT = int(os.environ.get("LIMIT", 60))  # seconds that anything may take, on a
 KINDS = ("signature", "authentication", "services")
 # Headings, and of which page they are.
 PAGES = {"window-looking-heading": "looking", "window-card-heading": "start", "window-no-card-heading": "start",
-         "window-no-reader-heading": "start", "window-trouble-heading": "start", "window-renew-heading": "consent",
-         "window-install-heading": "consent", "window-finish-renewal": "consent", "window-more-heading": "consent",
-         "window-work-heading": "work",
-         "window-waits-heading": "request", "window-done-heading": "done", "window-problem-heading": "problem"}
+         "window-no-reader-heading": "start", "window-trouble-heading": "start", "window-unlisted-heading": "start",
+         "window-renew-heading": "consent", "window-install-heading": "consent", "window-finish-renewal": "consent",
+         "window-more-heading": "consent", "window-work-heading": "work", "window-waits-heading": "request",
+         "window-done-heading": "done", "window-problem-heading": "problem"}
 
 
 def sweep_program():

@@ -76,6 +76,7 @@ constexpr Row DESKTOP_ROWS[] = {
     {"window-to-start", N_("To the &start")},
     {"window-trouble-heading", N_("The card cannot be read")},
     {"window-try-again", N_("&Try again")},
+    {"window-unlisted-heading", N_("The card readers cannot be used")},
     {"window-unsaved", N_("{file} could not be written.")},
     {"window-valid", N_("Valid (days left: {days})")},
     {"window-waits", N_("Waiting for the {kind} certificate from the authority. When it has come, or to send "
