@@ -3,9 +3,9 @@ from walk import OLD, SweepDesk
 
 PAGES = ("start", "consent", "request", "consent-install", "done")
 # A few calls of each function, for a quick sweep.
-SAMPLE = {"C_Login": (1, 2, 4), "C_GenerateKeyPair": (1,), "C_SignInit": (1,), "C_Sign": (1, 2, 3), "C_CreateObject": (1, 2),
-          "C_SetAttributeValue": (1,), "C_DestroyObject": (1, 2, 3), "C_FindObjectsInit": (8, 30, 60),
-          "C_GetAttributeValue": (20, 100, 200), "C_OpenSession": (3, 8)}
+SAMPLE = {"C_Login": (1, 2, 4), "C_GenerateKeyPair": (1,), "C_SignInit": (1,), "C_Sign": (1, 2, 3), "C_CreateObject": (1,),
+          "C_DestroyObject": (1, 2, 3), "C_FindObjectsInit": (3, 8, 14), "C_GetAttributeValue": (20, 60, 120),
+          "C_OpenSession": (3, 8)}
 SERVICES_SAMPLE = {"C_Login": (1, 2, 4), "C_Sign": (1, 2), "C_CreateObject": (1, 2), "C_DestroyObject": (1,)}
 DEEDS = {"killed before": "kill-before", "killed after": "kill-after", "not done, 0x30": "answer:0x30",
          "done, 0x30": "do-and-answer:0x30", "card pulled at": "take-out", "card swapped at": "swap"}

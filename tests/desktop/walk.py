@@ -59,6 +59,9 @@ class SweepDesk(Desk):
         self.eject()
         self.tool("insert other")
 
+    def is_away(self):
+        return self.setting("inserted") == "no"
+
     def take_reader(self):
         (self.place / "zvcrypt.conf").write_text("")
 
@@ -190,10 +193,13 @@ class Walk:
                 if self.one_page():
                     return self.count()
             except Failed as problem:
-                if isinstance(problem, Spent) or self.desk.ended_with() != -signal.SIGKILL:
+                if isinstance(problem, Spent):
                     raise
-                self.passed.append("killed")
-                self.reopen()
+                if self.desk.ended_with() == -signal.SIGKILL:
+                    self.passed.append("killed")
+                    self.reopen()
+                elif not (self.desk.is_away() and self.window.page() == "start"):  # where the page goes with the card
+                    raise
         raise Failed("it leads nowhere: " + ", ".join(self.passed))
 
     def one_page(self):
@@ -252,8 +258,11 @@ class Walk:
         if (box := self.window.look_for("check box", "window-remove-old")) and "checked" not in box.states:
             self.window.tick("window-remove-old")
         self.window.activate()
-        self.window.until(lambda: (field := self.window.look_for("password text", "window-pin")) and
-                          (field.take_focus(), True)[1], "field for the PIN")
+        def take_focus():
+            field = self.window.look_for("password text", "window-pin")
+            return field.take_focus() or "taken" if field else self.window.page()
+        if self.window.until(take_focus, "field for the PIN") != "taken":
+            raise Failed("the page went before its PIN was given")
         pin = self.pin_list.pop(0) if self.pin_list else PIN
         self.window.type_pin(pin)
         if box := self.window.look_for("check box", "window-final-try"):
