@@ -7,8 +7,8 @@ SAMPLE = {"C_Login": (1, 2, 4), "C_GenerateKeyPair": (1,), "C_SignInit": (1,), "
           "C_DestroyObject": (1, 2, 3), "C_FindObjectsInit": (3, 8, 14), "C_GetAttributeValue": (20, 60, 120),
           "C_OpenSession": (3, 8)}
 SERVICES_SAMPLE = {"C_Login": (1, 2, 4), "C_Sign": (1, 2), "C_CreateObject": (1, 2), "C_DestroyObject": (1,)}
-DEEDS = {"killed before": "kill-before", "killed after": "kill-after", "not done, 0x30": "answer:0x30",
-         "done, 0x30": "do-and-answer:0x30", "card pulled at": "take-out", "card swapped at": "swap"}
+DEEDS = {"killed before a call": "kill-before", "killed after a call": "kill-after", "call not done, 0x30": "answer:0x30",
+         "call done, 0x30": "do-and-answer:0x30", "card pulled at a call": "take-out", "card swapped at a call": "swap"}
 # What goes from the reader, and what the start page says then.
 AWAY = {"card pulled": (SweepDesk.eject, "window-no-card-heading"), "card swapped": (SweepDesk.swap, "list-card"),
         # the service of readers may run here or not
@@ -92,7 +92,7 @@ def of_calls(numbers):
             for name, deed in DEEDS.items():
                 call = f"{function}:{number}:"
                 rules = call + deed if deed != "swap" else f"{call}take-out:0;{call}put-back:1"
-                yield f"{name} a call: {function}:{number}", {"rules": rules, "other": deed == "swap"}
+                yield f"{name}: {function}:{number}", {"rules": rules, "other": deed == "swap"}
 
 
 def cases(counts=None):

@@ -5,7 +5,7 @@ import signal
 import subprocess
 import time
 
-from drive import AUTHORITY, Desk, Failed
+from drive import AUTHORITY, PROGRAM, Desk, Failed
 
 PIN = "70391648"
 OTHER_PIN = "11502294"
@@ -320,8 +320,13 @@ class Walk:
         return False
 
 
-def judge(walk):
-    """What is wrong at the end; empty when nothing is."""
+def places(objects):
+    """What there is, those of the authority excepted, which do no harm where they are."""
+    return sorted([one[0], one[1]] for one in objects if one[1] != AUTHORITY)
+
+
+def judge(walk, end):
+    """What is wrong at the end; empty when nothing is. `end` has the places that an undisturbed renewal leaves."""
     desk, before, after = walk.desk, walk.before, walk.desk.objects()
     new = [one for one in after if one not in before and one[0] == "certificate" and one[1] != AUTHORITY]
     if len(new) != 1 or not new[0][3]:
@@ -330,6 +335,8 @@ def judge(walk):
         return f"gone: {gone}"
     if broken := [one[:2] for one in after if not one[3] and one[1] != AUTHORITY]:
         return f"works no longer: {broken}"
+    if end and (more := PROGRAM.less(places(after), end)):
+        return f"left over: {more}"
     lost = {one[2] for one in before if one not in after and one[0] == "certificate"} - desk.backups()
     if lost:
         return "the old certificate is in no backup"
