@@ -298,7 +298,7 @@ class Walk:
         self.window.until(lambda: self.window.page() in ("consent", "problem") or self.window.says("insert-same-card"),
                           "page after the certificate")
         self.desk.put_back()
-        self.window.wait_for("consent", "problem")
+        self.window.wait_for("consent", "problem", "start")
         return False
 
     def problem(self):
