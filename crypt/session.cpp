@@ -5,8 +5,13 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <memory>
+
+// The C++ ABI's: what std::atexit and the destructors of static objects are made of.
+extern "C" {
+int __cxa_atexit(void (*handler)(void*), void* argument, void* owner); // NOLINT(bugprone-reserved-identifier)
+void __cxa_finalize(void* owner);                                      // NOLINT(bugprone-reserved-identifier)
+}
 
 namespace zvcrypt {
 namespace {
@@ -23,9 +28,21 @@ void close_current() {
     if (outcome.result != CKR_OK) throw module_failure(outcome.function, outcome.result);
 }
 
-// A module ends before the exit handlers that were set up before it was loaded: those would call what is no more.
-void close_at_exit() noexcept {
+void close_at_exit(void*) noexcept {
     if (current() && current()->is_of_this_process()) current().reset();
+}
+
+// A module ends before the exit handlers that were set up before it was loaded: those would call what is no more. So each
+// opening sets up its own, and takes it back, or the process's list of them would grow with every reading.
+int handlers_owner;
+
+void set_exit_handler() noexcept {
+    (void)__cxa_atexit(close_at_exit, nullptr, &handlers_owner);
+}
+
+// When this library is unloaded, too.
+[[gnu::destructor]] void take_exit_handlers_back() noexcept {
+    __cxa_finalize(&handlers_owner);
 }
 
 // The module or the card ended the session already.
@@ -58,6 +75,7 @@ Session::Session(const std::string& module_path, CK_SLOT_ID slot)
 
 Session::~Session() {
     (void)close();
+    take_exit_handlers_back();
 }
 
 // A child of the process that opened it would log its parent out.
@@ -142,7 +160,7 @@ int kvInitialize(char* lib_path, int slot) {
         zvcrypt::require_arguments({lib_path});
         zvcrypt::current().reset();
         zvcrypt::current() = std::make_unique<zvcrypt::Session>(lib_path, static_cast<unsigned>(slot));
-        (void)std::atexit(zvcrypt::close_at_exit);
+        zvcrypt::set_exit_handler();
     });
 }
 

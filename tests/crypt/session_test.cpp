@@ -3,6 +3,10 @@
 #include "tests/support/card.h"
 #include "tests/support/module.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 using test::last_error;
@@ -45,6 +49,20 @@ TEST_F(Session, FinalisesAModuleOnlyIfItInitialisedIt) {
     EXPECT_EQ(kvFinalize(), ZVC_OK);
     EXPECT_EQ(kvFinalize(), ZVC_OK) << "nothing is open";
 }
+
+#ifdef __GLIBC__
+// Each opening once left a handler in the process's list of those for its exit, for good.
+TEST_F(Session, LeavesNothingWithTheProcessWhenItIsClosed) {
+    const auto open_and_close = [](int times) {
+        for (; times > 0; --times)
+            ASSERT_TRUE(initialize(ZVSIMCARD_MODULE) == ZVC_OK && kvFinalize() == ZVC_OK) << last_error();
+    };
+    open_and_close(10);
+    const std::size_t before = ::mallinfo2().uordblks;
+    open_and_close(300);
+    EXPECT_LT(::mallinfo2().uordblks, before + 4096);
+}
+#endif
 
 TEST_F(Session, EveryStateOfThePinHasItsCodeAndSentence) {
     expect_login("secret-77", ZVC_ERR_NO_SESSION, "Nessuna sessione");
