@@ -8,10 +8,12 @@
 #include <memory>
 
 // The C++ ABI's: what std::atexit and the destructors of static objects are made of.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
-int __cxa_atexit(void (*handler)(void*), void* argument, void* owner); // NOLINT(bugprone-reserved-identifier)
-void __cxa_finalize(void* owner);                                      // NOLINT(bugprone-reserved-identifier)
+int __cxa_atexit(void (*handler)(void*), void* argument, void* owner);
+void __cxa_finalize(void* owner);
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 namespace zvcrypt {
 namespace {
