@@ -24,7 +24,7 @@ void write_decimal(char* buffer, std::size_t size, long number) {
 }
 
 NumberText with_decimal(const char* prefix, long number) {
-    char digits[20];
+    char digits[20] = {};
     return with_tail(prefix, {digits, std::to_chars(digits, std::end(digits), number).ptr});
 }
 
