@@ -125,8 +125,8 @@ bool every_command(const std::string&) {
     return true;
 }
 
-// By a parser that knows the commands that are named among the words alone: all of them take a third of the program's
-// own start. None: help and mistakes, which tell of the others too.
+// By a parser that knows the commands that are named among the words alone: all of them take more than half of the
+// program's own start. None: help and mistakes, which tell of the others too.
 std::optional<Invocation> read_named(int argc, char** argv, const Words& words) {
     Parser parser(
         [&](const std::string& name) { return std::find(words.begin(), words.end(), name) != words.end(); });
