@@ -139,10 +139,11 @@ Errand Window::errand_for(zvhost::Kind kind) const {
 void Window::go_on(const zvhost::WaitingRenewal& renewal) {
     Errand errand = errand_for(renewal.kind);
     if (!renewal.request.empty()) errand.wishes.request.out = renewal.request;
-    if (renewal.stored.empty()) return show_waiting(errand);
+    if (!renewal.proved && !renewal.stored.empty())
+        errand.certificate = to_utf8(file_with(QByteArray::fromStdString(renewal.stored)));
+    if (!renewal.proved && errand.certificate.empty()) return show_waiting(errand);
     errand.finishes = true;
     errand.wishes.remove_old = renewal.proved; // nothing else is left
-    if (!renewal.proved) errand.certificate = to_utf8(file_with(QByteArray::fromStdString(renewal.stored)));
     begin(errand);
 }
 
