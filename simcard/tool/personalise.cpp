@@ -21,8 +21,7 @@ namespace {
 
 constexpr std::time_t CERTIFICATE_LIFE = 3 * ONE_YEAR;
 
-Validity validity_ending_in(int days) {
-    const std::time_t now = std::time(nullptr);
+Validity validity_ending_in(int days, std::time_t now) {
     const std::time_t end = now + days * ONE_DAY;
     return {std::min(now, end - CERTIFICATE_LIFE), end};
 }
@@ -44,10 +43,10 @@ Card settings(const CardPlan& plan) {
 }
 
 void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair, const Authority& authority,
-                EVP_PKEY& key) {
+                EVP_PKEY& key, std::time_t now) {
     const ossl::Certificate certificate =
         authority.issue(*pair.subject(plan.holder, plan.serial), key, kind_named(pair.kind),
-                        validity_ending_in(plan.*pair.days));
+                        validity_ending_in(plan.*pair.days, now));
     token.create(public_key_object(key, pair.id));
     const std::string_view asking = plan.profile->pin_each_signature;
     token.create(
@@ -56,18 +55,20 @@ void store_pair(TokenSession& token, const CardPlan& plan, const PairPlan& pair,
 }
 
 // A services card outlives its first certificate by another one's life.
-Validity card_life(const CardPlan& plan) {
-    const Validity first = validity_ending_in(plan.cns_days);
+Validity card_life(const CardPlan& plan, std::time_t now) {
+    const Validity first = validity_ending_in(plan.cns_days, now);
     return {first.from, first.to + CERTIFICATE_LIFE};
 }
 
 void store_objects(TokenSession& token, const CardPlan& plan, const Authority& authority, KeySource& keys) {
+    // One for all: of two that end on the same day none is the later.
+    const std::time_t now = std::time(nullptr);
     for (const PairPlan& pair : plan.profile->pairs)
-        store_pair(token, plan, pair, authority, *keys.next());
+        store_pair(token, plan, pair, authority, *keys.next(), now);
     if (plan.profile->authority_id != nullptr)
         token.create(certificate_object(authority.certificate(), plan.profile->authority_id));
     if (plan.profile->has_personal_data)
-        token.create(public_data_object("PDATA", personal_data(plan.holder, card_life(plan))));
+        token.create(public_data_object("PDATA", personal_data(plan.holder, card_life(plan, now))));
 }
 
 void fill_card(const Card& card, const CardPlan& plan, const Authority& authority, const Fill& fill) {

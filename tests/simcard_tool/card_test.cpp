@@ -6,6 +6,13 @@
 #include "tests/simcard/objects.h"
 #include "tests/simcard_tool/test_cards.h"
 
+#include <openssl/x509v3.h>
+
+#include <array>
+#include <chrono>
+#include <set>
+#include <thread>
+
 namespace {
 
 using namespace simcard;
@@ -46,6 +53,36 @@ void change_everything(const Card& card) {
         changed.inserted = false;
         changed.insertions = 4;
     });
+}
+
+// The subject of a pair: what comes after it is made in a later second than what came before it.
+ossl::Name name_after_a_second(const Holder& holder, const std::string& serial) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    return holder_name(holder, serial);
+}
+
+TEST(CardTest, HasCertificatesThatEndTogetherHoweverLongItsMakingTakes) {
+    const std::array<PairPlan, 3> pairs{{{"DS0", "signature", &CardPlan::signature_days},
+                                         {"DS3", "signature", &CardPlan::signature_days, name_after_a_second},
+                                         {"DS4", "signature", &CardPlan::signature_days}}};
+    Profile profile = profile_named("signature");
+    profile.pairs = pairs;
+    TestCards cards;
+    const Card card = cards.make({.profile = &profile});
+    zvtest::Module module;
+    ASSERT_EQ(module->C_Initialize(nullptr), CKR_OK);
+    std::set<std::time_t> ends;
+    const CK_SESSION_HANDLE session = module.open();
+    for (const CK_OBJECT_HANDLE object : zvtest::find_all(module, session)) {
+        const std::string der = zvtest::read(module, session, object, CKA_VALUE);
+        const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+        const ossl::Certificate certificate(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
+        if (!certificate || X509_check_ca(certificate.get()) != 0) continue;
+        std::tm end{};
+        ASSERT_EQ(ASN1_TIME_to_tm(X509_get0_notAfter(certificate.get()), &end), 1);
+        ends.insert(::timegm(&end));
+    }
+    EXPECT_EQ(ends.size(), 1U);
 }
 
 TEST(CardTest, IsPutBackAsItWasMade) {
