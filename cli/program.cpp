@@ -66,9 +66,9 @@ int start(int argc, char** argv, Memory memory) {
     log_in_rehearsal();
     const Invocation invocation = read_command_line(argc, argv);
     if (invocation.uses_library) {
+        loadErrorCodes();
         if (const Sentence problem = make_log_folder(); !problem.empty()) note(problem);
     }
-    loadErrorCodes();
     const Exit exit = run(invocation);
     if (const Sentence problem = journal_problem(); !problem.empty()) note(problem);
     return static_cast<int>(exit);
