@@ -19,12 +19,10 @@ std::vector<std::string> entries_of(const std::string& log) {
     return entries;
 }
 
-void write_bare(const std::filesystem::path& log, const std::vector<std::string>& entries) {
-    for (const std::string& entry : entries) {
-        const int file = ::open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-        if (::write(file, entry.data(), entry.size()) < 0) std::perror("log");
-        ::close(file);
-    }
+void write_bare(const std::filesystem::path& log, const std::string& entry) {
+    const int file = ::open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    if (::write(file, entry.data(), entry.size()) < 0) std::perror("log");
+    ::close(file);
 }
 
 } // namespace bench

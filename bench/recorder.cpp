@@ -66,7 +66,8 @@ void KeptCall::rewind() {
         std::memcpy(room->live.data(), room->as_given.data(), room->live.size());
 }
 
-Recorder::Recorder(CK_FUNCTION_LIST& list) : list_(list), own_(list) {
+Recorder::Recorder(CK_FUNCTION_LIST& list, std::filesystem::path log)
+    : log_(std::move(log)), list_(list), own_(list) {
     recorder = this;
     list = pkcs11::forwarding_list<record>();
 }
@@ -80,6 +81,9 @@ CK_RV Recorder::record(const pkcs11::Call& call) noexcept {
     if (call.function == pkcs11::Function::C_GetFunctionList)
         return call.invoke(recorder->own_, call.arguments);
     KeptCall kept(call);
+    std::error_code none;
+    kept.log_size =
+        std::filesystem::exists(recorder->log_, none) ? std::filesystem::file_size(recorder->log_, none) : 0;
     kept.result = call.invoke(recorder->own_, call.arguments);
     return recorder->calls.emplace_back(std::move(kept)).result;
 }

@@ -3,6 +3,7 @@
 #include "pkcs11/call.h"
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct KeptCall {
 
     pkcs11::Call call;
     CK_RV result = CKR_OK;
+    std::size_t log_size = 0; // before it
     std::vector<std::unique_ptr<Room>> rooms;
 
   private:
@@ -29,10 +31,11 @@ struct KeptCall {
     CK_ULONG keep_argument(const pkcs11::Call& made, std::size_t index);
 };
 
-// Keeps every call to a module while it lives: its own functions stand in the module's list meanwhile.
+// Keeps every call to a module while it lives, and how much the log held then: its own functions stand in the module's list
+// meanwhile.
 class Recorder {
   public:
-    explicit Recorder(CK_FUNCTION_LIST& list);
+    Recorder(CK_FUNCTION_LIST& list, std::filesystem::path log);
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
@@ -42,6 +45,7 @@ class Recorder {
   private:
     static CK_RV record(const pkcs11::Call& call) noexcept;
 
+    std::filesystem::path log_;
     CK_FUNCTION_LIST& list_;
     CK_FUNCTION_LIST own_;
 };

@@ -1,6 +1,6 @@
-// How long the library's flows take beside the calls that they make of the module: the same calls made bare, and the
-// entries of the log written bare, in turns. Prints a line for each flow: title, milliseconds of the flow, of its calls
-// and of its entries, the number of calls and of entries, separated by tabs.
+// How long the library's flows take beside what they do outside it: the same calls of the module made bare and the same
+// entries of the log written bare, in their order, in turns with the flow. Prints a line for each: title, milliseconds of
+// the flow and of the bare one, their ratio, the number of calls and of entries, separated by tabs.
 #include "bench/bare_log.h"
 #include "bench/recorder.h"
 #include "bench/timing.h"
@@ -43,8 +43,9 @@ const TimedFlow FLOWS[] = {
     {"installing, old pair removed", {read, request, issue}, save<false>},
 };
 
-void print_line(const char* title, const std::vector<double>& times, std::size_t calls, std::size_t entries) {
-    std::printf("%s\t%.3f\t%.3f\t%.3f\t%zu\t%zu\n", title, times[0], times[1], times[2], calls, entries);
+void print_line(const char* title, const bench::Turns& turns, std::size_t calls, std::size_t entries) {
+    std::printf("%s\t%.3f\t%.3f\t%.3f\t%zu\t%zu\n", title, turns.work, turns.bare, turns.ratio, calls,
+                entries);
 }
 
 // A flow on a card that is as it was before each time.
@@ -55,17 +56,16 @@ class Measured {
             use(host_);
         fs::copy(host_.card.folder, copy_, fs::copy_options::recursive);
         host_.log.clear();
-        bench::Recorder recorder(*host_.module.list());
+        bench::Recorder recorder(*host_.module.list(), host_.log.path());
         flow_.run(host_);
         calls_ = std::move(recorder.calls);
         entries_ = bench::entries_of(host_.log.raw());
     }
 
     void print() {
-        const auto times =
-            bench::in_turns([&] { prepare(); }, {[&] { flow_.run(host_); }, [&] { call_bare(); },
-                                                 [&] { bench::write_bare(host_.log.path(), entries_); }});
-        print_line(flow_.title, times, calls_.size(), entries_.size());
+        print_line(flow_.title,
+                   bench::in_turns([&] { prepare(); }, [&] { flow_.run(host_); }, [&] { run_bare(); }),
+                   calls_.size(), entries_.size());
     }
 
   private:
@@ -77,9 +77,20 @@ class Measured {
         for (bench::KeptCall& kept : calls_)
             kept.rewind();
     }
-    void call_bare() {
-        for (const bench::KeptCall& kept : calls_)
+    void run_bare() {
+        std::size_t written = 0;
+        auto entry = entries_.begin();
+        const auto write_next = [&] {
+            written += entry->size();
+            bench::write_bare(host_.log.path(), *entry++);
+        };
+        for (const bench::KeptCall& kept : calls_) {
+            while (written < kept.log_size)
+                write_next();
             if (kept.call.invoke(*host_.module.list(), kept.call.arguments) != kept.result) std::abort();
+        }
+        while (entry != entries_.end())
+            write_next();
     }
 
     const TimedFlow& flow_;
@@ -98,9 +109,12 @@ void print_log() {
     };
     write();
     const auto entries = bench::entries_of(log.raw());
-    const auto times = bench::in_turns([&] { log.clear(); },
-                                       {write, [] {}, [&] { bench::write_bare(log.path(), entries); }});
-    print_line("entries of the log", times, 0, entries.size());
+    const auto write_bare = [&] {
+        for (const std::string& entry : entries)
+            bench::write_bare(log.path(), entry);
+    };
+    print_line("entries of the log", bench::in_turns([&] { log.clear(); }, write, write_bare), 0,
+               entries.size());
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <vector>
 
 namespace bench {
 namespace {
@@ -14,21 +15,23 @@ double milliseconds(const Work& work) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun).count();
 }
 
+double median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + ROUNDS / 2, values.end());
+    return values[ROUNDS / 2];
+}
+
 } // namespace
 
-std::vector<double> in_turns(const Work& prepare, const std::vector<Work>& works) {
-    std::vector<std::vector<double>> times(works.size());
-    for (int round = 0; round < ROUNDS; ++round)
-        for (std::size_t i = 0; i < works.size(); ++i) {
-            prepare();
-            times[i].push_back(milliseconds(works[i]));
-        }
-    std::vector<double> medians;
-    for (auto& of : times) {
-        std::nth_element(of.begin(), of.begin() + ROUNDS / 2, of.end());
-        medians.push_back(of[ROUNDS / 2]);
+Turns in_turns(const Work& prepare, const Work& work, const Work& bare) {
+    std::vector<double> works, bares, ratios;
+    for (int round = 0; round < ROUNDS; ++round) {
+        prepare();
+        works.push_back(milliseconds(work));
+        prepare();
+        bares.push_back(milliseconds(bare));
+        ratios.push_back(works.back() / bares.back());
     }
-    return medians;
+    return {median(works), median(bares), median(ratios)};
 }
 
 } // namespace bench

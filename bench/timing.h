@@ -1,13 +1,16 @@
 #pragma once
 
 #include <functional>
-#include <vector>
 
 namespace bench {
 
 using Work = std::function<void()>;
 
-// Median milliseconds of works that take turns, each after a preparation that is not timed.
-std::vector<double> in_turns(const Work& prepare, const std::vector<Work>& works);
+// Medians of two works that take turns, each after a preparation that is not timed.
+struct Turns {
+    double work, bare; // milliseconds
+    double ratio;      // of the two of a turn
+};
+Turns in_turns(const Work& prepare, const Work& work, const Work& bare);
 
 } // namespace bench
