@@ -67,11 +67,14 @@ std::vector<CK_OBJECT_HANDLE> private_keys(const Session& session, std::string_v
     return keys;
 }
 
+bool is_rsa(const Certificate& certificate) {
+    const EVP_PKEY* key = certificate.key();
+    return key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA;
+}
+
 ossl::BigNumber modulus_of(const Certificate& certificate) {
     BIGNUM* modulus = nullptr;
-    const EVP_PKEY* key = certificate.key();
-    if (key != nullptr && EVP_PKEY_get_base_id(key) == EVP_PKEY_RSA)
-        (void)EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_N, &modulus);
+    if (is_rsa(certificate)) (void)EVP_PKEY_get_bn_param(certificate.key(), OSSL_PKEY_PARAM_RSA_N, &modulus);
     return ossl::BigNumber(modulus);
 }
 
@@ -141,7 +144,7 @@ CardSigner find_signer(const Session& session, std::string_view key_id) {
                       "Nessun certificato \"" + std::string(key_id) + "\" leggibile sulla smart card");
     const auto [key, chosen] = first_pair(session, keys, own);
     CardSigner signer{key, std::move(own[chosen].certificate), {}};
-    if (!modulus_of(signer.certificate))
+    if (!is_rsa(signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Il certificato \"" + std::string(key_id) + "\" non è di una chiave RSA");
     signer.issuer = take_issuer(signer.certificate, others);

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 namespace zv {
 
 // Overwrites memory that held a secret; not left out by the compiler.
 inline void wipe(void* memory, std::size_t size) {
-    auto* byte = static_cast<volatile unsigned char*>(memory);
-    while (size-- > 0)
-        *byte++ = 0;
+    std::memset(memory, 0, size);
+    asm volatile("" : : "r"(memory) : "memory"); // as if it were read
 }
 
 } // namespace zv
