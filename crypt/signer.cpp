@@ -21,12 +21,13 @@ constexpr std::size_t ROOM_FOR_ID = 256;
 constexpr std::size_t ROOM_FOR_CERTIFICATE = 16384;
 constexpr std::size_t ROOM_FOR_MODULUS = 1024;
 
+// As the card gives it: reading one takes a while, and few are wanted.
 struct CardCertificate {
     Bytes id;
-    Certificate certificate;
+    Bytes value;
 };
 
-// Every certificate of the card that can be read. One that cannot, such as an entry whose file is gone, does
+// Every certificate that the card gives. One that it does not, such as an entry whose file is gone, does
 // not stand in the others' way; the first such failure is kept for the case that nothing else helps.
 struct CardCertificates {
     std::vector<CardCertificate> all;
@@ -49,8 +50,7 @@ CardCertificates card_certificates(const Session& session) {
                 certificates.failure = std::make_exception_ptr(module_failure("C_GetAttributeValue", result));
             continue;
         }
-        auto certificate = read_certificate(value_of(attributes[1], value));
-        if (certificate) certificates.all.push_back({value_of(attributes[0], id), std::move(certificate)});
+        certificates.all.push_back({value_of(attributes[0], id), value_of(attributes[1], value)});
     }
     return certificates;
 }
@@ -87,48 +87,65 @@ ossl::BigNumber modulus_of(const Session& session, CK_OBJECT_HANDLE key) {
     return ossl::BigNumber(BN_bin2bn(modulus.data(), static_cast<int>(modulus.size()), nullptr));
 }
 
-bool have_one_key(const std::vector<CardCertificate>& certificates) {
-    const EVP_PKEY* first = certificates.front().certificate.key();
+bool have_one_key(const std::vector<Certificate>& certificates) {
+    const EVP_PKEY* first = certificates.front().key();
     return std::all_of(certificates.begin(), certificates.end(),
-                       [&](const auto& one) { return EVP_PKEY_eq(one.certificate.key(), first) == 1; });
+                       [&](const Certificate& one) { return EVP_PKEY_eq(one.key(), first) == 1; });
 }
 
 // The first certificate that is one of the keys', and that key; the card is asked only when there is a choice
 // of keys.
 std::pair<CK_OBJECT_HANDLE, std::size_t> first_pair(const Session& session,
                                                     const std::vector<CK_OBJECT_HANDLE>& keys,
-                                                    const std::vector<CardCertificate>& certificates) {
+                                                    const std::vector<Certificate>& certificates) {
     if (keys.size() == 1 && have_one_key(certificates)) return {keys[0], 0};
     std::vector<ossl::BigNumber> moduli;
     moduli.reserve(keys.size());
     for (const auto key : keys)
         moduli.push_back(modulus_of(session, key));
     for (std::size_t i = 0; i < certificates.size(); ++i) {
-        const auto wanted = modulus_of(certificates[i].certificate);
+        const auto wanted = modulus_of(certificates[i]);
         for (std::size_t k = 0; k < keys.size(); ++k)
             if (wanted && moduli[k] && BN_cmp(wanted.get(), moduli[k].get()) == 0) return {keys[k], i};
     }
     throw Failure(ZVC_ERR_CERTIFICATE, "Nessuno dei certificati con l'identificativo della chiave è il suo");
 }
 
-// Takes those with the identifier out of the card's certificates, the best first.
-std::vector<CardCertificate> take_own(std::vector<CardCertificate>& all, std::string_view key_id) {
-    const auto own = std::stable_partition(all.begin(), all.end(), [&](const auto& one) {
-        return std::string_view(reinterpret_cast<const char*>(one.id.data()), one.id.size()) != key_id;
-    });
-    std::vector<CardCertificate> taken(std::make_move_iterator(own), std::make_move_iterator(all.end()));
-    all.erase(own, all.end());
-    std::sort(taken.begin(), taken.end(), [now = std::time(nullptr)](const auto& one, const auto& other) {
-        return preference_of(one.certificate, now) > preference_of(other.certificate, now);
-    });
-    return taken;
+bool has_id(const CardCertificate& one, std::string_view id) {
+    return std::string_view(reinterpret_cast<const char*>(one.id.data()), one.id.size()) == id;
 }
 
-// A second copy of a certificate that signed itself is not its issuer's.
-Certificate take_issuer(const Certificate& certificate, std::vector<CardCertificate>& others) {
-    for (auto& [id, other] : others)
-        if (other && other.der != certificate.der && is_issued_by(certificate, other))
-            return std::exchange(other, {});
+// Those with the identifier that can be read, the best first.
+std::vector<Certificate> own_certificates(const std::vector<CardCertificate>& all, std::string_view key_id) {
+    std::vector<Certificate> own;
+    for (const CardCertificate& one : all)
+        if (has_id(one, key_id))
+            if (Certificate certificate = read_certificate(one.value)) own.push_back(std::move(certificate));
+    std::sort(own.begin(), own.end(), [now = std::time(nullptr)](const auto& one, const auto& other) {
+        return preference_of(one, now) > preference_of(other, now);
+    });
+    return own;
+}
+
+bool has_subject(const CardCertificate& one, der::Span subject) {
+    try {
+        return std::ranges::equal(take_apart(one.value).subject, subject);
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+// First those whose subject is the issuer byte by byte: a name can be written in several ways, but seldom is. A second copy
+// of a certificate that signed itself is not its issuer's.
+Certificate find_issuer(const Certificate& certificate, std::vector<CardCertificate> all,
+                        std::string_view key_id) {
+    std::stable_partition(all.begin(), all.end(), [&](const auto& one) { return !has_id(one, key_id); });
+    const der::Span name = certificate.parts().issuer;
+    std::stable_partition(all.begin(), all.end(), [&](const auto& one) { return has_subject(one, name); });
+    for (const CardCertificate& one : all)
+        if (Certificate other = read_certificate(one.value);
+            other && other.der != certificate.der && is_issued_by(certificate, other))
+            return other;
     return {};
 }
 
@@ -136,19 +153,18 @@ Certificate take_issuer(const Certificate& certificate, std::vector<CardCertific
 
 CardSigner find_signer(const Session& session, std::string_view key_id) {
     const auto keys = private_keys(session, key_id);
-    auto [others, failure] = card_certificates(session);
-    auto own = take_own(others, key_id);
+    auto [all, failure] = card_certificates(session);
+    auto own = own_certificates(all, key_id);
     if (own.empty() && failure) std::rethrow_exception(failure);
     if (own.empty())
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Nessun certificato \"" + std::string(key_id) + "\" leggibile sulla smart card");
     const auto [key, chosen] = first_pair(session, keys, own);
-    CardSigner signer{key, std::move(own[chosen].certificate), {}};
+    CardSigner signer{key, std::move(own[chosen]), {}};
     if (!is_rsa(signer.certificate))
         throw Failure(ZVC_ERR_CERTIFICATE,
                       "Il certificato \"" + std::string(key_id) + "\" non è di una chiave RSA");
-    signer.issuer = take_issuer(signer.certificate, others);
-    if (!signer.issuer) signer.issuer = take_issuer(signer.certificate, own);
+    signer.issuer = find_issuer(signer.certificate, std::move(all), key_id);
     return signer;
 }
 
