@@ -56,8 +56,8 @@ inline CK_RV relabel(Module& module, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE
 }
 
 inline std::string read(Module& module, CK_SESSION_HANDLE session, CK_OBJECT_HANDLE object,
-                        CK_ATTRIBUTE_TYPE type) {
-    std::string value(4096, '\0');
+                        CK_ATTRIBUTE_TYPE type, std::size_t room = 512) {
+    std::string value(room, '\0');
     CK_ATTRIBUTE entry = attribute(type, value);
     if (module->C_GetAttributeValue(session, object, &entry, 1) != CKR_OK) return "?";
     value.resize(entry.ulValueLen);
