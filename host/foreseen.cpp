@@ -4,6 +4,7 @@
 #include "host/error.h"
 #include "host/install_plan.h"
 #include "host/planned_changes.h"
+#include "host/remember.h"
 #include "host/request_plan.h"
 #include "host/standing.h"
 #include "zvConstants.h"
@@ -76,6 +77,7 @@ class Foresight {
 
     [[nodiscard]] Plan plan() const {
         if (standing_.was_stored()) return rest(standing_.remembered.pair);
+        if (at_hand_ && own_has_come()) return rest(ZV_OWN_PAIR);
         if (at_hand_ && (services() || !standing_.waiting.empty())) return installation();
         if (at_hand_ && !standing_.due) return rest(standing_.current);
         return standing_.requested ? waiting() : request();
@@ -83,6 +85,12 @@ class Foresight {
 
   private:
     [[nodiscard]] bool services() const { return wishes_.request.kind == Kind::services; }
+    // It was stored, and what comes after that was not done.
+    [[nodiscard]] bool own_has_come() const {
+        const CertificateRecord* last = inventory_.current(Kind::services);
+        return services() && last != nullptr && !standing_.due && standing_.remembered.pair == ZV_OWN_PAIR &&
+               is_new_one(standing_.remembered, last->serial);
+    }
     [[nodiscard]] std::string old_of(const std::string& pair) const {
         return wishes_.replace.empty() ? standing_.old_of(pair) : wishes_.replace;
     }

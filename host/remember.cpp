@@ -92,12 +92,16 @@ RememberedCard remember_shown(const CardList& list, const std::vector<std::strin
         const RememberedCard before = card;
         take_list(card, list);
         keep_hidden(card.certificates, before, hidden);
-        if (!before.is_pending(Kind::services) ||
-            own_certificate(before.certificates) != own_certificate(card.certificates))
-            return;
-        card.pending.push_back({Kind::services, ZV_OWN_PAIR});
         if (const RememberedRenewal* renewal = before.renewal(Kind::services)) card.set_renewal(*renewal);
+        if (before.is_pending(Kind::services) &&
+            own_certificate(before.certificates) == own_certificate(card.certificates))
+            card.pending.push_back({Kind::services, ZV_OWN_PAIR});
     });
+}
+
+bool is_new_one(const RememberedRenewal& renewal, const std::string& serial) {
+    if (renewal.kind != Kind::services || renewal.step != RENEWAL_REQUESTED) return true;
+    return !renewal.replaced_serial.empty() && serial != renewal.replaced_serial;
 }
 
 void remember_request(const CardFacts& card, const RememberedRenewal& renewal) {

@@ -18,9 +18,14 @@ void remember_all(const CardFacts& card, const Inventory& inventory, const CardV
 void remember_view(const CardFacts& card, const CardView& view);
 
 // What a reading without the PIN found. Of what may be there and does not show, what was remembered stays: certificates of
-// `hidden` identifiers, and the request for a services card's own certificate while that is still the same.
+// `hidden` identifiers, the request for a services card's own certificate while that is still the same, and that
+// renewal.
 // @return what is remembered now
 RememberedCard remember_shown(const CardList& list, const std::vector<std::string>& hidden);
+
+// Whether a certificate under the renewal's identifier is the one that it waits for: a services card has its old one and its
+// new one under the same.
+[[nodiscard]] bool is_new_one(const RememberedRenewal& renewal, const std::string& serial);
 
 // That a request was made for a renewal.
 void remember_request(const CardFacts& card, const RememberedRenewal& renewal);

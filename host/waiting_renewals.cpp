@@ -1,5 +1,6 @@
 #include "host/card_status.h"
 #include "host/journal.h"
+#include "host/remember.h"
 #include "zvConstants.h"
 
 #include <algorithm>
@@ -17,12 +18,21 @@ WaitingRenewal remembered(const RememberedCard& card, Kind kind, const std::stri
     return waiting;
 }
 
-// Empty: it is not there. A services card has its certificate under the same identifier all along.
+// Empty: it is not there.
 std::string stored_certificate(const CardList& list, const RememberedRenewal& renewal) {
-    if (renewal.kind == Kind::services && renewal.step == RENEWAL_REQUESTED) return {};
-    for (const ListedCertificate& one : list.certificates)
-        if (one.record.id == renewal.pair && !one.due) return one.record.der;
+    for (const ListedCertificate& one : list.certificates) {
+        const bool is_last = renewal.kind != Kind::services || !one.replaced;
+        if (one.record.id == renewal.pair && is_last && !one.due && is_new_one(renewal, one.record.serial))
+            return one.record.der;
+    }
     return {};
+}
+
+// Whether the services card's own certificate is still to come, as far as is known.
+bool waits_for_own(const CardStatus& status, const RememberedCard& card) {
+    const RememberedRenewal* renewal = card.renewal(Kind::services);
+    return status.services_pending &&
+           (renewal == nullptr || stored_certificate(status.list, *renewal).empty());
 }
 
 } // namespace
@@ -33,7 +43,7 @@ std::vector<WaitingRenewal> waiting_renewals(const CardStatus& status) {
     std::vector<WaitingRenewal> waiting;
     for (const ListedPair& listed : status.list.pending)
         waiting.push_back(remembered(card, listed.pair.kind, listed.pair.id));
-    if (status.services_pending) waiting.push_back(remembered(card, Kind::services, ZV_OWN_PAIR));
+    if (waits_for_own(status, card)) waiting.push_back(remembered(card, Kind::services, ZV_OWN_PAIR));
     for (const RememberedRenewal& renewal : card.renewals) {
         const auto same = [&](const WaitingRenewal& one) { return one.kind == renewal.kind; };
         const std::string stored = stored_certificate(status.list, renewal);

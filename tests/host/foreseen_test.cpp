@@ -91,8 +91,24 @@ class ForeseenTest : public testing::Test {
         std::string text;
         for (const zvhost::WaitingRenewal& one : waiting_renewals(look_at_card(choice_, zvhost::USUAL_DAYS)))
             text += one.pair + " " + std::filesystem::path(one.request).filename().string() +
-                    ", in the place of " + one.replaces;
+                    ", in the place of " + one.replaces + (one.stored.empty() ? "" : ", stored");
         return text;
+    }
+    // What was broken off when the new certificate was on the card and the mark not yet removed.
+    void store_without_more() {
+        const std::filesystem::path journal = file("zvrenew"), before = file("before");
+        std::filesystem::copy(journal, before, std::filesystem::copy_options::recursive);
+        zvtest::Module module;
+        zvhost::PlannedRenewal renewal = planned();
+        module.add_rules("C_DestroyObject:1+:answer:0x30");
+        zvhost::Progress silent;
+        try {
+            (void)renewal.apply(silent);
+        } catch (const zvhost::Error&) {
+        }
+        std::filesystem::remove_all(journal);
+        std::filesystem::rename(before, journal);
+        zvhost::end_modules();
     }
     // Where the old certificate is on the card.
     static std::string gone(const std::string& id) {
@@ -184,6 +200,20 @@ TEST_F(ForeseenTest, SeesARenewalGoOnWhereTheOldCertificateIsGone) {
     }
     EXPECT_EQ(waits(), "CNS0 request, in the place of CNS0");
     foresees({STORED, "The card is no longer marked: the request is answered.", NOTHING_REMOVED});
+}
+
+TEST_F(ForeseenTest, SeesARenewalGoOnWhereItsCertificateIsStoredAndTheMarkIsLeft) {
+    make_card("cns", Kind::services);
+    zvhost::Progress silent;
+    (void)planned().apply(silent);
+    answer();
+    store_without_more();
+    for (int look = 0; look < 2; ++look)
+        EXPECT_EQ(waits(), "CNS0 request, in the place of CNS0, stored");
+    (void)planned(); // with the PIN, by which the mark shows
+    EXPECT_EQ(waits(), "CNS0 request, in the place of CNS0, stored");
+    foresees({"The card is no longer marked: the request is answered.", NOTHING_REMOVED});
+    EXPECT_EQ(waits(), "");
 }
 
 TEST_F(ForeseenTest, TellsWhatIsRefusedWithoutAPin) {
