@@ -51,6 +51,23 @@ TEST_F(Flow, APendingPairIsUsedAgainAndDiscardedWhenAsked) {
     EXPECT_TRUE(has(log.text(), "Codice FindObjects: 0x4\n* Chiave pubblica \tkey type: RSA key\r\n"));
 }
 
+TEST_F(Flow, ACommandGivesTheLengthOfItsResultInTheLowHalfOfTheVariable) {
+    constexpr long HIGH_HALF = 7L << 32;
+    ASSERT_EQ(read().result, 0);
+    ASSERT_EQ(request(), 0);
+    std::string label = "DS0", pending = "DS3";
+    RichiestaMinInfo(label.data(), PIN, "none", pending.data(), "PRA", "R");
+    std::string block = zv::szBufferRichiesta;
+    char out[8000];
+    long length = HIGH_HALF | static_cast<long>(sizeof out);
+    ASSERT_EQ(miExecCmd("REQREN", block.data(), 0, out, &length), 0);
+    EXPECT_TRUE(has(out, "-----END CERTIFICATE REQUEST-----"));
+    EXPECT_EQ(length, HIGH_HALF | static_cast<long>(std::strlen(out)));
+    long too_little = static_cast<long>(std::strlen(out));
+    EXPECT_EQ(miExecCmd("REQREN", block.data(), 0, out, &too_little), ZV_NOT_SENT);
+    EXPECT_EQ(too_little, static_cast<long>(std::strlen(out)));
+}
+
 TEST_F(Flow, RefusalsOfAGenerationReachTheUser) {
     ASSERT_EQ(read().result, 0);
     const std::vector<std::pair<const char*, const char*>> refusals = {
