@@ -121,7 +121,7 @@ void Window::take(const Situation& now) {
 }
 
 void Window::show_start() {
-    run_.reset();
+    if (std::exchange(run_, nullptr) != nullptr) return begin({}); // what was shown is no longer so
     errand_ = {};
     start_->show_situation(situation_);
     show_page(*start_);

@@ -55,6 +55,7 @@ TEST_P(WindowLanguageTest, RenewsASignatureCertificate) {
     picture("done");
     press("window-finish");
     wait_for_page("start-page");
+    EXPECT_TRUE(says(told_in("window-nothing-due"))) << "the card as it is now: " << told();
 }
 
 INSTANTIATE_TEST_SUITE_P(All, WindowLanguageTest, testing::ValuesIn(words::LANGUAGES));
