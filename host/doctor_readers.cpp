@@ -80,6 +80,16 @@ void look_into(Looks& looks, const std::vector<std::string>& names) {
                   {advise("insert-card", "doctor-insert-card")});
 }
 
+// In the place of what was said of a file that is there.
+void refuse_table(Looks& looks, const std::vector<Sentence>& reason) {
+    std::erase_if(looks.examination.findings, [](const Finding& one) {
+        return one.topic == "configuration" && one.health == Health::right;
+    });
+    looks.add("configuration", Health::wrong, "doctor-configuration-refused",
+              {{"file", looks.table.file}, {"reason", reason}},
+              {advise("mend-configuration", "doctor-mend-configuration", {{"file", looks.table.file}})});
+}
+
 } // namespace
 
 void look_at_service(Looks& looks) {
@@ -108,11 +118,7 @@ void look_at_readers(Looks& looks) {
     if (code == ZVC_OK) return look_into(looks, names_in(list.data()));
     if (code == ZVC_ERR_NO_SERVICE) return; // told of the service
     const auto reason = crypto_reason(code);
-    if (code == ZVC_ERR_CONFIG || code == ZVC_ERR_CONFIG_FILE)
-        return looks.add(
-            "configuration", Health::wrong, "doctor-configuration-refused",
-            {{"file", looks.table.file}, {"reason", reason}},
-            {advise("mend-configuration", "doctor-mend-configuration", {{"file", looks.table.file}})});
+    if (code == ZVC_ERR_CONFIG || code == ZVC_ERR_CONFIG_FILE) return refuse_table(looks, reason);
     looks.add("readers", Health::wrong, "doctor-readers-failed", {{"reason", reason}}, {start_service()});
 }
 

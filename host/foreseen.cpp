@@ -121,8 +121,8 @@ class Foresight {
         }
         Plan plan = changes_of(install, standing_.card, view_);
         plan.notices = notices_of(install);
-        if (!services() && wishes_.remove_old)
-            plan.notices.push_back(standing_.removes_later(old_of(install.pair)));
+        if (const std::string old = old_of(install.pair); !services() && wishes_.remove_old && !old.empty())
+            plan.notices.push_back(standing_.removes_later(old));
         return plan;
     }
     // As in a removal: the certificate, then its keys.

@@ -91,7 +91,8 @@ void PlannedRenewal::Work::plan_installation(const std::string& file) {
     lacks_room_ = lacks_room(seen_);
     if (lacks_room_ && wishes_.remove_old && plan_certificate_first()) return;
     if (lacks_room_) seen_.notices.emplace_back("renewal-little-room", Values{});
-    if (wishes_.remove_old) seen_.notices.push_back(standing_.removes_later(old_of(standing_.waiting)));
+    if (const std::string old = old_of(standing_.waiting); wishes_.remove_old && !old.empty())
+        seen_.notices.push_back(standing_.removes_later(old));
 }
 
 // The old certificate makes room for the new one; its keys stay until that is proved, so that it can be stored back.

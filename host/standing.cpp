@@ -107,9 +107,7 @@ std::time_t Standing::end_under(const std::string& id) const {
 }
 
 Sentence Standing::removes_later(const std::string& id) const {
-    Values which;
-    if (!id.empty()) which = {{"id", id}, {"ends", Moment{end_under(id)}}};
-    return {REMOVES_LATER, which};
+    return {REMOVES_LATER, {{"id", id}, {"ends", Moment{end_under(id)}}}};
 }
 
 bool Standing::was_stored() const {

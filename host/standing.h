@@ -48,7 +48,7 @@ struct Standing {
     [[nodiscard]] std::string old_of(const std::string& pair) const;
     // When the certificate of that identifier ends; 0 when that is not known.
     [[nodiscard]] std::time_t end_under(const std::string& id) const;
-    // Tells that this certificate goes once the new one is proved; empty: nothing says which.
+    // Tells that this certificate goes once the new one is proved.
     [[nodiscard]] Sentence removes_later(const std::string& id) const;
     // The pair was made, and its request.
     void note_request(const MadeRequest& made);

@@ -74,6 +74,7 @@ TEST_F(DoctorProgramTest, SaysOfATableWhatIsMissingSoThatItCanBePasted) {
     EXPECT_EQ(malformed.code, 1);
     EXPECT_TRUE(malformed.says("riga ")) << malformed.out;
     EXPECT_TRUE(malformed.says("WRONG    configuration: ")) << malformed.out;
+    EXPECT_FALSE(malformed.says("right    configuration: ")) << malformed.out;
 }
 
 TEST_F(DoctorProgramTest, OutlivesAModuleThatDoesNotServe) {

@@ -145,6 +145,8 @@ TEST_F(RenewProgramTest, KeepsWhatNothingSaysToGo) {
     ASSERT_EQ(renew(std::string("signature --force ") + BY_FILE).code, 12);
     ASSERT_EQ(tool("issue request --out certificate").code, 0);
     ASSERT_EQ(shell("rm -r " + home().string() + "/.local; mv request elsewhere").code, 0);
+    const Outcome planned = renew(std::string("signature --remove-old --dry-run ") + BY_FILE);
+    EXPECT_FALSE(planned.says("the old one and its keys are removed")) << planned.out;
     const Outcome done = renew(std::string("signature --remove-old ") + BY_FILE);
     EXPECT_EQ(done.code, 0) << done.err;
     EXPECT_EQ(done.count("C_DestroyObject"), 0U);
