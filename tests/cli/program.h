@@ -18,8 +18,7 @@ namespace fs = std::filesystem;
 
 // A sanitizer in the card's module wants to be loaded before all else.
 #ifdef __SANITIZE_ADDRESS__
-inline constexpr const char* WITH_SANITIZER =
-    "LD_PRELOAD=" ZV_ASAN_RUNTIME " ASAN_OPTIONS=detect_leaks=0 ";
+inline constexpr const char* WITH_SANITIZER = "LD_PRELOAD=" ZV_ASAN_RUNTIME " ASAN_OPTIONS=detect_leaks=0 ";
 #else
 inline constexpr const char* WITH_SANITIZER = "";
 #endif

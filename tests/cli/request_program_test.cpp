@@ -80,10 +80,11 @@ TEST_F(RequestProgramTest, SaysWhatIsOnTheCardAfterAFailure) {
     EXPECT_FALSE(std::filesystem::exists(file("r")));
     Outcome reading = with_pin("request signature --days 1 --out r");
     reading.calls.resize(reading.calls.find("CKA_MODULUS 1024>1844"));
-    const std::size_t nth = reading.count("C_GetAttributeValue"); // the certificate; then one by one, two calls each
+    const std::size_t nth =
+        reading.count("C_GetAttributeValue"); // the certificate; then one by one, two calls each
     EXPECT_TRUE(with_pin("request signature --out r",
-                         "C_GetAttributeValue:" + std::to_string(nth) + ":answer:0x12;C_GetAttributeValue:" +
-                             std::to_string(nth + 8) + ":absurd:text")
+                         "C_GetAttributeValue:" + std::to_string(nth) +
+                             ":answer:0x12;C_GetAttributeValue:" + std::to_string(nth + 8) + ":absurd:text")
                     .says("DS0 is on the card, but could not be read"));
 
     const Outcome unsigned_one = with_pin("request signature --out r", "C_Sign:1:absurd:brief");
