@@ -18,8 +18,7 @@ void remember_all(const CardFacts& card, const Inventory& inventory, const CardV
 void remember_view(const CardFacts& card, const CardView& view);
 
 // What a reading without the PIN found. Of what may be there and does not show, what was remembered stays: certificates of
-// `hidden` identifiers, the request for a services card's own certificate while that is still the same, and that
-// renewal.
+// `hidden` identifiers, a services card's renewal, and its request while the own certificate is still the same.
 // @return what is remembered now
 RememberedCard remember_shown(const CardList& list, const std::vector<std::string>& hidden);
 
