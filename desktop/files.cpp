@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <list>
 
 namespace desktop {
 
@@ -25,9 +26,8 @@ std::string new_request_file(const std::string& card_serial, const char* kind) {
 
 // It is gone with the program: what it holds is the authority's to give again.
 QString file_with(const QByteArray& certificate) {
-    static const QTemporaryDir folder;
-    static int count = 0;
-    QFile file(folder.filePath(QStringLiteral("certificate-%1.pem").arg(++count)));
+    static std::list<QTemporaryDir> folders;
+    QFile file(folders.emplace_back().filePath(QStringLiteral("certificate.pem")));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return {};
     return file.write(certificate) == certificate.size() && file.flush() ? file.fileName() : QString();
 }

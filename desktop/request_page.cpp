@@ -67,11 +67,10 @@ void RequestPage::choose_certificate() {
 
 void RequestPage::paste_certificate() {
     const QString pasted = QGuiApplication::clipboard()->text();
-    const QString file = pasted.isEmpty() ? QString() : file_with(pasted.toUtf8());
-    if (file.isEmpty())
-        result_->setText(text("window-nothing-to-paste"));
-    else
-        Q_EMIT certificate_given(file);
+    if (pasted.isEmpty()) return say("window-nothing-to-paste");
+    const QString file = file_with(pasted.toUtf8());
+    if (file.isEmpty()) return say("window-not-pasted");
+    Q_EMIT certificate_given(file);
 }
 
 void RequestPage::say(const char* id) {

@@ -296,6 +296,10 @@ TEST_F(WindowTest, HandsTheRequestOverAndTakesAPastedCertificate) {
     EXPECT_GT(copied.size(), 1000U);
 
     QGuiApplication::clipboard()->setText(QString::fromStdString(simcard::read_file(answer())));
+    ::setenv("TMPDIR", "/dev/null", 1);
+    press("window-paste-certificate");
+    wait_until([&] { return says(told_in("window-not-pasted")); });
+    ::unsetenv("TMPDIR");
     module_.add_rules("C_FindObjectsInit:1:answer:0x30"); // in the look before the PIN is asked for
     press("window-paste-certificate");
     wait_for_page("problem-page");

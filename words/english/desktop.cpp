@@ -32,6 +32,9 @@ constexpr Row DESKTOP_ROWS[] = {
     {"window-no-card-heading", N_("Put your card into the reader")},
     {"window-no-reader-heading", N_("Plug in a card reader")},
     {"window-nothing-due", N_("Nothing needs to be renewed now.")},
+    {"window-not-pasted",
+     N_("What is in the clipboard could not be put into a temporary file. Save it as a file yourself, and "
+        "choose that.")},
     {"window-nothing-to-paste", N_("There is no text in the clipboard.")},
     {"window-on-card", N_("On the card now: {now}")},
     {"window-paste-certificate", N_("&Paste the certificate")},
