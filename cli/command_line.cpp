@@ -145,7 +145,7 @@ Invocation read_command_line(int argc, char** argv) {
     const Words words(argv + std::min(argc, 1), argv + argc);
     if (is_completed(words))
         return as_completion(Parser(every_command).app(), {words.begin() + 1, words.end()});
-    // Without a parser, which is a tenth of what the program's start takes.
+    // Without a parser, which takes a twentieth of the program's start.
     if (words == Words{"--version"}) return {"", false, false, [] { return told(ZV_VERSION); }};
     if (const auto invocation = read_named(argc, argv, words)) return *invocation;
     Parser parser(every_command);
