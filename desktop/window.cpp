@@ -104,7 +104,7 @@ void Window::look_if_changed() {
 void Window::take(const Situation& now) {
     situation_ = now;
     looks_again_ = now.problem.has_value();
-    const bool same = now.shows(errand_.card_serial());
+    const bool same = errand_.card.state && now.shows(errand_.card_serial());
     const bool begins = std::exchange(begins_, false);
     const bool has_answer = !errand_.certificate.empty();
     if (begins && now.problem && now.chosen() != nullptr && now.chosen()->state)

@@ -118,6 +118,23 @@ TEST_F(WindowTest, GivesAPinToNoOtherCard) {
     EXPECT_TRUE(says(other)) << told();
 }
 
+TEST_F(WindowTest, ShowsACardWithoutASerialNumberOnceARunHasEnded) {
+    make_card();
+    simcard::update_card(cards_.path() / "card", [](simcard::Card& card) { card.serial.clear(); });
+    open();
+    press("window-renew-signature");
+    wait_for_page("consent-page");
+    type_pin("99999999");
+    press("window-go-on");
+    wait_for_page("problem-page");
+    press("window-to-start");
+    wait_until([&] {
+        return page().objectName() != QLatin1String("problem-page") &&
+               !says(told_in("window-looking-heading"));
+    });
+    EXPECT_EQ(page().objectName().toStdString(), "start-page") << told();
+}
+
 TEST_F(WindowTest, KeepsThePinToItself) {
     ask_for_pin();
     auto* const field = part<QLineEdit>("window-pin");
